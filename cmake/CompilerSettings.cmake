@@ -1,0 +1,27 @@
+# One place for what every target of the project is compiled with.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+option(ZANTRIO_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" ON)
+set(ZANTRIO_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize=")
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+endif()
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor)
+if(ZANTRIO_WARNINGS_AS_ERRORS)
+  add_compile_options(-Werror)
+endif()
+add_link_options(-Wl,--as-needed)
+
+if(ZANTRIO_SANITIZE)
+  add_compile_options(-fsanitize=${ZANTRIO_SANITIZE} -fno-omit-frame-pointer -g)
+  add_link_options(-fsanitize=${ZANTRIO_SANITIZE})
+  if(ZANTRIO_SANITIZE MATCHES "undefined")
+    add_compile_options(-fno-sanitize-recover=undefined)
+  endif()
+endif()

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <Poco/AutoPtr.h>
+#include <Poco/FileChannel.h>
+#include <Poco/LogStream.h>
+#include <Poco/Message.h>
+#include <Poco/Mutex.h>
+
+#include <string>
+
+namespace zantrio {
+
+// The application log: one named logger that writes to a rotating file. One a process, made when
+// it is first asked for and kept to the process's end. Thread: any; each line is written whole.
+class CLogHolder {
+ public:
+  // Null when there was no memory for it.
+  static CLogHolder* get();
+
+  CLogHolder();
+  CLogHolder(const CLogHolder&) = delete;
+  CLogHolder& operator=(const CLogHolder&) = delete;
+
+  // To be set before the first line; an empty path is ignored.
+  void setLogPath(const std::string& path);
+
+  // Writes the pieces, one after the other, as one line. A line that cannot be written is lost.
+  template <class... Pieces>
+  void write(Poco::Message::Priority priority, const Pieces&... pieces) {
+    const Poco::FastMutex::ScopedLock lock(mutex_);
+    beginLine(priority);
+    ((stream_ << pieces), ...);
+    endLine();
+  }
+
+ private:
+  void beginLine(Poco::Message::Priority priority);
+  void endLine();
+
+  Poco::FastMutex mutex_;
+  // Guarded by mutex_.
+  Poco::AutoPtr<Poco::FileChannel> file_;
+  Poco::LogStream stream_;
+};
+
+template <class... Pieces>
+void writeLog(Poco::Message::Priority priority, const Pieces&... pieces) {
+  if (CLogHolder* log = CLogHolder::get()) {
+    log->write(priority, pieces...);
+  }
+}
+
+// Progress and state.
+template <class... Pieces>
+void logInformation(const Pieces&... pieces) {
+  writeLog(Poco::Message::PRIO_INFORMATION, pieces...);
+}
+
+// Time-outs and unexpected recoveries.
+template <class... Pieces>
+void logWarning(const Pieces&... pieces) {
+  writeLog(Poco::Message::PRIO_WARNING, pieces...);
+}
+
+template <class... Pieces>
+void logError(const Pieces&... pieces) {
+  writeLog(Poco::Message::PRIO_ERROR, pieces...);
+}
+
+}  // namespace zantrio

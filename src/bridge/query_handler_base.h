@@ -1,0 +1,52 @@
+#pragma once
+
+#include <json/value.h>
+
+#include <map>
+#include <string>
+
+#include "bridge/query_handler.h"
+
+namespace zantrio {
+
+// Answers the queries of one bridge: parses the request, finds the method by its name, calls it
+// and answers the page, or tells the page what failed. Derived classes register their methods in
+// their constructors and do not override OnQuery.
+//
+// Every query is answered before OnQuery returns; an exception that leaves a method becomes the
+// answer. Thread: UI.
+class CQueryHandlerBase : public IQueryHandler {
+ public:
+  using Method = Json::Value (CQueryHandlerBase::*)(const Json::Value& parameters);
+  using CefMessageRouterBrowserSide::Handler::OnQuery;
+
+  CQueryHandlerBase();
+
+  bool OnQuery(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame, int64_t query_id,
+               const CefString& request, bool persistent, CefRefPtr<Callback> callback) override;
+  // Does nothing: no query outlives its dispatch.
+  void OnQueryCanceled(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
+                       int64_t query_id) override;
+  // Ignores the context.
+  void setHandlerData(const QueryHandlerContext& context) override;
+  // Empty for every kind.
+  Poco::Any getHandlerData(int kind) override;
+
+ protected:
+  // A name that is registered again gets the later method. A null method may stand in the table;
+  // calling it is reported as an error.
+  template <class Handler>
+  void registerMethod(const std::string& name,
+                      Json::Value (Handler::*method)(const Json::Value& parameters)) {
+    methods_[name] = static_cast<Method>(method);
+  }
+
+ private:
+  bool dispatch(const std::string& request, Callback& callback);
+  bool callMethod(const std::string& name, const Json::Value& parameters, Callback& callback);
+  Json::Value supportedMethods(const Json::Value& parameters);
+
+  std::map<std::string, Method> methods_;
+};
+
+}  // namespace zantrio

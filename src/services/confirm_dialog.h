@@ -1,0 +1,26 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+namespace zantrio {
+
+// A question that is answered with "Yes" or "No". Ownership: the caller's. Thread: UI.
+class IConfirmDialog {
+ public:
+  // How serious the question looks; every other value looks like kStop.
+  static constexpr int kCaution = 0;
+  static constexpr int kStop = 1;
+  static constexpr int kPlain = 2;
+
+  virtual ~IConfirmDialog() = default;
+
+  // Shows `text` (UTF-8) and blocks until the user answers, without a time limit. True for "Yes",
+  // and also when the question cannot be shown.
+  virtual bool ask(const std::string& text, int kind) = 0;
+};
+
+// Null when there was no memory for it.
+std::unique_ptr<IConfirmDialog> createConfirmDialog();
+
+}  // namespace zantrio

@@ -1,0 +1,73 @@
+// Browsers and their hosts.
+#ifndef CEF_INCLUDE_CEF_BROWSER_H_
+#define CEF_INCLUDE_CEF_BROWSER_H_
+
+#include "include/cef_base.h"
+#include "include/cef_drag_data.h"
+#include "include/cef_frame.h"
+#include "include/cef_process_message.h"
+#include "include/cef_request_context.h"
+#include "include/cef_values.h"
+
+class CefBrowserHost;
+class CefClient;
+
+// One browser: a window's page, or an off-screen one. Usable on the UI thread.
+class CefBrowser : public virtual CefBaseRefCounted {
+ public:
+  virtual CefRefPtr<CefBrowserHost> GetHost() = 0;
+  // Unique in this process's life.
+  virtual int GetIdentifier() = 0;
+  virtual bool IsSame(CefRefPtr<CefBrowser> that) = 0;
+  virtual bool IsPopup() = 0;
+  // False after OnBeforeClose.
+  virtual bool IsValid() = 0;
+  virtual bool IsLoading() = 0;
+  virtual void Reload() = 0;
+  virtual void StopLoad() = 0;
+  // Null after OnBeforeClose.
+  virtual CefRefPtr<CefFrame> GetMainFrame() = 0;
+  virtual CefRefPtr<CefFrame> GetFocusedFrame() = 0;
+};
+
+// The browser-process side of a browser: its window, closing, and input of off-screen browsers.
+class CefBrowserHost : public virtual CefBaseRefCounted {
+ public:
+  using DragOperationsMask = cef_drag_operations_mask_t;
+  using MouseButtonType = cef_mouse_button_type_t;
+  using PaintElementType = cef_paint_element_type_t;
+
+  // Makes a browser, later, on the UI thread; the client's life-span handler hears of it.
+  // Callable from any thread. False when the framework is not running.
+  static bool CreateBrowser(const CefWindowInfo& window_info, CefRefPtr<CefClient> client,
+                            const CefString& url, const CefBrowserSettings& settings,
+                            CefRefPtr<CefDictionaryValue> extra_info,
+                            CefRefPtr<CefRequestContext> request_context);
+
+  virtual CefRefPtr<CefBrowser> GetBrowser() = 0;
+  virtual CefRefPtr<CefClient> GetClient() = 0;
+  // Asks the browser to close; true leaves no say to the page's `beforeunload`.
+  virtual void CloseBrowser(bool force_close) = 0;
+  virtual CefWindowHandle GetWindowHandle() = 0;
+  virtual void SetFocus(bool focus) = 0;
+
+  // The following serve off-screen browsers.
+  virtual void WasResized() = 0;
+  virtual void WasHidden(bool hidden) = 0;
+  virtual void NotifyScreenInfoChanged() = 0;
+  virtual void Invalidate(PaintElementType type) = 0;
+  virtual void SendKeyEvent(const CefKeyEvent& event) = 0;
+  virtual void SendMouseClickEvent(const CefMouseEvent& event, MouseButtonType type, bool mouseUp,
+                                   int clickCount) = 0;
+  virtual void SendMouseMoveEvent(const CefMouseEvent& event, bool mouseLeave) = 0;
+  virtual void SendMouseWheelEvent(const CefMouseEvent& event, int deltaX, int deltaY) = 0;
+  virtual void DragTargetDragEnter(CefRefPtr<CefDragData> drag_data, const CefMouseEvent& event,
+                                   DragOperationsMask allowed_ops) = 0;
+  virtual void DragTargetDragOver(const CefMouseEvent& event, DragOperationsMask allowed_ops) = 0;
+  virtual void DragTargetDragLeave() = 0;
+  virtual void DragTargetDrop(const CefMouseEvent& event) = 0;
+  virtual void DragSourceEndedAt(int x, int y, DragOperationsMask op) = 0;
+  virtual void DragSourceSystemDragEnded() = 0;
+};
+
+#endif  // CEF_INCLUDE_CEF_BROWSER_H_

@@ -1,0 +1,10 @@
+// Context menus: always handled by default here.
+#ifndef CEF_INCLUDE_CEF_CONTEXT_MENU_HANDLER_H_
+#define CEF_INCLUDE_CEF_CONTEXT_MENU_HANDLER_H_
+
+#include "include/cef_base.h"
+
+// Clients answer null for it.
+class CefContextMenuHandler : public virtual CefBaseRefCounted {};
+
+#endif  // CEF_INCLUDE_CEF_CONTEXT_MENU_HANDLER_H_

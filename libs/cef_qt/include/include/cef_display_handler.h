@@ -1,0 +1,19 @@
+// How a browser shows itself.
+#ifndef CEF_INCLUDE_CEF_DISPLAY_HANDLER_H_
+#define CEF_INCLUDE_CEF_DISPLAY_HANDLER_H_
+
+#include "include/cef_base.h"
+#include "include/cef_browser.h"
+
+// Called on the UI thread.
+class CefDisplayHandler : public virtual CefBaseRefCounted {
+ public:
+  // True when the client has set the cursor; off-screen browsers only.
+  virtual bool OnCursorChange(CefRefPtr<CefBrowser> /*browser*/, CefCursorHandle /*cursor*/,
+                              cef_cursor_type_t /*type*/,
+                              const CefCursorInfo& /*custom_cursor_info*/) {
+    return false;
+  }
+};
+
+#endif  // CEF_INCLUDE_CEF_DISPLAY_HANDLER_H_

@@ -1,0 +1,10 @@
+// Searches in a page: always handled by default here.
+#ifndef CEF_INCLUDE_CEF_FIND_HANDLER_H_
+#define CEF_INCLUDE_CEF_FIND_HANDLER_H_
+
+#include "include/cef_base.h"
+
+// Clients answer null for it.
+class CefFindHandler : public virtual CefBaseRefCounted {};
+
+#endif  // CEF_INCLUDE_CEF_FIND_HANDLER_H_

@@ -1,0 +1,10 @@
+// Loading of pages: always handled by default here.
+#ifndef CEF_INCLUDE_CEF_LOAD_HANDLER_H_
+#define CEF_INCLUDE_CEF_LOAD_HANDLER_H_
+
+#include "include/cef_base.h"
+
+// Clients answer null for it.
+class CefLoadHandler : public virtual CefBaseRefCounted {};
+
+#endif  // CEF_INCLUDE_CEF_LOAD_HANDLER_H_

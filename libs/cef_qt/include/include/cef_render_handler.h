@@ -1,0 +1,47 @@
+// Views of off-screen browsers.
+#ifndef CEF_INCLUDE_CEF_RENDER_HANDLER_H_
+#define CEF_INCLUDE_CEF_RENDER_HANDLER_H_
+
+#include <vector>
+
+#include "include/cef_base.h"
+#include "include/cef_browser.h"
+#include "include/cef_drag_data.h"
+
+// Called on the UI thread, for off-screen browsers only. Sizes are in view points unless said.
+class CefRenderHandler : public virtual CefBaseRefCounted {
+ public:
+  using DragOperation = cef_drag_operations_mask_t;
+  using DragOperationsMask = cef_drag_operations_mask_t;
+  using PaintElementType = cef_paint_element_type_t;
+  using RectList = std::vector<CefRect>;
+
+  virtual bool GetRootScreenRect(CefRefPtr<CefBrowser> /*browser*/, CefRect& /*rect*/) {
+    return false;
+  }
+  // Must leave a rectangle that is not empty.
+  virtual void GetViewRect(CefRefPtr<CefBrowser> browser, CefRect& rect) = 0;
+  virtual bool GetScreenPoint(CefRefPtr<CefBrowser> /*browser*/, int /*viewX*/, int /*viewY*/,
+                              int& /*screenX*/, int& /*screenY*/) {
+    return false;
+  }
+  virtual bool GetScreenInfo(CefRefPtr<CefBrowser> /*browser*/, CefScreenInfo& /*screen_info*/) {
+    return false;
+  }
+  virtual void OnPopupShow(CefRefPtr<CefBrowser> /*browser*/, bool /*show*/) {}
+  virtual void OnPopupSize(CefRefPtr<CefBrowser> /*browser*/, const CefRect& /*rect*/) {}
+  // `buffer` holds width * height BGRA pixels, top row first, valid during the call.
+  virtual void OnPaint(CefRefPtr<CefBrowser> browser, PaintElementType type,
+                       const RectList& dirtyRects, const void* buffer, int width, int height) = 0;
+  // True when the client drags; it then reports the end through DragSourceEndedAt.
+  virtual bool StartDragging(CefRefPtr<CefBrowser> /*browser*/,
+                             CefRefPtr<CefDragData> /*drag_data*/,
+                             DragOperationsMask /*allowed_ops*/, int /*x*/, int /*y*/) {
+    return false;
+  }
+  virtual void UpdateDragCursor(CefRefPtr<CefBrowser> /*browser*/, DragOperation /*operation*/) {}
+  virtual void OnScrollOffsetChanged(CefRefPtr<CefBrowser> /*browser*/, double /*x*/,
+                                     double /*y*/) {}
+};
+
+#endif  // CEF_INCLUDE_CEF_RENDER_HANDLER_H_

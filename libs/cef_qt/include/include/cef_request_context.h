@@ -1,0 +1,10 @@
+// Profile of a browser.
+#ifndef CEF_INCLUDE_CEF_REQUEST_CONTEXT_H_
+#define CEF_INCLUDE_CEF_REQUEST_CONTEXT_H_
+
+#include "include/cef_base.h"
+
+// Browsers without one (null) share the process's profile, the only one served.
+class CefRequestContext : public virtual CefBaseRefCounted {};
+
+#endif  // CEF_INCLUDE_CEF_REQUEST_CONTEXT_H_

@@ -1,0 +1,13 @@
+// Custom URL schemes.
+#ifndef CEF_INCLUDE_CEF_SCHEME_H_
+#define CEF_INCLUDE_CEF_SCHEME_H_
+
+#include "include/cef_base.h"
+
+// Passed to CefApp::OnRegisterCustomSchemes; no scheme can be added yet.
+class CefSchemeRegistrar {
+ public:
+  virtual ~CefSchemeRegistrar() = default;
+};
+
+#endif  // CEF_INCLUDE_CEF_SCHEME_H_

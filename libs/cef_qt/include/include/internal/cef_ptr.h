@@ -1,0 +1,21 @@
+// Names of the framework's pointer types.
+#ifndef CEF_INCLUDE_INTERNAL_CEF_PTR_H_
+#define CEF_INCLUDE_INTERNAL_CEF_PTR_H_
+
+#include <memory>
+
+#include "include/base/cef_scoped_refptr.h"
+
+// Shared by counting.
+template <class T>
+using CefRefPtr = scoped_refptr<T>;
+
+// Owned by the holder alone.
+template <class T, class D = std::default_delete<T>>
+using CefOwnPtr = std::unique_ptr<T, D>;
+
+// Valid during the call that passes it.
+template <class T>
+using CefRawPtr = T*;
+
+#endif  // CEF_INCLUDE_INTERNAL_CEF_PTR_H_

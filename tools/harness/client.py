@@ -1,0 +1,50 @@
+"""The client as a child process with a home folder of its own."""
+
+import os
+import pathlib
+import subprocess
+
+from . import process
+from .page import Page, free_port
+
+DATA_FOLDER = "Library/Application Support/Zantrio CEF"
+
+
+class Client:
+    """A running client. With `debuggable`, its page can be reached with `page()`."""
+
+    def __init__(self, bundle, files=(), home=None, environment=None, debuggable=False, stderr=None):
+        self.home = pathlib.Path(home or os.path.expanduser("~"))
+        self._port = free_port() if debuggable else None
+        variables = dict(os.environ, **(environment or {}), HOME=str(self.home))
+        if debuggable:
+            variables["QTWEBENGINE_REMOTE_DEBUGGING"] = f"127.0.0.1:{self._port}"
+        self.process = process.start([bundle / "bin" / "zantrio", *files], env=variables,
+                                     stdout=stderr, stderr=stderr)
+
+    @property
+    def data_folder(self):
+        return self.home / DATA_FOLDER
+
+    def log(self):
+        """The application log's text; empty while there is none."""
+        try:
+            return (self.data_folder / "zt_app.log").read_text(encoding="utf-8", errors="replace")
+        except FileNotFoundError:
+            return ""
+
+    def messages(self):
+        """The log's messages, without their time, thread and priority."""
+        return [line.split("] ", 3)[-1] for line in self.log().splitlines()]
+
+    def page(self, url_part="/app", limit_seconds=90):
+        return Page(self._port, url_part, limit_seconds)
+
+    def wait(self, limit_seconds):
+        try:
+            return self.process.wait(limit_seconds)
+        except subprocess.TimeoutExpired:
+            raise process.Failure(f"the client did not end within {limit_seconds} s") from None
+
+    def stop(self):
+        return process.stop(self.process)

@@ -1,0 +1,61 @@
+"""A virtual display and what one does on it: look, point, press."""
+
+import os
+import shutil
+import subprocess
+
+from . import process
+
+
+def needed():
+    """Whether this session has no display to show a window on."""
+    return not (os.environ.get("DISPLAY") or os.environ.get("WAYLAND_DISPLAY"))
+
+
+class VirtualDisplay:
+    """An X server without a screen, on the first free display number."""
+
+    def __init__(self, width=1600, height=1000):
+        reading, writing = os.pipe()
+        self._server = process.start(
+            ["Xvfb", "-displayfd", str(writing), "-screen", "0", f"{width}x{height}x24",
+             "-nolisten", "tcp", "-noreset"],
+            pass_fds=[writing],
+            stdout=subprocess.DEVNULL,
+            stderr=subprocess.DEVNULL,
+        )
+        os.close(writing)
+        with os.fdopen(reading) as pipe:
+            number = pipe.readline().strip()
+        if not number:
+            raise process.Failure("the virtual display (Xvfb) did not start")
+        self.name = f":{number}"
+
+    def environment(self):
+        return {"DISPLAY": self.name, "QT_QPA_PLATFORM": "xcb"}
+
+    def stop(self):
+        process.stop(self._server)
+
+
+def screenshot(environment, path):
+    """Saves what the display shows; gives whether that was possible."""
+    if not shutil.which("import"):
+        return False
+    done = subprocess.run(["import", "-window", "root", str(path)], env=environment, check=False,
+                          stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    return done.returncode == 0
+
+
+def xdotool(environment, *arguments):
+    """Runs xdotool and gives its output; an error of its is an error here."""
+    done = subprocess.run(["xdotool", *[str(argument) for argument in arguments]],
+                          env=environment, check=True, capture_output=True, text=True)
+    return done.stdout.strip()
+
+
+def windows(environment, title):
+    """The ids of the visible windows whose title matches the expression."""
+    done = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title],
+                          env=environment, check=False, capture_output=True, text=True)
+    return done.stdout.split()

@@ -1,0 +1,93 @@
+"""The page that the client shows, reached through the browser's own remote debugging."""
+
+import json
+import socket
+import urllib.error
+import urllib.request
+
+import websocket
+
+from .wait import wait_until
+
+
+def free_port():
+    with socket.socket() as probe:
+        probe.bind(("127.0.0.1", 0))
+        return probe.getsockname()[1]
+
+
+class PageError(Exception):
+    """A script threw in the page."""
+
+
+class Page:
+    """Evaluates scripts in the client's page; `port` is where the browser listens for debuggers."""
+
+    def __init__(self, port, url_part, limit_seconds=60):
+        self._next_id = 0
+        address = wait_until(lambda: self._debugger_address(port, url_part), limit_seconds,
+                             f"a page at {url_part}")
+        self._socket = websocket.create_connection(address, timeout=120, suppress_origin=True)
+
+    @staticmethod
+    def _debugger_address(port, url_part):
+        try:
+            with urllib.request.urlopen(f"http://127.0.0.1:{port}/json/list", timeout=5) as answer:
+                targets = json.load(answer)
+        except (urllib.error.URLError, OSError, ValueError):
+            return None
+        for target in targets:
+            if target.get("type") == "page" and url_part in target.get("url", ""):
+                return target.get("webSocketDebuggerUrl")
+        return None
+
+    def command(self, method, **parameters):
+        self._next_id += 1
+        self._socket.send(json.dumps({"id": self._next_id, "method": method, "params": parameters}))
+        while True:
+            message = json.loads(self._socket.recv())
+            if message.get("id") == self._next_id:
+                if "error" in message:
+                    raise PageError(message["error"].get("message", "unknown error"))
+                return message["result"]
+
+    def evaluate(self, expression):
+        """The expression's value, or that of the promise that it gives."""
+        result = self.command("Runtime.evaluate", expression=expression, awaitPromise=True,
+                              returnByValue=True, userGesture=True)
+        if "exceptionDetails" in result:
+            details = result["exceptionDetails"]
+            raise PageError(details.get("exception", {}).get("description", details["text"]))
+        return result["result"].get("value")
+
+    def wait_for(self, expression, limit_seconds=60):
+        """Waits until the expression is true in the page, and gives its value."""
+        return wait_until(lambda: self.evaluate(expression), limit_seconds, expression)
+
+    def click(self, selector):
+        """Clicks the element as a mouse would, once it is there and enabled."""
+        quoted = json.dumps(selector)
+        self.wait_for(f"(e => e && !e.disabled && e.getClientRects().length > 0)"
+                      f"(document.querySelector({quoted}))")
+        box = self.evaluate(
+            f"(e => {{ e.scrollIntoView({{block: 'nearest'}}); const r = e.getBoundingClientRect();"
+            f" return [r.left + r.width / 2, r.top + r.height / 2]; }})"
+            f"(document.querySelector({quoted}))")
+        for kind in ("mousePressed", "mouseReleased"):
+            self.command("Input.dispatchMouseEvent", type=kind, x=box[0], y=box[1], button="left",
+                         clickCount=1)
+
+    def text(self, selector):
+        quoted = json.dumps(selector)
+        return self.evaluate(f"(e => e ? e.textContent.trim() : '')(document.querySelector({quoted}))")
+
+    def query(self, bridge, method, parameters=None):
+        """Asks a native bridge as the page does; gives ["success", text] or ["failure", code, text]."""
+        request = json.dumps(json.dumps({"method": method, "parameters": parameters}))
+        return self.evaluate(
+            f"new Promise(done => window[{json.dumps(bridge)}]({{request: {request},"
+            f" persistent: false, onSuccess: text => done(['success', text]),"
+            f" onFailure: (code, text) => done(['failure', code, text])}}))")
+
+    def close(self):
+        self._socket.close()

@@ -1,0 +1,52 @@
+"""The local service as a child process."""
+
+import json
+import pathlib
+import subprocess
+import urllib.error
+import urllib.request
+
+from . import process
+
+MARKER = "listening on "
+
+
+class Service:
+    """A running local service; `url` is its address, `data` the folder where files arrive."""
+
+    def __init__(self, program, web, data, port=0, log=None):
+        self.data = pathlib.Path(data)
+        self._process = process.start(
+            [program, "--port", port, "--data", data, "--web", web],
+            stdout=subprocess.PIPE,
+            stderr=log,
+            text=True,
+        )
+        line = self._process.stdout.readline()
+        if MARKER not in line:
+            process.stop(self._process)
+            raise process.Failure("the local service did not start; its messages stand above")
+        self.url = line.split(MARKER, 1)[1].split()[0]
+
+    def request(self, method, path, body=None):
+        """Sends JSON to the service and gives the JSON that it answers."""
+        data = None if body is None else json.dumps(body).encode()
+        request = urllib.request.Request(self.url + path, data=data, method=method,
+                                         headers={"Content-Type": "application/json"})
+        with urllib.request.urlopen(request, timeout=30) as answer:
+            text = answer.read()
+        return json.loads(text) if text else None
+
+    def arrived(self):
+        """The files that have arrived, as a map from their path below a message's folder to where they are."""
+        found = {}
+        for folder in self.data.glob("messages/*/files"):
+            for path in folder.rglob("*"):
+                if path.is_file():
+                    found[str(path.relative_to(folder))] = path
+        return found
+
+    def stop(self):
+        code = process.stop(self._process)
+        self._process.stdout.close()
+        return code

@@ -35,6 +35,11 @@ class CAppSettings {
   void getUserAgent(std::string& userAgent) const;
 
  private:
+  void getInAppDataFolder(const std::string& name, std::string& path) const;
+  // The default stands in for an entry that is missing or empty, not for one of another type.
+  void getOrDefault(const std::string& key, const std::string& defaultValue,
+                    std::string& value) const;
+
   const Poco::SharedPtr<CMainBundle> bundle_;
   const std::string executablePath_;
 };

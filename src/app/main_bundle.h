@@ -19,6 +19,8 @@ class CMainBundle {
 
   // What keeps the dictionary from being read, as a sentence for the user; empty when it was read.
   const std::string& error() const;
+  // Whether there is an entry of any type.
+  bool hasEntry(const std::string& key) const;
   // False, and `value` as it was, when the entry is missing or not a string.
   bool getString(const std::string& key, std::string& value) const;
 

@@ -1,0 +1,162 @@
+#include "app/browser_process.h"
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <iostream>
+
+#include "app/executable_path.h"
+#include "app/framework_settings.h"
+#include "app/logger.h"
+#include "app/open_files.h"
+#include "app/shutdown_signals.h"
+#include "app/start_options.h"
+#include "app/zantrio_app.h"
+#include "browser/initial_files_container.h"
+#include "browser/zt_cef_handler.h"
+#include "include/base/cef_bind.h"
+#include "include/base/cef_callback.h"
+#include "include/wrapper/cef_closure_task.h"
+
+namespace zantrio {
+namespace {
+
+constexpr int kSuccess = 0;
+constexpr int kFailure = 1;
+constexpr int kUsageError = 2;
+
+constexpr const char* kHelp =
+    "Usage: zantrio [FILE...]\n"
+    "Opens the Zantrio window. Files and folders that are named are offered for sending; when\n"
+    "Zantrio runs already, they are handed to the running one.\n"
+    "\n"
+    "  --help     shows this text\n"
+    "  --version  shows the version\n";
+
+void report(const std::string& text) {
+  std::cerr << "zantrio: " << text << std::endl;
+  logError(text);
+}
+
+void reportMissing(const std::vector<std::string>& paths) {
+  for (const std::string& path : paths) {
+    std::error_code error;
+    if (!std::filesystem::exists(std::filesystem::symlink_status(path, error))) {
+      std::cerr << "zantrio: " << path << ": there is no such file" << std::endl;
+    }
+  }
+}
+
+void closeApplication(bool force) {
+  ZtCefHandler* const client = ZtCefHandler::instance();
+  if (client != nullptr && client->hasBrowsers()) {
+    client->CloseAllBrowsers(force);
+  } else {
+    CefQuitMessageLoop();
+  }
+}
+
+}  // namespace
+
+BrowserProcess::BrowserProcess(int argc, char** argv)
+    : arguments_(argc, argv),
+      executablePath_(resolveExecutablePath(argv[0])),
+      bundle_(new CMainBundle),
+      settings_(new CAppSettings(bundle_, executablePath_)) {}
+
+int BrowserProcess::run() {
+  const CefRefPtr<CefApp> application(new ZantrioApp(settings_));
+  const int exitCode = CefExecuteProcess(arguments_, application, nullptr);
+  return exitCode >= 0 ? exitCode : start(application);
+}
+
+int BrowserProcess::start(const CefRefPtr<CefApp>& application) {
+  const StartOptions options =
+      parseStartOptions({arguments_.argv + 1, arguments_.argv + arguments_.argc});
+  if (!options.error.empty()) {
+    std::cerr << "zantrio: " << options.error << std::endl;
+    return kUsageError;
+  }
+  if (options.help) {
+    std::cout << kHelp;
+    return kSuccess;
+  }
+  if (options.version) {
+    std::cout << "Zantrio " << version() << std::endl;
+    return kSuccess;
+  }
+  if (!prepareDataFolder()) {
+    return kFailure;
+  }
+  if (!bundle_->error().empty()) {
+    report(bundle_->error());
+    return kFailure;
+  }
+  return runBrowser(application, absolutePaths(options.files, std::filesystem::current_path()));
+}
+
+int BrowserProcess::runBrowser(const CefRefPtr<CefApp>& application,
+                               const std::vector<std::string>& files) {
+  reportMissing(files);
+  std::string loadingPage;
+  settings_->getLoadingPagePath(loadingPage);
+  if (!std::filesystem::exists(loadingPage)) {
+    report("The loading page " + loadingPage + " is missing; the window stays empty at first.");
+  }
+  CefSettings frameworkSettings;
+  fillFrameworkSettings(*settings_, frameworkSettings);
+  CefString(&frameworkSettings.browser_subprocess_path) = processExecutable();
+  CInitialFilesContainer::instance().set(files, true, false);
+  if (!CefInitialize(arguments_, frameworkSettings, application, nullptr)) {
+    if (CefGetExitCode() == CEF_RESULT_CODE_NORMAL_EXIT_PROCESS_NOTIFIED) {
+      return kSuccess;
+    }
+    report("The browser framework cannot start; see cef_browser.log beside the application log.");
+    return kFailure;
+  }
+  {
+    const ShutdownSignals signals(
+        [](bool force) { CefPostTask(TID_UI, base::BindOnce(&closeApplication, force)); });
+    CefRunMessageLoop();
+  }
+  CefShutdown();
+  return kSuccess;
+}
+
+bool BrowserProcess::prepareDataFolder() const {
+  std::string folder;
+  settings_->getAppDataFolder(folder);
+  if (folder.empty()) {
+    std::cerr << "zantrio: There is no home folder to keep the application's data in." << std::endl;
+    return false;
+  }
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (!error && access(folder.c_str(), W_OK | X_OK) != 0) {
+    error.assign(errno, std::generic_category());
+  }
+  if (error) {
+    std::cerr << "zantrio: The data folder " << folder << " cannot be written: " << error.message()
+              << std::endl;
+    return false;
+  }
+  std::string logPath;
+  settings_->getAppLogPath(logPath);
+  if (CLogHolder* const log = CLogHolder::get()) {
+    log->setLogPath(logPath);
+  }
+  return true;
+}
+
+std::string BrowserProcess::version() const {
+  std::string version = "(unknown version)";
+  settings_->getVersion(version);
+  return version;
+}
+
+// Beside the program's own file.
+std::string BrowserProcess::processExecutable() const {
+  return std::filesystem::path(executablePath_).replace_filename("zantrio-process").string();
+}
+
+}  // namespace zantrio

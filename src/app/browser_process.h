@@ -1,0 +1,37 @@
+#pragma once
+
+#include <Poco/SharedPtr.h>
+
+#include <string>
+#include <vector>
+
+#include "app/app_settings.h"
+#include "app/main_bundle.h"
+#include "include/cef_app.h"
+
+namespace zantrio {
+
+// The browser process from its start to its end. What keeps it from starting is told on standard
+// error and, where it can be written, in the application log.
+class BrowserProcess {
+ public:
+  BrowserProcess(int argc, char** argv);
+
+  // Gives the exit code: 0 after a clean end, and when another process has taken over the files.
+  // In a sub-process of the framework, that sub-process's.
+  int run();
+
+ private:
+  int start(const CefRefPtr<CefApp>& application);
+  int runBrowser(const CefRefPtr<CefApp>& application, const std::vector<std::string>& files);
+  bool prepareDataFolder() const;
+  std::string version() const;
+  std::string processExecutable() const;
+
+  const CefMainArgs arguments_;
+  const std::string executablePath_;
+  const Poco::SharedPtr<CMainBundle> bundle_;
+  const Poco::SharedPtr<CAppSettings> settings_;
+};
+
+}  // namespace zantrio

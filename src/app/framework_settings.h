@@ -1,0 +1,12 @@
+#pragma once
+
+#include "include/internal/cef_types_wrappers.h"
+
+namespace zantrio {
+
+class CAppSettings;
+
+// What the framework is initialised with. `settings` must know the home folder and the version.
+void fillFrameworkSettings(const CAppSettings& settings, CefSettings& frameworkSettings);
+
+}  // namespace zantrio

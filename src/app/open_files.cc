@@ -1,0 +1,17 @@
+#include "app/open_files.h"
+
+#include <filesystem>
+
+namespace zantrio {
+
+std::vector<std::string> absolutePaths(const std::vector<std::string>& names,
+                                       const std::string& folder) {
+  std::vector<std::string> paths;
+  paths.reserve(names.size());
+  for (const std::string& name : names) {
+    paths.push_back((std::filesystem::path(folder) / name).lexically_normal().string());
+  }
+  return paths;
+}
+
+}  // namespace zantrio

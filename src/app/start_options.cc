@@ -1,0 +1,38 @@
+#include "app/start_options.h"
+
+namespace zantrio {
+namespace {
+
+// A single dash is a name like any other.
+bool isOption(const std::string& argument) {
+  return argument.size() > 1 && argument[0] == '-';
+}
+
+void readOption(const std::string& argument, StartOptions& options) {
+  if (argument == "--help") {
+    options.help = true;
+  } else if (argument == "--version") {
+    options.version = true;
+  } else {
+    options.error = "unknown option '" + argument + "'; zantrio --help tells what there is";
+  }
+}
+
+}  // namespace
+
+StartOptions parseStartOptions(const std::vector<std::string>& arguments) {
+  StartOptions options;
+  bool onlyFiles = false;
+  for (const std::string& argument : arguments) {
+    if (onlyFiles || !isOption(argument)) {
+      options.files.push_back(argument);
+    } else if (argument == "--") {
+      onlyFiles = true;
+    } else {
+      readOption(argument, options);
+    }
+  }
+  return options;
+}
+
+}  // namespace zantrio

@@ -1,0 +1,119 @@
+#include "app/zantrio_app.h"
+
+#include <string>
+#include <utility>
+
+#include "app/guarded.h"
+#include "app/logger.h"
+#include "app/open_files.h"
+#include "bridge/query_handler_registry.h"
+#include "bridge/register_query_handlers.h"
+#include "browser/loading_page.h"
+#include "browser/zt_cef_handler.h"
+
+namespace zantrio {
+namespace {
+
+constexpr int kWindowWidth = 1400;
+constexpr int kWindowHeight = 900;
+
+CefWindowInfo describeWindow(const CAppSettings& settings) {
+  std::string title;
+  settings.getProductName(title);
+  CefWindowInfo window;
+  CefString(&window.window_name) = title;
+  window.bounds = CefRect(0, 0, kWindowWidth, kWindowHeight);
+  return window;
+}
+
+CefBrowserSettings describeBrowser() {
+  CefBrowserSettings browser;
+  browser.javascript = STATE_ENABLED;
+  browser.local_storage = STATE_ENABLED;
+  return browser;
+}
+
+}  // namespace
+
+ZantrioApp::ZantrioApp(Poco::SharedPtr<CAppSettings> settings) : settings_(std::move(settings)) {}
+
+void ZantrioApp::OnBeforeCommandLineProcessing(const CefString& /*process_type*/,
+                                               CefRefPtr<CefCommandLine> /*command_line*/) {}
+
+void ZantrioApp::OnRegisterCustomSchemes(CefRawPtr<CefSchemeRegistrar> /*registrar*/) {}
+
+void ZantrioApp::OnContextInitialized() {
+  guarded("OnContextInitialized", [this] {
+    const CefWindowInfo window = describeWindow(*settings_);
+    const CefRefPtr<ZtCefHandler> client(new ZtCefHandler(settings_));
+    const std::string url = loadingPageUrl(*settings_);
+    logInformation("Loading initial html using URL: ", url);
+    CefBrowserHost::CreateBrowser(window, client, url, describeBrowser(), nullptr, nullptr);
+  });
+}
+
+bool ZantrioApp::OnAlreadyRunningAppRelaunch(CefRefPtr<CefCommandLine> command_line,
+                                             const CefString& current_directory) {
+  return guarded("OnAlreadyRunningAppRelaunch", false, [&] {
+    CefCommandLine::ArgumentList arguments;
+    command_line->GetArguments(arguments);
+    std::vector<std::string> names;
+    names.reserve(arguments.size());
+    for (const CefString& argument : arguments) {
+      names.push_back(argument.ToString());
+    }
+    if (ZtCefHandler* const client = ZtCefHandler::instance()) {
+      client->openFiles(absolutePaths(names, current_directory.ToString()));
+    }
+    return true;
+  });
+}
+
+void ZantrioApp::OnWebKitInitialized() {
+  guarded("OnWebKitInitialized", [this] {
+    registerQueryHandlers();
+    for (const auto& [name, handler] : QueryHandlerRegistry::instance().entries()) {
+      CefMessageRouterConfig config;
+      config.js_query_function = name;
+      routers_.push_back(CefMessageRouterRendererSide::Create(config));
+    }
+  });
+}
+
+void ZantrioApp::OnContextCreated(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
+                                  CefRefPtr<CefV8Context> context) {
+  guarded("OnContextCreated", [&] {
+    for (const auto& router : routers_) {
+      router->OnContextCreated(browser, frame, context);
+    }
+  });
+}
+
+void ZantrioApp::OnContextReleased(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
+                                   CefRefPtr<CefV8Context> context) {
+  guarded("OnContextReleased", [&] {
+    for (const auto& router : routers_) {
+      router->OnContextReleased(browser, frame, context);
+    }
+  });
+}
+
+void ZantrioApp::OnBrowserCreated(CefRefPtr<CefBrowser> /*browser*/,
+                                  CefRefPtr<CefDictionaryValue> /*extra_info*/) {}
+
+void ZantrioApp::OnBrowserDestroyed(CefRefPtr<CefBrowser> /*browser*/) {}
+
+bool ZantrioApp::OnProcessMessageReceived(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
+                                          CefProcessId source_process,
+                                          CefRefPtr<CefProcessMessage> message) {
+  return guarded("OnProcessMessageReceived", false, [&] {
+    bool handled = false;
+    for (const auto& router : routers_) {
+      handled =
+          router->OnProcessMessageReceived(browser, frame, source_process, message) || handled;
+    }
+    return handled;
+  });
+}
+
+}  // namespace zantrio

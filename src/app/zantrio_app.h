@@ -1,0 +1,59 @@
+#pragma once
+
+#include <Poco/SharedPtr.h>
+
+#include <vector>
+
+#include "app/app_settings.h"
+#include "include/cef_app.h"
+#include "include/wrapper/cef_message_router.h"
+
+namespace zantrio {
+
+// The application object of every process. In the browser process it opens the one window; in a
+// render process it gives the page its query functions.
+//
+// Ownership: counted references, one held by the entry point. Thread: UI, or the render process's
+// main thread. Errors: logged under the callback's name; none reaches the framework.
+class ZantrioApp : public CefApp, public CefBrowserProcessHandler, public CefRenderProcessHandler {
+ public:
+  explicit ZantrioApp(Poco::SharedPtr<CAppSettings> settings);
+  ZantrioApp(const ZantrioApp&) = delete;
+  ZantrioApp& operator=(const ZantrioApp&) = delete;
+
+  // CefApp
+  void OnBeforeCommandLineProcessing(const CefString& process_type,
+                                     CefRefPtr<CefCommandLine> command_line) override;
+  void OnRegisterCustomSchemes(CefRawPtr<CefSchemeRegistrar> registrar) override;
+  CefRefPtr<CefResourceBundleHandler> GetResourceBundleHandler() override { return nullptr; }
+  CefRefPtr<CefBrowserProcessHandler> GetBrowserProcessHandler() override { return this; }
+  CefRefPtr<CefRenderProcessHandler> GetRenderProcessHandler() override { return this; }
+
+  // CefBrowserProcessHandler
+  void OnContextInitialized() override;
+  // The program was started once more: what that start was asked to open is opened here.
+  bool OnAlreadyRunningAppRelaunch(CefRefPtr<CefCommandLine> command_line,
+                                   const CefString& current_directory) override;
+
+  // CefRenderProcessHandler
+  void OnWebKitInitialized() override;
+  void OnContextCreated(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
+                        CefRefPtr<CefV8Context> context) override;
+  void OnContextReleased(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
+                         CefRefPtr<CefV8Context> context) override;
+  void OnBrowserCreated(CefRefPtr<CefBrowser> browser,
+                        CefRefPtr<CefDictionaryValue> extra_info) override;
+  void OnBrowserDestroyed(CefRefPtr<CefBrowser> browser) override;
+  bool OnProcessMessageReceived(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
+                                CefProcessId source_process,
+                                CefRefPtr<CefProcessMessage> message) override;
+
+ private:
+  const Poco::SharedPtr<CAppSettings> settings_;
+  // Render process: one a bridge, in the order of the bridges' names.
+  std::vector<CefRefPtr<CefMessageRouterRendererSide>> routers_;
+
+  IMPLEMENT_REFCOUNTING(ZantrioApp);
+};
+
+}  // namespace zantrio

@@ -1,0 +1,13 @@
+#include <filesystem>
+
+#include "app/executable_path.h"
+
+namespace zantrio {
+
+std::string resolveExecutablePath(const char* argv0) {
+  std::error_code error;
+  const std::filesystem::path path = std::filesystem::read_symlink("/proc/self/exe", error);
+  return error ? std::string(argv0) : path.string();
+}
+
+}  // namespace zantrio

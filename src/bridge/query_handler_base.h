@@ -17,6 +17,7 @@ namespace zantrio {
 // answer. Thread: UI.
 class CQueryHandlerBase : public IQueryHandler {
  public:
+  using Callback = CefMessageRouterBrowserSide::Callback;
   using Method = Json::Value (CQueryHandlerBase::*)(const Json::Value& parameters);
   using CefMessageRouterBrowserSide::Handler::OnQuery;
 
@@ -44,6 +45,7 @@ class CQueryHandlerBase : public IQueryHandler {
  private:
   bool dispatch(const std::string& request, Callback& callback);
   bool callMethod(const std::string& name, const Json::Value& parameters, Callback& callback);
+  static void answerUnknownException(Callback& callback);
   Json::Value supportedMethods(const Json::Value& parameters);
 
   std::map<std::string, Method> methods_;

@@ -1,0 +1,48 @@
+#include "bridge/register_query_handlers.h"
+
+#include <exception>
+
+#include "app/logger.h"
+//#include "files/query_handler_file_handle_chooser.h"
+#include "services/query_handler_native_app.h"
+#include "transfers/query_handler_upload_manager.h"
+
+namespace zantrio {
+namespace {
+
+template <class Handler>
+QueryHandlerRegistry::HandlerPtr create() {
+  return QueryHandlerRegistry::HandlerPtr(new Handler);
+}
+
+const std::vector<QueryBridge>& applicationBridges() {
+  static const std::vector<QueryBridge> bridges = {
+      {"nativeAppBridge_IPC", create<CQueryHandlerNativeApp>},
+      {"uploadManagerBridge_IPC", create<CQueryHandlerUploadManager>},
+      //{"fileHandleChooserBridge_IPC", create<CQueryHandlerFileHandleChooser>},
+  };
+  return bridges;
+}
+
+void registerBridge(const QueryBridge& bridge) {
+  try {
+    QueryHandlerRegistry::instance().set(bridge.name, bridge.createHandler());
+  } catch (const std::exception& exception) {
+    logError("Query handler for name ", bridge.name,
+             " is not registered due to exception: ", exception.what());
+  }
+}
+
+}  // namespace
+
+void registerQueryHandlers() {
+  registerQueryHandlers(applicationBridges());
+}
+
+void registerQueryHandlers(const std::vector<QueryBridge>& bridges) {
+  for (const QueryBridge& bridge : bridges) {
+    registerBridge(bridge);
+  }
+}
+
+}  // namespace zantrio

@@ -1,0 +1,18 @@
+#include "transfers/messages/message_handler_base.h"
+
+namespace zantrio::messages {
+
+bool CMessageHandlerBase::onMessage(const CefRefPtr<CefProcessMessage>& message) {
+  const auto entry = operations_.find(message->GetName().ToString());
+  if (entry == operations_.end()) {
+    return false;
+  }
+  (this->*entry->second)(message->GetArgumentList());
+  return true;
+}
+
+void CMessageHandlerBase::attach(const QueryHandlerContext& /*context*/) {}
+
+void CMessageHandlerBase::detach() {}
+
+}  // namespace zantrio::messages

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <vector>
+
+#include "transfers/messages/message_handler.h"
+
+namespace zantrio::messages {
+
+// The relays of transfer events. One list a process. Thread: UI.
+class CMessageHandlerList {
+ public:
+  static CMessageHandlerList& instance();
+
+  // Puts a new upload and a new download relay in place of those that are there.
+  void fill();
+  void attach(const QueryHandlerContext& context);
+  // True when a relay took the message.
+  bool onMessage(const CefRefPtr<CefProcessMessage>& message);
+  // Detaches and releases the relays; tasks that they have posted still run.
+  void clear();
+
+ private:
+  std::vector<CefRefPtr<IMessageHandler>> handlers_;
+};
+
+}  // namespace zantrio::messages

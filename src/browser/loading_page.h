@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+namespace zantrio {
+
+class CAppSettings;
+
+// The address of the bundle's loading page.
+std::string loadingPageUrl(const CAppSettings& settings);
+
+// The loading page, told that the web application at `appUrl` cannot be reached; it says so and
+// tries again by navigating there.
+std::string unreachablePageUrl(const CAppSettings& settings, const std::string& appUrl);
+bool isUnreachablePageUrl(const std::string& url);
+
+}  // namespace zantrio

@@ -1,0 +1,88 @@
+// What ZtCefHandler and the web application tell each other: readiness, exit, files, routes.
+#include "app/guarded.h"
+#include "app/logger.h"
+#include "bridge/handler_data.h"
+#include "browser/app_lifecycle_events_handler.h"
+#include "browser/initial_files_container.h"
+#include "browser/zt_cef_handler.h"
+#include "files/drag_handler.h"
+#include "include/cef_frame.h"
+
+namespace zantrio {
+
+void ZtCefHandler::onStartup() {
+  constexpr const char* kOperation = "onStartup";
+  guarded(kOperation, [&] {
+    logInformation("onStartup called! App loaded");
+    reachability_->stop();
+    forEachHandlerData<IAppLifecycleEventsHandler>(
+        IQueryHandler::kAppLifecycleEventsHandler, [&](IAppLifecycleEventsHandler& handler) {
+          guarded(kOperation, [&handler] { handler.appStarted(); });
+        });
+    const CInitialFilesContainer& initial = CInitialFilesContainer::instance();
+    if (!initial.files().empty()) {
+      logInformation("Initial files container has ", initial.files().size(), " files in it!");
+      filesDropped(initial.files(), initial.complete(), initial.defer());
+    }
+    started_ = true;
+  });
+}
+
+void ZtCefHandler::onShutdown() {
+  constexpr const char* kOperation = "onShutdown";
+  guarded(kOperation, [&] {
+    logInformation(kOperation, ": Shutdown was initiated by the app!");
+    CloseAllBrowsers(false);
+  });
+}
+
+void ZtCefHandler::filesDropped(const std::vector<std::string>& paths, bool complete, bool defer) {
+  constexpr const char* kOperation = "filesDropped";
+  guarded(kOperation, [&] {
+    forEachHandlerData<IDragHandler>(IQueryHandler::kDragHandler, [&](IDragHandler& handler) {
+      handler.filesDropped(paths, complete, defer);
+    });
+  });
+}
+
+void ZtCefHandler::openFiles(const std::vector<std::string>& paths) {
+  guarded("openFiles", [&] {
+    if (!paths.empty()) {
+      if (started_) {
+        filesDropped(paths, true, false);
+      } else {
+        CInitialFilesContainer::instance().append(paths);
+      }
+    }
+    if (!browsers_.empty()) {
+      browsers_.front()->GetHost()->SetFocus(true);
+    }
+  });
+}
+
+void ZtCefHandler::navigateToAddress(const std::string& address) {
+  guarded("navigateToAddress", [&] {
+    if (browsers_.empty()) {
+      logError("Failed to navigate to requested URL, since there are no active browsers!");
+      return;
+    }
+    const CefRefPtr<CefFrame> frame = browsers_.front()->GetMainFrame();
+    if (!frame) {
+      logError("Failed to navigate to reuqsted URL, since there is no active frame!");
+      return;
+    }
+    logInformation("Navigating to address ", address);
+    frame->ExecuteJavaScript("Backbone.history.navigate('" + address + "', { trigger: true });",
+                             frame->GetURL(), 0);
+  });
+}
+
+void ZtCefHandler::newMessage() {
+  navigateToAddress("/message/new");
+}
+
+void ZtCefHandler::newShare() {
+  navigateToAddress("/share/new");
+}
+
+}  // namespace zantrio

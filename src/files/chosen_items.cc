@@ -1,0 +1,71 @@
+#include "files/chosen_items.h"
+
+#include <Poco/Path.h>
+
+#include <utility>
+
+#include "app/logger.h"
+#include "files/file_item_json.h"
+#include "files/file_url.h"
+#include "files/folder_walk.h"
+#include "files/path_names.h"
+#include "files/utf8_text.h"
+
+namespace zantrio {
+namespace {
+
+Json::Value textOrNull(const std::string& text) {
+  return text.empty() ? Json::Value() : Json::Value(toValidUtf8(text));
+}
+
+Json::Value makeAnswer(Json::Value files, const std::string& directoryName,
+                       const std::string& summary) {
+  Json::Value answer(Json::objectValue);
+  answer["files"] = std::move(files);
+  answer["directoryName"] = textOrNull(directoryName);
+  answer["summary"] = textOrNull(summary);
+  return answer;
+}
+
+std::string toPath(const std::string& url) {
+  std::string path;
+  fileUrlToPath(url, path);
+  return path;
+}
+
+}  // namespace
+
+Json::Value describeChosenFiles(const std::vector<std::string>& urls) {
+  std::string directoryName;
+  if (!urls.empty()) {
+    directoryName = parentFolderName(Poco::Path(toPath(urls.front())));
+  }
+  Json::Value files(Json::arrayValue);
+  logInformation("selectFiles", ": User selected the following files: ");
+  for (const std::string& url : urls) {
+    logInformation("\t", url);
+    const std::string path = toPath(url);
+    Json::Value record;
+    if (fillFileItemJson(record, path, "", "")) {
+      files.append(std::move(record));
+    }
+    // Names are compared, not whole paths: the same name in two places counts as one folder.
+    if (!directoryName.empty() && parentFolderName(Poco::Path(path)) != directoryName) {
+      directoryName.clear();
+    }
+  }
+  const std::string summary =
+      urls.size() == 1 ? Poco::Path(toPath(urls.front())).getFileName() : directoryName;
+  return makeAnswer(std::move(files), directoryName, summary);
+}
+
+Json::Value describeChosenFolder(const std::string& url) {
+  logInformation("selectFolder", ": user selected the following folder: ", url);
+  const std::string folder = toPath(url);
+  Json::Value files(Json::arrayValue);
+  CFolderWalk(files, folder).walk(folder);
+  const std::string name = Poco::Path(folder).getBaseName();
+  return makeAnswer(std::move(files), name, name);
+}
+
+}  // namespace zantrio

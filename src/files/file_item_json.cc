@@ -1,0 +1,71 @@
+#include "files/file_item_json.h"
+
+#include <cstddef>
+#include <exception>
+#include <string_view>
+
+#include "files/file_url.h"
+#include "files/utf8_text.h"
+
+namespace zantrio {
+namespace {
+
+// Static texts spare every record a copy of each key.
+const Json::StaticString kFileUrl("fileURL");
+const Json::StaticString kName("name");
+const Json::StaticString kPath("path");
+const Json::StaticString kSize("size");
+const Json::StaticString kCreated("created");
+const Json::StaticString kModified("modified");
+
+std::string fileName(const std::string& path) {
+  return path.substr(path.rfind('/') + 1);
+}
+
+Json::Int64 toMilliseconds(std::int64_t microseconds) {
+  return microseconds / 1000;
+}
+
+}  // namespace
+
+std::string relativeFolder(const std::string& path, const std::string& rootFolder) {
+  if (rootFolder.empty() || !path.starts_with(rootFolder)) {
+    return {};
+  }
+  const std::string parent = parentFolder(path);
+  const char last = rootFolder.back();
+  const std::size_t skip = rootFolder.size() + (last == '/' || last == '\\' ? 0 : 1);
+  // Below zero for an item in the root itself; as an unsigned length that is all of the nothing
+  // that is left.
+  return parent.substr(skip, parent.size() - skip - 1);
+}
+
+void setFileItemJson(Json::Value& record, const std::string& path, const std::string& fileURL,
+                     const std::string& relativeFolder, const FileStatus& status) {
+  record[kFileUrl] = fileURL;
+  record[kName] = toValidUtf8(fileName(path));
+  record[kPath] = relativeFolder.empty() ? Json::Value() : Json::Value(toValidUtf8(relativeFolder));
+  record[kSize] = Json::UInt64{status.size};
+  record[kCreated] = toMilliseconds(status.createdMicros);
+  record[kModified] = toMilliseconds(status.modifiedMicros);
+}
+
+bool fillFileItemJson(Json::Value& record, const std::string& path, const std::string& fileURL,
+                      const std::string& rootFolder) {
+  try {
+    FileStatus status;
+    if (readFileStatus(path, status) != 0) {
+      return false;
+    }
+    std::string url = fileURL;
+    if (url.empty()) {
+      filePathToUrl(path, status.isDirectory(), url);
+    }
+    setFileItemJson(record, path, url, relativeFolder(path, rootFolder), status);
+    return true;
+  } catch (const std::exception&) {
+    return false;  // the caller reports it, where it is worth a line
+  }
+}
+
+}  // namespace zantrio

@@ -1,0 +1,42 @@
+#include "files/percent_encoding.h"
+
+#include <array>
+
+namespace zantrio {
+namespace {
+
+// RFC 3986's unreserved and path characters. ";" is left out: it separates path parameters for
+// older readers, and the file URLs of desktop systems encode it.
+constexpr std::string_view kKept =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/!$&'()*+,=:@";
+
+constexpr std::array<bool, 256> makeKeptTable() {
+  std::array<bool, 256> table{};
+  for (const char character : kKept) {
+    table[static_cast<unsigned char>(character)] = true;
+  }
+  return table;
+}
+
+constexpr std::array<bool, 256> kIsKept = makeKeptTable();
+
+}  // namespace
+
+std::string percentEncodePath(std::string_view path) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string encoded;
+  encoded.reserve(path.size() + 16);
+  for (const char character : path) {
+    const auto byte = static_cast<unsigned char>(character);
+    if (kIsKept[byte]) {
+      encoded += character;
+    } else {
+      encoded += '%';
+      encoded += kDigits[byte >> 4];
+      encoded += kDigits[byte & 0xF];
+    }
+  }
+  return encoded;
+}
+
+}  // namespace zantrio

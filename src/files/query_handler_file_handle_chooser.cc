@@ -1,0 +1,118 @@
+#include "files/query_handler_file_handle_chooser.h"
+
+#include <Poco/Any.h>
+
+#include <memory>
+#include <utility>
+
+#include "app/logger.h"
+#include "bridge/query_handler_context.h"
+#include "files/chosen_items.h"
+#include "files/file_choose_dialog.h"
+#include "files/file_data.h"
+#include "files/file_drop.h"
+#include "files/folder_choose_dialog.h"
+#include "files/item_choice.h"
+#include "include/cef_frame.h"
+
+namespace zantrio {
+namespace {
+
+// Runs a dialog of either kind until what was chosen can be read; false when nothing was chosen.
+template <class Dialog>
+bool choose(std::unique_ptr<Dialog> dialog, const std::string& title,
+            std::vector<std::string>& urls) {
+  if (!dialog) {
+    return false;
+  }
+  dialog->setTitle(title);
+  return chooseReadableItems(
+      [&dialog](std::vector<std::string>& chosen) { return dialog->show(chosen); }, urls);
+}
+
+void pushIntoPage(CefFrame& frame, const Json::Value& drop) {
+  frame.ExecuteJavaScript("setTimeout(function() { window._fileHandleChooser_handleDropFiles(" +
+                              drop.toStyledString() + ")}, 0);",
+                          frame.GetURL(), 0);
+}
+
+}  // namespace
+
+CQueryHandlerFileHandleChooser::CQueryHandlerFileHandleChooser() {
+  registerMethod("selectFiles", &CQueryHandlerFileHandleChooser::selectFiles);
+  registerMethod("selectFolder", &CQueryHandlerFileHandleChooser::selectFolder);
+  registerMethod("handleDrop", &CQueryHandlerFileHandleChooser::handleDrop);
+}
+
+void CQueryHandlerFileHandleChooser::setHandlerData(const QueryHandlerContext& context) {
+  CQueryHandlerBase::setHandlerData(context);
+  browser_ = context.browser;
+}
+
+Poco::Any CQueryHandlerFileHandleChooser::getHandlerData(int kind) {
+  if (kind == kDragHandler) {
+    return Poco::Any(static_cast<IDragHandler*>(this));
+  }
+  return CQueryHandlerBase::getHandlerData(kind);
+}
+
+bool CQueryHandlerFileHandleChooser::onDragData(const DragMessage& message) {
+  if (message.kind != DragMessage::kFiles) {
+    return false;
+  }
+  draggedFiles_ = Poco::RefAnyCast<FileData>(message.payload).paths;
+  return true;
+}
+
+void CQueryHandlerFileHandleChooser::filesDropped(const std::vector<std::string>& paths,
+                                                  bool complete, bool defer) {
+  const CefRefPtr<CefFrame> frame = browser_ ? browser_->GetMainFrame() : nullptr;
+  if (!frame) {
+    return;
+  }
+  rememberDropped(paths);
+  Json::Value drop = takeInDraggedFiles();
+  drop["complete"] = complete;
+  drop["defer"] = defer;
+  pushIntoPage(*frame, drop);
+}
+
+Json::Value CQueryHandlerFileHandleChooser::selectFiles(const Json::Value&) {
+  std::vector<std::string> urls;
+  if (!choose(createFileChooseDialog(), "Choose files", urls)) {
+    return {};
+  }
+  return describeChosenFiles(urls);
+}
+
+Json::Value CQueryHandlerFileHandleChooser::selectFolder(const Json::Value&) {
+  std::vector<std::string> urls;
+  if (!choose(createFolderChooseDialog(), "Choose folder", urls) || urls.empty()) {
+    return {};
+  }
+  return describeChosenFolder(urls.front());
+}
+
+Json::Value CQueryHandlerFileHandleChooser::handleDrop(const Json::Value&) {
+  return takeInDraggedFiles();
+}
+
+Json::Value CQueryHandlerFileHandleChooser::takeInDraggedFiles() {
+  if (draggedFiles_.empty()) {
+    logError("FileHandleChooser: handleDrop method called, but no files where previously dragged!");
+    return {};
+  }
+  return CFileDrop(std::exchange(draggedFiles_, {})).describe();
+}
+
+void CQueryHandlerFileHandleChooser::rememberDropped(const std::vector<std::string>& paths) {
+  draggedFiles_.clear();
+  draggedFiles_.reserve(paths.size());
+  logInformation("The following files have been dropped to app dock icon: ");
+  for (const std::string& path : paths) {
+    logInformation("\t", path);
+    draggedFiles_.emplace_back(path);
+  }
+}
+
+}  // namespace zantrio

@@ -22,6 +22,12 @@ std::string fileName(const std::string& path) {
   return path.substr(path.rfind('/') + 1);
 }
 
+// Ends in "/".
+std::string parentFolder(const std::string& path) {
+  const bool isFolderPath = path.size() > 1 && path.ends_with('/');
+  return path.substr(0, path.rfind('/', isFolderPath ? path.size() - 2 : path.npos) + 1);
+}
+
 Json::Int64 toMilliseconds(std::int64_t microseconds) {
   return microseconds / 1000;
 }

@@ -16,7 +16,7 @@ FileStatus::Kind kindOf(const struct statx& data) {
   return S_ISDIR(data.stx_mode) ? FileStatus::Kind::kDirectory : FileStatus::Kind::kOther;
 }
 
-std::int64_t toMicroseconds(const statx_timestamp& time) {
+std::int64_t microsecondsOf(const statx_timestamp& time) {
   return toMicroseconds(time.tv_sec, time.tv_nsec);
 }
 
@@ -30,9 +30,9 @@ int readFileStatus(const std::string& path, FileStatus& status) {
   status.kind = kindOf(data);
   status.identity = {makedev(data.stx_dev_major, data.stx_dev_minor), data.stx_ino};
   status.size = data.stx_size;
-  status.modifiedMicros = toMicroseconds(data.stx_mtime);
+  status.modifiedMicros = microsecondsOf(data.stx_mtime);
   const bool hasBirthTime = (data.stx_mask & STATX_BTIME) != 0;
-  status.createdMicros = toMicroseconds(hasBirthTime ? data.stx_btime : data.stx_ctime);
+  status.createdMicros = microsecondsOf(hasBirthTime ? data.stx_btime : data.stx_ctime);
   return 0;
 }
 

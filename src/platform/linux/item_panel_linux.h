@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace zantrio {
+
+enum class ItemPanelKind { kFiles, kFolder };
+
+// Runs the system's file dialog modally, as IFileChooseDialog::show tells. It opens in the folder
+// where a dialog of this application was left last, at first in the home folder.
+bool runItemPanel(ItemPanelKind kind, const std::string& title,
+                  std::vector<std::string>& chosenUrls);
+
+}  // namespace zantrio

@@ -1,0 +1,173 @@
+#include "files/file_drop.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+
+#include "src/files/log_recorder.h"
+#include "src/files/temporary_folder.h"
+
+namespace zantrio {
+namespace {
+
+using test::LogRecorder;
+using test::TemporaryFolder;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+Json::Value drop(const std::vector<std::string>& paths) {
+  return CFileDrop(std::vector<Poco::Path>(paths.begin(), paths.end())).describe();
+}
+
+std::vector<std::string> placesOf(const Json::Value& answer) {
+  std::vector<std::string> places;
+  for (const Json::Value& file : answer["files"]) {
+    const Json::Value& path = file["path"];
+    places.push_back((path.isNull() ? "null" : path.asString()) + "/" + file["name"].asString());
+  }
+  return places;
+}
+
+void expectCommonFolder(const Json::Value& answer, const std::string& name) {
+  EXPECT_EQ(answer["directoryName"], name);
+  EXPECT_EQ(answer["summary"], name);
+}
+
+void expectNoCommonFolder(const Json::Value& answer) {
+  EXPECT_FALSE(answer.isMember("directoryName"));
+  EXPECT_FALSE(answer.isMember("summary"));
+}
+
+class FileDrop : public testing::Test {
+ protected:
+  const TemporaryFolder folder_;
+  const LogRecorder log_;
+};
+
+TEST_F(FileDrop, TakesAFolderOnceWithWhatLiesInside) {
+  const std::string inside = folder_.makeFile("d/x.txt");
+  const std::string outer = folder_.path() + "/d";
+  for (const auto& paths : {std::vector{outer, inside}, std::vector{inside, outer}}) {
+    const LogRecorder log;
+    EXPECT_THAT(placesOf(drop(paths)), ElementsAre("null/x.txt"));
+    EXPECT_THAT(log.lines(), ElementsAre("Warning: Handling files drop: Item " + inside +
+                                         " is a child of another item."));
+  }
+}
+
+TEST_F(FileDrop, TakesAnItemWhoseNameOnlyBeginsLikeATakenFolder) {
+  folder_.makeFile("d/x.txt");
+  const std::string file = folder_.makeFile("dd/y.txt");
+  EXPECT_THAT(placesOf(drop({folder_.path() + "/d", file})),
+              ElementsAre("null/x.txt", "null/y.txt"));
+  EXPECT_THAT(log_.lines(), IsEmpty());
+}
+
+TEST_F(FileDrop, BeginsThePathsOfSeveralFoldersWithTheirNames) {
+  folder_.makeFile("p/A/direct.txt");
+  folder_.makeFile("p/A/sub/deep.txt");
+  folder_.makeFile("p/B/b.txt");
+  const Json::Value answer = drop({folder_.path() + "/p/A", folder_.path() + "/p/B"});
+  EXPECT_THAT(placesOf(answer), UnorderedElementsAre("A/direct.txt", "A/sub/deep.txt", "B/b.txt"));
+  expectCommonFolder(answer, "p");
+}
+
+TEST_F(FileDrop, MakesThePathsOfOneFolderRelativeToIt) {
+  folder_.makeFile("p/A/direct.txt");
+  folder_.makeFile("p/A/sub/deep.txt");
+  const Json::Value answer = drop({folder_.path() + "/p/A"});
+  EXPECT_THAT(placesOf(answer), UnorderedElementsAre("null/direct.txt", "sub/deep.txt"));
+  expectCommonFolder(answer, "A");
+}
+
+TEST_F(FileDrop, NamesASingleItemAlsoWhenItIsWrittenWithASlash) {
+  folder_.makeFile("A/x.txt");
+  expectCommonFolder(drop({folder_.path() + "/A/"}), "A");
+  expectCommonFolder(drop({folder_.path() + "/A/x.txt"}), "x.txt");
+}
+
+TEST_F(FileDrop, HasNoCommonFolderForAFolderAndAFileBelow) {
+  folder_.makeFile("A/x.txt");
+  const Json::Value answer = drop({folder_.path() + "/A", folder_.makeFile("q/r/y.txt")});
+  EXPECT_EQ(answer["files"].size(), 2U);
+  expectNoCommonFolder(answer);
+}
+
+TEST_F(FileDrop, ComparesTheNamesOfTheFoldersOfSeveralFiles) {
+  const std::string one = folder_.makeFile("p/q/1.txt");
+  const std::string two = folder_.makeFile("p/q/2.txt");
+  const std::string sameName = folder_.makeFile("r/q/3.txt");
+  const std::string otherName = folder_.makeFile("p/s/4.txt");
+  expectCommonFolder(drop({one, two}), "q");
+  expectCommonFolder(drop({one, sameName}), "q");
+  expectNoCommonFolder(drop({one, two, otherName}));
+}
+
+TEST_F(FileDrop, ReportsMissingItemsInBothPassesAndTakesTheRest) {
+  const std::string gone = folder_.path() + "/gone";
+  const std::string line =
+      "Error: FileHandleChooser: handleDrop is not able to locate file " + gone;
+  const Json::Value answer = drop({gone, folder_.makeFile("there.txt")});
+  EXPECT_THAT(placesOf(answer), ElementsAre("null/there.txt"));
+  EXPECT_THAT(log_.lines(), ElementsAre(line, line));
+}
+
+TEST_F(FileDrop, KeepsTheNameOfASingleItemThatIsGone) {
+  const Json::Value answer = drop({folder_.path() + "/gone"});
+  EXPECT_EQ(answer["files"], Json::Value(Json::arrayValue));
+  expectCommonFolder(answer, "gone");
+}
+
+TEST_F(FileDrop, DescribesADroppedHiddenFileEvenInsideATakenFolder) {
+  folder_.makeFile("d/x.txt");
+  const std::string hidden = folder_.makeFile("d/.secret");
+  EXPECT_THAT(placesOf(drop({hidden})), ElementsAre("null/.secret"));
+  EXPECT_THAT(placesOf(drop({folder_.path() + "/d", hidden})),
+              ElementsAre("null/x.txt", "null/.secret"));
+  EXPECT_THAT(log_.lines(), IsEmpty());
+}
+
+TEST_F(FileDrop, WalksADroppedHiddenFolderOnlyWhenItIsAlone) {
+  folder_.makeFile(".h/x.txt");
+  folder_.makeFile("v/y.txt");
+  EXPECT_THAT(placesOf(drop({folder_.path() + "/.h"})), ElementsAre("null/x.txt"));
+  EXPECT_THAT(placesOf(drop({folder_.path() + "/.h", folder_.path() + "/v"})),
+              ElementsAre("v/y.txt"));
+}
+
+TEST_F(FileDrop, RefusesWhatIsNeitherFileNorFolder) {
+  const std::string pipe = folder_.path() + "/pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  const Json::Value answer = drop({pipe});
+  EXPECT_EQ(answer["files"], Json::Value(Json::arrayValue));
+  EXPECT_THAT(log_.lines(), ElementsAre("Error: handleDrop: file " + pipe +
+                                        " is nor a regular file or a directory"));
+}
+
+TEST_F(FileDrop, ShowsANameThatIsNoUtf8AsTheCommonFolder) {
+  folder_.makeFile("caf\xE9/x.txt");
+  expectCommonFolder(drop({folder_.path() + "/caf\xE9"}), "caf\uFFFD");
+}
+
+TEST_F(FileDrop, TakesAHundredThousandItemsWithTheFoldersThatHoldThem) {
+  constexpr int kFolders = 1000;
+  constexpr int kItemsEach = 100;
+  const TemporaryFolder large(TemporaryFolder::Place::kMemory);
+  std::vector<std::string> items;
+  for (int i = 0; i < kFolders; ++i) {
+    const std::string one = large.makeFolder("folder" + std::to_string(i));
+    items.push_back(one);
+    for (int j = 0; j < kItemsEach; ++j) {
+      items.push_back(one + "/file" + std::to_string(j));
+      ASSERT_EQ(mknod(items.back().c_str(), S_IFREG | 0600, 0), 0);
+    }
+  }
+  std::reverse(items.begin(), items.end());
+  EXPECT_EQ(drop(items)["files"].size(), 100'000U);
+}
+
+}  // namespace
+}  // namespace zantrio

@@ -1,0 +1,139 @@
+#include "files/file_item_json.h"
+
+#include <gtest/gtest.h>
+#include <json/reader.h>
+#include <json/writer.h>
+
+#include <chrono>
+#include <limits>
+
+#include "src/files/temporary_folder.h"
+
+namespace zantrio {
+namespace {
+
+using test::TemporaryFolder;
+
+Json::Value recordOf(const std::string& path, const std::string& root = "",
+                     const std::string& url = "") {
+  Json::Value record;
+  EXPECT_TRUE(fillFileItemJson(record, path, url, root)) << path;
+  return record;
+}
+
+Json::Value writtenAndReadAgain(const Json::Value& value) {
+  Json::Value read;
+  EXPECT_TRUE(Json::Reader().parse(Json::FastWriter().write(value), read));
+  return read;
+}
+
+TEST(FileItemJson, DescribesAFile) {
+  const TemporaryFolder folder;
+  const std::string path = folder.makeFile("sub/report 1.pdf", "12345");
+  const Json::Value record = recordOf(path);
+  EXPECT_EQ(record["fileURL"], "file://" + folder.path() + "/sub/report%201.pdf");
+  EXPECT_EQ(record["name"], "report 1.pdf");
+  EXPECT_TRUE(record["path"].isNull());
+  EXPECT_EQ(record["size"], Json::Value(Json::UInt64(5)));
+  EXPECT_EQ(record.getMemberNames(),
+            (std::vector<std::string>{"created", "fileURL", "modified", "name", "path", "size"}));
+}
+
+TEST(FileItemJson, KeepsTheUrlOfTheCaller) {
+  const TemporaryFolder folder;
+  EXPECT_EQ(recordOf(folder.makeFile("a"), "", "zt://a%20b")["fileURL"], "zt://a%20b");
+}
+
+TEST(FileItemJson, LeavesTheRecordUntouchedForAMissingItem) {
+  const TemporaryFolder folder;
+  Json::Value record = "before";
+  EXPECT_FALSE(fillFileItemJson(record, folder.path() + "/gone", "", ""));
+  EXPECT_FALSE(fillFileItemJson(record, "", "", ""));
+  EXPECT_FALSE(fillFileItemJson(record, folder.makeLink("dangling", "nothing"), "", ""));
+  EXPECT_EQ(record, "before");
+}
+
+TEST(FileItemJson, HasAnUnsignedZeroForAnEmptyFile) {
+  const TemporaryFolder folder;
+  const Json::Value size = recordOf(folder.makeFile("empty"))["size"];
+  EXPECT_EQ(size.type(), Json::uintValue);
+  EXPECT_EQ(size.asUInt64(), 0U);
+}
+
+TEST(FileItemJson, CutsTimesTowardZero) {
+  const TemporaryFolder folder;
+  const std::string path = folder.makeFile("file");
+  test::setModified(path, 1'999'999'999);
+  EXPECT_EQ(recordOf(path)["modified"].asInt64(), 1999);
+  test::setModified(path, -1'500'999'000);
+  EXPECT_EQ(recordOf(path)["modified"].asInt64(), -1500);
+  test::setModified(path, -900'000);
+  EXPECT_EQ(recordOf(path)["modified"].asInt64(), 0);
+}
+
+TEST(FileItemJson, TakesTheCreationFromTheFileAndNotFromItsModification) {
+  using std::chrono::duration_cast;
+  using std::chrono::milliseconds;
+  const TemporaryFolder folder;
+  const auto now = [] {
+    return duration_cast<milliseconds>(std::chrono::system_clock::now().time_since_epoch()).count();
+  };
+  constexpr std::int64_t kClockOfFileSystem = 1000;  // it may lag behind
+  const std::int64_t before = now() - kClockOfFileSystem;
+  const std::string path = folder.makeFile("file");
+  test::setModified(path, 1);
+  const std::int64_t created = recordOf(path)["created"].asInt64();
+  EXPECT_GE(created, before);
+  EXPECT_LE(created, now());
+}
+
+TEST(FileItemJson, SaturatesTimesThatCannotBeCounted) {
+  EXPECT_EQ(toMicroseconds(std::numeric_limits<std::int64_t>::max(), 0),
+            std::numeric_limits<std::int64_t>::max());
+  EXPECT_EQ(toMicroseconds(std::numeric_limits<std::int64_t>::min(), 0),
+            std::numeric_limits<std::int64_t>::min());
+  EXPECT_EQ(toMicroseconds(-1, 999'999'999), -1);
+}
+
+TEST(FileItemJson, MakesThePathRelativeToTheRoot) {
+  EXPECT_EQ(relativeFolder("/r/a/b/x.txt", "/r"), "a/b");
+  EXPECT_EQ(relativeFolder("/r/a/b/x.txt", "/r/"), "a/b");
+  EXPECT_EQ(relativeFolder("/r/x.txt", "/r"), "");
+  EXPECT_EQ(relativeFolder("/r/x.txt", "/r/"), "");
+  EXPECT_EQ(relativeFolder("/x.txt", "/"), "");
+  EXPECT_EQ(relativeFolder("/a/x.txt", "/"), "a");
+  EXPECT_EQ(relativeFolder("/r/x.txt", ""), "");
+  EXPECT_EQ(relativeFolder("/other/a/x.txt", "/r"), "");
+}
+
+TEST(FileItemJson, ComparesTheRootAsTextOnly) {
+  EXPECT_EQ(relativeFolder("/a/bc/x.txt", "/a/b"), "");
+  EXPECT_EQ(relativeFolder("/a/bc/de/x.txt", "/a/b"), "/de");
+  EXPECT_EQ(relativeFolder("/a/b\\c/x.txt", "/a/b\\"), "c");
+}
+
+TEST(FileItemJson, ReportsAFileThatIsItsOwnRoot) {
+  const TemporaryFolder folder;
+  const std::string path = folder.makeFile("file.txt");
+  Json::Value record;
+  EXPECT_FALSE(fillFileItemJson(record, path, "", path));
+}
+
+TEST(FileItemJson, ShowsEveryNameAndLosesNoneInTheUrl) {
+  const TemporaryFolder folder;
+  const std::string longName(250, 'n');
+  for (const auto& [name, encoded, shown] :
+       {std::tuple<std::string, std::string, std::string>{"100% done", "100%25%20done",
+                                                          "100% done"},
+        {"\u65E5\u672C", "%E6%97%A5%E6%9C%AC", "\u65E5\u672C"},
+        {"line\nbreak \"q\"", "line%0Abreak%20%22q%22", "line\nbreak \"q\""},
+        {"caf\xE9\xFF", "caf%E9%FF", "caf\uFFFD\uFFFD"},
+        {longName, longName, longName}}) {
+    const Json::Value record = writtenAndReadAgain(recordOf(folder.makeFile(name)));
+    EXPECT_EQ(record["fileURL"], "file://" + folder.path() + "/" + encoded);
+    EXPECT_EQ(record["name"], shown);
+  }
+}
+
+}  // namespace
+}  // namespace zantrio

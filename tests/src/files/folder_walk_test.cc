@@ -1,0 +1,198 @@
+#include "files/folder_walk.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <json/reader.h>
+#include <json/writer.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <set>
+
+#include "files/folder_listing.h"
+#include "src/files/file_query_counter.h"
+#include "src/files/log_recorder.h"
+#include "src/files/temporary_folder.h"
+
+namespace zantrio {
+namespace {
+
+using test::LogRecorder;
+using test::TemporaryFolder;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+Json::Value walk(const std::string& folder, const std::string& root) {
+  Json::Value files(Json::arrayValue);
+  CFolderWalk(files, root).walk(folder);
+  return files;
+}
+
+Json::Value walk(const std::string& folder) {
+  return walk(folder, folder);
+}
+
+// "path/name" of each record, "null/name" for a file in the root.
+std::vector<std::string> placesOf(const Json::Value& files) {
+  std::vector<std::string> places;
+  for (const Json::Value& file : files) {
+    const Json::Value& path = file["path"];
+    places.push_back((path.isNull() ? "null" : path.asString()) + "/" + file["name"].asString());
+  }
+  return places;
+}
+
+TEST(FolderWalk, DescribesTheFilesOfAllFolders) {
+  const TemporaryFolder folder;
+  folder.makeFile("a.txt");
+  folder.makeFile("sub/b.txt");
+  folder.makeFile("sub/inner/c.txt");
+  folder.makeFolder("empty");
+  EXPECT_THAT(placesOf(walk(folder.path())),
+              UnorderedElementsAre("null/a.txt", "sub/b.txt", "sub/inner/c.txt"));
+}
+
+TEST(FolderWalk, GivesTheSamePathsForARootWithAndWithoutASlash) {
+  const TemporaryFolder folder;
+  folder.makeFile("a.txt");
+  folder.makeFile("sub/b.txt");
+  EXPECT_EQ(walk(folder.path()), walk(folder.path() + "/"));
+}
+
+TEST(FolderWalk, KeepsTheOrderOfTheFileSystem) {
+  const TemporaryFolder folder;
+  for (int i = 0; i < 100; ++i) {
+    folder.makeFile("file" + std::to_string(i * 7919 % 100));
+  }
+  std::vector<std::string> listed;
+  ASSERT_EQ(listFolder(folder.path(), listed), 0);
+  std::vector<std::string> walked;
+  for (const Json::Value& file : walk(folder.path())) {
+    walked.push_back(file["name"].asString());
+  }
+  EXPECT_EQ(walked, listed);
+}
+
+TEST(FolderWalk, LeavesOutHiddenItemsButNotAHiddenRoot) {
+  const TemporaryFolder folder;
+  const std::string hidden = folder.makeFolder(".hidden");
+  folder.makeFile(".hidden/seen.txt");
+  folder.makeFile(".hidden/.file");
+  folder.makeFile(".hidden/.folder/file.txt");
+  EXPECT_THAT(placesOf(walk(hidden)), ElementsAre("null/seen.txt"));
+  EXPECT_THAT(placesOf(walk(folder.path())), IsEmpty());
+  EXPECT_THAT(placesOf(walk(hidden, folder.path() + "/")), IsEmpty());
+}
+
+TEST(FolderWalk, TakesLinksForWhatTheyLeadTo) {
+  const TemporaryFolder outside;
+  outside.makeFile("there.txt", "1234");
+  const TemporaryFolder folder;
+  folder.makeLink("folder", outside.path());
+  folder.makeLink("file", outside.path() + "/there.txt");
+  folder.makeLink("dangling", "nothing");
+  const Json::Value files = walk(folder.path());
+  EXPECT_THAT(placesOf(files), UnorderedElementsAre("folder/there.txt", "null/file"));
+  for (const Json::Value& file : files) {
+    EXPECT_EQ(file["size"].asUInt64(), 4U);
+  }
+}
+
+TEST(FolderWalk, LeavesOutLinksThatLeadBackToTheirFolder) {
+  const TemporaryFolder folder;
+  folder.makeFile("one/a.txt");
+  folder.makeFile("two/b.txt");
+  folder.makeLink("one/up", "..");
+  folder.makeLink("one/self", ".");
+  folder.makeLink("one/two", "../two");
+  folder.makeLink("two/one", "../one");
+  folder.makeLink("loop", "loop");
+  const LogRecorder log;
+  EXPECT_THAT(placesOf(walk(folder.path())),
+              UnorderedElementsAre("one/a.txt", "one/two/b.txt", "two/b.txt", "two/one/a.txt"));
+  EXPECT_THAT(log.lines(),
+              testing::Contains("Warning: FileHandleChooser: left out " + folder.path() +
+                                "/one/up: it leads back to a folder that holds it"));
+}
+
+TEST(FolderWalk, LeavesOutWhatIsNeitherFileNorFolder) {
+  const TemporaryFolder folder;
+  folder.makeFile("file");
+  ASSERT_EQ(mkfifo((folder.path() + "/pipe").c_str(), 0600), 0);
+  EXPECT_THAT(placesOf(walk(folder.path())), ElementsAre("null/file"));
+}
+
+TEST(FolderWalk, AddsNothingForAMissingFolderOrAFile) {
+  const TemporaryFolder folder;
+  EXPECT_THAT(placesOf(walk(folder.path() + "/gone")), IsEmpty());
+  EXPECT_THAT(placesOf(walk(folder.makeFile("file"))), IsEmpty());
+}
+
+TEST(FolderWalk, GoesOnBehindFoldersThatAreTooDeepForAnyPath) {
+  const TemporaryFolder folder;
+  const std::string name(200, 'd');
+  folder.makeFile("shallow.txt");
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(folder.path());
+  for (int level = 0; level < 30; ++level) {  // 6,000 bytes; a path may have 4,096
+    ASSERT_EQ(mkdir(name.c_str(), 0700), 0);
+    ASSERT_EQ(chdir(name.c_str()), 0);
+  }
+  std::filesystem::current_path(before);
+  folder.makeFile(name + "/inside.txt");
+  const LogRecorder log;
+  EXPECT_THAT(placesOf(walk(folder.path())),
+              UnorderedElementsAre("null/shallow.txt", name + "/inside.txt"));
+  EXPECT_THAT(log.lines(), ElementsAre(testing::EndsWith("File name too long")));
+  ASSERT_EQ(std::system(("rm -rf '" + folder.path() + "/" + name + "'").c_str()), 0);
+}
+
+TEST(FolderWalk, DescribesNamesThatAreNoUtf8InValidJson) {
+  const TemporaryFolder folder;
+  folder.makeFile("d\xE9j\xE0/vu\xFF");
+  Json::Value read;
+  ASSERT_TRUE(Json::Reader().parse(Json::FastWriter().write(walk(folder.path())), read));
+  EXPECT_EQ(read[0]["name"], "vu\uFFFD");
+  EXPECT_EQ(read[0]["path"], "d\uFFFDj\uFFFD");
+  EXPECT_EQ(read[0]["fileURL"], "file://" + folder.path() + "/d%E9j%E0/vu%FF");
+}
+
+TEST(FolderWalk, AsksTheFileSystemOnceForEachVisibleEntry) {
+  const TemporaryFolder folder;
+  for (int i = 0; i < 50; ++i) {
+    folder.makeFile("sub/file" + std::to_string(i));
+    folder.makeFile("sub/.hidden" + std::to_string(i));
+  }
+  folder.makeLink("link", "sub");
+  const long before = test::statusQueries();
+  const Json::Value files = walk(folder.path());
+  const long asked = test::statusQueries() - before;
+  EXPECT_EQ(files.size(), 100U);
+  // The root, "sub", "link", and the fifty files by either way.
+  EXPECT_EQ(asked, 1 + 2 + 100);
+}
+
+TEST(FolderWalk, DescribesAHundredThousandFiles) {
+  constexpr int kFolders = 100;
+  constexpr int kFilesEach = 1000;
+  const TemporaryFolder folder(TemporaryFolder::Place::kMemory);
+  for (int i = 0; i < kFolders; ++i) {
+    const std::string prefix = folder.makeFolder("folder" + std::to_string(i)) + "/file";
+    for (int j = 0; j < kFilesEach; ++j) {
+      ASSERT_EQ(mknod((prefix + std::to_string(j)).c_str(), S_IFREG | 0600, 0), 0);
+    }
+  }
+  const Json::Value files = walk(folder.path());
+  std::set<std::string> urls;
+  for (const Json::Value& file : files) {
+    urls.insert(file["fileURL"].asString());
+  }
+  EXPECT_EQ(files.size(), 100'000U);
+  EXPECT_EQ(urls.size(), 100'000U);
+}
+
+}  // namespace
+}  // namespace zantrio

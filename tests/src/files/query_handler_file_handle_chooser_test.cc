@@ -1,0 +1,266 @@
+#include "files/query_handler_file_handle_chooser.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <json/reader.h>
+
+#include "bridge/query_handler_context.h"
+#include "files/file_data.h"
+#include "src/files/fake_browser.h"
+#include "src/files/fake_platform.h"
+#include "src/files/log_recorder.h"
+#include "src/files/temporary_folder.h"
+
+namespace zantrio {
+namespace {
+
+using test::FakePlatform;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class RecordedAnswer : public CefMessageRouterBrowserSide::Callback {
+ public:
+  void Success(const CefString& response) override { success = response.ToString(); }
+  void Failure(int, const CefString& message) override { failure = message.ToString(); }
+
+  std::string success;
+  std::string failure;
+
+ private:
+  IMPLEMENT_REFCOUNTING(RecordedAnswer);
+};
+
+class FileHandleChooser : public testing::Test {
+ protected:
+  void SetUp() override { FakePlatform::instance() = {}; }
+
+  CefRefPtr<RecordedAnswer> query(const std::string& method) {
+    CefRefPtr<RecordedAnswer> answer = new RecordedAnswer;
+    EXPECT_TRUE(handler_.OnQuery(nullptr, nullptr, 1, "{\"method\":\"" + method + "\"}", false,
+                                 answer.get()));
+    return answer;
+  }
+
+  Json::Value ask(const std::string& method) {
+    Json::Value value;
+    const std::string text = query(method)->success;
+    EXPECT_TRUE(Json::Reader().parse(text, value)) << text;
+    return value;
+  }
+
+  void drag(const std::vector<std::string>& paths) {
+    DragMessage message;
+    message.kind = DragMessage::kFiles;
+    message.payload = FileData{std::vector<Poco::Path>(paths.begin(), paths.end())};
+    EXPECT_TRUE(handler_.onDragData(message));
+  }
+
+  void connect(bool hasMainFrame = true) {
+    QueryHandlerContext context;
+    context.browser = test::makeFakeBrowser(scripts_, hasMainFrame);
+    handler_.setHandlerData(context);
+  }
+
+  std::string urlOf(const std::string& path) const { return "file://" + path; }
+
+  FakePlatform& platform_ = FakePlatform::instance();
+  const test::TemporaryFolder folder_;
+  const test::LogRecorder log_;
+  std::vector<test::ExecutedScript> scripts_;
+  CQueryHandlerFileHandleChooser handler_;
+};
+
+std::vector<std::string> namesOf(const Json::Value& answer) {
+  std::vector<std::string> names;
+  for (const Json::Value& file : answer["files"]) {
+    names.push_back(file["name"].asString());
+  }
+  return names;
+}
+
+TEST_F(FileHandleChooser, SupportsItsThreeMethods) {
+  EXPECT_EQ(query("supportedMethods")->success,
+            "[\"handleDrop\",\"selectFiles\",\"selectFolder\",\"supportedMethods\"]\n");
+}
+
+TEST_F(FileHandleChooser, OffersADragHandlerOnly) {
+  EXPECT_EQ(Poco::AnyCast<IDragHandler*>(handler_.getHandlerData(IQueryHandler::kDragHandler)),
+            &handler_);
+  EXPECT_TRUE(handler_.getHandlerData(IQueryHandler::kAppLifecycleEventsHandler).empty());
+}
+
+TEST_F(FileHandleChooser, AnswersNullForACancelledOrMissingDialog) {
+  EXPECT_EQ(query("selectFiles")->success, "null\n");
+  EXPECT_EQ(query("selectFolder")->success, "null\n");
+  EXPECT_THAT(platform_.shownDialogs, ElementsAre("files: Choose files", "folder: Choose folder"));
+  platform_.makesDialogs = false;
+  EXPECT_EQ(query("selectFiles")->success, "null\n");
+  EXPECT_EQ(query("selectFolder")->success, "null\n");
+  EXPECT_EQ(platform_.openDialogs, 0);
+  EXPECT_THAT(log_.lines(), testing::Each(testing::HasSubstr("Received query: ")));
+}
+
+TEST_F(FileHandleChooser, DescribesOneChosenFile) {
+  const std::string path = folder_.makeFile("q/my 1.txt", "abc");
+  const std::string url = urlOf(folder_.path() + "/q/my%201.txt");
+  platform_.answers = {{url}};
+  const Json::Value answer = ask("selectFiles");
+  ASSERT_EQ(answer["files"].size(), 1U);
+  EXPECT_EQ(answer["files"][0]["fileURL"], url);
+  EXPECT_EQ(answer["files"][0]["size"].asUInt64(), 3U);
+  EXPECT_TRUE(answer["files"][0]["path"].isNull());
+  EXPECT_EQ(answer["directoryName"], "q");
+  EXPECT_EQ(answer["summary"], "my 1.txt");
+  EXPECT_THAT(
+      log_.lines(),
+      ElementsAre(testing::_, "Information: selectFiles: User selected the following files: ",
+                  "Information: \t" + url));
+}
+
+TEST_F(FileHandleChooser, NamesTheFolderThatAllChosenFilesShare) {
+  const std::string one = urlOf(folder_.makeFile("a/x/1"));
+  const std::string two = urlOf(folder_.makeFile("b/x/2"));
+  const std::string other = urlOf(folder_.makeFile("y/3"));
+  platform_.answers = {{one, two}, {one, other, two}};
+  Json::Value answer = ask("selectFiles");
+  EXPECT_EQ(answer["directoryName"], "x");
+  EXPECT_EQ(answer["summary"], "x");
+  answer = ask("selectFiles");
+  EXPECT_TRUE(answer.isMember("directoryName") && answer["directoryName"].isNull());
+  EXPECT_TRUE(answer.isMember("summary") && answer["summary"].isNull());
+  EXPECT_THAT(namesOf(answer), ElementsAre("1", "3", "2"));
+}
+
+TEST_F(FileHandleChooser, SkipsAChosenFileThatIsGone) {
+  platform_.answers = {{urlOf(folder_.path() + "/gone"), urlOf(folder_.makeFile("there"))}};
+  EXPECT_THAT(namesOf(ask("selectFiles")), ElementsAre("there"));
+}
+
+TEST_F(FileHandleChooser, AnswersAnEmptyListWhenNothingWasChosen) {
+  platform_.answers = {{}, {}};
+  const Json::Value answer = ask("selectFiles");
+  EXPECT_EQ(answer["files"], Json::Value(Json::arrayValue));
+  EXPECT_TRUE(answer["directoryName"].isNull());
+  EXPECT_TRUE(answer["summary"].isNull());
+  EXPECT_TRUE(ask("selectFolder").isNull());
+}
+
+TEST_F(FileHandleChooser, TellsOfEveryUnreadableItemAndAsksAgain) {
+  const std::string good = folder_.makeFile("good");
+  const std::string bad1 = folder_.makeFile("bad 1");
+  const std::string bad2 = folder_.makeFile("bad2");
+  platform_.unreadablePaths = {bad1, bad2};
+  platform_.answers = {
+      {urlOf(folder_.path() + "/bad%201"), urlOf(good), urlOf(bad2)}, {urlOf(bad2)}, {urlOf(good)}};
+  EXPECT_THAT(namesOf(ask("selectFiles")), ElementsAre("good"));
+  const auto alertFor = [](const std::string& path) {
+    return "Zantrio does not have read permissions to " + path + ". Please select another item.";
+  };
+  EXPECT_THAT(platform_.alerts, ElementsAre(alertFor(bad1), alertFor(bad2), alertFor(bad2)));
+  EXPECT_EQ(platform_.shownDialogs.size(), 3U);
+}
+
+TEST_F(FileHandleChooser, AnswersNullWhenTheUserGivesUpOnUnreadableItems) {
+  const std::string bad = folder_.makeFolder("bad");
+  platform_.unreadablePaths = {bad};
+  platform_.answers = {{urlOf(bad)}};
+  EXPECT_EQ(query("selectFolder")->success, "null\n");
+  EXPECT_EQ(platform_.alerts.size(), 1U);
+}
+
+TEST_F(FileHandleChooser, WalksTheChosenFolder) {
+  folder_.makeFile("Photos.2019/sub/1.jpg");
+  const std::string url = urlOf(folder_.path() + "/Photos.2019");
+  platform_.answers = {{url}, {url + "/"}};
+  Json::Value answer = ask("selectFolder");
+  EXPECT_THAT(namesOf(answer), ElementsAre("1.jpg"));
+  EXPECT_EQ(answer["files"][0]["path"], "sub");
+  EXPECT_EQ(answer["directoryName"], "Photos");
+  EXPECT_EQ(answer["summary"], "Photos");
+  EXPECT_THAT(log_.lines(), ElementsAre(testing::_,
+                                        "Information: selectFolder: user selected the following "
+                                        "folder: " +
+                                            url));
+  answer = ask("selectFolder");
+  EXPECT_EQ(answer["files"][0]["path"], "sub");
+  EXPECT_TRUE(answer["directoryName"].isNull());
+  EXPECT_TRUE(answer["summary"].isNull());
+}
+
+TEST_F(FileHandleChooser, AnswersAFailureWhenADialogGivesNoUrl) {
+  platform_.answers = {{"file:///a%zz"}};
+  EXPECT_THAT(query("selectFiles")->failure,
+              testing::StartsWith("Exception caught when executing query handler: "));
+}
+
+TEST_F(FileHandleChooser, TakesInADragOnce) {
+  const std::string file = folder_.makeFile("q/a.txt");
+  drag({folder_.makeFile("first.txt")});
+  drag({file});
+  EXPECT_THAT(namesOf(ask("handleDrop")), ElementsAre("a.txt"));
+  EXPECT_EQ(query("handleDrop")->success, "null\n");
+  EXPECT_EQ(log_.lines().back(),
+            "Error: FileHandleChooser: handleDrop method called, but no files where previously "
+            "dragged!");
+}
+
+TEST_F(FileHandleChooser, IgnoresDragsWithoutFiles) {
+  drag({folder_.makeFile("a.txt")});
+  EXPECT_FALSE(handler_.onDragData(DragMessage()));
+  EXPECT_THAT(namesOf(ask("handleDrop")), ElementsAre("a.txt"));
+}
+
+TEST_F(FileHandleChooser, RefusesADragWithAForeignPayload) {
+  DragMessage message;
+  message.kind = DragMessage::kFiles;
+  message.payload = std::string("no paths");
+  EXPECT_THROW(handler_.onDragData(message), Poco::BadCastException);
+}
+
+TEST_F(FileHandleChooser, IgnoresADockDropWithoutBrowserOrMainFrame) {
+  const std::string dragged = folder_.makeFile("dragged.txt");
+  drag({dragged});
+  handler_.filesDropped({folder_.makeFile("dropped.txt")}, true, false);
+  connect(false);
+  handler_.filesDropped({folder_.makeFile("dropped.txt")}, true, false);
+  EXPECT_THAT(scripts_, IsEmpty());
+  EXPECT_THAT(log_.lines(), IsEmpty());
+  EXPECT_THAT(namesOf(ask("handleDrop")), ElementsAre("dragged.txt"));
+}
+
+TEST_F(FileHandleChooser, PushesADockDropIntoThePage) {
+  connect();
+  const std::string one = folder_.makeFile("q/one.txt");
+  const std::string two = folder_.makeFile("q/two.txt");
+  handler_.filesDropped({one, two}, true, false);
+  ASSERT_EQ(scripts_.size(), 1U);
+  const std::string head = "setTimeout(function() { window._fileHandleChooser_handleDropFiles(";
+  const std::string tail = ")}, 0);";
+  const std::string& code = scripts_[0].code;
+  ASSERT_TRUE(code.starts_with(head) && code.ends_with(tail)) << code;
+  Json::Value drop;
+  const std::string json = code.substr(head.size(), code.size() - head.size() - tail.size());
+  ASSERT_TRUE(Json::Reader().parse(json, drop)) << json;
+  EXPECT_EQ(json, drop.toStyledString());
+  EXPECT_THAT(namesOf(drop), testing::UnorderedElementsAre("one.txt", "two.txt"));
+  EXPECT_EQ(drop["directoryName"], "q");
+  EXPECT_EQ(drop["complete"], true);
+  EXPECT_EQ(drop["defer"], false);
+  EXPECT_EQ(scripts_[0].url, "https://app.test/page");
+  EXPECT_EQ(scripts_[0].line, 0);
+  EXPECT_THAT(log_.lines(),
+              ElementsAre("Information: The following files have been dropped to app dock icon: ",
+                          "Information: \t" + one, "Information: \t" + two));
+}
+
+TEST_F(FileHandleChooser, PushesOnlyTheFlagsOfADockDropWithoutPaths) {
+  connect();
+  handler_.filesDropped({}, false, true);
+  ASSERT_EQ(scripts_.size(), 1U);
+  EXPECT_EQ(scripts_[0].code,
+            "setTimeout(function() { window._fileHandleChooser_handleDropFiles("
+            "{\n\t\"complete\" : false,\n\t\"defer\" : true\n}\n)}, 0);");
+}
+
+}  // namespace
+}  // namespace zantrio

@@ -52,6 +52,7 @@ void CLogHolder::setLogPath(const std::string& path) {
     return;
   }
   const Poco::FastMutex::ScopedLock lock(mutex_);
+  file_->close();  // an open file would go on under its old path
   file_->setProperty("path", path);
 }
 

@@ -3,7 +3,7 @@
 #include <exception>
 
 #include "app/logger.h"
-//#include "files/query_handler_file_handle_chooser.h"
+#include "files/query_handler_file_handle_chooser.h"
 #include "services/query_handler_native_app.h"
 #include "transfers/query_handler_upload_manager.h"
 
@@ -19,7 +19,7 @@ const std::vector<QueryBridge>& applicationBridges() {
   static const std::vector<QueryBridge> bridges = {
       {"nativeAppBridge_IPC", create<CQueryHandlerNativeApp>},
       {"uploadManagerBridge_IPC", create<CQueryHandlerUploadManager>},
-      //{"fileHandleChooserBridge_IPC", create<CQueryHandlerFileHandleChooser>},
+      {"fileHandleChooserBridge_IPC", create<CQueryHandlerFileHandleChooser>},
   };
   return bridges;
 }

@@ -1,0 +1,145 @@
+#include "bridge/query_handler_base.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+
+#include "bridge/json_text.h"
+#include "src/fakes/fake_query_callback.h"
+#include "src/fakes/log_capture.h"
+
+namespace zantrio {
+namespace {
+
+using test::FakeQueryCallback;
+using test::LogCapture;
+
+class Handler : public CQueryHandlerBase {
+ public:
+  Handler() {
+    registerMethod("zeta", &Handler::echo);
+    registerMethod("Alpha", &Handler::echo);
+    registerMethod("throws", &Handler::throwStandard);
+    registerMethod("throwsOther", &Handler::throwOther);
+    registerMethod("missing", static_cast<Json::Value (Handler::*)(const Json::Value&)>(nullptr));
+    registerMethod("replaced", &Handler::throwStandard);
+    registerMethod("replaced", &Handler::echo);
+  }
+
+ private:
+  Json::Value echo(const Json::Value& parameters) { return parameters; }
+  Json::Value throwStandard(const Json::Value&) { throw std::runtime_error("no luck"); }
+  Json::Value throwOther(const Json::Value&) { throw 5; }
+};
+
+class QueryDispatch : public testing::Test {
+ protected:
+  bool query(const std::string& request) {
+    callback = new FakeQueryCallback;
+    return handler.OnQuery(nullptr, nullptr, 1, request, false, callback);
+  }
+  void expectFailure(const std::string& request, const std::string& text) {
+    EXPECT_TRUE(query(request)) << request;
+    EXPECT_EQ(callback->failures, std::vector<std::string>{"-1 " + text}) << request;
+    EXPECT_TRUE(callback->successes.empty()) << request;
+  }
+  void expectAnswer(const std::string& request, const std::string& answer) {
+    EXPECT_TRUE(query(request)) << request;
+    EXPECT_EQ(callback->successes, std::vector<std::string>{answer}) << request;
+    EXPECT_TRUE(callback->failures.empty()) << request;
+  }
+
+  LogCapture log;
+  Handler handler;
+  CefRefPtr<FakeQueryCallback> callback;
+};
+
+TEST_F(QueryDispatch, RefusesQueryWithoutCallbackAndLogsNothing) {
+  EXPECT_FALSE(handler.OnQuery(nullptr, nullptr, 1, "{}", false, nullptr));
+  EXPECT_TRUE(log.lines().empty());
+}
+
+TEST_F(QueryDispatch, LogsTheRequest) {
+  query(R"({"method":"zeta"})");
+  EXPECT_EQ(log.lines().front(), R"(information Received query: {"method":"zeta"})");
+}
+
+TEST_F(QueryDispatch, AnswersWhatIsNoJsonWithFixedText) {
+  for (const char* request : {"abc", "", "{", "[1,]", R"({"method":"zeta",})"}) {
+    expectFailure(request, "Failed to parse JSON");
+  }
+  EXPECT_TRUE(log.contains("error Failed to parse JSON!"));
+}
+
+TEST_F(QueryDispatch, AnswersMissingOrWrongMethodWithFixedText) {
+  for (const char* request :
+       {"{}", "null", R"({"method":5})", R"({"method":null})", R"({"method":{}})"}) {
+    expectFailure(request, "Key 'method' not found in input json!");
+  }
+  EXPECT_TRUE(log.contains("error Key 'method' not found in input json"));
+}
+
+TEST_F(QueryDispatch, AnswersARequestThatIsNoObjectAsAnException) {
+  EXPECT_TRUE(query("[1]"));
+  ASSERT_EQ(callback->failures.size(), 1U);
+  EXPECT_EQ(callback->failures[0].find("-1 Exception caught when executing query handler: "), 0U);
+}
+
+TEST_F(QueryDispatch, LeavesUnknownMethodUnanswered) {
+  EXPECT_FALSE(query(R"({"method":"nope"})"));
+  EXPECT_TRUE(callback->failures.empty());
+  EXPECT_TRUE(log.contains("error Handler for method nope is not registered!"));
+}
+
+TEST_F(QueryDispatch, LeavesMethodWithoutFunctionUnanswered) {
+  EXPECT_FALSE(query(R"({"method":"missing"})"));
+  EXPECT_TRUE(callback->failures.empty());
+  EXPECT_TRUE(log.contains("error Handler for method missing is NULL!"));
+}
+
+TEST_F(QueryDispatch, AnswersStandardExceptionWithItsText) {
+  expectFailure(R"({"method":"throws"})", "Exception caught when executing query handler: no luck");
+  EXPECT_TRUE(log.contains("error Exception when executing query: no luck"));
+}
+
+TEST_F(QueryDispatch, AnswersAnyOtherExceptionWithFixedText) {
+  expectFailure(R"({"method":"throwsOther"})", "Exception caught when executing query handler");
+  EXPECT_TRUE(log.contains("error Objective-C Exception caught when executing query handler"));
+}
+
+TEST_F(QueryDispatch, ListsMethodsInByteOrder) {
+  expectAnswer(R"({"method":"supportedMethods"})",
+               "[\"Alpha\",\"missing\",\"replaced\",\"supportedMethods\",\"throws\","
+               "\"throwsOther\",\"zeta\"]\n");
+}
+
+TEST_F(QueryDispatch, HandsParametersOverAsTheyStand) {
+  expectAnswer(R"({"method":"zeta"})", "null\n");
+  expectAnswer(R"(/* why */ {"method":"zeta", "parameters": [1, "ä", {"b":2.5,"a":true}]})",
+               "[1,\"\\u00e4\",{\"a\":true,\"b\":2.5}]\n");
+  expectAnswer(R"({"method":"replaced","parameters":7})", "7\n");
+}
+
+TEST_F(QueryDispatch, CarriesListsOfAHundredThousandElements) {
+  Json::Value list(Json::arrayValue);
+  for (int i = 0; i < 100'000; ++i) {
+    list.append("file " + std::to_string(i));
+  }
+  Json::Value request;
+  request["method"] = "zeta";
+  request["parameters"] = list;
+  EXPECT_TRUE(query(writeCompactJson(request)));
+  ASSERT_EQ(callback->successes.size(), 1U);
+  Json::Value answer;
+  ASSERT_TRUE(parseJson(callback->successes[0], answer));
+  EXPECT_EQ(answer, list);
+}
+
+TEST_F(QueryDispatch, OffersNoObjectsByItself) {
+  EXPECT_TRUE(handler.getHandlerData(1).empty());
+  EXPECT_TRUE(handler.getHandlerData(2).empty());
+}
+
+}  // namespace
+}  // namespace zantrio

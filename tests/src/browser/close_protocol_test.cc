@@ -1,0 +1,170 @@
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "src/browser/zt_cef_handler_fixture.h"
+
+namespace zantrio {
+namespace {
+
+using test::FakeBrowser;
+
+constexpr const char* kOverdue =
+    "warning ZtCefHandler::OnBeforeClose has not been called within the expected period, calling "
+    "it manually!";
+
+class CloseProtocol : public test::ZtCefHandlerTest {
+ protected:
+  void createImpatientClient() {
+    ZtCefHandler::Options options;
+    options.closePeriod = Poco::Timespan(0, 1000);
+    createClient(options);
+  }
+};
+
+TEST_F(CloseProtocol, AsksEveryBrowserToClose) {
+  const auto first = openBrowser(1);
+  const auto second = openBrowser(2);
+  client->CloseAllBrowsers(false);
+  client->CloseAllBrowsers(true);
+  EXPECT_EQ(first->host->closeCalls, (std::vector<bool>{false, true}));
+  EXPECT_EQ(second->host->closeCalls, (std::vector<bool>{false, true}));
+  EXPECT_TRUE(log.contains("information Closing all browsers!"));
+}
+
+TEST_F(CloseProtocol, ReachesTheUiThreadFromAnyOther) {
+  const auto browser = openBrowser();
+  framework.dropTasks();
+  std::thread worker([this] { client->CloseAllBrowsers(true); });
+  worker.join();
+  EXPECT_TRUE(browser->host->closeCalls.empty());
+  framework.runDueTasks();
+  EXPECT_EQ(browser->host->closeCalls, std::vector<bool>{true});
+}
+
+TEST_F(CloseProtocol, SurvivesABrowserThatClosesDuringTheCall) {
+  const auto first = openBrowser(1);
+  const auto second = openBrowser(2);
+  first->host->onClose = [&] { client->OnBeforeClose(first); };
+  second->host->onClose = [&] { client->OnBeforeClose(second); };
+  client->CloseAllBrowsers(false);
+  EXPECT_EQ(framework.quitCalls(), 1);
+}
+
+TEST_F(CloseProtocol, DropsMessagesOnceTheLastBrowserCloses) {
+  const auto first = openBrowser(1);
+  const auto second = openBrowser(2);
+  for (const auto& router : framework.routers()) {
+    router->handlesMessages = true;
+  }
+  EXPECT_FALSE(client->DoClose(first));
+  EXPECT_TRUE(sendMessage(second));
+  client->OnBeforeClose(first);
+  EXPECT_FALSE(client->DoClose(second));
+  EXPECT_FALSE(sendMessage(second));
+  EXPECT_TRUE(log.contains(
+      "information OnProcessMessageReceived: message received while closing the app!"));
+}
+
+TEST_F(CloseProtocol, TakesEverythingDownAndEndsTheLoop) {
+  const auto browser = openBrowser();
+  const auto routers = framework.routers();
+  client->DoClose(browser);
+  EXPECT_EQ(framework.quitCalls(), 0);
+  client->OnBeforeClose(browser);
+  EXPECT_EQ(framework.quitCalls(), 1);
+  EXPECT_EQ(transfers.calls, std::vector<std::string>{"upload shutdown"});
+  EXPECT_EQ(transfers.uploadCallback, nullptr);
+  EXPECT_EQ(transfers.managersAlive, 0);
+  EXPECT_TRUE(registry.entries().empty());
+  for (const auto& router : routers) {
+    EXPECT_EQ(router->closed, 1);
+  }
+  EXPECT_FALSE(client->hasBrowsers());
+  EXPECT_TRUE(log.contains("information Close proces initiated!"));
+  EXPECT_TRUE(log.contains("information OnBeforeClose: Shutting down!"));
+}
+
+TEST_F(CloseProtocol, ComesToItsEndWhenAManagerFailsToStop) {
+  transfers.shutdownThrows = true;
+  const auto browser = openBrowser();
+  client->OnBeforeClose(browser);
+  EXPECT_TRUE(log.contains("error OnBeforeClose: Exception: no end"));
+  EXPECT_TRUE(registry.entries().empty());
+  EXPECT_EQ(framework.quitCalls(), 1);
+}
+
+TEST_F(CloseProtocol, IgnoresPopUps) {
+  createImpatientClient();
+  const auto browser = openBrowser();
+  framework.dropTasks();
+  const CefRefPtr<FakeBrowser> popup(new FakeBrowser(2, true));
+  EXPECT_FALSE(client->DoClose(popup));
+  client->OnBeforeClose(popup);
+  client->onCloseTask();  // stands for time passing: a watchdog would have been of use now
+  EXPECT_TRUE(client->hasBrowsers());
+  EXPECT_FALSE(registry.entries().empty());
+  EXPECT_EQ(framework.quitCalls(), 0);
+  EXPECT_EQ(framework.routers().front()->closed, 0);
+}
+
+TEST_F(CloseProtocol, IsFinishedByTheWatchdogWhenTheFrameworkDoesNotReport) {
+  createImpatientClient();
+  const auto browser = openBrowser();
+  framework.dropTasks();
+  client->DoClose(browser);
+  ASSERT_TRUE(framework.waitForTask());
+  EXPECT_TRUE(log.contains(kOverdue));
+  EXPECT_TRUE(client->hasBrowsers());  // nothing happens outside the UI thread
+  framework.runDueTasks();
+  EXPECT_FALSE(client->hasBrowsers());
+  EXPECT_EQ(framework.quitCalls(), 1);
+  client->OnBeforeClose(browser);  // the late report finds nothing left
+  EXPECT_EQ(transfers.calls, std::vector<std::string>{"upload shutdown"});
+}
+
+TEST_F(CloseProtocol, GivesTheFrameworkTenSeconds) {
+  EXPECT_EQ(ZtCefHandler::Options().closePeriod.totalMicroseconds(), 10'000'000);
+}
+
+TEST_F(CloseProtocol, CallsTheWatchdogOff) {
+  const auto browser = openBrowser();
+  framework.dropTasks();
+  client->DoClose(browser);
+  client->OnBeforeClose(browser);
+  client->onCloseTask();
+  EXPECT_EQ(framework.pendingTasks(), 0U);
+  EXPECT_FALSE(log.contains(kOverdue));
+}
+
+TEST_F(CloseProtocol, OutlivesItsWatchdogWhateverComesFirst) {
+  for (int i = 0; i < 200; ++i) {
+    createImpatientClient();
+    const auto browser = openBrowser();
+    framework.dropTasks();
+    client->DoClose(browser);
+    if (i % 2 == 0) {
+      client->OnBeforeClose(browser);
+    }
+    client = nullptr;
+    framework.runDueTasks();
+    messages::CMessageHandlerList::instance().clear();
+    registry.clear();
+  }
+}
+
+TEST_F(CloseProtocol, ClosesDuringADialogOfThePage) {
+  const auto browser = openBrowser();
+  class Ignore : public CefJSDialogCallback {
+    void Continue(bool, const CefString&) override {}
+    IMPLEMENT_REFCOUNTING(Ignore);
+  };
+  services.duringConfirm = [&] { client->OnBeforeClose(browser); };
+  bool suppress = false;
+  EXPECT_TRUE(
+      client->OnJSDialog(browser, "", JSDIALOGTYPE_CONFIRM, "Sure?", "", new Ignore, suppress));
+  EXPECT_EQ(framework.quitCalls(), 1);
+}
+
+}  // namespace
+}  // namespace zantrio

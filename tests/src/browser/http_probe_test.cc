@@ -1,0 +1,89 @@
+#include "browser/http_probe.h"
+
+#include <Poco/Net/HTTPRequestHandler.h>
+#include <Poco/Net/HTTPRequestHandlerFactory.h>
+#include <Poco/Net/HTTPServer.h>
+#include <Poco/Net/HTTPServerRequest.h>
+#include <Poco/Net/HTTPServerResponse.h>
+#include <Poco/Net/ServerSocket.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+namespace zantrio {
+namespace {
+
+namespace net = Poco::Net;
+
+// Answers the path "/500" with the status 500, and so on.
+class StatusHandler : public net::HTTPRequestHandler {
+  void handleRequest(net::HTTPServerRequest& request, net::HTTPServerResponse& response) override {
+    const int status = std::stoi(request.getURI().substr(1));
+    response.setStatus(static_cast<net::HTTPResponse::HTTPStatus>(status));
+    if (status == 302) {
+      response.set("Location", "/200");
+    }
+    const std::string body = "<p>a page</p>";
+    response.sendBuffer(body.data(), body.size());
+  }
+};
+
+class StatusHandlerFactory : public net::HTTPRequestHandlerFactory {
+  net::HTTPRequestHandler* createRequestHandler(const net::HTTPServerRequest&) override {
+    return new StatusHandler;
+  }
+};
+
+class HttpProbe : public testing::Test {
+ protected:
+  HttpProbe() { server_.start(); }
+  ~HttpProbe() override { server_.stopAll(true); }
+
+  bool probe(const std::string& path) const {
+    return probeWithHttp("http://127.0.0.1:" + std::to_string(server_.port()) + path, {});
+  }
+
+ private:
+  net::HTTPServer server_{new StatusHandlerFactory,
+                          net::ServerSocket(net::SocketAddress("127.0.0.1", 0)),
+                          new net::HTTPServerParams};
+};
+
+TEST_F(HttpProbe, TrustsAnswersThatPromiseAPage) {
+  for (const char* path : {"/200", "/302", "/401", "/403"}) {
+    EXPECT_TRUE(probe(path)) << path;
+  }
+}
+
+TEST_F(HttpProbe, DoesNotTrustErrors) {
+  for (const char* path : {"/500", "/502", "/503", "/404"}) {
+    EXPECT_FALSE(probe(path)) << path;
+  }
+}
+
+TEST(HttpProbeWithoutService, Fails) {
+  net::ServerSocket unused(net::SocketAddress("127.0.0.1", 0));
+  const std::string url = "http://" + unused.address().toString() + "/";
+  unused.close();
+  EXPECT_FALSE(probeWithHttp(url, {}));
+  EXPECT_FALSE(probeWithHttp("file:///etc/passwd", {}));
+  EXPECT_FALSE(probeWithHttp("", {}));
+}
+
+TEST(HttpProbeWithoutAnswer, EndsWhenItIsToldTo) {
+  net::ServerSocket silent(net::SocketAddress("127.0.0.1", 0));
+  const std::string url = "http://" + silent.address().toString() + "/";
+  std::atomic<bool> result{true};
+  const auto start = std::chrono::steady_clock::now();
+  std::jthread prober([&](const std::stop_token& stop) { result = probeWithHttp(url, stop); });
+  net::StreamSocket connection = silent.acceptConnection();
+  prober.request_stop();
+  prober.join();
+  EXPECT_FALSE(result);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(8));
+}
+
+}  // namespace
+}  // namespace zantrio

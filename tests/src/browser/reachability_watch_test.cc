@@ -1,0 +1,122 @@
+#include "browser/reachability_watch.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <thread>
+
+#include "browser/loading_page.h"
+#include "src/browser/zt_cef_handler_fixture.h"
+
+namespace zantrio {
+namespace {
+
+using test::FakeBrowser;
+
+class Reachability : public test::ZtCefHandlerTest {
+ protected:
+  Reachability() {
+    ZtCefHandler::Options options;
+    options.probe = [this](const std::string& url, const std::stop_token&) {
+      EXPECT_EQ(url, appUrl);
+      ++probes;
+      return reachable.load();
+    };
+    createClient(options);
+    browser = openBrowser();
+    framework.advance(500);
+    browser->frame->loads.clear();
+  }
+
+  // Lets time pass, and the probe's thread run.
+  bool advanceUntil(const std::function<bool()>& condition) {
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (!condition() && std::chrono::steady_clock::now() < limit) {
+      framework.advance(50);
+      std::this_thread::yield();
+    }
+    return condition();
+  }
+  bool waitForLoads(std::size_t count) {
+    return advanceUntil([&] { return browser->frame->loads.size() == count; });
+  }
+  void advanceAMinute() { framework.advance(60'000); }
+
+  std::atomic<bool> reachable{false};
+  std::atomic<int> probes{0};
+  CefRefPtr<FakeBrowser> browser;
+  const std::string unreachablePage =
+      "file:///bundle/Resources/loading.html#unreachable=http%3A%2F%2F127.0.0.1%3A9%2Fapp";
+};
+
+TEST_F(Reachability, IsNotAskedForWhileThePageLoads) {
+  browser->loading = true;
+  advanceAMinute();
+  EXPECT_EQ(probes, 0);
+}
+
+TEST_F(Reachability, IsNotAskedForOnceThePageHasAnnouncedItself) {
+  client->onStartup();
+  advanceAMinute();
+  EXPECT_EQ(probes, 0);
+  EXPECT_EQ(framework.pendingTasks(), 0U);
+}
+
+TEST_F(Reachability, ShowsTheLoadingPageWhenTheServiceDoesNotAnswer) {
+  ASSERT_TRUE(waitForLoads(1));
+  EXPECT_EQ(browser->frame->loads[0], unreachablePage);
+  EXPECT_TRUE(log.contains("warning The web application cannot be reached at " + appUrl +
+                           ", showing the loading page"));
+}
+
+TEST_F(Reachability, LeavesTheLoadingPageToTryAgainAndNoticesAFailedTry) {
+  ASSERT_TRUE(waitForLoads(1));
+  advanceAMinute();
+  EXPECT_EQ(probes, 1);
+  browser->frame->url = appUrl;
+  EXPECT_TRUE(waitForLoads(2));
+  EXPECT_EQ(probes, 2);
+}
+
+TEST_F(Reachability, LeavesAPageThatLoadedButDoesNotAnnounceItself) {
+  reachable = true;
+  EXPECT_TRUE(advanceUntil([this] {
+    return log.contains("information The web application at " + appUrl +
+                        " answers but has not announced itself");
+  }));
+  EXPECT_TRUE(browser->frame->loads.empty());
+  advanceAMinute();
+  EXPECT_EQ(probes, 2);
+  EXPECT_EQ(framework.pendingTasks(), 0U);
+}
+
+TEST_F(Reachability, TriesAgainFromAnErrorPageWhenTheServiceHasComeUpMeanwhile) {
+  reachable = true;
+  ASSERT_TRUE(advanceUntil([this] { return !browser->frame->scripts.empty(); }));
+  const std::string& script = browser->frame->scripts[0].code;
+  EXPECT_NE(script.find("location.protocol === 'chrome-error:'"), std::string::npos);
+  EXPECT_NE(script.find("location.replace(\"" + appUrl + "\")"), std::string::npos);
+}
+
+TEST_F(Reachability, IsForgottenWhenTheBrowserCloses) {
+  client->OnBeforeClose(browser);
+  advanceAMinute();
+  EXPECT_EQ(probes, 0);
+  EXPECT_EQ(framework.pendingTasks(), 0U);
+}
+
+TEST(LoadingPage, EscapesItsPath) {
+  const CAppSettings settings(nullptr, "/My Apps/Zäntrio/bin/zantrio");
+  EXPECT_EQ(loadingPageUrl(settings), "file:///My%20Apps/Z%C3%A4ntrio/Resources/loading.html");
+  const std::string url = unreachablePageUrl(settings, "http://h/a?b=c&d#e %");
+  EXPECT_EQ(url,
+            loadingPageUrl(settings) + "#unreachable=http%3A%2F%2Fh%2Fa%3Fb%3Dc%26d%23e%20%25");
+  EXPECT_TRUE(isUnreachablePageUrl(url));
+  EXPECT_FALSE(isUnreachablePageUrl(loadingPageUrl(settings)));
+  EXPECT_FALSE(isUnreachablePageUrl("http://h/#unreachable=x"));
+}
+
+}  // namespace
+}  // namespace zantrio

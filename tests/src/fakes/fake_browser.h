@@ -1,0 +1,155 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "include/cef_browser.h"
+#include "include/cef_client.h"
+#include "include/cef_drag_data.h"
+
+namespace zantrio::test {
+
+class FakeBrowser;
+
+// A main frame that records scripts and navigations.
+class FakeFrame : public CefFrame {
+ public:
+  struct Script {
+    std::string code;
+    std::string url;
+    int line;
+  };
+
+  bool IsMain() override { return true; }
+  CefRefPtr<CefBrowser> GetBrowser() override { return nullptr; }
+  CefString GetURL() override { return url; }
+  CefString GetName() override { return CefString(); }
+  void LoadURL(const CefString& target) override;
+  void ExecuteJavaScript(const CefString& code, const CefString& script_url,
+                         int start_line) override;
+  void Undo() override {}
+  void Redo() override {}
+  void Cut() override {}
+  void Copy() override {}
+  void Paste() override {}
+  void Delete() override {}
+  void SelectAll() override {}
+  void SendProcessMessage(CefProcessId /*target*/,
+                          CefRefPtr<CefProcessMessage> /*message*/) override {}
+
+  std::string url = "http://127.0.0.1/app";
+  std::vector<std::string> loads;
+  std::vector<Script> scripts;
+
+ private:
+  IMPLEMENT_REFCOUNTING(FakeFrame);
+};
+
+// A host that records how its browser was asked to close.
+class FakeHost : public CefBrowserHost {
+ public:
+  CefRefPtr<CefBrowser> GetBrowser() override { return nullptr; }
+  CefRefPtr<CefClient> GetClient() override { return nullptr; }
+  void CloseBrowser(bool force_close) override;
+  CefWindowHandle GetWindowHandle() override { return kNullWindowHandle; }
+  void SetFocus(bool focus) override { focused = focus; }
+  void WasResized() override {}
+  void WasHidden(bool /*hidden*/) override {}
+  void NotifyScreenInfoChanged() override {}
+  void Invalidate(PaintElementType /*type*/) override {}
+  void SendKeyEvent(const CefKeyEvent& /*event*/) override {}
+  void SendMouseClickEvent(const CefMouseEvent& /*event*/, MouseButtonType /*type*/,
+                           bool /*mouseUp*/, int /*clickCount*/) override {}
+  void SendMouseMoveEvent(const CefMouseEvent& /*event*/, bool /*mouseLeave*/) override {}
+  void SendMouseWheelEvent(const CefMouseEvent& /*event*/, int /*deltaX*/,
+                           int /*deltaY*/) override {}
+  void DragTargetDragEnter(CefRefPtr<CefDragData> /*data*/, const CefMouseEvent& /*event*/,
+                           DragOperationsMask /*allowed*/) override {}
+  void DragTargetDragOver(const CefMouseEvent& /*event*/, DragOperationsMask /*allowed*/) override {
+  }
+  void DragTargetDragLeave() override {}
+  void DragTargetDrop(const CefMouseEvent& /*event*/) override {}
+  void DragSourceEndedAt(int /*x*/, int /*y*/, DragOperationsMask /*op*/) override {}
+  void DragSourceSystemDragEnded() override {}
+
+  std::vector<bool> closeCalls;  // the force of each
+  std::function<void()> onClose;
+  bool focused = false;
+
+ private:
+  IMPLEMENT_REFCOUNTING(FakeHost);
+};
+
+class FakeBrowser : public CefBrowser {
+ public:
+  explicit FakeBrowser(int identifier = 1, bool popup = false)
+      : identifier_(identifier), popup_(popup) {}
+
+  CefRefPtr<CefBrowserHost> GetHost() override { return host; }
+  int GetIdentifier() override { return identifier_; }
+  bool IsSame(CefRefPtr<CefBrowser> that) override { return that->GetIdentifier() == identifier_; }
+  bool IsPopup() override { return popup_; }
+  bool IsValid() override { return true; }
+  bool IsLoading() override { return loading; }
+  void Reload() override {}
+  void StopLoad() override {}
+  CefRefPtr<CefFrame> GetMainFrame() override { return frame; }
+  CefRefPtr<CefFrame> GetFocusedFrame() override { return frame; }
+
+  CefRefPtr<FakeHost> host = new FakeHost;
+  CefRefPtr<FakeFrame> frame = new FakeFrame;  // null: the browser has none
+  bool loading = false;
+
+ private:
+  const int identifier_;
+  const bool popup_;
+
+  IMPLEMENT_REFCOUNTING(FakeBrowser);
+};
+
+// A drag of files, or of something else when there are none.
+class FakeDragData : public CefDragData {
+ public:
+  explicit FakeDragData(std::vector<std::string> paths) : paths_(std::move(paths)) {}
+
+  CefRefPtr<CefDragData> Clone() override { return this; }
+  bool IsReadOnly() override { return true; }
+  bool IsLink() override { return false; }
+  bool IsFragment() override { return paths_.empty(); }
+  bool IsFile() override { return !paths_.empty(); }
+  CefString GetLinkURL() override { return CefString(); }
+  CefString GetLinkTitle() override { return CefString(); }
+  CefString GetFragmentText() override { return CefString(); }
+  CefString GetFragmentHtml() override { return CefString(); }
+  CefString GetFileName() override { return CefString(); }
+  size_t GetFileContents(CefRefPtr<CefStreamWriter> /*writer*/) override { return 0; }
+  bool GetFileNames(std::vector<CefString>& names) override;
+  bool GetFilePaths(std::vector<CefString>& paths) override;
+  void SetLinkURL(const CefString& /*url*/) override {}
+  void SetFragmentText(const CefString& /*text*/) override {}
+  void AddFile(const CefString& /*path*/, const CefString& /*name*/) override {}
+
+ private:
+  const std::vector<std::string> paths_;
+
+  IMPLEMENT_REFCOUNTING(FakeDragData);
+};
+
+class FakeProcessMessage : public CefProcessMessage {
+ public:
+  explicit FakeProcessMessage(std::string name) : name_(std::move(name)) {}
+
+  bool IsValid() override { return true; }
+  bool IsReadOnly() override { return true; }
+  CefRefPtr<CefProcessMessage> Copy() override { return this; }
+  CefString GetName() override { return name_; }
+  CefRefPtr<CefListValue> GetArgumentList() override { return nullptr; }
+
+ private:
+  const std::string name_;
+
+  IMPLEMENT_REFCOUNTING(FakeProcessMessage);
+};
+
+}  // namespace zantrio::test

@@ -1,0 +1,105 @@
+#include "src/fakes/fake_services.h"
+
+#include <memory>
+
+#include "files/file_choose_dialog.h"
+#include "files/folder_choose_dialog.h"
+#include "services/alert_dialog.h"
+#include "services/clipboard.h"
+#include "services/confirm_dialog.h"
+#include "services/file_permissions_retriever.h"
+#include "services/os_file_explorer.h"
+#include "services/platform_init.h"
+
+namespace zantrio::test {
+
+FakeServices& FakeServices::instance() {
+  static FakeServices fake;
+  return fake;
+}
+
+void FakeServices::reset() {
+  *this = FakeServices();
+}
+
+namespace {
+
+FakeServices& fake() {
+  return FakeServices::instance();
+}
+
+bool record(const std::string& call) {
+  fake().calls.push_back(call);
+  return true;
+}
+
+class FakeAlertDialog : public IAlertDialog {
+ public:
+  void show(const std::string& text) override { record("alert " + text); }
+};
+
+class FakeConfirmDialog : public IConfirmDialog {
+ public:
+  bool ask(const std::string& text, int kind) override {
+    record("confirm " + text + " " + std::to_string(kind));
+    if (fake().duringConfirm) {
+      fake().duringConfirm();
+    }
+    return fake().confirmAnswer;
+  }
+};
+
+class FakeClipboard : public IClipboard {
+ public:
+  bool copyText(const std::string& text) override { return record("copy " + text); }
+};
+
+class FakeOsFileExplorer : public IOsFileExplorer {
+ public:
+  bool openFolder(const std::string& path) override { return record("folder " + path); }
+  bool openURL(const std::string& url) override { return record("url " + url); }
+};
+
+class FakePlatformInit : public IPlatformInit {
+ public:
+  void init() override { record("init"); }
+};
+
+template <class Interface, class Fake>
+std::unique_ptr<Interface> create() {
+  return fake().available ? std::make_unique<Fake>() : nullptr;
+}
+
+}  // namespace
+}  // namespace zantrio::test
+
+namespace zantrio {
+
+std::unique_ptr<IAlertDialog> createAlertDialog() {
+  return test::create<IAlertDialog, test::FakeAlertDialog>();
+}
+std::unique_ptr<IConfirmDialog> createConfirmDialog() {
+  return test::create<IConfirmDialog, test::FakeConfirmDialog>();
+}
+std::unique_ptr<IClipboard> createClipboard() {
+  return test::create<IClipboard, test::FakeClipboard>();
+}
+std::unique_ptr<IOsFileExplorer> createOsFileExplorer() {
+  return test::create<IOsFileExplorer, test::FakeOsFileExplorer>();
+}
+std::unique_ptr<IPlatformInit> createPlatformInit() {
+  return test::create<IPlatformInit, test::FakePlatformInit>();
+}
+
+// No test here chooses files.
+std::unique_ptr<IFileChooseDialog> createFileChooseDialog() {
+  return nullptr;
+}
+std::unique_ptr<IFolderChooseDialog> createFolderChooseDialog() {
+  return nullptr;
+}
+std::unique_ptr<IFilePermissionsRetriever> createFilePermissionsRetriever() {
+  return nullptr;
+}
+
+}  // namespace zantrio

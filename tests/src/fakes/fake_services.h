@@ -1,0 +1,21 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace zantrio::test {
+
+// What the stand-ins for the platform's services were asked to do, and what they answer. Linked
+// instead of the platform's.
+struct FakeServices {
+  static FakeServices& instance();
+  void reset();
+
+  bool available = true;  // false: nothing can be made
+  std::vector<std::string> calls;
+  bool confirmAnswer = true;
+  std::function<void()> duringConfirm;
+};
+
+}  // namespace zantrio::test

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "zt_transfers/download_manager.h"
+#include "zt_transfers/upload_manager.h"
+
+namespace zantrio::test {
+
+// What the stand-in for the transfer library was asked to do, and what it answers. Linked instead
+// of the library.
+struct FakeTransfers {
+  static FakeTransfers& instance();
+  // Forgets everything.
+  void reset();
+
+  std::vector<std::string> calls;
+  zt_transfers::CUploadManager::Configuration uploadConfiguration;
+  zt_transfers::CTransferManagerBase::Configuration downloadConfiguration;
+  std::vector<zt_transfers::CUploadManager::GroupState> uploadGroups;
+  std::vector<zt_transfers::CUploadManager::FileDesc> uploadFiles;  // of the last call
+  std::int32_t createdGroup = 1;
+  int groupStateResult = 0;
+  bool startupThrows = false;
+  bool shutdownThrows = false;
+  zt_transfers::CUploadManager::ICallback* uploadCallback = nullptr;
+  zt_transfers::CDownloadManager::ICallback* downloadCallback = nullptr;
+  int managersAlive = 0;
+  std::string restEndPoint;
+  std::string userAgent;
+  std::wstring appFilesPath;
+};
+
+}  // namespace zantrio::test

@@ -29,6 +29,7 @@ enum cef_log_severity_t {
 // What CefGetExitCode gives.
 enum cef_resultcode_t {
   CEF_RESULT_CODE_NORMAL_EXIT = 0,
+  CEF_RESULT_CODE_FAILURE = 1,
   CEF_RESULT_CODE_NORMAL_EXIT_PROCESS_NOTIFIED = 24
 };
 

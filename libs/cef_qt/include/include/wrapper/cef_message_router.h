@@ -42,6 +42,8 @@ class CefMessageRouterBrowserSide : public base::RefCountedThreadSafe<CefMessage
   // Owned by the program; removed from the router before it is deleted. Called on the UI thread.
   class Handler {
    public:
+    using Callback = CefMessageRouterBrowserSideCallback;
+
     virtual ~Handler() = default;
 
     // True when the handler takes the query: it then answers through the callback, at once or

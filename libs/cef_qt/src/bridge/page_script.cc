@@ -1,0 +1,47 @@
+#include "bridge/page_script.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QUuid>
+
+#include "bridge/page_channel.h"
+#include "page_script_text.h"
+
+namespace cef_qt {
+namespace {
+
+QJsonArray toArray(const RouterNameList& routers) {
+  QJsonArray names;
+  for (const RouterNames& router : routers) {
+    names.append(router.first);
+    names.append(router.second);
+  }
+  return names;
+}
+
+// Frames are told apart from pages that post the same message: the word changes with each process.
+QString greeting() {
+  static const QString kWord = QUuid::createUuid().toString(QUuid::WithoutBraces);
+  return kWord;
+}
+
+}  // namespace
+
+QString toJson(const RouterNameList& routers) {
+  return QString::fromUtf8(QJsonDocument(toArray(routers)).toJson(QJsonDocument::Compact));
+}
+
+QString pageScript(int version, const RouterNameList& top, const RouterNameList& frames) {
+  const QJsonObject setup{{"version", version},
+                          {"object", PageChannel::objectName()},
+                          {"property", PageChannel::propertyIndex()},
+                          {"signal", PageChannel::signalIndex()},
+                          {"greeting", greeting()},
+                          {"topRouters", toArray(top)},
+                          {"frameRouters", toArray(frames)}};
+  return QString::fromUtf8(kPageScript) + '(' +
+         QString::fromUtf8(QJsonDocument(setup).toJson(QJsonDocument::Compact)) + ");";
+}
+
+}  // namespace cef_qt

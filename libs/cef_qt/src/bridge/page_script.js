@@ -1,0 +1,312 @@
+// The page's end of the bridge: installed in every document before its own scripts run.
+//
+// The top document talks to the native side through Qt's web channel transport; documents in frames
+// talk to the top one through a message port. What a document sends is collected during its running
+// script and sent as one message; answers come as one message a turn. Only functions kept here from
+// before the page's scripts are used, so that a page cannot break its bridge by redefining them.
+(function (setup) {
+  'use strict';
+  const mark = Symbol.for('cef_qt.bridge');
+  if (document[mark]) return;
+  const isTop = window === window.top;
+  const webChannel = isTop && window.qt && window.qt.webChannelTransport;
+  if (isTop && !webChannel) return;
+  Object.defineProperty(document, mark, { value: true });
+
+  const { stringify, parse } = JSON;
+  const { defineProperty, getOwnPropertyDescriptor } = Object;
+  const { error: ErrorType, map: MapType } = { error: Error, map: Map };
+  const call = Function.prototype.call;
+  const bind = (f) => call.bind(f);
+  const mapGet = bind(Map.prototype.get);
+  const mapSet = bind(Map.prototype.set);
+  const mapDelete = bind(Map.prototype.delete);
+  const mapHas = bind(Map.prototype.has);
+  const slice = bind(String.prototype.slice);
+  const charCodeAt = bind(String.prototype.charCodeAt);
+  const postToPort = bind(MessagePort.prototype.postMessage);
+  const listen = bind(EventTarget.prototype.addEventListener);
+  const isInteger = Number.isInteger;
+  const enqueueMicrotask = window.queueMicrotask.bind(window);
+  const report = window.reportError
+    ? window.reportError.bind(window)
+    : (error) => enqueueMicrotask(() => { throw error; });
+  const evaluate = window.eval;
+  // Kinds of what is sent; the native side knows them by the same numbers.
+  const HELLO = 0, BYE = 1, QUERY = 2, PERSISTENT_QUERY = 3, CANCEL = 4;
+  // Ids of what is received that is not an answer.
+  const RUN = -1, NAVIGATE = -2, FUNCTIONS = -3;
+
+  // ---- queries of this document
+
+  const pending = new MapType();
+  let lastId = 0;
+
+  function fail(text) {
+    throw new ErrorType('Invalid arguments; ' + text);
+  }
+
+  function readMember(query, name, type) {
+    const value = query[name];
+    if (value !== undefined && typeof value !== type) {
+      fail("object member '" + name + "' must have type " + type);
+    }
+    return value;
+  }
+
+  function makeQueryFunction(name, cancelName) {
+    return function () {
+      const query = arguments[0];
+      if (arguments.length !== 1 || query === null ||
+          (typeof query !== 'object' && typeof query !== 'function')) {
+        fail('expecting a single object');
+      }
+      const request = query.request;
+      if (typeof request !== 'string') {
+        fail("object member 'request' is required and must have type string");
+      }
+      const onSuccess = readMember(query, 'onSuccess', 'function');
+      const onFailure = readMember(query, 'onFailure', 'function');
+      const persistent = readMember(query, 'persistent', 'boolean') === true;
+      const id = ++lastId;
+      mapSet(pending, id, { name, cancelName, persistent, onSuccess, onFailure });
+      send(persistent ? PERSISTENT_QUERY : QUERY, id, name, request);
+      return id;
+    };
+  }
+
+  function makeCancelFunction(cancelName) {
+    return function () {
+      const id = arguments[0];
+      if (arguments.length !== 1 || !isInteger(id)) {
+        fail('expecting a single integer');
+      }
+      const query = mapGet(pending, id);
+      if (!query || query.cancelName !== cancelName) return false;
+      mapDelete(pending, id);
+      send(CANCEL, id, query.name, '');
+      // The page hears of it once the calling script is done.
+      enqueueMicrotask(() => notify(query.onFailure, -1, 'The query has been canceled'));
+      return true;
+    };
+  }
+
+  function notify(callback, ...values) {
+    if (!callback) return;
+    try {
+      callback(...values);
+    } catch (error) {
+      report(error);
+    }
+  }
+
+  // code is null for a success.
+  function answer(id, code, text) {
+    const query = mapGet(pending, id);
+    if (!query) return;
+    if (code !== null || !query.persistent) mapDelete(pending, id);
+    if (code === null) {
+      notify(query.onSuccess, text);
+    } else {
+      notify(query.onFailure, code, text);
+    }
+  }
+
+  // ---- functions of the page
+
+  const installed = new MapType();
+
+  function install(name, value) {
+    if (mapHas(installed, name)) return;
+    mapSet(installed, name, value);
+    defineProperty(window, name,
+                   { value, writable: false, enumerable: false, configurable: true });
+  }
+
+  function installFunctions(routers) {
+    for (let i = 0; i < routers.length; i += 2) {
+      install(routers[i], makeQueryFunction(routers[i], routers[i + 1]));
+      install(routers[i + 1], makeCancelFunction(routers[i + 1]));
+    }
+  }
+
+  // The list was a forecast; this is what the document really has.
+  function correctFunctions(routers) {
+    const names = new MapType();
+    for (let i = 0; i < routers.length; ++i) mapSet(names, routers[i], true);
+    installed.forEach((value, name) => {
+      const present = getOwnPropertyDescriptor(window, name);
+      if (mapHas(names, name)) return;
+      if (present && present.value === value) delete window[name];
+      mapDelete(installed, name);
+    });
+    installFunctions(routers);
+  }
+
+  // ---- messages from the native side
+
+  function receive(id, code, text) {
+    if (id > 0) {
+      answer(id, code, text);
+    } else if (id === FUNCTIONS) {
+      correctFunctions(parse(text));
+    } else if (id === NAVIGATE) {
+      window.location.assign(text);
+    } else if (id === RUN) {
+      try {
+        evaluate(text);
+      } catch (error) {
+        report(error);
+      }
+    }
+  }
+
+  // ---- the way to the native side
+
+  // Text is guarded by a character in front: a leading U+FEFF would be lost on the way.
+  const guard = (text) => stringify('.' + text);
+  const unguard = (text) => slice(text, 1);
+
+  let send;
+  if (isTop) {
+    startTop();
+  } else {
+    startFrame();
+  }
+  installFunctions(isTop ? setup.topRouters : setup.frameRouters);
+
+  function startTop() {
+    const transport = webChannel;
+    const random = new Uint32Array(2);
+    crypto.getRandomValues(random);
+    const documentKey = random[0].toString(36) + random[1].toString(36);
+    const sendText = transport.send.bind(transport);
+    const ports = new MapType();       // by frame number
+    const frameNumbers = new WeakMap();  // by window
+    let lastFrame = 0;
+    let collected = '';
+
+    function flush() {
+      const entries = collected;
+      collected = '';
+      if (entries) {
+        sendText('{"type":9,"object":"' + setup.object + '","property":' + setup.property +
+                 ',"value":["' + documentKey + '"' + entries + ']}');
+      }
+    }
+
+    function sendFor(frame, kind, id, name, text) {
+      if (!collected) enqueueMicrotask(flush);
+      collected += ',' + frame + ',' + kind + ',' + id + ',' + stringify(name) + ',' + guard(text);
+    }
+
+    // Qt looks its receiver up in window.qt for every message; nothing else of it stays visible.
+    const receiver = { onmessage: (event) => receiveAll(parse(event.data)) };
+    Object.freeze(receiver);
+    defineProperty(window, 'qt', {
+      value: Object.freeze({ webChannelTransport: receiver }), enumerable: false });
+
+    function receiveAll(message) {
+      if (message.object !== setup.object || message.signal !== setup.signal) return;
+      const entries = message.args[0];
+      if (entries[0] !== documentKey) return;
+      let batch = null;
+      let batchFrame = 0;
+      const flushBatch = () => {
+        const port = batch && mapGet(ports, batchFrame);
+        if (port) postToPort(port, batch);
+        batch = null;
+      };
+      for (let i = 1; i < entries.length; i += 4) {
+        const frame = entries[i];
+        const text = unguard(entries[i + 3]);
+        if (frame !== batchFrame) flushBatch();
+        batchFrame = frame;
+        if (frame === 0) {
+          receive(entries[i + 1], entries[i + 2], text);
+        } else {
+          batch = batch || [];
+          batch[batch.length] = [entries[i + 1], entries[i + 2], text];
+        }
+      }
+      flushBatch();
+    }
+
+    function adoptFrame(source, port, { version, name, url }) {
+      const old = frameNumbers.get(source);
+      if (old) dropFrame(old);
+      const frame = ++lastFrame;
+      frameNumbers.set(source, frame);
+      mapSet(ports, frame, port);
+      port.onmessage = (event) => {
+        const entries = event.data;
+        for (let i = 0; i < entries.length; i += 4) {
+          if (entries[i] === BYE) {
+            dropFrame(frame);
+          } else {
+            sendFor(frame, entries[i], entries[i + 1], entries[i + 2], entries[i + 3]);
+          }
+        }
+      };
+      sendFor(frame, HELLO, version, name, url);
+    }
+
+    function dropFrame(frame) {
+      const port = mapGet(ports, frame);
+      if (!port) return;
+      port.close();
+      mapDelete(ports, frame);
+      sendFor(frame, BYE, 0, '', '');
+    }
+
+    // First listener of the document: the page never sees the frames' greetings.
+    listen(window, 'message', (event) => {
+      const data = event.data;
+      if (!data || data.cefQtBridge !== setup.greeting || !event.ports.length) return;
+      event.stopImmediatePropagation();
+      adoptFrame(event.source, event.ports[0], data);
+    }, true);
+
+    send = (kind, id, name, text) => sendFor(0, kind, id, name, text);
+    sendText('{"type":7,"object":"' + setup.object + '","signal":' + setup.signal + '}');
+    send(HELLO, setup.version, window.name, window.location.href);
+  }
+
+  function startFrame() {
+    const channel = new MessageChannel();
+    const port = channel.port1;
+    let collected = null;
+
+    function flush() {
+      const entries = collected;
+      collected = null;
+      if (entries) postToPort(port, entries);
+    }
+
+    send = (kind, id, name, text) => {
+      if (!collected) {
+        collected = [];
+        enqueueMicrotask(flush);
+      }
+      const at = collected.length;
+      collected[at] = kind;
+      collected[at + 1] = id;
+      collected[at + 2] = name;
+      collected[at + 3] = text;
+    };
+    port.onmessage = (event) => {
+      const entries = event.data;
+      for (let i = 0; i < entries.length; ++i) {
+        receive(entries[i][0], entries[i][1], entries[i][2]);
+      }
+    };
+    listen(window, 'pagehide', () => {
+      send(BYE, 0, '', '');
+      flush();
+    });
+    window.top.postMessage(
+      { cefQtBridge: setup.greeting, version: setup.version,
+        name: window.name, url: window.location.href }, '*',
+      [channel.port2]);
+  }
+})

@@ -1,0 +1,64 @@
+#include "bridge/render_side.h"
+
+#include <optional>
+
+#include "process/framework.h"
+#include "process/profile.h"
+#include "threads/threads.h"
+
+namespace cef_qt {
+namespace {
+
+struct Forecast {
+  int version = 0;
+  RouterNameList top;
+  std::optional<RouterNameList> frames;  // nothing: as top documents
+
+  const RouterNameList& of(bool isTop) const { return isTop || !frames ? top : *frames; }
+};
+
+Forecast& forecast() {
+  static Forecast current;
+  return current;
+}
+
+}  // namespace
+
+CefRefPtr<CefRenderProcessHandler> RenderSide::handler() {
+  const CefRefPtr<CefApp> app = Framework::app();
+  return app ? app->GetRenderProcessHandler() : nullptr;
+}
+
+void RenderSide::start() {
+  const ScopedThread current(TID_RENDERER);
+  if (const auto present = handler()) {
+    present->OnWebKitInitialized();
+  }
+  Profile::setPageScript(currentScript());
+}
+
+void RenderSide::learn(bool isTop, const RouterNameList& given) {
+  Forecast& current = forecast();
+  const bool known = isTop || current.frames;
+  if (known && current.of(isTop) == given) {
+    return;
+  }
+  ++current.version;
+  if (isTop) {
+    current.top = given;
+  } else {
+    current.frames = given;
+  }
+  Profile::setPageScript(currentScript());
+}
+
+bool RenderSide::matches(bool isTop, const RouterNameList& given, int scriptVersion) {
+  return forecast().version == scriptVersion && forecast().of(isTop) == given;
+}
+
+QString RenderSide::currentScript() {
+  const Forecast& current = forecast();
+  return pageScript(current.version, current.top, current.of(false));
+}
+
+}  // namespace cef_qt

@@ -1,0 +1,47 @@
+#include "browser/browser_host.h"
+
+#include "base/qt_text.h"
+#include "browser/browser_window.h"
+#include "threads/threads.h"
+
+namespace cef_qt {
+
+void BrowserHost::CloseBrowser(bool force_close) {
+  postTo(TID_UI, [browser = browser_, force_close] { browser->close(force_close); });
+}
+
+CefWindowHandle BrowserHost::GetWindowHandle() {
+  return browser_->window() ? browser_->window()->handle() : kNullWindowHandle;
+}
+
+void BrowserHost::SetFocus(bool focus) {
+  postTo(TID_UI, [browser = browser_, focus] {
+    if (browser->window()) {
+      browser->window()->setFocus(focus);
+    }
+  });
+}
+
+}  // namespace cef_qt
+
+bool CefBrowserHost::CreateBrowser(const CefWindowInfo& window_info, CefRefPtr<CefClient> client,
+                                   const CefString& url, const CefBrowserSettings& settings,
+                                   CefRefPtr<CefDictionaryValue> extra_info,
+                                   CefRefPtr<CefRequestContext> /*request_context*/) {
+  if (!client) {
+    return false;
+  }
+  cef_qt::Browser::Options options;
+  options.client = std::move(client);
+  options.settings = settings;
+  options.extraInfo = std::move(extra_info);
+  options.title = cef_qt::toQt(CefString(&window_info.window_name));
+  options.bounds = window_info.bounds;
+  return cef_qt::postTo(TID_UI, [options, url = cef_qt::toQt(url)] {
+    const CefRefPtr<cef_qt::Browser> browser = cef_qt::Browser::create(options);
+    browser->startDocuments();
+    browser->window()->load(url);
+    browser->window()->show();
+    browser->announce();
+  });
+}

@@ -1,0 +1,168 @@
+#include "browser/browser_impl.h"
+
+#include <atomic>
+
+#include "browser/browser_host.h"
+#include "browser/browser_list.h"
+#include "browser/browser_window.h"
+#include "browser/frame_impl.h"
+#include "threads/threads.h"
+
+namespace cef_qt {
+namespace {
+
+int nextId() {
+  static std::atomic<int> last{0};
+  return ++last;
+}
+
+}  // namespace
+
+Browser::Browser(const Options& options)
+    : id_(nextId()), isPopup_(options.isPopup), client_(options.client) {}
+
+Browser::~Browser() = default;
+
+CefRefPtr<Browser> Browser::create(const Options& options) {
+  CefRefPtr<Browser> browser = new Browser(options);
+  browser->mainFrame_ = new Frame(browser, true, CefString(), CefString());
+  browser->documents_ = std::make_unique<Documents>(browser.get(), options.extraInfo);
+  browser->window_ = std::make_unique<BrowserWindow>(browser.get(), options);
+  BrowserList::instance().add(browser);
+  return browser;
+}
+
+CefRefPtr<CefBrowserHost> Browser::GetHost() {
+  return new BrowserHost(this);
+}
+
+bool Browser::IsSame(CefRefPtr<CefBrowser> that) {
+  return that && that->GetIdentifier() == id_;
+}
+
+bool Browser::IsValid() {
+  return client().get() != nullptr;
+}
+
+bool Browser::IsLoading() {
+  return window_ && window_->isLoading();
+}
+
+void Browser::Reload() {
+  postTo(TID_UI, [self = CefRefPtr<Browser>(this)] {
+    if (self->window_) {
+      self->window_->reload();
+    }
+  });
+}
+
+void Browser::StopLoad() {
+  postTo(TID_UI, [self = CefRefPtr<Browser>(this)] {
+    if (self->window_) {
+      self->window_->stop();
+    }
+  });
+}
+
+CefRefPtr<CefFrame> Browser::GetMainFrame() {
+  return mainFrame();
+}
+
+CefRefPtr<Frame> Browser::mainFrame() {
+  const std::lock_guard lock(mutex_);
+  return mainFrame_;
+}
+
+CefRefPtr<CefClient> Browser::client() {
+  const std::lock_guard lock(mutex_);
+  return client_;
+}
+
+void Browser::startDocuments() {
+  if (window_) {
+    documents_->start(window_->channel());
+  }
+}
+
+void Browser::startPopup() {
+  if (!window_) {
+    return;
+  }
+  startDocuments();
+  window_->prepareBlankPage();
+  window_->show();
+  announce();
+}
+
+void Browser::announce() {
+  const CefRefPtr<CefClient> kept = client();
+  if (!kept) {
+    return;
+  }
+  if (const auto handler = kept->GetLifeSpanHandler()) {
+    handler->OnAfterCreated(this);
+  }
+  if (window_) {
+    window_->openChannel();
+  }
+}
+
+void Browser::close(bool force) {
+  if (!window_) {
+    return;
+  }
+  if (force) {
+    pageAgreedToClose();
+  } else {
+    window_->askPageToClose();
+  }
+}
+
+void Browser::pageAgreedToClose() {
+  if (closeQueued_ || !window_) {
+    return;
+  }
+  // Out of Chromium's callback, which must not see its page deleted.
+  closeQueued_ = postTo(TID_UI, [self = CefRefPtr<Browser>(this)] {
+    self->closeQueued_ = false;
+    const CefRefPtr<CefClient> kept = self->client();
+    if (!kept) {
+      return;
+    }
+    const auto handler = kept->GetLifeSpanHandler();
+    if (!handler || !handler->DoClose(self.get())) {
+      self->destroy();
+    }
+  });
+}
+
+void Browser::destroy() {
+  if (!window_) {
+    return;
+  }
+  if (window_->isBusy()) {
+    // A dialog of the page waits inside Chromium: end it first, the page must outlive it.
+    window_->endDialogs([self = CefRefPtr<Browser>(this)] { self->destroy(); });
+    return;
+  }
+  const CefRefPtr<Browser> self(this);
+  const CefRefPtr<CefClient> kept = client();
+  window_->hide();
+  documents_->stop();
+  window_.reset();
+  BrowserList::instance().remove(self);
+  if (kept) {
+    if (const auto handler = kept->GetLifeSpanHandler()) {
+      handler->OnBeforeClose(this);
+    }
+  }
+  CefRefPtr<CefClient> releasedClient;
+  CefRefPtr<Frame> releasedFrame;
+  {
+    const std::lock_guard lock(mutex_);
+    releasedClient.swap(client_);
+    releasedFrame.swap(mainFrame_);
+  }
+}
+
+}  // namespace cef_qt

@@ -1,0 +1,24 @@
+// The browsers that are open.
+#pragma once
+
+#include <vector>
+
+#include "browser/browser_impl.h"
+
+namespace cef_qt {
+
+// UI thread.
+class BrowserList {
+ public:
+  static BrowserList& instance();
+
+  void add(CefRefPtr<Browser> browser) { browsers_.push_back(std::move(browser)); }
+  void remove(const CefRefPtr<Browser>& browser) { std::erase(browsers_, browser); }
+  // Ends all browsers without asking.
+  void destroyAll();
+
+ private:
+  std::vector<CefRefPtr<Browser>> browsers_;
+};
+
+}  // namespace cef_qt

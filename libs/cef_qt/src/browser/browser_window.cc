@@ -1,0 +1,145 @@
+#include "browser/browser_window.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <QUrl>
+#include <QWebEngineSettings>
+
+#include "bridge/render_side.h"
+#include "browser/page.h"
+#include "browser/view.h"
+#include "process/profile.h"
+
+namespace cef_qt {
+namespace {
+
+constexpr QSize kDefaultSize(1024, 768);
+
+// A rectangle inside the screen: moved as little as possible, made smaller when it is too large.
+QRect fitIntoScreen(QRect wanted) {
+  const QScreen* screen = QGuiApplication::screenAt(wanted.center());
+  if (!screen) {
+    screen = QGuiApplication::primaryScreen();
+  }
+  if (!screen) {
+    return wanted;
+  }
+  const QRect room = screen->availableGeometry();
+  wanted.setSize(wanted.size().boundedTo(room.size()));
+  wanted.moveLeft(std::clamp(wanted.left(), room.left(), room.right() - wanted.width() + 1));
+  wanted.moveTop(std::clamp(wanted.top(), room.top(), room.bottom() - wanted.height() + 1));
+  return wanted;
+}
+
+QUrl urlOf(const QString& text) {
+  const QUrl url(text);
+  return url.scheme().isEmpty() ? QUrl::fromUserInput(text) : url;
+}
+
+void apply(const CefBrowserSettings& settings, QWebEngineSettings* target) {
+  target->setAttribute(QWebEngineSettings::JavascriptEnabled,
+                       settings.javascript != STATE_DISABLED);
+  target->setAttribute(QWebEngineSettings::LocalStorageEnabled,
+                       settings.local_storage != STATE_DISABLED);
+  target->setAttribute(QWebEngineSettings::JavascriptCanOpenWindows, true);
+}
+
+}  // namespace
+
+BrowserWindow::BrowserWindow(Browser* browser, const Browser::Options& options)
+    : channel_([browser](const PageEntry& entry) {
+        if (browser->documents()) {
+          browser->documents()->receive(entry);
+        }
+      }),
+      view_(std::make_unique<View>(browser)),
+      page_(std::make_unique<Page>(Profile::current(), browser, options.settings)) {
+  apply(options.settings, page_->settings());
+  page_->setWebChannel(channel_.webChannel());
+  view_->setPage(page_.get());
+  view_->setTitle(options.title);
+  setGeometry(options.bounds);
+}
+
+BrowserWindow::~BrowserWindow() {
+  view_->detach();
+  page_.reset();
+}
+
+QWebEnginePage* BrowserWindow::page() {
+  return page_.get();
+}
+
+void BrowserWindow::show() {
+  view_->show();
+  view_->setFocus();
+}
+
+void BrowserWindow::hide() {
+  view_->hide();
+}
+
+void BrowserWindow::setFocus(bool focus) {
+  if (focus) {
+    view_->activateWindow();
+    view_->setFocus();
+  } else {
+    view_->clearFocus();
+  }
+}
+
+void BrowserWindow::setGeometry(const CefRect& bounds) {
+  const QRect wanted(bounds.x, bounds.y, bounds.IsEmpty() ? kDefaultSize.width() : bounds.width,
+                     bounds.IsEmpty() ? kDefaultSize.height() : bounds.height);
+  view_->setGeometry(fitIntoScreen(wanted));
+}
+
+CefWindowHandle BrowserWindow::handle() {
+  return static_cast<CefWindowHandle>(view_->winId());
+}
+
+QString BrowserWindow::url() const {
+  return QString::fromLatin1(page_->url().toEncoded());
+}
+
+void BrowserWindow::load(const QString& url) {
+  page_->load(urlOf(url));
+}
+
+void BrowserWindow::reload() {
+  page_->triggerAction(QWebEnginePage::Reload);
+}
+
+void BrowserWindow::stop() {
+  page_->triggerAction(QWebEnginePage::Stop);
+}
+
+bool BrowserWindow::isLoading() const {
+  return page_->isLoading();
+}
+
+void BrowserWindow::runScript(const QString& script) {
+  channel_.flush();
+  page_->runJavaScript(script);
+}
+
+void BrowserWindow::askPageToClose() {
+  page_->triggerAction(QWebEnginePage::RequestClose);
+}
+
+bool BrowserWindow::isBusy() const {
+  return page_->dialogDepth() > 0;
+}
+
+void BrowserWindow::endDialogs(std::function<void()> next) {
+  page_->whenIdle(std::move(next));
+  page_->endDialogs();
+}
+
+void BrowserWindow::prepareBlankPage() {
+  // Without a first layout Chromium crashes when such a document is filled and painted.
+  page_->printToPdf([](const QByteArray&) {});
+  page_->runJavaScript(RenderSide::currentScript());
+}
+
+}  // namespace cef_qt

@@ -1,0 +1,57 @@
+// The page of a browser.
+#pragma once
+
+#include <QWebEnginePage>
+#include <functional>
+
+#include "browser/js_dialog.h"
+#include "include/cef_jsdialog_handler.h"
+
+namespace cef_qt {
+
+class Browser;
+
+// Turns what Qt WebEngine asks and tells into the client's handlers. Virtual operations are called
+// inside Chromium, so handlers that may take their time are called from tasks.
+class Page final : public QWebEnginePage {
+  Q_OBJECT
+
+ public:
+  Page(QWebEngineProfile* profile, Browser* browser, const CefBrowserSettings& settings);
+
+  // Dialogs that wait inside Chromium's callbacks; the page must not be deleted meanwhile.
+  int dialogDepth() const { return dialogDepth_; }
+  // Ends these dialogs as if refused.
+  void endDialogs();
+  // Runs `work` from a task once no dialog waits any more.
+  void whenIdle(std::function<void()> work) { onIdle_ = std::move(work); }
+
+ signals:
+  void dialogsEnded();
+
+ protected:
+  QWebEnginePage* createWindow(WebWindowType type) override;
+  bool acceptNavigationRequest(const QUrl& url, NavigationType type, bool isMainFrame) override;
+  void javaScriptAlert(const QUrl& origin, const QString& text) override;
+  bool javaScriptConfirm(const QUrl& origin, const QString& text) override;
+  bool javaScriptPrompt(const QUrl& origin, const QString& text, const QString& proposal,
+                        QString* answer) override;
+  void javaScriptConsoleMessage(JavaScriptConsoleMessageLevel level, const QString& text, int line,
+                                const QString& source) override;
+
+ private:
+  // Counts the dialogs that wait inside Chromium.
+  class Waiting;
+
+  // Asks the client from a task and waits for its answer.
+  JsDialog::Answer askClient(cef_jsdialog_type_t type, const QUrl& origin, const QString& text,
+                             const QString& proposal);
+  void renderProcessEnded(RenderProcessTerminationStatus status, int exitCode);
+
+  Browser* const browser_;
+  const CefBrowserSettings settings_;
+  int dialogDepth_ = 0;
+  std::function<void()> onIdle_;
+};
+
+}  // namespace cef_qt

@@ -1,0 +1,62 @@
+#include "browser/view.h"
+
+#include <QCloseEvent>
+#include <QDragEnterEvent>
+
+#include "browser/browser_impl.h"
+#include "browser/dragged.h"
+
+namespace cef_qt {
+
+void View::setTitle(const QString& title) {
+  setWindowTitle(title);
+  if (title.isEmpty()) {
+    connect(this, &QWebEngineView::titleChanged, this, &QWidget::setWindowTitle);
+  }
+}
+
+void View::closeEvent(QCloseEvent* event) {
+  if (!browser_) {
+    return;
+  }
+  // The page and the client are asked first; the window goes when they agree.
+  event->ignore();
+  browser_->close(false);
+}
+
+void View::dragEnterEvent(QDragEnterEvent* event) {
+  const CefRefPtr<CefClient> client = browser_ ? browser_->client() : nullptr;
+  const auto handler = client ? client->GetDragHandler() : nullptr;
+  dragCanceled_ = handler && handler->OnDragEnter(browser_, draggedData(*event->mimeData()),
+                                                  operationsOf(event->possibleActions()));
+  if (dragCanceled_) {
+    event->ignore();
+    return;
+  }
+  QWebEngineView::dragEnterEvent(event);
+}
+
+void View::dragMoveEvent(QDragMoveEvent* event) {
+  if (dragCanceled_) {
+    event->ignore();
+    return;
+  }
+  QWebEngineView::dragMoveEvent(event);
+}
+
+void View::dragLeaveEvent(QDragLeaveEvent* event) {
+  if (std::exchange(dragCanceled_, false)) {
+    return;
+  }
+  QWebEngineView::dragLeaveEvent(event);
+}
+
+void View::dropEvent(QDropEvent* event) {
+  if (std::exchange(dragCanceled_, false)) {
+    event->ignore();
+    return;
+  }
+  QWebEngineView::dropEvent(event);
+}
+
+}  // namespace cef_qt

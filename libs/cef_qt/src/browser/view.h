@@ -1,0 +1,34 @@
+// The top-level view of a browser.
+#pragma once
+
+#include <QWebEngineView>
+
+namespace cef_qt {
+
+class Browser;
+
+// Asks the client about drags and turns the window's closing into the browser's.
+class View final : public QWebEngineView {
+  Q_OBJECT
+
+ public:
+  explicit View(Browser* browser) : browser_(browser) {}
+
+  // An empty title follows the page's.
+  void setTitle(const QString& title);
+  // The browser is gone.
+  void detach() { browser_ = nullptr; }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dragMoveEvent(QDragMoveEvent* event) override;
+  void dragLeaveEvent(QDragLeaveEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
+ private:
+  Browser* browser_;
+  bool dragCanceled_ = false;
+};
+
+}  // namespace cef_qt

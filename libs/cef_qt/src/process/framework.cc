@@ -1,0 +1,225 @@
+#include "process/framework.h"
+
+#include <QApplication>
+#include <QStringList>
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "base/command_line_impl.h"
+#include "base/qt_text.h"
+#include "bridge/render_side.h"
+#include "browser/browser_list.h"
+#include "process/browser_log.h"
+#include "process/environment.h"
+#include "process/instance_lock.h"
+#include "process/options.h"
+#include "process/profile.h"
+#include "threads/threads.h"
+#include "threads/ui_task_runner.h"
+
+namespace cef_qt {
+namespace {
+
+// What a running framework consists of, in the order of its making.
+struct Running {
+  std::unique_ptr<InstanceLock> lock;
+  // The QApplication keeps pointers to its arguments.
+  std::vector<QByteArray> words;
+  std::vector<char*> argv;
+  int argc = 0;
+  std::unique_ptr<QApplication> application;
+  std::shared_ptr<UiTaskRunner> uiTasks;
+};
+
+struct State {
+  bool wasStarted = false;
+  std::atomic<int> exitCode{CEF_RESULT_CODE_NORMAL_EXIT};
+  std::unique_ptr<Running> running;
+
+  std::mutex mutex;
+  CefRefPtr<CefApp> app;                  // guarded by mutex
+  CefRefPtr<CefCommandLine> commandLine;  // guarded by mutex
+};
+
+State& state() {
+  static State current;
+  return current;
+}
+
+bool fail() {
+  state().exitCode = CEF_RESULT_CODE_FAILURE;
+  return false;
+}
+
+CefRefPtr<CommandLine> commandLineOf(const CefMainArgs& args) {
+  CefRefPtr<CommandLine> line = new CommandLine();
+  line->InitFromArgv(args.argc, args.argv);
+  return line;
+}
+
+// Lets the application add Chromium's switches; gives those that it added.
+QStringList switchesAddedBy(const CefRefPtr<CefApp>& app, const CefRefPtr<CommandLine>& line) {
+  std::vector<CefString> before;
+  line->GetArgv(before);
+  if (app) {
+    app->OnBeforeCommandLineProcessing(CefString(), line);
+  }
+  std::vector<CefString> after;
+  line->GetArgv(after);
+  QStringList added;
+  for (std::size_t i = before.size(); i < after.size(); ++i) {
+    const QString word = toQt(after[i]);
+    if (word.startsWith(QLatin1String("--"))) {
+      added << word;
+    }
+  }
+  return added;
+}
+
+void setApp(const CefRefPtr<CefApp>& app, const CefRefPtr<CefCommandLine>& line) {
+  const std::lock_guard lock(state().mutex);
+  state().app = app;
+  state().commandLine = line;
+}
+
+void makeApplication(Running& running, const CefMainArgs& args) {
+  for (int i = 0; i < args.argc; ++i) {
+    running.words.emplace_back(args.argv[i]);
+  }
+  for (QByteArray& word : running.words) {
+    running.argv.push_back(word.data());
+  }
+  running.argc = static_cast<int>(running.argv.size());
+  running.argv.push_back(nullptr);
+  running.application = std::make_unique<QApplication>(running.argc, running.argv.data());
+  QApplication::setQuitOnLastWindowClosed(false);
+}
+
+void logSetUp(const Options& options) {
+  if (runsWithoutSandbox(options)) {
+    BrowserLog::instance().write(LOGSEVERITY_WARNING, "framework",
+                                 options.noSandbox
+                                     ? QStringLiteral("Chromium runs without its sandbox, as the "
+                                                      "settings ask.")
+                                     : QStringLiteral("Chromium runs without its sandbox: it "
+                                                      "cannot be used by root."));
+  }
+}
+
+void contextInitialized() {
+  const CefRefPtr<CefApp> app = Framework::app();
+  if (const auto handler = app ? app->GetBrowserProcessHandler() : nullptr) {
+    handler->OnContextInitialized();
+  }
+}
+
+void relaunched(const InstanceLock::Relaunch& relaunch) {
+  const CefRefPtr<CefApp> app = Framework::app();
+  const auto handler = app ? app->GetBrowserProcessHandler() : nullptr;
+  if (!handler) {
+    return;
+  }
+  std::vector<const char*> argv;
+  for (const std::string& word : relaunch.argv) {
+    argv.push_back(word.c_str());
+  }
+  CefRefPtr<CommandLine> line = new CommandLine();
+  line->InitFromArgv(static_cast<int>(argv.size()), argv.data());
+  line->setReadOnly();
+  handler->OnAlreadyRunningAppRelaunch(line, relaunch.directory);
+}
+
+// Takes the instance's lock, or tells the process that has it. False when there is another.
+bool becomeInstance(Running& running, const Options& options, const CefMainArgs& args) {
+  if (options.rootCachePath.isEmpty()) {
+    return true;
+  }
+  running.lock = std::make_unique<InstanceLock>(options.rootCachePath.toStdString());
+  const InstanceLock::Outcome outcome =
+      running.lock->acquire({{args.argv, args.argv + args.argc}, currentDirectory()},
+                            [](const InstanceLock::Relaunch& relaunch) {
+                              postTo(TID_UI, [relaunch] { relaunched(relaunch); });
+                            });
+  return outcome != InstanceLock::Outcome::kOtherNotified;
+}
+
+}  // namespace
+
+bool Framework::start(const CefMainArgs& args, const CefSettings& settings,
+                      const CefRefPtr<CefApp>& app) {
+  if (state().wasStarted) {
+    std::fprintf(stderr, "The browser framework can be started once in a process.\n");
+    return fail();
+  }
+  if (asksForUnservedLoop(settings)) {
+    return fail();
+  }
+  const Options options = readOptions(settings);
+  auto running = std::make_unique<Running>();
+  if (!becomeInstance(*running, options, args)) {
+    state().exitCode = CEF_RESULT_CODE_NORMAL_EXIT_PROCESS_NOTIFIED;
+    return false;
+  }
+  state().wasStarted = true;
+
+  const CefRefPtr<CommandLine> line = commandLineOf(args);
+  prepareEnvironment(options, switchesAddedBy(app, line));
+  line->setReadOnly();
+  setApp(app, line);
+  if (app) {
+    CefSchemeRegistrar registrar;
+    app->OnRegisterCustomSchemes(&registrar);
+  }
+  makeApplication(*running, args);
+  BrowserLog::instance().open(options.logFile, options.logSeverity);
+  logSetUp(options);
+  Profile::create(options);
+  running->uiTasks = std::make_shared<UiTaskRunner>();
+  Threads::instance().start(running->uiTasks);
+  state().running = std::move(running);
+  RenderSide::start();
+  postTo(TID_UI, [] { contextInitialized(); });
+  return true;
+}
+
+int Framework::exitCode() {
+  return state().exitCode;
+}
+
+void Framework::run() {
+  if (state().running) {
+    QApplication::exec();
+  }
+}
+
+void Framework::quit() {
+  if (state().running) {
+    QApplication::quit();
+  }
+}
+
+void Framework::stop() {
+  if (!state().running) {
+    return;
+  }
+  BrowserList::instance().destroyAll();
+  Threads::instance().stop();
+  setApp(nullptr, nullptr);
+  Profile::destroy();
+  state().running.reset();
+  BrowserLog::instance().close();
+}
+
+CefRefPtr<CefApp> Framework::app() {
+  const std::lock_guard lock(state().mutex);
+  return state().app;
+}
+
+CefRefPtr<CefCommandLine> Framework::commandLine() {
+  const std::lock_guard lock(state().mutex);
+  return state().commandLine;
+}
+
+}  // namespace cef_qt

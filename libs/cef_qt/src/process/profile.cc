@@ -1,0 +1,60 @@
+#include "process/profile.h"
+
+#include <QWebEngineProfile>
+#include <QWebEngineScript>
+#include <QWebEngineScriptCollection>
+#include <memory>
+
+namespace cef_qt {
+namespace {
+
+std::unique_ptr<QWebEngineProfile>& profile() {
+  static std::unique_ptr<QWebEngineProfile> current;
+  return current;
+}
+
+void usePath(QWebEngineProfile* target, const Options& options) {
+  target->setPersistentStoragePath(options.cachePath);
+  target->setCachePath(options.cachePath + QStringLiteral("/Cache"));
+  target->setPersistentCookiesPolicy(options.persistSessionCookies
+                                         ? QWebEngineProfile::ForcePersistentCookies
+                                         : QWebEngineProfile::AllowPersistentCookies);
+}
+
+}  // namespace
+
+void Profile::create(const Options& options) {
+  if (options.cachePath.isEmpty()) {
+    profile() = std::make_unique<QWebEngineProfile>();
+  } else {
+    profile() = std::make_unique<QWebEngineProfile>(QStringLiteral("Default"));
+    usePath(profile().get(), options);
+  }
+  if (!options.userAgent.isEmpty()) {
+    profile()->setHttpUserAgent(options.userAgent);
+  }
+}
+
+void Profile::destroy() {
+  profile().reset();
+}
+
+QWebEngineProfile* Profile::current() {
+  return profile().get();
+}
+
+void Profile::setPageScript(const QString& script) {
+  QWebEngineScript next;
+  next.setName(QStringLiteral("bridge"));
+  next.setSourceCode(script);
+  next.setInjectionPoint(QWebEngineScript::DocumentCreation);
+  next.setWorldId(QWebEngineScript::MainWorld);
+  next.setRunsOnSubFrames(true);
+  QWebEngineScriptCollection* scripts = current()->scripts();
+  for (const QWebEngineScript& old : scripts->find(next.name())) {
+    scripts->remove(old);
+  }
+  scripts->insert(next);
+}
+
+}  // namespace cef_qt

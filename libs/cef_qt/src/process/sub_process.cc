@@ -1,0 +1,45 @@
+#include <unistd.h>
+
+#include <QFile>
+#include <QLibraryInfo>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+
+#include "include/cef_app.h"
+#include "process/environment.h"
+
+namespace {
+
+bool isSubProcess(const CefMainArgs& args) {
+  for (int i = 1; i < args.argc; ++i) {
+    if (std::string_view(args.argv[i]).rfind("--type=", 0) == 0) {
+      return true;
+    }
+  }
+  return false;
+}
+
+QByteArray webEngineProcess() {
+  const QByteArray named = qgetenv(cef_qt::kRealProcessVariable);
+  if (!named.isEmpty()) {
+    return named;
+  }
+  return QFile::encodeName(QLibraryInfo::path(QLibraryInfo::LibraryExecutablesPath)) +
+         "/QtWebEngineProcess";
+}
+
+}  // namespace
+
+int CefExecuteProcess(const CefMainArgs& args, CefRefPtr<CefApp> /*application*/,
+                      void* /*windows_sandbox_info*/) {
+  if (!isSubProcess(args)) {
+    return -1;
+  }
+  // Qt's own executable takes this process over; its exit code becomes ours.
+  const QByteArray program = webEngineProcess();
+  execv(program.constData(), args.argv);
+  std::fprintf(stderr, "%s cannot be run: %s\n", program.constData(), std::strerror(errno));
+  return 127;
+}

@@ -1,0 +1,289 @@
+#include <algorithm>
+#include <atomic>
+#include <map>
+#include <tuple>
+#include <vector>
+
+#include "include/wrapper/cef_helpers.h"
+#include "include/wrapper/cef_message_router.h"
+#include "router/router_messages.h"
+#include "threads/threads.h"
+
+namespace cef_qt {
+namespace {
+
+class BrowserSide;
+
+// One query's answer, from any thread, to a router that may have forgotten the query.
+class QueryCallback final : public CefMessageRouterBrowserSideCallback {
+ public:
+  QueryCallback(CefRefPtr<BrowserSide> router, int64_t query, bool persistent)
+      : router_(std::move(router)), query_(query), persistent_(persistent) {}
+  ~QueryCallback() override;
+
+  void Success(const CefString& response) override;
+  void Failure(int error_code, const CefString& error_message) override;
+
+ private:
+  void answer(AnswerMessage message, bool last);
+
+  const CefRefPtr<BrowserSide> router_;
+  const int64_t query_;
+  const bool persistent_;
+  std::atomic<bool> ended_{false};
+  IMPLEMENT_REFCOUNTING(QueryCallback);
+};
+
+class BrowserSide final : public CefMessageRouterBrowserSide {
+ public:
+  explicit BrowserSide(const CefMessageRouterConfig& config)
+      : messageName_(messageName(config.js_query_function)) {}
+
+  bool AddHandler(Handler* handler, bool first) override;
+  bool RemoveHandler(Handler* handler) override;
+  void CancelPending(CefRefPtr<CefBrowser> browser, Handler* handler) override {
+    cancelMatching(browser, handler, true);
+  }
+  int GetPendingCount(CefRefPtr<CefBrowser> browser, Handler* handler) override;
+  void OnBeforeClose(CefRefPtr<CefBrowser> browser) override {
+    cancelMatching(browser, nullptr, false);
+  }
+  void OnRenderProcessTerminated(CefRefPtr<CefBrowser> browser) override {
+    cancelMatching(browser, nullptr, false);
+  }
+  void OnBeforeBrowse(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame) override {
+    if (frame && frame->IsMain()) {
+      cancelMatching(browser, nullptr, false);
+    }
+  }
+  bool OnProcessMessageReceived(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
+                                CefProcessId source_process,
+                                CefRefPtr<CefProcessMessage> message) override;
+
+  // A callback's answer; `last` ends the query. UI thread.
+  void answer(int64_t query, AnswerMessage message, bool last);
+
+ private:
+  // Browser, context and query as the render side counts them.
+  using PageKey = std::tuple<int, int, int>;
+  struct Query {
+    PageKey key;
+    Handler* handler = nullptr;  // null until one took it
+    CefRefPtr<CefBrowser> browser;
+    CefRefPtr<CefFrame> frame;
+  };
+
+  void startQuery(const CefRefPtr<CefBrowser>& browser, const CefRefPtr<CefFrame>& frame,
+                  const QueryMessage& message);
+  // The handler that takes the query; null when none does.
+  Handler* offer(int64_t id, const Query& query, const QueryMessage& message);
+  // Takes a query out of the pending ones; false when it is not there.
+  bool take(int64_t id, Query& query);
+  void cancelFromPage(const PageKey& key);
+  void cancelMatching(const CefRefPtr<CefBrowser>& browser, const Handler* handler, bool tellPage);
+  static bool matches(const Query& query, const CefRefPtr<CefBrowser>& browser,
+                      const Handler* handler);
+  void sendFailure(const Query& query);
+  void sendAnswer(const Query& query, AnswerMessage message);
+
+  const CefString messageName_;
+  std::vector<Handler*> handlers_;
+  int64_t lastQuery_ = 0;
+  std::map<int64_t, Query> pending_;
+  std::map<PageKey, int64_t> idOfKey_;
+};
+
+QueryCallback::~QueryCallback() {
+  if (!ended_) {
+    answer({0, 0, false, kCanceledCode, kCanceledText}, true);
+  }
+}
+
+void QueryCallback::Success(const CefString& response) {
+  answer({0, 0, true, 0, response}, !persistent_);
+}
+
+void QueryCallback::Failure(int error_code, const CefString& error_message) {
+  answer({0, 0, false, error_code, error_message}, true);
+}
+
+void QueryCallback::answer(AnswerMessage message, bool last) {
+  if (last ? ended_.exchange(true) : ended_.load()) {
+    return;
+  }
+  if (CefCurrentlyOn(TID_UI)) {
+    router_->answer(query_, std::move(message), last);
+    return;
+  }
+  postTo(TID_UI, [router = router_, query = query_, message = std::move(message), last] {
+    router->answer(query, message, last);
+  });
+}
+
+bool BrowserSide::AddHandler(Handler* handler, bool first) {
+  CEF_REQUIRE_UI_THREAD();
+  if (!handler || std::find(handlers_.begin(), handlers_.end(), handler) != handlers_.end()) {
+    return false;
+  }
+  handlers_.insert(first ? handlers_.begin() : handlers_.end(), handler);
+  return true;
+}
+
+bool BrowserSide::RemoveHandler(Handler* handler) {
+  CEF_REQUIRE_UI_THREAD();
+  if (std::erase(handlers_, handler) == 0) {
+    return false;
+  }
+  cancelMatching(nullptr, handler, true);
+  return true;
+}
+
+bool BrowserSide::matches(const Query& query, const CefRefPtr<CefBrowser>& browser,
+                          const Handler* handler) {
+  return (!browser || query.browser->IsSame(browser)) && (!handler || query.handler == handler);
+}
+
+int BrowserSide::GetPendingCount(CefRefPtr<CefBrowser> browser, Handler* handler) {
+  return static_cast<int>(std::count_if(pending_.begin(), pending_.end(), [&](const auto& entry) {
+    return entry.second.handler && matches(entry.second, browser, handler);
+  }));
+}
+
+bool BrowserSide::OnProcessMessageReceived(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
+                                           CefProcessId /*source_process*/,
+                                           CefRefPtr<CefProcessMessage> message) {
+  CEF_REQUIRE_UI_THREAD();
+  if (message->GetName() != messageName_) {
+    return false;
+  }
+  const QueryMessage query = QueryMessage::read(message->GetArgumentList());
+  if (query.isCancel) {
+    cancelFromPage({browser->GetIdentifier(), query.context, query.query});
+  } else {
+    startQuery(browser, frame, query);
+  }
+  return true;
+}
+
+void BrowserSide::startQuery(const CefRefPtr<CefBrowser>& browser, const CefRefPtr<CefFrame>& frame,
+                             const QueryMessage& message) {
+  const int64_t id = ++lastQuery_;
+  const Query query{
+      {browser->GetIdentifier(), message.context, message.query}, nullptr, browser, frame};
+  pending_[id] = query;
+  idOfKey_[query.key] = id;
+
+  Handler* handler = offer(id, query, message);
+  const auto still = pending_.find(id);
+  if (still == pending_.end()) {
+    return;
+  }
+  if (handler) {
+    still->second.handler = handler;
+    return;
+  }
+  Query unhandled;
+  take(id, unhandled);
+  sendFailure(unhandled);
+}
+
+BrowserSide::Handler* BrowserSide::offer(int64_t id, const Query& query,
+                                         const QueryMessage& message) {
+  const CefRefPtr<BrowserSide> self(this);
+  CefRefPtr<CefMessageRouterBrowserSideCallback> callback =
+      new QueryCallback(self, id, message.persistent);
+  const std::vector<Handler*> handlers = handlers_;
+  for (Handler* handler : handlers) {
+    // An earlier handler may have removed it.
+    if (std::find(handlers_.begin(), handlers_.end(), handler) == handlers_.end()) {
+      continue;
+    }
+    if (handler->OnQuery(query.browser, query.frame, id, message.request, message.persistent,
+                         callback)) {
+      return handler;
+    }
+  }
+  return nullptr;
+}
+
+bool BrowserSide::take(int64_t id, Query& query) {
+  const auto found = pending_.find(id);
+  if (found == pending_.end()) {
+    return false;
+  }
+  query = std::move(found->second);
+  pending_.erase(found);
+  idOfKey_.erase(query.key);
+  return true;
+}
+
+void BrowserSide::cancelFromPage(const PageKey& key) {
+  const auto found = idOfKey_.find(key);
+  if (found == idOfKey_.end()) {
+    return;
+  }
+  const int64_t id = found->second;
+  Query query;
+  if (take(id, query) && query.handler) {
+    query.handler->OnQueryCanceled(query.browser, query.frame, id);
+  }
+}
+
+void BrowserSide::cancelMatching(const CefRefPtr<CefBrowser>& browser, const Handler* handler,
+                                 bool tellPage) {
+  CEF_REQUIRE_UI_THREAD();
+  const CefRefPtr<BrowserSide> self(this);
+  std::vector<int64_t> ids;
+  for (const auto& [id, query] : pending_) {
+    if (matches(query, browser, handler)) {
+      ids.push_back(id);
+    }
+  }
+  for (const int64_t id : ids) {
+    Query query;
+    if (!take(id, query)) {
+      continue;
+    }
+    if (tellPage) {
+      sendFailure(query);
+    }
+    if (query.handler) {
+      query.handler->OnQueryCanceled(query.browser, query.frame, id);
+    }
+  }
+}
+
+void BrowserSide::answer(int64_t query, AnswerMessage message, bool last) {
+  if (last) {
+    Query ended;
+    if (take(query, ended)) {
+      sendAnswer(ended, std::move(message));
+    }
+    return;
+  }
+  const auto found = pending_.find(query);
+  if (found != pending_.end()) {
+    sendAnswer(found->second, std::move(message));
+  }
+}
+
+void BrowserSide::sendFailure(const Query& query) {
+  sendAnswer(query, {0, 0, false, kCanceledCode, kCanceledText});
+}
+
+void BrowserSide::sendAnswer(const Query& query, AnswerMessage message) {
+  message.context = std::get<1>(query.key);
+  message.query = std::get<2>(query.key);
+  query.frame->SendProcessMessage(PID_RENDERER, message.make(messageName_));
+}
+
+}  // namespace
+}  // namespace cef_qt
+
+CefRefPtr<CefMessageRouterBrowserSide> CefMessageRouterBrowserSide::Create(
+    const CefMessageRouterConfig& config) {
+  if (config.js_query_function.empty() || config.js_cancel_function.empty()) {
+    return nullptr;
+  }
+  return new cef_qt::BrowserSide(config);
+}

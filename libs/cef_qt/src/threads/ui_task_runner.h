@@ -1,0 +1,36 @@
+// Tasks of the UI thread, run from Qt's event loop.
+#pragma once
+
+#include <QObject>
+#include <mutex>
+
+#include "threads/task_runner.h"
+
+namespace cef_qt {
+
+// Lives on the thread of the QApplication. Every task is run from an event of its own level: a task
+// that runs a nested event loop (a modal dialog) does not hold back those behind it.
+class UiTaskRunner final : public QObject, public TaskRunner {
+ public:
+  bool post(const QueuedTask& task, int64_t delayMs) override;
+  void stop() override;
+  void join() override {}
+
+  bool event(QEvent* event) override;
+
+ private:
+  // Runs what may run now; what is posted meanwhile waits for the next event.
+  void runReady();
+  std::optional<QueuedTask> takeReady();
+  std::size_t beginTurn();
+  void wakeLocked();
+  void scheduleTimer();
+
+  std::mutex mutex_;
+  DueQueue queue_;        // guarded by mutex_
+  bool woken_ = false;    // guarded by mutex_: an event is under way
+  bool stopped_ = false;  // guarded by mutex_
+  int timer_ = 0;         // UI thread
+};
+
+}  // namespace cef_qt

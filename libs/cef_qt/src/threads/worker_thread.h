@@ -1,0 +1,33 @@
+// A thread that runs posted tasks.
+#pragma once
+
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+#include "threads/task_runner.h"
+
+namespace cef_qt {
+
+class WorkerThread final : public TaskRunner {
+ public:
+  WorkerThread();
+  ~WorkerThread() override;
+
+  bool post(const QueuedTask& task, int64_t delayMs) override;
+  void stop() override;
+  void join() override;
+
+ private:
+  void run();
+  // The next task once it is due; nothing when the thread is stopped.
+  std::optional<QueuedTask> waitForTask();
+
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  DueQueue queue_;        // guarded by mutex_
+  bool stopped_ = false;  // guarded by mutex_
+  std::thread thread_;    // last: starts when the rest is there
+};
+
+}  // namespace cef_qt

@@ -1,20 +1,72 @@
 #include "zt_transfers/download_manager.h"
 
-#include <map>
+#include <utility>
+
+#include "manager/manager_core.h"
+#include "manager/refusing_runner.h"
+#include "manager/subscription.h"
+#include "text/wide_bytes.h"
 
 namespace zt_transfers {
+namespace {
 
-// Holds the groups; the engine behind it is not wired yet.
+CDownloadManager::GroupState downloadGroup(const GroupSnapshot& shot) {
+  CDownloadManager::GroupState state;
+  static_cast<GroupStateBase&>(state) = shot;
+  state.filesCompleted = shot.filesCompleted;
+  state.downloadFolder = shot.folder;
+  return state;
+}
+
+FileSpec specOf(const CDownloadManager::FileDownloadDetails& file) {
+  FileSpec spec;
+  spec.fileId = file.fileId;
+  spec.place = bytesOf(file.path);
+  spec.url = file.url;
+  spec.size = file.size;
+  spec.modified = file.modified;
+  spec.expires = file.expires;
+  spec.md5Digest = file.md5Digest;
+  return spec;
+}
+
+}  // namespace
+
 class CDownloadManager::Impl {
  public:
+  Impl()
+      : core({.shortName = "down",
+              .engine = {.activity = "download", .needsMark = false, .measuresSources = false},
+              .makeRunner =
+                  [](const CManagerCore::RunnerParts& parts) {
+                    return std::make_unique<CRefusingRunner>(
+                        parts.observer, "downloads are not available in this version");
+                  },
+              .deliver = [this](const TransferEvent& event) { deliver(event); }}) {
+    core.configure(configuration);
+  }
+
+  void deliver(const TransferEvent& event) {
+    subscription.call([&event](ICallback& callback) {
+      if (const auto* group = std::get_if<GroupSnapshot>(&event)) {
+        callback.onGroupStateChanged(downloadGroup(*group));
+      } else {
+        callback.onFileStateChanged(std::get<FileState>(event));
+      }
+    });
+  }
+
   Configuration configuration;
-  std::map<std::int32_t, GroupState> groups;
+  CSubscription<ICallback> subscription;
+  CManagerCore core;  // last, so that its threads end before anything else goes
 };
 
 CDownloadManager::CDownloadManager() : impl_(std::make_unique<Impl>()) {}
 CDownloadManager::~CDownloadManager() = default;
 
-void CDownloadManager::subscribeToEvents(ICallback* /*callback*/) {}
+void CDownloadManager::subscribeToEvents(ICallback* callback) {
+  impl_->subscription.set(callback);
+}
 
 const CDownloadManager::Configuration& CDownloadManager::getConfiguration() const {
   return impl_->configuration;
@@ -22,46 +74,73 @@ const CDownloadManager::Configuration& CDownloadManager::getConfiguration() cons
 
 void CDownloadManager::setConfiguration(const Configuration& configuration) {
   impl_->configuration = configuration;
+  impl_->core.configure(configuration);
 }
 
 void CDownloadManager::fetchGroupsInfo(std::vector<GroupState>& groups) {
   groups.clear();
-  for (const auto& [id, group] : impl_->groups) {
-    groups.push_back(group);
+  for (const GroupSnapshot& shot : impl_->core.engine().groups()) {
+    groups.push_back(downloadGroup(shot));
   }
 }
 
 std::int32_t CDownloadManager::createGroup(const std::string& bucketId,
-                                           const std::string& bucketType,
-                                           const std::string& /*token*/,
-                                           std::uint64_t /*tokenExpires*/,
+                                           const std::string& bucketType, const std::string& token,
+                                           std::uint64_t tokenExpires,
                                            const std::wstring& downloadDirectory) {
-  const auto id = static_cast<std::int32_t>(impl_->groups.size()) + 1;
-  GroupState& group = impl_->groups[id];
-  group.id = id;
-  group.bucketId = bucketId;
-  group.bucketType = bucketType;
-  group.downloadFolder = downloadDirectory;
-  return id;
+  GroupIdentity identity;
+  identity.bucketId = bucketId;
+  identity.bucketType = bucketType;
+  identity.token = token;
+  identity.tokenExpires = tokenExpires;
+  identity.folder = downloadDirectory;
+  return impl_->core.engine().createGroup(std::move(identity));
 }
 
 int CDownloadManager::getGroupState(std::int32_t groupId, GroupState& state) {
-  const auto found = impl_->groups.find(groupId);
-  if (found == impl_->groups.end()) {
+  const auto shot = impl_->core.engine().group(groupId);
+  if (!shot) {
     return -1;
   }
-  state = found->second;
+  state = downloadGroup(*shot);
   return 0;
 }
 
-void CDownloadManager::queueFiles(std::int32_t /*groupId*/,
-                                  const std::vector<FileDownloadDetails>& /*files*/) {}
-void CDownloadManager::dequeueFiles(std::int32_t /*groupId*/,
-                                    const std::vector<FileDownloadDetails>& /*files*/) {}
-void CDownloadManager::pauseGroup(std::int32_t /*groupId*/) {}
-void CDownloadManager::resumeGroup(std::int32_t /*groupId*/) {}
-void CDownloadManager::cancelGroup(std::int32_t /*groupId*/) {}
-void CDownloadManager::startup() {}
-void CDownloadManager::shutdown() {}
+void CDownloadManager::queueFiles(std::int32_t groupId,
+                                  const std::vector<FileDownloadDetails>& files) {
+  std::vector<FileSpec> specs;
+  specs.reserve(files.size());
+  for (const FileDownloadDetails& file : files) {
+    specs.push_back(specOf(file));
+  }
+  impl_->core.engine().queueFiles(groupId, specs);
+}
+
+void CDownloadManager::dequeueFiles(std::int32_t groupId,
+                                    const std::vector<FileDownloadDetails>& files) {
+  std::vector<std::string> fileIds;
+  fileIds.reserve(files.size());
+  for (const FileDownloadDetails& file : files) {
+    fileIds.push_back(file.fileId);
+  }
+  impl_->core.engine().dequeueFiles(groupId, fileIds);
+}
+
+void CDownloadManager::pauseGroup(std::int32_t groupId) {
+  impl_->core.engine().pauseGroup(groupId);
+}
+void CDownloadManager::resumeGroup(std::int32_t groupId) {
+  impl_->core.engine().resumeGroup(groupId);
+}
+void CDownloadManager::cancelGroup(std::int32_t groupId) {
+  impl_->core.engine().cancelGroup(groupId);
+}
+
+void CDownloadManager::startup() {
+  impl_->core.startup();
+}
+void CDownloadManager::shutdown() {
+  impl_->core.shutdown();
+}
 
 }  // namespace zt_transfers

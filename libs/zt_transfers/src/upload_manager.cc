@@ -1,20 +1,68 @@
 #include "zt_transfers/upload_manager.h"
 
-#include <map>
+#include <utility>
+
+#include "manager/manager_core.h"
+#include "manager/subscription.h"
+#include "text/wide_bytes.h"
+#include "upload/upload_runner.h"
 
 namespace zt_transfers {
+namespace {
 
-// Holds the groups; the engine behind it is not wired yet.
+CUploadManager::GroupState uploadGroup(const GroupSnapshot& shot) {
+  CUploadManager::GroupState state;
+  static_cast<GroupStateBase&>(state) = shot;
+  state.marked = shot.marked;
+  return state;
+}
+
+FileSpec specOf(const CUploadManager::FileDesc& file) {
+  FileSpec spec;
+  spec.fileId = file.fileId;
+  spec.place = bytesOf(file.fileURL);
+  spec.url = file.url;
+  spec.headers = file.headers;
+  return spec;
+}
+
+}  // namespace
+
 class CUploadManager::Impl {
  public:
+  Impl()
+      : core({.shortName = "up",
+              .engine = {.activity = "upload", .needsMark = true, .measuresSources = true},
+              .makeRunner =
+                  [](const CManagerCore::RunnerParts& parts) {
+                    return std::make_unique<CUploadRunner>(parts.loop, parts.pool, parts.log,
+                                                           parts.observer);
+                  },
+              .deliver = [this](const TransferEvent& event) { deliver(event); }}) {
+    core.configure(configuration);
+  }
+
+  void deliver(const TransferEvent& event) {
+    subscription.call([&event](ICallback& callback) {
+      if (const auto* group = std::get_if<GroupSnapshot>(&event)) {
+        callback.onGroupStateChanged(uploadGroup(*group));
+      } else {
+        callback.onFileStateChanged(std::get<FileState>(event));
+      }
+    });
+  }
+
   Configuration configuration;
-  std::map<std::int32_t, GroupState> groups;
+  CSubscription<ICallback> subscription;
+  CManagerCore core;  // last, so that its threads end before anything else goes
 };
 
 CUploadManager::CUploadManager() : impl_(std::make_unique<Impl>()) {}
 CUploadManager::~CUploadManager() = default;
 
-void CUploadManager::subscribeToEvents(ICallback* /*callback*/) {}
+void CUploadManager::subscribeToEvents(ICallback* callback) {
+  impl_->subscription.set(callback);
+}
 
 const CUploadManager::Configuration& CUploadManager::getConfiguration() const {
   return impl_->configuration;
@@ -22,44 +70,74 @@ const CUploadManager::Configuration& CUploadManager::getConfiguration() const {
 
 void CUploadManager::setConfiguration(const Configuration& configuration) {
   impl_->configuration = configuration;
+  impl_->core.configure(configuration);
 }
 
 void CUploadManager::fetchGroupsInfo(std::vector<GroupState>& groups) {
   groups.clear();
-  for (const auto& [id, group] : impl_->groups) {
-    groups.push_back(group);
+  for (const GroupSnapshot& shot : impl_->core.engine().groups()) {
+    groups.push_back(uploadGroup(shot));
   }
 }
 
 std::int32_t CUploadManager::createGroup(const std::string& bucketId, const std::string& bucketType,
-                                         const std::string& /*token*/,
-                                         std::uint64_t /*tokenExpires*/) {
-  const auto id = static_cast<std::int32_t>(impl_->groups.size()) + 1;
-  GroupState& group = impl_->groups[id];
-  group.id = id;
-  group.bucketId = bucketId;
-  group.bucketType = bucketType;
-  return id;
+                                         const std::string& token, std::uint64_t tokenExpires) {
+  GroupIdentity identity;
+  identity.bucketId = bucketId;
+  identity.bucketType = bucketType;
+  identity.token = token;
+  identity.tokenExpires = tokenExpires;
+  return impl_->core.engine().createGroup(std::move(identity));
 }
 
 int CUploadManager::getGroupState(std::int32_t groupId, GroupState& state) {
-  const auto found = impl_->groups.find(groupId);
-  if (found == impl_->groups.end()) {
+  const auto shot = impl_->core.engine().group(groupId);
+  if (!shot) {
     return -1;
   }
-  state = found->second;
+  state = uploadGroup(*shot);
   return 0;
 }
 
-void CUploadManager::queueFiles(std::int32_t /*groupId*/, const std::vector<FileDesc>& /*files*/) {}
-void CUploadManager::dequeueFile(std::int32_t /*groupId*/, const std::vector<FileDesc>& /*files*/) {
+void CUploadManager::queueFiles(std::int32_t groupId, const std::vector<FileDesc>& files) {
+  std::vector<FileSpec> specs;
+  specs.reserve(files.size());
+  for (const FileDesc& file : files) {
+    specs.push_back(specOf(file));
+  }
+  impl_->core.engine().queueFiles(groupId, specs);
 }
-void CUploadManager::markQueue(std::int32_t /*groupId*/) {}
-void CUploadManager::unmarkQueue(std::int32_t /*groupId*/) {}
-void CUploadManager::pauseGroup(std::int32_t /*groupId*/) {}
-void CUploadManager::resumeGroup(std::int32_t /*groupId*/) {}
-void CUploadManager::cancelGroup(std::int32_t /*groupId*/) {}
-void CUploadManager::startup() {}
-void CUploadManager::shutdown() {}
+
+void CUploadManager::dequeueFile(std::int32_t groupId, const std::vector<FileDesc>& files) {
+  std::vector<std::string> fileIds;
+  fileIds.reserve(files.size());
+  for (const FileDesc& file : files) {
+    fileIds.push_back(file.fileId);
+  }
+  impl_->core.engine().dequeueFiles(groupId, fileIds);
+}
+
+void CUploadManager::markQueue(std::int32_t groupId) {
+  impl_->core.engine().setMarked(groupId, true);
+}
+void CUploadManager::unmarkQueue(std::int32_t groupId) {
+  impl_->core.engine().setMarked(groupId, false);
+}
+void CUploadManager::pauseGroup(std::int32_t groupId) {
+  impl_->core.engine().pauseGroup(groupId);
+}
+void CUploadManager::resumeGroup(std::int32_t groupId) {
+  impl_->core.engine().resumeGroup(groupId);
+}
+void CUploadManager::cancelGroup(std::int32_t groupId) {
+  impl_->core.engine().cancelGroup(groupId);
+}
+
+void CUploadManager::startup() {
+  impl_->core.startup();
+}
+void CUploadManager::shutdown() {
+  impl_->core.shutdown();
+}
 
 }  // namespace zt_transfers

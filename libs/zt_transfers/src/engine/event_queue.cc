@@ -1,0 +1,40 @@
+#include "engine/event_queue.h"
+
+#include <utility>
+
+namespace zt_transfers {
+
+void CEventQueue::push(TransferEvent event) {
+  {
+    const std::lock_guard lock(mutex_);
+    events_.push_back(std::move(event));
+  }
+  arrived_.notify_one();
+}
+
+bool CEventQueue::congested() const {
+  const std::lock_guard lock(mutex_);
+  return events_.size() > kCongestion;
+}
+
+std::vector<TransferEvent> CEventQueue::take(std::optional<Duration> limit) {
+  std::unique_lock lock(mutex_);
+  const auto ready = [this] { return poked_ || !events_.empty(); };
+  if (limit) {
+    arrived_.wait_for(lock, *limit, ready);
+  } else {
+    arrived_.wait(lock, ready);
+  }
+  poked_ = false;
+  return std::exchange(events_, {});
+}
+
+void CEventQueue::poke() {
+  {
+    const std::lock_guard lock(mutex_);
+    poked_ = true;
+  }
+  arrived_.notify_one();
+}
+
+}  // namespace zt_transfers

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <unordered_map>
+#include <vector>
+
+#include "engine/packed_spec.h"
+#include "engine/queue_store.h"
+
+namespace zt_transfers {
+
+// A queue store that lives as long as the process.
+class CMemoryQueueStore : public IQueueStore {
+ public:
+  void append(std::int32_t groupId, const FileSpec& spec) override;
+  void replace(FileRef file, const FileSpec& spec) override;
+  FileSpec spec(FileRef file) const override;
+  std::string fileId(FileRef file) const override;
+  std::string place(FileRef file) const override;
+  std::optional<std::uint32_t> find(std::int32_t groupId, const std::string& fileId) const override;
+  void remove(FileRef file) override;
+  void removeGroup(std::int32_t groupId) override;
+
+ private:
+  struct Group {
+    std::vector<CPackedSpec> files;
+    // The keys are views into `files`' blocks, which do not move.
+    std::unordered_map<std::string_view, std::uint32_t> byFileId;
+  };
+
+  std::unordered_map<std::int32_t, Group> groups_;
+};
+
+}  // namespace zt_transfers

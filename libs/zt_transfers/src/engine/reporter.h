@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <set>
+
+#include "engine/event_queue.h"
+#include "engine/transfer_group.h"
+
+namespace zt_transfers {
+
+// Decides which changes become events: a change of state at once, mere progress at most ten
+// times a second a group. The last progress of a group is never left out: it stays due until it
+// was told.
+//
+// Thread: none of its own; the engine guards it.
+class CReporter {
+ public:
+  static constexpr std::chrono::milliseconds kInterval{100};
+
+  explicit CReporter(CEventQueue& events) : events_(events) {}
+
+  void setRunning(bool running) { running_ = running; }
+  bool running() const { return running_; }
+
+  void file(const FileState& state);
+  // After anything about the group changed.
+  void group(const CTransferGroup& group, TimePoint now);
+  // Whatever was told before.
+  void groupAnew(const CTransferGroup& group, TimePoint now);
+  void forget(std::int32_t groupId);
+
+  bool hasDue() const { return !due_.empty(); }
+  // Tells the progress of groups whose turn has come. `groupOf` gives a group or null by its id.
+  template <typename GroupOf>
+  void tellDue(GroupOf groupOf, TimePoint now) {
+    const std::set<std::int32_t> due = due_;
+    for (const std::int32_t id : due) {
+      const CTransferGroup* group = groupOf(id);
+      if (group == nullptr) {
+        due_.erase(id);
+      } else if (now - told_[id].when >= kInterval) {
+        tell(*group, now);
+      }
+    }
+  }
+
+ private:
+  struct Told {
+    TimePoint when{};
+    std::int32_t state = -1;
+    bool paused = false;
+    bool cancelled = false;
+    bool marked = false;
+    bool empty = false;
+    bool operator==(const Told&) const = default;
+  };
+
+  void tell(const CTransferGroup& group, TimePoint now);
+
+  CEventQueue& events_;
+  bool running_ = false;
+  std::map<std::int32_t, Told> told_;
+  std::set<std::int32_t> due_;
+};
+
+}  // namespace zt_transfers

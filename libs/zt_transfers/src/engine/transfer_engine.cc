@@ -1,0 +1,565 @@
+#include "engine/transfer_engine.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <limits>
+#include <utility>
+
+#include "text/url_parts.h"
+
+namespace zt_transfers {
+namespace {
+
+// Files that fail before they begin are worked off in portions, so that the lock is given free.
+constexpr int kStartsAtOnce = 512;
+
+double seconds(std::chrono::milliseconds time) {
+  return std::chrono::duration<double>(time).count();
+}
+
+}  // namespace
+
+CTransferEngine::CTransferEngine(Options options, const Surroundings& surroundings)
+    : options_(std::move(options)),
+      clock_(surroundings.clock),
+      store_(surroundings.store),
+      events_(surroundings.events),
+      log_(surroundings.log),
+      wake_([] {}),
+      reporter_(surroundings.events),
+      random_(std::random_device{}()) {}
+
+std::int32_t CTransferEngine::createGroup(GroupIdentity identity) {
+  const std::lock_guard lock(mutex_);
+  if (lastGroupId_ == std::numeric_limits<std::int32_t>::max()) {
+    return -1;
+  }
+  identity.id = ++lastGroupId_;
+  auto group = std::make_unique<CTransferGroup>(std::move(identity), options_.needsMark);
+  reporter_.group(*group, clock_.now());
+  groups_.emplace(lastGroupId_, std::move(group));
+  return lastGroupId_;
+}
+
+std::vector<GroupSnapshot> CTransferEngine::groups() const {
+  const std::lock_guard lock(mutex_);
+  const TimePoint now = clock_.now();
+  std::vector<GroupSnapshot> shots;
+  shots.reserve(groups_.size());
+  for (const auto& [id, group] : groups_) {
+    shots.push_back(group->snapshot(running_, now));
+  }
+  return shots;
+}
+
+std::optional<GroupSnapshot> CTransferEngine::group(std::int32_t groupId) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = groups_.find(groupId);
+  if (found == groups_.end()) {
+    return std::nullopt;
+  }
+  return found->second->snapshot(running_, clock_.now());
+}
+
+void CTransferEngine::queueFiles(std::int32_t groupId, const std::vector<FileSpec>& specs) {
+  {
+    const std::lock_guard lock(mutex_);
+    CTransferGroup* group = find(groupId);
+    if (group == nullptr || group->cancelled()) {
+      return;
+    }
+    for (const FileSpec& spec : specs) {
+      queueFile(*group, spec);
+    }
+    list(*group);
+    reporter_.group(*group, clock_.now());
+  }
+  wake_();
+}
+
+void CTransferEngine::queueFile(CTransferGroup& group, const FileSpec& spec) {
+  if (const auto known = store_.find(group.id(), spec.fileId)) {
+    requeueFile(group, *known, spec);
+    return;
+  }
+  store_.append(group.id(), spec);
+  const std::uint32_t index = group.append(spec.size);
+  if (options_.measuresSources) {
+    unmeasured_.push_back({group.id(), index});
+  }
+}
+
+// The same fileId again: a new description for a file that waits, another chance for one that
+// is done with. What is under way goes on.
+void CTransferEngine::requeueFile(CTransferGroup& group, std::uint32_t index,
+                                  const FileSpec& spec) {
+  const FilePhase phase = group.file(index).phase;
+  if (phase == FilePhase::kRunning) {
+    return;
+  }
+  store_.replace({group.id(), index}, spec);
+  group.forgetRetries(index);
+  if (phase == FilePhase::kCompleted || phase == FilePhase::kFailed) {
+    moveFile(group, index, FilePhase::kWaiting);
+  }
+  if (options_.measuresSources) {
+    unmeasured_.push_back({group.id(), index});
+  } else {
+    group.setSize(index, spec.size);
+  }
+}
+
+void CTransferEngine::dequeueFiles(std::int32_t groupId, const std::vector<std::string>& fileIds) {
+  {
+    const std::lock_guard lock(mutex_);
+    CTransferGroup* group = find(groupId);
+    if (group == nullptr || group->cancelled()) {
+      return;
+    }
+    for (const std::string& fileId : fileIds) {
+      const auto index = store_.find(groupId, fileId);
+      if (!index) {
+        continue;
+      }
+      const auto job = std::find_if(jobs_.begin(), jobs_.end(), [&](const auto& entry) {
+        return entry.second.file.groupId == groupId && entry.second.file.index == *index;
+      });
+      if (job != jobs_.end()) {
+        stops_.push_back(job->first);
+        endJob(job, *group);
+      }
+      group->changePhase(*index, FilePhase::kRemoved);
+      store_.remove({groupId, *index});
+    }
+    reporter_.group(*group, clock_.now());
+  }
+  wake_();
+}
+
+void CTransferEngine::setMarked(std::int32_t groupId, bool marked) {
+  const std::lock_guard lock(mutex_);
+  if (CTransferGroup* group = find(groupId)) {
+    group->setMarked(marked);
+    reporter_.group(*group, clock_.now());
+  }
+}
+
+void CTransferEngine::pauseGroup(std::int32_t groupId) {
+  {
+    const std::lock_guard lock(mutex_);
+    CTransferGroup* group = find(groupId);
+    if (group == nullptr || group->cancelled()) {
+      return;
+    }
+    group->setPaused(true);
+    stopJobs(*group, FilePhase::kPaused);
+    for (const std::uint32_t index : group->backingOff()) {
+      moveFile(*group, index, FilePhase::kPaused);
+    }
+    reporter_.group(*group, clock_.now());
+  }
+  wake_();
+}
+
+void CTransferEngine::resumeGroup(std::int32_t groupId) {
+  {
+    const std::lock_guard lock(mutex_);
+    CTransferGroup* group = find(groupId);
+    if (group == nullptr || group->cancelled()) {
+      return;
+    }
+    group->setPaused(false);
+    group->pace.notBefore = TimePoint{};
+    group->pace.troubles = 0;
+    for (const std::uint32_t index : group->takePaused()) {
+      if (group->file(index).phase == FilePhase::kPaused) {
+        moveFile(*group, index, FilePhase::kWaiting);
+      }
+    }
+    for (const std::uint32_t index : group->takeFailed()) {
+      if (group->file(index).phase == FilePhase::kFailed) {
+        group->forgetRetries(index);
+        moveFile(*group, index, FilePhase::kWaiting);
+      }
+    }
+    list(*group);
+    reporter_.group(*group, clock_.now());
+  }
+  wake_();
+}
+
+void CTransferEngine::cancelGroup(std::int32_t groupId) {
+  {
+    const std::lock_guard lock(mutex_);
+    CTransferGroup* group = find(groupId);
+    if (group == nullptr || group->cancelled()) {
+      return;
+    }
+    stopJobs(*group, std::nullopt);
+    group->setCancelled();
+    store_.removeGroup(groupId);
+    reporter_.group(*group, clock_.now());
+  }
+  wake_();
+}
+
+void CTransferEngine::setSettings(const Settings& settings) {
+  {
+    const std::lock_guard lock(mutex_);
+    settings_ = settings;
+  }
+  wake_();
+}
+
+void CTransferEngine::start() {
+  {
+    const std::lock_guard lock(mutex_);
+    running_ = true;
+    reporter_.setRunning(true);
+    for (auto entry = groups_.begin(); entry != groups_.end();) {
+      if (entry->second->cancelled()) {
+        reporter_.forget(entry->first);
+        entry = groups_.erase(entry);
+        continue;
+      }
+      list(*entry->second);
+      reporter_.groupAnew(*entry->second, clock_.now());
+      ++entry;
+    }
+  }
+  wake_();
+}
+
+void CTransferEngine::stop() {
+  const std::lock_guard lock(mutex_);
+  running_ = false;
+  reporter_.setRunning(false);
+  for (auto& [id, group] : groups_) {
+    stopJobs(*group, FilePhase::kWaiting);
+    for (const std::uint32_t index : group->backingOff()) {
+      group->changePhase(index, FilePhase::kWaiting);
+    }
+    group->pace = {};
+  }
+  stops_.clear();
+  schedule_.clearRound();
+  schedule_.clearDues();
+}
+
+CTransferEngine::Work CTransferEngine::takeWork() {
+  Work work = decideWork(events_.congested());
+  for (const std::string& failure : work.failures) {
+    log_.error(failure);
+  }
+  return work;
+}
+
+CTransferEngine::Work CTransferEngine::decideWork(bool congested) {
+  const std::lock_guard lock(mutex_);
+  Work work;
+  work.stops = std::exchange(stops_, {});
+  if (!running_) {
+    return work;
+  }
+  wakeRetries();
+  if (!congested) {
+    startReady(work);
+  }
+  if (!work.nextDue) {
+    work.nextDue = schedule_.nextDue();
+  }
+  return work;
+}
+
+void CTransferEngine::wakeRetries() {
+  const TimePoint now = clock_.now();
+  while (const auto due = schedule_.takeDue(now)) {
+    CTransferGroup* group = find(due->file.groupId);
+    if (group == nullptr || group->cancelled()) {
+      continue;
+    }
+    if (!due->wholeGroup && group->file(due->file.index).phase == FilePhase::kBackingOff) {
+      group->changePhase(due->file.index, FilePhase::kWaiting);
+    }
+    list(*group);
+  }
+}
+
+void CTransferEngine::startReady(Work& work) {
+  const std::size_t most = std::max<std::uint32_t>(settings_.maxConcurrent, 1);
+  const TimePoint now = clock_.now();
+  for (int starts = 0; jobs_.size() < most; ++starts) {
+    if (starts == kStartsAtOnce) {
+      work.nextDue = now;
+      return;
+    }
+    const auto groupId = schedule_.takeFromRound();
+    if (!groupId) {
+      return;
+    }
+    CTransferGroup* group = find(*groupId);
+    if (group == nullptr) {
+      continue;
+    }
+    group->pace.listed = false;
+    if (group->paused() || group->cancelled()) {
+      continue;
+    }
+    if (group->pace.notBefore > now) {
+      schedule_.addDue({group->pace.notBefore, {*groupId, 0}, true});
+      continue;
+    }
+    if (startNext(*group, work)) {
+      list(*group);
+    }
+  }
+}
+
+// Begins the group's next file; false when none waits.
+bool CTransferEngine::startNext(CTransferGroup& group, Work& work) {
+  const auto index = group.takeWaiting();
+  if (!index) {
+    return false;
+  }
+  if (tokenExpired(group)) {
+    work.failures.push_back(fileText(group, *index) + ": failed: the group's token has expired");
+    moveFile(group, *index, FilePhase::kFailed);
+    reporter_.group(group, clock_.now());
+    return true;
+  }
+  StartOrder order;
+  order.job = ++lastJob_;
+  order.file = {group.id(), *index};
+  order.spec = store_.spec(order.file);
+  order.verify = settings_.verify;
+  order.proxy = settings_.proxy;
+  order.progress = std::make_shared<JobProgress>();
+  Job job;
+  job.file = order.file;
+  job.progress = order.progress;
+  job.toldAt = clock_.now();
+  jobs_.emplace(order.job, std::move(job));
+  moveFile(group, *index, FilePhase::kRunning);
+  reporter_.group(group, clock_.now());
+  work.starts.push_back(std::move(order));
+  return true;
+}
+
+bool CTransferEngine::tokenExpired(const CTransferGroup& group) const {
+  const std::uint64_t expires = group.identity().tokenExpires;
+  return expires != 0 && static_cast<std::uint64_t>(clock_.secondsSince1970()) >= expires;
+}
+
+void CTransferEngine::onAttemptDone(JobId id, const AttemptOutcome& outcome) {
+  std::string message;
+  {
+    const std::lock_guard lock(mutex_);
+    const auto job = jobs_.find(id);
+    if (job == jobs_.end()) {
+      return;  // stopped in the meantime
+    }
+    const FileRef file = job->second.file;
+    CTransferGroup& group = *groups_.at(file.groupId);
+    fold(id, job->second, group, clock_.now());
+    endJob(job, group);
+    message = settle(group, file.index, outcome);
+    list(group);
+    reporter_.group(group, clock_.now());
+  }
+  const bool done = outcome.kind == AttemptOutcome::Kind::kDone;
+  log_.write(done ? ILog::Priority::kInformation : ILog::Priority::kWarning, message);
+}
+
+// Moves the file on by the attempt's outcome and gives the line for the log.
+std::string CTransferEngine::settle(CTransferGroup& group, std::uint32_t index,
+                                    const AttemptOutcome& outcome) {
+  if (outcome.kind == AttemptOutcome::Kind::kDone) {
+    group.pace.troubles = 0;
+    moveFile(group, index, FilePhase::kCompleted);
+    return fileText(group, index) + ": completed";
+  }
+  const bool again = outcome.kind == AttemptOutcome::Kind::kRetry &&
+                     group.file(index).retries < settings_.maxRetries;
+  if (again) {
+    return scheduleRetry(group, index, outcome);
+  }
+  moveFile(group, index, FilePhase::kFailed);
+  const std::string after =
+      outcome.kind == AttemptOutcome::Kind::kRetry
+          ? " after " + std::to_string(group.file(index).retries + 1) + " attempts"
+          : "";
+  return fileText(group, index) + ": failed" + after + ": " + outcome.reason;
+}
+
+std::string CTransferEngine::scheduleRetry(CTransferGroup& group, std::uint32_t index,
+                                           const AttemptOutcome& outcome) {
+  const TimePoint now = clock_.now();
+  const auto jitter = [this] { return std::generate_canonical<double, 24>(random_); };
+  group.countRetry(index);
+  const std::uint32_t retry = group.file(index).retries;
+  const auto delay = backoffDelay(options_.backoff, retry, jitter(), outcome.retryAfter);
+  if (outcome.sharedTrouble && group.pace.notBefore <= now) {
+    ++group.pace.troubles;
+    group.pace.notBefore =
+        now + backoffDelay(options_.backoff, group.pace.troubles, jitter(), outcome.retryAfter);
+  }
+  moveFile(group, index, FilePhase::kBackingOff);
+  schedule_.addDue({now + delay, {group.id(), index}, false});
+  char wait[32];
+  std::snprintf(wait, sizeof wait, "%.1f", seconds(delay));
+  return fileText(group, index) + ": attempt " + std::to_string(retry) + " of " +
+         std::to_string(settings_.maxRetries + 1) + " failed, next in " + wait +
+         " s: " + outcome.reason;
+}
+
+bool CTransferEngine::collectProgress() {
+  const std::lock_guard lock(mutex_);
+  const TimePoint now = clock_.now();
+  for (auto& [id, job] : jobs_) {
+    CTransferGroup& group = *groups_.at(job.file.groupId);
+    fold(id, job, group, now);
+    if (job.counted != job.told && now - job.toldAt >= CReporter::kInterval) {
+      job.told = job.counted;
+      job.toldAt = now;
+      reporter_.file(fileState(group, job.file.index));
+    }
+  }
+  reporter_.tellDue(
+      [this](std::int32_t groupId) { return static_cast<const CTransferGroup*>(find(groupId)); },
+      now);
+  return !jobs_.empty() || reporter_.hasDue();
+}
+
+// Takes what the attempt has got done since the last time into the group's counters.
+void CTransferEngine::fold(const JobId& /*id*/, Job& job, CTransferGroup& group, TimePoint now) {
+  const std::uint64_t size = job.progress->size.load(std::memory_order_relaxed);
+  if (size != JobProgress::kUnknown && size != group.file(job.file.index).size) {
+    group.setSize(job.file.index, size);
+    reporter_.group(group, now);
+  }
+  const std::uint64_t bytes = std::min(job.progress->bytes.load(std::memory_order_relaxed),
+                                       group.file(job.file.index).size);
+  if (bytes == job.counted) {
+    return;
+  }
+  group.removeInFlight(job.counted);
+  group.addInFlight(bytes);
+  if (bytes > job.counted) {
+    group.measureRate(bytes - job.counted, now);
+    job.rate.add(bytes - job.counted, now);
+  }
+  job.counted = bytes;
+  reporter_.group(group, now);
+}
+
+std::vector<CTransferEngine::Unmeasured> CTransferEngine::takeUnmeasured(std::size_t limit) {
+  const std::lock_guard lock(mutex_);
+  std::vector<Unmeasured> files;
+  while (files.size() < limit && !unmeasured_.empty()) {
+    const FileRef file = unmeasured_.front();
+    unmeasured_.pop_front();
+    const CTransferGroup* group = find(file.groupId);
+    if (group != nullptr && !group->cancelled() &&
+        group->file(file.index).phase == FilePhase::kWaiting) {
+      files.push_back({file, store_.place(file)});
+    }
+  }
+  return files;
+}
+
+bool CTransferEngine::hasUnmeasured() const {
+  const std::lock_guard lock(mutex_);
+  return !unmeasured_.empty();
+}
+
+void CTransferEngine::applySizes(const std::vector<Measured>& sizes) {
+  const std::lock_guard lock(mutex_);
+  const TimePoint now = clock_.now();
+  CTransferGroup* touched = nullptr;
+  for (const auto& [file, size] : sizes) {
+    CTransferGroup* group = find(file.groupId);
+    if (touched != nullptr && touched != group) {
+      reporter_.group(*touched, now);
+    }
+    touched = group;
+    // A file that was begun meanwhile knows better.
+    if (group != nullptr && group->file(file.index).phase == FilePhase::kWaiting) {
+      group->setSize(file.index, size);
+    }
+  }
+  if (touched != nullptr) {
+    reporter_.group(*touched, now);
+  }
+}
+
+CTransferGroup* CTransferEngine::find(std::int32_t groupId) {
+  const auto found = groups_.find(groupId);
+  return found == groups_.end() ? nullptr : found->second.get();
+}
+
+void CTransferEngine::moveFile(CTransferGroup& group, std::uint32_t index, FilePhase to) {
+  group.changePhase(index, to);
+  reporter_.file(fileState(group, index));
+}
+
+void CTransferEngine::endJob(JobTable::iterator job, CTransferGroup& group) {
+  group.removeInFlight(job->second.counted);
+  jobs_.erase(job);
+}
+
+// Stops what runs of the group; its files go on to `then`, or stay as they are.
+void CTransferEngine::stopJobs(CTransferGroup& group, std::optional<FilePhase> then) {
+  for (auto job = jobs_.begin(); job != jobs_.end();) {
+    const auto current = job++;
+    const FileRef file = current->second.file;
+    if (file.groupId != group.id()) {
+      continue;
+    }
+    stops_.push_back(current->first);
+    endJob(current, group);
+    if (then) {
+      moveFile(group, file.index, *then);
+    }
+  }
+}
+
+FileState CTransferEngine::fileState(const CTransferGroup& group, std::uint32_t index) const {
+  const FileSlot& slot = group.file(index);
+  FileState state;
+  state.groupId = group.id();
+  state.bucketId = group.identity().bucketId;
+  state.fileId = store_.fileId({group.id(), index});
+  state.state = publicState(slot.phase);
+  state.bytesTotal = slot.size;
+  if (slot.phase == FilePhase::kCompleted) {
+    state.bytesTransferred = slot.size;
+    state.percentTransferred = 100.0F;
+  } else if (slot.phase == FilePhase::kRunning) {
+    for (const auto& [id, job] : jobs_) {
+      if (job.file.groupId == group.id() && job.file.index == index) {
+        state.bytesTransferred = job.counted;
+        state.bytesTransferredPerSecond = job.rate.bytesPerSecond(clock_.now());
+      }
+    }
+    if (slot.size != 0) {
+      state.percentTransferred = static_cast<float>(
+          100.0 * static_cast<double>(state.bytesTransferred) / static_cast<double>(slot.size));
+    }
+  }
+  return state;
+}
+
+void CTransferEngine::list(CTransferGroup& group) {
+  if (!group.pace.listed && running_ && group.count(FilePhase::kWaiting) != 0) {
+    group.pace.listed = true;
+    schedule_.addToRound(group.id());
+  }
+}
+
+std::string CTransferEngine::fileText(const CTransferGroup& group, std::uint32_t index) const {
+  const FileSpec spec = store_.spec({group.id(), index});
+  return options_.activity + " of file " + spec.fileId + " of group " + std::to_string(group.id()) +
+         " (" + loggableUrl(spec.url) + ")";
+}
+
+}  // namespace zt_transfers

@@ -1,0 +1,148 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "engine/attempt.h"
+#include "engine/job_table.h"
+#include "engine/queue_store.h"
+#include "engine/reporter.h"
+#include "engine/schedule.h"
+#include "engine/transfer_group.h"
+#include "log/log.h"
+#include "pace/backoff.h"
+
+namespace zt_transfers {
+
+// The heart of a manager: knows all groups and files, decides which file is to be begun or
+// stopped when, and what is told to the program. It does no input or output itself: the network
+// thread asks it for work and tells it results.
+//
+// Thread: any; one mutex guards all of it and is never held while anything foreign is called,
+// except for the queue store and the event queue, which call nobody.
+class CTransferEngine final : public IAttemptObserver {
+ public:
+  struct Options {
+    std::string activity = "upload";  // for the log
+    bool needsMark = true;            // see CTransferGroup
+    bool measuresSources = true;      // sizes are found on this machine, see takeUnmeasured
+    BackoffPolicy backoff{};
+  };
+  struct Settings {
+    std::uint32_t maxConcurrent = 8;  // 0 counts as 1
+    std::uint32_t maxRetries = 5;
+    bool verify = true;
+    std::string proxy;
+  };
+  // What the network thread is to do now, in this order.
+  struct Work {
+    std::vector<JobId> stops;
+    std::vector<StartOrder> starts;
+    std::vector<std::string> failures;  // lines for the log, written already
+    std::optional<TimePoint> nextDue;   // when to ask again, without another reason to
+  };
+  struct Unmeasured {
+    FileRef file;
+    std::string place;
+  };
+  struct Measured {
+    FileRef file;
+    std::uint64_t size = 0;
+  };
+
+  // All must outlive the engine.
+  struct Surroundings {
+    const IClock& clock;
+    IQueueStore& store;
+    CEventQueue& events;
+    ILog& log;
+  };
+
+  CTransferEngine(Options options, const Surroundings& surroundings);
+
+  // Called, unlocked and from any thread, when there may be work. Set before anything else.
+  void setWake(std::function<void()> wake) { wake_ = std::move(wake); }
+
+  // For the program; see the managers' headers.
+  std::int32_t createGroup(GroupIdentity identity);
+  std::vector<GroupSnapshot> groups() const;
+  std::optional<GroupSnapshot> group(std::int32_t groupId) const;
+  void queueFiles(std::int32_t groupId, const std::vector<FileSpec>& specs);
+  void dequeueFiles(std::int32_t groupId, const std::vector<std::string>& fileIds);
+  void setMarked(std::int32_t groupId, bool marked);
+  void pauseGroup(std::int32_t groupId);
+  void resumeGroup(std::int32_t groupId);
+  void cancelGroup(std::int32_t groupId);
+  void setSettings(const Settings& settings);
+
+  // Cancelled groups leave, all others are reported once.
+  void start();
+  // Call it when no attempt runs any more. Files that were under way wait again; no event
+  // follows.
+  void stop();
+
+  // For the network thread.
+  Work takeWork();
+  void onAttemptDone(JobId job, const AttemptOutcome& outcome) override;
+
+  // For the thread that reports: adds progress that is due to the events; false when nothing is
+  // under way that could make progress.
+  bool collectProgress();
+
+  // For the pool: up to `limit` files whose size is not known yet, and what was found.
+  std::vector<Unmeasured> takeUnmeasured(std::size_t limit);
+  bool hasUnmeasured() const;
+  void applySizes(const std::vector<Measured>& sizes);
+
+ private:
+  CTransferGroup* find(std::int32_t groupId);
+  void queueFile(CTransferGroup& group, const FileSpec& spec);
+  void requeueFile(CTransferGroup& group, std::uint32_t index, const FileSpec& spec);
+  void moveFile(CTransferGroup& group, std::uint32_t index, FilePhase to);
+  void endJob(JobTable::iterator job, CTransferGroup& group);
+  void stopJobs(CTransferGroup& group, std::optional<FilePhase> then);
+  Work decideWork(bool congested);
+  void startReady(Work& work);
+  bool startNext(CTransferGroup& group, Work& work);
+  bool tokenExpired(const CTransferGroup& group) const;
+  std::string settle(CTransferGroup& group, std::uint32_t index, const AttemptOutcome& outcome);
+  std::string scheduleRetry(CTransferGroup& group, std::uint32_t index,
+                            const AttemptOutcome& outcome);
+  void wakeRetries();
+  void fold(const JobId& id, Job& job, CTransferGroup& group, TimePoint now);
+  FileState fileState(const CTransferGroup& group, std::uint32_t index) const;
+  void list(CTransferGroup& group);
+  std::string fileText(const CTransferGroup& group, std::uint32_t index) const;
+
+  // Constant after construction.
+  const Options options_;
+  const IClock& clock_;
+  IQueueStore& store_;
+  CEventQueue& events_;
+  ILog& log_;
+  std::function<void()> wake_;
+
+  mutable std::mutex mutex_;
+  // Guarded by mutex_.
+  Settings settings_;
+  bool running_ = false;
+  std::int32_t lastGroupId_ = 0;
+  JobId lastJob_ = 0;
+  std::map<std::int32_t, std::unique_ptr<CTransferGroup>> groups_;
+  JobTable jobs_;
+  std::vector<JobId> stops_;
+  CSchedule schedule_;
+  std::deque<FileRef> unmeasured_;
+  CReporter reporter_;
+  std::minstd_rand random_;
+};
+
+}  // namespace zt_transfers

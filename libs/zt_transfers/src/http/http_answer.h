@@ -1,0 +1,31 @@
+#pragma once
+
+#include <curl/curl.h>
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace zt_transfers {
+
+// What came back for a request.
+struct HttpAnswer {
+  static constexpr std::size_t kBodyLimit = 64 * 1024;  // bytes kept of an answer's body
+
+  CURLcode code = CURLE_OK;  // anything else: no whole answer came
+  std::string error;         // what libcurl says about `code`
+  bool stalled = false;      // given up because nothing moved
+  long status = 0;
+  std::map<std::string, std::string, std::less<>> headers;  // names in lower case
+  std::string body;                                         // its beginning
+  std::uint64_t bytesSent = 0;                              // of the request's body
+
+  // Empty when there is none.
+  std::string_view header(std::string_view lowerCaseName) const {
+    const auto found = headers.find(lowerCaseName);
+    return found == headers.end() ? std::string_view() : std::string_view(found->second);
+  }
+};
+
+}  // namespace zt_transfers

@@ -1,0 +1,199 @@
+#include "http/http_exchange.h"
+
+#include <algorithm>
+#include <array>
+#include <stdexcept>
+
+#include "text/ascii.h"
+
+namespace zt_transfers {
+namespace {
+
+constexpr long kLargeUploadBuffer = 256L * 1024;
+
+// From here on it is worth to ask first whether the server wants the body at all: one that
+// refuses in the middle cuts the connection, and its answer can get lost.
+constexpr std::uint64_t kAskFirstFrom = 8 * 1024 * 1024;
+constexpr long kAskFirstLimit = 500;  // milliseconds; for servers that do not answer the question
+
+// These are libcurl's to set; another value would contradict what is sent.
+bool belongsToTransport(std::string_view name) {
+  constexpr std::array<std::string_view, 4> kNames{"content-length", "transfer-encoding", "expect",
+                                                   "connection"};
+  return std::any_of(kNames.begin(), kNames.end(),
+                     [name](std::string_view known) { return equalsIgnoringCase(name, known); });
+}
+
+bool isHeaderName(std::string_view name) {
+  constexpr std::string_view kTokenMarks = "!#$%&'*+-.^_`|~";
+  return !name.empty() && std::all_of(name.begin(), name.end(), [&](char character) {
+    const char lower = lowerAscii(character);
+    return (lower >= 'a' && lower <= 'z') || (lower >= '0' && lower <= '9') ||
+           kTokenMarks.find(character) != std::string_view::npos;
+  });
+}
+
+bool isHeaderValue(std::string_view value) {
+  return std::none_of(value.begin(), value.end(), [](char character) {
+    const auto byte = static_cast<unsigned char>(character);
+    return (byte < 0x20 && byte != '\t') || byte == 0x7F;
+  });
+}
+
+}  // namespace
+
+CHttpExchange::CHttpExchange(CHttpLoop& loop, const HttpRequest& request, IHttpBody& body,
+                             Done done)
+    : loop_(loop), body_(body), done_(std::move(done)) {
+  loop_.assertOnLoop();
+  setUpHeaders(request);
+  easy_ = loop_.takeEasy();
+  setUp(request);
+  movedAt_ = loop_.clock().now();
+  loop_.add(*this);
+}
+
+CHttpExchange::~CHttpExchange() {
+  loop_.assertOnLoop();
+  loop_.remove(*this);
+  loop_.giveBack(std::move(easy_));
+}
+
+void CHttpExchange::setUpHeaders(const HttpRequest& request) {
+  for (const auto& [name, value] : request.headers) {
+    if (!isHeaderName(name) || !isHeaderValue(value)) {
+      throw std::invalid_argument("a header of the request is malformed");
+    }
+    if (belongsToTransport(name)) {
+      continue;
+    }
+    // libcurl's form of a header without a value ends in a semicolon.
+    const std::string_view text = trimmed(value);
+    append(headers_, (text.empty() ? name + ";" : name + ": " + std::string(text)).c_str());
+  }
+  if (request.bodySize < kAskFirstFrom) {
+    append(headers_, "Expect:");
+  }
+}
+
+void CHttpExchange::setUp(const HttpRequest& request) {
+  CURL* easy = easy_.get();
+  const auto set = [easy](CURLoption option, auto value) {
+    if (curl_easy_setopt(easy, option, value) == CURLE_OUT_OF_MEMORY) {
+      throw std::bad_alloc();
+    }
+  };
+  set(CURLOPT_URL, request.url.c_str());
+  set(CURLOPT_PROTOCOLS_STR, "http,https");
+  set(CURLOPT_UPLOAD, 1L);
+  set(CURLOPT_CUSTOMREQUEST, request.method.c_str());
+  set(CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(request.bodySize));
+  set(CURLOPT_HTTPHEADER, headers_.get());
+  set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
+  set(CURLOPT_FOLLOWLOCATION, 0L);
+  set(CURLOPT_NOSIGNAL, 1L);
+  set(CURLOPT_NOPROGRESS, 1L);
+  set(CURLOPT_QUICK_EXIT, 1L);
+  set(CURLOPT_EXPECT_100_TIMEOUT_MS, kAskFirstLimit);
+  set(CURLOPT_CONNECTTIMEOUT, static_cast<long>(kConnectLimit.count()));
+  set(CURLOPT_ERRORBUFFER, &errorText_[0]);
+  set(CURLOPT_READFUNCTION, &CHttpExchange::readBody);
+  set(CURLOPT_READDATA, this);
+  set(CURLOPT_SEEKFUNCTION, &CHttpExchange::seekBody);
+  set(CURLOPT_SEEKDATA, this);
+  set(CURLOPT_HEADERFUNCTION, &CHttpExchange::takeHeader);
+  set(CURLOPT_HEADERDATA, this);
+  set(CURLOPT_WRITEFUNCTION, &CHttpExchange::takeBody);
+  set(CURLOPT_WRITEDATA, this);
+  if (request.bodySize > static_cast<std::uint64_t>(kLargeUploadBuffer)) {
+    set(CURLOPT_UPLOAD_BUFFERSIZE, kLargeUploadBuffer);
+  }
+  if (!request.userAgent.empty()) {
+    set(CURLOPT_USERAGENT, request.userAgent.c_str());
+  }
+  if (!request.proxy.empty()) {
+    set(CURLOPT_PROXY, request.proxy.c_str());
+  }
+}
+
+void CHttpExchange::resumeBody() {
+  loop_.assertOnLoop();
+  if (bodyPaused_) {
+    bodyPaused_ = false;
+    movedAt_ = loop_.clock().now();
+    curl_easy_pause(easy_.get(), CURLPAUSE_CONT);
+  }
+}
+
+void CHttpExchange::finish(CURLcode code) {
+  answer_.code = code;
+  answer_.error = errorText_[0] != '\0' ? errorText_ : curl_easy_strerror(code);
+  curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &answer_.status);
+  curl_off_t sent = 0;
+  curl_easy_getinfo(easy_.get(), CURLINFO_SIZE_UPLOAD_T, &sent);
+  answer_.bytesSent = static_cast<std::uint64_t>(sent);
+  // Moved out first, as the receiver may destroy this exchange.
+  const Done done = std::move(done_);
+  done(std::move(answer_));
+}
+
+// Whether nothing has moved for too long, and not because this side holds its bytes back.
+bool CHttpExchange::stalledAt(TimePoint now) {
+  curl_off_t sent = 0;
+  curl_off_t received = 0;
+  curl_easy_getinfo(easy_.get(), CURLINFO_SIZE_UPLOAD_T, &sent);
+  curl_easy_getinfo(easy_.get(), CURLINFO_SIZE_DOWNLOAD_T, &received);
+  const auto moved = static_cast<std::uint64_t>(sent + received);
+  if (moved != movedBytes_ || bodyPaused_) {
+    movedBytes_ = moved;
+    movedAt_ = now;
+  }
+  answer_.stalled = now - movedAt_ > kStallLimit;
+  return answer_.stalled;
+}
+
+void CHttpExchange::takeHeaderLine(std::string_view line) {
+  if (startsWithIgnoringCase(line, "HTTP/")) {
+    answer_.headers.clear();  // an interim answer came before
+    return;
+  }
+  const auto colon = line.find(':');
+  if (colon != std::string_view::npos) {
+    answer_.headers[loweredAscii(trimmed(line.substr(0, colon)))] =
+        std::string(trimmed(line.substr(colon + 1)));
+  }
+}
+
+std::size_t CHttpExchange::readBody(char* to, std::size_t size, std::size_t count, void* self) {
+  auto& exchange = *static_cast<CHttpExchange*>(self);
+  std::size_t copied = 0;
+  switch (exchange.body_.read(to, size * count, copied)) {
+    case IHttpBody::Read::kData:
+      return copied;
+    case IHttpBody::Read::kLater:
+      exchange.bodyPaused_ = true;
+      return CURL_READFUNC_PAUSE;
+    default:
+      return CURL_READFUNC_ABORT;
+  }
+}
+
+int CHttpExchange::seekBody(void* self, curl_off_t offset, int origin) {
+  auto& exchange = *static_cast<CHttpExchange*>(self);
+  const bool toBegin = offset == 0 && origin == SEEK_SET;
+  return toBegin && exchange.body_.rewind() ? CURL_SEEKFUNC_OK : CURL_SEEKFUNC_FAIL;
+}
+
+std::size_t CHttpExchange::takeHeader(char* data, std::size_t size, std::size_t count, void* self) {
+  static_cast<CHttpExchange*>(self)->takeHeaderLine({data, size * count});
+  return size * count;
+}
+
+std::size_t CHttpExchange::takeBody(char* data, std::size_t size, std::size_t count, void* self) {
+  std::string& body = static_cast<CHttpExchange*>(self)->answer_.body;
+  const std::size_t room = HttpAnswer::kBodyLimit - std::min(HttpAnswer::kBodyLimit, body.size());
+  body.append(data, std::min(room, size * count));
+  return size * count;
+}
+
+}  // namespace zt_transfers

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "http/curl_handles.h"
+#include "http/http_answer.h"
+#include "http/http_loop.h"
+
+namespace zt_transfers {
+
+struct HttpRequest {
+  std::string method = "PUT";
+  std::string url;
+  std::vector<std::pair<std::string, std::string>> headers;
+  std::uint64_t bodySize = 0;  // bytes; always sent as Content-Length
+  std::string proxy;           // empty: the system's
+  std::string userAgent;
+};
+
+// Where a request's body comes from. Thread: the loop's.
+class IHttpBody {
+ public:
+  enum class Read { kData, kLater, kBroken };
+
+  // Copies up to `room` bytes to `to` and gives their number in `copied`. After kLater the body
+  // calls CHttpExchange::resumeBody when it has more; kBroken ends the exchange.
+  virtual Read read(char* to, std::size_t room, std::size_t& copied) = 0;
+  // Begins again from the first byte, if it can: libcurl needs that when a connection that was
+  // kept open turns out to be dead.
+  virtual bool rewind() = 0;
+
+ protected:
+  ~IHttpBody() = default;
+};
+
+// One request and its answer. Destroying it before the answer ends it silently.
+//
+// Thread: the loop's. `done` is called from the loop, never from within begin, and may destroy
+// the exchange.
+class CHttpExchange {
+ public:
+  using Done = std::function<void(HttpAnswer)>;
+
+  static constexpr std::chrono::seconds kConnectLimit{30};
+  static constexpr std::chrono::seconds kStallLimit{60};
+
+  // `body` must outlive the exchange. Throws std::invalid_argument for a request that cannot be
+  // sent (a header that is none).
+  CHttpExchange(CHttpLoop& loop, const HttpRequest& request, IHttpBody& body, Done done);
+  ~CHttpExchange();
+  CHttpExchange(const CHttpExchange&) = delete;
+  CHttpExchange& operator=(const CHttpExchange&) = delete;
+
+  void resumeBody();
+
+  // For CHttpLoop.
+  CURL* easy() const { return easy_.get(); }
+  void finish(CURLcode code);
+  bool stalledAt(TimePoint now);
+
+ private:
+  void setUp(const HttpRequest& request);
+  void setUpHeaders(const HttpRequest& request);
+  void takeHeaderLine(std::string_view line);
+
+  static std::size_t readBody(char* to, std::size_t size, std::size_t count, void* self);
+  static int seekBody(void* self, curl_off_t offset, int origin);
+  static std::size_t takeHeader(char* data, std::size_t size, std::size_t count, void* self);
+  static std::size_t takeBody(char* data, std::size_t size, std::size_t count, void* self);
+
+  CHttpLoop& loop_;
+  IHttpBody& body_;
+  Done done_;
+  CurlEasy easy_;
+  CurlList headers_;
+  HttpAnswer answer_;
+  char errorText_[CURL_ERROR_SIZE] = "";
+  bool bodyPaused_ = false;
+  std::uint64_t movedBytes_ = 0;
+  TimePoint movedAt_{};
+};
+
+}  // namespace zt_transfers

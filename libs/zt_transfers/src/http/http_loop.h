@@ -1,0 +1,81 @@
+#pragma once
+
+#include <curl/curl.h>
+
+#include <atomic>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <set>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "http/curl_handles.h"
+#include "http/throttle.h"
+#include "pace/clock.h"
+
+namespace zt_transfers {
+
+class CHttpExchange;
+
+// One thread that carries HTTP exchanges over libcurl's multi interface, whose connections they
+// share.
+//
+// Thread: start and stop by the owner; post and wake from any thread; everything
+// else on the loop's own thread, on which posted tasks and all answers run.
+class CHttpLoop {
+ public:
+  // Called once a turn; gives the time at which it wants another one at the latest.
+  using Turn = std::function<std::optional<TimePoint>()>;
+
+  CHttpLoop(std::string name, const IClock& clock);
+  ~CHttpLoop() { stop(); }
+  CHttpLoop(const CHttpLoop&) = delete;
+  CHttpLoop& operator=(const CHttpLoop&) = delete;
+
+  // `last` runs on the loop's thread when it ends; after it no exchange may be left.
+  void start(Turn turn, std::function<void()> last);
+  // Joins the thread. Tasks that were posted and not run are dropped.
+  void stop();
+
+  void wake();
+  // Dropped when the loop does not run.
+  void post(std::function<void()> task);
+
+  void assertOnLoop() const;
+  CThrottle& throttle() { return throttle_; }
+  const IClock& clock() const { return clock_; }
+
+  // For CHttpExchange.
+  CurlEasy takeEasy();
+  void giveBack(CurlEasy easy);
+  void add(CHttpExchange& exchange);
+  void remove(CHttpExchange& exchange);
+
+ private:
+  void run(const Turn& turn);
+  bool runTasks();
+  bool finishExchanges();
+  void checkStalls(TimePoint now);
+  void waitForTraffic(std::optional<TimePoint> due, bool atOnce);
+
+  const std::string name_;
+  const IClock& clock_;
+  const CurlMulti multi_;
+  std::thread thread_;
+  std::atomic<std::thread::id> loopThread_{};
+
+  std::mutex mutex_;
+  // Guarded by mutex_.
+  std::vector<std::function<void()>> tasks_;
+  bool running_ = false;
+
+  // The loop's thread only.
+  CThrottle throttle_;
+  std::set<CHttpExchange*> exchanges_;
+  std::vector<CurlEasy> idle_;
+  TimePoint stallsChecked_{};
+};
+
+}  // namespace zt_transfers

@@ -1,0 +1,133 @@
+#include "manager/manager_core.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <thread>
+#include <utility>
+
+#include "log/transfer_log.h"
+#include "text/file_url.h"
+#include "zt_transfers/global_config.h"
+
+namespace zt_transfers {
+namespace {
+
+constexpr std::size_t kMeasuredAtOnce = 256;
+
+unsigned poolSize() {
+  return std::clamp(std::thread::hardware_concurrency(), 2U, 4U);
+}
+
+// 0 when it is not to be had; sending it will say why.
+std::uint64_t sizeOfSource(const std::string& url) {
+  const auto path = pathOfFileUrl(url);
+  struct stat status {};
+  if (!path || ::stat(path->c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    return 0;
+  }
+  return static_cast<std::uint64_t>(status.st_size);
+}
+
+std::vector<CTransferEngine::Measured> measured(
+    const std::vector<CTransferEngine::Unmeasured>& files) {
+  std::vector<CTransferEngine::Measured> sizes;
+  sizes.reserve(files.size());
+  for (const auto& [file, place] : files) {
+    sizes.push_back({file, sizeOfSource(place)});
+  }
+  return sizes;
+}
+
+}  // namespace
+
+void CManagerCore::CLateLog::open(const std::string& folder) {
+  log_ = folder.empty() ? nullptr : CTransferLog::inFolder(folder);
+}
+
+void CManagerCore::CLateLog::write(Priority priority, std::string_view message) noexcept {
+  if (log_) {
+    log_->write(priority, message);
+  }
+}
+
+CManagerCore::CManagerCore(Options options)
+    : options_(std::move(options)),
+      engine_(options_.engine, {.clock = clock_, .store = store_, .events = events_, .log = log_}),
+      pool_("zt-disk-" + options_.shortName),
+      loop_("zt-net-" + options_.shortName, clock_),
+      notifier_("zt-tell-" + options_.shortName, events_,
+                {.deliver = options_.deliver,
+                 .collectProgress = [this] { return engine_.collectProgress(); },
+                 .caughtUp = [this] { loop_.wake(); }}),
+      runner_(
+          options_.makeRunner({.loop = loop_, .pool = pool_, .log = log_, .observer = engine_})) {
+  engine_.setWake([this] { loop_.wake(); });
+}
+
+CManagerCore::~CManagerCore() {
+  shutdown();
+}
+
+void CManagerCore::configure(const CTransferManagerBase::Configuration& configuration) {
+  engine_.setSettings({.maxConcurrent = configuration.maxConcurrentTransfers,
+                       .maxRetries = configuration.maxTransferRetries,
+                       .verify = configuration.verifyUploads,
+                       .proxy = configuration.proxy});
+  throttle_ = configuration.throttleBytesPerSecond;
+  loop_.post([this, rate = throttle_] { loop_.throttle().setRate(rate, clock_.now()); });
+}
+
+void CManagerCore::startup() {
+  if (started_) {
+    return;
+  }
+  started_ = true;
+  log_.open(CZtTransfersGlobalConfig::getInstance()->appFilesPath());
+  log_.information("Starting " + options_.engine.activity + "s");
+  engine_.start();
+  notifier_.start();
+  pool_.start(poolSize());
+  loop_.start([this] { return turn(); }, [this] { runner_->stopAll(); });
+  loop_.post([this, rate = throttle_] { loop_.throttle().setRate(rate, clock_.now()); });
+}
+
+void CManagerCore::shutdown() {
+  if (!started_) {
+    return;
+  }
+  started_ = false;
+  loop_.stop();
+  pool_.stop();
+  measuring_ = false;
+  engine_.stop();
+  notifier_.stop();
+  log_.information("Stopped " + options_.engine.activity + "s");
+}
+
+std::optional<TimePoint> CManagerCore::turn() {
+  measureSources();
+  CTransferEngine::Work work = engine_.takeWork();
+  for (const JobId job : work.stops) {
+    runner_->stop(job);
+  }
+  for (StartOrder& order : work.starts) {
+    runner_->start(std::move(order));
+  }
+  // An attempt that cannot even begin has ended by now and made room for the next.
+  return work.starts.empty() ? work.nextDue : clock_.now();
+}
+
+// Lets the pool find sizes, one portion at a time so that transfers get their turn there.
+void CManagerCore::measureSources() {
+  if (measuring_ || !engine_.hasUnmeasured()) {
+    return;
+  }
+  measuring_ = true;
+  pool_.post([this] {
+    engine_.applySizes(measured(engine_.takeUnmeasured(kMeasuredAtOnce)));
+    loop_.post([this] { measuring_ = false; });
+  });
+}
+
+}  // namespace zt_transfers

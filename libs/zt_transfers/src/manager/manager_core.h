@@ -1,0 +1,79 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "engine/event_queue.h"
+#include "engine/memory_queue_store.h"
+#include "engine/transfer_engine.h"
+#include "http/http_loop.h"
+#include "log/log.h"
+#include "manager/notifier.h"
+#include "threads/worker_pool.h"
+#include "zt_transfers/transfer_manager_base.h"
+
+namespace zt_transfers {
+
+// What both managers are made of: the engine, its threads, and the wiring between them.
+//
+// Threads: one for the network ("zt-net-…"), one that tells events ("zt-tell-…"), and a pool
+// for files ("zt-disk-…"), all between startup and shutdown only.
+// Ownership: a manager owns one; the program's one thread calls all operations.
+class CManagerCore {
+ public:
+  struct RunnerParts {
+    CHttpLoop& loop;
+    CWorkerPool& pool;
+    ILog& log;
+    IAttemptObserver& observer;
+  };
+  struct Options {
+    std::string shortName;  // for thread names: "up", "down"
+    CTransferEngine::Options engine;
+    std::function<std::unique_ptr<IAttemptRunner>(const RunnerParts&)> makeRunner;
+    // Called on the telling thread.
+    std::function<void(const TransferEvent&)> deliver;
+  };
+
+  explicit CManagerCore(Options options);
+  ~CManagerCore();
+  CManagerCore(const CManagerCore&) = delete;
+  CManagerCore& operator=(const CManagerCore&) = delete;
+
+  CTransferEngine& engine() { return engine_; }
+  void configure(const CTransferManagerBase::Configuration& configuration);
+
+  void startup();
+  void shutdown();
+
+ private:
+  // Takes the log's place until the files path is known, which is at startup.
+  class CLateLog : public ILog {
+   public:
+    void open(const std::string& folder);
+    void write(Priority priority, std::string_view message) noexcept override;
+
+   private:
+    std::shared_ptr<ILog> log_;  // set while no other thread of the manager runs
+  };
+
+  std::optional<TimePoint> turn();
+  void measureSources();
+
+  const Options options_;
+  const CSystemClock clock_;
+  CLateLog log_;
+  CMemoryQueueStore store_;
+  CEventQueue events_;
+  CTransferEngine engine_;
+  CWorkerPool pool_;
+  CHttpLoop loop_;
+  CNotifier notifier_;
+  const std::unique_ptr<IAttemptRunner> runner_;
+  bool started_ = false;
+  std::uint64_t throttle_ = 0;
+  bool measuring_ = false;  // the network thread only
+};
+
+}  // namespace zt_transfers

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <string>
+#include <thread>
+
+#include "engine/event_queue.h"
+
+namespace zt_transfers {
+
+// The thread on which a manager tells the program its events. A program that takes its time
+// gets its progress reports less often and no event out of order; it holds up no transfer that
+// runs.
+//
+// Thread: start and stop by the owner.
+class CNotifier {
+ public:
+  struct Calls {
+    std::function<void(const TransferEvent&)> deliver;
+    // Adds progress that is due to the events; false when none is to be expected.
+    std::function<bool()> collectProgress;
+    // A long queue of events was worked off.
+    std::function<void()> caughtUp;
+  };
+
+  CNotifier(std::string name, CEventQueue& events, Calls calls);
+  ~CNotifier() { stop(); }
+  CNotifier(const CNotifier&) = delete;
+  CNotifier& operator=(const CNotifier&) = delete;
+
+  void start();
+  // Delivers what is queued, then joins the thread.
+  void stop();
+
+ private:
+  void run();
+
+  const std::string name_;
+  CEventQueue& events_;
+  const Calls calls_;
+  std::thread thread_;
+  std::atomic<bool> stopping_{false};
+};
+
+}  // namespace zt_transfers

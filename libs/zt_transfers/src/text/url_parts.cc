@@ -1,0 +1,72 @@
+#include "text/url_parts.h"
+
+#include "text/ascii.h"
+
+namespace zt_transfers {
+namespace {
+
+struct UrlPieces {
+  std::string_view scheme;
+  std::string_view authority;  // without user information
+  std::string_view path;       // without query and fragment
+};
+
+UrlPieces piecesOf(std::string_view url) {
+  UrlPieces pieces;
+  url = url.substr(0, url.find_first_of("?#"));
+  const auto schemeEnd = url.find("://");
+  if (schemeEnd == std::string_view::npos) {
+    pieces.path = url;
+    return pieces;
+  }
+  pieces.scheme = url.substr(0, schemeEnd);
+  url.remove_prefix(schemeEnd + 3);
+  const auto authorityEnd = url.find_first_of("/\\");
+  pieces.authority = url.substr(0, authorityEnd);
+  if (authorityEnd != std::string_view::npos) {
+    pieces.path = url.substr(authorityEnd);
+  }
+  const auto userEnd = pieces.authority.rfind('@');
+  if (userEnd != std::string_view::npos) {
+    pieces.authority.remove_prefix(userEnd + 1);
+  }
+  return pieces;
+}
+
+bool hasPort(std::string_view authority) {
+  const auto colon = authority.rfind(':');
+  const auto bracket = authority.rfind(']');
+  return colon != std::string_view::npos && (bracket == std::string_view::npos || colon > bracket);
+}
+
+}  // namespace
+
+std::string loggableUrl(std::string_view url) {
+  const UrlPieces pieces = piecesOf(url);
+  std::string text;
+  if (!pieces.scheme.empty()) {
+    text.append(pieces.scheme).append("://").append(pieces.authority);
+  }
+  text.append(pieces.path);
+  for (char& character : text) {
+    if (static_cast<unsigned char>(character) < 0x20 || character == 0x7F) {
+      character = '?';
+    }
+  }
+  return text;
+}
+
+std::string originOf(std::string_view url) {
+  const UrlPieces pieces = piecesOf(url);
+  const std::string scheme = loweredAscii(pieces.scheme);
+  if ((scheme != "http" && scheme != "https") || pieces.authority.empty()) {
+    return {};
+  }
+  std::string origin = scheme + "://" + loweredAscii(pieces.authority);
+  if (!hasPort(pieces.authority)) {
+    origin += scheme == "http" ? ":80" : ":443";
+  }
+  return origin;
+}
+
+}  // namespace zt_transfers

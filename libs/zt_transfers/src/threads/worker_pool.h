@@ -1,0 +1,44 @@
+#pragma once
+
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace zt_transfers {
+
+// A few threads for work that would hold up a network thread: reading, hashing, file status.
+// Jobs begin in the order in which they were posted.
+//
+// Thread: any, except that start and stop are called by the owner's thread only.
+class CWorkerPool {
+ public:
+  explicit CWorkerPool(std::string name) : name_(std::move(name)) {}
+  ~CWorkerPool() { stop(); }
+  CWorkerPool(const CWorkerPool&) = delete;
+  CWorkerPool& operator=(const CWorkerPool&) = delete;
+
+  void start(unsigned threads);
+  // Drops what has not begun, waits for what has.
+  void stop();
+
+  // `job` must not throw. Dropped when the pool does not run.
+  void post(std::function<void()> job);
+
+ private:
+  void run();
+
+  const std::string name_;
+  std::vector<std::thread> threads_;
+
+  std::mutex mutex_;
+  std::condition_variable posted_;
+  // Guarded by mutex_.
+  std::deque<std::function<void()>> jobs_;
+  bool running_ = false;
+};
+
+}  // namespace zt_transfers

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "http/http_exchange.h"
+#include "threads/worker_pool.h"
+#include "upload/source_reader.h"
+
+namespace zt_transfers {
+
+// A file on its way into a request: the pool reads ahead, the network thread takes what is there.
+//
+// Thread: the loop's, on which the listener is called, too. After close() no call follows.
+class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
+ public:
+  class IListener {
+   public:
+    // The file is open, its beginning is there.
+    virtual void onSourceOpened(std::uint64_t size) = 0;
+    // A read that gave nothing would give something now.
+    virtual void onSourceReady() = 0;
+    // The file cannot be sent; `reason` is for the log. May destroy the listener.
+    virtual void onSourceFailed(const std::string& reason) = 0;
+
+   protected:
+    ~IListener() = default;
+  };
+
+  CUploadSource(CHttpLoop& loop, CWorkerPool& pool, std::string path, bool hash,
+                IListener& listener);
+
+  void open();
+  void close() { listener_ = nullptr; }
+
+  // How many bytes can be taken now; 0: none yet, or none any more.
+  std::size_t available() const;
+  // Takes at most `room` bytes and gives their number.
+  std::size_t take(char* to, std::size_t room);
+  // Back to the first byte; only as long as the first chunk is the current one.
+  bool rewind();
+
+  // Of the whole file, once its last chunk was read; empty when not asked for.
+  const std::string& md5() const { return md5_; }
+
+ private:
+  struct Result {
+    bool opened = false;
+    std::uint64_t size = 0;
+    SourceChunk chunk;
+    std::optional<std::string> problem;
+  };
+
+  static constexpr std::size_t kReadAhead = 2;  // chunks
+
+  void readAhead();
+  void post(bool open);
+  void take(Result& result);
+
+  CHttpLoop& loop_;
+  CWorkerPool& pool_;
+  IListener* listener_;
+  // Used by one pool job at a time; jobs hold their own reference.
+  const std::shared_ptr<CSourceReader> reader_;
+
+  std::deque<SourceChunk> chunks_;  // the first one is being taken
+  std::size_t offset_ = 0;          // in the first one
+  bool inFirstChunk_ = true;
+  bool reading_ = false;
+  bool readAll_ = false;
+  std::string md5_;
+};
+
+}  // namespace zt_transfers

@@ -1,0 +1,84 @@
+#include "upload/upload_verdict.h"
+
+#include "http/error_document.h"
+#include "http/etag.h"
+#include "http/retry_after.h"
+#include "text/ascii.h"
+
+namespace zt_transfers {
+namespace {
+
+AttemptOutcome judgeTransport(const HttpAnswer& answer) {
+  if (answer.stalled) {
+    AttemptOutcome outcome = AttemptOutcome::retry("the connection stalled");
+    outcome.sharedTrouble = true;
+    return outcome;
+  }
+  switch (answer.code) {
+    case CURLE_URL_MALFORMAT:
+    case CURLE_UNSUPPORTED_PROTOCOL:
+    case CURLE_PEER_FAILED_VERIFICATION:
+    case CURLE_SSL_CACERT_BADFILE:
+      return AttemptOutcome::final(answer.error);
+    case CURLE_COULDNT_RESOLVE_HOST:
+    case CURLE_COULDNT_RESOLVE_PROXY:
+    case CURLE_COULDNT_CONNECT:
+    case CURLE_OPERATION_TIMEDOUT: {
+      AttemptOutcome outcome = AttemptOutcome::retry(answer.error);
+      outcome.sharedTrouble = true;
+      return outcome;
+    }
+    default:
+      return AttemptOutcome::retry(answer.error);
+  }
+}
+
+AttemptOutcome judgeRefusal(const HttpAnswer& answer, std::int64_t now) {
+  std::string reason = "the server answered " + std::to_string(answer.status);
+  if (const auto code = errorDocumentCode(answer.body)) {
+    reason += " (" + *code + ")";
+  }
+  const bool pace = answer.status == 429 || answer.status == 503;
+  if (!pace && answer.status != 408 && answer.status < 500) {
+    return AttemptOutcome::final(reason);
+  }
+  AttemptOutcome outcome = AttemptOutcome::retry(reason);
+  outcome.retryAfter = parseRetryAfter(answer.header("retry-after"), now);
+  outcome.sharedTrouble = pace;
+  return outcome;
+}
+
+// An object that the store encrypts with a key of its own has a tag that looks like a digest of
+// the content, but is none.
+bool etagIsDigest(const HttpAnswer& answer) {
+  return !startsWithIgnoringCase(answer.header("x-amz-server-side-encryption"), "aws:kms") &&
+         answer.header("x-amz-server-side-encryption-customer-algorithm").empty();
+}
+
+}  // namespace
+
+AttemptOutcome judgeUpload(const HttpAnswer& answer, std::uint64_t size, const std::string& md5,
+                           std::int64_t now) {
+  if (answer.code != CURLE_OK) {
+    return judgeTransport(answer);
+  }
+  if (answer.status != 200 && answer.status != 201 && answer.status != 204) {
+    return judgeRefusal(answer, now);
+  }
+  if (const auto code = errorDocumentCode(answer.body)) {
+    return AttemptOutcome::retry("the server answered " + std::to_string(answer.status) +
+                                 " with an error document (" + *code + ")");
+  }
+  if (answer.bytesSent != size) {
+    return AttemptOutcome::retry("the server answered after " + std::to_string(answer.bytesSent) +
+                                 " of " + std::to_string(size) + " bytes");
+  }
+  const auto digest = md5OfETag(answer.header("etag"));
+  if (!md5.empty() && digest && etagIsDigest(answer) && *digest != md5) {
+    return AttemptOutcome::retry("the server has other content: MD5 " + *digest + " instead of " +
+                                 md5);
+  }
+  return AttemptOutcome::done();
+}
+
+}  // namespace zt_transfers

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "engine/attempt.h"
+#include "http/http_answer.h"
+
+namespace zt_transfers {
+
+// Judges the answer to the PUT of a whole file of `size` bytes. `md5` is the lower-case
+// hexadecimal digest of what was sent, empty when it is not to be compared. `now` in seconds
+// since 1970.
+AttemptOutcome judgeUpload(const HttpAnswer& answer, std::uint64_t size, const std::string& md5,
+                           std::int64_t now);
+
+}  // namespace zt_transfers

@@ -1,0 +1,58 @@
+#include "engine/memory_queue_store.h"
+
+#include <gtest/gtest.h>
+
+namespace zt_transfers::test {
+namespace {
+
+FileSpec specOf(const std::string& fileId) {
+  FileSpec spec;
+  spec.fileId = fileId;
+  spec.place = std::string(300, 'p') + fileId;
+  spec.url = "http://host/" + fileId;
+  spec.headers = {{"A", ""}, {"B", std::string("nul\0inside", 10)}};
+  spec.size = 1ULL << 63;
+  spec.modified = 127;
+  spec.expires = 128;
+  spec.md5Digest = "digest";
+  return spec;
+}
+
+TEST(MemoryQueueStore, GivesBackWhatItKeeps) {
+  CMemoryQueueStore store;
+  store.append(1, specOf("a"));
+  store.append(1, specOf("b"));
+  const FileSpec kept = store.spec({1, 1});
+  const FileSpec given = specOf("b");
+  EXPECT_EQ(kept.fileId, given.fileId);
+  EXPECT_EQ(kept.place, given.place);
+  EXPECT_EQ(kept.url, given.url);
+  EXPECT_EQ(kept.headers, given.headers);
+  EXPECT_EQ(kept.size, given.size);
+  EXPECT_EQ(kept.modified, given.modified);
+  EXPECT_EQ(kept.expires, given.expires);
+  EXPECT_EQ(kept.md5Digest, given.md5Digest);
+  EXPECT_EQ(store.fileId({1, 0}), "a");
+  EXPECT_EQ(store.place({1, 0}), specOf("a").place);
+}
+
+TEST(MemoryQueueStore, FindsFilesByTheirIdInTheirGroup) {
+  CMemoryQueueStore store;
+  store.append(1, specOf("a"));
+  store.append(2, specOf("b"));
+  EXPECT_EQ(store.find(1, "a"), 0U);
+  EXPECT_FALSE(store.find(1, "b").has_value());
+  EXPECT_FALSE(store.find(3, "a").has_value());
+  FileSpec other = specOf("a");
+  other.url = "http://other/";
+  store.replace({1, 0}, other);
+  EXPECT_EQ(store.find(1, "a"), 0U);
+  EXPECT_EQ(store.spec({1, 0}).url, "http://other/");
+  store.remove({1, 0});
+  EXPECT_FALSE(store.find(1, "a").has_value());
+  store.removeGroup(2);
+  EXPECT_FALSE(store.find(2, "b").has_value());
+}
+
+}  // namespace
+}  // namespace zt_transfers::test

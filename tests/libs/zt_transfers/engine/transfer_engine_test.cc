@@ -1,0 +1,275 @@
+#include "engine/transfer_engine.h"
+
+#include <gtest/gtest.h>
+
+#include <variant>
+
+#include "engine/memory_queue_store.h"
+
+namespace zt_transfers::test {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+class CHandClock : public IClock {
+ public:
+  TimePoint now() const override { return now_; }
+  std::int64_t secondsSince1970() const override { return unix_; }
+  void pass(Duration time) {
+    now_ += time;
+    unix_ += std::chrono::duration_cast<seconds>(time).count();
+  }
+
+ private:
+  TimePoint now_{std::chrono::hours(100)};
+  std::int64_t unix_ = 1'000'000;
+};
+
+class CNoLog : public ILog {
+ public:
+  void write(Priority, std::string_view) noexcept override {}
+};
+
+// The test plays the network thread: it asks for work and says how attempts end.
+class TransferEngine : public ::testing::Test {
+ protected:
+  std::int32_t groupOf(int files, std::uint64_t expires = 0) {
+    GroupIdentity identity;
+    identity.bucketId = "bucket";
+    identity.tokenExpires = expires;
+    const std::int32_t id = engine.createGroup(identity);
+    std::vector<FileSpec> specs(static_cast<std::size_t>(files));
+    for (std::size_t at = 0; at < specs.size(); ++at) {
+      specs[at].fileId = std::to_string(id) + "-" + std::to_string(at);
+      specs[at].size = 100;
+    }
+    engine.queueFiles(id, specs);
+    engine.setMarked(id, true);
+    return id;
+  }
+  std::vector<StartOrder> starts() { return engine.takeWork().starts; }
+  std::vector<std::string> idsOf(const std::vector<StartOrder>& orders) {
+    std::vector<std::string> ids;
+    for (const StartOrder& order : orders) {
+      ids.push_back(order.spec.fileId);
+    }
+    return ids;
+  }
+  void concurrent(std::uint32_t most, std::uint32_t retries = 5) {
+    engine.setSettings({.maxConcurrent = most, .maxRetries = retries, .proxy = {}});
+  }
+  template <typename Event>
+  std::vector<Event> events() {
+    std::vector<Event> chosen;
+    for (const TransferEvent& event : queue.take(Duration::zero())) {
+      if (const auto* one = std::get_if<Event>(&event)) {
+        chosen.push_back(*one);
+      }
+    }
+    return chosen;
+  }
+  GroupStateCode stateOf(std::int32_t id) {
+    return static_cast<GroupStateCode>(engine.group(id)->state);
+  }
+
+  CHandClock clock;
+  CMemoryQueueStore store;
+  CEventQueue queue;
+  CNoLog log;
+  CTransferEngine engine{{.activity = "upload",
+                          .measuresSources = false,
+                          .backoff = {.base = milliseconds(1000), .cap = milliseconds(8000)}},
+                         {.clock = clock, .store = store, .events = queue, .log = log}};
+};
+
+TEST_F(TransferEngine, BeginsNothingBeforeItIsStarted) {
+  const auto group = groupOf(2);
+  EXPECT_TRUE(starts().empty());
+  EXPECT_EQ(stateOf(group), kGroupIdle);
+  EXPECT_TRUE(events<GroupSnapshot>().empty());
+  engine.start();
+  EXPECT_EQ(starts().size(), 2U);
+  EXPECT_EQ(stateOf(group), kGroupTransferring);
+  ASSERT_FALSE(events<GroupSnapshot>().empty());
+}
+
+TEST_F(TransferEngine, LetsGroupsTakeTurns) {
+  concurrent(4);
+  groupOf(10);
+  groupOf(10);
+  engine.start();
+  EXPECT_EQ(idsOf(starts()), (std::vector<std::string>{"1-0", "2-0", "1-1", "2-1"}));
+}
+
+TEST_F(TransferEngine, FillsEachPlaceThatBecomesFree) {
+  concurrent(2);
+  const auto group = groupOf(3);
+  engine.start();
+  const auto first = starts();
+  ASSERT_EQ(first.size(), 2U);
+  EXPECT_TRUE(starts().empty());
+  engine.onAttemptDone(first[1].job, AttemptOutcome::done());
+  const auto next = starts();
+  EXPECT_EQ(idsOf(next), std::vector<std::string>{"1-2"});
+  engine.onAttemptDone(first[0].job, AttemptOutcome::done());
+  engine.onAttemptDone(next[0].job, AttemptOutcome::done());
+  EXPECT_EQ(stateOf(group), kGroupCompleted);
+  EXPECT_EQ(engine.group(group)->bytesTransferred, 300U);
+}
+
+TEST_F(TransferEngine, RetriesOnceItsTimeHasComeAndNotMoreOftenThanAllowed) {
+  concurrent(1, 2);
+  const auto group = groupOf(1);
+  engine.start();
+  for (int attempt = 0; attempt < 2; ++attempt) {
+    const auto orders = starts();
+    ASSERT_EQ(orders.size(), 1U) << attempt;
+    engine.onAttemptDone(orders[0].job, AttemptOutcome::retry("x"));
+    const auto work = engine.takeWork();
+    EXPECT_TRUE(work.starts.empty());
+    ASSERT_TRUE(work.nextDue.has_value());
+    const auto wait = *work.nextDue - clock.now();
+    EXPECT_GE(wait, milliseconds(500 << attempt));
+    EXPECT_LE(wait, milliseconds(1000 << attempt));
+    EXPECT_EQ(stateOf(group), kGroupTransferring);
+    clock.pass(wait);
+  }
+  engine.onAttemptDone(starts().at(0).job, AttemptOutcome::retry("x"));
+  EXPECT_EQ(stateOf(group), kGroupErrored);
+}
+
+TEST_F(TransferEngine, RestsAGroupInTroubleAndNotTheOthers) {
+  concurrent(1);
+  const auto troubled = groupOf(5);
+  engine.start();
+  const auto order = starts().at(0);
+  AttemptOutcome overloaded = AttemptOutcome::retry("503");
+  overloaded.sharedTrouble = true;
+  overloaded.retryAfter = seconds(20);
+  engine.onAttemptDone(order.job, overloaded);
+  EXPECT_TRUE(starts().empty());
+  groupOf(1);
+  const auto other = starts();
+  EXPECT_EQ(idsOf(other), std::vector<std::string>{"2-0"});
+  engine.onAttemptDone(other[0].job, AttemptOutcome::done());
+  clock.pass(seconds(19));
+  EXPECT_TRUE(starts().empty());
+  clock.pass(seconds(1));
+  EXPECT_EQ(starts().at(0).file.groupId, troubled);
+}
+
+TEST_F(TransferEngine, IgnoresTheResultOfWhatItHasStopped) {
+  const auto group = groupOf(1);
+  engine.start();
+  const auto order = starts().at(0);
+  order.progress->bytes = 60;
+  engine.collectProgress();
+  EXPECT_EQ(engine.group(group)->bytesTransferred, 60U);
+  engine.pauseGroup(group);
+  EXPECT_EQ(engine.group(group)->bytesTransferred, 0U);
+  EXPECT_EQ(engine.takeWork().stops, std::vector<JobId>{order.job});
+  engine.onAttemptDone(order.job, AttemptOutcome::done());
+  EXPECT_EQ(stateOf(group), kGroupPaused);
+  engine.resumeGroup(group);
+  const auto again = starts().at(0);
+  EXPECT_NE(again.job, order.job);
+  engine.onAttemptDone(again.job, AttemptOutcome::done());
+  EXPECT_EQ(stateOf(group), kGroupCompleted);
+}
+
+TEST_F(TransferEngine, CountsNoByteTwiceWhateverAttemptsReport) {
+  const auto group = groupOf(1);
+  engine.start();
+  for (int attempt = 0; attempt < 3; ++attempt) {
+    clock.pass(seconds(10));
+    const auto order = starts().at(0);
+    order.progress->bytes = 1000;  // more than there is
+    engine.collectProgress();
+    EXPECT_EQ(engine.group(group)->bytesTransferred, 100U);
+    EXPECT_EQ(engine.group(group)->percentTransferred, 100.0F);
+    engine.onAttemptDone(order.job, AttemptOutcome::retry("x"));
+    EXPECT_EQ(engine.group(group)->bytesTransferred, 0U);
+  }
+}
+
+TEST_F(TransferEngine, TellsProgressAtMostTenTimesASecondAndTheLastAlways) {
+  groupOf(1);
+  engine.start();
+  const auto order = starts().at(0);
+  events<FileState>();
+  int told = 0;
+  for (int tick = 1; tick <= 50; ++tick) {
+    clock.pass(milliseconds(20));
+    order.progress->bytes = static_cast<std::uint64_t>(tick);
+    engine.collectProgress();
+    told += static_cast<int>(events<FileState>().size());
+  }
+  EXPECT_GE(told, 9);
+  EXPECT_LE(told, 10);
+  engine.onAttemptDone(order.job, AttemptOutcome::done());
+  const auto last = events<GroupSnapshot>();
+  ASSERT_FALSE(last.empty());
+  EXPECT_EQ(last.back().state, kGroupCompleted);
+  EXPECT_EQ(last.back().bytesTransferred, 100U);
+  EXPECT_FALSE(engine.collectProgress());
+}
+
+TEST_F(TransferEngine, FailsFilesWhoseTokenExpiresWhileTheyWait) {
+  concurrent(1);
+  const auto group = groupOf(3, 1'000'060);
+  engine.start();
+  const auto order = starts().at(0);
+  clock.pass(seconds(60));
+  engine.onAttemptDone(order.job, AttemptOutcome::done());
+  EXPECT_EQ(engine.takeWork().failures.size(), 2U);
+  EXPECT_EQ(stateOf(group), kGroupErrored);
+}
+
+TEST_F(TransferEngine, BeginsNothingWhileTheProgramHasNotTakenItsEvents) {
+  groupOf(1);
+  engine.start();
+  for (std::size_t count = 0; count <= CEventQueue::kCongestion; ++count) {
+    queue.push(FileState());
+  }
+  EXPECT_TRUE(starts().empty());
+  events<FileState>();
+  EXPECT_EQ(starts().size(), 1U);
+}
+
+TEST_F(TransferEngine, PutsEverythingBackWhenItStops) {
+  concurrent(2);
+  const auto group = groupOf(3);
+  engine.start();
+  const auto orders = starts();
+  orders[0].progress->bytes = 50;
+  engine.collectProgress();
+  engine.onAttemptDone(orders[1].job, AttemptOutcome::retry("x"));
+  events<FileState>();
+  engine.stop();
+  EXPECT_TRUE(events<FileState>().empty());
+  EXPECT_EQ(engine.group(group)->bytesTransferred, 0U);
+  EXPECT_EQ(stateOf(group), kGroupIdle);
+  engine.start();
+  EXPECT_EQ(starts().size(), 2U);
+}
+
+TEST_F(TransferEngine, WorksOffFilesThatCannotBeginInPortions) {
+  const auto group = groupOf(2000, 1);
+  engine.start();
+  const auto work = engine.takeWork();
+  EXPECT_LT(work.failures.size(), 2000U);
+  ASSERT_TRUE(work.nextDue.has_value());
+  EXPECT_LE(*work.nextDue, clock.now());
+  std::size_t failed = work.failures.size();
+  while (failed < 2000) {
+    events<FileState>();
+    const std::size_t more = engine.takeWork().failures.size();
+    ASSERT_NE(more, 0U);
+    failed += more;
+  }
+  EXPECT_EQ(stateOf(group), kGroupErrored);
+}
+
+}  // namespace
+}  // namespace zt_transfers::test

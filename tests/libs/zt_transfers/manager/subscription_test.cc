@@ -1,0 +1,43 @@
+#include "manager/subscription.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <future>
+
+namespace zt_transfers::test {
+namespace {
+
+TEST(Subscription, WaitsForACallThatIsUnderWay) {
+  CSubscription<int> subscription;
+  int callback = 0;
+  subscription.set(&callback);
+  std::promise<void> entered;
+  std::promise<void> mayLeave;
+  std::atomic<bool> left{false};
+  std::thread caller([&] {
+    subscription.call([&](int&) {
+      entered.set_value();
+      mayLeave.get_future().wait();
+      left = true;
+    });
+  });
+  entered.get_future().wait();
+  std::thread leaver([&] { mayLeave.set_value(); });
+  subscription.set(nullptr);
+  EXPECT_TRUE(left);
+  caller.join();
+  leaver.join();
+  subscription.call([](int&) { FAIL() << "called after it was taken away"; });
+}
+
+TEST(Subscription, CanBeTakenAwayFromWithinItsOwnCall) {
+  CSubscription<int> subscription;
+  int callback = 0;
+  subscription.set(&callback);
+  subscription.call([&](int&) { subscription.set(nullptr); });
+  subscription.call([](int&) { FAIL() << "called after it was taken away"; });
+}
+
+}  // namespace
+}  // namespace zt_transfers::test

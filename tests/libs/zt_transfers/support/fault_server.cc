@@ -1,0 +1,334 @@
+#include "fault_server.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+
+#include <algorithm>
+#include <chrono>
+#include <sstream>
+#include <stdexcept>
+
+#include "sandbox.h"
+#include "text/ascii.h"
+
+namespace zt_transfers::test {
+namespace {
+
+constexpr std::chrono::seconds kLongWait{60};
+
+std::string pathOf(const std::string& target) {
+  return target.substr(0, target.find('?'));
+}
+
+}  // namespace
+
+// One connection and the thread that serves it.
+class CFaultServer::CConnection {
+ public:
+  CConnection(CFaultServer& server, CUniqueFd socket, int number)
+      : server_(server), socket_(std::move(socket)), number_(number) {
+    thread_ = std::thread([this] { serve(); });
+  }
+  ~CConnection() {
+    ::shutdown(socket_.get(), SHUT_RDWR);
+    thread_.join();
+  }
+
+ private:
+  void serve() {
+    while (auto request = readHead()) {
+      server_.begin(*request);
+      const bool goOn = answer(*request);
+      --server_.open_;
+      if (!goOn) {
+        break;
+      }
+    }
+    ::shutdown(socket_.get(), SHUT_RDWR);
+  }
+
+  bool fill() {
+    char buffer[64 * 1024];
+    const ssize_t got = ::recv(socket_.get(), buffer, sizeof buffer, 0);
+    if (got <= 0) {
+      return false;
+    }
+    input_.append(buffer, static_cast<std::size_t>(got));
+    return true;
+  }
+
+  std::optional<Request> readHead() {
+    std::size_t end = std::string::npos;
+    while ((end = input_.find("\r\n\r\n")) == std::string::npos) {
+      if (!fill()) {
+        return std::nullopt;
+      }
+    }
+    std::istringstream head(input_.substr(0, end));
+    input_.erase(0, end + 4);
+    Request request;
+    request.connection = number_;
+    head >> request.method >> request.target;
+    std::string line;
+    std::getline(head, line);
+    while (std::getline(head, line)) {
+      const auto colon = line.find(':');
+      request.headers[loweredAscii(line.substr(0, colon))] =
+          std::string(trimmed(line.substr(colon + 1)));
+    }
+    const auto length = request.headers.find("content-length");
+    request.bodySize = length == request.headers.end() ? 0 : std::stoull(length->second);
+    return request;
+  }
+
+  bool answer(const Request& request) {
+    const std::string path = pathOf(request.target);
+    const Fault fault = server_.faultFor(path);
+    switch (fault.kind) {
+      case Fault::Kind::kEarlyStatus:
+        send(fault.status, {{"Connection", "close"}}, "");
+        return false;
+      case Fault::Kind::kStall:
+        server_.waitForRelease();
+        return false;
+      case Fault::Kind::kResetAfter:
+        readBody(request, std::min(fault.bytes, request.bodySize), 0);
+        reset();
+        return false;
+      default:
+        break;
+    }
+    if (request.headers.count("expect") != 0) {
+      sendText("HTTP/1.1 100 Continue\r\n\r\n");
+    }
+    const bool slow = fault.kind == Fault::Kind::kSlow;
+    const auto body = readBody(request, request.bodySize, slow ? fault.bytes : 0);
+    if (!body || fault.kind == Fault::Kind::kCloseWithoutAnswer) {
+      return false;
+    }
+    if (fault.kind == Fault::Kind::kStatus) {
+      return send(fault.status, fault.headers, fault.body);
+    }
+    if (fault.kind == Fault::Kind::kHold && !server_.waitForRelease()) {
+      return false;
+    }
+    return store(path, *body, fault);
+  }
+
+  bool store(const std::string& path, const std::string& body, const Fault& fault) {
+    auto headers = fault.headers;
+    if (fault.kind != Fault::Kind::kNoETag) {
+      const bool given = fault.kind == Fault::Kind::kETag;
+      headers.emplace_back("ETag", given ? fault.body : "\"" + md5Of(body) + "\"");
+    }
+    {
+      const std::lock_guard lock(server_.mutex_);
+      server_.objects_[path] = body;
+    }
+    return send(200, headers, "");
+  }
+
+  std::optional<std::string> readBody(const Request& request, std::uint64_t size,
+                                      std::uint64_t bytesPerSecond) {
+    const auto begin = std::chrono::steady_clock::now();
+    const std::string path = pathOf(request.target);
+    std::string body;
+    for (;;) {
+      const std::size_t taken = std::min<std::size_t>(input_.size(), size - body.size());
+      body.append(input_, 0, taken);
+      input_.erase(0, taken);
+      server_.bodyBytes_ += taken;
+      std::function<void(const std::string&, std::uint64_t)> watcher;
+      {
+        const std::lock_guard lock(server_.mutex_);
+        watcher = server_.watcher_;
+      }
+      if (watcher) {
+        watcher(path, body.size());
+      }
+      if (bytesPerSecond != 0 && !paced(begin, body.size(), bytesPerSecond)) {
+        return std::nullopt;
+      }
+      if (body.size() == size) {
+        return body;
+      }
+      if (!fill()) {
+        return std::nullopt;
+      }
+    }
+  }
+
+  // Waits until `bytes` are due; false when the server stops.
+  bool paced(std::chrono::steady_clock::time_point begin, std::size_t bytes,
+             std::uint64_t bytesPerSecond) {
+    const std::chrono::duration<double> due(double(bytes) / double(bytesPerSecond));
+    std::unique_lock lock(server_.mutex_);
+    const auto until = begin + std::chrono::duration_cast<std::chrono::steady_clock::duration>(due);
+    return !server_.changed_.wait_until(lock, until, [this] { return server_.stopping_.load(); });
+  }
+
+  bool send(int status, const std::vector<std::pair<std::string, std::string>>& headers,
+            const std::string& body) {
+    std::string text = "HTTP/1.1 " + std::to_string(status) + " Status\r\n";
+    for (const auto& [name, value] : headers) {
+      text += name + ": " + value + "\r\n";
+    }
+    text += "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
+    return sendText(text);
+  }
+
+  bool sendText(const std::string& text) {
+    return ::send(socket_.get(), text.data(), text.size(), MSG_NOSIGNAL) ==
+           static_cast<ssize_t>(text.size());
+  }
+
+  void reset() {
+    const linger hard{.l_onoff = 1, .l_linger = 0};
+    ::setsockopt(socket_.get(), SOL_SOCKET, SO_LINGER, &hard, sizeof hard);
+    // Closing is what sends the reset; the descriptor itself stays valid for the destructor.
+    CUniqueFd closed(::dup(::fileno(stderr)));
+    ::dup2(closed.get(), socket_.get());
+  }
+
+  CFaultServer& server_;
+  CUniqueFd socket_;
+  const int number_;
+  std::string input_;
+  std::thread thread_;
+};
+
+CFaultServer::CFaultServer() {
+  listener_ = CUniqueFd(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  socklen_t length = sizeof address;
+  if (::bind(listener_.get(), reinterpret_cast<sockaddr*>(&address), length) != 0 ||
+      ::listen(listener_.get(), 128) != 0 ||
+      ::getsockname(listener_.get(), reinterpret_cast<sockaddr*>(&address), &length) != 0) {
+    throw std::runtime_error("the test's server cannot listen");
+  }
+  port_ = ntohs(address.sin_port);
+  acceptor_ = std::thread([this] { accept(); });
+}
+
+CFaultServer::~CFaultServer() {
+  {
+    const std::lock_guard lock(mutex_);
+    stopping_ = true;
+  }
+  changed_.notify_all();
+  ::shutdown(listener_.get(), SHUT_RDWR);
+  acceptor_.join();
+  std::list<CConnection> connections;
+  {
+    const std::lock_guard lock(mutex_);
+    connections.swap(connections_);
+  }
+}
+
+std::string CFaultServer::url(const std::string& path) const {
+  return "http://127.0.0.1:" + std::to_string(port_) + path;
+}
+
+void CFaultServer::plan(const std::string& path, std::vector<Fault> faults) {
+  const std::lock_guard lock(mutex_);
+  plans_[path] = std::deque<Fault>(faults.begin(), faults.end());
+}
+
+void CFaultServer::planForAll(const Fault& fault) {
+  const std::lock_guard lock(mutex_);
+  planForAll_ = fault;
+}
+
+void CFaultServer::release() {
+  {
+    const std::lock_guard lock(mutex_);
+    released_ = true;
+  }
+  changed_.notify_all();
+}
+
+void CFaultServer::watchBody(std::function<void(const std::string&, std::uint64_t)> watcher) {
+  const std::lock_guard lock(mutex_);
+  watcher_ = std::move(watcher);
+}
+
+std::optional<std::string> CFaultServer::object(const std::string& path) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = objects_.find(path);
+  return found == objects_.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::size_t CFaultServer::objectCount() const {
+  const std::lock_guard lock(mutex_);
+  return objects_.size();
+}
+
+std::vector<CFaultServer::Request> CFaultServer::requests() const {
+  const std::lock_guard lock(mutex_);
+  return requests_;
+}
+
+std::vector<CFaultServer::Request> CFaultServer::requestsTo(const std::string& path) const {
+  std::vector<Request> chosen;
+  for (const Request& request : requests()) {
+    if (pathOf(request.target) == path) {
+      chosen.push_back(request);
+    }
+  }
+  return chosen;
+}
+
+bool CFaultServer::waitForRequests(std::size_t count) {
+  std::unique_lock lock(mutex_);
+  return changed_.wait_for(lock, kLongWait, [&] { return requests_.size() >= count; });
+}
+
+void CFaultServer::accept() {
+  for (int number = 1;; ++number) {
+    CUniqueFd socket(::accept4(listener_.get(), nullptr, nullptr, SOCK_CLOEXEC));
+    if (!socket.valid()) {
+      return;
+    }
+    const int on = 1;
+    ::setsockopt(socket.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    const std::lock_guard lock(mutex_);
+    connections_.emplace_back(*this, std::move(socket), number);
+  }
+}
+
+Fault CFaultServer::faultFor(const std::string& path) {
+  const std::lock_guard lock(mutex_);
+  const auto plan = plans_.find(path);
+  if (plan == plans_.end()) {
+    return planForAll_;
+  }
+  if (plan->second.empty()) {
+    return {};
+  }
+  const Fault fault = plan->second.front();
+  plan->second.pop_front();
+  return fault;
+}
+
+void CFaultServer::begin(const Request& request) {
+  const int open = ++open_;
+  {
+    const std::lock_guard lock(mutex_);
+    mostOpen_ = std::max(mostOpen_.load(), open);
+    requests_.push_back(request);
+  }
+  changed_.notify_all();
+}
+
+// False when the server stops instead.
+bool CFaultServer::waitForRelease() {
+  std::unique_lock lock(mutex_);
+  changed_.wait(lock, [this] { return released_ || stopping_; });
+  return !stopping_;
+}
+
+}  // namespace zt_transfers::test

@@ -1,0 +1,79 @@
+#include "upload/source_reader.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "sandbox.h"
+
+namespace zt_transfers::test {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::Optional;
+
+class SourceReader : public ::testing::Test {
+ protected:
+  // Reads to the end and gives the content, or the problem.
+  static std::string readAll(CSourceReader& reader, std::string& md5) {
+    std::string content;
+    SourceChunk chunk;
+    do {
+      if (const auto problem = reader.readNext(chunk)) {
+        return *problem;
+      }
+      content.append(chunk.data.get(), chunk.size);
+    } while (!chunk.last);
+    md5 = chunk.md5;
+    return content;
+  }
+
+  CSandbox sandbox;
+};
+
+TEST_F(SourceReader, GivesContentAndDigestForEverySizeAroundItsChunks) {
+  for (const std::size_t size :
+       {std::size_t{0}, std::size_t{1}, CSourceReader::kChunk - 1, CSourceReader::kChunk,
+        CSourceReader::kChunk + 1, 2 * CSourceReader::kChunk}) {
+    const std::string content = patternOf(size);
+    CSourceReader reader(sandbox.file("file", content), true);
+    ASSERT_FALSE(reader.open().has_value());
+    EXPECT_EQ(reader.size(), size);
+    std::string md5;
+    EXPECT_EQ(readAll(reader, md5), content) << size;
+    EXPECT_EQ(md5, md5Of(content)) << size;
+  }
+}
+
+TEST_F(SourceReader, WithholdsTheEndOfAFileThatChanged) {
+  const std::string content = patternOf(CSourceReader::kChunk + 10);
+  const auto path = sandbox.file("file", content);
+  CSourceReader reader(path, false);
+  ASSERT_FALSE(reader.open().has_value());
+  SourceChunk chunk;
+  ASSERT_FALSE(reader.readNext(chunk).has_value());
+  std::ofstream(path, std::ios::app) << "more";
+  EXPECT_THAT(reader.readNext(chunk), Optional(HasSubstr("changed")));
+}
+
+TEST_F(SourceReader, NoticesThatAnotherFileTookTheName) {
+  const auto path = sandbox.file("file", "old content");
+  CSourceReader reader(path, false);
+  ASSERT_FALSE(reader.open().has_value());
+  const auto other = sandbox.file("other", "new content");
+  std::filesystem::last_write_time(other, std::filesystem::last_write_time(path));
+  std::filesystem::rename(other, path);
+  SourceChunk chunk;
+  EXPECT_THAT(reader.readNext(chunk), Optional(HasSubstr("changed")));
+}
+
+TEST_F(SourceReader, SaysWhatIsWrongWithAFileItCannotRead) {
+  CSourceReader missing(sandbox.folder() / "missing", false);
+  EXPECT_THAT(missing.open(), Optional(HasSubstr("cannot open")));
+  CSourceReader folder(sandbox.folder(), false);
+  EXPECT_THAT(folder.open(), Optional(HasSubstr("not a regular file")));
+}
+
+}  // namespace
+}  // namespace zt_transfers::test

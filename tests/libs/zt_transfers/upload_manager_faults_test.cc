@@ -1,0 +1,244 @@
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+
+#include "upload_fixture.h"
+
+namespace zt_transfers::test {
+namespace {
+
+using ::testing::HasSubstr;
+
+class UploadFaults : public CUploadTest {
+ protected:
+  void retryAtMost(std::uint32_t times) {
+    auto configuration = manager.getConfiguration();
+    configuration.maxTransferRetries = times;
+    manager.setConfiguration(configuration);
+  }
+};
+
+TEST_F(UploadFaults, RetriesAfterBrokenConnectionsWithoutCountingBytesTwice) {
+  const std::string content = patternOf(900'000);
+  server.plan("/reset", {fault::resetAfter(300'000)});
+  server.plan("/closed", {fault::closeWithoutAnswer()});
+  const auto group = upload({describe("reset", content), describe("closed", content)});
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
+  EXPECT_EQ(server.object("/reset"), content);
+  EXPECT_EQ(server.object("/closed"), content);
+  for (const auto& shot : recorder.groups()) {
+    EXPECT_LE(shot.bytesTransferred, shot.bytesTotal);
+    EXPECT_LE(shot.percentTransferred, 100.0F);
+  }
+  EXPECT_EQ(recorder.lastGroup(group).bytesTransferred, 2 * content.size());
+}
+
+TEST_F(UploadFaults, RetriesWhatTheServerMayGetOver) {
+  std::vector<CUploadManager::FileDesc> files;
+  for (const int code : {408, 429, 500, 502, 503}) {
+    const std::string name = std::to_string(code);
+    server.plan("/" + name, {fault::status(code)});
+    files.push_back(describe(name, "content"));
+  }
+  const auto group = upload(files);
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
+  EXPECT_EQ(server.requests().size(), 10U);
+}
+
+TEST_F(UploadFaults, GivesUpAtOnceOnARefusal) {
+  std::vector<CUploadManager::FileDesc> files;
+  for (const int code : {400, 401, 403, 404, 410, 413, 301, 304}) {
+    const std::string name = std::to_string(code);
+    server.plan("/" + name, {fault::status(code)});
+    files.push_back(describe(name, "content"));
+  }
+  files.push_back(describe("fine", "content"));
+  const auto group = upload(files);
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupErrored));
+  EXPECT_EQ(server.requests().size(), 9U);
+  EXPECT_EQ(recorder.countOfFilesIn(kFileErrored), 8U);
+  EXPECT_EQ(recorder.lastFile("fine").state, kFileCompleted);
+}
+
+TEST_F(UploadFaults, GivesUpWhenTheRetriesAreUsedUp) {
+  retryAtMost(1);
+  server.planForAll(fault::status(500));
+  const auto group = upload({describe("file", "content")});
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupErrored));
+  EXPECT_EQ(server.requests().size(), 2U);
+  manager.shutdown();
+  EXPECT_THAT(log(), HasSubstr("after 2 attempts"));
+}
+
+TEST_F(UploadFaults, WaitsAsLongAsTheServerAsks) {
+  server.plan("/file", {fault::status(503, {{"Retry-After", "3"}})});
+  const auto begin = std::chrono::steady_clock::now();
+  const auto group = upload({describe("file", "content")});
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
+  EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(2900));
+}
+
+TEST_F(UploadFaults, HoldsBackTheWholeGroupWhenTheServerIsOverloaded) {
+  auto configuration = manager.getConfiguration();
+  configuration.maxConcurrentTransfers = 1;
+  manager.setConfiguration(configuration);
+  server.plan("/first", {fault::status(429, {{"Retry-After", "2"}})});
+  const auto begin = std::chrono::steady_clock::now();
+  const auto group = upload({describe("first", "a"), describe("second", "b")});
+  ASSERT_TRUE(recorder.waitForFileState("second", kFileCompleted));
+  EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(1900));
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
+}
+
+TEST_F(UploadFaults, TakesNoErrorDocumentForSuccess) {
+  server.plan("/file", {fault::errorDocument("InternalError")});
+  const auto group = upload({describe("file", "content")});
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
+  EXPECT_EQ(server.requestsTo("/file").size(), 2U);
+  EXPECT_EQ(server.object("/file"), "content");
+}
+
+TEST_F(UploadFaults, TakesNoAnswerForSuccessThatCameBeforeTheBodyWasSent) {
+  retryAtMost(0);
+  server.plan("/file", {fault::earlyStatus(200)});
+  const auto group = upload({describe("file", patternOf(30 * 1024 * 1024))});
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupErrored));
+  EXPECT_FALSE(server.object("/file").has_value());
+}
+
+TEST_F(UploadFaults, HearsARefusalOfALargeFileBeforeSendingIt) {
+  server.plan("/file", {fault::earlyStatus(403)});
+  const auto group = upload({describe("file", patternOf(30 * 1024 * 1024))});
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupErrored));
+  EXPECT_EQ(server.requests().size(), 1U);
+  EXPECT_EQ(server.bodyBytes(), 0U);
+}
+
+TEST_F(UploadFaults, SendsAgainWhatArrivedWithOtherContent) {
+  const std::string other = "\"" + md5Of("other") + "\"";
+  server.plan("/file", {fault::etag(other)});
+  const auto group = upload({describe("file", "content")});
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
+  EXPECT_EQ(server.requestsTo("/file").size(), 2U);
+}
+
+TEST_F(UploadFaults, AcceptsTagsThatAreNoDigestAndAnyTagWhenNotVerifying) {
+  server.plan("/none", {fault::noETag()});
+  server.plan("/parts", {fault::etag("\"" + md5Of("parts") + "-3\"")});
+  server.plan("/weak", {fault::etag("W/\"" + md5Of("content") + "\"")});
+  const auto group = upload(
+      {describe("none", "content"), describe("parts", "content"), describe("weak", "content")});
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
+  auto configuration = manager.getConfiguration();
+  configuration.verifyUploads = false;
+  manager.setConfiguration(configuration);
+  server.plan("/unverified", {fault::etag("\"" + md5Of("other") + "\"")});
+  const auto second = upload({describe("unverified", "content")});
+  ASSERT_TRUE(recorder.waitForGroupState(second, kGroupCompleted));
+  EXPECT_EQ(server.requests().size(), 4U);
+}
+
+TEST_F(UploadFaults, FailsWhatIsNotThereAndGoesOnWithTheRest) {
+  auto vanished = describe("vanished", "x");
+  std::filesystem::remove(sandbox.folder() / "vanished");
+  auto folder = describe("folder-url", "x");
+  folder.fileURL = fileUrl(sandbox.folder());
+  auto pipe = describe("pipe-url", "x");
+  ASSERT_EQ(::mkfifo((sandbox.folder() / "pipe").c_str(), 0600), 0);
+  pipe.fileURL = fileUrl(sandbox.folder() / "pipe");
+  auto web = describe("web", "x");
+  web.fileURL = L"http://example.invalid/x";
+  auto noPlace = describe("no-place", "x");
+  noPlace.url.clear();
+  auto badHeader = describe("bad-header", "x");
+  badHeader.headers = {{"X-Split", "a\r\nX-Other: b"}};
+  const auto group =
+      upload({vanished, folder, pipe, web, noPlace, badHeader, describe("fine", "content")});
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupErrored));
+  EXPECT_EQ(recorder.countOfFilesIn(kFileErrored), 6U);
+  EXPECT_EQ(server.requests().size(), 1U);
+  EXPECT_EQ(server.object("/fine"), "content");
+}
+
+// A source is changed while the server has only its beginning.
+class UploadOfAChangingFile : public UploadFaults {
+ protected:
+  void changeWhileSent(const std::function<void(const std::filesystem::path&)>& change) {
+    const auto path = sandbox.folder() / "file";
+    std::atomic<bool> changed{false};
+    server.planForAll(fault::slow(40 * 1024 * 1024));
+    server.watchBody([&](const std::string&, std::uint64_t bytes) {
+      if (bytes > 100'000 && !changed.exchange(true)) {
+        change(path);
+      }
+    });
+    // Larger than what is read ahead and held in the sockets.
+    const auto group = upload({describe("file", patternOf(64 * 1024 * 1024))});
+    EXPECT_TRUE(recorder.waitForGroupState(group, kGroupErrored));
+    EXPECT_TRUE(changed);
+    EXPECT_FALSE(server.object("/file").has_value());
+    EXPECT_EQ(server.requests().size(), 1U);
+    server.watchBody({});
+  }
+};
+
+TEST_F(UploadOfAChangingFile, FailsWhenItIsEdited) {
+  changeWhileSent([](const auto& path) {
+    std::fstream(path, std::ios::in | std::ios::out | std::ios::binary) << "edited";
+  });
+}
+
+TEST_F(UploadOfAChangingFile, FailsWhenItGrows) {
+  changeWhileSent([](const auto& path) { std::ofstream(path, std::ios::app) << "more"; });
+}
+
+TEST_F(UploadOfAChangingFile, FailsWhenItIsCut) {
+  changeWhileSent([](const auto& path) { std::filesystem::resize_file(path, 1000); });
+}
+
+TEST_F(UploadOfAChangingFile, FailsWhenItIsDeleted) {
+  changeWhileSent([](const auto& path) { std::filesystem::remove(path); });
+}
+
+TEST_F(UploadFaults, FollowsARedirectWithoutCredentialsForAnotherServer) {
+  CFaultServer other;
+  server.plan("/file", {fault::status(307, {{"Location", other.url("/moved?sig=1")}})});
+  server.plan("/near", {fault::status(308, {{"Location", "/nearby"}})});
+  auto far = describe("file", "content");
+  far.headers = {{"Authorization", "Bearer abc"}, {"Cookie", "a=b"}, {"X-Kept", "yes"}};
+  auto near = describe("near", "content");
+  near.headers = far.headers;
+  const auto group = upload({far, near});
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
+  EXPECT_EQ(other.object("/moved"), "content");
+  const auto moved = other.requests()[0].headers;
+  EXPECT_EQ(moved.count("authorization"), 0U);
+  EXPECT_EQ(moved.count("cookie"), 0U);
+  EXPECT_EQ(moved.at("x-kept"), "yes");
+  EXPECT_EQ(server.requestsTo("/nearby").at(0).headers.at("authorization"), "Bearer abc");
+}
+
+TEST_F(UploadFaults, GivesUpOnRedirectsThatNeverEnd) {
+  server.planForAll(fault::status(307, {{"Location", "/again"}}));
+  const auto group = upload({describe("file", "content")});
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupErrored));
+  EXPECT_EQ(server.requests().size(), 6U);
+}
+
+TEST_F(UploadFaults, FailsFilesOfAnExpiredTokenWithThatReason) {
+  const auto group = newGroup(1'000'000);
+  manager.queueFiles(group, {describe("file", "content")});
+  manager.startup();
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupErrored));
+  EXPECT_TRUE(server.requests().empty());
+  manager.shutdown();
+  EXPECT_THAT(log(), HasSubstr("token has expired"));
+}
+
+}  // namespace
+}  // namespace zt_transfers::test

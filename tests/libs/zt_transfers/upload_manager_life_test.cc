@@ -153,6 +153,7 @@ TEST_F(UploadLife, KeepsTransferringWhileACallbackIsSlow) {
   upload(files);
   // The first callback returns only once all files were sent.
   EXPECT_TRUE(allSent.get_future().get());
+  manager.subscribeToEvents(nullptr);
 }
 
 TEST_F(UploadLife, WorksWithoutALog) {

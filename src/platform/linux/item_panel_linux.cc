@@ -3,7 +3,12 @@
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QHeaderView>
 #include <QPointer>
+#include <QSettings>
+#include <QSplitter>
+#include <QStandardPaths>
+#include <QTreeView>
 #include <QUrl>
 #include <exception>
 
@@ -13,11 +18,19 @@
 namespace zantrio {
 namespace {
 
-// Where the last dialog was left; empty until one was answered.
-QString& lastFolder() {
-  static QString folder;
-  return folder;
-}
+// Where the dialogs were left, kept in the user's configuration folder.
+class LastFolder {
+ public:
+  QString get() const {
+    const QString folder = settings_.value(kKey).toString();
+    return !folder.isEmpty() && QDir(folder).exists() ? folder : QDir::homePath();
+  }
+  void set(const QString& folder) { settings_.setValue(kKey, folder); }
+
+ private:
+  static inline const QString kKey = QStringLiteral("dialogs/lastFolder");
+  QSettings settings_{QStringLiteral("Zantrio"), QStringLiteral("Zantrio")};
+};
 
 void setSelectionRules(QFileDialog& panel, ItemPanelKind kind) {
   const bool forFolder = kind == ItemPanelKind::kFolder;
@@ -27,9 +40,31 @@ void setSelectionRules(QFileDialog& panel, ItemPanelKind kind) {
   panel.setSupportedSchemes({QStringLiteral("file")});
 }
 
-void setStartFolder(QFileDialog& panel) {
-  panel.setDirectory(QDir(lastFolder()).exists() && !lastFolder().isEmpty() ? lastFolder()
-                                                                            : QDir::homePath());
+// The places that people keep their files in, where they exist.
+QList<QUrl> usualPlaces() {
+  QList<QUrl> places = {QUrl(QStringLiteral("file:"))};  // the whole computer
+  for (const auto location : {QStandardPaths::HomeLocation, QStandardPaths::DesktopLocation,
+                              QStandardPaths::DocumentsLocation, QStandardPaths::DownloadLocation,
+                              QStandardPaths::PicturesLocation, QStandardPaths::MoviesLocation}) {
+    const QUrl place = QUrl::fromLocalFile(QStandardPaths::writableLocation(location));
+    if (QDir(place.toLocalFile()).exists() && !places.contains(place)) {
+      places.append(place);
+    }
+  }
+  return places;
+}
+
+// Concerns the toolkit's own panel only; the desktop's has its looks from the desktop.
+void setLooks(QFileDialog& panel) {
+  panel.resize(860, 540);
+  panel.setSidebarUrls(usualPlaces());
+  if (auto* splitter = panel.findChild<QSplitter*>()) {
+    splitter->setSizes({160, 700});
+  }
+  if (const auto* list = panel.findChild<QTreeView*>()) {
+    list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    list->header()->setSectionResizeMode(0, QHeaderView::Stretch);  // the names
+  }
 }
 
 std::vector<std::string> chosenIn(const QFileDialog& panel) {
@@ -46,11 +81,12 @@ bool runPanel(ItemPanelKind kind, const std::string& title, std::vector<std::str
   // The window that the panel belongs to may go, and take it along, while it is open.
   const QPointer<QFileDialog> panel(new QFileDialog(windowForDialogs(), toShownText(title)));
   setSelectionRules(*panel, kind);
-  setStartFolder(*panel);
-  panel->resize(860, 540);
+  LastFolder lastFolder;
+  panel->setDirectory(lastFolder.get());
+  setLooks(*panel);
   const bool accepted = panel->exec() == QDialog::Accepted && panel;
   if (panel) {
-    lastFolder() = panel->directory().absolutePath();
+    lastFolder.set(panel->directory().absolutePath());
   }
   const std::vector<std::string> urls = accepted ? chosenIn(*panel) : std::vector<std::string>();
   delete panel;

@@ -1,0 +1,82 @@
+#include "platform/linux/confirm_dialog_linux.h"
+
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+
+#include "src/platform/event_loop.h"
+
+namespace zantrio {
+namespace {
+
+using test::whenModal;
+
+bool ask(int kind, const std::function<void(QMessageBox&)>& answer) {
+  whenModal<QMessageBox>(answer);
+  return createConfirmDialog()->ask("Stop <i>now</i>?", kind);
+}
+
+void click(QMessageBox& question, const QString& button) {
+  for (QAbstractButton* candidate : question.buttons()) {
+    if (candidate->text().remove('&') == button) {
+      candidate->click();
+      return;
+    }
+  }
+  ADD_FAILURE() << "no button " << button.toStdString();
+  question.close();
+}
+
+TEST(ConfirmDialogLinux, IsTrueForYesOnly) {
+  EXPECT_TRUE(ask(0, [](QMessageBox& question) { click(question, "Yes"); }));
+  EXPECT_FALSE(ask(0, [](QMessageBox& question) { click(question, "No"); }));
+}
+
+TEST(ConfirmDialogLinux, TakesTheKeysForYesAndNo) {
+  EXPECT_TRUE(ask(0, [](QMessageBox& question) { QTest::keyClick(&question, Qt::Key_Return); }));
+  EXPECT_FALSE(ask(0, [](QMessageBox& question) { QTest::keyClick(&question, Qt::Key_Escape); }));
+}
+
+TEST(ConfirmDialogLinux, CountsAClosedQuestionAsNo) {
+  EXPECT_FALSE(ask(0, [](QMessageBox& question) { question.close(); }));
+}
+
+TEST(ConfirmDialogLinux, CountsAQuestionThatGoesWithItsWindowAsNo) {
+  auto* window = new QWidget;
+  window->show();
+  QApplication::setActiveWindow(window);
+  EXPECT_FALSE(ask(0, [window](QMessageBox& question) {
+    EXPECT_EQ(question.parentWidget(), window);
+    delete window;
+  }));
+}
+
+TEST(ConfirmDialogLinux, LooksAsSeriousAsItsKind) {
+  const auto iconOf = [](int kind) {
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    ask(kind, [&icon](QMessageBox& question) {
+      icon = question.icon();
+      click(question, "No");
+    });
+    return icon;
+  };
+  EXPECT_EQ(iconOf(IConfirmDialog::kCaution), QMessageBox::Warning);
+  EXPECT_EQ(iconOf(IConfirmDialog::kStop), QMessageBox::Critical);
+  EXPECT_EQ(iconOf(IConfirmDialog::kPlain), QMessageBox::Information);
+  EXPECT_EQ(iconOf(7), QMessageBox::Critical);
+  EXPECT_EQ(iconOf(-1), QMessageBox::Critical);
+}
+
+TEST(ConfirmDialogLinux, ShowsThePlainTextWithTwoButtonsAndAnEmptyHeader) {
+  ask(0, [](QMessageBox& question) {
+    EXPECT_EQ(question.text(), "Stop <i>now</i>?");
+    EXPECT_EQ(question.textFormat(), Qt::PlainText);
+    EXPECT_EQ(question.windowTitle(), "");
+    EXPECT_EQ(question.buttons().size(), 2);
+    EXPECT_EQ(question.defaultButton()->text().remove('&'), "Yes");
+    click(question, "No");
+  });
+}
+
+}  // namespace
+}  // namespace zantrio

@@ -1,0 +1,35 @@
+#include "src/platform/fake_opener.h"
+
+#include <QFile>
+#include <filesystem>
+
+#include "src/platform/event_loop.h"
+
+namespace zantrio::test {
+
+FakeOpener::FakeOpener() : pathBefore_(qgetenv("PATH")) {
+  const std::string script =
+      folder_.makeFile("xdg-open", "#!/bin/sh\nprintf '%s: %s\\n' \"$#\" \"$1\" >> '" +
+                                       folder_.path() + "/starts'\n");
+  std::filesystem::permissions(script, std::filesystem::perms::owner_all);
+  qputenv("PATH", QByteArray::fromStdString(folder_.path()) + ':' + pathBefore_);
+}
+
+FakeOpener::~FakeOpener() {
+  qputenv("PATH", pathBefore_);
+}
+
+QStringList FakeOpener::starts() const {
+  QFile file(QString::fromStdString(folder_.path() + "/starts"));
+  if (!file.open(QIODevice::ReadOnly)) {
+    return {};
+  }
+  return QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts);
+}
+
+QStringList FakeOpener::waitForStarts(int count) const {
+  EXPECT_TRUE(waitFor([this, count] { return starts().size() >= count; }));
+  return starts();
+}
+
+}  // namespace zantrio::test

@@ -1,0 +1,73 @@
+#include "platform/linux/os_file_explorer_linux.h"
+
+#include <gtest/gtest.h>
+
+#include "src/files/temporary_folder.h"
+#include "src/platform/fake_opener.h"
+#include "src/platform/recorded_service.h"
+
+namespace zantrio {
+namespace {
+
+const QString kFileManager = "org.freedesktop.FileManager1";
+const QString kFileManagerPath = "/org/freedesktop/FileManager1";
+
+class OsFileExplorerLinux : public testing::Test {
+ protected:
+  const test::TemporaryFolder folder_;
+  const test::FakeOpener opener_;
+};
+
+TEST_F(OsFileExplorerLinux, AsksTheFileManagerToShowTheFolder) {
+  test::RecordedService fileManager(kFileManager, kFileManagerPath);
+  EXPECT_TRUE(createOsFileExplorer()->openFolder(folder_.makeFolder("my f\u00F6lder 100%")));
+  const QDBusMessage call = fileManager.waitForCall("ShowFolders");
+  EXPECT_EQ(call.interface(), kFileManager);
+  EXPECT_EQ(call.signature(), "ass");
+  EXPECT_EQ(call.arguments().value(0).toStringList(),
+            QStringList(QString::fromStdString("file://" + folder_.path() +
+                                               "/my%20f%C3%B6lder%20100%25/")));
+  EXPECT_EQ(call.arguments().value(1).toString(), "");
+  // Something that is started later is the first thing that is started.
+  EXPECT_TRUE(createOsFileExplorer()->openURL("https://example.test/"));
+  EXPECT_EQ(opener_.waitForStarts(1), QStringList("1: https://example.test/"));
+}
+
+TEST_F(OsFileExplorerLinux, StartsTheOpenerWhenThereIsNoFileManager) {
+  EXPECT_TRUE(createOsFileExplorer()->openFolder(folder_.makeFolder("a b")));
+  EXPECT_EQ(opener_.waitForStarts(1),
+            QStringList(QString::fromStdString("1: file://" + folder_.path() + "/a%20b/")));
+}
+
+TEST_F(OsFileExplorerLinux, StartsTheOpenerWhenTheFileManagerRefuses) {
+  test::RecordedService fileManager(kFileManager, kFileManagerPath);
+  fileManager.refuse("ShowFolders");
+  EXPECT_TRUE(createOsFileExplorer()->openFolder(folder_.makeFolder("x")));
+  EXPECT_EQ(opener_.waitForStarts(1),
+            QStringList(QString::fromStdString("1: file://" + folder_.path() + "/x/")));
+}
+
+TEST_F(OsFileExplorerLinux, OpensNothingThatIsNoFolder) {
+  EXPECT_FALSE(createOsFileExplorer()->openFolder(folder_.path() + "/gone"));
+  EXPECT_FALSE(createOsFileExplorer()->openFolder(folder_.makeFile("program.desktop")));
+  EXPECT_FALSE(createOsFileExplorer()->openFolder(""));
+  EXPECT_TRUE(createOsFileExplorer()->openURL("mailto:a@example.test"));
+  EXPECT_EQ(opener_.waitForStarts(1), QStringList("1: mailto:a@example.test"));
+}
+
+TEST_F(OsFileExplorerLinux, HandsTheUrlOnAsOneArgumentWithoutAShell) {
+  const std::string url = "https://example.test/a?b=c&d=$(touch%20x);e='f'*";
+  EXPECT_TRUE(createOsFileExplorer()->openURL(url));
+  EXPECT_EQ(opener_.waitForStarts(1), QStringList(QString::fromStdString("1: " + url)));
+}
+
+TEST_F(OsFileExplorerLinux, RefusesWhatIsNoOpenableUrl) {
+  EXPECT_FALSE(createOsFileExplorer()->openURL(""));
+  EXPECT_FALSE(createOsFileExplorer()->openURL("--help"));
+  EXPECT_FALSE(createOsFileExplorer()->openURL("file:///usr/bin/true"));
+  EXPECT_TRUE(createOsFileExplorer()->openURL("http://example.test/"));
+  EXPECT_EQ(opener_.waitForStarts(1), QStringList("1: http://example.test/"));
+}
+
+}  // namespace
+}  // namespace zantrio

@@ -1,0 +1,21 @@
+#include "platform/linux/platform_init_linux.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QIcon>
+
+namespace zantrio {
+namespace {
+
+TEST(PlatformInitLinux, TellsTheDesktopWhoTheApplicationIs) {
+  createPlatformInit()->init();
+  EXPECT_EQ(QGuiApplication::applicationDisplayName(), "Zantrio");
+  EXPECT_EQ(QGuiApplication::desktopFileName(), "zantrio");
+  for (const int size : {16, 32, 128}) {
+    EXPECT_EQ(QApplication::windowIcon().pixmap(size).width(), size);
+  }
+}
+
+}  // namespace
+}  // namespace zantrio

@@ -1,0 +1,19 @@
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QStandardPaths>
+
+#include "src/files/temporary_folder.h"
+#include "src/platform/session_bus.h"
+
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  const zantrio::test::TemporaryFolder home;
+  qputenv("HOME", QByteArray::fromStdString(home.path()));
+  qunsetenv("XDG_CONFIG_HOME");
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  const zantrio::test::SessionBus bus;
+  const QApplication application(argc, argv);
+  QApplication::setQuitOnLastWindowClosed(false);
+  return RUN_ALL_TESTS();
+}

@@ -1,0 +1,92 @@
+#include "platform/linux/user_notification_handler_linux.h"
+
+#include <gtest/gtest.h>
+
+#include <QDBusArgument>
+#include <QDBusPendingCallWatcher>
+
+#include "src/platform/event_loop.h"
+#include "src/platform/recorded_service.h"
+
+namespace zantrio {
+namespace {
+
+const QString kServer = "org.freedesktop.Notifications";
+const QString kServerPath = "/org/freedesktop/Notifications";
+
+class UserNotificationHandlerLinux : public testing::Test {
+ protected:
+  static void show(const UserNotification& notification) {
+    createUserNotificationHandler()->show(notification);
+  }
+
+  QString shownMessage(const std::string& message) {
+    show({"title", message, ""});
+    return server_.waitForCall("Notify").arguments().value(4).toString();
+  }
+
+  test::RecordedService server_{kServer, kServerPath};
+};
+
+TEST_F(UserNotificationHandlerLinux, HandsOnAllFields) {
+  server_.answer("GetCapabilities", QStringList{"body"});
+  show({"Fertig: gr\u00FC\u00DFe \u65E5\u672C", "2 files", "https://example.test/t/1"});
+  const QDBusMessage call = server_.waitForCall("Notify");
+  EXPECT_EQ(call.interface(), kServer);
+  EXPECT_EQ(call.signature(), "susssasa{sv}i");
+  const QVariantList arguments = call.arguments();
+  ASSERT_EQ(arguments.size(), 8);
+  EXPECT_EQ(arguments[0].toString(), "Zantrio");
+  EXPECT_EQ(arguments[1].toUInt(), 0U);
+  EXPECT_EQ(arguments[2].toString(), "zantrio");
+  EXPECT_EQ(arguments[3].toString(), QString::fromUtf8("Fertig: gr\u00FC\u00DFe \u65E5\u672C"));
+  EXPECT_EQ(arguments[4].toString(), "2 files");
+  EXPECT_EQ(arguments[5].toStringList(), QStringList());
+  const auto hints = qdbus_cast<QVariantMap>(arguments[6]);
+  EXPECT_EQ(hints["desktop-entry"].toString(), "zantrio");
+  EXPECT_EQ(hints["x-zantrio-url"].toString(), "https://example.test/t/1");
+  EXPECT_EQ(arguments[7].toInt(), -1);
+}
+
+TEST_F(UserNotificationHandlerLinux, EscapesTheMessageForServersThatReadMarkup) {
+  server_.answer("GetCapabilities", QStringList{"body", "body-markup"});
+  EXPECT_EQ(shownMessage("<img src=x> & \"<b>\""), "&lt;img src=x&gt; &amp; &quot;&lt;b&gt;&quot;");
+}
+
+TEST_F(UserNotificationHandlerLinux, LeavesTheMessageAsItIsForOtherServers) {
+  server_.answer("GetCapabilities", QStringList{"body"});
+  EXPECT_EQ(shownMessage("<b>a</b> & b"), "<b>a</b> & b");
+}
+
+TEST_F(UserNotificationHandlerLinux, ShowsWhatNoMessageOfTheBusMayHold) {
+  server_.answer("GetCapabilities", QStringList{"body"});
+  EXPECT_EQ(shownMessage(std::string("a\0b\xFF", 4)), QString::fromUtf8("a\uFFFDb\uFFFD"));
+}
+
+TEST_F(UserNotificationHandlerLinux, CutsATextWithoutMeasure) {
+  server_.answer("GetCapabilities", QStringList{"body"});
+  EXPECT_EQ(shownMessage(std::string(5'000'000, 'x')).size(), 10'001);
+}
+
+TEST_F(UserNotificationHandlerLinux, ShowsANotificationWithoutAnyText) {
+  server_.answer("GetCapabilities", QStringList{"body"});
+  show({});
+  EXPECT_EQ(server_.waitForCall("Notify").arguments().value(3).toString(), "");
+}
+
+TEST_F(UserNotificationHandlerLinux, DropsTheNotificationWhenTheServerIsNone) {
+  server_.refuse("GetCapabilities");
+  show({"title", "message", ""});
+  server_.waitForCall("GetCapabilities");
+  // The answer to a later call comes behind whatever followed the refusal.
+  QDBusConnection bus = QDBusConnection::sessionBus();
+  bool answered = false;
+  QDBusPendingCallWatcher later(
+      bus.asyncCall(QDBusMessage::createMethodCall(kServer, kServerPath, kServer, "Later")));
+  QObject::connect(&later, &QDBusPendingCallWatcher::finished, [&answered] { answered = true; });
+  EXPECT_TRUE(test::waitFor([&answered] { return answered; }));
+  EXPECT_EQ(server_.calls().size(), 2U);
+}
+
+}  // namespace
+}  // namespace zantrio

@@ -1,0 +1,36 @@
+#include <gtest/gtest.h>
+
+#include "files/file_choose_dialog.h"
+#include "files/folder_choose_dialog.h"
+#include "services/alert_dialog.h"
+#include "services/clipboard.h"
+#include "services/confirm_dialog.h"
+#include "services/os_file_explorer.h"
+#include "services/platform_init.h"
+#include "services/user_notification_handler.h"
+
+namespace zantrio {
+namespace {
+
+TEST(WithoutApplication, DialogsAreNotShown) {
+  std::vector<std::string> urls;
+  createAlertDialog()->show("text");
+  EXPECT_TRUE(createConfirmDialog()->ask("text", IConfirmDialog::kCaution));
+  EXPECT_FALSE(createFileChooseDialog()->show(urls));
+  EXPECT_FALSE(createFolderChooseDialog()->show(urls));
+  EXPECT_TRUE(urls.empty());
+}
+
+TEST(WithoutApplication, NothingIsCopiedOrOpened) {
+  EXPECT_FALSE(createClipboard()->copyText("text"));
+  EXPECT_FALSE(createOsFileExplorer()->openURL("https://example.test/"));
+  EXPECT_FALSE(createOsFileExplorer()->openFolder("/"));
+}
+
+TEST(WithoutApplication, NotificationsAndInitialisationAreDropped) {
+  createUserNotificationHandler()->show({"title", "message", ""});
+  createPlatformInit()->init();
+}
+
+}  // namespace
+}  // namespace zantrio

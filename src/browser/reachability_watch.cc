@@ -17,7 +17,10 @@ namespace zantrio {
 namespace {
 
 constexpr std::int64_t kLookPeriodMs = 250;
+// Looks in a row at a quiet page before the service is asked: one second, and two seconds while
+// the loading page tells that it did not answer.
 constexpr int kQuietLooks = 4;
+constexpr int kQuietLooksBeforeRetry = 8;
 
 // The service may have come up between the page's try and the probe. Does nothing on a page that
 // did load.
@@ -71,7 +74,7 @@ void ReachabilityWatch::look() {
     }
     if (result_ && result_->ready) {
       useResult(std::exchange(result_, nullptr)->reachable);
-    } else if (!result_ && pageHasSettled()) {
+    } else if (!result_ && isTimeToProbe()) {
       startProbe();
     }
     if (browser_) {
@@ -81,11 +84,18 @@ void ReachabilityWatch::look() {
   });
 }
 
-bool ReachabilityWatch::pageHasSettled() {
+bool ReachabilityWatch::isTimeToProbe() {
+  quietLooks_ = isQuiet() ? quietLooks_ + 1 : 0;
+  return quietLooks_ >= (showsLoadingPage() ? kQuietLooksBeforeRetry : kQuietLooks);
+}
+
+bool ReachabilityWatch::isQuiet() const {
+  return browser_->GetMainFrame() && !browser_->IsLoading();
+}
+
+bool ReachabilityWatch::showsLoadingPage() const {
   const CefRefPtr<CefFrame> frame = browser_->GetMainFrame();
-  const bool quiet = frame && !browser_->IsLoading() && !isUnreachablePageUrl(frame->GetURL());
-  quietLooks_ = quiet ? quietLooks_ + 1 : 0;
-  return quietLooks_ >= kQuietLooks;
+  return frame && isUnreachablePageUrl(frame->GetURL());
 }
 
 void ReachabilityWatch::startProbe() {
@@ -99,25 +109,42 @@ void ReachabilityWatch::startProbe() {
 }
 
 void ReachabilityWatch::useResult(bool reachable) {
-  const bool settled = pageHasSettled();
   quietLooks_ = 0;
-  if (!settled) {
+  if (!isQuiet()) {
     return;  // it has moved on meanwhile
   }
-  const CefRefPtr<CefFrame> frame = browser_->GetMainFrame();
-  if (!reachable) {
-    logWarning("The web application cannot be reached at ", page_.appUrl,
-               ", showing the loading page");
-    secondLook_ = false;
-    frame->LoadURL(page_.unreachablePageUrl);
-  } else if (!secondLook_) {
-    secondLook_ = true;
-    frame->ExecuteJavaScript(retryOnErrorPage(page_.appUrl), frame->GetURL(), 0);
+  if (showsLoadingPage()) {
+    if (reachable) {
+      retry();
+    }
+  } else if (!reachable) {
+    showLoadingPage();
   } else {
-    logInformation("The web application at ", page_.appUrl,
-                   " answers but has not announced itself");
-    stop();
+    lookAtLoadedPage();
   }
+}
+
+void ReachabilityWatch::retry() {
+  logInformation("The service answers again, trying to load main app using URL: ", page_.appUrl);
+  browser_->GetMainFrame()->LoadURL(page_.appUrl);
+}
+
+void ReachabilityWatch::showLoadingPage() {
+  logWarning("The web application cannot be reached at ", page_.appUrl,
+             ", showing the loading page");
+  secondLook_ = false;
+  browser_->GetMainFrame()->LoadURL(page_.unreachablePageUrl);
+}
+
+void ReachabilityWatch::lookAtLoadedPage() {
+  if (!secondLook_) {
+    secondLook_ = true;
+    const CefRefPtr<CefFrame> frame = browser_->GetMainFrame();
+    frame->ExecuteJavaScript(retryOnErrorPage(page_.appUrl), frame->GetURL(), 0);
+    return;
+  }
+  logInformation("The web application at ", page_.appUrl, " answers but has not announced itself");
+  stop();
 }
 
 }  // namespace zantrio

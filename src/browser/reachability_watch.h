@@ -10,12 +10,14 @@
 
 namespace zantrio {
 
-// Notices that the web application did not come up, and shows the loading page in its place, which
-// says so and tries again; a failed new try is noticed as well.
+// Notices that the web application did not come up, shows the loading page in its place, which
+// says so, and loads the web application once the service answers.
 //
 // The framework does not tell this client about failed loads. A page counts as settled when it has
 // stopped loading without announcing itself (see stop) for a second. The service is then asked
-// from here: when it answers, the page is left as it is, else the loading page takes its place.
+// from here: when it answers, the page is left as it is, else the loading page takes its place,
+// and the service is asked again from time to time. The loading page may also try for itself; a
+// failed try is noticed as any other.
 //
 // Ownership: counted references; a watch that runs keeps itself alive through its posted tasks.
 // Thread: UI, but for the probe, which has a thread of its own.
@@ -45,9 +47,14 @@ class ReachabilityWatch : public CefBaseRefCounted {
 
   void postLook();
   void look();
-  bool pageHasSettled();
+  bool isTimeToProbe();
+  bool isQuiet() const;
+  bool showsLoadingPage() const;
   void startProbe();
   void useResult(bool reachable);
+  void retry();
+  void showLoadingPage();
+  void lookAtLoadedPage();
 
   const ReachabilityProbe probe_;
   CefRefPtr<CefBrowser> browser_;

@@ -1,0 +1,212 @@
+#include "devservice/api_area.h"
+
+#include "devservice/http_error.h"
+
+namespace zantrio::devservice {
+
+namespace {
+
+constexpr std::uint64_t kWeek = 7ULL * 24 * 3600;
+constexpr Json::ArrayIndex kLargestBatch = 20000;
+
+[[noreturn]] void refuse(const std::string& why) {
+  throw CHttpError(400, "bad_request", why);
+}
+
+Json::Value readObject(CExchange& exchange) {
+  Json::Value body = exchange.readJson();
+  if (!body.isObject()) {
+    refuse("The request's body must be a JSON object.");
+  }
+  return body;
+}
+
+std::string text(const Json::Value& object, const char* key) {
+  const Json::Value& value = object[key];
+  if (!value.isNull() && !value.isString()) {
+    refuse(std::string("\"") + key + "\" must be a text.");
+  }
+  return value.asString();
+}
+
+std::uint64_t number(const Json::Value& object, const char* key, std::uint64_t otherwise) {
+  const Json::Value& value = object[key];
+  if (value.isNull()) {
+    return otherwise;
+  }
+  if (!value.isUInt64()) {
+    refuse(std::string("\"") + key + "\" must be a whole number, not negative.");
+  }
+  return value.asUInt64();
+}
+
+Json::Value recipients(const Json::Value& body) {
+  const Json::Value& list = body["recipients"];
+  if (list.isNull()) {
+    return Json::arrayValue;
+  }
+  if (!list.isArray()) {
+    refuse("\"recipients\" must be an array of e-mail addresses.");
+  }
+  for (const Json::Value& recipient : list) {
+    if (!recipient.isString() || recipient.asString().find('@') == std::string::npos) {
+      refuse("Every recipient must be an e-mail address.");
+    }
+  }
+  return list;
+}
+
+// A name from a file system is one component; the folder may have several.
+Announcement parseAnnouncement(const Json::Value& file) {
+  if (!file.isObject()) {
+    refuse("Every element of \"files\" must be an object.");
+  }
+  const std::string name = text(file, "name");
+  const std::string folder = text(file, "path");
+  if (name.find('/') != std::string::npos) {
+    throw CHttpError(
+        400, "bad_name",
+        "The file \"" + printable(name) + "\" cannot be taken: its name contains a \"/\".");
+  }
+  Announcement announcement;
+  announcement.path = folder.empty() ? name : folder + "/" + name;
+  announcement.size = number(file, "size", 0);
+  const Json::Value& modified = file["modified"];
+  announcement.modified = modified.isInt64() ? modified.asInt64() : 0;
+  if (const std::string why = whyUnusable(announcement.path); !why.empty()) {
+    throw CHttpError(
+        400, "bad_name",
+        "The file \"" + printable(announcement.path) + "\" cannot be taken: " + why + ".");
+  }
+  return announcement;
+}
+
+Json::Value uploadDetails(const CExchange& exchange, const std::string& bucketId,
+                          const std::string& token, const MessageFile& file) {
+  Json::Value details;
+  details["url"] = exchange.baseUrl() + "/storage/" + bucketId + "/" + encodePath(file.path);
+  details["headers"]["X-Zantrio-Token"] = token;
+  return details;
+}
+
+void need(const CExchange& exchange, const char* method) {
+  if (exchange.method() != method) {
+    throw CHttpError(405, "not_supported",
+                     exchange.method() + " is not possible here, only " + method + ".");
+  }
+}
+
+}  // namespace
+
+// /api/status
+// /api/messages
+// /api/messages/<bucket>
+// /api/messages/<bucket>/files, .../files/<id>
+// /api/messages/<bucket>/complete
+void CApiArea::handle(CExchange& exchange) {
+  const auto& path = exchange.segments();
+  if (path.size() == 2 && path[1] == "status") {
+    return status(exchange);
+  }
+  if (path.size() == 2 && path[1] == "messages") {
+    return messages(exchange);
+  }
+  if (path.size() == 3 && path[1] == "messages") {
+    return message(exchange, path[2]);
+  }
+  if (path.size() == 4 && path[1] == "messages" && path[3] == "files") {
+    return files(exchange, path[2]);
+  }
+  if (path.size() == 5 && path[1] == "messages" && path[3] == "files") {
+    need(exchange, "DELETE");
+    store_.removeFile(path[2], path[4]);
+    return exchange.answerEmpty(204);
+  }
+  if (path.size() == 4 && path[1] == "messages" && path[3] == "complete") {
+    need(exchange, "POST");
+    return exchange.answer(200, store_.complete(path[2]));
+  }
+  throw CHttpError(404, "not_found", "There is nothing at " + printable(exchange.path()) + ".");
+}
+
+void CApiArea::status(CExchange& exchange) {
+  need(exchange, "GET");
+  std::size_t count = 0;
+  const CMessage::Totals totals = store_.totals(count);
+  Json::Value json;
+  json["service"] = "zantrio-devservice";
+  json["messages"] = Json::UInt64(count);
+  json["files"] = Json::UInt64(totals.files);
+  json["bytes"] = Json::UInt64(totals.bytes);
+  json["arrivedFiles"] = Json::UInt64(totals.arrivedFiles);
+  json["arrivedBytes"] = Json::UInt64(totals.arrivedBytes);
+  exchange.answer(200, json);
+}
+
+void CApiArea::messages(CExchange& exchange) {
+  if (exchange.method() == "GET") {
+    Json::Value json;
+    json["messages"] = store_.list();
+    return exchange.answer(200, json);
+  }
+  need(exchange, "POST");
+  createMessage(exchange);
+}
+
+void CApiArea::createMessage(CExchange& exchange) {
+  const Json::Value body = readObject(exchange);
+  const CMessage message =
+      store_.create(text(body, "subject"), text(body, "text"), recipients(body),
+                    number(body, "tokenLifetimeSeconds", kWeek));
+  Json::Value json = toJson(message);
+  json["token"] = message.token;
+  json["tokenExpires"] = Json::UInt64(message.tokenExpires);
+  exchange.answer(201, json);
+}
+
+void CApiArea::message(CExchange& exchange, const std::string& bucketId) {
+  if (exchange.method() == "DELETE") {
+    store_.cancel(bucketId);
+    return exchange.answerEmpty(204);
+  }
+  need(exchange, "GET");
+  exchange.answer(200, store_.describe(bucketId));
+}
+
+void CApiArea::files(CExchange& exchange, const std::string& bucketId) {
+  if (exchange.method() == "POST") {
+    return announceFiles(exchange, bucketId);
+  }
+  need(exchange, "GET");
+  Json::Value json;
+  json["files"] = Json::arrayValue;
+  for (const MessageFile& file : store_.files(bucketId)) {
+    json["files"].append(toJson(file));
+  }
+  exchange.answer(200, json);
+}
+
+void CApiArea::announceFiles(CExchange& exchange, const std::string& bucketId) {
+  const Json::Value body = readObject(exchange);
+  const Json::Value& list = body["files"];
+  if (!list.isArray() || list.empty() || list.size() > kLargestBatch) {
+    refuse("\"files\" must be an array of 1 to " + std::to_string(kLargestBatch) + " files.");
+  }
+  const std::string token = exchange.header("X-Zantrio-Token");
+  store_.authorize(bucketId, token, true);
+  std::vector<Announcement> announcements;
+  announcements.reserve(list.size());
+  for (const Json::Value& file : list) {
+    announcements.push_back(parseAnnouncement(file));
+  }
+  Json::Value json;
+  json["files"] = Json::arrayValue;
+  for (const MessageFile& file : store_.announce(bucketId, announcements)) {
+    Json::Value described = toJson(file);
+    described["uploadDetails"] = uploadDetails(exchange, bucketId, token, file);
+    json["files"].append(std::move(described));
+  }
+  exchange.answer(200, json);
+}
+
+}  // namespace zantrio::devservice

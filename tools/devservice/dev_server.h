@@ -1,0 +1,42 @@
+#pragma once
+
+#include <Poco/Event.h>
+#include <Poco/Net/HTTPServer.h>
+#include <Poco/ThreadPool.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "devservice/dispatcher.h"
+#include "devservice/fault_rules.h"
+#include "devservice/message_store.h"
+#include "devservice/options.h"
+
+namespace zantrio::devservice {
+
+// The whole service on 127.0.0.1. Serves from construction to `stop`, with a thread for each
+// connection.
+class CDevServer {
+ public:
+  // Throws std::runtime_error with one line for the user: a port in use, unusable folders.
+  explicit CDevServer(const Options& options);
+  ~CDevServer();
+  CDevServer(const CDevServer&) = delete;
+  CDevServer& operator=(const CDevServer&) = delete;
+
+  std::uint16_t port() const;
+  std::string url() const;
+  // Ends all connections and waits for their threads. Calling it again changes nothing.
+  void stop();
+
+ private:
+  CMessageStore store_;
+  CFaultRules faults_;
+  Poco::Event stopping_{Poco::Event::EVENT_MANUALRESET};
+  Areas areas_;
+  Poco::ThreadPool threads_;
+  std::unique_ptr<Poco::Net::HTTPServer> server_;
+};
+
+}  // namespace zantrio::devservice

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <Poco/Event.h>
+#include <Poco/Net/HTTPRequestHandler.h>
+#include <Poco/Net/HTTPRequestHandlerFactory.h>
+
+#include "devservice/api_area.h"
+#include "devservice/fault_area.h"
+#include "devservice/storage_area.h"
+#include "devservice/web_area.h"
+
+namespace zantrio::devservice {
+
+// Everything that requests are handed to. Thread: any.
+struct Areas {
+  CApiArea api;
+  CStorageArea storage;
+  CWebArea web;
+  CFaultArea faultAdministration;
+  CFaultRules& faultRules;
+  Poco::Event& stopping;
+};
+
+// Hands each request to its area and answers what an area throws: the one place where failures
+// become answers.
+class CDispatcher : public Poco::Net::HTTPRequestHandler {
+ public:
+  explicit CDispatcher(Areas& areas) : areas_(areas) {}
+
+  void handleRequest(Poco::Net::HTTPServerRequest& request,
+                     Poco::Net::HTTPServerResponse& response) override;
+
+ private:
+  void handle(CExchange& exchange);
+  void route(CExchange& exchange);
+  // Lets faults happen that need no area; true when the request is answered by it.
+  bool fail(CExchange& exchange);
+
+  Areas& areas_;
+};
+
+class CDispatcherFactory : public Poco::Net::HTTPRequestHandlerFactory {
+ public:
+  explicit CDispatcherFactory(Areas& areas) : areas_(areas) {}
+
+  Poco::Net::HTTPRequestHandler* createRequestHandler(
+      const Poco::Net::HTTPServerRequest& request) override;
+
+ private:
+  Areas& areas_;
+};
+
+}  // namespace zantrio::devservice

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <json/json.h>
+
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zantrio::devservice {
+
+// What goes wrong with one request.
+struct Fault {
+  enum class Type { kNone, kStatus, kReset, kStall, kDelay, kRate, kEtag, kTruncate, kCorrupt };
+
+  Type type = Type::kNone;
+  int status = 503;                  // kStatus
+  std::optional<int> retryAfter;     // kStatus: seconds
+  std::uint64_t afterBytes = 0;      // kReset, kStall, kTruncate, kCorrupt: of the body
+  std::uint64_t milliseconds = 0;    // kDelay; kStall: 0 means until the service ends
+  std::uint64_t bytesPerSecond = 0;  // kRate
+  std::string etag;                  // kEtag: without its quotes
+};
+
+// Rules that make chosen requests fail. The oldest matching rule that is not used up applies.
+// Thread: any.
+class CFaultRules {
+ public:
+  // Adds a rule; gives it back with its id. Throws CHttpError (400) for a rule that makes no sense.
+  Json::Value add(const Json::Value& rule);
+  Json::Value list() const;
+  bool remove(int id);
+  void clear();
+
+  // The fault for a request, by its method and decoded path; counts as one use of the rule.
+  Fault match(const std::string& method, const std::string& path);
+
+ private:
+  struct Rule {
+    int id = 0;
+    Json::Value text;    // as it was given
+    std::string method;  // empty: any
+    std::string path;    // pattern with * and ?
+    std::uint64_t skip = 0;
+    std::optional<std::uint64_t> count;  // none: for ever
+    Fault fault;
+    std::uint64_t seen = 0;
+    std::uint64_t used = 0;
+  };
+
+  static Json::Value describe(const Rule& rule);
+
+  mutable std::mutex mutex_;
+  // Guarded by mutex_.
+  std::vector<Rule> rules_;
+  int lastId_ = 0;
+};
+
+// Whether the text matches a pattern of literal characters, * (any text) and ? (one byte).
+bool matchesPattern(const std::string& pattern, const std::string& text);
+
+}  // namespace zantrio::devservice

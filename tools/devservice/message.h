@@ -1,0 +1,67 @@
+#pragma once
+
+#include <json/json.h>
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "devservice/names.h"
+
+namespace zantrio::devservice {
+
+// A file that belongs to a message, arrived or not.
+struct MessageFile {
+  std::string id;
+  std::string path;           // below the message's folder
+  std::uint64_t size = 0;     // as it was announced, bytes
+  std::int64_t modified = 0;  // milliseconds since 1970
+  bool removed = false;       // the sender left it out
+  bool arrived = false;
+  std::uint64_t arrivedSize = 0;
+  std::string md5;  // of what arrived, hexadecimal
+};
+
+// A message and its files. Not safe for several threads; its store guards it.
+class CMessage {
+ public:
+  enum class State { kOpen, kCompleted, kCancelled };
+
+  std::string id;
+  std::string token;
+  std::uint64_t tokenExpires = 0;  // seconds since 1970
+  std::string subject;
+  std::string text;
+  Json::Value recipients{Json::arrayValue};
+  State state = State::kOpen;
+  std::int64_t created = 0;  // milliseconds since 1970
+
+  // Adds a file that wants to be at `wanted` and gives it an id and a place of its own.
+  MessageFile& announce(const std::string& wanted, std::uint64_t size, std::int64_t modified);
+  // Adds a file as it was before.
+  void restore(MessageFile file);
+  // Null when there is none (or it was removed).
+  MessageFile* byPath(const std::string& path);
+  MessageFile* byId(const std::string& id);
+  const std::vector<MessageFile>& files() const { return files_; }
+
+  struct Totals {
+    std::uint64_t files = 0, bytes = 0, arrivedFiles = 0, arrivedBytes = 0;
+  };
+  Totals totals() const;
+
+ private:
+  std::vector<MessageFile> files_;
+  std::unordered_map<std::string, std::size_t> byPath_;
+  CPlaces places_;
+};
+
+const char* stateName(CMessage::State state);
+CMessage::State stateFromName(const std::string& name);
+
+// What the API tells of a message (without its token) and of a file.
+Json::Value toJson(const CMessage& message);
+Json::Value toJson(const MessageFile& file);
+
+}  // namespace zantrio::devservice

@@ -1,0 +1,14 @@
+// Work on long lists in pieces, so that the page can draw and answer in between.
+
+export function* inBatches(items, size) {
+  for (let begin = 0; begin < items.length; begin += size) {
+    yield items.slice(begin, begin + size);
+  }
+}
+
+/** Resolves in a later task, after the page has had its turn. */
+export function nextTurn() {
+  return new Promise((resolve) => {
+    setTimeout(resolve, 0);
+  });
+}

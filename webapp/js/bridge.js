@@ -1,0 +1,45 @@
+// Queries to the native side. Every bridge is one function of the window, given by the application;
+// in an ordinary browser there is none.
+
+export const BRIDGES = {
+  app: 'nativeAppBridge_IPC',
+  upload: 'uploadManagerBridge_IPC',
+  files: 'fileHandleChooserBridge_IPC',
+  addressBook: 'addressBookSearchManagerBridge_IPC',
+};
+
+export class BridgeError extends Error {
+  constructor(message, code) {
+    super(message);
+    this.name = 'BridgeError';
+    this.code = code;
+  }
+}
+
+export function isAvailable(bridge, root = globalThis) {
+  return typeof root[bridge] === 'function';
+}
+
+/** Asks a bridge; gives the answer's value. Rejects with a BridgeError. */
+export function query(bridge, method, parameters, root = globalThis) {
+  return new Promise((resolve, reject) => {
+    if (!isAvailable(bridge, root)) {
+      reject(new BridgeError('This needs the Zantrio application.', 0));
+      return;
+    }
+    root[bridge]({
+      request: JSON.stringify({ method, parameters }),
+      persistent: false,
+      onSuccess: (text) => {
+        try {
+          resolve(JSON.parse(text));
+        } catch {
+          reject(new BridgeError(`The application's answer to "${method}" cannot be read.`, 0));
+        }
+      },
+      onFailure: (code, message) => {
+        reject(new BridgeError(`The application could not do "${method}": ${message}`, code));
+      },
+    });
+  });
+}

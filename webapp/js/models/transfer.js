@@ -1,0 +1,56 @@
+import { Backbone } from '../lib.js';
+import { TransferFiles } from '../transfer_files.js';
+
+/**
+ * One group of the transfer library: a message on its way.
+ *
+ * `phase` tells what the page itself does with it:
+ *   filling      files are being handed over, `handedOver` of `fileCount` so far
+ *   interrupted  it was being filled when the page ended; not all files are there
+ *   running      the library has everything
+ *   delivered    the service has confirmed that the message is complete
+ *   cancelled
+ * `state` is the library's word for the group. `files` holds its files.
+ */
+export const Transfer = Backbone.Model.extend({
+  defaults: {
+    bucketId: '', subject: '', recipients: [], phase: 'running', state: 'UNKNWON', marked: false,
+    bytesTransferred: 0, bytesTotal: 0, rate: 0, secondsLeft: 0, handedOver: 0, fileCount: 0,
+    problem: '', created: 0,
+  },
+
+  initialize() {
+    this.files = new TransferFiles();
+  },
+
+  /** Takes in a group object of the library. */
+  takeGroup(group) {
+    this.set({
+      bucketId: group.bucketId,
+      state: group.type,
+      marked: Boolean(group.marked),
+      bytesTransferred: group.bytesTransferred,
+      bytesTotal: group.bytesTotal,
+      rate: group.bytesTransferredPerSecond,
+      secondsLeft: group.estimatedEta,
+    });
+    if (group.cancelled) this.set('phase', 'cancelled');
+  },
+
+  isFinished() {
+    return this.get('phase') === 'cancelled' || this.get('state') === 'COMPLETED';
+  },
+
+  isActive() {
+    return !this.isFinished() && this.get('phase') !== 'interrupted';
+  },
+
+  /** All bytes that the transfer will have, also while it is being filled. */
+  totalBytes() {
+    return Math.max(this.get('bytesTotal'), this.files.bytes);
+  },
+
+  fileTotal() {
+    return Math.max(this.get('fileCount'), this.files.count);
+  },
+});

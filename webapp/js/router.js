@@ -1,0 +1,34 @@
+import { Backbone } from './lib.js';
+
+export const Router = Backbone.Router.extend({
+  routes: {
+    '': 'newMessage',
+    'message/new': 'newMessage',
+    'share/new': 'newShare',
+    transfers: 'transfers',
+    settings: 'settings',
+    '*unknown': 'newMessage',
+  },
+
+  initialize({ shell, draft }) {
+    Object.assign(this, { shell, draft });
+  },
+
+  newMessage() {
+    this.draft.set('kind', 'message');
+    this.shell.show('send');
+  },
+
+  newShare() {
+    this.draft.set('kind', 'share');
+    this.shell.show('send');
+  },
+
+  transfers() {
+    this.shell.show('transfers');
+  },
+
+  settings() {
+    this.shell.show('settings');
+  },
+});

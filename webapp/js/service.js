@@ -1,0 +1,72 @@
+// The service's JSON API.
+
+/** The service cannot be reached, or is too busy to answer: worth trying again. */
+export class ServiceUnreachable extends Error {
+  constructor(message = 'The service cannot be reached.') {
+    super(message);
+    this.name = 'ServiceUnreachable';
+  }
+}
+
+/** The service has answered no; the message says why. */
+export class ServiceRefused extends Error {
+  constructor(message, status, code) {
+    super(message);
+    this.name = 'ServiceRefused';
+    this.status = status;
+    this.code = code;
+  }
+}
+
+const TIME_LIMIT = 30000;
+const WORTH_RETRYING = [408, 429, 500, 502, 503, 504];
+
+async function call(method, path, { body, token } = {}) {
+  const headers = {};
+  if (body !== undefined) headers['Content-Type'] = 'application/json';
+  if (token) headers['X-Zantrio-Token'] = token;
+  const abort = new AbortController();
+  const timer = setTimeout(() => abort.abort(), TIME_LIMIT);
+  try {
+    const answer = await fetch(path, {
+      method, headers, body: body === undefined ? undefined : JSON.stringify(body),
+      signal: abort.signal, cache: 'no-store',
+    });
+    if (!answer.ok) throw await refusal(answer);
+    return answer.status === 204 ? null : await answer.json();
+  } catch (error) {
+    if (error instanceof ServiceRefused || error instanceof ServiceUnreachable) throw error;
+    throw new ServiceUnreachable();
+  } finally {
+    clearTimeout(timer);
+  }
+}
+
+async function refusal(answer) {
+  if (WORTH_RETRYING.includes(answer.status)) {
+    return new ServiceUnreachable('The service is too busy to answer.');
+  }
+  let error = {};
+  try {
+    error = (await answer.json()).error ?? {};
+  } catch {
+    // Not the service's own words; the status has to do.
+  }
+  return new ServiceRefused(
+    error.message ?? `The service refused (${answer.status}).`, answer.status, error.code);
+}
+
+const bucketPath = (bucketId) => `/api/messages/${encodeURIComponent(bucketId)}`;
+
+export const service = {
+  status: () => call('GET', '/api/status'),
+  createMessage: (message) => call('POST', '/api/messages', { body: message }),
+  describeMessage: (bucketId) => call('GET', bucketPath(bucketId)),
+  announceFiles: (bucketId, token, files) =>
+    call('POST', `${bucketPath(bucketId)}/files`, { body: { files }, token }),
+  listFiles: (bucketId) => call('GET', `${bucketPath(bucketId)}/files`),
+  removeFile: (bucketId, fileId) =>
+    call('DELETE', `${bucketPath(bucketId)}/files/${encodeURIComponent(fileId)}`),
+  completeMessage: (bucketId) => call('POST', `${bucketPath(bucketId)}/complete`),
+  cancelMessage: (bucketId) => call('DELETE', bucketPath(bucketId)),
+};

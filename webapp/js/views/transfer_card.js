@@ -1,0 +1,156 @@
+import { Backbone } from '../lib.js';
+import { el, setText } from '../dom.js';
+import { icon } from '../icons.js';
+import { failureWords, groupWords, paceWords, progressWords } from '../transfer_words.js';
+import { ConfirmDialog } from './dialog.js';
+import { TransferFilesView } from './transfer_files_view.js';
+
+const NAMED_FAILURES = 3;
+
+/** One transfer: how far it is, what went wrong, and what one can do. */
+export const TransferCard = Backbone.View.extend({
+  tagName: 'article',
+  className: 'panel card',
+
+  initialize({ transfers, notify }) {
+    Object.assign(this, { transfers, notify });
+    this.listenTo(this.model, 'moved change:phase change:problem change:subject', this.update);
+    this.on('show', this.update);
+  },
+
+  render() {
+    const id = `transfer-${this.model.id}`;
+    this.title = el('h2', { id, 'data-test': 'group-title' });
+    this.recipients = el('p', { class: 'muted card-recipients' });
+    this.state = el('span', { class: 'chip', 'data-test': 'group-state' });
+    this.bar = el('span', { class: 'bar-fill' });
+    this.progress = el('div', {
+      class: 'bar', role: 'progressbar', 'aria-valuemin': '0', 'aria-valuemax': '100',
+      'aria-labelledby': id, 'data-test': 'group-progress',
+    }, this.bar);
+    this.detail = el('span', { 'data-test': 'group-detail' });
+    this.pace = el('span', { class: 'card-pace', 'data-test': 'group-rate' });
+    this.problemText = el('p', {});
+    this.problem = el('div', { class: 'problem', 'data-test': 'group-problem', hidden: true },
+      icon('warning'), this.problemText);
+    this.filesView = new TransferFilesView({ model: this.model, transfers: this.transfers, run: (action) => this.run(action) });
+    this.cancelDialog = new ConfirmDialog({
+      yes: 'Cancel transfer', no: 'Go on', dangerous: true, test: 'cancel-dialog',
+    });
+    this.el.dataset.test = 'group';
+    this.el.dataset.groupId = this.model.id;
+    this.el.setAttribute('aria-labelledby', id);
+    this.el.append(
+      el('div', { class: 'card-head' },
+        el('div', { class: 'card-titles' }, this.title, this.recipients), this.state),
+      this.progress,
+      el('div', { class: 'card-numbers' }, this.detail, this.pace),
+      this.problem, this.renderActions(), this.filesView.el, this.cancelDialog.el);
+    this.update();
+    return this;
+  },
+
+  renderActions() {
+    const { model, transfers } = this;
+    const button = (test, name, label, action, kind = '') => el('button', {
+      type: 'button', class: `button small ${kind}`, 'data-test': `group-${test}`,
+      onclick: () => this.run(action),
+    }, name ? icon(name) : null, label);
+    this.buttons = {
+      pause: button('pause', 'pause', 'Pause', () => transfers.pause(model)),
+      resume: button('resume', 'resume', 'Resume', () => transfers.resume(model)),
+      retry: button('retry', 'retry', 'Try again', () => transfers.resume(model), 'primary'),
+      finish: button('finish', 'send', 'Send what was added', () => transfers.finishInterrupted(model)),
+      cancel: button('cancel', null, 'Cancel', () => this.cancel(), 'quiet'),
+    };
+    this.toggle = el('button', {
+      type: 'button', class: 'button small quiet files-toggle', 'data-test': 'group-files-toggle',
+      'aria-expanded': 'false', onclick: () => this.toggleFiles(),
+    }, 'Files', icon('chevron'));
+    return el('div', { class: 'card-actions' }, Object.values(this.buttons), this.toggle);
+  },
+
+  toggleFiles() {
+    const open = this.toggle.getAttribute('aria-expanded') !== 'true';
+    this.toggle.setAttribute('aria-expanded', String(open));
+    this.filesView.setOpen(open);
+  },
+
+  async run(action) {
+    try {
+      await action();
+    } catch (error) {
+      this.notify({ kind: 'error', text: error.message });
+    }
+  },
+
+  async cancel() {
+    const title = this.model.get('subject') || 'This transfer';
+    if (await this.cancelDialog.ask('Cancel the transfer?',
+      `“${title}” is not delivered. Your own files stay where they are.`)) {
+      await this.transfers.cancel(this.model);
+    }
+  },
+
+  update() {
+    // What is not on screen is drawn when it is shown.
+    if (!this.el.isConnected && this.drawn) return;
+    this.drawn = true;
+    this.updateTexts();
+    this.updateProblem();
+    this.updateButtons();
+    this.filesView.update();
+  },
+
+  updateTexts() {
+    const { model } = this;
+    const { state, phase, subject, recipients, rate, secondsLeft, bytesTransferred } = model.attributes;
+    const words = groupWords({ phase, state });
+    setText(this.title, subject || `Transfer ${model.id}`);
+    setText(this.recipients, recipients.length > 0 ? `To ${recipients.join(', ')}` : '');
+    setText(this.state, words.label);
+    this.state.className = `chip chip-${words.tone}`;
+    this.state.dataset.state = state;
+    this.state.dataset.phase = phase;
+    const total = model.totalBytes();
+    const finished = state === 'COMPLETED';
+    const fraction = finished ? 1 : Math.min(1, total > 0 ? bytesTransferred / total : 0);
+    this.bar.style.transform = `scaleX(${fraction})`;
+    this.progress.className = `bar bar-${words.tone}`;
+    this.progress.setAttribute('aria-valuenow', String(Math.floor(fraction * 100)));
+    setText(this.detail, this.detailText(total, finished));
+    setText(this.pace, phase === 'cancelled' ? '' : paceWords({ state, rate, secondsLeft }));
+  },
+
+  detailText(total, finished) {
+    const { model } = this;
+    const words = progressWords({
+      done: model.files.countIn('COMPLETED'), count: model.fileTotal(),
+      bytesDone: Math.min(model.get('bytesTransferred'), total), bytesTotal: total, finished,
+    });
+    if (model.get('phase') !== 'filling') return words;
+    return `${words}. Adding files: ${model.get('handedOver')} of ${model.get('fileCount')}`;
+  },
+
+  updateProblem() {
+    const { model } = this;
+    const { state, phase, problem } = model.attributes;
+    const failed = (state === 'ERRORED' || phase === 'interrupted') && phase !== 'cancelled';
+    this.problem.hidden = !failed && !problem;
+    if (this.problem.hidden) return;
+    const names = model.files.firstIn('ERRORED', NAMED_FAILURES).map((file) => file.name);
+    const words = failed ? failureWords({ names, total: model.files.countIn('ERRORED'), phase }) : '';
+    setText(this.problemText, [problem, words].filter(Boolean).join(' '));
+  },
+
+  updateButtons() {
+    const { state, phase } = this.model.attributes;
+    const over = this.model.isFinished();
+    const interrupted = phase === 'interrupted';
+    this.buttons.pause.hidden = over || interrupted || !['TRANSFERRING', 'UNKNWON'].includes(state);
+    this.buttons.resume.hidden = over || state !== 'PAUSED';
+    this.buttons.retry.hidden = over || interrupted || state !== 'ERRORED';
+    this.buttons.finish.hidden = over || !interrupted;
+    this.buttons.cancel.hidden = over;
+  },
+});

@@ -1,0 +1,147 @@
+// A stand-in for the native side, for looking at the web application in a plain browser engine: inject it
+// at document creation. It answers the bridges and plays transfers that move no bytes.
+//
+// window.mockOptions (set before it runs):
+//   files          how many files a dialog or a drop gives (3)
+//   seconds        how long a transfer takes (4)
+//   failEvery      every n-th file fails (0: none)
+'use strict';
+(function () {
+  const options = { files: 3, seconds: 4, failEvery: 0, ...window.mockOptions };
+  const NAMES = ['Hochzeit – Rohschnitt final.mov', 'Contract 2026.pdf', 'Sound check.wav', 'Stills.zip',
+    'IMG_4182.HEIC', 'Budget.xlsx', 'Übersicht für das Team.docx', 'export.log', '日本語の写真.jpg'];
+  const groups = new Map();
+  let configuration = {
+    maxConcurrentTransfers: 8, minMultipartSize: 64 * 1024 * 1024, maxTransferRetries: 5,
+    verifyUploads: true, preventSleep: true, throttleBytesPerSecond: 0, serverTransferProgressInterval: 0,
+  };
+
+  function records(folder) {
+    return Array.from({ length: options.files }, (_, i) => ({
+      fileURL: `file:///home/ann/${folder}/${i}-${encodeURIComponent(NAMES[i % NAMES.length])}`,
+      name: i < NAMES.length ? NAMES[i] : NAMES[i % NAMES.length].replace('.', ` ${i}.`),
+      path: i % 3 === 0 ? null : `Reel ${1 + (i % 7)}/selects`,
+      size: ((i * 7919) % 997) * 1000 ** (1 + (i % 3)) + i,
+      created: 0, modified: 1700000000000 + i,
+    }));
+  }
+  const chosen = (folder) => ({ files: records(folder), directoryName: folder, summary: folder });
+
+  function groupJson(group) {
+    const total = group.files.reduce((sum, file) => sum + file.size, 0);
+    const done = group.files.reduce((sum, file) => sum + file.done, 0);
+    return {
+      id: group.id, type: group.state, bucketId: group.bucketId, bucketType: 'message',
+      paused: group.state === 'PAUSED', empty: group.files.length === 0, bytesTransferred: done,
+      bytesTotal: total, percentTransferred: total ? (done / total) * 100 : 0,
+      bytesTransferredPerSecond: group.state === 'TRANSFERRING' ? total / options.seconds : 0,
+      estimatedEta: group.state === 'TRANSFERRING' ? ((total - done) / total) * options.seconds : 0,
+      cancelled: group.cancelled, marked: group.marked,
+    };
+  }
+
+  const emitGroup = (group) => window._uploadManager_groupStateChanged(
+    { id: group.id, bucketId: group.bucketId, type: group.state, state: groupJson(group) });
+  const emitFile = (group, file) => window._uploadManager_fileStateChanged({
+    id: group.id, bucketId: group.bucketId, fileId: file.id, type: file.state,
+    state: { type: file.state, bytesTransfered: file.done, bytesTotal: file.size, percentTransferred: 0 },
+  });
+
+  function setState(group, state) {
+    group.state = state;
+    emitGroup(group);
+  }
+
+  function step(group) {
+    if (group.state !== 'TRANSFERRING') return;
+    const many = Math.max(1, Math.ceil(group.files.length / (options.seconds * 10)));
+    for (let i = 0; i < many && group.next < group.files.length; i += 1) {
+      const file = group.files[group.next];
+      file.done = Math.min(file.size, file.done + Math.max(1, Math.ceil(file.size / 6)));
+      file.state = 'TRANSFERRING';
+      if (file.done >= file.size || group.files.length > 50) {
+        const fails = options.failEvery && (group.next + 1) % options.failEvery === 0 && !group.retried;
+        file.state = fails ? 'ERRORED' : 'COMPLETED';
+        file.done = fails ? 0 : file.size;
+        group.next += 1;
+      }
+      emitFile(group, file);
+    }
+    const over = group.marked && group.next >= group.files.length;
+    const failed = group.files.some((file) => file.state === 'ERRORED');
+    if (over) setState(group, failed ? 'ERRORED' : 'COMPLETED');
+    else emitGroup(group);
+    if (!over) setTimeout(step, 100, group);
+  }
+
+  function start(group) {
+    if (group.state === 'TRANSFERRING' || group.state === 'PAUSED') return;
+    setState(group, 'TRANSFERRING');
+    setTimeout(step, 100, group);
+  }
+
+  const bridges = {
+    nativeAppBridge_IPC: {
+      onAppReady: () => null,
+      onAppExit: () => { window.mockExited = true; return null; },
+    },
+    fileHandleChooserBridge_IPC: {
+      selectFiles: () => chosen('Wedding film'),
+      selectFolder: () => chosen('Archive'),
+      handleDrop: () => chosen('Dropped'),
+    },
+    uploadManagerBridge_IPC: {
+      getConfiguration: () => configuration,
+      setConfiguration: (changes) => (configuration = { ...configuration, ...changes }),
+      fetchGroupsState: () => [...groups.values()].map(groupJson),
+      createGroup: ({ bucketId }) => {
+        const group = {
+          id: String(groups.size + 1), bucketId, state: 'UNKNWON', marked: false, cancelled: false,
+          files: [], next: 0,
+        };
+        groups.set(group.id, group);
+        return { id: group.id, state: groupJson(group) };
+      },
+      queueFiles: ({ groupId, files }) => {
+        const group = groups.get(groupId);
+        files.forEach((file) => group.files.push({ id: file.id, size: 1e6 + (file.id % 9) * 3e6, done: 0, state: 'UNKNWON' }));
+        start(group);
+        return {};
+      },
+      dequeueFiles: ({ groupId, files }) => {
+        const group = groups.get(groupId);
+        group.files = group.files.filter((file) => !files.some((gone) => gone.id === file.id));
+        if (!group.files.some((file) => file.state === 'ERRORED')) setTimeout(setState, 0, group, 'COMPLETED');
+        return {};
+      },
+      markQueue: ({ groupId }) => { groups.get(groupId).marked = true; return {}; },
+      unmarkQueue: () => ({}),
+      pauseGroup: ({ groupId }) => { setState(groups.get(groupId), 'PAUSED'); return {}; },
+      resumeGroup: ({ groupId }) => {
+        const group = groups.get(groupId);
+        group.retried = true;
+        const failed = group.files.findIndex((file) => file.state === 'ERRORED');
+        if (failed >= 0) group.next = failed;
+        group.state = 'UNKNWON';
+        start(group);
+        return {};
+      },
+      cancelGroup: ({ groupId }) => {
+        const group = groups.get(groupId);
+        group.cancelled = true;
+        setState(group, 'UNKNWON');
+        return {};
+      },
+    },
+  };
+
+  for (const [name, methods] of Object.entries(bridges)) {
+    window[name] = ({ request, onSuccess, onFailure }) => {
+      const { method, parameters } = JSON.parse(request);
+      setTimeout(() => {
+        if (!methods[method]) onFailure(-1, 'The query has been canceled');
+        else onSuccess(`${JSON.stringify(methods[method](parameters ?? {}))}\n`);
+      }, 2);
+    };
+  }
+})();

@@ -42,6 +42,8 @@ void apply(const CefBrowserSettings& settings, QWebEngineSettings* target) {
   target->setAttribute(QWebEngineSettings::LocalStorageEnabled,
                        settings.local_storage != STATE_DISABLED);
   target->setAttribute(QWebEngineSettings::JavascriptCanOpenWindows, true);
+  // A page from a file may ask a server without reading its answer, as in the framework itself.
+  target->setAttribute(QWebEngineSettings::LocalContentCanAccessRemoteUrls, true);
 }
 
 }  // namespace

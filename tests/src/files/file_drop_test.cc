@@ -6,13 +6,13 @@
 
 #include <algorithm>
 
-#include "src/files/log_recorder.h"
+#include "src/fakes/log_capture.h"
 #include "src/files/temporary_folder.h"
 
 namespace zantrio {
 namespace {
 
-using test::LogRecorder;
+using test::LogCapture;
 using test::TemporaryFolder;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -44,16 +44,16 @@ void expectNoCommonFolder(const Json::Value& answer) {
 class FileDrop : public testing::Test {
  protected:
   const TemporaryFolder folder_;
-  const LogRecorder log_;
+  const LogCapture log_;
 };
 
 TEST_F(FileDrop, TakesAFolderOnceWithWhatLiesInside) {
   const std::string inside = folder_.makeFile("d/x.txt");
   const std::string outer = folder_.path() + "/d";
   for (const auto& paths : {std::vector{outer, inside}, std::vector{inside, outer}}) {
-    const LogRecorder log;
+    const LogCapture log;
     EXPECT_THAT(placesOf(drop(paths)), ElementsAre("null/x.txt"));
-    EXPECT_THAT(log.lines(), ElementsAre("Warning: Handling files drop: Item " + inside +
+    EXPECT_THAT(log.lines(), ElementsAre("warning Handling files drop: Item " + inside +
                                          " is a child of another item."));
   }
 }
@@ -108,8 +108,7 @@ TEST_F(FileDrop, ComparesTheNamesOfTheFoldersOfSeveralFiles) {
 
 TEST_F(FileDrop, ReportsMissingItemsInBothPassesAndTakesTheRest) {
   const std::string gone = folder_.path() + "/gone";
-  const std::string line =
-      "Error: FileHandleChooser: handleDrop is not able to locate file " + gone;
+  const std::string line = "error FileHandleChooser: handleDrop is not able to locate file " + gone;
   const Json::Value answer = drop({gone, folder_.makeFile("there.txt")});
   EXPECT_THAT(placesOf(answer), ElementsAre("null/there.txt"));
   EXPECT_THAT(log_.lines(), ElementsAre(line, line));
@@ -143,7 +142,7 @@ TEST_F(FileDrop, RefusesWhatIsNeitherFileNorFolder) {
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
   const Json::Value answer = drop({pipe});
   EXPECT_EQ(answer["files"], Json::Value(Json::arrayValue));
-  EXPECT_THAT(log_.lines(), ElementsAre("Error: handleDrop: file " + pipe +
+  EXPECT_THAT(log_.lines(), ElementsAre("error handleDrop: file " + pipe +
                                         " is nor a regular file or a directory"));
 }
 

@@ -12,14 +12,14 @@
 #include <set>
 
 #include "files/folder_listing.h"
+#include "src/fakes/log_capture.h"
 #include "src/files/file_query_counter.h"
-#include "src/files/log_recorder.h"
 #include "src/files/temporary_folder.h"
 
 namespace zantrio {
 namespace {
 
-using test::LogRecorder;
+using test::LogCapture;
 using test::TemporaryFolder;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -110,11 +110,11 @@ TEST(FolderWalk, LeavesOutLinksThatLeadBackToTheirFolder) {
   folder.makeLink("one/two", "../two");
   folder.makeLink("two/one", "../one");
   folder.makeLink("loop", "loop");
-  const LogRecorder log;
+  const LogCapture log;
   EXPECT_THAT(placesOf(walk(folder.path())),
               UnorderedElementsAre("one/a.txt", "one/two/b.txt", "two/b.txt", "two/one/a.txt"));
   EXPECT_THAT(log.lines(),
-              testing::Contains("Warning: FileHandleChooser: left out " + folder.path() +
+              testing::Contains("warning FileHandleChooser: left out " + folder.path() +
                                 "/one/up: it leads back to a folder that holds it"));
 }
 
@@ -143,7 +143,7 @@ TEST(FolderWalk, GoesOnBehindFoldersThatAreTooDeepForAnyPath) {
   }
   std::filesystem::current_path(before);
   folder.makeFile(name + "/inside.txt");
-  const LogRecorder log;
+  const LogCapture log;
   EXPECT_THAT(placesOf(walk(folder.path())),
               UnorderedElementsAre("null/shallow.txt", name + "/inside.txt"));
   EXPECT_THAT(log.lines(), ElementsAre(testing::EndsWith("File name too long")));

@@ -6,9 +6,10 @@
 
 #include "bridge/query_handler_context.h"
 #include "files/file_data.h"
-#include "src/files/fake_browser.h"
+#include "src/fakes/fake_browser.h"
+#include "src/fakes/fake_query_callback.h"
+#include "src/fakes/log_capture.h"
 #include "src/files/fake_platform.h"
-#include "src/files/log_recorder.h"
 #include "src/files/temporary_folder.h"
 
 namespace zantrio {
@@ -18,32 +19,27 @@ using test::FakePlatform;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class RecordedAnswer : public CefMessageRouterBrowserSide::Callback {
- public:
-  void Success(const CefString& response) override { success = response.ToString(); }
-  void Failure(int, const CefString& message) override { failure = message.ToString(); }
-
-  std::string success;
-  std::string failure;
-
- private:
-  IMPLEMENT_REFCOUNTING(RecordedAnswer);
-};
-
 class FileHandleChooser : public testing::Test {
  protected:
   void SetUp() override { FakePlatform::instance() = {}; }
 
-  CefRefPtr<RecordedAnswer> query(const std::string& method) {
-    CefRefPtr<RecordedAnswer> answer = new RecordedAnswer;
+  CefRefPtr<test::FakeQueryCallback> ask(const std::string& method) {
+    CefRefPtr<test::FakeQueryCallback> answer = new test::FakeQueryCallback;
     EXPECT_TRUE(handler_.OnQuery(nullptr, nullptr, 1, "{\"method\":\"" + method + "\"}", false,
                                  answer.get()));
     return answer;
   }
 
-  Json::Value ask(const std::string& method) {
+  // The text of the only answer.
+  std::string query(const std::string& method) {
+    const auto answer = ask(method);
+    EXPECT_TRUE(answer->failures.empty());
+    return answer->successes.size() == 1 ? answer->successes.front() : std::string();
+  }
+
+  Json::Value queryJson(const std::string& method) {
     Json::Value value;
-    const std::string text = query(method)->success;
+    const std::string text = query(method);
     EXPECT_TRUE(Json::Reader().parse(text, value)) << text;
     return value;
   }
@@ -55,18 +51,22 @@ class FileHandleChooser : public testing::Test {
     EXPECT_TRUE(handler_.onDragData(message));
   }
 
-  void connect(bool hasMainFrame = true) {
+  // The handler gets to know the browser.
+  void connect() {
     QueryHandlerContext context;
-    context.browser = test::makeFakeBrowser(scripts_, hasMainFrame);
+    context.browser = browser_.get();
     handler_.setHandlerData(context);
   }
+
+  const std::vector<test::FakeFrame::Script>& scripts() const { return frame_->scripts; }
 
   std::string urlOf(const std::string& path) const { return "file://" + path; }
 
   FakePlatform& platform_ = FakePlatform::instance();
   const test::TemporaryFolder folder_;
-  const test::LogRecorder log_;
-  std::vector<test::ExecutedScript> scripts_;
+  const test::LogCapture log_;
+  const CefRefPtr<test::FakeBrowser> browser_ = new test::FakeBrowser;
+  const CefRefPtr<test::FakeFrame> frame_ = browser_->frame;
   CQueryHandlerFileHandleChooser handler_;
 };
 
@@ -79,7 +79,7 @@ std::vector<std::string> namesOf(const Json::Value& answer) {
 }
 
 TEST_F(FileHandleChooser, SupportsItsThreeMethods) {
-  EXPECT_EQ(query("supportedMethods")->success,
+  EXPECT_EQ(query("supportedMethods"),
             "[\"handleDrop\",\"selectFiles\",\"selectFolder\",\"supportedMethods\"]\n");
 }
 
@@ -90,12 +90,12 @@ TEST_F(FileHandleChooser, OffersADragHandlerOnly) {
 }
 
 TEST_F(FileHandleChooser, AnswersNullForACancelledOrMissingDialog) {
-  EXPECT_EQ(query("selectFiles")->success, "null\n");
-  EXPECT_EQ(query("selectFolder")->success, "null\n");
+  EXPECT_EQ(query("selectFiles"), "null\n");
+  EXPECT_EQ(query("selectFolder"), "null\n");
   EXPECT_THAT(platform_.shownDialogs, ElementsAre("files: Choose files", "folder: Choose folder"));
   platform_.makesDialogs = false;
-  EXPECT_EQ(query("selectFiles")->success, "null\n");
-  EXPECT_EQ(query("selectFolder")->success, "null\n");
+  EXPECT_EQ(query("selectFiles"), "null\n");
+  EXPECT_EQ(query("selectFolder"), "null\n");
   EXPECT_EQ(platform_.openDialogs, 0);
   EXPECT_THAT(log_.lines(), testing::Each(testing::HasSubstr("Received query: ")));
 }
@@ -104,7 +104,7 @@ TEST_F(FileHandleChooser, DescribesOneChosenFile) {
   const std::string path = folder_.makeFile("q/my 1.txt", "abc");
   const std::string url = urlOf(folder_.path() + "/q/my%201.txt");
   platform_.answers = {{url}};
-  const Json::Value answer = ask("selectFiles");
+  const Json::Value answer = queryJson("selectFiles");
   ASSERT_EQ(answer["files"].size(), 1U);
   EXPECT_EQ(answer["files"][0]["fileURL"], url);
   EXPECT_EQ(answer["files"][0]["size"].asUInt64(), 3U);
@@ -113,8 +113,8 @@ TEST_F(FileHandleChooser, DescribesOneChosenFile) {
   EXPECT_EQ(answer["summary"], "my 1.txt");
   EXPECT_THAT(
       log_.lines(),
-      ElementsAre(testing::_, "Information: selectFiles: User selected the following files: ",
-                  "Information: \t" + url));
+      ElementsAre(testing::_, "information selectFiles: User selected the following files: ",
+                  "information \t" + url));
 }
 
 TEST_F(FileHandleChooser, NamesTheFolderThatAllChosenFilesShare) {
@@ -122,10 +122,10 @@ TEST_F(FileHandleChooser, NamesTheFolderThatAllChosenFilesShare) {
   const std::string two = urlOf(folder_.makeFile("b/x/2"));
   const std::string other = urlOf(folder_.makeFile("y/3"));
   platform_.answers = {{one, two}, {one, other, two}};
-  Json::Value answer = ask("selectFiles");
+  Json::Value answer = queryJson("selectFiles");
   EXPECT_EQ(answer["directoryName"], "x");
   EXPECT_EQ(answer["summary"], "x");
-  answer = ask("selectFiles");
+  answer = queryJson("selectFiles");
   EXPECT_TRUE(answer.isMember("directoryName") && answer["directoryName"].isNull());
   EXPECT_TRUE(answer.isMember("summary") && answer["summary"].isNull());
   EXPECT_THAT(namesOf(answer), ElementsAre("1", "3", "2"));
@@ -133,16 +133,16 @@ TEST_F(FileHandleChooser, NamesTheFolderThatAllChosenFilesShare) {
 
 TEST_F(FileHandleChooser, SkipsAChosenFileThatIsGone) {
   platform_.answers = {{urlOf(folder_.path() + "/gone"), urlOf(folder_.makeFile("there"))}};
-  EXPECT_THAT(namesOf(ask("selectFiles")), ElementsAre("there"));
+  EXPECT_THAT(namesOf(queryJson("selectFiles")), ElementsAre("there"));
 }
 
 TEST_F(FileHandleChooser, AnswersAnEmptyListWhenNothingWasChosen) {
   platform_.answers = {{}, {}};
-  const Json::Value answer = ask("selectFiles");
+  const Json::Value answer = queryJson("selectFiles");
   EXPECT_EQ(answer["files"], Json::Value(Json::arrayValue));
   EXPECT_TRUE(answer["directoryName"].isNull());
   EXPECT_TRUE(answer["summary"].isNull());
-  EXPECT_TRUE(ask("selectFolder").isNull());
+  EXPECT_TRUE(queryJson("selectFolder").isNull());
 }
 
 TEST_F(FileHandleChooser, TellsOfEveryUnreadableItemAndAsksAgain) {
@@ -152,7 +152,7 @@ TEST_F(FileHandleChooser, TellsOfEveryUnreadableItemAndAsksAgain) {
   platform_.unreadablePaths = {bad1, bad2};
   platform_.answers = {
       {urlOf(folder_.path() + "/bad%201"), urlOf(good), urlOf(bad2)}, {urlOf(bad2)}, {urlOf(good)}};
-  EXPECT_THAT(namesOf(ask("selectFiles")), ElementsAre("good"));
+  EXPECT_THAT(namesOf(queryJson("selectFiles")), ElementsAre("good"));
   const auto alertFor = [](const std::string& path) {
     return "Zantrio does not have read permissions to " + path + ". Please select another item.";
   };
@@ -164,7 +164,7 @@ TEST_F(FileHandleChooser, AnswersNullWhenTheUserGivesUpOnUnreadableItems) {
   const std::string bad = folder_.makeFolder("bad");
   platform_.unreadablePaths = {bad};
   platform_.answers = {{urlOf(bad)}};
-  EXPECT_EQ(query("selectFolder")->success, "null\n");
+  EXPECT_EQ(query("selectFolder"), "null\n");
   EXPECT_EQ(platform_.alerts.size(), 1U);
 }
 
@@ -172,16 +172,16 @@ TEST_F(FileHandleChooser, WalksTheChosenFolder) {
   folder_.makeFile("Photos.2019/sub/1.jpg");
   const std::string url = urlOf(folder_.path() + "/Photos.2019");
   platform_.answers = {{url}, {url + "/"}};
-  Json::Value answer = ask("selectFolder");
+  Json::Value answer = queryJson("selectFolder");
   EXPECT_THAT(namesOf(answer), ElementsAre("1.jpg"));
   EXPECT_EQ(answer["files"][0]["path"], "sub");
   EXPECT_EQ(answer["directoryName"], "Photos");
   EXPECT_EQ(answer["summary"], "Photos");
   EXPECT_THAT(log_.lines(), ElementsAre(testing::_,
-                                        "Information: selectFolder: user selected the following "
+                                        "information selectFolder: user selected the following "
                                         "folder: " +
                                             url));
-  answer = ask("selectFolder");
+  answer = queryJson("selectFolder");
   EXPECT_EQ(answer["files"][0]["path"], "sub");
   EXPECT_TRUE(answer["directoryName"].isNull());
   EXPECT_TRUE(answer["summary"].isNull());
@@ -189,25 +189,26 @@ TEST_F(FileHandleChooser, WalksTheChosenFolder) {
 
 TEST_F(FileHandleChooser, AnswersAFailureWhenADialogGivesNoUrl) {
   platform_.answers = {{"file:///a%zz"}};
-  EXPECT_THAT(query("selectFiles")->failure,
-              testing::StartsWith("Exception caught when executing query handler: "));
+  EXPECT_THAT(
+      ask("selectFiles")->failures,
+      ElementsAre(testing::StartsWith("-1 Exception caught when executing query handler: ")));
 }
 
 TEST_F(FileHandleChooser, TakesInADragOnce) {
   const std::string file = folder_.makeFile("q/a.txt");
   drag({folder_.makeFile("first.txt")});
   drag({file});
-  EXPECT_THAT(namesOf(ask("handleDrop")), ElementsAre("a.txt"));
-  EXPECT_EQ(query("handleDrop")->success, "null\n");
+  EXPECT_THAT(namesOf(queryJson("handleDrop")), ElementsAre("a.txt"));
+  EXPECT_EQ(query("handleDrop"), "null\n");
   EXPECT_EQ(log_.lines().back(),
-            "Error: FileHandleChooser: handleDrop method called, but no files where previously "
+            "error FileHandleChooser: handleDrop method called, but no files where previously "
             "dragged!");
 }
 
 TEST_F(FileHandleChooser, IgnoresDragsWithoutFiles) {
   drag({folder_.makeFile("a.txt")});
   EXPECT_FALSE(handler_.onDragData(DragMessage()));
-  EXPECT_THAT(namesOf(ask("handleDrop")), ElementsAre("a.txt"));
+  EXPECT_THAT(namesOf(queryJson("handleDrop")), ElementsAre("a.txt"));
 }
 
 TEST_F(FileHandleChooser, RefusesADragWithAForeignPayload) {
@@ -221,11 +222,12 @@ TEST_F(FileHandleChooser, IgnoresADockDropWithoutBrowserOrMainFrame) {
   const std::string dragged = folder_.makeFile("dragged.txt");
   drag({dragged});
   handler_.filesDropped({folder_.makeFile("dropped.txt")}, true, false);
-  connect(false);
+  browser_->frame = nullptr;
+  connect();
   handler_.filesDropped({folder_.makeFile("dropped.txt")}, true, false);
-  EXPECT_THAT(scripts_, IsEmpty());
+  EXPECT_THAT(scripts(), IsEmpty());
   EXPECT_THAT(log_.lines(), IsEmpty());
-  EXPECT_THAT(namesOf(ask("handleDrop")), ElementsAre("dragged.txt"));
+  EXPECT_THAT(namesOf(queryJson("handleDrop")), ElementsAre("dragged.txt"));
 }
 
 TEST_F(FileHandleChooser, PushesADockDropIntoThePage) {
@@ -233,10 +235,10 @@ TEST_F(FileHandleChooser, PushesADockDropIntoThePage) {
   const std::string one = folder_.makeFile("q/one.txt");
   const std::string two = folder_.makeFile("q/two.txt");
   handler_.filesDropped({one, two}, true, false);
-  ASSERT_EQ(scripts_.size(), 1U);
+  ASSERT_EQ(scripts().size(), 1U);
   const std::string head = "setTimeout(function() { window._fileHandleChooser_handleDropFiles(";
   const std::string tail = ")}, 0);";
-  const std::string& code = scripts_[0].code;
+  const std::string& code = scripts()[0].code;
   ASSERT_TRUE(code.starts_with(head) && code.ends_with(tail)) << code;
   Json::Value drop;
   const std::string json = code.substr(head.size(), code.size() - head.size() - tail.size());
@@ -246,18 +248,18 @@ TEST_F(FileHandleChooser, PushesADockDropIntoThePage) {
   EXPECT_EQ(drop["directoryName"], "q");
   EXPECT_EQ(drop["complete"], true);
   EXPECT_EQ(drop["defer"], false);
-  EXPECT_EQ(scripts_[0].url, "https://app.test/page");
-  EXPECT_EQ(scripts_[0].line, 0);
+  EXPECT_EQ(scripts()[0].url, frame_->url);
+  EXPECT_EQ(scripts()[0].line, 0);
   EXPECT_THAT(log_.lines(),
-              ElementsAre("Information: The following files have been dropped to app dock icon: ",
-                          "Information: \t" + one, "Information: \t" + two));
+              ElementsAre("information The following files have been dropped to app dock icon: ",
+                          "information \t" + one, "information \t" + two));
 }
 
 TEST_F(FileHandleChooser, PushesOnlyTheFlagsOfADockDropWithoutPaths) {
   connect();
   handler_.filesDropped({}, false, true);
-  ASSERT_EQ(scripts_.size(), 1U);
-  EXPECT_EQ(scripts_[0].code,
+  ASSERT_EQ(scripts().size(), 1U);
+  EXPECT_EQ(scripts()[0].code,
             "setTimeout(function() { window._fileHandleChooser_handleDropFiles("
             "{\n\t\"complete\" : false,\n\t\"defer\" : true\n}\n)}, 0);");
 }

@@ -18,8 +18,14 @@ const Json::StaticString kSize("size");
 const Json::StaticString kCreated("created");
 const Json::StaticString kModified("modified");
 
-std::string fileName(const std::string& path) {
+std::string_view fileName(std::string_view path) {
   return path.substr(path.rfind('/') + 1);
+}
+
+// Most names are ASCII, and need no copy to become valid.
+Json::Value shownText(std::string_view text) {
+  return isAscii(text) ? Json::Value(text.data(), text.data() + text.size())
+                       : Json::Value(toValidUtf8(text));
 }
 
 // Ends in "/".
@@ -49,8 +55,8 @@ std::string relativeFolder(const std::string& path, const std::string& rootFolde
 void setFileItemJson(Json::Value& record, const std::string& path, const std::string& fileURL,
                      const std::string& relativeFolder, const FileStatus& status) {
   record[kFileUrl] = fileURL;
-  record[kName] = toValidUtf8(fileName(path));
-  record[kPath] = relativeFolder.empty() ? Json::Value() : Json::Value(toValidUtf8(relativeFolder));
+  record[kName] = shownText(fileName(path));
+  record[kPath] = relativeFolder.empty() ? Json::Value() : shownText(relativeFolder);
   record[kSize] = Json::UInt64{status.size};
   record[kCreated] = toMilliseconds(status.createdMicros);
   record[kModified] = toMilliseconds(status.modifiedMicros);

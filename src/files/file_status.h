@@ -31,6 +31,9 @@ struct FileStatus {
 // untouched. Done by the platform. Thread: any.
 int readFileStatus(const std::string& path, FileStatus& status);
 
+// The same for an entry of an open folder, which spares the way through the folders above it.
+int readFileStatus(int folder, const std::string& name, FileStatus& status);
+
 // Saturates where the time is too far away to be counted in microseconds.
 std::int64_t toMicroseconds(std::int64_t seconds, std::int64_t nanoseconds);
 

@@ -1,13 +1,39 @@
 #pragma once
 
+#include <dirent.h>
+
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace zantrio {
 
-// Puts the names of all entries of `folder` but "." and ".." into `names`, in the order in which
-// the file system gives them. 0, or the error number; `names` then holds what was read before it.
-// Thread: any.
-int listFolder(const std::string& folder, std::vector<std::string>& names);
+// Reads a folder, and holds it open so that its entries can be asked for without their whole path.
+// Thread: any, one at a time.
+class CFolderListing {
+ public:
+  // What kept the folder from being opened, or from being read to its end, stands in error().
+  explicit CFolderListing(const std::string& folder);
+
+  // All entries but "." and "..", in the order in which the file system gives them.
+  const std::vector<std::string>& names() const { return names_; }
+  int error() const { return error_; }
+
+  // The open folder's descriptor; -1 when it is not open.
+  int descriptor() const { return stream_ ? dirfd(stream_.get()) : -1; }
+  // Keeps the names only.
+  void close() { stream_.reset(); }
+
+ private:
+  struct CloseStream {
+    void operator()(DIR* stream) const { closedir(stream); }
+  };
+
+  void readNames();
+
+  std::unique_ptr<DIR, CloseStream> stream_;
+  std::vector<std::string> names_;
+  int error_ = 0;
+};
 
 }  // namespace zantrio

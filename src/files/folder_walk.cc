@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
+#include <cstddef>
 #include <system_error>
 #include <utility>
 
@@ -16,6 +18,9 @@
 namespace zantrio {
 namespace {
 
+// Folders deeper than this are not held open: descriptors are few.
+constexpr std::size_t kMostOpenFolders = 64;
+
 std::string withTrailingSlash(const std::string& folder) {
   return folder.ends_with('/') ? folder : folder + '/';
 }
@@ -24,6 +29,15 @@ void reportUnreadable(const std::string& path, int error) {
   if (error != ENOENT) {
     logWarning("FileHandleChooser: left out ", path, ": ", std::generic_category().message(error));
   }
+}
+
+int readStatus(const CFolderListing& listing, const std::string& name, const std::string& path,
+               FileStatus& status) {
+  if (path.size() >= PATH_MAX) {
+    return ENAMETOOLONG;  // nobody could open it
+  }
+  return listing.descriptor() >= 0 ? readFileStatus(listing.descriptor(), name, status)
+                                   : readFileStatus(path, status);
 }
 
 }  // namespace
@@ -50,32 +64,39 @@ void CFolderWalk::enterFolder(const std::string& folder, const FileStatus::Ident
     return;
   }
   entered_.push_back(identity);
-  listAndTakeEntries(folder);
+  takeEntries(folder);
   entered_.pop_back();
 }
 
-void CFolderWalk::listAndTakeEntries(const std::string& folder) {
-  std::vector<std::string> names;
-  const int error = listFolder(folder, names);
-  if (error != 0) {
-    reportUnreadable(folder, error);
+void CFolderWalk::takeEntries(const std::string& folder) {
+  CFolderListing listing(folder);
+  if (listing.error() != 0) {
+    reportUnreadable(folder, listing.error());
+  }
+  if (entered_.size() > kMostOpenFolders) {
+    listing.close();
   }
   const std::string prefix = withTrailingSlash(folder);
   // The same for all files of one folder; any name will do to ask for it.
   const std::string relative = relativeFolder(prefix + 'x', root_);
-  for (const std::string& name : names) {
-    if (!name.starts_with('.')) {
-      takeEntry(prefix + name, relative);
+  for (const std::string& name : listing.names()) {
+    if (name.starts_with('.')) {
+      continue;
+    }
+    const std::string path = prefix + name;
+    FileStatus status;
+    const int error = readStatus(listing, name, path, status);
+    if (error != 0) {
+      reportUnreadable(path, error);
+    } else {
+      takeEntry(path, relative, status);
     }
   }
 }
 
-void CFolderWalk::takeEntry(const std::string& path, const std::string& relative) {
-  FileStatus status;
-  const int error = readFileStatus(path, status);
-  if (error != 0) {
-    reportUnreadable(path, error);
-  } else if (status.isDirectory()) {
+void CFolderWalk::takeEntry(const std::string& path, const std::string& relative,
+                            const FileStatus& status) {
+  if (status.isDirectory()) {
     enterFolder(path, status.identity);
   } else if (status.isRegularFile()) {
     takeFile(path, relative, status);
@@ -84,9 +105,8 @@ void CFolderWalk::takeEntry(const std::string& path, const std::string& relative
 
 void CFolderWalk::takeFile(const std::string& path, const std::string& relative,
                            const FileStatus& status) {
-  std::string url;
-  filePathToUrl(path, false, url);
-  setFileItemJson(files_.append(Json::Value(Json::objectValue)), path, url, relative, status);
+  filePathToUrl(path, false, url_);
+  setFileItemJson(files_.append(Json::Value(Json::objectValue)), path, url_, relative, status);
 }
 
 bool CFolderWalk::isEntered(const FileStatus::Identity& identity) const {

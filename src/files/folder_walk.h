@@ -28,8 +28,8 @@ class CFolderWalk {
 
  private:
   void enterFolder(const std::string& folder, const FileStatus::Identity& identity);
-  void listAndTakeEntries(const std::string& folder);
-  void takeEntry(const std::string& path, const std::string& relative);
+  void takeEntries(const std::string& folder);
+  void takeEntry(const std::string& path, const std::string& relative, const FileStatus& status);
   void takeFile(const std::string& path, const std::string& relative, const FileStatus& status);
   bool isEntered(const FileStatus::Identity& identity) const;
 
@@ -37,6 +37,7 @@ class CFolderWalk {
   const std::string root_;
   // The folder being walked and those that lead to it.
   std::vector<FileStatus::Identity> entered_;
+  std::string url_;  // of the file at hand; kept for its memory
 };
 
 }  // namespace zantrio

@@ -22,21 +22,18 @@ constexpr std::array<bool, 256> kIsKept = makeKeptTable();
 
 }  // namespace
 
-std::string percentEncodePath(std::string_view path) {
+void appendPercentEncodedPath(std::string_view path, std::string& url) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string encoded;
-  encoded.reserve(path.size() + 16);
+  url.reserve(url.size() + path.size() + 16);
   for (const char character : path) {
     const auto byte = static_cast<unsigned char>(character);
     if (kIsKept[byte]) {
-      encoded += character;
+      url += character;
     } else {
-      encoded += '%';
-      encoded += kDigits[byte >> 4];
-      encoded += kDigits[byte & 0xF];
+      const char encoded[] = {'%', kDigits[byte >> 4], kDigits[byte & 0xF]};
+      url.append(encoded, sizeof encoded);
     }
   }
-  return encoded;
 }
 
 }  // namespace zantrio

@@ -56,6 +56,11 @@ std::size_t characterLength(std::string_view text) {
 
 }  // namespace
 
+bool isAscii(std::string_view text) {
+  return std::all_of(text.begin(), text.end(),
+                     [](char character) { return static_cast<unsigned char>(character) < 0x80; });
+}
+
 std::string toValidUtf8(std::string_view text) {
   constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
   std::string valid;

@@ -9,4 +9,7 @@ namespace zantrio {
 // stays. File names may hold any bytes, JSON texts may not.
 std::string toValidUtf8(std::string_view text);
 
+// Whether all bytes are ASCII, and the text therefore valid UTF-8.
+bool isAscii(std::string_view text);
+
 }  // namespace zantrio

@@ -23,8 +23,12 @@ std::int64_t microsecondsOf(const statx_timestamp& time) {
 }  // namespace
 
 int readFileStatus(const std::string& path, FileStatus& status) {
+  return readFileStatus(AT_FDCWD, path, status);
+}
+
+int readFileStatus(int folder, const std::string& name, FileStatus& status) {
   struct statx data {};
-  if (statx(AT_FDCWD, path.c_str(), 0, STATX_BASIC_STATS | STATX_BTIME, &data) != 0) {
+  if (statx(folder, name.c_str(), 0, STATX_BASIC_STATS | STATX_BTIME, &data) != 0) {
     return errno;
   }
   status.kind = kindOf(data);

@@ -10,7 +10,8 @@ void filePathToUrl(const std::string& path, std::string& url) {
 }
 
 void filePathToUrl(const std::string& path, bool isDirectory, std::string& url) {
-  url = "file://" + percentEncodePath(path);
+  url = "file://";
+  appendPercentEncodedPath(path, url);
   if (isDirectory && !path.ends_with('/')) {
     url += '/';
   }

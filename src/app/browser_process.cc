@@ -131,7 +131,10 @@ bool BrowserProcess::prepareDataFolder() const {
     return false;
   }
   std::error_code error;
-  std::filesystem::create_directories(folder, error);
+  if (std::filesystem::create_directories(folder, error)) {
+    // The log and the browser's data hold what signs the user in.
+    std::filesystem::permissions(folder, std::filesystem::perms::owner_all, error);
+  }
   if (!error && access(folder.c_str(), W_OK | X_OK) != 0) {
     error.assign(errno, std::generic_category());
   }

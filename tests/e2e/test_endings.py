@@ -1,0 +1,84 @@
+"""How the client ends: by the page, by its window, by a signal, in the middle of a transfer."""
+
+import json
+import signal
+import unittest
+
+from harness import display
+from harness.wait import wait_until
+from sandbox import Sandbox
+
+
+class Endings(Sandbox):
+    def test_ends_when_its_window_is_closed(self):
+        _, client, page = self.start_all()
+        page.wait_until_ready()
+        window = display.windows(self.environment, "^Zantrio$")[0]
+        display.xdotool(self.environment, "windowclose", window)
+        self.assertEqual(client.wait(60), 0)
+        self.assertIn("OnBeforeClose: Shutting down!", client.messages())
+
+    def test_ends_on_a_signal_as_if_its_window_were_closed(self):
+        _, client, page = self.start_all()
+        page.wait_until_ready()
+        client.process.send_signal(signal.SIGTERM)
+        self.assertEqual(client.wait(60), 0)
+        self.assert_in_order(client.messages(), [
+            "Closing all browsers!",
+            "Close proces initiated!",
+            "OnBeforeClose: Shutting down!",
+            "Shutting down Upload Manager",
+        ])
+
+    def test_ends_at_once_in_the_middle_of_a_transfer(self):
+        folder = self.make_files(self.folder / "given", 20, 1_000_000)
+        service, client, page = self.start_all(folder)
+        service.request("POST", "/faults", {"path": "/objects/", "stall": True})
+        page.wait_for_files(20)
+        page.describe("Never done", "friend@example.org")
+        page.send()
+        page.wait_until_moving()
+        self.assert_leaves_cleanly(client, page)
+
+    def test_second_start_hands_its_files_to_the_first_and_ends(self):
+        folder = self.make_files(self.folder / "given", 3, 100)
+        _, client, page = self.start_all()
+        page.wait_until_ready()
+        second = self.start_client(self.folder / "Zantrio", folder)
+        self.assertEqual(second.wait(60), 0)
+        page.wait_for_files(3)
+        self.assert_leaves_cleanly(client, page)
+
+
+class Page(Sandbox):
+    def test_bridges_answer_the_page_by_the_letter(self):
+        _, client, page = self.start_all()
+        page.wait_until_ready()
+        methods = page.query("nativeAppBridge_IPC", "supportedMethods")
+        self.assertEqual(methods, ["success", json.dumps(
+            ["copyToClipboard", "onAppExit", "onAppReady", "openURL", "supportedMethods"],
+            separators=(",", ":")) + "\n"])
+        self.assertEqual(page.query("nativeAppBridge_IPC", "noSuchMethod"),
+                         ["failure", -1, "The query has been canceled"])
+        self.assertEqual(page.ask("nativeAppBridge_IPC", "abc"),
+                         ["failure", -1, "Failed to parse JSON"])
+        self.assertEqual(page.ask("uploadManagerBridge_IPC", "{}"),
+                         ["failure", -1, "Key 'method' not found in input json!"])
+        self.assertEqual(page.query("fileHandleChooserBridge_IPC", "handleDrop"),
+                         ["success", "null\n"])
+        self.assertEqual(
+            page.query("uploadManagerBridge_IPC", "queueFiles", {"groupId": "1", "files": []}),
+            ["success", "{}\n"])
+        self.assert_leaves_cleanly(client, page)
+
+    def test_user_agent_names_product_version_and_kernel(self):
+        _, client, page = self.start_all()
+        page.wait_until_ready()
+        self.assertRegex(page.evaluate("navigator.userAgent"),
+                         r"^Zantrio/\d+\.\d+\.\d+ \(Linux \d+\.\d+\.\d+\)$")
+        wait_until(lambda: "Received query: " in client.log(), 10, "the log of the queries")
+        self.assert_leaves_cleanly(client, page)
+
+
+if __name__ == "__main__":
+    unittest.main()

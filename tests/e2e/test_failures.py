@@ -1,0 +1,64 @@
+"""What a person meets when something is wrong with the installation, the folders or the service."""
+
+import shutil
+import unittest
+
+from harness.page import free_port
+from harness.send_page import SendPage
+from sandbox import Sandbox
+
+
+class Failures(Sandbox):
+    def assert_refuses_to_start(self, bundle, expected):
+        client = self.start_client(bundle)
+        self.assertEqual(client.wait(60), 1)
+        output = self.client_output.read_text(errors="replace")
+        self.assertIn(expected, output)
+        self.assertEqual(len([line for line in output.splitlines() if "zantrio" in line]), 1, output)
+        self.assertIn(expected, client.log())
+
+    def test_says_that_the_information_dictionary_is_missing(self):
+        bundle = self.make_bundle("http://127.0.0.1:1")
+        (bundle / "Info.plist").unlink()
+        self.assert_refuses_to_start(bundle, "Info.plist")
+
+    def test_says_that_the_information_dictionary_is_malformed(self):
+        bundle = self.make_bundle("http://127.0.0.1:1")
+        (bundle / "Info.plist").write_text("<plist><dict><key>CFBundle")
+        self.assert_refuses_to_start(bundle, "Info.plist")
+
+    def test_opens_the_web_application_also_without_a_loading_page(self):
+        service = self.start_service()
+        bundle = self.make_bundle(service.url)
+        shutil.rmtree(bundle / "Resources")
+        client = self.start_client(bundle)
+        page = SendPage(client.page())
+        page.wait_until_ready()
+        self.assert_leaves_cleanly(client, page)
+
+    def test_runs_without_a_data_folder_and_says_so(self):
+        service = self.start_service()
+        bundle = self.make_bundle(service.url)
+        (self.home / "Library").write_text("a file where a folder should be")
+        client = self.start_client(bundle)
+        page = SendPage(client.page())
+        page.wait_until_ready()
+        page.leave()
+        self.assertEqual(client.wait(60), 0)
+        self.assertIn("Library/Application Support/Zantrio CEF",
+                      self.client_output.read_text(errors="replace"))
+
+    def test_tells_that_the_service_is_unreachable_and_goes_on_when_it_is_there(self):
+        port = free_port()
+        client = self.start_client(self.make_bundle(f"http://127.0.0.1:{port}"))
+        waiting = client.page("loading.html#unreachable")
+        self.addCleanup(waiting.close)
+        waiting.wait_for("document.body.innerText.includes('try')")
+        self.start_service(port)
+        page = SendPage(client.page("/app"))
+        page.wait_until_ready()
+        self.assert_leaves_cleanly(client, page)
+
+
+if __name__ == "__main__":
+    unittest.main()

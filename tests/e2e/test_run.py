@@ -1,0 +1,65 @@
+"""script/run's own part: what it prints, how it ends, what it leaves behind."""
+
+import os
+import signal
+import subprocess
+import sys
+import unittest
+
+from harness import process
+from harness.wait import wait_until
+from sandbox import ROOT, Sandbox
+
+
+class Run(Sandbox):
+    def start_run(self, *arguments):
+        variables = {name: value for name, value in os.environ.items()
+                     if name not in ("DISPLAY", "WAYLAND_DISPLAY")}
+        run = process.start(
+            [sys.executable, "-m", "harness.run", "--root", ROOT, "--screenshots",
+             self.folder / "pictures", *arguments],
+            env=variables, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+        self.addCleanup(run.stdout.close)
+        self.addCleanup(process.stop, run)
+        return run
+
+    def test_sends_the_given_files_and_reports(self):
+        folder = self.make_files(self.folder / "given", 30, 10_000)
+        data = self.folder / "kept"
+        run = self.start_run("--data", data, folder)
+        output, _ = run.communicate(timeout=300)
+        self.assertEqual(run.returncode, 0, output)
+        self.assertIn("Sent 30 files", output)
+        self.assertIn("checksums equal", output)
+        self.assertEqual(len(list((self.folder / "pictures").glob("*.png"))), 3)
+        self.assertEqual(len(list(data.glob("messages/*/files/**/*.bin"))), 30)
+
+    def test_says_in_one_line_what_is_wrong_with_its_arguments(self):
+        run = self.start_run(self.folder / "not there")
+        output, _ = run.communicate(timeout=60)
+        self.assertEqual(run.returncode, 1)
+        self.assertEqual(output, f"run: {self.folder / 'not there'} does not exist\n")
+
+    def test_ends_everything_on_ctrl_c(self):
+        run = self.start_run()
+        self.assertIn("The service listens on", run.stdout.readline())
+        family = wait_until(lambda: [pid for pid in process.descendants(run.pid)
+                                     if self.name_of(pid) == "zantrio"], 60, "the client")
+        everything = process.descendants(run.pid)
+        self.assertGreaterEqual(len(everything), len(family) + 2)
+        run.send_signal(signal.SIGINT)
+        run.wait(60)
+        self.assertEqual(run.returncode, 130)
+        self.assertEqual([self.name_of(pid) for pid in everything if self.name_of(pid)], [])
+
+    @staticmethod
+    def name_of(pid):
+        try:
+            with open(f"/proc/{pid}/comm", encoding="utf-8") as file:
+                return file.read().strip()
+        except OSError:
+            return None
+
+
+if __name__ == "__main__":
+    unittest.main()

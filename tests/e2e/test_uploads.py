@@ -1,0 +1,111 @@
+"""Real files through the real client: chosen, dropped, given on the command line, compared byte by byte."""
+
+import os
+import subprocess
+import unittest
+
+from harness import display, process
+from harness.wait import wait_until
+from sandbox import BUILD, Sandbox
+
+GIB = 1 << 30
+
+
+class Uploads(Sandbox):
+    def test_sends_one_file_of_one_gibibyte_chosen_in_the_dialog(self):
+        big = self.folder / "one gibibyte.bin"
+        with big.open("wb") as file:
+            block = os.urandom(1 << 24)
+            for number in range(GIB >> 24):
+                file.write(number.to_bytes(8, "big") + block[8:])
+        service, client, page = self.start_all()
+        page.open_file_dialog()
+        self.answer_dialog("Choose files", big)
+        page.wait_for_files(1)
+        self.send(page, limit_seconds=600)
+        self.assert_arrived(service, big)
+        self.assert_leaves_cleanly(client, page)
+
+    def test_sends_five_thousand_small_files_of_a_folder_chosen_in_the_dialog(self):
+        folder = self.make_files(self.folder / "five thousand", 5000, 2000)
+        service, client, page = self.start_all()
+        page.open_folder_dialog()
+        self.answer_dialog("Choose folder", folder)
+        page.wait_for_files(5000)
+        self.send(page, limit_seconds=300)
+        self.assert_arrived(service, folder)
+        self.assert_leaves_cleanly(client, page)
+
+    def test_sends_a_folder_dropped_on_the_window(self):
+        folder = self.make_files(self.folder / "dropped 100% größe", 120, 30_000)
+        (folder / "empty").write_bytes(b"")
+        (folder / ".hidden").write_bytes(b"stays here")
+        service, client, page = self.start_all()
+        page.wait_until_ready()
+        self.drag_to_window(folder)
+        page.wait_for_files(121)
+        self.send(page, limit_seconds=120)
+        self.assert_arrived(service, folder)
+        self.assertIn("OnDragEnter: Drag detected!", client.messages())
+        self.assertIn("Drag data type: 1", client.messages())
+        self.assert_leaves_cleanly(client, page)
+
+    def test_sends_a_folder_given_on_the_command_line(self):
+        folder = self.make_files(self.folder / "given", 40, 5_000)
+        service, client, page = self.start_all(folder)
+        page.wait_for_files(40)
+        self.assertIn("Initial files container has 1 files in it!", client.messages())
+        self.send(page, limit_seconds=120)
+        self.assert_arrived(service, folder)
+        self.assert_leaves_cleanly(client, page)
+
+    def test_reports_a_file_that_vanished_before_sending_and_sends_the_rest(self):
+        folder = self.make_files(self.folder / "given", 5, 5_000)
+        gone = next(folder.rglob("*00003*"))
+        service, client, page = self.start_all(folder)
+        page.wait_for_files(5)
+        gone.unlink()
+        page.describe("One is gone", "friend@example.org")
+        page.send()
+        self.assertEqual(page.wait_until_over(limit_seconds=120), "ERRORED")
+        self.assertIn(gone.name, page.wait_for_failed_files())
+        self.assert_arrived(service, folder)
+        self.assert_leaves_cleanly(client, page)
+
+    def send(self, page, limit_seconds):
+        page.describe("From an end-to-end test", "friend@example.org")
+        page.send()
+        self.assertEqual(page.wait_until_over(limit_seconds), "COMPLETED")
+
+    def answer_dialog(self, title, path):
+        """Types the path into the system's dialog and accepts it."""
+        screen = self.environment
+        dialog = wait_until(lambda: display.windows(screen, f"^{title}$"), 30, f'dialog "{title}"')[0]
+        display.xdotool(screen, "windowfocus", "--sync", dialog)
+        display.xdotool(screen, "key", "--window", dialog, "alt+n")
+        display.xdotool(screen, "type", "--delay", "2", str(path))
+        display.xdotool(screen, "key", "Return")
+        wait_until(lambda: not display.windows(screen, f"^{title}$"), 30, "the dialog's end")
+
+    def drag_to_window(self, path):
+        """Drags the path with the pointer from a window of another program to the client's."""
+        screen = self.environment
+        source = process.start([BUILD / "bin/drag_source", path], env=screen, text=True,
+                               stdout=subprocess.PIPE)
+        self.addCleanup(source.stdout.close)
+        self.addCleanup(process.stop, source)
+        self.assertEqual(source.stdout.readline().strip(), "ready")
+        for arguments in (["mousemove", 50, 30], ["mousedown", 1], ["mousemove", 60, 35],
+                          ["mousemove", 200, 200], ["mousemove", 600, 400],
+                          ["mousemove", 700, 450], ["mousemove", 702, 452]):
+            display.xdotool(screen, *arguments)
+        self.wait_for_drag(source)
+
+    def wait_for_drag(self, source):
+        screen = self.environment
+        display.xdotool(screen, "mouseup", 1)
+        self.assertEqual(source.stdout.readline().strip(), "dropped 1")
+
+
+if __name__ == "__main__":
+    unittest.main()

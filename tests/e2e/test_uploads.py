@@ -68,7 +68,7 @@ class Uploads(Sandbox):
         page.describe("One is gone", "friend@example.org")
         page.send()
         self.assertEqual(page.wait_until_over(limit_seconds=120), "ERRORED")
-        self.assertIn(gone.name, page.wait_for_failed_files())
+        self.assertIn(gone.name, page.wait_for_problem())
         self.assert_arrived(service, folder)
         self.assert_leaves_cleanly(client, page)
 

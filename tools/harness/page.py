@@ -82,10 +82,13 @@ class Page:
         return self.evaluate(f"(e => e ? e.textContent.trim() : '')(document.querySelector({quoted}))")
 
     def query(self, bridge, method, parameters=None):
-        """Asks a native bridge as the page does; gives ["success", text] or ["failure", code, text]."""
-        request = json.dumps(json.dumps({"method": method, "parameters": parameters}))
+        """Asks a bridge's method as the page does; gives ["success", text] or ["failure", code, text]."""
+        return self.ask(bridge, json.dumps({"method": method, "parameters": parameters}))
+
+    def ask(self, bridge, request):
+        """Sends any text to a bridge; the answer as above."""
         return self.evaluate(
-            f"new Promise(done => window[{json.dumps(bridge)}]({{request: {request},"
+            f"new Promise(done => window[{json.dumps(bridge)}]({{request: {json.dumps(request)},"
             f" persistent: false, onSuccess: text => done(['success', text]),"
             f" onFailure: (code, text) => done(['failure', code, text])}}))")
 

@@ -1,3 +1,64 @@
-"""The web application's page for sending, as a person uses it: its buttons, fields and texts."""
+"""The web application as a person uses it: its buttons, fields and texts."""
 
-import json
+GROUP_STATE = "[data-test=group-state]"
+STATE = f"document.querySelector('{GROUP_STATE}')?.dataset.state"
+OVER = ("COMPLETED", "ERRORED")
+
+
+class SendPage:
+    """Steps that a person takes in the page, each waiting for what it needs."""
+
+    def __init__(self, page):
+        self._page = page
+        self.evaluate = page.evaluate
+        self.wait_for = page.wait_for
+        self.query = page.query
+        self.ask = page.ask
+        self.close = page.close
+
+    def wait_until_ready(self):
+        self._page.wait_for("document.querySelector('#choose-files')?.disabled === false")
+
+    def open_file_dialog(self):
+        self._page.click("#choose-files")
+
+    def open_folder_dialog(self):
+        self._page.click("#choose-folders")
+
+    def wait_for_files(self, count, limit_seconds=60):
+        """Waits until the page lists that many chosen files."""
+        text = f"{count:,} file" + ("" if count == 1 else "s")
+        self._page.wait_for(
+            f"document.querySelector('[data-test=file-count]')?.textContent === '{text}'",
+            limit_seconds)
+
+    def describe(self, title, recipient):
+        self._fill("#recipients", recipient)
+        self._fill("#subject", title)
+
+    def _fill(self, selector, text):
+        self._page.click(selector)
+        self._page.command("Input.insertText", text=text)
+
+    def send(self):
+        self._page.click("#send-button")
+
+    def wait_until_moving(self):
+        self._page.wait_for(f"document.querySelector('{GROUP_STATE}') !== null")
+
+    def wait_until_over(self, limit_seconds):
+        """The state in which the transfer ends."""
+        return self._page.wait_for(
+            f"(state => {list(OVER)}.includes(state) && state)({STATE})", limit_seconds)
+
+    def wait_for_problem(self):
+        """What the page says about the transfer that failed."""
+        return self._page.wait_for(
+            "(e => e && !e.hidden && e.textContent)"
+            "(document.querySelector('[data-test=group-problem]'))")
+
+    def leave(self):
+        """Quits the application by the page's own button, also while transfers are running."""
+        self._page.click("#quit-button")
+        self._page.evaluate("document.querySelector('[data-test=quit-dialog][open] "
+                            "[data-test=quit-dialog-yes]')?.click()")

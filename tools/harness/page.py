@@ -20,6 +20,10 @@ class PageError(Exception):
     """A script threw in the page."""
 
 
+class PageGone(PageError):
+    """The page has been closed, or its process has ended."""
+
+
 class Page:
     """Evaluates scripts in the client's page; `port` is where the browser listens for debuggers."""
 
@@ -42,14 +46,22 @@ class Page:
         return None
 
     def command(self, method, **parameters):
+        """Runs a command of the browser's debugging protocol and gives its result."""
         self._next_id += 1
-        self._socket.send(json.dumps({"id": self._next_id, "method": method, "params": parameters}))
-        while True:
-            message = json.loads(self._socket.recv())
-            if message.get("id") == self._next_id:
-                if "error" in message:
-                    raise PageError(message["error"].get("message", "unknown error"))
-                return message["result"]
+        message = self._exchange({"id": self._next_id, "method": method, "params": parameters})
+        if "error" in message:
+            raise PageError(message["error"].get("message", "unknown error"))
+        return message["result"]
+
+    def _exchange(self, request):
+        try:
+            self._socket.send(json.dumps(request))
+            while True:
+                message = json.loads(self._socket.recv())
+                if message.get("id") == request["id"]:
+                    return message
+        except (websocket.WebSocketConnectionClosedException, ConnectionError) as error:
+            raise PageGone("the page is gone") from error
 
     def evaluate(self, expression):
         """The expression's value, or that of the promise that it gives."""

@@ -1,5 +1,9 @@
 """The web application as a person uses it: its buttons, fields and texts."""
 
+import contextlib
+
+from .page import PageGone
+
 GROUP_STATE = "[data-test=group-state]"
 STATE = f"document.querySelector('{GROUP_STATE}')?.dataset.state"
 OVER = ("COMPLETED", "ERRORED")
@@ -59,6 +63,7 @@ class SendPage:
 
     def leave(self):
         """Quits the application by the page's own button, also while transfers are running."""
-        self._page.click("#quit-button")
-        self._page.evaluate("document.querySelector('[data-test=quit-dialog][open] "
-                            "[data-test=quit-dialog-yes]')?.click()")
+        with contextlib.suppress(PageGone):
+            self._page.click("#quit-button")
+            self._page.evaluate("document.querySelector('[data-test=quit-dialog][open] "
+                                "[data-test=quit-dialog-yes]')?.click()")

@@ -3,6 +3,7 @@
 import os
 import shutil
 import subprocess
+import time
 
 from . import process
 
@@ -38,13 +39,21 @@ class VirtualDisplay:
         process.stop(self._server)
 
 
-def screenshot(environment, path):
-    """Saves what the display shows; gives whether that was possible."""
+def screenshot(environment, path, limit_seconds=3):
+    """Saves what the display shows once it rests, or at the limit; gives whether that was possible."""
     if not shutil.which("import"):
         return False
-    done = subprocess.run(["import", "-window", "root", str(path)], env=environment, check=False,
-                          stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-    return done.returncode == 0
+    deadline = time.monotonic() + limit_seconds
+    before = None
+    while True:
+        picture = subprocess.run(["import", "-window", "root", "png:-"], env=environment, check=False,
+                                 capture_output=True)
+        if picture.returncode != 0:
+            return False
+        if picture.stdout == before or time.monotonic() > deadline:
+            path.write_bytes(picture.stdout)
+            return True
+        before = picture.stdout
 
 
 def xdotool(environment, *arguments):

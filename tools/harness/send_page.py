@@ -44,6 +44,11 @@ class SendPage:
         self._page.click(selector)
         self._page.command("Input.insertText", text=text)
 
+    def settle(self):
+        """Waits until what has happened is drawn."""
+        self._page.evaluate(
+            "new Promise(done => requestAnimationFrame(() => requestAnimationFrame(done)))")
+
     def send(self):
         self._page.click("#send-button")
 

@@ -16,7 +16,7 @@ class Client:
     def __init__(self, bundle, files=(), home=None, environment=None, debuggable=False, stderr=None):
         self.home = pathlib.Path(home or os.path.expanduser("~"))
         self._port = free_port() if debuggable else None
-        variables = dict(os.environ, **(environment or {}), HOME=str(self.home))
+        variables = {**os.environ, **(environment or {}), "HOME": str(self.home)}
         if debuggable:
             variables["QTWEBENGINE_REMOTE_DEBUGGING"] = f"127.0.0.1:{self._port}"
         self.process = process.start([bundle / "bin" / "zantrio", *files], env=variables,

@@ -14,7 +14,7 @@ def make(folder):
         "Read me first.txt": TEXT.encode() * 40,
         "Holiday/beach 100%.jpg": content(3_400_000),
         "Holiday/Überfahrt.mov": content(48_000_000),
-        "Holiday/日本.jpg": content(2_100_000),
+        "Holiday/Ελλάδα.jpg": content(2_100_000),
         "Work/Report #4.pdf": content(900_000),
         "Work/empty.log": b"",
     }

@@ -14,7 +14,7 @@ class Endings(Sandbox):
         _, client, page = self.start_all()
         page.wait_until_ready()
         window = display.windows(self.environment, "^Zantrio$")[0]
-        display.xdotool(self.environment, "windowclose", window)
+        display.close_window(self.environment, window)
         self.assertEqual(client.wait(60), 0)
         self.assertIn("OnBeforeClose: Shutting down!", client.messages())
 
@@ -33,7 +33,7 @@ class Endings(Sandbox):
     def test_ends_at_once_in_the_middle_of_a_transfer(self):
         folder = self.make_files(self.folder / "given", 20, 1_000_000)
         service, client, page = self.start_all(folder)
-        service.request("POST", "/faults", {"path": "/objects/", "stall": True})
+        service.request("POST", "/faults", {"type": "stall", "method": "PUT", "path": "/storage/*"})
         page.wait_for_files(20)
         page.describe("Never done", "friend@example.org")
         page.send()

@@ -36,17 +36,13 @@ class Failures(Sandbox):
         page.wait_until_ready()
         self.assert_leaves_cleanly(client, page)
 
-    def test_runs_without_a_data_folder_and_says_so(self):
-        service = self.start_service()
-        bundle = self.make_bundle(service.url)
+    def test_says_that_its_data_folder_cannot_be_written(self):
         (self.home / "Library").write_text("a file where a folder should be")
-        client = self.start_client(bundle)
-        page = SendPage(client.page())
-        page.wait_until_ready()
-        page.leave()
-        self.assertEqual(client.wait(60), 0)
-        self.assertIn("Library/Application Support/Zantrio CEF",
-                      self.client_output.read_text(errors="replace"))
+        client = self.start_client(self.make_bundle("http://127.0.0.1:1"))
+        self.assertEqual(client.wait(60), 1)
+        self.assertRegex(self.client_output.read_text(errors="replace"),
+                         r"^zantrio: The data folder .*/Library/Application Support/Zantrio CEF/ "
+                         r"cannot be written: Not a directory\n$")
 
     def test_tells_that_the_service_is_unreachable_and_goes_on_when_it_is_there(self):
         port = free_port()

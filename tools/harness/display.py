@@ -5,6 +5,10 @@ import shutil
 import subprocess
 import time
 
+from Xlib import X
+from Xlib.display import Display
+from Xlib.protocol.event import ClientMessage
+
 from . import process
 
 
@@ -68,3 +72,14 @@ def windows(environment, title):
     done = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title],
                           env=environment, check=False, capture_output=True, text=True)
     return done.stdout.split()
+
+
+def close_window(environment, window):
+    """Asks a window to close, as a window manager does for a click on its cross."""
+    connection = Display(environment["DISPLAY"])
+    message = ClientMessage(
+        window=connection.create_resource_object("window", int(window)),
+        client_type=connection.intern_atom("WM_PROTOCOLS"),
+        data=(32, [connection.intern_atom("WM_DELETE_WINDOW"), X.CurrentTime, 0, 0, 0]))
+    message.window.send_event(message)
+    connection.close()

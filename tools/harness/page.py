@@ -24,6 +24,10 @@ class PageGone(PageError):
     """The page has been closed, or its process has ended."""
 
 
+class PageBusy(PageError):
+    """The browser could not run a script just then; a page that is being loaded has no place for it."""
+
+
 class Page:
     """Evaluates scripts in the client's page; `port` is where the browser listens for debuggers."""
 
@@ -50,7 +54,7 @@ class Page:
         self._next_id += 1
         message = self._exchange({"id": self._next_id, "method": method, "params": parameters})
         if "error" in message:
-            raise PageError(message["error"].get("message", "unknown error"))
+            raise PageBusy(message["error"].get("message", "unknown error"))
         return message["result"]
 
     def _exchange(self, request):
@@ -74,7 +78,13 @@ class Page:
 
     def wait_for(self, expression, limit_seconds=60):
         """Waits until the expression is true in the page, and gives its value."""
-        return wait_until(lambda: self.evaluate(expression), limit_seconds, expression)
+        return wait_until(lambda: self._evaluate_if_possible(expression), limit_seconds, expression)
+
+    def _evaluate_if_possible(self, expression):
+        try:
+            return self.evaluate(expression)
+        except PageBusy:
+            return None
 
     def click(self, selector):
         """Clicks the element as a mouse would, once it is there and enabled."""

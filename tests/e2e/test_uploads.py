@@ -82,7 +82,7 @@ class Uploads(Sandbox):
         screen = self.environment
         dialog = wait_until(lambda: display.windows(screen, f"^{title}$"), 30, f'dialog "{title}"')[0]
         display.xdotool(screen, "windowfocus", "--sync", dialog)
-        display.xdotool(screen, "key", "--window", dialog, "alt+n")
+        display.xdotool(screen, "key", "ctrl+a")
         display.xdotool(screen, "type", "--delay", "2", str(path))
         display.xdotool(screen, "key", "Return")
         wait_until(lambda: not display.windows(screen, f"^{title}$"), 30, "the dialog's end")

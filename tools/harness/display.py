@@ -82,4 +82,5 @@ def close_window(environment, window):
         client_type=connection.intern_atom("WM_PROTOCOLS"),
         data=(32, [connection.intern_atom("WM_DELETE_WINDOW"), X.CurrentTime, 0, 0, 0]))
     message.window.send_event(message)
+    connection.sync()
     connection.close()

@@ -49,7 +49,7 @@ class Failures(Sandbox):
         client = self.start_client(self.make_bundle(f"http://127.0.0.1:{port}"))
         waiting = client.page("loading.html#unreachable")
         self.addCleanup(waiting.close)
-        waiting.wait_for("document.body?.innerText.includes('try')")
+        waiting.wait_for("document.querySelector('#unreachable')?.hidden === false")
         self.start_service(port)
         page = SendPage(client.page("/app"))
         page.wait_until_ready()

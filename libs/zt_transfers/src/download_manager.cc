@@ -1,8 +1,11 @@
 #include "zt_transfers/download_manager.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "manager/manager_core.h"
+#include "manager/portions.h"
 #include "manager/refusing_runner.h"
 #include "manager/subscription.h"
 #include "text/wide_bytes.h"
@@ -108,12 +111,12 @@ int CDownloadManager::getGroupState(std::int32_t groupId, GroupState& state) {
 
 void CDownloadManager::queueFiles(std::int32_t groupId,
                                   const std::vector<FileDownloadDetails>& files) {
-  std::vector<FileSpec> specs;
-  specs.reserve(files.size());
-  for (const FileDownloadDetails& file : files) {
-    specs.push_back(specOf(file));
-  }
-  impl_->core.engine().queueFiles(groupId, specs);
+  inPortions(files, [&](auto begin, auto end) {
+    std::vector<FileSpec> specs;
+    specs.reserve(kFilesAtOnce);
+    std::transform(begin, end, std::back_inserter(specs), specOf);
+    impl_->core.engine().queueFiles(groupId, specs);
+  });
 }
 
 void CDownloadManager::dequeueFiles(std::int32_t groupId,

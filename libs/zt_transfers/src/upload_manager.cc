@@ -1,8 +1,11 @@
 #include "zt_transfers/upload_manager.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "manager/manager_core.h"
+#include "manager/portions.h"
 #include "manager/subscription.h"
 #include "text/wide_bytes.h"
 #include "upload/upload_runner.h"
@@ -100,12 +103,12 @@ int CUploadManager::getGroupState(std::int32_t groupId, GroupState& state) {
 }
 
 void CUploadManager::queueFiles(std::int32_t groupId, const std::vector<FileDesc>& files) {
-  std::vector<FileSpec> specs;
-  specs.reserve(files.size());
-  for (const FileDesc& file : files) {
-    specs.push_back(specOf(file));
-  }
-  impl_->core.engine().queueFiles(groupId, specs);
+  inPortions(files, [&](auto begin, auto end) {
+    std::vector<FileSpec> specs;
+    specs.reserve(kFilesAtOnce);
+    std::transform(begin, end, std::back_inserter(specs), specOf);
+    impl_->core.engine().queueFiles(groupId, specs);
+  });
 }
 
 void CUploadManager::dequeueFile(std::int32_t groupId, const std::vector<FileDesc>& files) {

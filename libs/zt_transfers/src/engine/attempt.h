@@ -70,7 +70,8 @@ class IAttemptObserver {
 class IAttemptRunner {
  public:
   virtual ~IAttemptRunner() = default;
-  virtual void start(StartOrder order) = 0;
+  // False when the attempt has ended already, with its answer given.
+  virtual bool start(StartOrder order) = 0;
   // The attempt ends without an answer. An unknown job changes nothing.
   virtual void stop(JobId job) = 0;
   virtual void stopAll() = 0;

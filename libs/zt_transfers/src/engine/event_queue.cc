@@ -8,6 +8,9 @@ void CEventQueue::push(TransferEvent event) {
   {
     const std::lock_guard lock(mutex_);
     events_.push_back(std::move(event));
+    if (events_.size() > 1) {
+      return;  // the first one has woken the reader
+    }
   }
   arrived_.notify_one();
 }

@@ -1,32 +1,65 @@
 #include "engine/memory_queue_store.h"
 
+#include <deque>
+
+#include "engine/id_index.h"
+#include "engine/packed_spec.h"
+
 namespace zt_transfers {
 
+class CMemoryQueueStore::CGroup {
+ public:
+  void append(const FileSpec& spec) {
+    files_.emplace_back(spec);
+    index_.insert(static_cast<std::uint32_t>(files_.size() - 1));
+  }
+  void replace(std::uint32_t at, const FileSpec& spec) {
+    index_.erase(at);
+    files_.at(at) = CPackedSpec(spec);
+    index_.insert(at);
+  }
+  void remove(std::uint32_t at) {
+    index_.erase(at);
+    files_.at(at) = CPackedSpec(FileSpec{});
+  }
+  const CPackedSpec& file(std::uint32_t at) const { return files_.at(at); }
+  std::optional<std::uint32_t> find(const std::string& fileId) const { return index_.find(fileId); }
+
+ private:
+  struct IdOf {
+    const std::deque<CPackedSpec>& files;
+    std::string_view operator()(std::uint32_t index) const { return files[index].fileId(); }
+  };
+
+  std::deque<CPackedSpec> files_;
+  CIdIndex<IdOf> index_{IdOf{files_}};
+};
+
+CMemoryQueueStore::CMemoryQueueStore() = default;
+CMemoryQueueStore::~CMemoryQueueStore() = default;
+
 void CMemoryQueueStore::append(std::int32_t groupId, const FileSpec& spec) {
-  Group& group = groups_[groupId];
-  const auto index = static_cast<std::uint32_t>(group.files.size());
-  group.files.emplace_back(spec);
-  group.byFileId.erase(spec.fileId);
-  group.byFileId.emplace(group.files.back().fileId(), index);
+  std::unique_ptr<CGroup>& group = groups_[groupId];
+  if (!group) {
+    group = std::make_unique<CGroup>();
+  }
+  group->append(spec);
 }
 
 void CMemoryQueueStore::replace(FileRef file, const FileSpec& spec) {
-  remove(file);
-  Group& group = groups_.at(file.groupId);
-  group.files[file.index] = CPackedSpec(spec);
-  group.byFileId.emplace(group.files[file.index].fileId(), file.index);
+  groups_.at(file.groupId)->replace(file.index, spec);
 }
 
 FileSpec CMemoryQueueStore::spec(FileRef file) const {
-  return groups_.at(file.groupId).files.at(file.index).unpacked();
+  return groups_.at(file.groupId)->file(file.index).unpacked();
 }
 
 std::string CMemoryQueueStore::fileId(FileRef file) const {
-  return std::string(groups_.at(file.groupId).files.at(file.index).fileId());
+  return std::string(groups_.at(file.groupId)->file(file.index).fileId());
 }
 
 std::string CMemoryQueueStore::place(FileRef file) const {
-  return std::string(groups_.at(file.groupId).files.at(file.index).place());
+  return std::string(groups_.at(file.groupId)->file(file.index).place());
 }
 
 std::optional<std::uint32_t> CMemoryQueueStore::find(std::int32_t groupId,
@@ -35,18 +68,11 @@ std::optional<std::uint32_t> CMemoryQueueStore::find(std::int32_t groupId,
   if (group == groups_.end()) {
     return std::nullopt;
   }
-  const auto found = group->second.byFileId.find(fileId);
-  if (found == group->second.byFileId.end()) {
-    return std::nullopt;
-  }
-  return found->second;
+  return group->second->find(fileId);
 }
 
 void CMemoryQueueStore::remove(FileRef file) {
-  Group& group = groups_.at(file.groupId);
-  CPackedSpec& packed = group.files.at(file.index);
-  group.byFileId.erase(packed.fileId());
-  packed = CPackedSpec(FileSpec{});
+  groups_.at(file.groupId)->remove(file.index);
 }
 
 void CMemoryQueueStore::removeGroup(std::int32_t groupId) {

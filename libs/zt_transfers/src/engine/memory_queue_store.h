@@ -1,10 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <unordered_map>
-#include <vector>
 
-#include "engine/packed_spec.h"
 #include "engine/queue_store.h"
 
 namespace zt_transfers {
@@ -12,6 +11,9 @@ namespace zt_transfers {
 // A queue store that lives as long as the process.
 class CMemoryQueueStore : public IQueueStore {
  public:
+  CMemoryQueueStore();
+  ~CMemoryQueueStore() override;
+
   void append(std::int32_t groupId, const FileSpec& spec) override;
   void replace(FileRef file, const FileSpec& spec) override;
   FileSpec spec(FileRef file) const override;
@@ -22,13 +24,9 @@ class CMemoryQueueStore : public IQueueStore {
   void removeGroup(std::int32_t groupId) override;
 
  private:
-  struct Group {
-    std::vector<CPackedSpec> files;
-    // The keys are views into `files`' blocks, which do not move.
-    std::unordered_map<std::string_view, std::uint32_t> byFileId;
-  };
+  class CGroup;
 
-  std::unordered_map<std::int32_t, Group> groups_;
+  std::unordered_map<std::int32_t, std::unique_ptr<CGroup>> groups_;
 };
 
 }  // namespace zt_transfers

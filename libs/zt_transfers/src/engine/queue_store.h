@@ -16,7 +16,8 @@ class IQueueStore {
  public:
   virtual ~IQueueStore() = default;
 
-  // Keeps the next file of the group, or another description of one that is there.
+  // Keeps the next file of the group, whose fileId must be new to it, or another description of
+  // one that is there.
   virtual void append(std::int32_t groupId, const FileSpec& spec) = 0;
   virtual void replace(FileRef file, const FileSpec& spec) = 0;
 

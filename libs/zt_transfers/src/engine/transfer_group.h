@@ -104,7 +104,7 @@ class CTransferGroup {
   const GroupIdentity identity_;
   const bool needsMark_;
 
-  std::vector<FileSlot> files_;
+  std::deque<FileSlot> files_;
   std::array<std::uint32_t, kFilePhaseCount> counts_{};
   std::uint32_t nextNew_ = 0;           // files from here on were never begun
   std::deque<std::uint32_t> returned_;  // begun once, waiting again

@@ -40,10 +40,17 @@ std::string timeStamp() {
   return full;
 }
 
-std::string threadText() {
+std::string describeThisThread() {
   char name[32] = "";
   ::pthread_getname_np(::pthread_self(), name, sizeof name);
   return std::to_string(::gettid()) + " " + name;
+}
+
+// Asked for once a thread, as it takes two system calls. The library's threads have their names
+// before they log.
+const std::string& threadText() {
+  thread_local const std::string text = describeThisThread();
+  return text;
 }
 
 // One line of it, whatever the message holds.

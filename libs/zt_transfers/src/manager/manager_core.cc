@@ -111,11 +111,12 @@ std::optional<TimePoint> CManagerCore::turn() {
   for (const JobId job : work.stops) {
     runner_->stop(job);
   }
+  bool allBegun = true;
   for (StartOrder& order : work.starts) {
-    runner_->start(std::move(order));
+    allBegun = runner_->start(std::move(order)) && allBegun;
   }
-  // An attempt that cannot even begin has ended by now and made room for the next.
-  return work.starts.empty() ? work.nextDue : clock_.now();
+  // An attempt that could not even begin has made room for the next.
+  return allBegun ? work.nextDue : clock_.now();
 }
 
 // Lets the pool find sizes, one portion at a time so that transfers get their turn there.

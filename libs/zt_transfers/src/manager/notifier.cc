@@ -23,17 +23,28 @@ void CNotifier::start() {
 
 void CNotifier::stop() {
   if (thread_.joinable()) {
-    stopping_ = true;
+    {
+      const std::lock_guard lock(mutex_);
+      stopping_ = true;
+    }
+    stopped_.notify_all();
     events_.poke();
     thread_.join();
   }
 }
 
+// So that a burst of events costs one change of threads and not one each.
+bool CNotifier::rest() {
+  constexpr std::chrono::milliseconds kRest{4};
+  std::unique_lock lock(mutex_);
+  return !stopped_.wait_for(lock, kRest, [this] { return stopping_; });
+}
+
 void CNotifier::run() {
   bool progressing = true;
+  bool last = false;
   TimePoint collected{};
   for (;;) {
-    const bool last = stopping_;
     const auto events = events_.take(last          ? std::optional<Duration>(Duration::zero())
                                      : progressing ? std::optional<Duration>(CReporter::kInterval)
                                                    : std::nullopt);
@@ -54,6 +65,7 @@ void CNotifier::run() {
       // Something happened just now; see again in a moment what becomes of it.
       progressing = true;
     }
+    last = !rest();
   }
 }
 

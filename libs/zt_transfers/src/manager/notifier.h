@@ -1,7 +1,8 @@
 #pragma once
 
-#include <atomic>
+#include <condition_variable>
 #include <functional>
+#include <mutex>
 #include <string>
 #include <thread>
 
@@ -11,7 +12,7 @@ namespace zt_transfers {
 
 // The thread on which a manager tells the program its events. A program that takes its time
 // gets its progress reports less often and no event out of order; it holds up no transfer that
-// runs.
+// runs. Events that follow each other within a few milliseconds are told together.
 //
 // Thread: start and stop by the owner.
 class CNotifier {
@@ -35,12 +36,17 @@ class CNotifier {
 
  private:
   void run();
+  // False when the notifier stops.
+  bool rest();
 
   const std::string name_;
   CEventQueue& events_;
   const Calls calls_;
   std::thread thread_;
-  std::atomic<bool> stopping_{false};
+
+  std::mutex mutex_;
+  std::condition_variable stopped_;
+  bool stopping_ = false;  // guarded by mutex_
 };
 
 }  // namespace zt_transfers

@@ -13,8 +13,9 @@ class CRefusingRunner : public IAttemptRunner {
   CRefusingRunner(IAttemptObserver& observer, std::string reason)
       : observer_(observer), reason_(std::move(reason)) {}
 
-  void start(StartOrder order) override {
+  bool start(StartOrder order) override {
     observer_.onAttemptDone(order.job, AttemptOutcome::final(reason_));
+    return false;
   }
   void stop(JobId /*job*/) override {}
   void stopAll() override {}

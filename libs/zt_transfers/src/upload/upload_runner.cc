@@ -4,7 +4,7 @@
 
 namespace zt_transfers {
 
-void CUploadRunner::start(StartOrder order) {
+bool CUploadRunner::start(StartOrder order) {
   const JobId job = order.job;
   auto attempt = std::make_unique<CUploadAttempt>(loop_, pool_, log_, std::move(order),
                                                   [this, job](const AttemptOutcome& outcome) {
@@ -16,6 +16,7 @@ void CUploadRunner::start(StartOrder order) {
   CUploadAttempt& begun = *attempt;
   attempts_.emplace(job, std::move(attempt));
   begun.begin();
+  return attempts_.count(job) != 0;
 }
 
 }  // namespace zt_transfers

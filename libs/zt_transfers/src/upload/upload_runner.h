@@ -14,7 +14,7 @@ class CUploadRunner : public IAttemptRunner {
   CUploadRunner(CHttpLoop& loop, CWorkerPool& pool, ILog& log, IAttemptObserver& observer)
       : loop_(loop), pool_(pool), log_(log), observer_(observer) {}
 
-  void start(StartOrder order) override;
+  bool start(StartOrder order) override;
   void stop(JobId job) override { attempts_.erase(job); }
   void stopAll() override { attempts_.clear(); }
 

@@ -54,5 +54,28 @@ TEST(MemoryQueueStore, FindsFilesByTheirIdInTheirGroup) {
   EXPECT_FALSE(store.find(2, "b").has_value());
 }
 
+TEST(MemoryQueueStore, FindsEveryFileAmongManyThatComeAndGo) {
+  constexpr std::uint32_t kFiles = 5000;
+  CMemoryQueueStore store;
+  FileSpec spec;
+  for (std::uint32_t number = 0; number < kFiles; ++number) {
+    spec.fileId = "file-" + std::to_string(number);
+    store.append(1, spec);
+    if (number % 3 == 0) {
+      store.remove({1, number / 2});
+    }
+  }
+  std::uint32_t found = 0;
+  for (std::uint32_t number = 0; number < kFiles; ++number) {
+    const auto index = store.find(1, "file-" + std::to_string(number));
+    if (index) {
+      EXPECT_EQ(*index, number);
+      ++found;
+    }
+  }
+  // Every third step has removed a file of its own.
+  EXPECT_EQ(found, kFiles - (kFiles + 2) / 3);
+}
+
 }  // namespace
 }  // namespace zt_transfers::test

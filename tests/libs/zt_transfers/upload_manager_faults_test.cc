@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "untrusted_server.h"
 #include "upload_fixture.h"
 
 namespace zt_transfers::test {
@@ -228,6 +229,29 @@ TEST_F(UploadFaults, GivesUpOnRedirectsThatNeverEnd) {
   const auto group = upload({describe("file", "content")});
   ASSERT_TRUE(recorder.waitForGroupState(group, kGroupErrored));
   EXPECT_EQ(server.requests().size(), 6U);
+}
+
+TEST_F(UploadFaults, SendsNothingToAServerWhoseCertificateIsNotTrusted) {
+  const CUntrustedServer untrusted;
+  auto file = describe("file", "content");
+  file.url = untrusted.url("/file");
+  const auto group = upload({file});
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupErrored));
+  EXPECT_EQ(untrusted.connections(), 1);
+  EXPECT_EQ(untrusted.trusting(), 0);
+  manager.shutdown();
+  EXPECT_THAT(log(), HasSubstr("certificate"));
+}
+
+TEST_F(UploadFaults, GoesThroughTheConfiguredProxy) {
+  auto configuration = manager.getConfiguration();
+  configuration.proxy = server.url("");
+  manager.setConfiguration(configuration);
+  auto file = describe("file", "content");
+  file.url = "http://storage.invalid/file";
+  const auto group = upload({file});
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
+  EXPECT_EQ(server.object("http://storage.invalid/file"), "content");
 }
 
 TEST_F(UploadFaults, FailsFilesOfAnExpiredTokenWithThatReason) {

@@ -1,6 +1,5 @@
 #include "fault_server.h"
 
-#include <arpa/inet.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
@@ -8,8 +7,8 @@
 #include <algorithm>
 #include <chrono>
 #include <sstream>
-#include <stdexcept>
 
+#include "loopback.h"
 #include "sandbox.h"
 #include "text/ascii.h"
 
@@ -200,17 +199,7 @@ class CFaultServer::CConnection {
 };
 
 CFaultServer::CFaultServer() {
-  listener_ = CUniqueFd(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-  sockaddr_in address{};
-  address.sin_family = AF_INET;
-  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t length = sizeof address;
-  if (::bind(listener_.get(), reinterpret_cast<sockaddr*>(&address), length) != 0 ||
-      ::listen(listener_.get(), 128) != 0 ||
-      ::getsockname(listener_.get(), reinterpret_cast<sockaddr*>(&address), &length) != 0) {
-    throw std::runtime_error("the test's server cannot listen");
-  }
-  port_ = ntohs(address.sin_port);
+  listener_ = listenOnLoopback(port_);
   acceptor_ = std::thread([this] { accept(); });
 }
 

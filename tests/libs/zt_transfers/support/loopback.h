@@ -1,0 +1,10 @@
+#pragma once
+
+#include "os/unique_fd.h"
+
+namespace zt_transfers::test {
+
+// A socket that listens on 127.0.0.1, at a port that the system chooses. Throws on failure.
+CUniqueFd listenOnLoopback(int& port);
+
+}  // namespace zt_transfers::test

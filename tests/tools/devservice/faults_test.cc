@@ -1,0 +1,97 @@
+#include <Poco/Net/NetException.h>
+#include <Poco/Timestamp.h>
+
+#include "tools/devservice/service_fixture.h"
+
+namespace zantrio::devservice {
+
+// What requests meet when a rule hits them, seen from the client.
+class FaultsTest : public ServiceTest {
+ protected:
+  FaultsTest() {
+    createMessage();
+    url_ = announce("", "a.bin");
+  }
+
+  void addRule(const std::string& rule) {
+    ASSERT_EQ(request("POST", "/faults", rule).status, 201) << rule;
+  }
+  Answer put(const std::string& body) { return request("PUT", url_, body, token()); }
+  void reconnect() { session_->reset(); }
+
+  std::string url_;
+};
+
+TEST_F(FaultsTest, AnswersWithTheStatusAndRetryAfterThatWereAskedFor) {
+  addRule(
+      R"({"method":"PUT","path":"*a.bin","count":1,"type":"status","status":429,"retryAfter":7})");
+  const Answer failed = put("x");
+  EXPECT_EQ(failed.status, 429);
+  EXPECT_EQ(failed.response.get("Retry-After"), "7");
+  EXPECT_EQ(put("x").status, 200);
+}
+
+TEST_F(FaultsTest, ResetsTheConnectionAfterTheBytesThatWereAskedFor) {
+  addRule(R"({"method":"PUT","count":1,"type":"reset","afterBytes":1000})");
+  EXPECT_THROW(put(std::string(4'000'000, 'x')), Poco::Exception);
+  reconnect();
+  EXPECT_FALSE(std::filesystem::exists(arrivedFile("a.bin")));
+  EXPECT_EQ(put("again").status, 200);
+  addRule(R"({"path":"/api/status","count":1,"type":"reset"})");
+  EXPECT_THROW(request("GET", "/api/status"), Poco::Exception);
+  reconnect();
+  EXPECT_EQ(request("GET", "/api/status").status, 200);
+}
+
+TEST_F(FaultsTest, StallsUntilTheClientGivesUpAndDoesNotHoldUpTheEnd) {
+  addRule(R"({"method":"PUT","type":"stall","afterBytes":1})");
+  session_->setTimeout(Poco::Timespan(0, 200'000));
+  EXPECT_THROW(put("stalled"), Poco::TimeoutException);
+  const Poco::Timestamp begun;
+  server_->stop();
+  EXPECT_LT(begun.elapsed(), 10'000'000);
+}
+
+TEST_F(FaultsTest, DelaysAndSlowsDown) {
+  addRule(R"({"method":"PUT","count":1,"type":"delay","milliseconds":300})");
+  const Poco::Timestamp delayed;
+  EXPECT_EQ(put("x").status, 200);
+  EXPECT_GE(delayed.elapsed(), 300'000);
+  addRule(R"({"method":"PUT","count":1,"type":"rate","bytesPerSecond":100000})");
+  const Poco::Timestamp slowed;
+  EXPECT_EQ(put(std::string(50'000, 'x')).status, 200);
+  EXPECT_GE(slowed.elapsed(), 400'000);
+}
+
+TEST_F(FaultsTest, TellsAWrongChecksumOfAFileThatArrivedWell) {
+  addRule(R"({"method":"PUT","count":1,"type":"etag"})");
+  EXPECT_EQ(put("hello").response.get("ETag"), "\"00000000000000000000000000000000\"");
+  EXPECT_EQ(readFile(arrivedFile("a.bin")), "hello");
+  EXPECT_EQ(put("hello").response.get("ETag"), "\"5d41402abc4b2a76b9719d911017c592\"");
+}
+
+TEST_F(FaultsTest, ShortensAndDamagesDownloads) {
+  put("0123456789");
+  addRule(R"({"method":"GET","count":1,"type":"corrupt","afterBytes":4})");
+  const std::string damaged = request("GET", url_, "", token()).body;
+  EXPECT_EQ(damaged, "0123556789");
+  addRule(R"({"method":"GET","count":1,"type":"truncate","afterBytes":4})");
+  EXPECT_EQ(request("GET", url_, "", token()).body, "0123");
+  reconnect();
+  EXPECT_EQ(request("GET", url_, "", token()).body, "0123456789");
+}
+
+TEST_F(FaultsTest, RulesAreListedAndRemoved) {
+  addRule(R"({"type":"status","path":"/api/*"})");
+  EXPECT_EQ(request("GET", "/api/status").status, 503);
+  const Json::Value rules = request("GET", "/faults").json()["faults"];
+  ASSERT_EQ(rules.size(), 1U);
+  EXPECT_EQ(rules[0]["used"].asInt(), 1);
+  EXPECT_EQ(request("DELETE", "/faults/" + rules[0]["id"].asString()).status, 204);
+  EXPECT_EQ(request("DELETE", "/faults/77").code(), "no_such_rule");
+  EXPECT_EQ(request("GET", "/api/status").status, 200);
+  EXPECT_EQ(request("POST", "/faults", R"({"type":"explode"})").code(), "bad_rule");
+  EXPECT_EQ(request("DELETE", "/faults").status, 204);
+}
+
+}  // namespace zantrio::devservice

@@ -1,0 +1,65 @@
+#include "devservice/names.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using namespace std::string_literals;
+
+namespace zantrio::devservice {
+
+TEST(WhyUnusable, FindsNothingWrongWithLegalNamesHoweverOdd) {
+  for (const std::string& path : {"a"s, "a/b/c.txt"s, "日本.jpg"s, "...hidden"s, "a\\b"s,
+                                  "100%?#.txt"s, " "s, "line\nbreak"s, std::string(255, 'x')}) {
+    EXPECT_EQ(whyUnusable(path), "") << path;
+  }
+}
+
+TEST(WhyUnusable, RefusesWhatLeavesTheFolderOrIsNoName) {
+  for (const std::string& path :
+       {""s, "/etc/passwd"s, ".."s, "../x"s, "a/../../x"s, "a/."s, "a//b"s, "a/"s, "a\0b"s,
+        std::string(256, 'x'), "\xff"s, "\xc3"s, "\xed\xa0\x80"s}) {
+    EXPECT_NE(whyUnusable(path), "") << testing::PrintToString(path);
+  }
+}
+
+TEST(Printable, HidesControlCharactersAndShortensWithoutBreakingUtf8) {
+  EXPECT_EQ(printable("a\nb\x1b[31m"), "a?b?[31m");
+  const std::string longName = "x" + std::string(119, 'y') + "ü";
+  EXPECT_EQ(printable(longName).rfind("xyyy", 0), 0U);
+  EXPECT_EQ(whyUnusable(printable("x" + std::string(118, 'y') + "üü")), "");
+}
+
+TEST(EncodePath, KeepsSlashesAndEncodesWhatAnUrlCannotHold) {
+  EXPECT_EQ(encodePath("a b/ü#?%.txt"), "a%20b/%C3%BC%23%3F%25.txt");
+}
+
+TEST(Places, GivesEveryFileOfTheSameNameAPlaceOfItsOwn) {
+  CPlaces places;
+  EXPECT_EQ(places.take("d/a.tar.gz"), "d/a.tar.gz");
+  EXPECT_EQ(places.take("d/a.tar.gz"), "d/a.tar (2).gz");
+  EXPECT_EQ(places.take("d/a.tar.gz"), "d/a.tar (3).gz");
+  EXPECT_EQ(places.take("d/a.tar (2).gz"), "d/a.tar (2) (2).gz");
+  EXPECT_EQ(places.take("d/.profile"), "d/.profile");
+  EXPECT_EQ(places.take("d/.profile"), "d/.profile (2)");
+}
+
+TEST(Places, NeverUsesOneNameForAFileAndAFolder) {
+  CPlaces places;
+  EXPECT_EQ(places.take("a"), "a");
+  EXPECT_EQ(places.take("a/b"), "a (2)/b");
+  EXPECT_EQ(places.take("a/c"), "a (2)/c");
+  EXPECT_EQ(places.take("a (2)"), "a (2) (2)");
+}
+
+TEST(Places, KeepsCountedNamesWithinTheLimitAndWhole) {
+  CPlaces places;
+  const std::string name = "ü" + std::string(250, 'x') + "ü";  // 254 bytes
+  places.take(name);
+  const std::string second = places.take(name);
+  EXPECT_LE(second.size(), 255U);
+  EXPECT_EQ(whyUnusable(second), "");
+  EXPECT_NE(second, name);
+}
+
+}  // namespace zantrio::devservice

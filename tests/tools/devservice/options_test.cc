@@ -1,0 +1,35 @@
+#include "devservice/options.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace zantrio::devservice {
+
+TEST(Options, ReadsTheCommandLine) {
+  const Options options = parseOptions({"--port", "0", "--data", "d", "--web", "w"});
+  EXPECT_EQ(options.port, 0);
+  EXPECT_EQ(options.data, "d");
+  EXPECT_EQ(options.web, "w");
+  EXPECT_EQ(options.javascript, "/usr/share/javascript");
+}
+
+TEST(Options, RefusesWhatItDoesNotUnderstandAndSaysWhat) {
+  const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
+      {{"--prot", "1"}, "--prot"},
+      {{"--port"}, "--port needs a value"},
+      {{"--port", "65536", "--data", "d", "--web", "w"}, "65536"},
+      {{"--port", "80x", "--data", "d", "--web", "w"}, "80x"},
+      {{"--data", "d", "--web", "w"}, "--port"},
+      {{"--port", "0", "--data", "d"}, "--web"}};
+  for (const auto& [arguments, expected] : cases) {
+    try {
+      parseOptions(arguments);
+      ADD_FAILURE() << "accepted, expected a message about " << expected;
+    } catch (const std::runtime_error& error) {
+      EXPECT_NE(std::string(error.what()).find(expected), std::string::npos) << error.what();
+    }
+  }
+}
+
+}  // namespace zantrio::devservice

@@ -8,9 +8,15 @@ export class TransferFiles {
   #byId = new Map();
   #inState = new Map(FILE_STATES.map((state) => [state, new Set()]));
   #bytes = 0;
+  #leftOut = 0;
 
   get count() {
     return this.#files.length;
+  }
+
+  /** How many files are to arrive. */
+  get wanted() {
+    return this.#files.length - this.#leftOut;
   }
 
   /** Sizes of all files as they were announced. */
@@ -78,6 +84,7 @@ export class TransferFiles {
     this.#inState.get(file.state).delete(file.index);
     this.#bytes -= file.size;
     file.leftOut = true;
+    this.#leftOut += 1;
   }
 
   #fetch(id) {

@@ -51,6 +51,6 @@ export const Transfer = Backbone.Model.extend({
   },
 
   fileTotal() {
-    return Math.max(this.get('fileCount'), this.files.count);
+    return this.get('phase') === 'filling' ? this.get('fileCount') : this.files.wanted;
   },
 });

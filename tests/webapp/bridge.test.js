@@ -1,0 +1,33 @@
+import assert from 'node:assert/strict';
+import { test } from 'node:test';
+import { BridgeError, isAvailable, query } from '../../webapp/js/bridge.js';
+
+/** A window with one bridge that answers by the given function. */
+function windowWith(answer) {
+  const requests = [];
+  return { requests, bridge: (call) => { requests.push(call); answer(call); } };
+}
+
+test('asks with a method and parameters as one text, and gives the answer as a value', async () => {
+  const root = windowWith(({ onSuccess }) => onSuccess('{"id":"7"}\n'));
+  assert.deepEqual(await query('bridge', 'createGroup', { bucketId: 'ü"' }, root), { id: '7' });
+  assert.deepEqual(JSON.parse(root.requests[0].request), { method: 'createGroup', parameters: { bucketId: 'ü"' } });
+  assert.equal(root.requests[0].persistent, false);
+});
+
+test('an answer of null is a value', async () => {
+  assert.equal(await query('bridge', 'selectFiles', undefined, windowWith(({ onSuccess }) => onSuccess('null\n'))), null);
+});
+
+test('failures and unreadable answers become errors that say which method failed', async () => {
+  const failing = windowWith(({ onFailure }) => onFailure(-1, 'The query has been canceled'));
+  await assert.rejects(query('bridge', 'm', {}, failing), (error) =>
+    error instanceof BridgeError && error.code === -1 && error.message.includes('"m"'));
+  const garbled = windowWith(({ onSuccess }) => onSuccess('{'));
+  await assert.rejects(query('bridge', 'm', {}, garbled), /"m"/);
+});
+
+test('without the application there is no bridge', async () => {
+  assert.equal(isAvailable('bridge', {}), false);
+  await assert.rejects(query('bridge', 'm', {}, {}), /needs the Zantrio application/);
+});

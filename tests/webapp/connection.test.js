@@ -1,0 +1,57 @@
+import assert from 'node:assert/strict';
+import { mock, test } from 'node:test';
+import './libraries.js';
+
+const { Connection } = await import('../../webapp/js/models/connection.js');
+const { ServiceRefused, ServiceUnreachable } = await import('../../webapp/js/service.js');
+
+/** Replaces the clock for one test: timers run only when they are told to. */
+function heldTimers(t) {
+  const timers = [];
+  t.mock.method(globalThis, 'setTimeout', (callback) => { timers.push(callback); return timers.length; });
+  t.mock.method(globalThis, 'clearTimeout', () => {});
+  return { tick: () => timers.shift()() };
+}
+
+const settled = () => new Promise((resolve) => { setImmediate(resolve); });
+
+test('counts down, asks again, and goes on with what waited', async (t) => {
+  const clock = heldTimers(t);
+  const connection = new Connection();
+  const answers = [new ServiceUnreachable(), 'there'];
+  const call = mock.fn(async () => {
+    const answer = answers.shift();
+    if (answer instanceof Error) throw answer;
+    return answer;
+  });
+  const result = connection.persistently(call);
+  await settled();
+  assert.equal(connection.get('reachable'), false);
+  assert.equal(connection.get('secondsLeft'), 3);
+  clock.tick();
+  assert.equal(connection.get('secondsLeft'), 2);
+  t.mock.method(globalThis, 'fetch', async () => ({ ok: true, status: 200, json: async () => ({}) }));
+  await connection.tryNow();
+  assert.equal(await result, 'there');
+  assert.equal(connection.get('reachable'), true);
+  assert.equal(call.mock.callCount(), 2);
+});
+
+test('waits longer after each try in vain', async (t) => {
+  heldTimers(t);
+  t.mock.method(globalThis, 'fetch', async () => { throw new TypeError('Failed to fetch'); });
+  const connection = new Connection();
+  connection.lost('away');
+  const waits = [connection.get('secondsLeft')];
+  for (let i = 0; i < 5; i += 1) {
+    await connection.tryNow();
+    waits.push(connection.get('secondsLeft'));
+  }
+  assert.deepEqual(waits, [3, 5, 10, 20, 30, 30]);
+});
+
+test('a refusal is an answer: it is handed on at once', async () => {
+  const connection = new Connection();
+  await assert.rejects(connection.persistently(async () => { throw new ServiceRefused('no', 403, 'x'); }), /no/);
+  assert.equal(connection.get('reachable'), true);
+});

@@ -1,0 +1,34 @@
+import assert from 'node:assert/strict';
+import { test } from 'node:test';
+import './libraries.js';
+import { records } from './records.js';
+
+const { Draft } = await import('../../webapp/js/models/draft.js');
+
+test('tells what is missing before it can be sent', () => {
+  const draft = new Draft();
+  assert.deepEqual(draft.problems().map((problem) => problem.field), ['files', 'recipients']);
+  draft.addFiles({ files: records(1) });
+  draft.set('recipients', 'ann');
+  assert.match(draft.problems()[0].text, /“ann” is not an e-mail address/);
+  draft.set('recipients', 'ann@example.org');
+  assert.deepEqual(draft.problems(), []);
+});
+
+test('takes its title from what was chosen unless one is written', () => {
+  const draft = new Draft();
+  draft.addFiles({ files: records(2), summary: 'Wedding' });
+  draft.set('recipients', 'ann@example.org');
+  assert.equal(draft.content().subject, 'Wedding');
+  draft.set('subject', ' Mine ');
+  assert.equal(draft.content().subject, 'Mine');
+  draft.reset();
+  draft.addFiles({ files: records(3), summary: null });
+  assert.equal(draft.content().subject, '0.txt and 2 more');
+});
+
+test('a result without files, as after a drop of nothing, adds nothing', () => {
+  const draft = new Draft();
+  assert.equal(draft.addFiles({ complete: true, defer: false }).added, 0);
+  assert.equal(draft.files.count, 0);
+});

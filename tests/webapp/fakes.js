@@ -1,0 +1,80 @@
+// Stand-ins for the native side and the service that remember what they were asked.
+
+export class FakeUploads {
+  constructor() {
+    this.calls = [];
+    this.queued = [];
+    this.groups = [];
+  }
+
+  async fetchGroups() { return this.groups; }
+
+  async createGroup(parameters) {
+    this.calls.push(['createGroup', parameters]);
+    return { id: '1', state: group('1') };
+  }
+
+  async queueFiles(groupId, files) {
+    this.calls.push(['queueFiles', groupId, files.length]);
+    this.queued.push(...files);
+    return {};
+  }
+}
+for (const method of ['markQueue', 'pause', 'resume', 'cancel', 'dequeueFiles']) {
+  FakeUploads.prototype[method] = async function record(...parameters) {
+    this.calls.push([method, ...parameters]);
+    return {};
+  };
+}
+
+export class FakeService {
+  constructor() {
+    this.calls = [];
+    this.announced = 0;
+  }
+
+  async status() { return {}; }
+
+  async createMessage() { return { bucketId: 'b1', token: 'secret', tokenExpires: 9, created: 1 }; }
+
+  async describeMessage() { return { subject: 'Earlier', recipients: ['ann@example.org'], created: 1, state: 'open' }; }
+
+  async listFiles() {
+    return { files: [{ id: '1', path: 'a/b.txt', size: 5, arrived: true }, { id: '2', path: 'c.txt', size: 7 }] };
+  }
+
+  async announceFiles(bucketId, token, files) {
+    this.calls.push(['announceFiles', bucketId, token, files.length]);
+    return {
+      files: files.map((file) => {
+        this.announced += 1;
+        return { id: String(this.announced), path: file.name, size: file.size, uploadDetails: { url: `u${this.announced}` } };
+      }),
+    };
+  }
+}
+for (const method of ['completeMessage', 'cancelMessage', 'removeFile']) {
+  FakeService.prototype[method] = async function record(...parameters) {
+    this.calls.push([method, ...parameters]);
+  };
+}
+
+/** A connection over which every call succeeds or fails at once. */
+export const connection = { persistently: (call) => call(), lost() {} };
+
+/** A group object of the upload library. */
+export function group(id, changes = {}) {
+  return {
+    id, type: 'UNKNWON', bucketId: 'b1', bucketType: 'message', paused: false, empty: true, bytesTransferred: 0,
+    bytesTotal: 0, percentTransferred: 0, bytesTransferredPerSecond: 0, estimatedEta: 0, cancelled: false, marked: false,
+    ...changes,
+  };
+}
+
+/** A group event as the native side evaluates it. */
+export function groupEvent(id, changes) {
+  const state = group(id, changes);
+  return { id, bucketId: state.bucketId, type: state.type, state };
+}
+
+export const settled = () => new Promise((resolve) => { setTimeout(resolve, 5); });

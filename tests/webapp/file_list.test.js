@@ -1,0 +1,39 @@
+import assert from 'node:assert/strict';
+import { test } from 'node:test';
+import { FileList } from '../../webapp/js/file_list.js';
+import { records } from './records.js';
+
+test('keeps files in order with their totals', () => {
+  const list = new FileList();
+  assert.deepEqual(list.add(records(3)), { added: 3, duplicates: 0, unusable: 0 });
+  assert.equal(list.bytes, 30);
+  assert.equal(list.remove(1).name, '1.txt');
+  assert.deepEqual(list.all().map((file) => file.name), ['0.txt', '2.txt']);
+  assert.equal(list.bytes, 20);
+  assert.equal(list.remove(7), null);
+});
+
+test('takes a file once, and again after it was removed', () => {
+  const list = new FileList();
+  list.add(records(2));
+  assert.deepEqual(list.add(records(3)), { added: 1, duplicates: 2, unusable: 0 });
+  list.remove(0);
+  assert.equal(list.add(records(1)).added, 1);
+  list.clear();
+  assert.equal(list.bytes, 0);
+  assert.equal(list.add(records(3)).added, 3);
+});
+
+test('leaves out records that describe no file', () => {
+  const list = new FileList();
+  const outcome = list.add([{}, null, { name: 'a' }, { fileURL: 'file:///a' }, ...records(1)]);
+  assert.deepEqual(outcome, { added: 1, duplicates: 0, unusable: 4 });
+});
+
+test('takes 100,000 files', () => {
+  const list = new FileList();
+  list.add(records(100_000));
+  assert.equal(list.count, 100_000);
+  assert.equal(list.bytes, 1_000_000);
+  assert.equal(list.add(records(100_000)).duplicates, 100_000);
+});

@@ -1,0 +1,47 @@
+import assert from 'node:assert/strict';
+import { test } from 'node:test';
+import {
+  fileType, formatCount, formatPercent, formatRate, formatSize, formatTimeLeft,
+} from '../../webapp/js/format.js';
+
+test('sizes have one digit below a hundred and never reach four digits', () => {
+  const expected = [
+    [0, '0 bytes'], [1, '1 byte'], [999, '999 bytes'], [1000, '1.0 KB'], [99_940, '99.9 KB'], [99_960, '100 KB'],
+    [999_499, '999 KB'], [999_500, '1.0 MB'], [1_234_567_890, '1.2 GB'], [5e15, '5.0 PB'],
+  ];
+  for (const [bytes, text] of expected) assert.equal(formatSize(bytes), text);
+  assert.equal(formatSize(Number.NaN), '–');
+});
+
+test('rates and times that are not known are empty', () => {
+  assert.equal(formatRate(0), '');
+  assert.equal(formatRate(12_300_000), '12.3 MB/s');
+  assert.equal(formatTimeLeft(0), '');
+  assert.equal(formatTimeLeft(Number.POSITIVE_INFINITY), '');
+});
+
+test('time left is told in its largest useful unit', () => {
+  const expected = [
+    [0.2, '1 s left'], [59, '59 s left'], [60, '1 min left'], [90 * 60, '1 h 30 min left'],
+    [3599, '1 h 0 min left'], [30 * 3600, '1 day left'], [72 * 3600, '3 days left'],
+  ];
+  for (const [seconds, text] of expected) assert.equal(formatTimeLeft(seconds), text);
+});
+
+test('percent are whole and reach 100 only at the end', () => {
+  assert.equal(formatPercent(999, 1000), '99 %');
+  assert.equal(formatPercent(1000, 1000), '100 %');
+  assert.equal(formatPercent(2000, 1000), '100 %');
+  assert.equal(formatPercent(0, 0), '0 %');
+});
+
+test('counts are grouped and agree with their noun', () => {
+  assert.equal(formatCount(1, 'file'), '1 file');
+  assert.equal(formatCount(1_234_567, 'file'), '1,234,567 files');
+});
+
+test('types come from the extension, however it is written', () => {
+  const expected = [['a.JPG', 'Image'], ['a.b.zip', 'Archive'], ['README', 'File'], ['.mov', 'File'], ['a.', 'File'],
+    ['a.unknown', 'File']];
+  for (const [name, type] of expected) assert.equal(fileType(name), type);
+});

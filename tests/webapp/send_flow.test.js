@@ -1,0 +1,77 @@
+import assert from 'node:assert/strict';
+import { test } from 'node:test';
+import './libraries.js';
+import { connection, FakeService, FakeUploads } from './fakes.js';
+import { records } from './records.js';
+
+globalThis.requestAnimationFrame = () => {};
+const { Transfers } = await import('../../webapp/js/models/transfers.js');
+const { SendFlow } = await import('../../webapp/js/send_flow.js');
+
+function make() {
+  const uploads = new FakeUploads();
+  const service = new FakeService();
+  const transfers = new Transfers([], { uploads, service, connection });
+  return { uploads, service, transfers, flow: new SendFlow({ uploads, service, connection, transfers }) };
+}
+
+const content = (count) => ({
+  kind: 'message', subject: 'Film', text: '', recipients: ['ann@example.org'], files: records(count), bytes: count * 10,
+});
+
+async function send({ flow }, count) {
+  const sent = content(count);
+  const { transfer, token } = await flow.begin(sent);
+  await flow.fill(transfer, token, sent.files);
+  return transfer;
+}
+
+test('creates the group with what the service gave, fills it in batches, and marks it last', async () => {
+  const all = make();
+  const transfer = await send(all, 1200);
+  assert.deepEqual(all.uploads.calls, [
+    ['createGroup', { bucketId: 'b1', bucketType: 'message', token: 'secret', tokenExpires: 9 }],
+    ['queueFiles', '1', 500], ['queueFiles', '1', 500], ['queueFiles', '1', 200],
+    ['markQueue', '1'],
+  ]);
+  assert.deepEqual(all.service.calls.map((call) => call[3]), [500, 500, 200]);
+  assert.equal(transfer.get('phase'), 'running');
+  assert.equal(transfer.get('handedOver'), 1200);
+});
+
+test('every file goes with its own address', async () => {
+  const all = make();
+  await send(all, 700);
+  assert.deepEqual(all.uploads.queued[650], {
+    id: '651', fileURL: 'file:///home/ann/d/650.txt', uploadDetails: { url: 'u651' },
+  });
+});
+
+test('a group that the library refuses is an error before anything is queued', async () => {
+  const all = make();
+  all.uploads.createGroup = async () => ({ id: null, state: null });
+  await assert.rejects(all.flow.begin(content(1)), /could not begin/);
+  assert.equal(all.transfers.length, 0);
+});
+
+test('stops adding files to a transfer that is cancelled meanwhile, and does not mark it', async () => {
+  const all = make();
+  const sent = content(1200);
+  const { transfer, token } = await all.flow.begin(sent);
+  const queueFiles = all.uploads.queueFiles.bind(all.uploads);
+  all.uploads.queueFiles = async (...parameters) => {
+    transfer.set('phase', 'cancelled');
+    return queueFiles(...parameters);
+  };
+  await all.flow.fill(transfer, token, sent.files);
+  assert.ok(all.uploads.queued.length < 1200);
+  assert.equal(all.uploads.calls.some(([method]) => method === 'markQueue'), false);
+});
+
+test('a refusal while files are added reaches the caller', async () => {
+  const all = make();
+  all.service.announceFiles = async () => { throw new Error('The file "x" cannot be taken.'); };
+  const sent = content(1);
+  const { transfer, token } = await all.flow.begin(sent);
+  await assert.rejects(all.flow.fill(transfer, token, sent.files), /cannot be taken/);
+});

@@ -1,0 +1,41 @@
+import assert from 'node:assert/strict';
+import { test } from 'node:test';
+import {
+  failureWords, fileWords, groupWords, paceWords, progressWords,
+} from '../../webapp/js/transfer_words.js';
+
+test('every state has a word, whatever the page itself does with the transfer', () => {
+  const label = (phase, state) => groupWords({ phase, state }).label;
+  assert.equal(label('running', 'TRANSFERRING'), 'Sending');
+  assert.equal(label('running', 'UNKNWON'), 'Waiting');
+  assert.equal(label('running', 'something new'), 'Waiting');
+  assert.equal(label('filling', 'UNKNWON'), 'Preparing');
+  assert.equal(label('filling', 'ERRORED'), 'Failed');
+  assert.equal(label('running', 'COMPLETED'), 'Finishing');
+  assert.equal(label('delivered', 'COMPLETED'), 'Sent');
+  assert.equal(label('cancelled', 'COMPLETED'), 'Cancelled');
+  assert.equal(label('interrupted', 'UNKNWON'), 'Interrupted');
+});
+
+test('a file being sent tells its percent, any other its state', () => {
+  assert.equal(fileWords({ state: 'TRANSFERRING', done: 1, size: 4 }), '25 %');
+  assert.equal(fileWords({ state: 'UNKNWON' }), 'Waiting');
+  assert.equal(fileWords({ state: 'ERRORED', leftOut: true }), 'Left out');
+});
+
+test('progress tells files and bytes, the pace only while something moves', () => {
+  assert.equal(progressWords({ done: 12, count: 5000, bytesDone: 45e6, bytesTotal: 1.2e9 }),
+    '12 of 5,000 files, 45.0 MB of 1.2 GB');
+  assert.equal(progressWords({ done: 1, count: 1, bytesDone: 5, bytesTotal: 5, finished: true }), '1 file, 5 bytes');
+  assert.equal(paceWords({ state: 'TRANSFERRING', rate: 1e6, secondsLeft: 30 }), '1.0 MB/s, 30 s left');
+  assert.equal(paceWords({ state: 'TRANSFERRING', rate: 1e6, secondsLeft: 0 }), '1.0 MB/s');
+  assert.equal(paceWords({ state: 'PAUSED', rate: 1e6, secondsLeft: 30 }), '');
+});
+
+test('a failure names the files and what one can do', () => {
+  const one = failureWords({ names: ['a.txt'], total: 1, phase: 'running' });
+  assert.match(one, /^1 file could not be sent: “a\.txt”\. Check that it is still there/);
+  const many = failureWords({ names: ['a', 'b', 'c'], total: 1200, phase: 'running' });
+  assert.match(many, /“a”, “b”, “c” and 1,197 more/);
+  assert.match(failureWords({ names: [], total: 0, phase: 'running' }), /connection to the service/);
+});

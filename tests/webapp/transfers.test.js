@@ -1,0 +1,136 @@
+import assert from 'node:assert/strict';
+import { test } from 'node:test';
+import './libraries.js';
+import {
+  connection, FakeService, FakeUploads, group, groupEvent, settled,
+} from './fakes.js';
+
+const frames = [];
+globalThis.requestAnimationFrame = (frame) => frames.push(frame);
+const cleared = new Map();
+globalThis.localStorage = {
+  getItem: (key) => cleared.get(key) ?? null, setItem: (key, value) => cleared.set(key, value),
+};
+
+const { Transfers } = await import('../../webapp/js/models/transfers.js');
+
+function make() {
+  cleared.clear();
+  const uploads = new FakeUploads();
+  const service = new FakeService();
+  const transfers = new Transfers([], { uploads, service, connection });
+  return { uploads, service, transfers };
+}
+
+function running(transfers, id = '1') {
+  return transfers.add({ id, bucketId: 'b1', subject: 'Film', phase: 'running' });
+}
+
+const fileEvent = (fileId, type, done) => ({
+  id: '1', bucketId: 'b1', fileId, type, state: { type, bytesTransfered: done, bytesTotal: 10, percentTransferred: 0 },
+});
+
+test('takes group events as the native side writes them', () => {
+  const { transfers } = make();
+  const transfer = running(transfers);
+  transfers.groupChanged(groupEvent('1', {
+    type: 'TRANSFERRING', bytesTransferred: 5, bytesTotal: 10, bytesTransferredPerSecond: 2, estimatedEta: 3, marked: true,
+  }));
+  assert.deepEqual(
+    [transfer.get('state'), transfer.get('bytesTransferred'), transfer.get('rate'), transfer.get('secondsLeft')],
+    ['TRANSFERRING', 5, 2, 3]);
+});
+
+test('draws once for thousands of events', () => {
+  const { transfers } = make();
+  frames.length = 0;
+  let drawn = 0;
+  const transfer = running(transfers);
+  transfer.on('moved', () => { drawn += 1; });
+  for (let i = 0; i < 5000; i += 1) transfers.fileChanged(fileEvent(String(i), 'TRANSFERRING', 1));
+  assert.equal(frames.length, 1);
+  frames.forEach((frame) => frame());
+  assert.equal(drawn, 1);
+  assert.equal(transfer.files.countIn('TRANSFERRING'), 5000);
+});
+
+test('completes the message at the service once its group is complete', async () => {
+  const { transfers, service } = make();
+  const transfer = running(transfers);
+  transfers.groupChanged(groupEvent('1', { type: 'COMPLETED', marked: true }));
+  transfers.groupChanged(groupEvent('1', { type: 'COMPLETED', marked: true }));
+  await settled();
+  assert.deepEqual(service.calls, [['completeMessage', 'b1']]);
+  assert.equal(transfer.get('phase'), 'delivered');
+});
+
+test('says so when the service does not accept a complete message', async () => {
+  const { transfers, service } = make();
+  service.completeMessage = async () => { throw new Error('2 of 3 files have not arrived yet.'); };
+  const transfer = running(transfers);
+  transfers.groupChanged(groupEvent('1', { type: 'COMPLETED', marked: true }));
+  await settled();
+  assert.match(transfer.get('problem'), /2 of 3 files/);
+  assert.equal(transfer.get('phase'), 'running');
+});
+
+test('recalls the transfers of an earlier session from the library and the service', async () => {
+  const { transfers, uploads } = make();
+  uploads.groups = [group('3', { type: 'TRANSFERRING', marked: true }), group('4')];
+  await transfers.load();
+  await settled();
+  assert.deepEqual(transfers.map((transfer) => transfer.id), ['4', '3']);
+  const transfer = transfers.get('3');
+  assert.equal(transfer.get('subject'), 'Earlier');
+  assert.equal(transfer.files.byId('1').state, 'COMPLETED');
+  assert.deepEqual([transfer.files.byId('1').folder, transfer.files.byId('1').name], ['a', 'b.txt']);
+  assert.equal(transfers.get('4').get('phase'), 'interrupted', 'was not marked, so not all files are there');
+});
+
+test('a failed transfer goes on by itself only after the service was away', async () => {
+  const { transfers, uploads, service } = make();
+  running(transfers);
+  transfers.groupChanged(groupEvent('1', { type: 'ERRORED', marked: true }));
+  await settled();
+  assert.deepEqual(uploads.calls, [], 'the service is there: it is for the user to decide');
+  transfers.groupChanged(groupEvent('1', { type: 'TRANSFERRING', marked: true }));
+  let away = true;
+  service.status = async () => {
+    if (!away) return {};
+    away = false;
+    throw new Error('away');
+  };
+  transfers.groupChanged(groupEvent('1', { type: 'ERRORED', marked: true }));
+  await settled();
+  assert.deepEqual(uploads.calls, [['resume', '1']]);
+});
+
+test('cancelling tells the library and the service', async () => {
+  const { transfers, uploads, service } = make();
+  const transfer = running(transfers);
+  await transfers.cancel(transfer);
+  assert.deepEqual(uploads.calls, [['cancel', '1']]);
+  assert.deepEqual(service.calls, [['cancelMessage', 'b1']]);
+  assert.equal(transfer.isFinished(), true);
+});
+
+test('a file that is left out is taken from both, and the rest is delivered', async () => {
+  const { transfers, uploads, service } = make();
+  const transfer = running(transfers);
+  transfers.fileChanged(fileEvent('5', 'ERRORED', 0));
+  await transfers.leaveOut(transfer, '5');
+  assert.deepEqual(uploads.calls, [['dequeueFiles', '1', [{ id: '5' }]]]);
+  assert.deepEqual(service.calls, [['removeFile', 'b1', '5']]);
+  assert.equal(transfer.files.countIn('ERRORED'), 0);
+});
+
+test('what was cleared stays away in later sessions', async () => {
+  const { transfers, uploads } = make();
+  const transfer = running(transfers);
+  transfer.set({ state: 'COMPLETED', phase: 'delivered' });
+  transfers.clearFinished();
+  assert.equal(transfers.length, 0);
+  uploads.groups = [group('1', { type: 'COMPLETED', marked: true })];
+  await transfers.load();
+  assert.equal(transfers.length, 0);
+});

@@ -1,0 +1,89 @@
+import assert from 'node:assert/strict';
+import { test } from 'node:test';
+
+// Just enough of a document to see which rows a list keeps in it.
+class FakeElement {
+  constructor() {
+    this.children = [];
+    this.style = {};
+    this.dataset = {};
+    this.attributes = {};
+    this.scrollTop = 0;
+    this.clientHeight = 520;
+  }
+
+  setAttribute(name, value) { this.attributes[name] = value; }
+
+  addEventListener(type, listener) { this[`on${type}`] = listener; }
+
+  append(...children) { children.forEach((child) => this.insertBefore(child, null)); }
+
+  insertBefore(child, next) {
+    child.parent = this;
+    this.children.splice(next ? this.children.indexOf(next) : this.children.length, 0, child);
+  }
+
+  remove() { this.parent.children.splice(this.parent.children.indexOf(this), 1); }
+}
+const frames = [];
+globalThis.document = { createElement: () => new FakeElement() };
+globalThis.ResizeObserver = class { observe() {} };
+globalThis.requestAnimationFrame = (frame) => frames.push(frame);
+
+const { VirtualList } = await import('../../webapp/js/views/virtual_list.js');
+
+function listOf(count) {
+  const made = [];
+  const filled = [];
+  const list = new VirtualList({
+    label: 'Files',
+    rowHeight: 52,
+    makeRow: () => { made.push(1); return new FakeElement(); },
+    fillRow: (row, index) => { row.index = index; filled.push(index); },
+  });
+  list.refresh(count);
+  return { list, made, filled, shown: () => list.canvas.children.map((row) => row.index) };
+}
+
+function scroll(list, top) {
+  list.element.scrollTop = top;
+  list.element.onscroll();
+  frames.splice(0).forEach((frame) => frame());
+}
+
+test('of 100,000 entries only those in view are in the document, in reading order', () => {
+  const { list, shown } = listOf(100_000);
+  assert.equal(list.canvas.style.height, '5200000px');
+  assert.deepEqual(shown(), Array.from({ length: 16 }, (_, i) => i));
+  for (const top of [1_000_000, 1_000_300, 999_800, 5_199_480, 0]) {
+    scroll(list, top);
+    const rows = shown();
+    assert.ok(rows.length <= 24, `${rows.length} rows at ${top}`);
+    assert.deepEqual(rows, rows.slice().sort((a, b) => a - b));
+    assert.ok(rows.includes(Math.floor(top / 52)));
+  }
+});
+
+test('rows are used again instead of being made anew', () => {
+  const { list, made } = listOf(100_000);
+  for (let top = 0; top < 520_000; top += 700) scroll(list, top);
+  assert.ok(made.length <= 24, `${made.length} rows were made`);
+});
+
+test('scrolling fills only what comes into view, a refresh all that is in view', () => {
+  const { list, filled, shown } = listOf(1000);
+  filled.length = 0;
+  scroll(list, 52);
+  assert.deepEqual(filled, [16]);
+  filled.length = 0;
+  list.refresh(1000);
+  assert.equal(filled.length, shown().length);
+});
+
+test('a list that becomes shorter loses its rows', () => {
+  const { list, shown } = listOf(10);
+  list.refresh(2);
+  assert.deepEqual(shown(), [0, 1]);
+  list.refresh(0);
+  assert.deepEqual(shown(), []);
+});

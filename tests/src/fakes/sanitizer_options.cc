@@ -6,7 +6,9 @@ const char* __asan_default_options();
 const char* __lsan_default_suppressions();
 const char* __tsan_default_options();
 
-const char* __asan_default_options() { return "new_delete_type_mismatch=0"; }
+const char* __asan_default_options() {
+  return "new_delete_type_mismatch=0";
+}
 
 const char* __lsan_default_suppressions() {
   return "leak:libQt6WebEngineCore\n"
@@ -14,5 +16,7 @@ const char* __lsan_default_suppressions() {
          "leak:libfontconfig\n";
 }
 
-const char* __tsan_default_options() { return "ignore_noninstrumented_modules=1"; }
+const char* __tsan_default_options() {
+  return "ignore_noninstrumented_modules=1 report_thread_leaks=0";
+}
 }

@@ -22,7 +22,7 @@ test('takes its title from what was chosen unless one is written', () => {
   assert.equal(draft.content().subject, 'Wedding');
   draft.set('subject', ' Mine ');
   assert.equal(draft.content().subject, 'Mine');
-  draft.reset();
+  draft.forget(draft.content());
   draft.addFiles({ files: records(3), summary: null });
   assert.equal(draft.content().subject, '0.txt and 2 more');
 });
@@ -31,4 +31,16 @@ test('a result without files, as after a drop of nothing, adds nothing', () => {
   const draft = new Draft();
   assert.equal(draft.addFiles({ complete: true, defer: false }).added, 0);
   assert.equal(draft.files.count, 0);
+});
+
+test('files that come in while a message is being sent stay for the next one', () => {
+  const draft = new Draft();
+  draft.addFiles({ files: records(2) });
+  draft.set({ recipients: 'ann@example.org', text: 'Hello' });
+  const content = draft.content();
+  draft.addFiles({ files: records(1, 'later') });
+  draft.forget(content);
+  assert.deepEqual(draft.files.all().map((file) => file.fileURL), ['file:///home/ann/later/0.txt']);
+  assert.equal(draft.files.bytes, 10);
+  assert.equal(draft.get('text'), '');
 });

@@ -16,14 +16,18 @@
     verifyUploads: true, preventSleep: true, throttleBytesPerSecond: 0, serverTransferProgressInterval: 0,
   };
 
+  const sizes = new Map();
+
   function records(folder) {
-    return Array.from({ length: options.files }, (_, i) => ({
+    const found = Array.from({ length: options.files }, (_, i) => ({
       fileURL: `file:///home/ann/${folder}/${i}-${encodeURIComponent(NAMES[i % NAMES.length])}`,
       name: i < NAMES.length ? NAMES[i] : NAMES[i % NAMES.length].replace('.', ` ${i}.`),
       path: i % 3 === 0 ? null : `Reel ${1 + (i % 7)}/selects`,
-      size: ((i * 7919) % 997) * 1000 ** (1 + (i % 3)) + i,
+      size: (1 + ((i * 7919) % 997)) * [1e6, 2e3, 40][i % 3] + i,
       created: 0, modified: 1700000000000 + i,
     }));
+    found.forEach((record) => sizes.set(record.fileURL, record.size));
+    return found;
   }
   const chosen = (folder) => ({ files: records(folder), directoryName: folder, summary: folder });
 
@@ -104,7 +108,7 @@
       },
       queueFiles: ({ groupId, files }) => {
         const group = groups.get(groupId);
-        files.forEach((file) => group.files.push({ id: file.id, size: 1e6 + (file.id % 9) * 3e6, done: 0, state: 'UNKNWON' }));
+        files.forEach((file) => group.files.push({ id: file.id, size: sizes.get(file.fileURL) ?? 1e6, done: 0, state: 'UNKNWON' }));
         start(group);
         return {};
       },

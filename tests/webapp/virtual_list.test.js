@@ -5,7 +5,7 @@ import { test } from 'node:test';
 class FakeElement {
   constructor() {
     this.children = [];
-    this.style = {};
+    this.style = { setProperty() {} };
     this.dataset = {};
     this.attributes = {};
     this.scrollTop = 0;

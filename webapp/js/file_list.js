@@ -63,6 +63,13 @@ export class FileList {
     return file;
   }
 
+  removeAll(files) {
+    const gone = new Set(files.map((file) => file.fileURL));
+    const kept = this.#files.filter((file) => !gone.has(file.fileURL));
+    this.clear();
+    kept.forEach((file) => this.#append(file, null));
+  }
+
   clear() {
     this.#files = [];
     this.#urls = new Set();

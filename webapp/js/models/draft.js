@@ -61,8 +61,9 @@ export const Draft = Backbone.Model.extend({
     };
   },
 
-  reset() {
-    this.files.clear();
+  /** Forgets what was sent; files that came in meanwhile stay. */
+  forget(content) {
+    this.files.removeAll(content.files);
     this.suggestedSubject = null;
     this.set({ subject: '', recipients: '', text: '' });
     this.trigger('files');

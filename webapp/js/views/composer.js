@@ -106,6 +106,7 @@ export const Composer = Backbone.View.extend({
   setSending(sending) {
     this.sending = sending;
     this.button.disabled = sending || !uploads.isThere();
+    Object.values(this.fields).forEach((input) => { input.disabled = sending; });
     setText(this.sendLabel, sending ? 'Preparing…' : 'Send');
   },
 });

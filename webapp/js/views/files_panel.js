@@ -1,11 +1,15 @@
 import { Backbone } from '../lib.js';
 import { announce, el, setText } from '../dom.js';
 import { fileType, formatCount, formatSize } from '../format.js';
-import { icon } from '../icons.js';
+import { changeIcon, icon } from '../icons.js';
 import { chooser } from '../native.js';
 import { VirtualList } from './virtual_list.js';
 
 const ROW_HEIGHT = 52;
+const TYPE_ICONS = {
+  Image: 'image', Video: 'video', Audio: 'audio', Archive: 'archive', Document: 'text', PDF: 'text',
+  Spreadsheet: 'text', Presentation: 'text', Code: 'text',
+};
 
 /** The chosen files, and the ways to choose more. */
 export const FilesPanel = Backbone.View.extend({
@@ -81,11 +85,13 @@ export const FilesPanel = Backbone.View.extend({
 
   fillRow(row, index) {
     const file = this.draft.files.at(index);
-    const [, main, type, size, remove] = row.children;
+    const [picture, main, type, size, remove] = row.children;
+    const typeName = fileType(file.name);
+    changeIcon(picture.firstChild, TYPE_ICONS[typeName] ?? 'file');
     setText(main.firstChild, file.name);
     main.firstChild.title = file.name;
     setText(main.lastChild, file.path ?? '');
-    setText(type, fileType(file.name));
+    setText(type, typeName);
     setText(size, formatSize(file.size));
     remove.setAttribute('aria-label', `Remove ${file.name}`);
   },

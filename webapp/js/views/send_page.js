@@ -36,8 +36,12 @@ export const SendPage = Backbone.View.extend({
     const { sendFlow, draft, transfers } = this;
     if (!uploads.isThere()) throw new Error('Sending needs the Zantrio application.');
     const content = draft.content();
-    const { transfer, token } = await sendFlow.begin(content);
-    draft.reset();
+    // What is being sent cannot be edited any more; files can still be dropped for the next message.
+    this.filesPanel.el.inert = true;
+    const { transfer, token } = await sendFlow.begin(content).finally(() => {
+      this.filesPanel.el.inert = false;
+    });
+    draft.forget(content);
     Backbone.history.navigate('transfers', { trigger: true });
     sendFlow.fill(transfer, token, content.files).catch((error) => {
       transfer.set({ phase: 'interrupted', problem: error.message });

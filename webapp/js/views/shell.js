@@ -28,6 +28,7 @@ export const Shell = Backbone.View.extend({
     this.pages = {};
     this.listenTo(this.transfers, 'add remove state change:phase', this.renderBadge);
     this.listenTo(this.transfers, 'state', this.announceState);
+    this.listenTo(this.transfers, 'add', () => this.toast.hide());
     this.listenTo(this.intake, 'outcome', this.notify);
   },
 

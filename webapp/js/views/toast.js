@@ -9,12 +9,16 @@ export class Toast {
     this.el = el('div', { class: 'toast', role: 'status', hidden: true }, this.text);
   }
 
+  hide() {
+    this.el.hidden = true;
+  }
+
   show({ kind, text }) {
     setText(this.text, text);
     this.el.className = `toast toast-${kind}`;
     this.el.hidden = false;
     clearTimeout(this.timer);
     const longer = kind === 'error' ? 2 : 1;
-    this.timer = setTimeout(() => { this.el.hidden = true; }, SHOWN_FOR * longer);
+    this.timer = setTimeout(() => this.hide(), SHOWN_FOR * longer);
   }
 }

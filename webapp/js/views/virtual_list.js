@@ -29,6 +29,8 @@ export class VirtualList {
   refresh(count) {
     this.#count = count;
     this.canvas.style.height = `${count * this.rowHeight}px`;
+    // For lists that are only as high as their rows.
+    this.element.style.setProperty('--rows-height', `${count * this.rowHeight}px`);
     this.#draw(true);
   }
 

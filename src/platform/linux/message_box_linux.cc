@@ -44,6 +44,8 @@ std::unique_ptr<QMessageBox> makeMessageBox(const std::string& text, QMessageBox
   const QString whole = toShownText(text);
   const QString shown = whole.left(shownLength(whole));
   auto box = std::make_unique<QMessageBox>(windowForDialogs());
+  box->setWindowTitle(
+      QStringLiteral(" "));  // the executable's name would stand in for an empty one
   box->setIcon(icon);
   box->setTextFormat(Qt::PlainText);
   if (shown.size() == whole.size()) {

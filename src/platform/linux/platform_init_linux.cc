@@ -17,7 +17,6 @@ void CPlatformInitLinux::init() {
     return;
   }
   syslog(LOG_USER | LOG_INFO, "Zantrio: introducing the application to the desktop");
-  QGuiApplication::setApplicationDisplayName(QStringLiteral("Zantrio"));
   QGuiApplication::setDesktopFileName(QStringLiteral("zantrio"));
   QApplication::setWindowIcon(applicationIcon());
 }

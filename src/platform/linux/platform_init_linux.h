@@ -4,8 +4,9 @@
 
 namespace zantrio {
 
-// Gives the application the name and the icon under which the desktop knows it. Tells the system's
-// log (syslog) what it does.
+// Tells the desktop which of its applications this is and gives all windows their icon. There is no
+// display name: the toolkit would append it to the titles of windows, which are fixed texts. The
+// system's log (syslog) is told what happens.
 class CPlatformInitLinux : public IPlatformInit {
  public:
   void init() override;

@@ -45,6 +45,11 @@ export const Transfer = Backbone.Model.extend({
     return !this.isFinished() && this.get('phase') !== 'interrupted';
   },
 
+  /** Whether bytes are on their way, or will be without anybody's doing. */
+  isMoving() {
+    return this.isActive() && !['ERRORED', 'PAUSED'].includes(this.get('state'));
+  },
+
   /** All bytes that the transfer will have, also while it is being filled. */
   totalBytes() {
     return Math.max(this.get('bytesTotal'), this.files.bytes);

@@ -8,8 +8,9 @@ export class DropOverlay {
     this.intake = intake;
     this.depth = 0;
     this.el = el('div', { class: 'drop-overlay', id: 'drop-overlay', hidden: true, 'aria-hidden': 'true' },
-      el('div', { class: 'drop-overlay-frame' }, icon('add'),
-        chooser.isThere() ? 'Drop to add' : 'Dropping files needs the Zantrio application'));
+      el('div', { class: 'drop-overlay-frame' },
+        el('div', { class: 'drop-overlay-label' }, icon('add'),
+          chooser.isThere() ? 'Drop to add' : 'Dropping files needs the Zantrio application')));
   }
 
   install(parent) {

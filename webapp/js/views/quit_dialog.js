@@ -11,7 +11,7 @@ export class QuitDialog {
 
   async ask() {
     const filling = this.transfers.some((transfer) => transfer.get('phase') === 'filling');
-    const moving = this.transfers.some((transfer) => transfer.isActive());
+    const moving = this.transfers.some((transfer) => transfer.isMoving());
     if (filling && !await this.dialog.ask('Files are still being added',
       'A transfer has not got all of its files yet. If you quit now, the rest is not sent.')) return;
     if (!filling && moving && !await this.dialog.ask('Transfers are running',

@@ -1,6 +1,5 @@
 #include "platform/linux/application_icon_linux.h"
 
-#include <QLinearGradient>
 #include <QPainter>
 #include <QPixmap>
 #include <QPolygonF>
@@ -8,20 +7,21 @@
 namespace zantrio {
 namespace {
 
+// The same drawing as packaging/zantrio.svg, which the desktop has only where it is installed.
 QPixmap drawIcon(int size) {
   QPixmap pixmap(size, size);
   pixmap.fill(Qt::transparent);
   QPainter painter(&pixmap);
   painter.setRenderHint(QPainter::Antialiasing);
   painter.scale(size / 64.0, size / 64.0);
-  QLinearGradient ground(0, 0, 0, 64);
-  ground.setColorAt(0, QColor(0x3B, 0x82, 0xF6));
-  ground.setColorAt(1, QColor(0x1D, 0x4E, 0xD8));
   painter.setPen(Qt::NoPen);
-  painter.setBrush(ground);
-  painter.drawRoundedRect(QRectF(2, 2, 60, 60), 14, 14);
-  painter.setPen(QPen(Qt::white, 7, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-  painter.drawPolyline(QPolygonF({{20, 20}, {44, 20}, {20, 44}, {44, 44}}));
+  painter.setBrush(QColor(0x0B, 0x6E, 0x7D));
+  painter.drawRoundedRect(QRectF(0, 0, 64, 64), 15, 15);
+  painter.setPen(QPen(Qt::white, 6.5, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+  painter.drawPolyline(QPolygonF({{17, 20.5}, {44.5, 20.5}, {19.5, 43.5}, {47, 43.5}}));
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(QColor(0x8F, 0xE3, 0xD3));
+  painter.drawEllipse(QPointF(47, 43.5), 5.6, 5.6);
   return pixmap;
 }
 

@@ -4,8 +4,7 @@
 
 namespace zantrio {
 
-// The desktop's icon "zantrio" where it is installed, else one that is drawn: a white Z on a blue
-// square with round corners.
+// The desktop's icon "zantrio" where it is installed, else the same drawn here.
 QIcon applicationIcon();
 
 }  // namespace zantrio

@@ -34,7 +34,8 @@ CAppSettings::CAppSettings(Poco::SharedPtr<CMainBundle> bundle, std::string exec
     : bundle_(std::move(bundle)), executablePath_(std::move(executablePath)) {}
 
 void CAppSettings::getHomeFolder(std::string& folder) const {
-  if (const char* home = std::getenv("HOME")) {
+  // Nothing changes the environment once threads run.
+  if (const char* home = std::getenv("HOME")) {  // NOLINT(concurrency-mt-unsafe)
     folder = home;
   } else {
     getHomeFromUserDatabase(folder);

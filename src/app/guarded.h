@@ -6,6 +6,14 @@
 
 namespace zantrio {
 
+// Logs what was caught. Where not even that can be done, there is nobody left to tell.
+inline void logCaught(const char* operation, const char* text) noexcept {
+  try {
+    logError(operation, ": Exception: ", text);
+  } catch (...) {
+  }
+}
+
 // The outer level of a framework callback, posted task or timer task: no exception may leave it,
 // so everything is caught and logged under the operation's name.
 template <class Body>
@@ -13,9 +21,9 @@ void guarded(const char* operation, const Body& body) noexcept {
   try {
     body();
   } catch (const std::exception& exception) {
-    logError(operation, ": Exception: ", exception.what());
+    logCaught(operation, exception.what());
   } catch (...) {
-    logError(operation, ": Exception: ", "unknown");
+    logCaught(operation, "unknown");
   }
 }
 

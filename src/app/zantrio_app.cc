@@ -10,6 +10,7 @@
 #include "bridge/register_query_handlers.h"
 #include "browser/loading_page.h"
 #include "browser/zt_cef_handler.h"
+#include "include/wrapper/cef_helpers.h"
 
 namespace zantrio {
 namespace {
@@ -43,6 +44,7 @@ void ZantrioApp::OnBeforeCommandLineProcessing(const CefString& /*process_type*/
 void ZantrioApp::OnRegisterCustomSchemes(CefRawPtr<CefSchemeRegistrar> /*registrar*/) {}
 
 void ZantrioApp::OnContextInitialized() {
+  CEF_REQUIRE_UI_THREAD();
   guarded("OnContextInitialized", [this] {
     const CefWindowInfo window = describeWindow(*settings_);
     const CefRefPtr<ZtCefHandler> client(new ZtCefHandler(settings_));
@@ -54,6 +56,7 @@ void ZantrioApp::OnContextInitialized() {
 
 bool ZantrioApp::OnAlreadyRunningAppRelaunch(CefRefPtr<CefCommandLine> command_line,
                                              const CefString& current_directory) {
+  CEF_REQUIRE_UI_THREAD();
   return guarded("OnAlreadyRunningAppRelaunch", false, [&] {
     CefCommandLine::ArgumentList arguments;
     command_line->GetArguments(arguments);
@@ -70,6 +73,7 @@ bool ZantrioApp::OnAlreadyRunningAppRelaunch(CefRefPtr<CefCommandLine> command_l
 }
 
 void ZantrioApp::OnWebKitInitialized() {
+  CEF_REQUIRE_RENDERER_THREAD();
   guarded("OnWebKitInitialized", [this] {
     registerQueryHandlers();
     for (const auto& [name, handler] : QueryHandlerRegistry::instance().entries()) {
@@ -82,6 +86,7 @@ void ZantrioApp::OnWebKitInitialized() {
 
 void ZantrioApp::OnContextCreated(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
                                   CefRefPtr<CefV8Context> context) {
+  CEF_REQUIRE_RENDERER_THREAD();
   guarded("OnContextCreated", [&] {
     for (const auto& router : routers_) {
       router->OnContextCreated(browser, frame, context);
@@ -91,6 +96,7 @@ void ZantrioApp::OnContextCreated(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFr
 
 void ZantrioApp::OnContextReleased(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
                                    CefRefPtr<CefV8Context> context) {
+  CEF_REQUIRE_RENDERER_THREAD();
   guarded("OnContextReleased", [&] {
     for (const auto& router : routers_) {
       router->OnContextReleased(browser, frame, context);
@@ -106,6 +112,7 @@ void ZantrioApp::OnBrowserDestroyed(CefRefPtr<CefBrowser> /*browser*/) {}
 bool ZantrioApp::OnProcessMessageReceived(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
                                           CefProcessId source_process,
                                           CefRefPtr<CefProcessMessage> message) {
+  CEF_REQUIRE_RENDERER_THREAD();
   return guarded("OnProcessMessageReceived", false, [&] {
     bool handled = false;
     for (const auto& router : routers_) {

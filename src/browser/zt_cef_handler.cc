@@ -12,6 +12,7 @@
 #include "include/base/cef_bind.h"
 #include "include/base/cef_callback.h"
 #include "include/wrapper/cef_closure_task.h"
+#include "include/wrapper/cef_helpers.h"
 #include "transfers/messages/transfers_initialization.h"
 
 namespace zantrio {
@@ -50,6 +51,7 @@ ZtCefHandler* ZtCefHandler::instance() {
 bool ZtCefHandler::OnProcessMessageReceived(CefRefPtr<CefBrowser> browser,
                                             CefRefPtr<CefFrame> frame, CefProcessId source_process,
                                             CefRefPtr<CefProcessMessage> message) {
+  CEF_REQUIRE_UI_THREAD();
   constexpr const char* kOperation = "OnProcessMessageReceived";
   return guarded(kOperation, false, [&] {
     if (!browser || !message || instance() == nullptr) {
@@ -65,6 +67,7 @@ bool ZtCefHandler::OnProcessMessageReceived(CefRefPtr<CefBrowser> browser,
 }
 
 void ZtCefHandler::OnAfterCreated(CefRefPtr<CefBrowser> browser) {
+  CEF_REQUIRE_UI_THREAD();
   guarded("OnAfterCreated", [&] {
     logInformation("Browser instance created!");
     if (browser->IsPopup()) {
@@ -101,6 +104,7 @@ void ZtCefHandler::postLoadApp(const CefRefPtr<CefBrowser>& browser) {
 }
 
 void ZtCefHandler::loadApp(CefRefPtr<CefBrowser> browser) {
+  CEF_REQUIRE_UI_THREAD();
   guarded("loadApp", [&] {
     std::string url;
     settings_->getAppUrl(url);
@@ -117,12 +121,14 @@ void ZtCefHandler::loadApp(CefRefPtr<CefBrowser> browser) {
 void ZtCefHandler::OnRenderProcessTerminated(CefRefPtr<CefBrowser> browser,
                                              TerminationStatus /*status*/, int /*error_code*/,
                                              const CefString& /*error_string*/) {
+  CEF_REQUIRE_UI_THREAD();
   guarded("OnRenderProcessTerminated", [&] { routers_.onRenderProcessTerminated(browser); });
 }
 
 bool ZtCefHandler::OnBeforeBrowse(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
                                   CefRefPtr<CefRequest> /*request*/, bool /*user_gesture*/,
                                   bool /*is_redirect*/) {
+  CEF_REQUIRE_UI_THREAD();
   guarded("OnBeforeBrowse", [&] { routers_.onBeforeBrowse(browser, frame); });
   return true;
 }
@@ -139,12 +145,14 @@ bool ZtCefHandler::OnJSDialog(CefRefPtr<CefBrowser> /*browser*/, const CefString
                               JSDialogType dialog_type, const CefString& message_text,
                               const CefString& /*default_prompt_text*/,
                               CefRefPtr<CefJSDialogCallback> callback, bool& /*suppress_message*/) {
+  CEF_REQUIRE_UI_THREAD();
   return guarded("OnJSDialog", false,
                  [&] { return answerPageDialog(dialog_type, message_text, callback); });
 }
 
 bool ZtCefHandler::OnDragEnter(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefDragData> dragData,
                                CefDragHandler::DragOperationsMask /*mask*/) {
+  CEF_REQUIRE_UI_THREAD();
   constexpr const char* kOperation = "OnDragEnter";
   return guarded(kOperation, true, [&] {
     logInformation(kOperation, ": Drag detected!");

@@ -13,6 +13,7 @@
 #include "include/base/cef_callback.h"
 #include "include/cef_app.h"
 #include "include/wrapper/cef_closure_task.h"
+#include "include/wrapper/cef_helpers.h"
 
 namespace zantrio {
 
@@ -33,6 +34,7 @@ void ZtCefHandler::CloseAllBrowsers(bool forceClose) {
 }
 
 bool ZtCefHandler::DoClose(CefRefPtr<CefBrowser> browser) {
+  CEF_REQUIRE_UI_THREAD();
   guarded("DoClose", [&] {
     logInformation("Close proces initiated!");
     if (browser->IsPopup()) {
@@ -50,6 +52,7 @@ bool ZtCefHandler::DoClose(CefRefPtr<CefBrowser> browser) {
 }
 
 void ZtCefHandler::OnBeforeClose(CefRefPtr<CefBrowser> browser) {
+  CEF_REQUIRE_UI_THREAD();
   constexpr const char* kOperation = "OnBeforeClose";
   // The last browser's end may be the framework's reason to release its client.
   const CefRefPtr<ZtCefHandler> self(this);
@@ -98,6 +101,7 @@ void ZtCefHandler::watchClose(Poco::Util::TimerTask& /*task*/) {
 }
 
 void ZtCefHandler::finishOverdueClose() {
+  CEF_REQUIRE_UI_THREAD();
   ZtCefHandler* const handler = instance();
   if (handler != nullptr && !handler->browsers_.empty()) {
     handler->OnBeforeClose(handler->browsers_.front());

@@ -7,10 +7,12 @@
 #include "browser/zt_cef_handler.h"
 #include "files/drag_handler.h"
 #include "include/cef_frame.h"
+#include "include/wrapper/cef_helpers.h"
 
 namespace zantrio {
 
 void ZtCefHandler::onStartup() {
+  CEF_REQUIRE_UI_THREAD();
   constexpr const char* kOperation = "onStartup";
   guarded(kOperation, [&] {
     logInformation("onStartup called! App loaded");
@@ -29,6 +31,7 @@ void ZtCefHandler::onStartup() {
 }
 
 void ZtCefHandler::onShutdown() {
+  CEF_REQUIRE_UI_THREAD();
   constexpr const char* kOperation = "onShutdown";
   guarded(kOperation, [&] {
     logInformation(kOperation, ": Shutdown was initiated by the app!");
@@ -37,6 +40,7 @@ void ZtCefHandler::onShutdown() {
 }
 
 void ZtCefHandler::filesDropped(const std::vector<std::string>& paths, bool complete, bool defer) {
+  CEF_REQUIRE_UI_THREAD();
   constexpr const char* kOperation = "filesDropped";
   guarded(kOperation, [&] {
     forEachHandlerData<IDragHandler>(IQueryHandler::kDragHandler, [&](IDragHandler& handler) {
@@ -46,6 +50,7 @@ void ZtCefHandler::filesDropped(const std::vector<std::string>& paths, bool comp
 }
 
 void ZtCefHandler::openFiles(const std::vector<std::string>& paths) {
+  CEF_REQUIRE_UI_THREAD();
   guarded("openFiles", [&] {
     if (!paths.empty()) {
       if (started_) {
@@ -61,6 +66,7 @@ void ZtCefHandler::openFiles(const std::vector<std::string>& paths) {
 }
 
 void ZtCefHandler::navigateToAddress(const std::string& address) {
+  CEF_REQUIRE_UI_THREAD();
   guarded("navigateToAddress", [&] {
     if (browsers_.empty()) {
       logError("Failed to navigate to requested URL, since there are no active browsers!");

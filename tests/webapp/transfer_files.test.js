@@ -16,6 +16,7 @@ test('counts files by state as events come in', () => {
   files.update('2', 'ERRORED', 0, 10);
   assert.deepEqual([files.countIn('UNKNWON'), files.countIn('TRANSFERRING'), files.countIn('ERRORED')], [1, 1, 1]);
   assert.equal(files.byId('1').done, 4);
+  assert.equal(files.bytesDone, 4);
   assert.deepEqual(files.indicesIn('ERRORED'), [2]);
   assert.equal(files.indicesIn(null), null);
   assert.equal(files.bytes, 30);
@@ -51,6 +52,7 @@ test('a file that is left out counts nowhere and stays so', () => {
   assert.equal(files.countIn('ERRORED'), 0);
   assert.equal(files.countIn('TRANSFERRING'), 0);
   assert.equal(files.bytes, 10);
+  assert.equal(files.bytesDone, 0);
   assert.equal(files.wanted, 1);
 });
 

@@ -8,6 +8,7 @@ export class TransferFiles {
   #byId = new Map();
   #inState = new Map(FILE_STATES.map((state) => [state, new Set()]));
   #bytes = 0;
+  #done = 0;
   #leftOut = 0;
 
   get count() {
@@ -22,6 +23,11 @@ export class TransferFiles {
   /** Sizes of all files as they were announced. */
   get bytes() {
     return this.#bytes;
+  }
+
+  /** Bytes of all files that have been sent. */
+  get bytesDone() {
+    return this.#done;
   }
 
   countIn(state) {
@@ -59,7 +65,7 @@ export class TransferFiles {
       this.#bytes += size - file.size;
       Object.assign(file, { name, folder, size });
       if (state && file.state === 'UNKNWON') this.#move(file, state);
-      if (file.state === 'COMPLETED') file.done = size;
+      if (file.state === 'COMPLETED') this.#setDone(file, size);
     }
   }
 
@@ -72,7 +78,7 @@ export class TransferFiles {
       this.#bytes += total - file.size;
       file.size = total;
     }
-    file.done = done;
+    this.#setDone(file, done);
     this.#move(file, known);
     return true;
   }
@@ -83,6 +89,7 @@ export class TransferFiles {
     if (!file || file.leftOut) return;
     this.#inState.get(file.state).delete(file.index);
     this.#bytes -= file.size;
+    this.#setDone(file, 0);
     file.leftOut = true;
     this.#leftOut += 1;
   }
@@ -98,6 +105,12 @@ export class TransferFiles {
       this.#inState.get('UNKNWON').add(index);
     }
     return this.#files[index];
+  }
+
+  #setDone(file, done) {
+    if (file.leftOut) return;
+    this.#done += done - file.done;
+    file.done = done;
   }
 
   #move(file, state) {

@@ -45,14 +45,19 @@ export const Transfer = Backbone.Model.extend({
     return !this.isFinished() && this.get('phase') !== 'interrupted';
   },
 
-  /** Whether bytes are on their way, or will be without anybody's doing. */
-  isMoving() {
-    return this.isActive() && !['ERRORED', 'PAUSED'].includes(this.get('state'));
+  /** Whether quitting now would keep files from arriving. */
+  isUnfinished() {
+    return this.isActive() && this.get('state') !== 'ERRORED';
   },
 
   /** All bytes that the transfer will have, also while it is being filled. */
   totalBytes() {
     return Math.max(this.get('bytesTotal'), this.files.bytes);
+  },
+
+  /** Reports of the group and of its files come at different times; the later one counts. */
+  bytesDone() {
+    return Math.max(this.get('bytesTransferred'), this.files.bytesDone);
   },
 
   fileTotal() {

@@ -10,12 +10,9 @@ export class QuitDialog {
   }
 
   async ask() {
-    const filling = this.transfers.some((transfer) => transfer.get('phase') === 'filling');
-    const moving = this.transfers.some((transfer) => transfer.isMoving());
-    if (filling && !await this.dialog.ask('Files are still being added',
-      'A transfer has not got all of its files yet. If you quit now, the rest is not sent.')) return;
-    if (!filling && moving && !await this.dialog.ask('Transfers are running',
-      'They stop now and go on where they were when you open Zantrio again.')) return;
+    const unfinished = this.transfers.some((transfer) => transfer.isUnfinished());
+    if (unfinished && !await this.dialog.ask('Not everything is sent yet',
+      'Files that have not been sent when you quit have to be sent again.')) return;
     try {
       await app.exit();
     } catch (error) {

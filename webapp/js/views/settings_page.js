@@ -27,12 +27,6 @@ export const SettingsPage = Backbone.View.extend({
           'How often a file is tried again before it counts as failed.'),
         this.checkField('verifyUploads', 'Check what arrived',
           'Compares checksums with the service after each file.'),
-        this.numberField('minMultipartSize', 'Send in parts from', 'MiB',
-          'Larger files go in parts, and go on from the last part after an interruption.'),
-      ]),
-      this.section('This computer', [
-        this.checkField('preventSleep', 'Stay awake while sending', 'The computer does not go to sleep meanwhile.'),
-        this.reports = el('p', { class: 'muted small-print', 'data-test': 'progress-reports' }),
       ]),
       el('div', { class: 'settings-buttons' },
         this.saveButton = el('button', { id: 'save-settings', type: 'submit', class: 'button primary' }, 'Save'),
@@ -89,10 +83,6 @@ export const SettingsPage = Backbone.View.extend({
       if (input.type === 'checkbox') input.checked = value;
       else input.value = value;
     }
-    const interval = configuration.serverTransferProgressInterval;
-    setText(this.reports, interval > 0
-      ? `Progress is reported to the service every ${interval} s.`
-      : 'Progress is not reported to the service.');
     this.edited();
   },
 

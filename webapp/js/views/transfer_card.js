@@ -104,7 +104,7 @@ export const TransferCard = Backbone.View.extend({
 
   updateTexts() {
     const { model } = this;
-    const { state, phase, subject, recipients, rate, secondsLeft, bytesTransferred } = model.attributes;
+    const { state, phase, subject, recipients, rate, secondsLeft } = model.attributes;
     const words = groupWords({ phase, state });
     setText(this.title, subject || `Transfer ${model.id}`);
     setText(this.recipients, recipients.length > 0 ? `To ${recipients.join(', ')}` : '');
@@ -114,7 +114,7 @@ export const TransferCard = Backbone.View.extend({
     this.state.dataset.phase = phase;
     const total = model.totalBytes();
     const finished = state === 'COMPLETED';
-    const fraction = finished ? 1 : Math.min(1, total > 0 ? bytesTransferred / total : 0);
+    const fraction = finished ? 1 : Math.min(1, total > 0 ? model.bytesDone() / total : 0);
     this.bar.style.transform = `scaleX(${fraction})`;
     this.progress.className = `bar bar-${words.tone}`;
     this.progress.setAttribute('aria-valuenow', String(Math.floor(fraction * 100)));
@@ -126,7 +126,7 @@ export const TransferCard = Backbone.View.extend({
     const { model } = this;
     const words = progressWords({
       done: model.files.countIn('COMPLETED'), count: model.fileTotal(),
-      bytesDone: Math.min(model.get('bytesTransferred'), total), bytesTotal: total, finished,
+      bytesDone: Math.min(model.bytesDone(), total), bytesTotal: total, finished,
     });
     if (model.get('phase') !== 'filling') return words;
     return `${words}. Adding files: ${model.get('handedOver')} of ${model.get('fileCount')}`;

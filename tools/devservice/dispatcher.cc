@@ -25,6 +25,18 @@ void answerError(CExchange& exchange, int status, const std::string& code,
   }
 }
 
+// Pages of other sites, open in the user's own browser, reach 127.0.0.1 too; they must not change
+// anything here.
+void refuseForeignPages(const CExchange& exchange) {
+  const std::string& method = exchange.method();
+  const std::string origin = exchange.header("Origin");
+  if (method == "GET" || method == "HEAD" || origin.empty() || origin == exchange.baseUrl()) {
+    return;
+  }
+  throw CHttpError(403, "foreign_origin",
+                   "Pages of " + printable(origin) + " cannot change anything here.");
+}
+
 void closeConnection(Poco::Net::HTTPServerRequestImpl& request,
                      Poco::Net::HTTPServerResponse& response) {
   response.setKeepAlive(false);
@@ -86,6 +98,7 @@ void CDispatcher::handle(CExchange& exchange) {
 
 void CDispatcher::route(CExchange& exchange) {
   const auto& segments = exchange.segments();
+  refuseForeignPages(exchange);
   const std::string area = segments.empty() ? std::string() : segments.front();
   if (area == "faults") {
     return areas_.faultAdministration.handle(exchange);

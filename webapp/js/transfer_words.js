@@ -49,7 +49,7 @@ export function paceWords({ state, rate, secondsLeft }) {
 /** What failed and what one can do about it; an empty text when nothing did. */
 export function failureWords({ names, total, phase }) {
   if (phase === 'interrupted') {
-    return 'Zantrio ended before all files were added. Send what was added, or cancel and send again.';
+    return 'Not all files were added before this page was loaded anew. Send what was added, or cancel and send again.';
   }
   if (total === 0) {
     return 'Sending stopped. Check the connection to the service, then try again.';

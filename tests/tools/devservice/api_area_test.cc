@@ -28,6 +28,16 @@ TEST_F(ApiAreaTest, RefusesRequestsThatMakeNoSense) {
   EXPECT_EQ(request("GET", "/nothing").code(), "not_found");
 }
 
+TEST_F(ApiAreaTest, LetsOnlyItsOwnPagesChangeAnything) {
+  for (const char* origin : {"null", "http://evil.example", "http://127.0.0.1:1"}) {
+    const Answer answer = request("POST", "/api/messages", "{}", {{"Origin", origin}});
+    EXPECT_EQ(answer.code(), "foreign_origin") << origin;
+    EXPECT_EQ(request("POST", "/faults", "{}", {{"Origin", origin}}).status, 403);
+    EXPECT_EQ(request("GET", "/api/status", "", {{"Origin", origin}}).status, 200);
+  }
+  EXPECT_EQ(request("POST", "/api/messages", "{}", {{"Origin", server_->url()}}).status, 201);
+}
+
 TEST_F(ApiAreaTest, AnnouncesThousandsOfFilesAtOnceInTheirOrder) {
   createMessage();
   Json::Value body;

@@ -6,7 +6,7 @@ import { TransferFiles } from '../transfer_files.js';
  *
  * `phase` tells what the page itself does with it:
  *   filling      files are being handed over, `handedOver` of `fileCount` so far
- *   interrupted  it was being filled when the page ended; not all files are there
+ *   interrupted  it was being filled when the page was loaded anew; not all files are there
  *   running      the library has everything
  *   delivered    the service has confirmed that the message is complete
  *   cancelled

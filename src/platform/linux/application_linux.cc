@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QThread>
 #include <QWidget>
+#include <algorithm>
 
 namespace zantrio {
 
@@ -13,8 +14,15 @@ bool canShowWidgets() {
 }
 
 QWidget* windowForDialogs() {
-  QWidget* window = QApplication::activeWindow();
-  return window != nullptr && window->isVisible() ? window : nullptr;
+  const auto isOpenWindow = [](const QWidget* window) {
+    return window != nullptr && window->isVisible() && window->windowType() == Qt::Window;
+  };
+  if (isOpenWindow(QApplication::activeWindow())) {
+    return QApplication::activeWindow();
+  }
+  const QWidgetList windows = QApplication::topLevelWidgets();
+  const auto open = std::find_if(windows.begin(), windows.end(), isOpenWindow);
+  return open == windows.end() ? nullptr : *open;
 }
 
 QString toShownText(const std::string& text) {

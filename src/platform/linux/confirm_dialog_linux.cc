@@ -28,7 +28,9 @@ bool CConfirmDialogLinux::ask(const std::string& text, int kind) {
     return true;
   }
   // The window that the question belongs to may go, and take it along, while it is open.
-  const QPointer<QMessageBox> question(makeMessageBox(text, iconFor(kind)).release());
+  const QPointer<QMessageBox> question(
+      makeMessageBox(text, iconFor(kind), windowForDialogs()).release());
+  question->setWindowModality(Qt::WindowModal);  // notices that stand beside it can be dismissed
   QPushButton* yes = question->addButton(QStringLiteral("&Yes"), QMessageBox::YesRole);
   QPushButton* no = question->addButton(QStringLiteral("&No"), QMessageBox::NoRole);
   question->setDefaultButton(yes);

@@ -80,6 +80,7 @@ std::vector<std::string> chosenIn(const QFileDialog& panel) {
 bool runPanel(ItemPanelKind kind, const std::string& title, std::vector<std::string>& chosenUrls) {
   // The window that the panel belongs to may go, and take it along, while it is open.
   const QPointer<QFileDialog> panel(new QFileDialog(windowForDialogs(), toShownText(title)));
+  panel->setWindowModality(Qt::WindowModal);  // notices that stand beside it can be dismissed
   setSelectionRules(*panel, kind);
   LastFolder lastFolder;
   panel->setDirectory(lastFolder.get());

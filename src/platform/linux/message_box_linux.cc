@@ -40,10 +40,11 @@ QString withBreaksInLongWords(const QString& text) {
 
 }  // namespace
 
-std::unique_ptr<QMessageBox> makeMessageBox(const std::string& text, QMessageBox::Icon icon) {
+std::unique_ptr<QMessageBox> makeMessageBox(const std::string& text, QMessageBox::Icon icon,
+                                            QWidget* parent) {
   const QString whole = toShownText(text);
   const QString shown = whole.left(shownLength(whole));
-  auto box = std::make_unique<QMessageBox>(windowForDialogs());
+  auto box = std::make_unique<QMessageBox>(parent);
   box->setWindowTitle(
       QStringLiteral(" "));  // the executable's name would stand in for an empty one
   box->setIcon(icon);

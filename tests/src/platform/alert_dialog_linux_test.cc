@@ -4,7 +4,11 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
+#include <QTest>
+#include <QWindow>
 
+#include "files/file_choose_dialog.h"
+#include "services/confirm_dialog.h"
 #include "src/platform/event_loop.h"
 
 namespace zantrio {
@@ -52,6 +56,48 @@ TEST_F(AlertDialogLinux, KeepsEachNoticeUntilItIsDismissed) {
   EXPECT_TRUE(waitFor([&] { return first.isNull(); }));
   ASSERT_FALSE(second.isNull());
   EXPECT_TRUE(second->isVisible());
+}
+
+TEST_F(AlertDialogLinux, OutlivesTheWindowThatWasActive) {
+  auto window = std::make_unique<QWidget>();
+  window->show();
+  QApplication::setActiveWindow(window.get());
+  const QPointer<QMessageBox> notice(&showNotice("stays"));
+  window.reset();
+  ASSERT_FALSE(notice.isNull());
+  EXPECT_TRUE(notice->isVisible());
+}
+
+// Clicks as the window system does, which does not reach a window that a dialog blocks.
+void click(QWidget& widget) {
+  QWidget* window = widget.window();
+  QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {},
+                    widget.mapTo(window, widget.rect().center()));
+}
+
+TEST_F(AlertDialogLinux, CanBeDismissedWhileAQuestionOrAFileDialogBlocksTheWindow) {
+  QPushButton window;
+  int windowClicks = 0;
+  QObject::connect(&window, &QPushButton::clicked, [&windowClicks] { ++windowClicks; });
+  window.show();
+  QApplication::setActiveWindow(&window);
+  click(window);
+  ASSERT_EQ(windowClicks, 1);
+  std::vector<std::string> urls;
+  const std::vector<std::function<void()>> blockingCalls = {
+      [] { createConfirmDialog()->ask("Go on?", IConfirmDialog::kCaution); },
+      [&urls] { createFileChooseDialog()->show(urls); }};
+  for (const auto& call : blockingCalls) {
+    const QPointer<QMessageBox> notice(&showNotice("dismiss me"));
+    test::whenModal<QDialog>([&](QDialog& dialog) {
+      click(window);
+      click(*notice->button(QMessageBox::Ok));
+      EXPECT_TRUE(waitFor([&] { return notice.isNull(); }));
+      dialog.reject();
+    });
+    call();
+  }
+  EXPECT_EQ(windowClicks, 1);
 }
 
 TEST_F(AlertDialogLinux, FitsOnTheScreenWhateverTheText) {

@@ -139,6 +139,11 @@
     },
   };
 
+  // No bytes arrive, so the service would not accept any message as complete.
+  const { fetch } = window;
+  window.fetch = (path, request) => (String(path).endsWith('/complete')
+    ? Promise.resolve(new Response('{}', { status: 200 })) : fetch(path, request));
+
   for (const [name, methods] of Object.entries(bridges)) {
     window[name] = ({ request, onSuccess, onFailure }) => {
       const { method, parameters } = JSON.parse(request);

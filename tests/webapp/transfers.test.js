@@ -71,7 +71,10 @@ test('says so when the service does not accept a complete message', async () => 
   transfers.groupChanged(groupEvent('1', { type: 'COMPLETED', marked: true }));
   await settled();
   assert.match(transfer.get('problem'), /2 of 3 files/);
-  assert.equal(transfer.get('phase'), 'running');
+  assert.equal(transfer.get('phase'), 'undelivered');
+  service.completeMessage = async () => {};
+  await transfers.retry(transfer);
+  assert.deepEqual([transfer.get('phase'), transfer.get('problem')], ['delivered', '']);
 });
 
 test('recalls the transfers of an earlier session from the library and the service', async () => {

@@ -16,6 +16,7 @@ const GROUP = {
 export function groupWords({ phase, state }) {
   if (phase === 'cancelled') return { label: 'Cancelled', tone: 'paused' };
   if (phase === 'delivered') return { label: 'Sent', tone: 'done' };
+  if (phase === 'undelivered') return { label: 'Not delivered', tone: 'error' };
   if (phase === 'interrupted') return { label: 'Interrupted', tone: 'error' };
   if (phase === 'filling' && state !== 'ERRORED' && state !== 'PAUSED') {
     return { label: state === 'TRANSFERRING' ? 'Sending' : 'Preparing', tone: 'active' };

@@ -8,6 +8,7 @@ import { TransferFiles } from '../transfer_files.js';
  *   filling      files are being handed over, `handedOver` of `fileCount` so far
  *   interrupted  it was being filled when the page was loaded anew; not all files are there
  *   running      the library has everything
+ *   undelivered  the library is done, but the service does not accept the message
  *   delivered    the service has confirmed that the message is complete
  *   cancelled
  * `state` is the library's word for the group. `files` holds its files.

@@ -86,13 +86,17 @@ export const Transfers = Backbone.Collection.extend({
 
   /** Tells the service that everything has arrived. */
   async deliver(transfer) {
-    if (transfer.get('phase') !== 'running') return;
+    if (!['running', 'undelivered'].includes(transfer.get('phase'))) return;
+    transfer.set({ phase: 'running', problem: '' });
     try {
       await this.connection.persistently(
         () => this.service.completeMessage(transfer.get('bucketId')));
       transfer.set('phase', 'delivered');
     } catch (error) {
-      transfer.set('problem', `All files are sent, but the service does not accept the message: ${error.message}`);
+      transfer.set({
+        phase: 'undelivered',
+        problem: `All files are sent, but the service does not accept the message: ${error.message}`,
+      });
     }
     this.batcher.mark(transfer);
   },
@@ -107,6 +111,11 @@ export const Transfers = Backbone.Collection.extend({
       await Promise.all(this.filter((transfer) => transfer.get('state') === 'ERRORED')
         .map((transfer) => this.resume(transfer)));
     }
+  },
+
+  /** Tries again what has failed, be it files or the delivery of all of them. */
+  retry(transfer) {
+    return transfer.get('phase') === 'undelivered' ? this.deliver(transfer) : this.resume(transfer);
   },
 
   pause: (transfer) => transfer.collection.uploads.pause(transfer.id),

@@ -59,7 +59,7 @@ export const TransferCard = Backbone.View.extend({
     this.buttons = {
       pause: button('pause', 'pause', 'Pause', () => transfers.pause(model)),
       resume: button('resume', 'resume', 'Resume', () => transfers.resume(model)),
-      retry: button('retry', 'retry', 'Try again', () => transfers.resume(model), 'primary'),
+      retry: button('retry', 'retry', 'Try again', () => transfers.retry(model), 'primary'),
       finish: button('finish', 'send', 'Send what was added', () => transfers.finishInterrupted(model)),
       cancel: button('cancel', null, 'Cancel', () => this.cancel(), 'quiet'),
     };
@@ -149,7 +149,7 @@ export const TransferCard = Backbone.View.extend({
     const interrupted = phase === 'interrupted';
     this.buttons.pause.hidden = over || interrupted || !['TRANSFERRING', 'UNKNWON'].includes(state);
     this.buttons.resume.hidden = over || state !== 'PAUSED';
-    this.buttons.retry.hidden = over || interrupted || state !== 'ERRORED';
+    this.buttons.retry.hidden = phase !== 'undelivered' && (over || interrupted || state !== 'ERRORED');
     this.buttons.finish.hidden = over || !interrupted;
     this.buttons.cancel.hidden = over;
   },

@@ -2,8 +2,9 @@
 //
 //   drag_source FILE...
 //
-// It prints "ready" once it is shown in the display's upper left corner, and after each drag the
-// drop action that the target chose ("dropped 1" is a copy, "dropped 0" a refusal).
+// It prints "ready" once it is shown in the display's upper left corner, during a drag the action
+// that the target offers when it changes ("offered 1" is a copy, "offered 0" a refusal), and after
+// it the one that was taken ("dropped 1").
 
 #include <QApplication>
 #include <QDrag>
@@ -32,12 +33,17 @@ class DragSource : public QLabel {
     content->setUrls(urls_);
     auto* drag = new QDrag(this);
     drag->setMimeData(content);
+    connect(drag, &QDrag::actionChanged, [](Qt::DropAction action) { tell("offered", action); });
     const Qt::DropAction action = drag->exec(Qt::CopyAction, Qt::CopyAction);
-    std::printf("dropped %d\n", static_cast<int>(action));
-    std::fflush(stdout);
+    tell("dropped", action);
   }
 
  private:
+  static void tell(const char* what, Qt::DropAction action) {
+    std::printf("%s %d\n", what, static_cast<int>(action));
+    std::fflush(stdout);
+  }
+
   QList<QUrl> urls_;
 };
 

@@ -50,7 +50,8 @@ class Run(Sandbox):
         run.send_signal(signal.SIGINT)
         run.wait(60)
         self.assertEqual(run.returncode, 130)
-        self.assertEqual([self.name_of(pid) for pid in everything if self.name_of(pid)], [])
+        wait_until(lambda: not any(self.name_of(pid) for pid in everything), 30,
+                   "the end of everything that was started")
 
     @staticmethod
     def name_of(pid):

@@ -8,9 +8,11 @@
 namespace zantrio::test {
 
 FakeOpener::FakeOpener() : pathBefore_(qgetenv("PATH")) {
-  const std::string script =
-      folder_.makeFile("xdg-open", "#!/bin/sh\nprintf '%s: %s\\n' \"$#\" \"$1\" >> '" +
-                                       folder_.path() + "/starts'\n");
+  const std::string script = folder_.makeFile("xdg-open", R"(#!/bin/sh
+here=${0%/*}
+env > "$here/environment"
+printf '%s: %s\n' "$#" "$1" >> "$here/starts"
+)");
   std::filesystem::permissions(script, std::filesystem::perms::owner_all);
   qputenv("PATH", QByteArray::fromStdString(folder_.path()) + ':' + pathBefore_);
 }
@@ -20,7 +22,15 @@ FakeOpener::~FakeOpener() {
 }
 
 QStringList FakeOpener::starts() const {
-  QFile file(QString::fromStdString(folder_.path() + "/starts"));
+  return linesOf("/starts");
+}
+
+QStringList FakeOpener::environment() const {
+  return linesOf("/environment");
+}
+
+QStringList FakeOpener::linesOf(const char* name) const {
+  QFile file(QString::fromStdString(folder_.path() + name));
   if (!file.open(QIODevice::ReadOnly)) {
     return {};
   }

@@ -19,8 +19,12 @@ class FakeOpener {
   QStringList starts() const;
   // Waits until it was started that often; fails the test when it is not.
   QStringList waitForStarts(int count) const;
+  // The environment, a variable a line, in which it was started last.
+  QStringList environment() const;
 
  private:
+  QStringList linesOf(const char* name) const;
+
   const TemporaryFolder folder_;
   const QByteArray pathBefore_;
 };

@@ -61,6 +61,22 @@ TEST_F(OsFileExplorerLinux, HandsTheUrlOnAsOneArgumentWithoutAShell) {
   EXPECT_EQ(opener_.waitForStarts(1), QStringList(QString::fromStdString("1: " + url)));
 }
 
+TEST_F(OsFileExplorerLinux, KeepsTheFrameworksVariablesFromOtherPrograms) {
+  qputenv("QTWEBENGINE_CHROMIUM_FLAGS", "--no-sandbox");
+  qputenv("QT_QUICK_BACKEND", "software");
+  qputenv("ZANTRIO_TEST_VARIABLE", "stays");
+  EXPECT_TRUE(createOsFileExplorer()->openURL("https://example.test/"));
+  opener_.waitForStarts(1);
+  const QStringList environment = opener_.environment();
+  EXPECT_TRUE(environment.contains("ZANTRIO_TEST_VARIABLE=stays"));
+  EXPECT_TRUE(environment.filter("QTWEBENGINE").isEmpty());
+  EXPECT_TRUE(environment.filter("QT_QUICK_BACKEND").isEmpty());
+  for (const char* variable :
+       {"QTWEBENGINE_CHROMIUM_FLAGS", "QT_QUICK_BACKEND", "ZANTRIO_TEST_VARIABLE"}) {
+    qunsetenv(variable);
+  }
+}
+
 TEST_F(OsFileExplorerLinux, RefusesWhatIsNoOpenableUrl) {
   EXPECT_FALSE(createOsFileExplorer()->openURL(""));
   EXPECT_FALSE(createOsFileExplorer()->openURL("--help"));

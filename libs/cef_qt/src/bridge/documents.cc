@@ -3,6 +3,7 @@
 #include "base/qt_text.h"
 #include "bridge/render_side.h"
 #include "browser/browser_impl.h"
+#include "browser/dialog_scheme.h"
 #include "browser/frame_impl.h"
 #include "threads/threads.h"
 
@@ -79,6 +80,9 @@ void Documents::greetTop(const PageEntry& entry) {
   current_ = entry.document;
   browser_->mainFrame()->setName(fromQt(entry.name));
   documents_[0].context->bind(current_, 0);
+  if (DialogScheme* dialogs = DialogScheme::current()) {
+    dialogs->documentKnown(current_);
+  }
 }
 
 void Documents::greetFrame(const PageEntry& entry) {

@@ -23,6 +23,10 @@ class Documents {
   // document takes it over, so that its functions are known before it is loaded.
   void start(PageChannel* channel);
   void receive(const PageEntry& entry);
+  // Whether the key is the present top document's.
+  bool isCurrent(const QString& document) const {
+    return !document.isEmpty() && document == current_;
+  }
   // The render process ended: all documents are gone.
   void processGone() { releaseAll(); }
   // The browser is gone.

@@ -6,6 +6,7 @@
 #include <QUuid>
 
 #include "bridge/page_channel.h"
+#include "browser/dialog_scheme.h"
 #include "page_script_text.h"
 
 namespace cef_qt {
@@ -38,6 +39,7 @@ QString pageScript(int version, const RouterNameList& top, const RouterNameList&
                           {"property", PageChannel::propertyIndex()},
                           {"signal", PageChannel::signalIndex()},
                           {"greeting", greeting()},
+                          {"dialogScheme", DialogScheme::name()},
                           {"topRouters", toArray(top)},
                           {"frameRouters", toArray(frames)}};
   return QString::fromUtf8(kPageScript) + '(' +

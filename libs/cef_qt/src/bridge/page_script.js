@@ -267,9 +267,56 @@
       adoptFrame(event.source, event.ports[0], data);
     }, true);
 
+    startDialogs(documentKey, flush);
     send = (kind, id, name, text) => sendFor(0, kind, id, name, text);
     sendText('{"type":7,"object":"' + setup.object + '","signal":' + setup.signal + '}');
     send(HELLO, setup.version, window.name, window.location.href);
+  }
+
+  // Dialogs of the top document are requests that the script waits for, so that nothing but this
+  // page stands still meanwhile. Where that is not possible (while the page is left, say), and in
+  // frames, which have rules of their own, the browser's functions serve.
+  function startDialogs(documentKey, flush) {
+    const Request = XMLHttpRequest;
+    const open = bind(Request.prototype.open);
+    const sendRequest = bind(Request.prototype.send);
+    const responseText = bind(getOwnPropertyDescriptor(Request.prototype, 'responseText').get);
+    const encode = encodeURIComponent;
+    const replace = bind(String.prototype.replace);
+    const LONGEST = 100000;
+    // Lone surrogates cannot be encoded.
+    const encoded = (text) =>
+      encode(replace(slice(text, 0, LONGEST), /[\ud800-\udfff]/gu, '\ufffd'));
+
+    function ask(type, text, proposal) {
+      flush();
+      const request = new Request();
+      open(request, 'GET', setup.dialogScheme + ':' + documentKey + '/' + type + '?text=' +
+                           encoded(text) + '&proposal=' + encoded(proposal), false);
+      sendRequest(request);
+      return parse(responseText(request));
+    }
+
+    function replaceFunction(name, make) {
+      const native = bind(window[name]);
+      const textOf = (value) => (value === undefined ? '' : `${value}`);
+      defineProperty(window, name, {
+        writable: true, enumerable: true, configurable: true,
+        value: function (message, proposal) {
+          const text = arguments.length ? `${message}` : '';
+          try {
+            return make(text, textOf(proposal));
+          } catch (error) {
+            return native(window, text, textOf(proposal));
+          }
+        } });
+    }
+    replaceFunction('alert', (text) => { ask(0, text, ''); });
+    replaceFunction('confirm', (text) => ask(1, text, '').success);
+    replaceFunction('prompt', (text, proposal) => {
+      const answer = ask(2, text, proposal);
+      return answer.success ? answer.input : null;
+    });
   }
 
   function startFrame() {

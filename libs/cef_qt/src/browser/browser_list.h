@@ -14,6 +14,17 @@ class BrowserList {
 
   void add(CefRefPtr<Browser> browser) { browsers_.push_back(std::move(browser)); }
   void remove(const CefRefPtr<Browser>& browser) { std::erase(browsers_, browser); }
+  // The first browser that `wanted` says true of; null when there is none.
+  template <class Predicate>
+  CefRefPtr<Browser> find(Predicate wanted) const {
+    for (const auto& browser : browsers_) {
+      if (wanted(*browser)) {
+        return browser;
+      }
+    }
+    return nullptr;
+  }
+
   // Ends all browsers without asking.
   void destroyAll();
 

@@ -72,6 +72,8 @@ QWebEnginePage* BrowserWindow::page() {
   return page_.get();
 }
 
+QWidget* BrowserWindow::widget() { return view_.get(); }
+
 void BrowserWindow::show() {
   view_->show();
   view_->setFocus();

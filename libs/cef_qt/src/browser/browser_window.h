@@ -9,6 +9,7 @@
 #include "browser/browser_impl.h"
 
 class QWebEnginePage;
+class QWidget;
 
 namespace cef_qt {
 
@@ -25,6 +26,7 @@ class BrowserWindow {
   PageChannel* channel() { return &channel_; }
   void openChannel() { channel_.open(); }
   QWebEnginePage* page();
+  QWidget* widget();
 
   void show();
   void hide();

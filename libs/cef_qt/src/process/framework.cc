@@ -1,6 +1,7 @@
 #include "process/framework.h"
 
 #include <QApplication>
+#include <QLoggingCategory>
 #include <QStringList>
 #include <atomic>
 #include <memory>
@@ -11,6 +12,7 @@
 #include "base/qt_text.h"
 #include "bridge/render_side.h"
 #include "browser/browser_list.h"
+#include "browser/dialog_scheme.h"
 #include "process/browser_log.h"
 #include "process/environment.h"
 #include "process/instance_lock.h"
@@ -95,6 +97,8 @@ void makeApplication(Running& running, const CefMainArgs& args) {
   running.argv.push_back(nullptr);
   running.application = std::make_unique<QApplication>(running.argc, running.argv.data());
   QApplication::setQuitOnLastWindowClosed(false);
+  // A page of set-up details at every start; QT_LOGGING_RULES brings them back.
+  QLoggingCategory::setFilterRules(QStringLiteral("qt.webenginecontext=false"));
 }
 
 void logSetUp(const Options& options) {
@@ -172,6 +176,7 @@ bool Framework::start(const CefMainArgs& args, const CefSettings& settings,
     CefSchemeRegistrar registrar;
     app->OnRegisterCustomSchemes(&registrar);
   }
+  DialogScheme::registerScheme();
   makeApplication(*running, args);
   BrowserLog::instance().open(options.logFile, options.logSeverity);
   logSetUp(options);

@@ -5,11 +5,18 @@
 #include <QWebEngineScriptCollection>
 #include <memory>
 
+#include "browser/dialog_scheme.h"
+
 namespace cef_qt {
 namespace {
 
 std::unique_ptr<QWebEngineProfile>& profile() {
   static std::unique_ptr<QWebEngineProfile> current;
+  return current;
+}
+
+std::unique_ptr<DialogScheme>& dialogs() {
+  static std::unique_ptr<DialogScheme> current;
   return current;
 }
 
@@ -30,6 +37,8 @@ void Profile::create(const Options& options) {
     profile() = std::make_unique<QWebEngineProfile>(QStringLiteral("Default"));
     usePath(profile().get(), options);
   }
+  dialogs() = std::make_unique<DialogScheme>();
+  profile()->installUrlSchemeHandler(DialogScheme::name().toLatin1(), dialogs().get());
   if (!options.userAgent.isEmpty()) {
     profile()->setHttpUserAgent(options.userAgent);
   }
@@ -37,6 +46,7 @@ void Profile::create(const Options& options) {
 
 void Profile::destroy() {
   profile().reset();
+  dialogs().reset();
 }
 
 QWebEngineProfile* Profile::current() {

@@ -201,7 +201,8 @@ void Framework::run() {
 
 void Framework::quit() {
   if (state().running) {
-    QApplication::quit();
+    // Not quit(), which asks all windows first and gives up when one refuses.
+    QApplication::exit();
   }
 }
 

@@ -6,12 +6,17 @@
 // before the page's scripts are used, so that a page cannot break its bridge by redefining them.
 (function (setup) {
   'use strict';
-  const mark = Symbol.for('cef_qt.bridge');
-  if (document[mark]) return;
   const isTop = window === window.top;
-  const webChannel = isTop && window.qt && window.qt.webChannelTransport;
-  if (isTop && !webChannel) return;
-  Object.defineProperty(document, mark, { value: true });
+  // A window whose first document was empty is given to the next one as it is: what was found in
+  // the untouched window is kept with it.
+  const mark = Symbol.for('cef_qt.bridge');
+  const kept = window[mark] || {
+    document: null, connect: null, receive: null,
+    transport: (isTop && window.qt && window.qt.webChannelTransport) || null,
+    alert: window.alert, confirm: window.confirm, prompt: window.prompt };
+  if (kept.document === document) return;
+  kept.document = document;
+  if (!window[mark]) Object.defineProperty(window, mark, { value: kept });
 
   const { stringify, parse } = JSON;
   const { defineProperty, getOwnPropertyDescriptor } = Object;
@@ -176,11 +181,9 @@
   installFunctions(isTop ? setup.topRouters : setup.frameRouters);
 
   function startTop() {
-    const transport = webChannel;
     const random = new Uint32Array(2);
     crypto.getRandomValues(random);
     const documentKey = random[0].toString(36) + random[1].toString(36);
-    const sendText = transport.send.bind(transport);
     const ports = new MapType();       // by frame number
     const frameNumbers = new WeakMap();  // by window
     let lastFrame = 0;
@@ -200,11 +203,29 @@
       collected += ',' + frame + ',' + kind + ',' + id + ',' + stringify(name) + ',' + guard(text);
     }
 
-    // Qt looks its receiver up in window.qt for every message; nothing else of it stays visible.
-    const receiver = { onmessage: (event) => receiveAll(parse(event.data)) };
-    Object.freeze(receiver);
-    defineProperty(window, 'qt', {
-      value: Object.freeze({ webChannelTransport: receiver }), enumerable: false });
+    // The transport is there as a rule. After the end of a render process, and in a window's empty
+    // first document, it comes a little later: what is sent waits for it.
+    const waiting = [];
+    let sendText = (text) => { waiting[waiting.length] = text; };
+    kept.connect = () => {
+      sendText = kept.transport.send.bind(kept.transport);
+      for (let i = 0; i < waiting.length; ++i) sendText(waiting[i]);
+      waiting.length = 0;
+    };
+    // Qt puts the transport into window.qt, and looks its receiver up there for every message.
+    if (!kept.receive) {
+      const receiver = {};
+      defineProperty(receiver, 'onmessage', { get: () => kept.receive });
+      const qt = {};
+      defineProperty(qt, 'webChannelTransport', {
+        get: () => receiver,
+        set: (transport) => {
+          kept.transport = transport;
+          kept.connect();
+        } });
+      defineProperty(window, 'qt', { value: qt, enumerable: false });
+    }
+    kept.receive = (event) => receiveAll(parse(event.data));
 
     function receiveAll(message) {
       if (message.object !== setup.object || message.signal !== setup.signal) return;
@@ -271,6 +292,7 @@
     send = (kind, id, name, text) => sendFor(0, kind, id, name, text);
     sendText('{"type":7,"object":"' + setup.object + '","signal":' + setup.signal + '}');
     send(HELLO, setup.version, window.name, window.location.href);
+    if (kept.transport) kept.connect();
   }
 
   // Dialogs of the top document are requests that the script waits for, so that nothing but this
@@ -298,7 +320,7 @@
     }
 
     function replaceFunction(name, make) {
-      const native = bind(window[name]);
+      const native = bind(kept[name]);
       const textOf = (value) => (value === undefined ? '' : `${value}`);
       defineProperty(window, name, {
         writable: true, enumerable: true, configurable: true,

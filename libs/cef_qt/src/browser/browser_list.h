@@ -25,6 +25,13 @@ class BrowserList {
     return nullptr;
   }
 
+  template <class Work>
+  void forEach(Work work) const {
+    for (const auto& browser : browsers_) {
+      work(*browser);
+    }
+  }
+
   // Ends all browsers without asking.
   void destroyAll();
 

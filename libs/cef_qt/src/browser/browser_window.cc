@@ -72,7 +72,9 @@ QWebEnginePage* BrowserWindow::page() {
   return page_.get();
 }
 
-QWidget* BrowserWindow::widget() { return view_.get(); }
+QWidget* BrowserWindow::widget() {
+  return view_.get();
+}
 
 void BrowserWindow::show() {
   view_->show();
@@ -128,7 +130,11 @@ void BrowserWindow::runScript(const QString& script) {
 }
 
 void BrowserWindow::askPageToClose() {
-  page_->triggerAction(QWebEnginePage::RequestClose);
+  page_->askToClose();
+}
+
+void BrowserWindow::keepScript() {
+  page_->keepScript();
 }
 
 bool BrowserWindow::isBusy() const {

@@ -42,8 +42,10 @@ class BrowserWindow {
   // Runs a script in the main frame, after all answers that were given before.
   void runScript(const QString& script);
 
-  // Runs the page's `beforeunload`; the browser hears when the page agrees.
+  // Runs the page's `beforeunload`; the browser hears when the page, or else the user, agrees.
   void askPageToClose();
+  // See Page::keepScript.
+  void keepScript();
   // Whether a dialog of the page waits inside a callback of Chromium.
   bool isBusy() const;
   // Ends these dialogs as if refused, then runs `next` from a task.

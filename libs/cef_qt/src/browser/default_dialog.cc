@@ -35,8 +35,8 @@ JsDialog::Answer answerOf(const QDialog* dialog, int result) {
 
 }  // namespace
 
-void showDefaultDialog(const CefRefPtr<Browser>& browser, const JsDialog::Question& question,
-                       QObject* owner, JsDialog::Done done) {
+QDialog* showDefaultDialog(const CefRefPtr<Browser>& browser, const JsDialog::Question& question,
+                           QObject* owner, JsDialog::Done done) {
   QWidget* parent = browser->window() ? browser->window()->widget() : nullptr;
   QDialog* dialog = question.type == JSDIALOGTYPE_PROMPT ? makePrompt(question, parent)
                                                          : makeMessage(question, parent);
@@ -47,6 +47,7 @@ void showDefaultDialog(const CefRefPtr<Browser>& browser, const JsDialog::Questi
   });
   QObject::connect(owner, &QObject::destroyed, dialog, &QObject::deleteLater);
   dialog->open();
+  return dialog;
 }
 
 }  // namespace cef_qt

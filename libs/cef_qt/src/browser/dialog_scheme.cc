@@ -45,11 +45,17 @@ void ask(const CefRefPtr<Browser>& browser, const JsDialog::Question& question,
 
 }  // namespace
 
-DialogScheme::DialogScheme() { currentScheme = this; }
+DialogScheme::DialogScheme() {
+  currentScheme = this;
+}
 
-DialogScheme::~DialogScheme() { currentScheme = nullptr; }
+DialogScheme::~DialogScheme() {
+  currentScheme = nullptr;
+}
 
-DialogScheme* DialogScheme::current() { return currentScheme; }
+DialogScheme* DialogScheme::current() {
+  return currentScheme;
+}
 
 void DialogScheme::registerScheme() {
   QWebEngineUrlScheme scheme(name().toLatin1());

@@ -3,14 +3,20 @@
 #include <QApplication>
 #include <QDialog>
 #include <QEventLoop>
+#include <QPointer>
 #include <QTimer>
+#include <QWebEngineScript>
+#include <QWebEngineScriptCollection>
 #include <QWebEngineView>
 
 #include "base/qt_text.h"
+#include "browser/browser_list.h"
 #include "browser/browser_window.h"
+#include "browser/default_dialog.h"
 #include "browser/frame_impl.h"
 #include "browser/request_impl.h"
 #include "process/browser_log.h"
+#include "process/profile.h"
 #include "threads/threads.h"
 
 namespace cef_qt {
@@ -66,8 +72,13 @@ class Page::Waiting {
 
 Page::Page(QWebEngineProfile* profile, Browser* browser, const CefBrowserSettings& settings)
     : QWebEnginePage(profile), browser_(browser), settings_(settings) {
-  connect(this, &QWebEnginePage::windowCloseRequested, this,
-          [this] { browser_->pageAgreedToClose(); });
+  connect(this, &QWebEnginePage::windowCloseRequested, this, [this] {
+    askedToClose_ = false;
+    browser_->pageAgreedToClose();
+  });
+  if (Profile::lostItsScript()) {
+    keepScript();
+  }
   connect(this, &QWebEnginePage::renderProcessTerminated, this, &Page::renderProcessEnded);
   connect(this, &QWebEnginePage::geometryChangeRequested, this, [this](const QRect& rect) {
     if (browser_->window()) {
@@ -156,6 +167,11 @@ bool Page::javaScriptConfirm(const QUrl& origin, const QString& text) {
     if (answer.handled) {
       return answer.success;
     }
+  } else if (std::exchange(askedToClose_, false)) {
+    // The page stays for now; a user who wants to leave ends it without a second question. So
+    // Chromium is not held up while the dialog is open.
+    askUserToLeave(text);
+    return false;
   }
   const Waiting waiting(this);
   return QWebEnginePage::javaScriptConfirm(origin, text);
@@ -170,6 +186,33 @@ bool Page::javaScriptPrompt(const QUrl& origin, const QString& text, const QStri
   }
   const Waiting waiting(this);
   return QWebEnginePage::javaScriptPrompt(origin, text, proposal, input);
+}
+
+void Page::askToClose() {
+  askedToClose_ = true;
+  triggerAction(RequestClose);
+}
+
+void Page::askUserToLeave(const QString& text) {
+  postTo(TID_UI, [self = QPointer<Page>(this), browser = CefRefPtr<Browser>(browser_), text] {
+    // One question at a time.
+    if (!self || self->leaveQuestion_) {
+      return;
+    }
+    self->leaveQuestion_ =
+        showDefaultDialog(browser, {JSDIALOGTYPE_CONFIRM, self->title(), text, QString()}, self,
+                          [browser](const JsDialog::Answer& answer) {
+                            if (answer.success) {
+                              browser->close(true);
+                            }
+                          });
+  });
+}
+
+void Page::keepScript() {
+  if (scripts().find(Profile::pageScript().name()).isEmpty()) {
+    scripts().insert(Profile::pageScript());
+  }
 }
 
 void Page::endDialogs() {
@@ -190,6 +233,10 @@ void Page::javaScriptConsoleMessage(JavaScriptConsoleMessageLevel level, const Q
 }
 
 void Page::renderProcessEnded(RenderProcessTerminationStatus status, int exitCode) {
+  // Chromium starts the next process under the same number, and Qt takes it for one that has the
+  // profile's script already; what a page has itself is sent again.
+  Profile::setLostItsScript();
+  BrowserList::instance().forEach([](Browser& browser) { browser.window()->keepScript(); });
   postTo(TID_UI, [browser = CefRefPtr<Browser>(browser_), status = statusOf(status), exitCode] {
     const CefRefPtr<CefClient> client = browser->client();
     if (!client) {

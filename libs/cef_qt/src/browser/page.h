@@ -1,6 +1,8 @@
 // The page of a browser.
 #pragma once
 
+#include <QDialog>
+#include <QPointer>
 #include <QWebEnginePage>
 #include <functional>
 
@@ -18,6 +20,11 @@ class Page final : public QWebEnginePage {
 
  public:
   Page(QWebEngineProfile* profile, Browser* browser, const CefBrowserSettings& settings);
+
+  // Runs `beforeunload`. Should the page want to stay, the user is asked.
+  void askToClose();
+  // Gives this page the bridge's script itself, when its process has lost that of the profile.
+  void keepScript();
 
   // Dialogs that wait inside Chromium's callbacks; the page must not be deleted meanwhile.
   int dialogDepth() const { return dialogDepth_; }
@@ -48,8 +55,12 @@ class Page final : public QWebEnginePage {
                              const QString& proposal);
   void renderProcessEnded(RenderProcessTerminationStatus status, int exitCode);
 
+  void askUserToLeave(const QString& text);
+
   Browser* const browser_;
   const CefBrowserSettings settings_;
+  bool askedToClose_ = false;
+  QPointer<QDialog> leaveQuestion_;
   int dialogDepth_ = 0;
   std::function<void()> onIdle_;
 };

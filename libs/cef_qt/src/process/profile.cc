@@ -15,6 +15,13 @@ std::unique_ptr<QWebEngineProfile>& profile() {
   return current;
 }
 
+bool scriptIsLost = false;
+
+QWebEngineScript& currentScript() {
+  static QWebEngineScript script;
+  return script;
+}
+
 std::unique_ptr<DialogScheme>& dialogs() {
   static std::unique_ptr<DialogScheme> current;
   return current;
@@ -60,11 +67,21 @@ void Profile::setPageScript(const QString& script) {
   next.setInjectionPoint(QWebEngineScript::DocumentCreation);
   next.setWorldId(QWebEngineScript::MainWorld);
   next.setRunsOnSubFrames(true);
-  QWebEngineScriptCollection* scripts = current()->scripts();
-  for (const QWebEngineScript& old : scripts->find(next.name())) {
-    scripts->remove(old);
-  }
-  scripts->insert(next);
+  current()->scripts()->remove(currentScript());
+  currentScript() = next;
+  current()->scripts()->insert(next);
+}
+
+QWebEngineScript Profile::pageScript() {
+  return currentScript();
+}
+
+void Profile::setLostItsScript() {
+  scriptIsLost = true;
+}
+
+bool Profile::lostItsScript() {
+  return scriptIsLost;
 }
 
 }  // namespace cef_qt

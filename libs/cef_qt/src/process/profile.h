@@ -6,6 +6,7 @@
 #include "process/options.h"
 
 class QWebEngineProfile;
+class QWebEngineScript;
 
 namespace cef_qt {
 
@@ -20,6 +21,11 @@ class Profile {
 
   // The script that new documents get before their own ones.
   static void setPageScript(const QString& script);
+  static QWebEngineScript pageScript();
+
+  // A render process ended: those that follow it do not get the script from the profile.
+  static void setLostItsScript();
+  static bool lostItsScript();
 };
 
 }  // namespace cef_qt

@@ -1,0 +1,185 @@
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include "include/base/cef_bind.h"
+#include "include/cef_browser.h"
+#include "include/wrapper/cef_closure_task.h"
+#include "support/framework.h"
+#include "support/test_browser.h"
+
+namespace cef_test {
+namespace {
+
+using Events = std::vector<std::string>;
+
+// Render processes that this process started.
+std::vector<pid_t> renderProcesses() {
+  std::vector<pid_t> found;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+    std::ifstream commandLine(entry.path() / "cmdline");
+    std::ifstream status(entry.path() / "stat");
+    std::string words((std::istreambuf_iterator<char>(commandLine)), {});
+    std::string pid, name, state;
+    pid_t parent = 0;
+    status >> pid >> name >> state >> parent;
+    if (parent == getpid() && words.find("--type=renderer") != std::string::npos) {
+      found.push_back(std::stoi(pid));
+    }
+  }
+  return found;
+}
+
+TEST(Browser, TellsOfItsCreationBeforeAnyQueryAndKnowsItself) {
+  TestBrowser page("<script>testQuery({request: 'hello'})</script>");
+  ASSERT_TRUE(page.waitFor("hello"));
+  const CefRefPtr<CefBrowser> browser = page.browser();
+  EXPECT_EQ(page.client().events, Events{"created"});
+  EXPECT_FALSE(browser->IsPopup());
+  EXPECT_TRUE(browser->IsValid());
+  EXPECT_TRUE(browser->IsSame(browser->GetHost()->GetBrowser()));
+  EXPECT_EQ(browser->GetHost()->GetClient().get(), &page.client());
+  EXPECT_TRUE(browser->GetMainFrame()->IsMain());
+  EXPECT_NE(browser->GetMainFrame()->GetURL().ToString().find("file://"), std::string::npos);
+}
+
+TEST(Browser, ClosesWithoutAskingWhenForced) {
+  TestBrowser page("<script>onbeforeunload = () => 'stay'; testQuery({request: 'up'})</script>");
+  ASSERT_TRUE(page.waitFor("up"));
+  const CefRefPtr<CefBrowser> browser = page.browser();
+  browser->GetHost()->CloseBrowser(true);
+  ASSERT_TRUE(page.waitForEvent("closed"));
+  EXPECT_EQ(page.client().events, (Events{"created", "doClose", "closed"}));
+  EXPECT_FALSE(browser->IsValid());
+  EXPECT_FALSE(browser->GetMainFrame());
+  browser->Reload();
+  browser->GetHost()->CloseBrowser(false);
+  runQueued();
+}
+
+TEST(Browser, AsksThePageAndTheClientBeforeItCloses) {
+  TestBrowser page(
+      "<script>addEventListener('beforeunload', () => testQuery({request: 'asked'}));"
+      "testQuery({request: 'up'})</script>");
+  ASSERT_TRUE(page.waitFor("up"));
+  page.client().doClose = [] { return true; };
+  page.browser()->GetHost()->CloseBrowser(false);
+  ASSERT_TRUE(page.waitForEvent("doClose"));
+  EXPECT_TRUE(page.waitFor("asked"));
+  EXPECT_EQ(page.evaluate("'still ' + 'here'"), "still here");
+  page.client().doClose = [] { return false; };
+  page.browser()->GetHost()->CloseBrowser(false);
+  ASSERT_TRUE(page.waitForEvent("closed"));
+  EXPECT_EQ(page.client().events, (Events{"created", "doClose", "doClose", "closed"}));
+}
+
+TEST(Browser, CanBeClosedBeforeItHasLoaded) {
+  TestBrowser page("never seen");
+  page.browser()->GetHost()->CloseBrowser(false);
+  EXPECT_TRUE(page.waitForEvent("closed"));
+}
+
+TEST(Browser, OpensPopUpsThatShareTheClientAndCloseAlone) {
+  TestBrowser page("");
+  const std::string url = writePage("child.html", "<script>testQuery({request: 'child'})</script>");
+  page.run("window.child = window.open('" + url + "', 'name', 'width=300,height=200')");
+  ASSERT_TRUE(page.waitFor("child"));
+  ASSERT_EQ(page.client().browsers.size(), 2u);
+  const CefRefPtr<CefBrowser> child = page.client().browsers.back();
+  EXPECT_TRUE(child->IsPopup());
+  EXPECT_FALSE(child->IsSame(page.browser()));
+  EXPECT_EQ(child->GetMainFrame()->GetName(), "name");
+  page.run("child.close()");
+  ASSERT_TRUE(page.waitForEvent("closed"));
+  EXPECT_EQ(page.client().browsers.size(), 1u);
+  EXPECT_EQ(page.evaluate("String(child.closed)"), "true");
+}
+
+TEST(Frame, ExecutesScriptsInOrderEachOnItsOwn) {
+  TestBrowser page("<script>window.seen = []; testQuery({request: 'up'})</script>");
+  ASSERT_TRUE(page.waitFor("up"));
+  for (int i = 0; i < 300; ++i) {
+    page.run(i % 10 == 3 ? "this is no script (" : "seen.push(" + std::to_string(i) + ") // end");
+  }
+  std::string expected;
+  for (int i = 0; i < 300; ++i) {
+    if (i % 10 != 3) {
+      expected += (expected.empty() ? "" : ",") + std::to_string(i);
+    }
+  }
+  EXPECT_EQ(page.evaluate("seen.join()"), expected);
+}
+
+TEST(Frame, ShowsScriptsAndAnswersInTheOrderTheyWereGiven) {
+  TestBrowser page(
+      "<script>window.seen = ''; testQuery({request: 'order', onSuccess: r => "
+      "seen += r})</script>");
+  page.client().onQuery = [](const Query& query) {
+    if (query.request == "order") {
+      query.frame->ExecuteJavaScript("seen += 'a'", "", 0);
+      query.callback->Success("b");
+      query.frame->ExecuteJavaScript("seen += 'c'; testQuery({request: 'end'})", "", 0);
+    }
+    return true;
+  };
+  ASSERT_TRUE(page.waitFor("end"));
+  EXPECT_EQ(page.evaluate("seen"), "abc");
+}
+
+TEST(Frame, NamesTheScriptsUrlAndLineInErrors) {
+  TestBrowser page("<script>testQuery({request: 'up'})</script>");
+  ASSERT_TRUE(page.waitFor("up"));
+  page.frame()->ExecuteJavaScript("window.trace = new Error('x').stack // no newline at the end",
+                                  "http://127.0.0.1/a b.js", 7);
+  EXPECT_NE(page.evaluate("trace").find("http://127.0.0.1/a%20b.js:7:"), std::string::npos)
+      << page.evaluate("trace");
+}
+
+TEST(Frame, EditsWhatHasTheFocus) {
+  TestBrowser page("<input value=word autofocus><script>testQuery({request: 'up'})</script>");
+  ASSERT_TRUE(page.waitFor("up"));
+  page.run("document.querySelector('input').focus()");
+  page.frame()->SelectAll();
+  page.frame()->Delete();
+  EXPECT_TRUE(page.becomes("document.querySelector('input').value", ""));
+  page.frame()->Undo();
+  EXPECT_TRUE(page.becomes("document.querySelector('input').value", "word"));
+}
+
+TEST(Browser, ReportsTheEndOfItsRenderProcessAndServesAgainAfterAReload) {
+  TestBrowser page("<script>testQuery({request: 'up'})</script>");
+  ASSERT_TRUE(page.waitFor("up"));
+  QueryCallback kept;
+  page.client().onQuery = [&](const Query& query) {
+    kept = query.callback;
+    return true;
+  };
+  page.run("testQuery({request: 'pending'})");
+  ASSERT_TRUE(page.waitFor("pending"));
+  for (const pid_t process : renderProcesses()) {
+    kill(process, SIGKILL);
+  }
+  ASSERT_TRUE(runUntil([&] { return !page.client().terminations.empty(); }));
+  EXPECT_EQ(page.client().terminations.front(), TS_PROCESS_WAS_KILLED);
+  EXPECT_EQ(page.client().canceled.size(), 1u);
+  page.client().requests.clear();
+  page.browser()->Reload();
+  EXPECT_TRUE(page.waitFor("up"));
+}
+
+TEST(Browser, GoesBackInItsHistoryToAPageWhoseQueriesWork) {
+  TestBrowser page("<script>onpageshow = () => testQuery({request: 'first'})</script>");
+  ASSERT_TRUE(page.waitFor("first"));
+  page.frame()->LoadURL(
+      writePage("second.html", "<script>testQuery({request: 'second'})</script>"));
+  ASSERT_TRUE(page.waitFor("second"));
+  page.client().requests.clear();
+  page.frame()->ExecuteJavaScript("history.back()", "", 0);
+  EXPECT_TRUE(page.waitFor("first"));
+}
+
+}  // namespace
+}  // namespace cef_test

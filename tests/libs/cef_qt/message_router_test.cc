@@ -1,0 +1,311 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <thread>
+
+#include "include/base/cef_bind.h"
+#include "include/wrapper/cef_closure_task.h"
+#include "include/wrapper/cef_message_router.h"
+#include "support/framework.h"
+#include "support/test_browser.h"
+
+namespace cef_test {
+namespace {
+
+using Callback = CefMessageRouterBrowserSideCallback;
+
+// A page function `ask(request)`: the answer, or "code: message".
+constexpr char kAsk[] = R"(<script>
+  const ask = (request, persistent) => new Promise(done => window.testQuery({
+    request, persistent: !!persistent, onSuccess: done,
+    onFailure: (code, message) => done(code + ': ' + message)}));
+</script>)";
+
+TEST(MessageRouter, AnswersQueriesThatAreSentBeforeThePagesOwnScriptsEnd) {
+  TestBrowser page(
+      "<script>testQuery({request: 'at once', onSuccess: r => window.got = r});"
+      "</script>");
+  EXPECT_TRUE(page.waitFor("at once"));
+  EXPECT_EQ(page.evaluate("got"), "at once");
+}
+
+TEST(MessageRouter, CarriesQueriesAsMessagesOfTheirNameThroughTheClient) {
+  TestBrowser page(kAsk);
+  EXPECT_EQ(page.evaluate("ask('x')"), "x");
+  EXPECT_EQ(page.evaluate("new Promise(done => otherQuery({request: 'o', onSuccess: done}))"), "o");
+  for (const std::string& name : page.client().messageNames) {
+    EXPECT_TRUE(name == "testQueryMsg" || name == "otherQueryMsg") << name;
+  }
+  EXPECT_EQ(std::count(page.client().messageNames.begin(), page.client().messageNames.end(),
+                       "otherQueryMsg"),
+            1);
+}
+
+TEST(MessageRouter, LeavesQueriesUnansweredWhoseMessagesTheClientDrops) {
+  CefRefPtr<TestClient> client(new TestClient);
+  client->dropMessage = [](CefRefPtr<CefProcessMessage> message) {
+    return message->GetArgumentList()->GetString(2) == "dropped";
+  };
+  TestBrowser page(kAsk, client);
+  page.run("ask('dropped').then(r => window.dropped = r)");
+  EXPECT_EQ(page.evaluate("ask('kept').then(r => r + typeof dropped)"), "keptundefined");
+  EXPECT_EQ(client->requests.front(), "kept");
+}
+
+TEST(MessageRouter, RejectsFaultyArgumentsInThePage) {
+  TestBrowser page(kAsk);
+  const auto thrown = [&](const std::string& arguments) {
+    return page.evaluate("(() => { try { testQuery(" + arguments +
+                         "); return 'nothing'; } catch (e) { return e.name + ': ' + e.message; }"
+                         "})()");
+  };
+  for (const char* arguments :
+       {"", "1", "null", "{}", "{request: 1}", "{request: 'r', onSuccess: 1}",
+        "{request: 'r', onFailure: 'f'}", "{request: 'r', persistent: 'yes'}"}) {
+    EXPECT_EQ(thrown(arguments).rfind("Error: Invalid arguments; ", 0), 0u) << arguments;
+  }
+  EXPECT_EQ(page.evaluate("typeof testQuery({request: 'r'})"), "number");
+  EXPECT_EQ(page.evaluate("(() => { try { cefQueryCancel('x'); } catch (e) { return e.message; "
+                          "} })()")
+                .rfind("Invalid arguments; ", 0),
+            0u);
+}
+
+TEST(MessageRouter, FailsQueriesThatNoHandlerTakes) {
+  TestBrowser page(kAsk);
+  page.client().onQuery = [](const Query& query) {
+    if (query.request == "unknown") {
+      return false;
+    }
+    query.callback->Success(query.request);
+    return true;
+  };
+  EXPECT_EQ(page.evaluate("ask('unknown')"), "-1: The query has been canceled");
+}
+
+TEST(MessageRouter, FailsQueriesWhoseCallbackIsReleasedUnanswered) {
+  TestBrowser page(kAsk);
+  page.client().onQuery = [](const Query& query) {
+    if (query.request != "forgotten") {
+      query.callback->Success(query.request);
+    }
+    return true;
+  };
+  EXPECT_EQ(page.evaluate("ask('forgotten')"), "-1: The query has been canceled");
+  EXPECT_EQ(page.client().pendingQueries(), 0);
+}
+
+TEST(MessageRouter, PassesFailuresWithCodeAndText) {
+  TestBrowser page(kAsk);
+  page.client().onQuery = [](const Query& query) {
+    if (query.request == "fail") {
+      query.callback->Failure(-7, "no such thing");
+    } else {
+      query.callback->Success(query.request);
+    }
+    return true;
+  };
+  EXPECT_EQ(page.evaluate("ask('fail')"), "-7: no such thing");
+}
+
+TEST(MessageRouter, TakesAnswersFromAnyThreadAndCountsOnlyTheFirst) {
+  TestBrowser page(kAsk);
+  std::thread worker;
+  page.client().onQuery = [&](const Query& query) {
+    if (query.request == "from a thread") {
+      worker = std::thread([callback = query.callback] {
+        callback->Success("first");
+        callback->Failure(1, "second");
+      });
+      worker.join();
+    } else {
+      query.callback->Success(query.request);
+    }
+    return true;
+  };
+  EXPECT_EQ(page.evaluate("ask('from a thread')"), "first");
+}
+
+TEST(MessageRouter, GivesBackEveryKindOfText) {
+  TestBrowser page(kAsk);
+  EXPECT_EQ(
+      page.evaluate("(async () => { let bad = '';"
+                    "for (const t of ['', '.', 'a\\0b', '\\ud800', 'x\\udc00y', '\\u2028\\u2029',"
+                    " '\\ufeffstart', '\\ufeff', '\"\\\\\\n', '\\u{1f600}', '</script>'])"
+                    "  if (await ask(t) !== t) bad += escape(t) + ' ';"
+                    "return bad; })()"),
+      "");
+}
+
+TEST(MessageRouter, CarriesTwentyMegabytesBothWays) {
+  TestBrowser page(kAsk);
+  EXPECT_EQ(page.evaluate("(async () => { const big = 'a\\u20ac\"'.repeat(4e6) + 'end';"
+                          "return (await ask(big)) === big; })()"),
+            "true");
+}
+
+TEST(MessageRouter, AnswersPersistentQueriesRepeatedlyUntilTheyFail) {
+  TestBrowser page(kAsk);
+  page.client().onQuery = [](const Query& query) {
+    if (query.persistent) {
+      for (const char* answer : {"1", "2", "3"}) {
+        query.callback->Success(answer);
+      }
+      query.callback->Failure(9, "end");
+      query.callback->Success("late");
+    } else {
+      query.callback->Success(query.request);
+    }
+    return true;
+  };
+  EXPECT_EQ(page.evaluate("(async () => { let all = ''; await new Promise(done => testQuery({"
+                          "request: 'p', persistent: true, onSuccess: r => all += r + ' ',"
+                          "onFailure: (c, m) => { all += c + m; done(); }}));"
+                          "await ask('after'); return all; })()"),
+            "1 2 3 9end");
+}
+
+TEST(MessageRouter, CancelsQueriesOnThePagesWish) {
+  TestBrowser page(kAsk);
+  QueryCallback kept;
+  page.client().onQuery = [&](const Query& query) {
+    if (query.request == "slow") {
+      kept = query.callback;
+    } else {
+      query.callback->Success(query.request);
+    }
+    return true;
+  };
+  page.run(
+      "window.outcome = ''; window.id = testQuery({request: 'slow', "
+      "onSuccess: r => outcome += r, onFailure: (c, m) => outcome += c + m})");
+  ASSERT_TRUE(page.waitFor("slow"));
+  EXPECT_EQ(page.client().pendingQueries(), 1);
+  EXPECT_EQ(page.evaluate("String(cefQueryCancel(id)) + cefQueryCancel(id) + cefQueryCancel(999)"),
+            "truefalsefalse");
+  ASSERT_TRUE(runUntil([&] { return page.client().canceled.size() == 1; }));
+  kept->Success("too late");
+  EXPECT_EQ(page.evaluate("ask('x').then(() => outcome)"), "-1The query has been canceled");
+  EXPECT_EQ(page.client().pendingQueries(), 0);
+}
+
+TEST(MessageRouter, CancelsPendingQueriesWhenThePageIsLeft) {
+  TestBrowser page(kAsk);
+  QueryCallback kept;
+  page.client().onQuery = [&](const Query& query) {
+    kept = query.callback;
+    return true;
+  };
+  page.run("ask('pending')");
+  ASSERT_TRUE(page.waitFor("pending"));
+  page.frame()->LoadURL(writePage("next.html", "<script>testQuery({request: 'next'})</script>"));
+  ASSERT_TRUE(page.waitFor("next"));
+  EXPECT_TRUE(runUntil([&] { return page.client().canceled.size() == 1; }));
+}
+
+TEST(MessageRouter, CancelsPendingQueriesWhenTheBrowserIsClosed) {
+  TestBrowser page(kAsk);
+  QueryCallback kept;
+  page.client().onQuery = [&](const Query& query) {
+    kept = query.callback;
+    return true;
+  };
+  page.run("ask('pending')");
+  ASSERT_TRUE(page.waitFor("pending"));
+  closeAll(page.client());
+  EXPECT_EQ(page.client().canceled.size(), 1u);
+  kept->Success("into the void");
+}
+
+TEST(MessageRouter, RemovingAHandlerFailsItsQueries) {
+  TestBrowser page(kAsk);
+  QueryCallback kept;
+  page.client().onQuery = [&](const Query& query) {
+    kept = query.callback;
+    return true;
+  };
+  page.run("window.outcome = ask('pending')");
+  ASSERT_TRUE(page.waitFor("pending"));
+  EXPECT_FALSE(page.client().router()->AddHandler(&page.client(), true));
+  EXPECT_TRUE(page.client().router()->RemoveHandler(&page.client()));
+  EXPECT_FALSE(page.client().router()->RemoveHandler(&page.client()));
+  EXPECT_EQ(page.client().canceled.size(), 1u);
+  page.client().onQuery = [](const Query& query) {
+    query.callback->Success("");
+    return true;
+  };
+  page.client().router()->AddHandler(&page.client(), false);
+  EXPECT_EQ(page.evaluate("outcome"), "-1: The query has been canceled");
+}
+
+TEST(MessageRouter, ServesFramesAlsoOfOtherOriginsAndAfterTheyNavigate) {
+  TestBrowser page(
+      std::string(kAsk) +
+      "<iframe srcdoc=\"<script>testQuery({request: 'frame', onSuccess: r => "
+      "testQuery({request: 'got ' + r})})</script>\"></iframe>"
+      "<iframe sandbox='allow-scripts' src='data:text/html,<script>testQuery({request:"
+      "`data`,onSuccess: r => { if (location.hash != `x`) testQuery({request:`data got`"
+      "})}})</script>'></iframe>");
+  EXPECT_TRUE(page.waitFor("got frame"));
+  EXPECT_TRUE(page.waitFor("data got"));
+  const int contexts = liveContexts();
+  page.run(
+      "document.querySelector('iframe').srcdoc = '<script>testQuery({request: `again`})"
+      "<\\/script>'");
+  EXPECT_TRUE(page.waitFor("again"));
+  page.run("document.querySelectorAll('iframe').forEach(frame => frame.remove())");
+  EXPECT_TRUE(runUntil([&] { return liveContexts() == contexts - 2; }));
+}
+
+TEST(MessageRouter, ExecutesScriptsInTheFrameThatAsked) {
+  TestBrowser page(
+      "<script>window.place = 'top'</script><iframe name=inner srcdoc=\"<script>"
+      "window.place = 'frame'; testQuery({request: 'frame'})</script>\"></iframe>");
+  page.client().onQuery = [](const Query& query) {
+    if (query.request == "frame") {
+      EXPECT_FALSE(query.frame->IsMain());
+      EXPECT_EQ(query.frame->GetName(), "inner");
+      EXPECT_EQ(query.frame->GetURL(), "about:srcdoc");
+      query.frame->ExecuteJavaScript("testQuery({request: 'in ' + place})", "", 0);
+    }
+    query.callback->Success("");
+    return true;
+  };
+  EXPECT_TRUE(page.waitFor("in frame"));
+}
+
+TEST(MessageRouter, ServesPopUpsAlsoWhenTheyStayEmpty) {
+  TestBrowser page(kAsk);
+  page.run("window.child = window.open('about:blank')");
+  ASSERT_TRUE(page.waitForEvent("popup"));
+  const CefRefPtr<CefBrowser> popup = page.client().browsers.back();
+  EXPECT_TRUE(popup->IsPopup());
+  popup->GetMainFrame()->ExecuteJavaScript(
+      "document.write('<p>text</p>');"
+      "testQuery({request: 'from empty'})",
+      "", 0);
+  EXPECT_TRUE(page.waitFor("from empty"));
+  popup->GetMainFrame()->LoadURL(
+      writePage("popup.html", "<script>testQuery({request: 'from page'})</script>"));
+  EXPECT_TRUE(page.waitFor("from page"));
+}
+
+TEST(MessageRouter, StaysUsableWhenThePageRedefinesWhatItBuildsOn) {
+  TestBrowser page(
+      "<script>JSON.stringify = JSON.parse = () => 'broken';"
+      "Array.prototype.toJSON = String.prototype.toJSON = () => 'broken';"
+      "Map.prototype.get = Map.prototype.set = Promise.prototype.then = null;"
+      "testQuery({request: 'robust', onSuccess: r => testQuery({request: r + '!'})});"
+      "</script>");
+  EXPECT_TRUE(page.waitFor("robust!"));
+}
+
+TEST(MessageRouter, AnErrorInACallbackDoesNotLoseOtherAnswers) {
+  TestBrowser page(kAsk);
+  EXPECT_EQ(page.evaluate("new Promise(done => { testQuery({request: 'a', onSuccess: () => { throw "
+                          "new Error('page'); }}); testQuery({request: 'b', onSuccess: done}); })"),
+            "b");
+}
+
+}  // namespace
+}  // namespace cef_test

@@ -1,0 +1,196 @@
+// Starts, restarts and ends of whole processes, with a small program of our own (cef_probe).
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "support/framework.h"
+#include "support/loopback_server.h"
+
+namespace cef_test {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A running cef_probe; its output, standard error included, can be waited for.
+class Probe {
+ public:
+  explicit Probe(std::vector<std::string> arguments, const std::string& directory = "/") {
+    int ends[2];
+    EXPECT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    arguments.insert(arguments.begin(), CEF_PROBE);
+    std::vector<char*> argv;
+    for (std::string& word : arguments) {
+      argv.push_back(word.data());
+    }
+    argv.push_back(nullptr);
+    pid_ = fork();
+    if (pid_ == 0) {
+      dup2(ends[1], STDOUT_FILENO);
+      dup2(ends[1], STDERR_FILENO);
+      if (chdir(directory.c_str()) == 0) {
+        execv(argv[0], argv.data());
+      }
+      _exit(126);
+    }
+    close(ends[1]);
+    output_ = ends[0];
+  }
+  ~Probe() {
+    if (pid_ > 0) {
+      signal(SIGKILL);
+      wait();
+    }
+    close(output_);
+  }
+
+  // Reads until the text comes; false at the output's end.
+  bool waitFor(const std::string& text) {
+    char buffer[4096];
+    while (read_.find(text) == std::string::npos) {
+      const ssize_t length = read(output_, buffer, sizeof buffer);
+      if (length <= 0) {
+        return false;
+      }
+      read_.append(buffer, static_cast<std::size_t>(length));
+    }
+    return true;
+  }
+  const std::string& output() const { return read_; }
+  void signal(int number) { kill(pid_, number); }
+  // The exit code, −1 when it was killed.
+  int wait() {
+    waitFor("(never printed)");
+    int status = 0;
+    waitpid(std::exchange(pid_, -1), &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+
+ private:
+  pid_t pid_ = -1;
+  int output_ = -1;
+  std::string read_;
+};
+
+struct Process : testing::Test {
+  Process() { prepareHeadless(); }
+
+  std::string freshFolder() {
+    static int folders = 0;
+    const std::string path = temporaryFolder() + "/profile" + std::to_string(++folders);
+    fs::create_directories(path);
+    return path;
+  }
+};
+
+std::string contentsOf(const std::string& path) {
+  std::ifstream file(path);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST_F(Process, IsOnlyRunOnceForACachePathAndHandsItsCommandLineToTheFirst) {
+  const std::string folder = freshFolder();
+  Probe first({"--root=" + folder, "--wait"});
+  ASSERT_TRUE(first.waitFor("ready")) << first.output();
+  Probe second({"--root=" + folder, "--wait", "an argument"}, "/tmp");
+  EXPECT_EQ(second.wait(), CEF_RESULT_CODE_NORMAL_EXIT_PROCESS_NOTIFIED);
+  EXPECT_NE(second.output().find("not initialized"), std::string::npos);
+  EXPECT_TRUE(first.waitFor("relaunch in /tmp: an argument")) << first.output();
+}
+
+TEST_F(Process, StartsAgainAfterTheHolderOfTheCachePathWasKilled) {
+  const std::string folder = freshFolder();
+  Probe first({"--root=" + folder, "--wait"});
+  ASSERT_TRUE(first.waitFor("ready"));
+  first.signal(SIGKILL);
+  EXPECT_EQ(first.wait(), -1);
+  Probe second({"--root=" + folder});
+  EXPECT_EQ(second.wait(), 0) << second.output();
+}
+
+TEST_F(Process, KeepsItsDataInMemoryWhenTheCachePathCannotBeUsed) {
+  const std::string file = temporaryFolder() + "/a file";
+  std::ofstream(file) << "x";
+  const LoopbackServer server;
+  Probe probe({"--root=" + file + "/below", "--url=" + server.url("/"), "--log=" + file + "/log"});
+  EXPECT_EQ(probe.wait(), 0);
+  EXPECT_NE(probe.output().find("keeps its data in memory"), std::string::npos) << probe.output();
+  EXPECT_NE(probe.output().find("going on without it"), std::string::npos);
+  EXPECT_NE(probe.output().find("loaded"), std::string::npos);
+
+  Probe outside(
+      {"--root=" + freshFolder(), "--cache=" + freshFolder(), "--url=" + server.url("/")});
+  EXPECT_EQ(outside.wait(), 0);
+  EXPECT_NE(outside.output().find("not below the root cache path"), std::string::npos);
+}
+
+TEST_F(Process, WritesThePagesConsoleToTheBrowserLogBySeverity) {
+  const std::string log = freshFolder() + "/deep/browser.log";
+  const std::string url = writePage("console.html",
+                                    "<script>console.log('an info'); console.warn('a warning');"
+                                    "console.error('an error');</script>");
+  Probe all({"--url=" + url, "--log=" + log});
+  EXPECT_EQ(all.wait(), 0) << all.output();
+  const std::string text = contentsOf(log);
+  EXPECT_NE(text.find(":INFO:CONSOLE(1)] \"an info\", source: " + url + " (1)\n"),
+            std::string::npos)
+      << text;
+  EXPECT_NE(text.find(":WARNING:CONSOLE(1)] \"a warning\""), std::string::npos);
+  if (geteuid() == 0) {
+    EXPECT_NE(text.find("without its sandbox"), std::string::npos);
+  }
+  fs::remove(log);
+  Probe errors({"--url=" + url, "--log=" + log, "--severity=4"});
+  EXPECT_EQ(errors.wait(), 0);
+  EXPECT_EQ(contentsOf(log).find("a warning"), std::string::npos);
+  EXPECT_NE(contentsOf(log).find("an error"), std::string::npos);
+}
+
+TEST_F(Process, SendsTheUserAgentAndKeepsCookiesInTheCachePath) {
+  const std::string folder = freshFolder();
+  LoopbackServer server;
+  for (int run = 0; run < 2; ++run) {
+    Probe probe({"--root=" + folder, "--agent=Test/1.0\xC3\xBC x", "--url=" + server.url("/")});
+    EXPECT_EQ(probe.wait(), 0) << probe.output();
+  }
+  const std::string requests = server.requests();
+  EXPECT_NE(requests.find("User-Agent: Test/1.0 x\r\n"), std::string::npos) << requests;
+  const std::size_t secondRun = requests.rfind("GET / HTTP/1.1");
+  EXPECT_EQ(requests.substr(0, requests.find("\r\n\r\n")).find("Cookie"), std::string::npos);
+  EXPECT_NE(requests.find("Cookie: kept=1", secondRun), std::string::npos) << requests;
+}
+
+TEST_F(Process, RunsTheGivenExecutableAsItsSubProcess) {
+  const std::string marker = freshFolder() + "/started";
+  setenv("CEF_PROBE_MARKER", marker.c_str(), 1);
+  Probe probe({"--subprocess=" CEF_PROBE, "--url=" + writePage("sub.html", "x")});
+  EXPECT_EQ(probe.wait(), 0) << probe.output();
+  unsetenv("CEF_PROBE_MARKER");
+  EXPECT_NE(contentsOf(marker).find("--type=renderer"), std::string::npos);
+}
+
+TEST_F(Process, GivesTheSubProcessesExitCodeAndMinusOneInTheBrowserProcess) {
+  Probe browser({"--execute-only"});
+  EXPECT_EQ(browser.wait(), 77) << browser.output();
+  setenv("CEF_QT_WEBENGINE_PROCESS", "/bin/false", 1);
+  Probe sub({"--type=renderer"});
+  unsetenv("CEF_QT_WEBENGINE_PROCESS");
+  EXPECT_EQ(sub.wait(), 1) << sub.output();
+}
+
+TEST_F(Process, ReleasesWaitingTasksAtShutdownAndTakesNoMore) {
+  Probe probe({"--shutdown"});
+  EXPECT_EQ(probe.wait(), 0);
+  EXPECT_NE(probe.output().find("released 7 of 7, posting fails"), std::string::npos)
+      << probe.output();
+}
+
+}  // namespace
+}  // namespace cef_test

@@ -1,0 +1,235 @@
+// What only Qt can do: drags over the window, its closing, the dialogs that the framework shows
+// itself, and loops inside handlers, as modal dialogs run them.
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDragEnterEvent>
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QTest>
+#include <QUrl>
+#include <QWebEngineView>
+
+#include "support/framework.h"
+#include "support/test_browser.h"
+
+namespace cef_test {
+namespace {
+
+QWebEngineView* viewOf(const CefRefPtr<CefBrowser>& browser) {
+  for (QWidget* widget : QApplication::topLevelWidgets()) {
+    auto* view = qobject_cast<QWebEngineView*>(widget);
+    if (view && view->winId() == browser->GetHost()->GetWindowHandle()) {
+      return view;
+    }
+  }
+  return nullptr;
+}
+
+bool enter(QWebEngineView* view, const QMimeData& data) {
+  QDragEnterEvent event(QPoint(50, 50), Qt::CopyAction | Qt::LinkAction, &data, Qt::LeftButton,
+                        Qt::NoModifier);
+  QApplication::sendEvent(view, &event);
+  return event.isAccepted();
+}
+
+void drop(QWebEngineView* view, const QMimeData& data) {
+  QDropEvent event(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(view, &event);
+}
+
+template <class Dialog>
+Dialog* openDialog() {
+  Dialog* found = nullptr;
+  runUntil([&] {
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+      auto* dialog = qobject_cast<Dialog*>(widget);
+      if (dialog && dialog->isVisible()) {
+        found = dialog;
+      }
+    }
+    return found != nullptr;
+  });
+  return found;
+}
+
+constexpr char kDropPage[] = R"(<body style='height: 400px'><script>
+  addEventListener('dragenter', event => { event.preventDefault(); testQuery({request: 'enter'}); });
+  addEventListener('dragover', event => event.preventDefault());
+  addEventListener('drop', event => { event.preventDefault();
+    testQuery({request: 'drop ' + [...event.dataTransfer.files].map(f => f.name).join()}); });
+  requestAnimationFrame(() => requestAnimationFrame(() => testQuery({request: 'up'})));
+</script>)";
+
+TEST(View, ShowsDraggedFilesToTheClientAndThenToThePage) {
+  TestBrowser page(kDropPage);
+  ASSERT_TRUE(page.waitFor("up"));
+  const std::string url = writePage("dragged file.txt", "contents");
+  QMimeData data;
+  data.setUrls({QUrl(QString::fromStdString(url))});
+  std::vector<CefString> paths;
+  unsigned int mask = 0;
+  page.client().onDrag = [&](CefRefPtr<CefDragData> dragged, unsigned int operations) {
+    EXPECT_TRUE(dragged->IsFile() && dragged->IsReadOnly());
+    EXPECT_FALSE(dragged->IsLink() || dragged->IsFragment());
+    dragged->GetFilePaths(paths);
+    mask = operations;
+    return false;
+  };
+  QWebEngineView* view = viewOf(page.browser());
+  ASSERT_TRUE(view);
+  EXPECT_TRUE(enter(view, data));
+  EXPECT_EQ(paths, std::vector<CefString>{temporaryFolder() + "/dragged file.txt"});
+  EXPECT_EQ(mask, unsigned{DRAG_OPERATION_COPY} | unsigned{DRAG_OPERATION_LINK});
+  EXPECT_TRUE(page.waitFor("enter"));
+  drop(view, data);
+  EXPECT_TRUE(page.waitFor("drop dragged file.txt"));
+}
+
+TEST(View, HidesCanceledDragsFromThePage) {
+  TestBrowser page(kDropPage);
+  ASSERT_TRUE(page.waitFor("up"));
+  QMimeData data;
+  data.setText("words");
+  page.client().onDrag = [](CefRefPtr<CefDragData> dragged, unsigned int) {
+    EXPECT_EQ(dragged->GetFragmentText(), "words");
+    return true;
+  };
+  QWebEngineView* view = viewOf(page.browser());
+  EXPECT_FALSE(enter(view, data));
+  drop(view, data);
+  EXPECT_EQ(page.evaluate("new Promise(done => requestAnimationFrame(() => done('later')))"),
+            "later");
+  for (const std::string& request : page.client().requests) {
+    EXPECT_TRUE(request != "enter" && request.rfind("drop", 0) != 0) << request;
+  }
+}
+
+TEST(View, HasTheGivenTitleAndFitsIntoTheScreen) {
+  TestBrowser page("<title>the page's</title><script>testQuery({request: 'up'})</script>");
+  ASSERT_TRUE(page.waitFor("up"));
+  const QWebEngineView* view = viewOf(page.browser());
+  EXPECT_EQ(view->windowTitle(), "Test");
+  EXPECT_EQ(view->size(), QSize(640, 480));
+  EXPECT_TRUE(view->isVisible());
+}
+
+TEST(View, TurnsTheWindowsClosingIntoTheBrowsers) {
+  TestBrowser page("<script>testQuery({request: 'up'})</script>");
+  ASSERT_TRUE(page.waitFor("up"));
+  page.client().doClose = [] { return true; };
+  viewOf(page.browser())->close();
+  ASSERT_TRUE(page.waitForEvent("doClose"));
+  EXPECT_TRUE(viewOf(page.browser())->isVisible());
+  page.client().doClose = [] { return false; };
+  viewOf(page.browser())->close();
+  EXPECT_TRUE(page.waitForEvent("closed"));
+}
+
+TEST(View, StaysWhenTheUserRefusesToLeaveThePage) {
+  TestBrowser page(
+      "<body style='height: 400px'><script>onbeforeunload = event => "
+      "event.preventDefault() || 'stay'; onclick = () => testQuery({request: "
+      "'clicked'}); requestAnimationFrame(() => requestAnimationFrame(() => "
+      "testQuery({request: 'up'})))</script>");
+  ASSERT_TRUE(page.waitFor("up"));
+  // Without a gesture of the user a page is not listened to.
+  QTest::mouseClick(viewOf(page.browser())->focusProxy(), Qt::LeftButton, {}, QPoint(50, 50));
+  ASSERT_TRUE(page.waitFor("clicked"));
+  for (const bool leaves : {false, true}) {
+    page.browser()->GetHost()->CloseBrowser(false);
+    auto* box = openDialog<QMessageBox>();
+    ASSERT_TRUE(box);
+    EXPECT_EQ(page.evaluate("'alive'"), "alive");
+    EXPECT_EQ(page.client().events.back(), "created");
+    if (leaves) {
+      box->button(QMessageBox::Ok)->click();
+    } else {
+      box->reject();
+      EXPECT_EQ(page.evaluate("'still here'"), "still here");
+    }
+  }
+  EXPECT_TRUE(page.waitForEvent("closed"));
+}
+
+TEST(View, ShowsTheDialogsThatTheClientLeavesToIt) {
+  TestBrowser page("");
+  page.run("testQuery({request: 'confirm ' + confirm('<b>sure?')})");
+  auto* box = openDialog<QMessageBox>();
+  ASSERT_TRUE(box);
+  EXPECT_EQ(box->text(), "<b>sure?");
+  box->button(QMessageBox::Ok)->click();
+  EXPECT_TRUE(page.waitFor("confirm true"));
+
+  page.run("testQuery({request: 'prompt ' + prompt('name?', 'proposal')})");
+  auto* prompt = openDialog<QInputDialog>();
+  ASSERT_TRUE(prompt);
+  EXPECT_EQ(prompt->textValue(), "proposal");
+  prompt->setTextValue("chosen");
+  prompt->accept();
+  EXPECT_TRUE(page.waitFor("prompt chosen"));
+}
+
+// Runs a loop of its own until the condition holds, as a modal dialog does until it is answered.
+bool runNested(const std::function<bool()>& condition) {
+  return QTest::qWaitFor(condition, 30000);
+}
+
+TEST(NestedLoop, InAHandlerKeepsThePageAndItsQueriesAlive) {
+  TestBrowser page(
+      "<script>const ask = request => new Promise(onSuccess => testQuery({request, "
+      "onSuccess}))</script>");
+  bool nested = false;
+  bool lastSeen = false;
+  page.client().onQuery = [&](const Query& query) {
+    if (query.request == "modal") {
+      nested = true;
+      EXPECT_TRUE(runNested([&] { return lastSeen; }));
+      nested = false;
+    } else if (query.request == "99") {
+      EXPECT_TRUE(nested);
+      lastSeen = true;
+    }
+    query.callback->Success(query.request);
+    return true;
+  };
+  EXPECT_EQ(page.evaluate("(async () => { const modal = ask('modal');"
+                          "for (let i = 0; i < 100; ++i) { await ask(String(i));"
+                          "  await new Promise(requestAnimationFrame); }"
+                          "return modal; })()"),
+            "modal");
+}
+
+TEST(NestedLoop, InADialogsHandlerKeepsOtherPagesAlive) {
+  TestBrowser other("");
+  TestBrowser page("");
+  EXPECT_EQ(other.evaluate("'loaded'"), "loaded");
+  bool served = false;
+  other.client().onQuery = [&](const Query& query) {
+    served = query.request == "served";
+    query.callback->Success("");
+    return true;
+  };
+  page.client().onDialog = [&](auto, auto&, auto&, auto callback) {
+    other.run("requestAnimationFrame(() => testQuery({request: 'served'}))");
+    callback->Continue(runNested([&] { return served; }), "");
+    return true;
+  };
+  EXPECT_EQ(page.evaluate("confirm('?')"), "true");
+}
+
+TEST(NestedLoop, InAHandlerMayOutliveItsBrowser) {
+  TestBrowser page("<script>testQuery({request: 'close me'})</script>");
+  page.client().onQuery = [&](const Query& query) {
+    query.browser->GetHost()->CloseBrowser(true);
+    EXPECT_TRUE(runNested([&] { return page.client().browsers.empty(); }));
+    query.callback->Success("");
+    return true;
+  };
+  EXPECT_TRUE(page.waitForEvent("closed"));
+}
+
+}  // namespace
+}  // namespace cef_test

@@ -1,0 +1,67 @@
+#include <gtest/gtest.h>
+
+#include "include/cef_command_line.h"
+#include "include/cef_drag_data.h"
+#include "include/cef_process_message.h"
+#include "include/cef_values.h"
+
+namespace {
+
+TEST(CefListValue, GrowsWithNullsAndGivesEmptyValuesForOtherTypes) {
+  const auto list = CefListValue::Create();
+  list->SetString(2, "text");
+  EXPECT_EQ(list->GetSize(), 3u);
+  EXPECT_EQ(list->GetType(0), VTYPE_NULL);
+  EXPECT_EQ(list->GetInt(2), 0);
+  EXPECT_EQ(list->GetString(2), "text");
+  EXPECT_EQ(list->GetString(9), "");
+  EXPECT_EQ(list->GetType(9), VTYPE_INVALID);
+  list->SetBool(0, true);
+  EXPECT_TRUE(list->Copy()->GetBool(0));
+}
+
+TEST(CefProcessMessage, CopiesAreIndependent) {
+  const auto message = CefProcessMessage::Create("name");
+  message->GetArgumentList()->SetInt(0, 1);
+  const auto copy = message->Copy();
+  message->GetArgumentList()->SetInt(0, 2);
+  EXPECT_EQ(copy->GetName(), "name");
+  EXPECT_EQ(copy->GetArgumentList()->GetInt(0), 1);
+  EXPECT_TRUE(copy->IsValid());
+}
+
+TEST(CefCommandLine, TellsSwitchesFromArguments) {
+  const char* argv[] = {"/bin/program", "--Name=a=b", "-x", "file", "--", "--late", "-"};
+  const auto line = CefCommandLine::CreateCommandLine();
+  line->InitFromArgv(7, argv);
+  EXPECT_EQ(line->GetProgram(), "/bin/program");
+  EXPECT_EQ(line->GetSwitchValue("name"), "a=b");
+  EXPECT_TRUE(line->HasSwitch("x"));
+  EXPECT_FALSE(line->HasSwitch("late"));
+  CefCommandLine::ArgumentList arguments;
+  line->GetArguments(arguments);
+  EXPECT_EQ(arguments, (CefCommandLine::ArgumentList{"file", "--late", "-"}));
+  std::vector<CefString> all;
+  line->GetArgv(all);
+  EXPECT_EQ(all.size(), 7u);
+}
+
+TEST(CefDragData, HoldsFilesLinksAndText) {
+  const auto data = CefDragData::Create();
+  std::vector<CefString> paths;
+  EXPECT_FALSE(data->IsFile() || data->IsLink() || data->IsFragment());
+  EXPECT_FALSE(data->GetFilePaths(paths));
+  data->AddFile("/home/a b.txt", "a b.txt");
+  data->SetFragmentText("words");
+  const auto copy = data->Clone();
+  data->SetLinkURL("http://127.0.0.1/");
+  std::vector<CefString> names;
+  EXPECT_TRUE(copy->GetFilePaths(paths) && copy->GetFileNames(names));
+  EXPECT_EQ(paths, std::vector<CefString>{"/home/a b.txt"});
+  EXPECT_EQ(names, std::vector<CefString>{"a b.txt"});
+  EXPECT_TRUE(copy->IsFragment() && copy->IsFile());
+  EXPECT_FALSE(copy->IsLink());
+  EXPECT_TRUE(data->IsLink());
+}
+
+}  // namespace

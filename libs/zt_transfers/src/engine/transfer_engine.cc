@@ -1,10 +1,10 @@
 #include "engine/transfer_engine.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <limits>
 #include <utility>
 
+#include "engine/file_report.h"
 #include "text/url_parts.h"
 
 namespace zt_transfers {
@@ -12,10 +12,6 @@ namespace {
 
 // Files that fail before they begin are worked off in portions, so that the lock is given free.
 constexpr int kStartsAtOnce = 512;
-
-double seconds(std::chrono::milliseconds time) {
-  return std::chrono::duration<double>(time).count();
-}
 
 }  // namespace
 
@@ -26,8 +22,8 @@ CTransferEngine::CTransferEngine(Options options, const Surroundings& surroundin
       events_(surroundings.events),
       log_(surroundings.log),
       wake_([] {}),
-      reporter_(surroundings.events),
-      random_(std::random_device{}()) {}
+      retries_(options_.backoff),
+      reporter_(surroundings.events) {}
 
 std::int32_t CTransferEngine::createGroup(GroupIdentity identity) {
   const std::lock_guard lock(mutex_);
@@ -121,12 +117,8 @@ void CTransferEngine::dequeueFiles(std::int32_t groupId, const std::vector<std::
       if (!index) {
         continue;
       }
-      const auto job = std::find_if(jobs_.begin(), jobs_.end(), [&](const auto& entry) {
-        return entry.second.file.groupId == groupId && entry.second.file.index == *index;
-      });
-      if (job != jobs_.end()) {
-        stops_.push_back(job->first);
-        endJob(job, *group);
+      if (const Job* job = jobs_.findFile({groupId, *index})) {
+        stopJob(job->id, *group);
       }
       group->changePhase(*index, FilePhase::kRemoved);
       store_.remove({groupId, *index});
@@ -327,18 +319,14 @@ bool CTransferEngine::startNext(CTransferGroup& group, Work& work) {
     reporter_.group(group, clock_.now());
     return true;
   }
+  const Job& job = jobs_.add({group.id(), *index}, clock_.now());
   StartOrder order;
-  order.job = ++lastJob_;
-  order.file = {group.id(), *index};
-  order.spec = store_.spec(order.file);
+  order.job = job.id;
+  order.file = job.file;
+  order.spec = store_.spec(job.file);
   order.verify = settings_.verify;
   order.proxy = settings_.proxy;
-  order.progress = std::make_shared<JobProgress>();
-  Job job;
-  job.file = order.file;
-  job.progress = order.progress;
-  job.toldAt = clock_.now();
-  jobs_.emplace(order.job, std::move(job));
+  order.progress = job.progress;
   moveFile(group, *index, FilePhase::kRunning);
   reporter_.group(group, clock_.now());
   work.starts.push_back(std::move(order));
@@ -354,14 +342,14 @@ void CTransferEngine::onAttemptDone(JobId id, const AttemptOutcome& outcome) {
   std::string message;
   {
     const std::lock_guard lock(mutex_);
-    const auto job = jobs_.find(id);
-    if (job == jobs_.end()) {
+    Job* job = jobs_.find(id);
+    if (job == nullptr) {
       return;  // stopped in the meantime
     }
-    const FileRef file = job->second.file;
+    const FileRef file = job->file;
     CTransferGroup& group = *groups_.at(file.groupId);
-    fold(id, job->second, group, clock_.now());
-    endJob(job, group);
+    foldProgress(*job, group, clock_.now());
+    endJob(*job, group);
     message = settle(group, file.index, outcome);
     list(group);
     reporter_.group(group, clock_.now());
@@ -394,22 +382,15 @@ std::string CTransferEngine::settle(CTransferGroup& group, std::uint32_t index,
 std::string CTransferEngine::scheduleRetry(CTransferGroup& group, std::uint32_t index,
                                            const AttemptOutcome& outcome) {
   const TimePoint now = clock_.now();
-  const auto jitter = [this] { return std::generate_canonical<double, 24>(random_); };
   group.countRetry(index);
   const std::uint32_t retry = group.file(index).retries;
-  const auto delay = backoffDelay(options_.backoff, retry, jitter(), outcome.retryAfter);
-  if (outcome.sharedTrouble && group.pace.notBefore <= now) {
-    ++group.pace.troubles;
-    group.pace.notBefore =
-        now + backoffDelay(options_.backoff, group.pace.troubles, jitter(), outcome.retryAfter);
-  }
+  const auto delay = retries_.delay(retry, outcome);
+  retries_.rest(group.pace, outcome, now);
   moveFile(group, index, FilePhase::kBackingOff);
   schedule_.addDue({now + delay, {group.id(), index}, false});
-  char wait[32];
-  std::snprintf(wait, sizeof wait, "%.1f", seconds(delay));
   return fileText(group, index) + ": attempt " + std::to_string(retry) + " of " +
-         std::to_string(settings_.maxRetries + 1) + " failed, next in " + wait +
-         " s: " + outcome.reason;
+         std::to_string(settings_.maxRetries + 1) + " failed, next in " +
+         std::to_string(delay.count()) + " ms: " + outcome.reason;
 }
 
 bool CTransferEngine::collectProgress() {
@@ -417,7 +398,9 @@ bool CTransferEngine::collectProgress() {
   const TimePoint now = clock_.now();
   for (auto& [id, job] : jobs_) {
     CTransferGroup& group = *groups_.at(job.file.groupId);
-    fold(id, job, group, now);
+    if (foldProgress(job, group, now)) {
+      reporter_.group(group, now);
+    }
     if (job.counted != job.told && now - job.toldAt >= CReporter::kInterval) {
       job.told = job.counted;
       job.toldAt = now;
@@ -428,28 +411,6 @@ bool CTransferEngine::collectProgress() {
       [this](std::int32_t groupId) { return static_cast<const CTransferGroup*>(find(groupId)); },
       now);
   return !jobs_.empty() || reporter_.hasDue();
-}
-
-// Takes what the attempt has got done since the last time into the group's counters.
-void CTransferEngine::fold(const JobId& /*id*/, Job& job, CTransferGroup& group, TimePoint now) {
-  const std::uint64_t size = job.progress->size.load(std::memory_order_relaxed);
-  if (size != JobProgress::kUnknown && size != group.file(job.file.index).size) {
-    group.setSize(job.file.index, size);
-    reporter_.group(group, now);
-  }
-  const std::uint64_t bytes = std::min(job.progress->bytes.load(std::memory_order_relaxed),
-                                       group.file(job.file.index).size);
-  if (bytes == job.counted) {
-    return;
-  }
-  group.removeInFlight(job.counted);
-  group.addInFlight(bytes);
-  if (bytes > job.counted) {
-    group.measureRate(bytes - job.counted, now);
-    job.rate.add(bytes - job.counted, now);
-  }
-  job.counted = bytes;
-  reporter_.group(group, now);
 }
 
 std::vector<CTransferEngine::Unmeasured> CTransferEngine::takeUnmeasured(std::size_t limit) {
@@ -502,51 +463,30 @@ void CTransferEngine::moveFile(CTransferGroup& group, std::uint32_t index, FileP
   reporter_.file(fileState(group, index));
 }
 
-void CTransferEngine::endJob(JobTable::iterator job, CTransferGroup& group) {
-  group.removeInFlight(job->second.counted);
-  jobs_.erase(job);
+void CTransferEngine::endJob(const Job& job, CTransferGroup& group) {
+  group.removeInFlight(job.counted);
+  jobs_.erase(job.id);
+}
+
+void CTransferEngine::stopJob(JobId id, CTransferGroup& group) {
+  stops_.push_back(id);
+  endJob(*jobs_.find(id), group);
 }
 
 // Stops what runs of the group; its files go on to `then`, or stay as they are.
 void CTransferEngine::stopJobs(CTransferGroup& group, std::optional<FilePhase> then) {
-  for (auto job = jobs_.begin(); job != jobs_.end();) {
-    const auto current = job++;
-    const FileRef file = current->second.file;
-    if (file.groupId != group.id()) {
-      continue;
-    }
-    stops_.push_back(current->first);
-    endJob(current, group);
+  for (const JobId id : jobs_.ofGroup(group.id())) {
+    const std::uint32_t index = jobs_.find(id)->file.index;
+    stopJob(id, group);
     if (then) {
-      moveFile(group, file.index, *then);
+      moveFile(group, index, *then);
     }
   }
 }
 
 FileState CTransferEngine::fileState(const CTransferGroup& group, std::uint32_t index) const {
-  const FileSlot& slot = group.file(index);
-  FileState state;
-  state.groupId = group.id();
-  state.bucketId = group.identity().bucketId;
-  state.fileId = store_.fileId({group.id(), index});
-  state.state = publicState(slot.phase);
-  state.bytesTotal = slot.size;
-  if (slot.phase == FilePhase::kCompleted) {
-    state.bytesTransferred = slot.size;
-    state.percentTransferred = 100.0F;
-  } else if (slot.phase == FilePhase::kRunning) {
-    for (const auto& [id, job] : jobs_) {
-      if (job.file.groupId == group.id() && job.file.index == index) {
-        state.bytesTransferred = job.counted;
-        state.bytesTransferredPerSecond = job.rate.bytesPerSecond(clock_.now());
-      }
-    }
-    if (slot.size != 0) {
-      state.percentTransferred = static_cast<float>(
-          100.0 * static_cast<double>(state.bytesTransferred) / static_cast<double>(slot.size));
-    }
-  }
-  return state;
+  const FileRef file{group.id(), index};
+  return reportOf(group, index, store_.fileId(file), jobs_.findFile(file), clock_.now());
 }
 
 void CTransferEngine::list(CTransferGroup& group) {

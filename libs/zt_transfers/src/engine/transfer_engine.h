@@ -7,7 +7,6 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -15,10 +14,10 @@
 #include "engine/job_table.h"
 #include "engine/queue_store.h"
 #include "engine/reporter.h"
+#include "engine/retry_plan.h"
 #include "engine/schedule.h"
 #include "engine/transfer_group.h"
 #include "log/log.h"
-#include "pace/backoff.h"
 
 namespace zt_transfers {
 
@@ -107,7 +106,8 @@ class CTransferEngine final : public IAttemptObserver {
   void queueFile(CTransferGroup& group, const FileSpec& spec);
   void requeueFile(CTransferGroup& group, std::uint32_t index, const FileSpec& spec);
   void moveFile(CTransferGroup& group, std::uint32_t index, FilePhase to);
-  void endJob(JobTable::iterator job, CTransferGroup& group);
+  void endJob(const Job& job, CTransferGroup& group);
+  void stopJob(JobId id, CTransferGroup& group);
   void stopJobs(CTransferGroup& group, std::optional<FilePhase> then);
   Work decideWork(bool congested);
   void startReady(Work& work);
@@ -117,7 +117,6 @@ class CTransferEngine final : public IAttemptObserver {
   std::string scheduleRetry(CTransferGroup& group, std::uint32_t index,
                             const AttemptOutcome& outcome);
   void wakeRetries();
-  void fold(const JobId& id, Job& job, CTransferGroup& group, TimePoint now);
   FileState fileState(const CTransferGroup& group, std::uint32_t index) const;
   void list(CTransferGroup& group);
   std::string fileText(const CTransferGroup& group, std::uint32_t index) const;
@@ -135,14 +134,13 @@ class CTransferEngine final : public IAttemptObserver {
   Settings settings_;
   bool running_ = false;
   std::int32_t lastGroupId_ = 0;
-  JobId lastJob_ = 0;
   std::map<std::int32_t, std::unique_ptr<CTransferGroup>> groups_;
-  JobTable jobs_;
+  CJobTable jobs_;
   std::vector<JobId> stops_;
   CSchedule schedule_;
+  CRetryPlan retries_;
   std::deque<FileRef> unmeasured_;
   CReporter reporter_;
-  std::minstd_rand random_;
 };
 
 }  // namespace zt_transfers

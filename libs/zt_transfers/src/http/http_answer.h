@@ -11,7 +11,8 @@ namespace zt_transfers {
 
 // What came back for a request.
 struct HttpAnswer {
-  static constexpr std::size_t kBodyLimit = 64 * 1024;  // bytes kept of an answer's body
+  static constexpr std::size_t kBodyLimit =
+      std::size_t{64} * 1024;  // bytes kept of an answer's body
 
   CURLcode code = CURLE_OK;  // anything else: no whole answer came
   std::string error;         // what libcurl says about `code`

@@ -13,7 +13,7 @@ constexpr long kLargeUploadBuffer = 256L * 1024;
 
 // From here on it is worth to ask first whether the server wants the body at all: one that
 // refuses in the middle cuts the connection, and its answer can get lost.
-constexpr std::uint64_t kAskFirstFrom = 8 * 1024 * 1024;
+constexpr std::uint64_t kAskFirstFrom = 8ULL * 1024 * 1024;
 constexpr long kAskFirstLimit = 500;  // milliseconds; for servers that do not answer the question
 
 // These are libcurl's to set; another value would contradict what is sent.

@@ -8,10 +8,9 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <ctime>
 #include <map>
-#include <thread>
+#include <system_error>
 
 namespace zt_transfers {
 namespace {
@@ -130,7 +129,7 @@ void CTransferLog::complain(int error) {
   }
   complained_ = true;
   std::fprintf(stderr, "zt_transfers: cannot write the log %s: %s; transfers go on without it\n",
-               path_.c_str(), std::strerror(error));
+               path_.c_str(), std::generic_category().message(error).c_str());
 }
 
 }  // namespace zt_transfers

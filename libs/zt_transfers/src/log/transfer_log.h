@@ -19,7 +19,7 @@ namespace zt_transfers {
 // logged is lost then, and nothing else.
 class CTransferLog : public ILog {
  public:
-  static constexpr std::uint64_t kDefaultLimit = 2 * 1024 * 1024;  // bytes
+  static constexpr std::uint64_t kDefaultLimit = 2ULL * 1024 * 1024;  // bytes
 
   // The log of this folder, shared by everyone in the process that asks for the same.
   static std::shared_ptr<CTransferLog> inFolder(const std::string& folder);

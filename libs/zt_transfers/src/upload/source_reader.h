@@ -27,7 +27,7 @@ struct SourceChunk {
 // Thread: one at a time; its calls block.
 class CSourceReader {
  public:
-  static constexpr std::size_t kChunk = 512 * 1024;  // bytes
+  static constexpr std::size_t kChunk = std::size_t{512} * 1024;  // bytes
 
   CSourceReader(std::string path, bool hash) : path_(std::move(path)), wantsHash_(hash) {}
 

@@ -27,6 +27,7 @@ class CUploadAttempt final : public CUploadSource::IListener,
                              public IHttpBody,
                              public CThrottle::IUser {
  public:
+  // The outcome is not part of the attempt and outlives it.
   using Done = std::function<void(const AttemptOutcome&)>;
 
   CUploadAttempt(CHttpLoop& loop, CWorkerPool& pool, ILog& log, StartOrder order, Done done);

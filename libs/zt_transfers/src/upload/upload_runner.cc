@@ -8,10 +8,8 @@ bool CUploadRunner::start(StartOrder order) {
   const JobId job = order.job;
   auto attempt = std::make_unique<CUploadAttempt>(loop_, pool_, log_, std::move(order),
                                                   [this, job](const AttemptOutcome& outcome) {
-                                                    // By value: it goes with the attempt.
-                                                    const AttemptOutcome kept = outcome;
                                                     attempts_.erase(job);
-                                                    observer_.onAttemptDone(job, kept);
+                                                    observer_.onAttemptDone(job, outcome);
                                                   });
   CUploadAttempt& begun = *attempt;
   attempts_.emplace(job, std::move(attempt));

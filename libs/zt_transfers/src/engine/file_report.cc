@@ -1,0 +1,30 @@
+#include "engine/file_report.h"
+
+#include <utility>
+
+namespace zt_transfers {
+
+FileState reportOf(const CTransferGroup& group, std::uint32_t index, std::string fileId,
+                   const Job* job, TimePoint now) {
+  const FileSlot& slot = group.file(index);
+  FileState state;
+  state.groupId = group.id();
+  state.bucketId = group.identity().bucketId;
+  state.fileId = std::move(fileId);
+  state.state = publicState(slot.phase);
+  state.bytesTotal = slot.size;
+  if (slot.phase == FilePhase::kCompleted) {
+    state.bytesTransferred = slot.size;
+    state.percentTransferred = 100.0F;
+  } else if (job != nullptr) {
+    state.bytesTransferred = job->counted;
+    state.bytesTransferredPerSecond = job->rate.bytesPerSecond(now);
+    if (slot.size != 0) {
+      state.percentTransferred = static_cast<float>(100.0 * static_cast<double>(job->counted) /
+                                                    static_cast<double>(slot.size));
+    }
+  }
+  return state;
+}
+
+}  // namespace zt_transfers

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+#include "engine/job_table.h"
+#include "engine/transfer_group.h"
+
+namespace zt_transfers {
+
+// A file as the program is told. `job` is its attempt under way, or null.
+FileState reportOf(const CTransferGroup& group, std::uint32_t index, std::string fileId,
+                   const Job* job, TimePoint now);
+
+}  // namespace zt_transfers

@@ -9,38 +9,59 @@ void CThrottle::setRate(std::uint64_t bytesPerSecond, TimePoint now) {
 }
 
 void CThrottle::leave(IUser& user) {
-  --users_;
-  std::erase(waiting_, &user);
-  std::erase(called_, &user);
+  const auto seat = seatOf(user);
+  if (seat == ring_.end()) {
+    return;
+  }
+  if (static_cast<std::size_t>(seat - ring_.begin()) < turn_) {
+    --turn_;
+  }
+  ring_.erase(seat);
 }
 
 std::uint64_t CThrottle::take(IUser& user, std::uint64_t wanted, TimePoint now) {
-  const bool called = std::erase(called_, &user) != 0;
   if (!bucket_.limited() || wanted == 0) {
     return wanted;
   }
-  const bool mustQueue = !called && !waiting_.empty();
-  const std::uint64_t granted = mustQueue ? 0 : bucket_.take(wanted, users_, now);
-  if (granted == 0) {
-    waiting_.push_back(&user);
-  }
+  Seat& seat = *seatOf(user);
+  // Nobody overtakes those who wait, nor those who were called and are about to take.
+  const bool mayTake =
+      seat.place == Place::kCalled || (count(Place::kWaiting) == 0 && count(Place::kCalled) == 0);
+  const std::uint64_t granted = mayTake ? bucket_.take(wanted, now) : 0;
+  seat.place = granted == 0 ? Place::kWaiting : Place::kFree;
   return granted;
 }
 
 void CThrottle::serve(TimePoint now) {
-  while (!waiting_.empty() && called_.size() < bucket_.grantsReady(now)) {
-    IUser* user = waiting_.front();
-    waiting_.pop_front();
-    called_.push_back(user);
-    user->onThrottleOpen();
+  for (std::size_t looked = 0; looked < ring_.size(); ++looked) {
+    if (count(Place::kCalled) >= bucket_.grantsReady(now)) {
+      return;
+    }
+    turn_ %= ring_.size();
+    Seat& seat = ring_[turn_];
+    ++turn_;
+    if (seat.place == Place::kWaiting) {
+      seat.place = bucket_.limited() ? Place::kCalled : Place::kFree;
+      seat.user->onThrottleOpen();
+    }
   }
 }
 
 std::optional<TimePoint> CThrottle::nextDue(TimePoint now) {
-  if (waiting_.empty()) {
+  if (count(Place::kWaiting) == 0) {
     return std::nullopt;
   }
   return now + std::max<Duration>(bucket_.untilReady(now), std::chrono::milliseconds(1));
+}
+
+std::vector<CThrottle::Seat>::iterator CThrottle::seatOf(const IUser& user) {
+  return std::find_if(ring_.begin(), ring_.end(),
+                      [&user](const Seat& seat) { return seat.user == &user; });
+}
+
+std::size_t CThrottle::count(Place place) const {
+  return static_cast<std::size_t>(std::count_if(
+      ring_.begin(), ring_.end(), [place](const Seat& seat) { return seat.place == place; }));
 }
 
 }  // namespace zt_transfers

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <deque>
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -8,9 +9,9 @@
 
 namespace zt_transfers {
 
-// Shares one limit of bytes a second among bodies that are being sent: whoever gets nothing
-// stands in a queue, and its front is called as soon as there is something again. So all get
-// the same, whatever the order in which they ask.
+// Shares one limit of bytes a second among bodies that are being sent: they sit in a ring, and
+// who gets nothing is called when its turn comes. So all get the same, whatever the order in
+// which they ask.
 //
 // Thread: the network thread.
 class CThrottle {
@@ -26,22 +27,31 @@ class CThrottle {
 
   void setRate(std::uint64_t bytesPerSecond, TimePoint now);
 
-  void enter() { ++users_; }  // a body is going to be sent
-  void leave(IUser& user);    // it is not any more
+  // Between the two the user may take and can be called.
+  void enter(IUser& user) { ring_.push_back({&user, Place::kFree}); }
+  void leave(IUser& user);
 
   // How much of `wanted` may go now; with 0 the user is called later.
   std::uint64_t take(IUser& user, std::uint64_t wanted, TimePoint now);
 
-  // Calls the first in the queue, as many as there is something for.
+  // Calls those whose turn it is, as many as there is something for.
   void serve(TimePoint now);
   // When to serve next, if somebody waits.
   std::optional<TimePoint> nextDue(TimePoint now);
 
  private:
+  enum class Place { kFree, kWaiting, kCalled };  // called: and has not taken yet
+  struct Seat {
+    IUser* user;
+    Place place;
+  };
+
+  std::vector<Seat>::iterator seatOf(const IUser& user);
+  std::size_t count(Place place) const;
+
   CTokenBucket bucket_;
-  std::size_t users_ = 0;
-  std::deque<IUser*> waiting_;
-  std::vector<IUser*> called_;  // and have not taken yet
+  std::vector<Seat> ring_;  // as many as transfers at once are allowed
+  std::size_t turn_ = 0;    // where in the ring to look next
 };
 
 }  // namespace zt_transfers

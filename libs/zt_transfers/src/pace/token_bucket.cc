@@ -1,13 +1,16 @@
 #include "pace/token_bucket.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace zt_transfers {
 namespace {
 
 constexpr double kCapacitySeconds = 0.1;
-constexpr double kLargestLeastGrant = 16.0 * 1024;
+// One grant is worth a system call, and at high rates two milliseconds.
+constexpr double kLeastGrant = 16.0 * 1024;
+constexpr double kGrantSeconds = 0.002;
 
 }  // namespace
 
@@ -18,18 +21,17 @@ void CTokenBucket::setRate(std::uint64_t bytesPerSecond, TimePoint now) {
   refilled_ = now;
 }
 
-std::uint64_t CTokenBucket::take(std::uint64_t wanted, std::uint64_t sharers, TimePoint now) {
+std::uint64_t CTokenBucket::take(std::uint64_t wanted, TimePoint now) {
   if (!limited()) {
     return wanted;
   }
   refill(now);
-  if (available_ < std::min(leastGrant(), static_cast<double>(wanted))) {
+  const double granted = std::min(static_cast<double>(wanted), grant());
+  if (available_ < granted) {
     return 0;
   }
-  const double share = available_ / static_cast<double>(std::max<std::uint64_t>(sharers, 1));
-  const auto granted = std::min(wanted, static_cast<std::uint64_t>(std::max(share, leastGrant())));
-  available_ -= static_cast<double>(granted);
-  return granted;
+  available_ -= std::floor(granted);
+  return static_cast<std::uint64_t>(granted);
 }
 
 std::size_t CTokenBucket::grantsReady(TimePoint now) {
@@ -37,7 +39,7 @@ std::size_t CTokenBucket::grantsReady(TimePoint now) {
     return std::numeric_limits<std::size_t>::max();
   }
   refill(now);
-  return static_cast<std::size_t>(available_ / leastGrant());
+  return static_cast<std::size_t>(available_ / grant());
 }
 
 Duration CTokenBucket::untilReady(TimePoint now) {
@@ -45,7 +47,7 @@ Duration CTokenBucket::untilReady(TimePoint now) {
     return Duration::zero();
   }
   refill(now);
-  const double missing = leastGrant() - available_;
+  const double missing = grant() - available_;
   if (missing <= 0) {
     return Duration::zero();
   }
@@ -65,8 +67,8 @@ double CTokenBucket::capacity() const {
   return std::max(1.0, static_cast<double>(rate_) * kCapacitySeconds);
 }
 
-double CTokenBucket::leastGrant() const {
-  return std::min(capacity(), kLargestLeastGrant);
+double CTokenBucket::grant() const {
+  return std::min(capacity(), std::max(kLeastGrant, static_cast<double>(rate_) * kGrantSeconds));
 }
 
 }  // namespace zt_transfers

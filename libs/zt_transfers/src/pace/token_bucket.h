@@ -17,18 +17,18 @@ class CTokenBucket {
   void setRate(std::uint64_t bytesPerSecond, TimePoint now);
   bool limited() const { return rate_ != 0; }
 
-  // How many of `wanted` bytes may go now when `sharers` streams share the limit; 0: none.
-  std::uint64_t take(std::uint64_t wanted, std::uint64_t sharers, TimePoint now);
+  // How many of `wanted` bytes may go now, one grant at most; 0: none.
+  std::uint64_t take(std::uint64_t wanted, TimePoint now);
 
-  // How many takes would get something now.
+  // How many grants there are now.
   std::size_t grantsReady(TimePoint now);
-  // How long until a take gives something worth a system call.
+  // How long until there is a grant.
   Duration untilReady(TimePoint now);
 
  private:
   void refill(TimePoint now);
   double capacity() const;
-  double leastGrant() const;
+  double grant() const;
 
   std::uint64_t rate_ = 0;
   double available_ = 0;

@@ -78,7 +78,7 @@ void CUploadAttempt::onSourceOpened(std::uint64_t size) {
     finish(AttemptOutcome::final(error.what()));
     return;
   }
-  loop_.throttle().enter();
+  loop_.throttle().enter(*this);
 }
 
 void CUploadAttempt::onSourceReady() {

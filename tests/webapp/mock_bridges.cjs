@@ -1,5 +1,5 @@
 // A stand-in for the native side, for looking at the web application in a plain browser engine: inject it
-// at document creation. It answers the bridges and plays transfers that move no bytes.
+// at document creation (look.py does). It answers the bridges and plays transfers that move no bytes.
 //
 // window.mockOptions (set before it runs):
 //   files          how many files a dialog or a drop gives (3)

@@ -37,5 +37,7 @@ test('a failure names the files and what one can do', () => {
   assert.match(one, /^1 file could not be sent: “a\.txt”\. Check that it is still there/);
   const many = failureWords({ names: ['a', 'b', 'c'], total: 1200, phase: 'running' });
   assert.match(many, /“a”, “b”, “c” and 1,197 more/);
+  assert.match(failureWords({ names: ['a'], total: 2, phase: 'running', reachable: false }),
+    /^2 files could not be sent; they are tried again as soon as/);
   assert.match(failureWords({ names: [], total: 0, phase: 'running' }), /connection to the service/);
 });

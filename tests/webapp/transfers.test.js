@@ -108,6 +108,24 @@ test('a failed transfer goes on by itself only after the service was away', asyn
   assert.deepEqual(uploads.calls, [['resume', '1']]);
 });
 
+test('asks the service where nothing moves between two looks', async () => {
+  const { transfers, service } = make();
+  let asked = 0;
+  service.status = async () => { asked += 1; };
+  transfers.lookForStandstill();
+  transfers.lookForStandstill();
+  running(transfers);
+  const sending = (bytesTransferred) => transfers.groupChanged(
+    groupEvent('1', { type: 'TRANSFERRING', bytesTransferred, bytesTotal: 10, marked: true }));
+  for (const bytes of [1, 2, 3]) {
+    sending(bytes);
+    transfers.lookForStandstill();
+  }
+  assert.equal(asked, 0);
+  transfers.lookForStandstill();
+  assert.equal(asked, 1);
+});
+
 test('cancelling tells the library and the service', async () => {
   const { transfers, uploads, service } = make();
   const transfer = running(transfers);

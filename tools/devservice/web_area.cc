@@ -13,9 +13,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The page needs nothing from elsewhere; styles are set from scripts.
+// The page needs nothing from elsewhere.
 constexpr const char* kContentPolicy =
-    "default-src 'self'; style-src 'self' 'unsafe-inline'; img-src 'self' data:; "
+    "default-src 'self'; img-src 'self' data:; "
     "base-uri 'none'; form-action 'none'; frame-ancestors 'none'";
 
 [[noreturn]] void notFound(const CExchange& exchange) {

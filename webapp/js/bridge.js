@@ -5,7 +5,6 @@ export const BRIDGES = {
   app: 'nativeAppBridge_IPC',
   upload: 'uploadManagerBridge_IPC',
   files: 'fileHandleChooserBridge_IPC',
-  addressBook: 'addressBookSearchManagerBridge_IPC',
 };
 
 export class BridgeError extends Error {

@@ -24,6 +24,9 @@ const router = new Router({ shell, draft });
 installEntryPoints({ transfers, intake, router });
 Backbone.history.start();
 
+const STANDSTILL_CHECK_MS = 4000;
+setInterval(() => transfers.lookForStandstill(), STANDSTILL_CHECK_MS);
+
 if (app.isThere()) {
   app.ready()
     .then(() => transfers.load())

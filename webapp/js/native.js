@@ -29,10 +29,3 @@ export const uploads = {
   resume: (groupId) => query(BRIDGES.upload, 'resumeGroup', { groupId }),
   cancel: (groupId) => query(BRIDGES.upload, 'cancelGroup', { groupId }),
 };
-
-/** Gives [{name, email}]; empty where there is no address book. */
-export async function searchContacts(text) {
-  if (!isAvailable(BRIDGES.addressBook)) return [];
-  const found = await query(BRIDGES.addressBook, 'search', { query: text });
-  return (found ?? []).filter((contact) => contact?.email);
-}

@@ -19,7 +19,7 @@ export class ServiceRefused extends Error {
 }
 
 const TIME_LIMIT = 30000;
-const WORTH_RETRYING = [408, 429, 500, 502, 503, 504];
+const WORTH_RETRYING = [408, 429, 502, 503, 504];
 
 async function call(method, path, { body, token } = {}) {
   const headers = {};

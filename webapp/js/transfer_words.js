@@ -48,9 +48,13 @@ export function paceWords({ state, rate, secondsLeft }) {
 }
 
 /** What failed and what one can do about it; an empty text when nothing did. */
-export function failureWords({ names, total, phase }) {
+export function failureWords({ names, total, phase, reachable = true }) {
   if (phase === 'interrupted') {
     return 'Not all files were added before this page was loaded anew. Send what was added, or cancel and send again.';
+  }
+  if (!reachable) {
+    return total === 0 ? 'Sending goes on as soon as the service can be reached.'
+      : `${formatCount(total, 'file')} could not be sent; they are tried again as soon as the service can be reached.`;
   }
   if (total === 0) {
     return 'Sending stopped. Check the connection to the service, then try again.';

@@ -103,6 +103,8 @@ export const Transfers = Backbone.Collection.extend({
 
   /** A failed transfer may mean that the service is away: then it goes on when the service is back. */
   async checkService() {
+    if (this.checking) return;
+    this.checking = true;
     try {
       await this.service.status();
     } catch (error) {
@@ -110,7 +112,18 @@ export const Transfers = Backbone.Collection.extend({
       await this.connection.persistently(() => this.service.status());
       await Promise.all(this.filter((transfer) => transfer.get('state') === 'ERRORED')
         .map((transfer) => this.resume(transfer)));
+    } finally {
+      this.checking = false;
     }
+  },
+
+  /** To be called every few seconds: where nothing moves any more the service may be away. */
+  lookForStandstill() {
+    const sending = this.filter((transfer) => transfer.get('state') === 'TRANSFERRING');
+    const bytes = sending.reduce((sum, transfer) => sum + transfer.bytesDone(), 0);
+    const still = sending.length > 0 && bytes === this.bytesAtLastLook;
+    this.bytesAtLastLook = bytes;
+    if (still) this.checkService();
   },
 
   /** Tries again what has failed, be it files or the delivery of all of them. */

@@ -12,8 +12,9 @@ export const TransferCard = Backbone.View.extend({
   tagName: 'article',
   className: 'panel card',
 
-  initialize({ transfers, notify }) {
-    Object.assign(this, { transfers, notify });
+  initialize({ transfers, connection, notify }) {
+    Object.assign(this, { transfers, connection, notify });
+    this.listenTo(connection, 'change:reachable', this.update);
     this.listenTo(this.model, 'moved change:phase change:problem change:subject', this.update);
     this.on('show', this.update);
   },
@@ -139,7 +140,9 @@ export const TransferCard = Backbone.View.extend({
     this.problem.hidden = !failed && !problem;
     if (this.problem.hidden) return;
     const names = model.files.firstIn('ERRORED', NAMED_FAILURES).map((file) => file.name);
-    const words = failed ? failureWords({ names, total: model.files.countIn('ERRORED'), phase }) : '';
+    const words = failed ? failureWords({
+      names, total: model.files.countIn('ERRORED'), phase, reachable: this.connection.get('reachable'),
+    }) : '';
     setText(this.problemText, [problem, words].filter(Boolean).join(' '));
   },
 

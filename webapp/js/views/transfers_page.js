@@ -38,7 +38,7 @@ export const TransfersPage = Backbone.View.extend({
   addCard(transfer) {
     if (this.cards.has(transfer.id)) return;
     const card = new TransferCard({
-      model: transfer, transfers: this.transfers, notify: this.notify,
+      model: transfer, transfers: this.transfers, connection: this.connection, notify: this.notify,
     }).render();
     this.cards.set(transfer.id, card);
     const next = this.transfers.at(this.transfers.indexOf(transfer) + 1);

@@ -4,6 +4,7 @@
 #include <Poco/Logger.h>
 #include <Poco/PatternFormatter.h>
 
+#include <algorithm>
 #include <new>
 
 namespace zantrio {
@@ -56,15 +57,16 @@ void CLogHolder::setLogPath(const std::string& path) {
   file_->setProperty("path", path);
 }
 
-void CLogHolder::beginLine(Poco::Message::Priority priority) {
+void CLogHolder::writeLine(Poco::Message::Priority priority, std::string line) {
+  // File names may hold any bytes. The stream takes this one for the end of all output, and would
+  // keep what it has so far for the next line. It stands in no UTF-8 text.
+  std::replace(line.begin(), line.end(), '\xFF', '?');
+  const Poco::FastMutex::ScopedLock lock(mutex_);
   // A line that could not be written (a full disk, no path yet) has left the stream failed; the
   // next one tries again.
   stream_.clear();
   stream_.priority(priority);
-}
-
-void CLogHolder::endLine() {
-  stream_ << std::endl;
+  stream_ << line << std::endl;
 }
 
 }  // namespace zantrio

@@ -6,6 +6,7 @@
 #include <Poco/Message.h>
 #include <Poco/Mutex.h>
 
+#include <sstream>
 #include <string>
 
 namespace zantrio {
@@ -27,15 +28,13 @@ class CLogHolder {
   // Writes the pieces, one after the other, as one line. A line that cannot be written is lost.
   template <class... Pieces>
   void write(Poco::Message::Priority priority, const Pieces&... pieces) {
-    const Poco::FastMutex::ScopedLock lock(mutex_);
-    beginLine(priority);
-    ((stream_ << pieces), ...);
-    endLine();
+    std::ostringstream line;
+    ((line << pieces), ...);
+    writeLine(priority, line.str());
   }
 
  private:
-  void beginLine(Poco::Message::Priority priority);
-  void endLine();
+  void writeLine(Poco::Message::Priority priority, std::string line);
 
   Poco::FastMutex mutex_;
   // Guarded by mutex_.

@@ -63,6 +63,22 @@ TEST_F(ApplicationLog, WritesAgainAfterAFileThatCouldNotBeOpened) {
   EXPECT_NE(lines()[0].find("kept"), std::string::npos);
 }
 
+TEST_F(ApplicationLog, WritesALineWhateverBytesItHolds) {
+  std::string bytes;
+  for (int byte = 1; byte < 256; ++byte) {
+    if (byte != '\n' && byte != '\r') {
+      bytes.push_back(static_cast<char>(byte));
+    }
+  }
+  logError("left out ", bytes, " end");
+  logInformation("next");
+  const auto all = lines();
+  ASSERT_EQ(all.size(), 2U);
+  EXPECT_NE(all[0].find("[Error] left out \x01\x02"), std::string::npos);
+  EXPECT_NE(all[0].find("\xFD\xFE? end"), std::string::npos);
+  EXPECT_THAT(all[1], testing::MatchesRegex(kHead + "\\[Information\\] next"));
+}
+
 TEST_F(ApplicationLog, KeepsLinesOfManyThreadsWhole) {
   std::vector<std::thread> threads;
   for (int number = 0; number < 8; ++number) {

@@ -92,7 +92,7 @@ int BrowserProcess::start(const CefRefPtr<CefApp>& application) {
     report(bundle_->error());
     return kFailure;
   }
-  return runBrowser(application, absolutePaths(options.files, std::filesystem::current_path()));
+  return runBrowser(application, absolutePaths(options.files, workingFolder()));
 }
 
 int BrowserProcess::runBrowser(const CefRefPtr<CefApp>& application,

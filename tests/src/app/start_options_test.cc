@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "app/open_files.h"
+#include "src/fakes/test_bundle.h"
 
 namespace zantrio {
 namespace {
@@ -23,6 +26,18 @@ TEST(StartOptions, KnowHelpAndVersion) {
 
 TEST(StartOptions, NameTheOptionThatIsUnknown) {
   EXPECT_NE(parseStartOptions({"--fast"}).error.find("--fast"), std::string::npos);
+}
+
+TEST(OpenFiles, AreFoundFromAFolderThatIsGone) {
+  const test::TestBundle place;
+  const auto before = std::filesystem::current_path();
+  std::filesystem::create_directory(place.folder() + "/gone");
+  std::filesystem::current_path(place.folder() + "/gone");
+  std::filesystem::remove(place.folder() + "/gone");
+  EXPECT_EQ(workingFolder(), "");
+  EXPECT_EQ(absolutePaths({"/z"}, workingFolder()), (Texts{"/z"}));
+  std::filesystem::current_path(before);
+  EXPECT_EQ(workingFolder(), before.string());
 }
 
 TEST(OpenFiles, BecomeAbsolute) {

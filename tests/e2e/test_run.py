@@ -34,11 +34,37 @@ class Run(Sandbox):
         self.assertEqual(len(list((self.folder / "pictures").glob("*.png"))), 3)
         self.assertEqual(len(list(data.glob("messages/*/files/**/*.bin"))), 30)
 
+    def test_compares_several_folders_with_links_and_odd_names(self):
+        first, second = self.folder / "first", self.folder / "second"
+        (first / "below").mkdir(parents=True)
+        second.mkdir()
+        (first / "below" / "it's 100%41 \U0001f600.txt").write_bytes(b"1")
+        (second / "two\nlines.txt").write_bytes(b"2")
+        (second / os.fsdecode(b"not \xff utf-8.txt")).write_bytes(b"3")
+        (second / "to the first").symlink_to(first)
+        (first / "back").symlink_to(second)
+        lone = self.folder / "lone.txt"
+        lone.write_bytes(b"")
+        run = self.start_run(first, second, lone, first)
+        output, _ = run.communicate(timeout=300)
+        self.assertEqual(run.returncode, 0, output)
+        self.assertIn("Sent 7 files", output)
+        self.assertIn("checksums equal", output)
+
     def test_says_in_one_line_what_is_wrong_with_its_arguments(self):
-        run = self.start_run(self.folder / "not there")
+        file, empty = self.folder / "file", self.folder / "empty"
+        file.write_bytes(b"")
+        empty.mkdir()
+        for arguments, expected in (
+                ([self.folder / "not there"], f"run: {self.folder / 'not there'} does not exist\n"),
+                ([""], "run: The file with an empty name does not exist\n"),
+                (["--data", file], f"run: [Errno 17] File exists: '{file}'\n")):
+            output, _ = self.start_run(*arguments).communicate(timeout=60)
+            self.assertEqual(output, expected)
+        run = self.start_run(empty)
         output, _ = run.communicate(timeout=60)
+        self.assertIn("run: there is nothing to send", output)
         self.assertEqual(run.returncode, 1)
-        self.assertEqual(output, f"run: {self.folder / 'not there'} does not exist\n")
 
     def test_ends_everything_on_ctrl_c(self):
         run = self.start_run()

@@ -2,6 +2,7 @@
 
 import argparse
 import contextlib
+import os
 import pathlib
 import signal
 import sys
@@ -20,7 +21,7 @@ def parse(arguments):
         prog="script/run",
         description="Starts the client against a local service. Without a display it sends the files "
                     "on a virtual one, reports, and saves screenshots.")
-    parser.add_argument("files", nargs="*", metavar="FILE", type=pathlib.Path,
+    parser.add_argument("files", nargs="*", metavar="FILE",
                         help="files and folders to open (without a display: to send)")
     parser.add_argument("--data", type=pathlib.Path,
                         help="where the service keeps what arrives (else a temporary folder)")
@@ -31,9 +32,9 @@ def parse(arguments):
     parser.add_argument("--root", type=pathlib.Path, required=True, help=argparse.SUPPRESS)
     options = parser.parse_args(arguments)
     for file in options.files:
-        if not file.exists():
-            raise process.Failure(f"{file} does not exist")
-    options.files = [file.absolute() for file in options.files]
+        if not os.path.exists(file):
+            raise process.Failure(f"{file or 'The file with an empty name'} does not exist")
+    options.files = [pathlib.Path(os.path.abspath(file)) for file in options.files]
     return options
 
 
@@ -69,6 +70,9 @@ class Run:
         pictures = (self._options.screenshots or self._options.root / "build/screenshots").absolute()
         pictures.mkdir(parents=True, exist_ok=True)
         files = self._options.files or [sample.make(self._work / "Sample files")]
+        sent = checksums.files_to_send(files)
+        if not sent:
+            raise process.Failure("there is nothing to send: only hidden files, empty folders, or devices")
         home = self._work / "home"
         home.mkdir()
 
@@ -80,9 +84,6 @@ class Run:
         self._cleanup.callback(client.stop)
 
         page = SendPage(client.page())
-        sent = {}
-        for file in files:
-            sent.update(checksums.files_below(file))
         page.wait_for_files(len(sent))
         page.describe("Sent by script/run", "friend@example.org")
         page.settle()
@@ -124,7 +125,7 @@ def main(arguments):
                 return 0 if run.on_virtual_display() else 1
             run.interactive()
             return 0
-        except (process.Failure, TimeoutError, PageError) as failure:
+        except (process.Failure, PageError, OSError) as failure:
             print(f"run: {failure}", file=sys.stderr)
             return 1
         except KeyboardInterrupt:

@@ -1,7 +1,7 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
 import './libraries.js';
-import { connection, FakeService, FakeUploads } from './fakes.js';
+import { connection, FakeService, FakeUploads, groupEvent } from './fakes.js';
 import { records } from './records.js';
 
 globalThis.requestAnimationFrame = () => {};
@@ -37,6 +37,18 @@ test('creates the group with what the service gave, fills it in batches, and mar
   assert.deepEqual(all.service.calls.map((call) => call[3]), [500, 500, 200]);
   assert.equal(transfer.get('phase'), 'running');
   assert.equal(transfer.get('handedOver'), 1200);
+});
+
+test('progress counts what has not been handed over yet', async () => {
+  const all = make();
+  const { transfer } = await all.flow.begin(content(1200));
+  all.transfers.groupChanged(groupEvent('1', {
+    type: 'TRANSFERRING', bytesTransferred: 1000, bytesTotal: 5000, bytesTransferredPerSecond: 100, estimatedEta: 40,
+  }));
+  assert.equal(transfer.totalBytes(), 12000);
+  assert.equal(transfer.timeLeft(), 110);
+  transfer.set('phase', 'running');
+  assert.equal(transfer.timeLeft(), 40);
 });
 
 test('every file goes with its own address', async () => {

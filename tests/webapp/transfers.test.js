@@ -126,6 +126,17 @@ test('asks the service where nothing moves between two looks', async () => {
   assert.equal(asked, 1);
 });
 
+test('what was sent while the user was asked is not cancelled', async () => {
+  const { transfers, uploads, service } = make();
+  const transfer = running(transfers);
+  transfers.groupChanged(groupEvent('1', { type: 'COMPLETED', marked: true }));
+  await settled();
+  assert.equal(await transfers.cancel(transfer), false);
+  assert.equal(transfer.get('phase'), 'delivered');
+  assert.deepEqual(uploads.calls, []);
+  assert.deepEqual(service.calls.map(([method]) => method), ['completeMessage']);
+});
+
 test('cancelling tells the library and the service', async () => {
   const { transfers, uploads, service } = make();
   const transfer = running(transfers);

@@ -40,9 +40,9 @@ export class SendFlow {
       created: message.created,
       phase: 'filling',
       fileCount: content.files.length,
-      bytesTotal: content.bytes,
+      plannedBytes: content.bytes,
     }, { merge: true });
-    if (group.state) transfer.takeGroup({ ...group.state, bytesTotal: content.bytes });
+    if (group.state) transfer.takeGroup(group.state);
     return { transfer, token: message.token };
   }
 

@@ -19,7 +19,7 @@ export function groupWords({ phase, state }) {
   if (phase === 'undelivered') return { label: 'Not delivered', tone: 'error' };
   if (phase === 'interrupted') return { label: 'Interrupted', tone: 'error' };
   if (phase === 'filling' && state !== 'ERRORED' && state !== 'PAUSED') {
-    return { label: state === 'TRANSFERRING' ? 'Sending' : 'Preparing', tone: 'active' };
+    return { label: state === 'UNKNWON' ? 'Preparing' : 'Sending', tone: 'active' };
   }
   return GROUP[state] ?? GROUP.UNKNWON;
 }
@@ -61,8 +61,8 @@ export function failureWords({ names, total, phase, reachable = true }) {
   }
   const listed = names.map((name) => `“${name}”`).join(', ');
   const more = total > names.length ? ` and ${formatNumber(total - names.length)} more` : '';
-  const them = total === 1 ? 'it is still there and can be read' : 'they are still there and can be read';
+  const there = total === 1 ? 'it is still there and can be read' : 'they are still there and can be read';
   const it = total === 1 ? 'it' : 'them';
   return `${formatCount(total, 'file')} could not be sent: ${listed}${more}. `
-    + `Check that ${them}, then try again, or leave ${it} out.`;
+    + `Check that ${there}; else the service did not take ${it}. Try again, or leave ${it} out.`;
 }

@@ -17,7 +17,7 @@ export const Transfer = Backbone.Model.extend({
   defaults: {
     bucketId: '', subject: '', recipients: [], phase: 'running', state: 'UNKNWON', marked: false,
     bytesTransferred: 0, bytesTotal: 0, rate: 0, secondsLeft: 0, handedOver: 0, fileCount: 0,
-    problem: '', created: 0,
+    plannedBytes: 0, problem: '', created: 0,
   },
 
   initialize() {
@@ -39,7 +39,8 @@ export const Transfer = Backbone.Model.extend({
   },
 
   isFinished() {
-    return this.get('phase') === 'cancelled' || this.get('state') === 'COMPLETED';
+    const { phase, state } = this.attributes;
+    return phase === 'cancelled' || (state === 'COMPLETED' && phase !== 'filling');
   },
 
   isActive() {
@@ -53,12 +54,20 @@ export const Transfer = Backbone.Model.extend({
 
   /** All bytes that the transfer will have, also while it is being filled. */
   totalBytes() {
-    return Math.max(this.get('bytesTotal'), this.files.bytes);
+    const planned = this.get('phase') === 'filling' ? this.get('plannedBytes') : 0;
+    return Math.max(this.get('bytesTotal'), this.files.bytes, planned);
   },
 
   /** Reports of the group and of its files come at different times; the later one counts. */
   bytesDone() {
     return Math.max(this.get('bytesTransferred'), this.files.bytesDone);
+  },
+
+  /** In seconds; the library's own estimate leaves out what it has not been handed yet. */
+  timeLeft() {
+    const { phase, rate, secondsLeft } = this.attributes;
+    if (phase !== 'filling') return secondsLeft;
+    return rate > 0 ? Math.max(0, this.totalBytes() - this.bytesDone()) / rate : 0;
   },
 
   fileTotal() {

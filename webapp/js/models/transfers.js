@@ -135,15 +135,18 @@ export const Transfers = Backbone.Collection.extend({
 
   resume: (transfer) => transfer.collection.uploads.resume(transfer.id),
 
+  /** Gives false where it is too late: everything was sent while the user was asked. */
   async cancel(transfer) {
+    if (transfer.isFinished()) return false;
     await this.uploads.cancel(transfer.id);
     transfer.set('phase', 'cancelled');
     this.batcher.mark(transfer);
     try {
       await this.service.cancelMessage(transfer.get('bucketId'));
     } catch {
-      // The service forgets messages that are never completed by itself.
+      // A message that is not completed reaches nobody.
     }
+    return true;
   },
 
   /** Sends an interrupted transfer with the files that it has. */

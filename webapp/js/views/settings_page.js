@@ -97,6 +97,7 @@ export const SettingsPage = Backbone.View.extend({
       ([name, input]) => [name, input.type === 'checkbox' ? input.checked : input.value]));
     const { configuration, problems } = fromForm(form);
     this.showProblems(problems);
+    setText(this.saved, '');
     if (Object.keys(problems).length > 0) return;
     try {
       this.fill(await uploads.setConfiguration(configuration));

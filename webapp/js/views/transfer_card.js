@@ -1,5 +1,6 @@
 import { Backbone } from '../lib.js';
 import { el, setText } from '../dom.js';
+import { formatNumber } from '../format.js';
 import { icon } from '../icons.js';
 import { failureWords, groupWords, paceWords, progressWords } from '../transfer_words.js';
 import { ConfirmDialog } from './dialog.js';
@@ -87,9 +88,10 @@ export const TransferCard = Backbone.View.extend({
 
   async cancel() {
     const title = this.model.get('subject') || 'This transfer';
-    if (await this.cancelDialog.ask('Cancel the transfer?',
-      `“${title}” is not delivered. Your own files stay where they are.`)) {
-      await this.transfers.cancel(this.model);
+    if (!await this.cancelDialog.ask('Cancel the transfer?',
+      `“${title}” is not delivered. Your own files stay where they are.`)) return;
+    if (!await this.transfers.cancel(this.model)) {
+      this.notify({ kind: 'error', text: `“${title}” could not be cancelled: everything is sent already.` });
     }
   },
 
@@ -105,7 +107,7 @@ export const TransferCard = Backbone.View.extend({
 
   updateTexts() {
     const { model } = this;
-    const { state, phase, subject, recipients, rate, secondsLeft } = model.attributes;
+    const { state, phase, subject, recipients, rate } = model.attributes;
     const words = groupWords({ phase, state });
     setText(this.title, subject || `Transfer ${model.id}`);
     setText(this.recipients, recipients.length > 0 ? `To ${recipients.join(', ')}` : '');
@@ -114,13 +116,13 @@ export const TransferCard = Backbone.View.extend({
     this.state.dataset.state = state;
     this.state.dataset.phase = phase;
     const total = model.totalBytes();
-    const finished = state === 'COMPLETED';
+    const finished = state === 'COMPLETED' && model.isFinished();
     const fraction = finished ? 1 : Math.min(1, total > 0 ? model.bytesDone() / total : 0);
     this.bar.style.transform = `scaleX(${fraction})`;
     this.progress.className = `bar bar-${words.tone}`;
     this.progress.setAttribute('aria-valuenow', String(Math.floor(fraction * 100)));
     setText(this.detail, this.detailText(total, finished));
-    setText(this.pace, phase === 'cancelled' ? '' : paceWords({ state, rate, secondsLeft }));
+    setText(this.pace, phase === 'cancelled' ? '' : paceWords({ state, rate, secondsLeft: model.timeLeft() }));
   },
 
   detailText(total, finished) {
@@ -130,7 +132,7 @@ export const TransferCard = Backbone.View.extend({
       bytesDone: Math.min(model.bytesDone(), total), bytesTotal: total, finished,
     });
     if (model.get('phase') !== 'filling') return words;
-    return `${words}. Adding files: ${model.get('handedOver')} of ${model.get('fileCount')}`;
+    return `${words}. Adding files: ${formatNumber(model.get('handedOver'))} of ${formatNumber(model.get('fileCount'))}`;
   },
 
   updateProblem() {

@@ -10,7 +10,7 @@ class CAppSettings;
 std::string loadingPageUrl(const CAppSettings& settings);
 
 // The loading page, told that the web application at `appUrl` cannot be reached; it says so and
-// tries again by navigating there.
+// goes there when its button is pressed.
 std::string unreachablePageUrl(const CAppSettings& settings, const std::string& appUrl);
 bool isUnreachablePageUrl(const std::string& url);
 

@@ -50,6 +50,8 @@ class Failures(Sandbox):
         waiting = client.page("loading.html#unreachable")
         self.addCleanup(waiting.close)
         waiting.wait_for("document.querySelector('#unreachable')?.hidden === false")
+        waiting.click("#try-now")
+        waiting.wait_for("document.querySelector('#state').textContent.startsWith('Still no answer')")
         self.start_service(port)
         page = SendPage(client.page("/app"))
         page.wait_until_ready()

@@ -9,7 +9,7 @@ namespace zantrio::devservice {
 
 namespace {
 
-constexpr std::size_t kPiece = 256 * 1024;
+constexpr std::size_t kPiece = 256UL * 1024;
 constexpr std::uint64_t kStepsPerSecond = 20;
 constexpr std::uint64_t kForEver = 24ULL * 3600 * 1000;
 

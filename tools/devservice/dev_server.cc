@@ -5,6 +5,7 @@
 #include <Poco/Net/ServerSocket.h>
 
 #include <filesystem>
+#include <iostream>
 #include <stdexcept>
 
 namespace zantrio::devservice {
@@ -67,7 +68,11 @@ CDevServer::CDevServer(const Options& options)
 }
 
 CDevServer::~CDevServer() {
-  stop();
+  try {
+    stop();
+  } catch (const std::exception& error) {
+    std::cerr << "zantrio-devservice: the end failed: " << error.what() << std::endl;
+  }
 }
 
 std::uint16_t CDevServer::port() const {

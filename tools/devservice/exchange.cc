@@ -16,7 +16,8 @@ namespace {
 
 constexpr std::uint64_t kLargestJson = 64ULL * 1024 * 1024;
 // What is worth reading only to keep a connection.
-constexpr std::uint64_t kLargestDiscarded = 1024 * 1024;
+constexpr std::uint64_t kLargestDiscarded = 1024ULL * 1024;
+constexpr std::size_t kLingerBuffer = 256UL * 1024;
 const Poco::Timespan kLingerPause(1, 0);
 const Poco::Timespan kLongestLinger(5, 0);
 
@@ -146,7 +147,7 @@ void CExchange::linger() {
   auto& socket = request.session().socket();
   socket.shutdownSend();
   socket.setReceiveTimeout(kLingerPause);
-  std::vector<char> buffer(256 * 1024);
+  std::vector<char> buffer(kLingerBuffer);
   const Poco::Timestamp begun;
   while (!begun.isElapsed(kLongestLinger.totalMicroseconds()) && !stopping.tryWait(0) &&
          socket.receiveBytes(buffer.data(), static_cast<int>(buffer.size())) > 0) {

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "devservice/background_md5.h"
 #include "devservice/body_reader.h"
 #include "devservice/body_writer.h"
 #include "devservice/http_error.h"
@@ -17,7 +18,8 @@ namespace zantrio::devservice {
 namespace {
 
 constexpr std::uint64_t kLargestObject = 1ULL << 42;
-constexpr std::uint64_t kLargestBuffer = 256 * 1024;
+constexpr std::uint64_t kLargestBuffer = 256ULL * 1024;
+constexpr std::uint64_t kWorthAThread = 4ULL * 1024 * 1024;
 
 // A file on its way in; what does not arrive completely leaves nothing behind.
 class CIncomingFile {
@@ -39,7 +41,24 @@ class CIncomingFile {
   CFile file_;
 };
 
+std::string receiveLarge(CBodyReader& body, CFile& file) {
+  CBackgroundMd5 md5(kLargestBuffer);
+  while (true) {
+    const auto piece = body.read(md5.nextBuffer());
+    if (piece.empty()) {
+      break;
+    }
+    md5.hash(piece);
+    file.write(piece);
+  }
+  file.close();
+  return md5.finish();
+}
+
 std::string receive(CBodyReader& body, CFile& file) {
+  if (body.size() >= kWorthAThread) {
+    return receiveLarge(body, file);
+  }
   std::vector<char> buffer(std::clamp<std::uint64_t>(body.size(), 1, kLargestBuffer));
   CMd5 md5;
   for (auto piece = body.read(buffer); !piece.empty(); piece = body.read(buffer)) {

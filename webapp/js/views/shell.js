@@ -79,10 +79,12 @@ export const Shell = Backbone.View.extend({
       this.pages[name] = new this.makers[name](this.context);
       this.pages[name].render();
     }
-    this.shown?.trigger('hide');
+    const focusWasInside = this.main.contains(document.activeElement);
     this.shown = this.pages[name];
     this.main.replaceChildren(this.shown.el);
     this.shown.trigger('show');
+    // The focus must not get lost with the page that had it.
+    if (focusWasInside) this.main.focus({ preventScroll: true });
     NAVIGATION.forEach((entry, index) => {
       if (entry.page === name) this.links[index].setAttribute('aria-current', 'page');
       else this.links[index].removeAttribute('aria-current');

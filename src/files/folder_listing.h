@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zantrio {
@@ -16,12 +17,11 @@ class CFolderListing {
   explicit CFolderListing(const std::string& folder);
 
   // All entries but "." and "..", in the order in which the file system gives them.
-  const std::vector<std::string>& names() const { return names_; }
+  std::vector<std::string> takeNames() { return std::move(names_); }
   int error() const { return error_; }
 
   // The open folder's descriptor; -1 when it is not open.
   int descriptor() const { return stream_ ? dirfd(stream_.get()) : -1; }
-  // Keeps the names only.
   void close() { stream_.reset(); }
 
  private:

@@ -4,12 +4,12 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cstddef>
 #include <system_error>
 #include <utility>
 
 #include "app/logger.h"
+#include "files/entry_statuses.h"
 #include "files/file_item_json.h"
 #include "files/file_url.h"
 #include "files/folder_listing.h"
@@ -17,9 +17,6 @@
 
 namespace zantrio {
 namespace {
-
-// Folders deeper than this are not held open: descriptors are few.
-constexpr std::size_t kMostOpenFolders = 64;
 
 std::string withTrailingSlash(const std::string& folder) {
   return folder.ends_with('/') ? folder : folder + '/';
@@ -31,13 +28,8 @@ void reportUnreadable(const std::string& path, int error) {
   }
 }
 
-int readStatus(const CFolderListing& listing, const std::string& name, const std::string& path,
-               FileStatus& status) {
-  if (path.size() >= PATH_MAX) {
-    return ENAMETOOLONG;  // nobody could open it
-  }
-  return listing.descriptor() >= 0 ? readFileStatus(listing.descriptor(), name, status)
-                                   : readFileStatus(path, status);
+bool isHiddenName(const std::string& name) {
+  return name.starts_with('.');
 }
 
 }  // namespace
@@ -73,19 +65,16 @@ void CFolderWalk::takeEntries(const std::string& folder) {
   if (listing.error() != 0) {
     reportUnreadable(folder, listing.error());
   }
-  if (entered_.size() > kMostOpenFolders) {
-    listing.close();
-  }
+  std::vector<std::string> names = listing.takeNames();
+  std::erase_if(names, isHiddenName);
   const std::string prefix = withTrailingSlash(folder);
+  const std::vector<EntryStatus> statuses = readEntryStatuses(listing, prefix, names);
+  listing.close();  // descriptors are few, and what follows may go deep
   // The same for all files of one folder; any name will do to ask for it.
   const std::string relative = relativeFolder(prefix + 'x', root_);
-  for (const std::string& name : listing.names()) {
-    if (name.starts_with('.')) {
-      continue;
-    }
-    const std::string path = prefix + name;
-    FileStatus status;
-    const int error = readStatus(listing, name, path, status);
+  for (std::size_t index = 0; index < names.size(); ++index) {
+    const std::string path = prefix + names[index];
+    const auto& [error, status] = statuses[index];
     if (error != 0) {
       reportUnreadable(path, error);
     } else {

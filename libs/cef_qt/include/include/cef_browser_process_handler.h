@@ -11,8 +11,7 @@ class CefBrowserProcessHandler : public virtual CefBaseRefCounted {
   // The framework is ready: browsers can be made.
   virtual void OnContextInitialized() {}
 
-  // Before a sub-process starts. Its command line is Chromium's own: it is not shown, and changes
-  // have no effect.
+  // Before a sub-process starts. Not called here: Chromium's sub-processes are started by Qt.
   virtual void OnBeforeChildProcessLaunch(CefRefPtr<CefCommandLine> /*command_line*/) {}
 
   // Another process was started with the same root cache path; it has ended. True when the

@@ -43,12 +43,6 @@ std::optional<QueuedTask> DueQueue::takeReady(Clock::time_point now) {
   return task;
 }
 
-std::size_t DueQueue::readyCount(Clock::time_point now) const {
-  const auto due = std::count_if(delayed_.begin(), delayed_.end(),
-                                 [now](const Entry& entry) { return entry.due <= now; });
-  return immediate_.size() + static_cast<std::size_t>(due);
-}
-
 std::optional<DueQueue::Clock::time_point> DueQueue::nextDue() const {
   if (delayedIsNext()) {
     return delayed_.front().due;

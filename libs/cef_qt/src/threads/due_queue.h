@@ -28,7 +28,6 @@ class DueQueue {
   void push(QueuedTask task, int64_t delayMs);
   // The next task that may run at `now`.
   std::optional<QueuedTask> takeReady(Clock::time_point now);
-  std::size_t readyCount(Clock::time_point now) const;
   // When the next task may run; nothing when there is none.
   std::optional<Clock::time_point> nextDue() const;
   // All tasks, for their release.

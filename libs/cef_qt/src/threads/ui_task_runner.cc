@@ -10,6 +10,8 @@
 namespace cef_qt {
 namespace {
 
+constexpr std::chrono::milliseconds kLongestTurn{5};
+
 QEvent::Type wakeEvent() {
   static const int kType = QEvent::registerEventType();
   return static_cast<QEvent::Type>(kType);
@@ -51,17 +53,11 @@ bool UiTaskRunner::event(QEvent* event) {
   return QObject::event(event);
 }
 
-std::size_t UiTaskRunner::beginTurn() {
-  const std::lock_guard lock(mutex_);
-  woken_ = false;
-  return queue_.readyCount(DueQueue::Clock::now());
-}
-
 std::optional<QueuedTask> UiTaskRunner::takeReady() {
   const std::lock_guard lock(mutex_);
   const auto now = DueQueue::Clock::now();
   auto task = queue_.takeReady(now);
-  // Should the task run a nested loop, this event lets it run those behind.
+  // Should the task run a nested loop, or the turn end after it, this event runs those behind.
   const auto next = queue_.nextDue();
   if (task && next && *next <= now) {
     wakeLocked();
@@ -70,13 +66,19 @@ std::optional<QueuedTask> UiTaskRunner::takeReady() {
 }
 
 void UiTaskRunner::runReady() {
-  for (std::size_t left = beginTurn(); left > 0; --left) {
-    const auto task = takeReady();
-    if (!task) {
-      break;
-    }
+  {
+    const std::lock_guard lock(mutex_);
+    woken_ = false;
+  }
+  // What a task posts runs in the same turn: a query and its answer take several, and should not
+  // wait for other work of the loop between them. Within limits, so that this work has its share.
+  const auto limit = DueQueue::Clock::now() + kLongestTurn;
+  while (const auto task = takeReady()) {
     const ScopedThread current(task->thread);
     task->task->Execute();
+    if (DueQueue::Clock::now() > limit) {
+      break;
+    }
   }
   scheduleTimer();
 }

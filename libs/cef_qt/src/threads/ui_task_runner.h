@@ -19,10 +19,8 @@ class UiTaskRunner final : public QObject, public TaskRunner {
   bool event(QEvent* event) override;
 
  private:
-  // Runs what may run now; what is posted meanwhile waits for the next event.
   void runReady();
   std::optional<QueuedTask> takeReady();
-  std::size_t beginTurn();
   void wakeLocked();
   void scheduleTimer();
 

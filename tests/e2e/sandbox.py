@@ -44,12 +44,12 @@ class Sandbox(unittest.TestCase):
     def make_bundle(self, base_url):
         return bundle.copy_to(BUILD / "Zantrio", self.folder / "Zantrio", base_url)
 
-    def start_client(self, bundle_folder, *files, **options):
+    def start_client(self, bundle_folder, *files, environment=None, **options):
         self.client_output = self.folder / "client.log"
         output = self.client_output.open("ab")
         self.addCleanup(output.close)
-        client = Client(bundle_folder, files, self.home, self.environment, debuggable=True,
-                        stderr=output, **options)
+        client = Client(bundle_folder, files, self.home, environment or self.environment,
+                        debuggable=True, stderr=output, **options)
         self.addCleanup(client.stop)
         return client
 

@@ -44,6 +44,14 @@ class Failures(Sandbox):
                          r"^zantrio: The data folder .*/Library/Application Support/Zantrio CEF/ "
                          r"cannot be written: Not a directory\n$")
 
+    def test_says_that_there_is_no_display(self):
+        bundle = self.make_bundle("http://127.0.0.1:1")
+        for display, expected in (("", "There is no display"), (":98765", "cannot be opened")):
+            environment = {"DISPLAY": display, "WAYLAND_DISPLAY": "", "QT_QPA_PLATFORM": ""}
+            client = self.start_client(bundle, environment=environment)
+            self.assertEqual(client.wait(60), 1)
+            self.assertIn(expected, self.client_output.read_text(errors="replace"))
+
     def test_tells_that_the_service_is_unreachable_and_goes_on_when_it_is_there(self):
         port = free_port()
         client = self.start_client(self.make_bundle(f"http://127.0.0.1:{port}"))

@@ -14,6 +14,7 @@
 #include "browser/browser_list.h"
 #include "browser/dialog_scheme.h"
 #include "process/browser_log.h"
+#include "process/display.h"
 #include "process/environment.h"
 #include "process/instance_lock.h"
 #include "process/options.h"
@@ -95,6 +96,7 @@ void makeApplication(Running& running, const CefMainArgs& args) {
   }
   running.argc = static_cast<int>(running.argv.size());
   running.argv.push_back(nullptr);
+  const DisplayGuard guard;
   running.application = std::make_unique<QApplication>(running.argc, running.argv.data());
   QApplication::setQuitOnLastWindowClosed(false);
   // A page of set-up details at every start; QT_LOGGING_RULES brings them back.
@@ -165,6 +167,12 @@ bool Framework::start(const CefMainArgs& args, const CefSettings& settings,
   if (!becomeInstance(*running, options, args)) {
     state().exitCode = CEF_RESULT_CODE_NORMAL_EXIT_PROCESS_NOTIFIED;
     return false;
+  }
+  if (!namesDisplay()) {
+    std::fprintf(stderr,
+                 "There is no display to show windows on: neither DISPLAY nor WAYLAND_DISPLAY is "
+                 "set.\n");
+    return fail();
   }
   state().wasStarted = true;
 

@@ -45,6 +45,7 @@
   // ---- queries of this document
 
   const pending = new MapType();
+  let pendingCount = 0;
   let lastId = 0;
 
   function fail(text) {
@@ -76,6 +77,8 @@
       const id = ++lastId;
       mapSet(pending, id, { name, cancelName, persistent, onSuccess, onFailure });
       send(persistent ? PERSISTENT_QUERY : QUERY, id, name, request);
+      // A single query leaves at once; others are collected until the script ends.
+      if (++pendingCount === 1) flushNow();
       return id;
     };
   }
@@ -88,12 +91,17 @@
       }
       const query = mapGet(pending, id);
       if (!query || query.cancelName !== cancelName) return false;
-      mapDelete(pending, id);
+      forget(id);
       send(CANCEL, id, query.name, '');
       // The page hears of it once the calling script is done.
       enqueueMicrotask(() => notify(query.onFailure, -1, 'The query has been canceled'));
       return true;
     };
+  }
+
+  function forget(id) {
+    mapDelete(pending, id);
+    --pendingCount;
   }
 
   function notify(callback, ...values) {
@@ -109,7 +117,7 @@
   function answer(id, code, text) {
     const query = mapGet(pending, id);
     if (!query) return;
-    if (code !== null || !query.persistent) mapDelete(pending, id);
+    if (code !== null || !query.persistent) forget(id);
     if (code === null) {
       notify(query.onSuccess, text);
     } else {
@@ -173,6 +181,7 @@
   const unguard = (text) => slice(text, 1);
 
   let send;
+  let flushNow;
   if (isTop) {
     startTop();
   } else {
@@ -197,6 +206,8 @@
                  ',"value":["' + documentKey + '"' + entries + ']}');
       }
     }
+
+    flushNow = flush;
 
     function sendFor(frame, kind, id, name, text) {
       if (!collected) enqueueMicrotask(flush);
@@ -352,6 +363,7 @@
       if (entries) postToPort(port, entries);
     }
 
+    flushNow = flush;
     send = (kind, id, name, text) => {
       if (!collected) {
         collected = [];

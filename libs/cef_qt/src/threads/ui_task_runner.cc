@@ -1,7 +1,9 @@
 #include "threads/ui_task_runner.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QEvent>
+#include <QThread>
 #include <algorithm>
 #include <limits>
 
@@ -19,13 +21,22 @@ QEvent::Type wakeEvent() {
 
 }  // namespace
 
+UiTaskRunner::UiTaskRunner() {
+  const QAbstractEventDispatcher* loop = QAbstractEventDispatcher::instance();
+  connect(loop, &QAbstractEventDispatcher::awake, this, &UiTaskRunner::serveNestedLoop);
+  connect(loop, &QAbstractEventDispatcher::aboutToBlock, this, &UiTaskRunner::serveNestedLoop);
+}
+
 bool UiTaskRunner::post(const QueuedTask& task, int64_t delayMs) {
   const std::lock_guard lock(mutex_);
   if (stopped_) {
     return false;
   }
   queue_.push(task, delayMs);
-  wakeLocked();
+  // What a task posts is run in the turn of that task.
+  if (QThread::currentThread() != thread() || running_ == 0) {
+    wakeLocked();
+  }
   return true;
 }
 
@@ -55,14 +66,20 @@ bool UiTaskRunner::event(QEvent* event) {
 
 std::optional<QueuedTask> UiTaskRunner::takeReady() {
   const std::lock_guard lock(mutex_);
-  const auto now = DueQueue::Clock::now();
-  auto task = queue_.takeReady(now);
-  // Should the task run a nested loop, or the turn end after it, this event runs those behind.
-  const auto next = queue_.nextDue();
-  if (task && next && *next <= now) {
-    wakeLocked();
+  return queue_.takeReady(DueQueue::Clock::now());
+}
+
+void UiTaskRunner::serveNestedLoop() {
+  if (running_ == 0) {
+    return;
   }
-  return task;
+  const std::lock_guard lock(mutex_);
+  const auto due = queue_.nextDue();
+  if (due && *due <= DueQueue::Clock::now()) {
+    wakeLocked();
+  } else if (due && (!timer_ || *due < timerDue_)) {
+    startTimerLocked(*due);
+  }
 }
 
 void UiTaskRunner::runReady() {
@@ -70,9 +87,10 @@ void UiTaskRunner::runReady() {
     const std::lock_guard lock(mutex_);
     woken_ = false;
   }
-  // What a task posts runs in the same turn: a query and its answer take several, and should not
-  // wait for other work of the loop between them. Within limits, so that this work has its share.
+  // A query and its answer take several tasks, which should not wait for other work of the loop
+  // between them. Within limits, so that this work has its share.
   const auto limit = DueQueue::Clock::now() + kLongestTurn;
+  ++running_;
   while (const auto task = takeReady()) {
     const ScopedThread current(task->thread);
     task->task->Execute();
@@ -80,23 +98,33 @@ void UiTaskRunner::runReady() {
       break;
     }
   }
+  --running_;
   scheduleTimer();
 }
 
 void UiTaskRunner::scheduleTimer() {
-  if (timer_) {
-    killTimer(timer_);
-    timer_ = 0;
-  }
   const std::lock_guard lock(mutex_);
   const auto due = queue_.nextDue();
-  if (!due || woken_) {
-    return;
+  if (due && !woken_) {
+    startTimerLocked(*due);
+  } else {
+    stopTimer();
   }
+}
+
+void UiTaskRunner::startTimerLocked(DueQueue::Clock::time_point due) {
   using std::chrono::milliseconds;
-  const auto wait = std::chrono::ceil<milliseconds>(*due - DueQueue::Clock::now()).count();
+  stopTimer();
+  const auto wait = std::chrono::ceil<milliseconds>(due - DueQueue::Clock::now()).count();
   constexpr int64_t kLongest = std::numeric_limits<int>::max();
   timer_ = startTimer(static_cast<int>(std::clamp<int64_t>(wait, 0, kLongest)), Qt::PreciseTimer);
+  timerDue_ = due;
+}
+
+void UiTaskRunner::stopTimer() {
+  if (timer_) {
+    killTimer(std::exchange(timer_, 0));
+  }
 }
 
 }  // namespace cef_qt

@@ -24,14 +24,14 @@ void measure() {
   FrameworkPage framework;
   BarePage bare;
   const bench::Comparison serial =
-      bench::interleave([&] { return framework.queriesPerSecond(1, 600); },
-                        [&] { return bare.queriesPerSecond(1, 600); });
+      bench::interleave([&] { return framework.queriesPerSecond(1, 300); },
+                        [&] { return bare.queriesPerSecond(1, 300); });
   const bench::Comparison flight =
-      bench::interleave([&] { return framework.queriesPerSecond(100, 10000); },
+      bench::interleave([&] { return framework.queriesPerSecond(100, 4000); },
                         [&] { return bare.queriesPerSecond(100, 4000); });
   const bench::Comparison scripts =
-      bench::interleave([&] { return framework.scriptsPerSecond(3000); },
-                        [&] { return bare.scriptsPerSecond(3000); });
+      bench::interleave([&] { return framework.scriptsPerSecond(1500); },
+                        [&] { return bare.scriptsPerSecond(1500); });
   serial.print("queries, one after the other");
   flight.print("queries, 100 in flight");
   scripts.print("executed scripts");

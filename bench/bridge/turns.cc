@@ -7,7 +7,7 @@
 namespace bench {
 namespace {
 
-constexpr int kTurns = 9;
+constexpr int kTurns = 25;
 
 double median(std::vector<double> values) {
   std::sort(values.begin(), values.end());

@@ -19,14 +19,6 @@ PageEntry readEntry(const QString& document, const QJsonArray& batch, qsizetype 
           batch[at + 4].toString()};
 }
 
-QString guarded(QStringView text) {
-  QString out;
-  out.reserve(text.size() + 1);
-  out += u'.';
-  out += text;
-  return out;
-}
-
 }  // namespace
 
 PageChannel::PageChannel(Receiver receiver) : receiver_(std::move(receiver)) {
@@ -75,19 +67,18 @@ void PageChannel::process() {
   }
 }
 
-void PageChannel::send(const QString& document, int frame, int id, const QJsonValue& code,
+void PageChannel::send(const QString& document, int frame, int id, std::optional<int> code,
                        QStringView text) {
   if (document != outgoingDocument_) {
     flush();
     outgoingDocument_ = document;
   }
-  if (outgoing_.isEmpty()) {
-    outgoing_.append(document);
+  outgoingHead_ += u';' + QString::number(frame) + u',' + QString::number(id) + u',';
+  if (code) {
+    outgoingHead_ += QString::number(*code);
   }
-  outgoing_.append(frame);
-  outgoing_.append(id);
-  outgoing_.append(code);
-  outgoing_.append(guarded(text));
+  outgoingHead_ += u',' + QString::number(text.size());
+  outgoingTexts_ += text;
   if (!flushScheduled_) {
     flushScheduled_ = postTo(TID_RENDERER, [self = QPointer(this)] {
       if (self) {
@@ -99,9 +90,10 @@ void PageChannel::send(const QString& document, int frame, int id, const QJsonVa
 }
 
 void PageChannel::flush() {
-  if (!outgoing_.isEmpty()) {
-    const QJsonArray entries = std::exchange(outgoing_, {});
-    emit deliver(entries);
+  if (!outgoingHead_.isEmpty()) {
+    const QString head = std::exchange(outgoingHead_, {});
+    const QString texts = std::exchange(outgoingTexts_, {});
+    emit deliver(outgoingDocument_ + head + u'\n' + texts);
   }
 }
 

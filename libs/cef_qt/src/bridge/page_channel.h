@@ -6,6 +6,7 @@
 #include <QString>
 #include <QWebChannel>
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace cef_qt {
@@ -44,13 +45,16 @@ class PageChannel final : public QObject {
   // Until then what arrives is kept.
   void open();
 
-  // Queues an answer (id > 0; `code` null for success) or a special message for a document.
-  void send(const QString& document, int frame, int id, const QJsonValue& code, QStringView text);
+  // Queues an answer (id > 0; no code for success) or a special message for a document.
+  void send(const QString& document, int frame, int id, std::optional<int> code, QStringView text);
   // Sends what is queued now.
   void flush();
 
  signals:
-  void deliver(const QJsonArray& entries);
+  // The document's key and, after a semicolon each, frame, id, code and length of every entry;
+  // then, after a line feed, the texts. One text, because Qt's web channel takes its time with
+  // arrays.
+  void deliver(const QString& entries);
 
  private:
   QJsonArray calls() const { return {}; }
@@ -65,7 +69,8 @@ class PageChannel final : public QObject {
   bool flushScheduled_ = false;
   std::vector<QJsonArray> incoming_;
   QString outgoingDocument_;
-  QJsonArray outgoing_;
+  QString outgoingHead_;
+  QString outgoingTexts_;
 };
 
 }  // namespace cef_qt

@@ -28,7 +28,8 @@
   const mapDelete = bind(Map.prototype.delete);
   const mapHas = bind(Map.prototype.has);
   const slice = bind(String.prototype.slice);
-  const charCodeAt = bind(String.prototype.charCodeAt);
+  const indexOf = bind(String.prototype.indexOf);
+  const split = bind(String.prototype.split);
   const postToPort = bind(MessagePort.prototype.postMessage);
   const listen = bind(EventTarget.prototype.addEventListener);
   const isInteger = Number.isInteger;
@@ -178,7 +179,6 @@
 
   // Text is guarded by a character in front: a leading U+FEFF would be lost on the way.
   const guard = (text) => stringify('.' + text);
-  const unguard = (text) => slice(text, 1);
 
   let send;
   let flushNow;
@@ -240,8 +240,10 @@
 
     function receiveAll(message) {
       if (message.object !== setup.object || message.signal !== setup.signal) return;
-      const entries = message.args[0];
-      if (entries[0] !== documentKey) return;
+      const all = message.args[0];
+      let at = indexOf(all, '\n');
+      const head = split(slice(all, 0, at++), ';');
+      if (head[0] !== documentKey) return;
       let batch = null;
       let batchFrame = 0;
       const flushBatch = () => {
@@ -249,16 +251,19 @@
         if (port) postToPort(port, batch);
         batch = null;
       };
-      for (let i = 1; i < entries.length; i += 4) {
-        const frame = entries[i];
-        const text = unguard(entries[i + 3]);
+      for (let i = 1; i < head.length; ++i) {
+        const entry = split(head[i], ',');
+        const frame = +entry[0];
+        const id = +entry[1];
+        const code = entry[2] === '' ? null : +entry[2];
+        const text = slice(all, at, at += +entry[3]);
         if (frame !== batchFrame) flushBatch();
         batchFrame = frame;
         if (frame === 0) {
-          receive(entries[i + 1], entries[i + 2], text);
+          receive(id, code, text);
         } else {
           batch = batch || [];
-          batch[batch.length] = [entries[i + 1], entries[i + 2], text];
+          batch[batch.length] = [id, code, text];
         }
       }
       flushBatch();

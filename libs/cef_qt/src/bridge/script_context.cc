@@ -54,7 +54,7 @@ void ScriptContext::dispatch(const PageEntry& entry) {
 
 void ScriptContext::succeed(int queryId, const CefString& response) {
   if (channel_) {
-    channel_->send(document_, frameNumber_, queryId, QJsonValue::Null, viewOf(response));
+    channel_->send(document_, frameNumber_, queryId, std::nullopt, viewOf(response));
   }
 }
 
@@ -66,7 +66,7 @@ void ScriptContext::fail(int queryId, int code, const CefString& message) {
 
 void ScriptContext::send(PageChannel::Special what, const QString& text) {
   if (channel_ && isBound()) {
-    channel_->send(document_, frameNumber_, what, QJsonValue::Null, text);
+    channel_->send(document_, frameNumber_, what, std::nullopt, text);
   }
 }
 

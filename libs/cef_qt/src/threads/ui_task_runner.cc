@@ -52,7 +52,7 @@ void UiTaskRunner::stop() {
 void UiTaskRunner::wakeLocked() {
   if (!woken_) {
     woken_ = true;
-    QCoreApplication::postEvent(this, new QEvent(wakeEvent()));
+    QCoreApplication::postEvent(this, new QEvent(wakeEvent()), Qt::HighEventPriority);
   }
 }
 

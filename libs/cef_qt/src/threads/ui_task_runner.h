@@ -36,7 +36,7 @@ class UiTaskRunner final : public QObject, public TaskRunner {
   bool stopped_ = false;  // guarded by mutex_
   int timer_ = 0;         // UI thread; 0: none
   DueQueue::Clock::time_point timerDue_;
-  int running_ = 0;       // UI thread: turns that are under way, one inside the other
+  int running_ = 0;  // UI thread: turns that are under way, one inside the other
 };
 
 }  // namespace cef_qt

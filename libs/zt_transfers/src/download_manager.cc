@@ -29,7 +29,7 @@ FileSpec specOf(const CDownloadManager::FileDownloadDetails& file) {
   spec.size = file.size;
   spec.modified = file.modified;
   spec.expires = file.expires;
-  spec.md5Digest = file.md5Digest;
+  spec.contentMd5 = file.md5Digest;
   return spec;
 }
 

@@ -17,7 +17,7 @@ struct FileSpec {
   std::uint64_t size = 0;
   std::uint64_t modified = 0;
   std::uint64_t expires = 0;
-  std::string md5Digest;
+  std::string contentMd5;
 };
 
 // A file by its place in its group's queue.

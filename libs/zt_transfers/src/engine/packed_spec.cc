@@ -65,7 +65,7 @@ CPackedSpec::CPackedSpec(const FileSpec& spec) {
   packer.number(spec.size);
   packer.number(spec.modified);
   packer.number(spec.expires);
-  packer.text(spec.md5Digest);
+  packer.text(spec.contentMd5);
   block_.reset(new char[packer.bytes().size()]);
   std::memcpy(block_.get(), packer.bytes().data(), packer.bytes().size());
 }
@@ -84,7 +84,7 @@ FileSpec CPackedSpec::unpacked() const {
   spec.size = unpacker.number();
   spec.modified = unpacker.number();
   spec.expires = unpacker.number();
-  spec.md5Digest = unpacker.text();
+  spec.contentMd5 = unpacker.text();
   return spec;
 }
 

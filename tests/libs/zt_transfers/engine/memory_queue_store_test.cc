@@ -14,7 +14,7 @@ FileSpec specOf(const std::string& fileId) {
   spec.size = 1ULL << 63;
   spec.modified = 127;
   spec.expires = 128;
-  spec.md5Digest = "digest";
+  spec.contentMd5 = "digest";
   return spec;
 }
 
@@ -31,7 +31,7 @@ TEST(MemoryQueueStore, GivesBackWhatItKeeps) {
   EXPECT_EQ(kept.size, given.size);
   EXPECT_EQ(kept.modified, given.modified);
   EXPECT_EQ(kept.expires, given.expires);
-  EXPECT_EQ(kept.md5Digest, given.md5Digest);
+  EXPECT_EQ(kept.contentMd5, given.contentMd5);
   EXPECT_EQ(store.fileId({1, 0}), "a");
   EXPECT_EQ(store.place({1, 0}), specOf("a").place);
 }

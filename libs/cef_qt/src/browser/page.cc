@@ -236,7 +236,11 @@ void Page::renderProcessEnded(RenderProcessTerminationStatus status, int exitCod
   // Chromium starts the next process under the same number, and Qt takes it for one that has the
   // profile's script already; what a page has itself is sent again.
   Profile::setLostItsScript();
-  BrowserList::instance().forEach([](Browser& browser) { browser.window()->keepScript(); });
+  BrowserList::instance().forEach([](Browser& browser) {
+    if (browser.window()) {
+      browser.window()->keepScript();
+    }
+  });
   postTo(TID_UI, [browser = CefRefPtr<Browser>(browser_), status = statusOf(status), exitCode] {
     const CefRefPtr<CefClient> client = browser->client();
     if (!client) {

@@ -7,7 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <cerrno>
-#include <cstring>
+#include <system_error>
 
 namespace cef_qt {
 namespace {
@@ -43,7 +43,8 @@ void BrowserLog::open(const QString& path, cef_log_severity_t lowest) {
   file_ = std::fopen(QFile::encodeName(path).constData(), "ae");
   if (!file_) {
     std::fprintf(stderr, "The browser log %s cannot be written (%s): going on without it.\n",
-                 QFile::encodeName(path).constData(), std::strerror(errno));
+                 QFile::encodeName(path).constData(),
+                 std::generic_category().message(errno).c_str());
     return;
   }
   lowest_ = lowest == LOGSEVERITY_DEFAULT ? LOGSEVERITY_INFO : lowest;

@@ -12,9 +12,9 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <optional>
+#include <system_error>
 
 namespace cef_qt {
 namespace {
@@ -109,7 +109,7 @@ InstanceLock::Outcome InstanceLock::acquire(const Relaunch& self,
   lockFd_ = folderFd_ < 0 ? -1 : openat(folderFd_, kLockName, O_RDWR | O_CREAT | O_CLOEXEC, 0600);
   if (lockFd_ < 0) {
     std::fprintf(stderr, "%s: there can be no instance lock (%s).\n", folder_.c_str(),
-                 std::strerror(errno));
+                 std::generic_category().message(errno).c_str());
     return Outcome::kUnlocked;
   }
   // The holder may be starting or ending just now: its socket is not there, its lock soon is or
@@ -141,7 +141,7 @@ void InstanceLock::listen() {
   if (bind(socketFd_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
       ::listen(socketFd_, SOMAXCONN) != 0) {
     std::fprintf(stderr, "%s: later processes cannot be heard (%s).\n", folder_.c_str(),
-                 std::strerror(errno));
+                 std::generic_category().message(errno).c_str());
     return;
   }
   server_ = std::thread([this] { serve(); });

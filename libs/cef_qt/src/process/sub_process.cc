@@ -4,8 +4,8 @@
 #include <QLibraryInfo>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <string_view>
+#include <system_error>
 
 #include "include/cef_app.h"
 #include "process/environment.h"
@@ -40,6 +40,7 @@ int CefExecuteProcess(const CefMainArgs& args, CefRefPtr<CefApp> /*application*/
   // Qt's own executable takes this process over; its exit code becomes ours.
   const QByteArray program = webEngineProcess();
   execv(program.constData(), args.argv);
-  std::fprintf(stderr, "%s cannot be run: %s\n", program.constData(), std::strerror(errno));
+  std::fprintf(stderr, "%s cannot be run: %s\n", program.constData(),
+               std::generic_category().message(errno).c_str());
   return 127;
 }

@@ -163,7 +163,7 @@ TEST_F(UploadManager, ListsGroupsInTheOrderOfTheirCreation) {
   EXPECT_NE(manager.getGroupState(4711, unknown), 0);
 }
 
-TEST_F(UploadManager, QueuesAHundredThousandFilesQuicklyAndCountsThem) {
+TEST_F(UploadManager, CountsAHundredThousandQueuedFiles) {
   constexpr int kFiles = 100'000;
   const auto source = fileUrl(sandbox.file("source", patternOf(10)));
   std::vector<CUploadManager::FileDesc> files(kFiles);
@@ -174,11 +174,7 @@ TEST_F(UploadManager, QueuesAHundredThousandFilesQuicklyAndCountsThem) {
   }
   const auto group = newGroup();
   manager.pauseGroup(group);
-  const auto begin = std::chrono::steady_clock::now();
   manager.queueFiles(group, files);
-  const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
-  RecordProperty("queued_per_second", static_cast<int>(kFiles / took.count()));
-  EXPECT_LT(took.count(), 10.0);
   manager.startup();
   EXPECT_TRUE(recorder.waitForGroup(
       group, [](const auto& shot) { return shot.bytesTotal == 10ULL * kFiles; }));

@@ -4,6 +4,7 @@
 
 #include "files/file_choose_dialog.h"
 #include "files/folder_choose_dialog.h"
+#include "services/address_book.h"
 #include "services/alert_dialog.h"
 #include "services/clipboard.h"
 #include "services/confirm_dialog.h"
@@ -60,6 +61,14 @@ class FakeOsFileExplorer : public IOsFileExplorer {
   bool openURL(const std::string& url) override { return record("url " + url); }
 };
 
+class FakeAddressBook : public IAddressBook {
+ public:
+  void search(const std::string& query, ContactEntries& results) override {
+    record("search " + query);
+    results.insert(results.end(), fake().contacts.begin(), fake().contacts.end());
+  }
+};
+
 class FakePlatformInit : public IPlatformInit {
  public:
   void init() override { record("init"); }
@@ -75,6 +84,12 @@ std::unique_ptr<Interface> create() {
 
 namespace zantrio {
 
+std::unique_ptr<IAddressBook> createAddressBook() {
+  if (!test::fake().hasAddressBook) {
+    throw IAddressBook::CAddressBookObtainError();
+  }
+  return test::create<IAddressBook, test::FakeAddressBook>();
+}
 std::unique_ptr<IAlertDialog> createAlertDialog() {
   return test::create<IAlertDialog, test::FakeAlertDialog>();
 }

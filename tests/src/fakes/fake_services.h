@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "services/contact_entry.h"
+
 namespace zantrio::test {
 
 // What the stand-ins for the platform's services were asked to do, and what they answer. Linked
@@ -16,6 +18,8 @@ struct FakeServices {
   std::vector<std::string> calls;
   bool confirmAnswer = true;
   std::function<void()> duringConfirm;
+  bool hasAddressBook = true;
+  ContactEntries contacts;  // what a search finds
 };
 
 }  // namespace zantrio::test

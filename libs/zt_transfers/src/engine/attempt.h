@@ -4,9 +4,11 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 
+#include "engine/download_resume.h"
 #include "engine/file_spec.h"
 
 namespace zt_transfers {
@@ -15,11 +17,26 @@ namespace zt_transfers {
 using JobId = std::uint64_t;
 
 // Written by the attempt, read by the engine when it reports. Thread: any.
-struct JobProgress {
+class JobProgress {
+ public:
   static constexpr std::uint64_t kUnknown = ~std::uint64_t{0};
 
   std::atomic<std::uint64_t> bytes{0};
   std::atomic<std::uint64_t> size{kUnknown};  // of the file, once the attempt knows it
+
+  // What the next attempt could go on with, should this one end now.
+  void setResume(DownloadResume resume) {
+    const std::lock_guard lock(mutex_);
+    resume_ = std::move(resume);
+  }
+  DownloadResume resume() const {
+    const std::lock_guard lock(mutex_);
+    return resume_;
+  }
+
+ private:
+  mutable std::mutex mutex_;
+  DownloadResume resume_;  // guarded by mutex_
 };
 
 // What an attempt is to do.
@@ -27,6 +44,8 @@ struct StartOrder {
   JobId job = 0;
   FileRef file;
   FileSpec spec;
+  std::string folder;     // the group's; downloads only
+  DownloadResume resume;  // what an attempt before has left
   bool verify = true;
   std::string proxy;
   std::shared_ptr<JobProgress> progress;
@@ -56,10 +75,22 @@ struct AttemptOutcome {
   }
 };
 
-// Told how attempts end. Thread: the network thread.
+// A partial file that nobody will go on with.
+struct Leftover {
+  std::string folder;  // the group's
+  DownloadResume resume;
+};
+
+// Told how attempts go. Thread: any.
 class IAttemptObserver {
  public:
   virtual void onAttemptDone(JobId job, const AttemptOutcome& outcome) = 0;
+  // More of a download has become durable: its progress has the resume to keep.
+  virtual void onAttemptCheckpoint(JobId job) = 0;
+  // Every byte of a download has arrived, and the file is about to appear under its final name.
+  // From here on the attempt does not count as a transfer and is only stopped with its file.
+  // False when it was stopped meanwhile: then it must not go on.
+  virtual bool onAttemptLanding(JobId job) = 0;
 
  protected:
   ~IAttemptObserver() = default;
@@ -72,9 +103,12 @@ class IAttemptRunner {
   virtual ~IAttemptRunner() = default;
   // False when the attempt has ended already, with its answer given.
   virtual bool start(StartOrder order) = 0;
-  // The attempt ends without an answer. An unknown job changes nothing.
-  virtual void stop(JobId job) = 0;
+  // The attempt ends without an answer. With `discard` it leaves nothing behind. An unknown job
+  // changes nothing.
+  virtual void stop(JobId job, bool discard) = 0;
   virtual void stopAll() = 0;
+  // Removes what an attempt that has ended left behind.
+  virtual void discard(const Leftover& leftover) = 0;
 };
 
 }  // namespace zt_transfers

@@ -1,11 +1,12 @@
 #include "engine/file_report.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace zt_transfers {
 
 FileState reportOf(const CTransferGroup& group, std::uint32_t index, std::string fileId,
-                   const Job* job, TimePoint now) {
+                   const Job* job, std::uint64_t kept, TimePoint now) {
   const FileSlot& slot = group.file(index);
   FileState state;
   state.groupId = group.id();
@@ -16,13 +17,15 @@ FileState reportOf(const CTransferGroup& group, std::uint32_t index, std::string
   if (slot.phase == FilePhase::kCompleted) {
     state.bytesTransferred = slot.size;
     state.percentTransferred = 100.0F;
-  } else if (job != nullptr) {
-    state.bytesTransferred = job->counted;
+    return state;
+  }
+  state.bytesTransferred = std::min(job != nullptr ? job->counted : kept, slot.size);
+  if (job != nullptr) {
     state.bytesTransferredPerSecond = job->rate.bytesPerSecond(now);
-    if (slot.size != 0) {
-      state.percentTransferred = static_cast<float>(100.0 * static_cast<double>(job->counted) /
-                                                    static_cast<double>(slot.size));
-    }
+  }
+  if (slot.size != 0) {
+    state.percentTransferred = static_cast<float>(
+        100.0 * static_cast<double>(state.bytesTransferred) / static_cast<double>(slot.size));
   }
   return state;
 }

@@ -54,6 +54,11 @@ const Job* CJobTable::findFile(FileRef file) const {
   return nullptr;
 }
 
+std::size_t CJobTable::transferring() const {
+  return static_cast<std::size_t>(std::count_if(
+      jobs_.begin(), jobs_.end(), [](const auto& entry) { return !entry.second.landing; }));
+}
+
 std::vector<JobId> CJobTable::ofGroup(std::int32_t groupId) const {
   std::vector<JobId> ids;
   for (const auto& [id, job] : jobs_) {

@@ -19,6 +19,7 @@ struct Job {
   FileRef file;
   std::shared_ptr<JobProgress> progress;
   std::uint64_t counted = 0;  // bytes of it that the group's counters hold
+  bool landing = false;       // see IAttemptObserver::onAttemptLanding
   CRateMeter rate;
   std::uint64_t told = 0;  // bytes, as last reported
   TimePoint toldAt{};
@@ -42,6 +43,8 @@ class CJobTable {
   void erase(JobId id) { jobs_.erase(id); }
 
   std::size_t size() const { return jobs_.size(); }
+  // Those that use the network.
+  std::size_t transferring() const;
   bool empty() const { return jobs_.empty(); }
   auto begin() { return jobs_.begin(); }
   auto end() { return jobs_.end(); }

@@ -6,12 +6,16 @@
 
 #include "engine/file_report.h"
 #include "text/url_parts.h"
+#include "text/wide_bytes.h"
 
 namespace zt_transfers {
 namespace {
 
 // Files that fail before they begin are worked off in portions, so that the lock is given free.
 constexpr int kStartsAtOnce = 512;
+
+// Files that have arrived and are being put in place, beside those that use the network.
+constexpr std::size_t kMostLanding = 256;
 
 }  // namespace
 
@@ -93,6 +97,10 @@ void CTransferEngine::requeueFile(CTransferGroup& group, std::uint32_t index,
   if (phase == FilePhase::kRunning) {
     return;
   }
+  // A renewed URL may go on with what is there, another place may not.
+  if (store_.place({group.id(), index}) != spec.place) {
+    discardRest(group, index);
+  }
   store_.replace({group.id(), index}, spec);
   group.forgetRetries(index);
   if (phase == FilePhase::kCompleted || phase == FilePhase::kFailed) {
@@ -118,8 +126,9 @@ void CTransferEngine::dequeueFiles(std::int32_t groupId, const std::vector<std::
         continue;
       }
       if (const Job* job = jobs_.findFile({groupId, *index})) {
-        stopJob(job->id, *group);
+        stopJob(job->id, *group, Rest::kForget);
       }
+      discardRest(*group, *index);
       group->changePhase(*index, FilePhase::kRemoved);
       store_.remove({groupId, *index});
     }
@@ -144,7 +153,7 @@ void CTransferEngine::pauseGroup(std::int32_t groupId) {
       return;
     }
     group->setPaused(true);
-    stopJobs(*group, FilePhase::kPaused);
+    holdJobs(*group, FilePhase::kPaused);
     for (const std::uint32_t index : group->backingOff()) {
       moveFile(*group, index, FilePhase::kPaused);
     }
@@ -187,7 +196,12 @@ void CTransferEngine::cancelGroup(std::int32_t groupId) {
     if (group == nullptr || group->cancelled()) {
       return;
     }
-    stopJobs(*group, std::nullopt);
+    for (const JobId id : jobs_.ofGroup(groupId)) {
+      stopJob(id, *group, Rest::kForget);
+    }
+    for (auto& [index, resume] : resumes_.takeAll(*group)) {
+      leftovers_.push_back({bytesOf(group->identity().folder), std::move(resume)});
+    }
     group->setCancelled();
     store_.removeGroup(groupId);
     reporter_.group(*group, clock_.now());
@@ -227,7 +241,7 @@ void CTransferEngine::stop() {
   running_ = false;
   reporter_.setRunning(false);
   for (auto& [id, group] : groups_) {
-    stopJobs(*group, FilePhase::kWaiting);
+    holdJobs(*group, FilePhase::kWaiting);
     for (const std::uint32_t index : group->backingOff()) {
       group->changePhase(index, FilePhase::kWaiting);
     }
@@ -250,6 +264,7 @@ CTransferEngine::Work CTransferEngine::decideWork(bool congested) {
   const std::lock_guard lock(mutex_);
   Work work;
   work.stops = std::exchange(stops_, {});
+  work.leftovers = std::exchange(leftovers_, {});
   if (!running_) {
     return work;
   }
@@ -280,7 +295,10 @@ void CTransferEngine::wakeRetries() {
 void CTransferEngine::startReady(Work& work) {
   const std::size_t most = std::max<std::uint32_t>(settings_.maxConcurrent, 1);
   const TimePoint now = clock_.now();
-  for (int starts = 0; jobs_.size() < most; ++starts) {
+  const auto hasRoom = [&] {
+    return jobs_.transferring() < most && jobs_.size() < most + kMostLanding;
+  };
+  for (int starts = 0; hasRoom(); ++starts) {
     if (starts == kStartsAtOnce) {
       work.nextDue = now;
       return;
@@ -313,17 +331,24 @@ bool CTransferEngine::startNext(CTransferGroup& group, Work& work) {
   if (!index) {
     return false;
   }
-  if (tokenExpired(group)) {
-    work.failures.push_back(fileText(group, *index) + ": failed: the group's token has expired");
+  FileSpec spec = store_.spec({group.id(), *index});
+  if (const char* reason = expiry(group, spec)) {
+    work.failures.push_back(fileText(group, *index) + ": failed: " + reason);
     moveFile(group, *index, FilePhase::kFailed);
     reporter_.group(group, clock_.now());
     return true;
   }
-  const Job& job = jobs_.add({group.id(), *index}, clock_.now());
+  Job& job = jobs_.add({group.id(), *index}, clock_.now());
+  job.counted = resumes_.counted(job.file);
   StartOrder order;
+  order.resume = resumes_.take(group, *index);
+  order.folder = bytesOf(group.identity().folder);
+  group.addInFlight(job.counted);
+  job.progress->bytes = job.counted;
+  job.progress->setResume(order.resume);
   order.job = job.id;
   order.file = job.file;
-  order.spec = store_.spec(job.file);
+  order.spec = std::move(spec);
   order.verify = settings_.verify;
   order.proxy = settings_.proxy;
   order.progress = job.progress;
@@ -333,9 +358,14 @@ bool CTransferEngine::startNext(CTransferGroup& group, Work& work) {
   return true;
 }
 
-bool CTransferEngine::tokenExpired(const CTransferGroup& group) const {
-  const std::uint64_t expires = group.identity().tokenExpires;
-  return expires != 0 && static_cast<std::uint64_t>(clock_.secondsSince1970()) >= expires;
+// Why the file is not to be begun any more; null when it is.
+const char* CTransferEngine::expiry(const CTransferGroup& group, const FileSpec& spec) const {
+  const auto now = static_cast<std::uint64_t>(clock_.secondsSince1970());
+  const auto past = [now](std::uint64_t expires) { return expires != 0 && now >= expires; };
+  if (past(group.identity().tokenExpires)) {
+    return "the group's token has expired";
+  }
+  return past(spec.expires) ? "its URL has expired" : nullptr;
 }
 
 void CTransferEngine::onAttemptDone(JobId id, const AttemptOutcome& outcome) {
@@ -349,13 +379,31 @@ void CTransferEngine::onAttemptDone(JobId id, const AttemptOutcome& outcome) {
     const FileRef file = job->file;
     CTransferGroup& group = *groups_.at(file.groupId);
     foldProgress(*job, group, clock_.now());
-    endJob(*job, group);
+    const bool done = outcome.kind == AttemptOutcome::Kind::kDone;
+    endJob(*job, group, done ? Rest::kForget : Rest::kKeep);
     message = settle(group, file.index, outcome);
     list(group);
     reporter_.group(group, clock_.now());
   }
   const bool done = outcome.kind == AttemptOutcome::Kind::kDone;
   log_.write(done ? ILog::Priority::kInformation : ILog::Priority::kWarning, message);
+}
+
+void CTransferEngine::onAttemptCheckpoint(JobId /*job*/) {
+  // The queue lives as long as the process: the job's progress is enough.
+}
+
+bool CTransferEngine::onAttemptLanding(JobId id) {
+  {
+    const std::lock_guard lock(mutex_);
+    Job* job = jobs_.find(id);
+    if (job == nullptr) {
+      return false;
+    }
+    job->landing = true;
+  }
+  wake_();
+  return true;
 }
 
 // Moves the file on by the attempt's outcome and gives the line for the log.
@@ -463,30 +511,43 @@ void CTransferEngine::moveFile(CTransferGroup& group, std::uint32_t index, FileP
   reporter_.file(fileState(group, index));
 }
 
-void CTransferEngine::endJob(const Job& job, CTransferGroup& group) {
+void CTransferEngine::endJob(const Job& job, CTransferGroup& group, Rest rest) {
   group.removeInFlight(job.counted);
+  if (rest == Rest::kKeep) {
+    resumes_.keep(group, job.file.index, job.progress->resume());
+  }
   jobs_.erase(job.id);
 }
 
-void CTransferEngine::stopJob(JobId id, CTransferGroup& group) {
-  stops_.push_back(id);
-  endJob(*jobs_.find(id), group);
+void CTransferEngine::stopJob(JobId id, CTransferGroup& group, Rest rest) {
+  stops_.push_back({id, rest == Rest::kForget});
+  endJob(*jobs_.find(id), group, rest);
 }
 
-// Stops what runs of the group; its files go on to `then`, or stay as they are.
-void CTransferEngine::stopJobs(CTransferGroup& group, std::optional<FilePhase> then) {
+// Stops what uses the network of the group; its files go on to `then`.
+void CTransferEngine::holdJobs(CTransferGroup& group, FilePhase then) {
   for (const JobId id : jobs_.ofGroup(group.id())) {
-    const std::uint32_t index = jobs_.find(id)->file.index;
-    stopJob(id, group);
-    if (then) {
-      moveFile(group, index, *then);
+    const Job& job = *jobs_.find(id);
+    const std::uint32_t index = job.file.index;
+    if (!job.landing || !running_) {
+      stopJob(id, group, Rest::kKeep);
+      moveFile(group, index, then);
     }
+  }
+}
+
+// Lets the network thread remove what attempts have left of a file.
+void CTransferEngine::discardRest(CTransferGroup& group, std::uint32_t index) {
+  DownloadResume resume = resumes_.take(group, index);
+  if (resume.begun()) {
+    leftovers_.push_back({bytesOf(group.identity().folder), std::move(resume)});
   }
 }
 
 FileState CTransferEngine::fileState(const CTransferGroup& group, std::uint32_t index) const {
   const FileRef file{group.id(), index};
-  return reportOf(group, index, store_.fileId(file), jobs_.findFile(file), clock_.now());
+  return reportOf(group, index, store_.fileId(file), jobs_.findFile(file), resumes_.counted(file),
+                  clock_.now());
 }
 
 void CTransferEngine::list(CTransferGroup& group) {

@@ -14,6 +14,7 @@
 #include "engine/job_table.h"
 #include "engine/queue_store.h"
 #include "engine/reporter.h"
+#include "engine/resume_book.h"
 #include "engine/retry_plan.h"
 #include "engine/schedule.h"
 #include "engine/transfer_group.h"
@@ -41,9 +42,15 @@ class CTransferEngine final : public IAttemptObserver {
     bool verify = true;
     std::string proxy;
   };
+  struct Stop {
+    JobId job = 0;
+    bool discard = false;
+    bool operator==(const Stop&) const = default;
+  };
   // What the network thread is to do now, in this order.
   struct Work {
-    std::vector<JobId> stops;
+    std::vector<Stop> stops;
+    std::vector<Leftover> leftovers;
     std::vector<StartOrder> starts;
     std::vector<std::string> failures;  // lines for the log, written already
     std::optional<TimePoint> nextDue;   // when to ask again, without another reason to
@@ -90,7 +97,10 @@ class CTransferEngine final : public IAttemptObserver {
 
   // For the network thread.
   Work takeWork();
+
   void onAttemptDone(JobId job, const AttemptOutcome& outcome) override;
+  void onAttemptCheckpoint(JobId job) override;
+  bool onAttemptLanding(JobId job) override;
 
   // For the thread that reports: adds progress that is due to the events; false when nothing is
   // under way that could make progress.
@@ -106,13 +116,15 @@ class CTransferEngine final : public IAttemptObserver {
   void queueFile(CTransferGroup& group, const FileSpec& spec);
   void requeueFile(CTransferGroup& group, std::uint32_t index, const FileSpec& spec);
   void moveFile(CTransferGroup& group, std::uint32_t index, FilePhase to);
-  void endJob(const Job& job, CTransferGroup& group);
-  void stopJob(JobId id, CTransferGroup& group);
-  void stopJobs(CTransferGroup& group, std::optional<FilePhase> then);
+  enum class Rest { kKeep, kForget };  // what becomes of a partial file
+  void endJob(const Job& job, CTransferGroup& group, Rest rest);
+  void stopJob(JobId id, CTransferGroup& group, Rest rest);
+  void holdJobs(CTransferGroup& group, FilePhase then);
+  void discardRest(CTransferGroup& group, std::uint32_t index);
   Work decideWork(bool congested);
   void startReady(Work& work);
   bool startNext(CTransferGroup& group, Work& work);
-  bool tokenExpired(const CTransferGroup& group) const;
+  const char* expiry(const CTransferGroup& group, const FileSpec& spec) const;
   std::string settle(CTransferGroup& group, std::uint32_t index, const AttemptOutcome& outcome);
   std::string scheduleRetry(CTransferGroup& group, std::uint32_t index,
                             const AttemptOutcome& outcome);
@@ -136,7 +148,9 @@ class CTransferEngine final : public IAttemptObserver {
   std::int32_t lastGroupId_ = 0;
   std::map<std::int32_t, std::unique_ptr<CTransferGroup>> groups_;
   CJobTable jobs_;
-  std::vector<JobId> stops_;
+  CResumeBook resumes_;
+  std::vector<Stop> stops_;
+  std::vector<Leftover> leftovers_;
   CSchedule schedule_;
   CRetryPlan retries_;
   std::deque<FileRef> unmeasured_;

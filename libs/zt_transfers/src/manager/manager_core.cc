@@ -108,8 +108,11 @@ void CManagerCore::shutdown() {
 std::optional<TimePoint> CManagerCore::turn() {
   measureSources();
   CTransferEngine::Work work = engine_.takeWork();
-  for (const JobId job : work.stops) {
-    runner_->stop(job);
+  for (const auto& [job, discard] : work.stops) {
+    runner_->stop(job, discard);
+  }
+  for (const Leftover& leftover : work.leftovers) {
+    runner_->discard(leftover);
   }
   bool allBegun = true;
   for (StartOrder& order : work.starts) {

@@ -17,8 +17,9 @@ class CRefusingRunner : public IAttemptRunner {
     observer_.onAttemptDone(order.job, AttemptOutcome::final(reason_));
     return false;
   }
-  void stop(JobId /*job*/) override {}
+  void stop(JobId /*job*/, bool /*discard*/) override {}
   void stopAll() override {}
+  void discard(const Leftover& /*leftover*/) override {}
 
  private:
   IAttemptObserver& observer_;

@@ -15,8 +15,9 @@ class CUploadRunner : public IAttemptRunner {
       : loop_(loop), pool_(pool), log_(log), observer_(observer) {}
 
   bool start(StartOrder order) override;
-  void stop(JobId job) override { attempts_.erase(job); }
+  void stop(JobId job, bool /*discard*/) override { attempts_.erase(job); }
   void stopAll() override { attempts_.clear(); }
+  void discard(const Leftover& /*leftover*/) override {}
 
  private:
   CHttpLoop& loop_;

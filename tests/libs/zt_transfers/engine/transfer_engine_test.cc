@@ -168,7 +168,7 @@ TEST_F(TransferEngine, IgnoresTheResultOfWhatItHasStopped) {
   EXPECT_EQ(engine.group(group)->bytesTransferred, 60U);
   engine.pauseGroup(group);
   EXPECT_EQ(engine.group(group)->bytesTransferred, 0U);
-  EXPECT_EQ(engine.takeWork().stops, std::vector<JobId>{order.job});
+  EXPECT_EQ(engine.takeWork().stops, (std::vector<CTransferEngine::Stop>{{order.job, false}}));
   engine.onAttemptDone(order.job, AttemptOutcome::done());
   EXPECT_EQ(stateOf(group), kGroupPaused);
   engine.resumeGroup(group);
@@ -191,6 +191,68 @@ TEST_F(TransferEngine, CountsNoByteTwiceWhateverAttemptsReport) {
     engine.onAttemptDone(order.job, AttemptOutcome::retry("x"));
     EXPECT_EQ(engine.group(group)->bytesTransferred, 0U);
   }
+}
+
+DownloadResume halfOfAFile() {
+  DownloadResume resume;
+  resume.partialPath = ".half";
+  resume.written = {{0, 50}};
+  return resume;
+}
+
+TEST_F(TransferEngine, GivesTheNextAttemptWhatTheLastOneLeftAndKeepsItsBytesCounted) {
+  const auto group = groupOf(1);
+  engine.start();
+  const auto order = starts().at(0);
+  EXPECT_FALSE(order.resume.begun());
+  order.progress->bytes = 60;
+  order.progress->setResume(halfOfAFile());
+  engine.pauseGroup(group);
+  EXPECT_EQ(engine.group(group)->bytesTransferred, 50U);
+  engine.resumeGroup(group);
+  const auto next = starts().at(0);
+  EXPECT_EQ(next.resume, halfOfAFile());
+  engine.collectProgress();
+  EXPECT_EQ(engine.group(group)->bytesTransferred, 50U);
+  engine.onAttemptDone(next.job, AttemptOutcome::retry("x"));
+  EXPECT_EQ(engine.group(group)->bytesTransferred, 50U);
+  clock.pass(seconds(2));
+  const auto last = starts().at(0);
+  EXPECT_EQ(last.resume, halfOfAFile());
+  engine.onAttemptDone(last.job, AttemptOutcome::done());
+  EXPECT_EQ(engine.group(group)->bytesTransferred, 100U);
+}
+
+TEST_F(TransferEngine, LetsWhatIsLeftOfFilesThatNobodyWantsBeRemoved) {
+  concurrent(1);
+  const auto group = groupOf(3);
+  engine.start();
+  const auto order = starts().at(0);
+  order.progress->setResume(halfOfAFile());
+  engine.onAttemptDone(order.job, AttemptOutcome::final("x"));
+  EXPECT_EQ(engine.group(group)->bytesTransferred, 50U);
+  engine.dequeueFiles(group, {order.spec.fileId});
+  auto work = engine.takeWork();
+  ASSERT_EQ(work.leftovers.size(), 1U);
+  EXPECT_EQ(work.leftovers[0].resume, halfOfAFile());
+  EXPECT_EQ(engine.group(group)->bytesTransferred, 0U);
+  const JobId running = work.starts.at(0).job;
+  engine.cancelGroup(group);
+  EXPECT_EQ(engine.takeWork().stops, (std::vector<CTransferEngine::Stop>{{running, true}}));
+}
+
+TEST_F(TransferEngine, LetsALandingFileMakeRoomAndNoLongerBePaused) {
+  concurrent(1);
+  const auto group = groupOf(2);
+  engine.start();
+  const auto landing = starts().at(0);
+  EXPECT_TRUE(engine.onAttemptLanding(landing.job));
+  const auto next = starts().at(0);
+  engine.pauseGroup(group);
+  EXPECT_EQ(engine.takeWork().stops, (std::vector<CTransferEngine::Stop>{{next.job, false}}));
+  EXPECT_FALSE(engine.onAttemptLanding(next.job));
+  engine.onAttemptDone(landing.job, AttemptOutcome::done());
+  EXPECT_EQ(engine.group(group)->filesCompleted, 1);
 }
 
 TEST_F(TransferEngine, TellsProgressAtMostTenTimesASecondAndTheLastAlways) {

@@ -1,44 +1,16 @@
 #include "devservice/api_area.h"
 
 #include "devservice/http_error.h"
+#include "devservice/json_request.h"
 
 namespace zantrio::devservice {
 
 namespace {
 
 constexpr std::uint64_t kWeek = 7ULL * 24 * 3600;
+constexpr std::uint64_t kTwoWeeks = 2 * kWeek;
+constexpr const char* kSender = "You <you@localhost>";
 constexpr Json::ArrayIndex kLargestBatch = 20000;
-
-[[noreturn]] void refuse(const std::string& why) {
-  throw CHttpError(400, "bad_request", why);
-}
-
-Json::Value readObject(CExchange& exchange) {
-  Json::Value body = exchange.readJson();
-  if (!body.isObject()) {
-    refuse("The request's body must be a JSON object.");
-  }
-  return body;
-}
-
-std::string text(const Json::Value& object, const char* key) {
-  const Json::Value& value = object[key];
-  if (!value.isNull() && !value.isString()) {
-    refuse(std::string("\"") + key + "\" must be a text.");
-  }
-  return value.asString();
-}
-
-std::uint64_t number(const Json::Value& object, const char* key, std::uint64_t otherwise) {
-  const Json::Value& value = object[key];
-  if (value.isNull()) {
-    return otherwise;
-  }
-  if (!value.isUInt64()) {
-    refuse(std::string("\"") + key + "\" must be a whole number, not negative.");
-  }
-  return value.asUInt64();
-}
 
 Json::Value recipients(const Json::Value& body) {
   const Json::Value& list = body["recipients"];
@@ -61,8 +33,8 @@ Announcement parseAnnouncement(const Json::Value& file) {
   if (!file.isObject()) {
     refuse("Every element of \"files\" must be an object.");
   }
-  const std::string name = text(file, "name");
-  const std::string folder = text(file, "path");
+  const std::string name = textOf(file, "name");
+  const std::string folder = textOf(file, "path");
   if (name.find('/') != std::string::npos) {
     throw CHttpError(
         400, "bad_name",
@@ -70,7 +42,7 @@ Announcement parseAnnouncement(const Json::Value& file) {
   }
   Announcement announcement;
   announcement.path = folder.empty() ? name : folder + "/" + name;
-  announcement.size = number(file, "size", 0);
+  announcement.size = numberOf(file, "size", 0);
   const Json::Value& modified = file["modified"];
   announcement.modified = modified.isInt64() ? modified.asInt64() : 0;
   if (const std::string why = whyUnusable(announcement.path); !why.empty()) {
@@ -89,13 +61,6 @@ Json::Value uploadDetails(const CExchange& exchange, const std::string& bucketId
   return details;
 }
 
-void need(const CExchange& exchange, const char* method) {
-  if (exchange.method() != method) {
-    throw CHttpError(405, "not_supported",
-                     exchange.method() + " is not possible here, only " + method + ".");
-  }
-}
-
 }  // namespace
 
 // /api/status
@@ -103,6 +68,7 @@ void need(const CExchange& exchange, const char* method) {
 // /api/messages/<bucket>
 // /api/messages/<bucket>/files, .../files/<id>
 // /api/messages/<bucket>/complete
+// /api/messages/<bucket>/progress
 void CApiArea::handle(CExchange& exchange) {
   const auto& path = exchange.segments();
   if (path.size() == 2 && path[1] == "status") {
@@ -124,7 +90,12 @@ void CApiArea::handle(CExchange& exchange) {
   }
   if (path.size() == 4 && path[1] == "messages" && path[3] == "complete") {
     need(exchange, "POST");
-    return exchange.answer(200, store_.complete(path[2]));
+    const Json::Value completed = store_.complete(path[2]);
+    uploads_.removeAllOf(path[2]);
+    return exchange.answer(200, completed);
+  }
+  if (path.size() == 4 && path[1] == "messages" && path[3] == "progress") {
+    return progress(exchange, path[2]);
   }
   throw CHttpError(404, "not_found", "There is nothing at " + printable(exchange.path()) + ".");
 }
@@ -156,8 +127,9 @@ void CApiArea::messages(CExchange& exchange) {
 void CApiArea::createMessage(CExchange& exchange) {
   const Json::Value body = readObject(exchange);
   const CMessage message =
-      store_.create(text(body, "subject"), text(body, "text"), recipients(body),
-                    number(body, "tokenLifetimeSeconds", kWeek));
+      store_.create({textOf(body, "subject"), textOf(body, "text"), textOf(body, "sender", kSender),
+                     recipients(body), numberOf(body, "tokenLifetimeSeconds", kWeek),
+                     numberOf(body, "lifetimeSeconds", kTwoWeeks)});
   Json::Value json = toJson(message);
   json["token"] = message.token;
   json["tokenExpires"] = Json::UInt64(message.tokenExpires);
@@ -167,6 +139,7 @@ void CApiArea::createMessage(CExchange& exchange) {
 void CApiArea::message(CExchange& exchange, const std::string& bucketId) {
   if (exchange.method() == "DELETE") {
     store_.cancel(bucketId);
+    uploads_.removeAllOf(bucketId);
     return exchange.answerEmpty(204);
   }
   need(exchange, "GET");
@@ -207,6 +180,20 @@ void CApiArea::announceFiles(CExchange& exchange, const std::string& bucketId) {
     json["files"].append(std::move(described));
   }
   exchange.answer(200, json);
+}
+
+// Of those who send the message and of those who fetch it.
+void CApiArea::progress(CExchange& exchange, const std::string& bucketId) {
+  if (exchange.method() == "GET") {
+    return exchange.answer(200, reports_.describe(bucketId));
+  }
+  need(exchange, "POST");
+  const std::string token = exchange.header("X-Zantrio-Token");
+  if (!signer_.isToken(bucketId, token)) {
+    store_.authorize(bucketId, token, false);
+  }
+  reports_.take(bucketId, readObject(exchange));
+  exchange.answerEmpty(204);
 }
 
 }  // namespace zantrio::devservice

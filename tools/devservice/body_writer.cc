@@ -15,8 +15,11 @@ constexpr std::uint64_t kForEver = 24ULL * 3600 * 1000;
 
 class CPartSender {
  public:
-  CPartSender(CExchange& exchange, const CFile& file, const ByteRange& part)
-      : exchange_(exchange), file_(file), first_(part.first), size_(part.last - part.first + 1) {}
+  CPartSender(CExchange& exchange, const IContent& content, const ByteRange& part)
+      : exchange_(exchange),
+        content_(content),
+        first_(part.first),
+        size_(part.last - part.first + 1) {}
 
   void run() {
     std::vector<char> buffer(kPiece);
@@ -25,9 +28,9 @@ class CPartSender {
       if (wanted == 0) {
         return;
       }
-      const std::size_t count = file_.readAt(std::span(buffer).first(wanted), first_ + done_);
+      const std::size_t count = content_.readAt(std::span(buffer).first(wanted), first_ + done_);
       if (count == 0) {
-        throw CConnectionLost("the file became shorter");
+        throw CConnectionLost("the content became shorter");
       }
       corrupt(std::span(buffer).first(count));
       send(std::span(buffer).first(count));
@@ -85,7 +88,7 @@ class CPartSender {
   }
 
   CExchange& exchange_;
-  const CFile& file_;
+  const IContent& content_;
   const std::uint64_t first_;
   const std::uint64_t size_;
   std::uint64_t done_ = 0;
@@ -93,9 +96,9 @@ class CPartSender {
 
 }  // namespace
 
-void sendFilePart(CExchange& exchange, const CFile& file, const ByteRange& part) {
+void sendPart(CExchange& exchange, const IContent& content, const ByteRange& part) {
   exchange.response.send().flush();
-  CPartSender(exchange, file, part).run();
+  CPartSender(exchange, content, part).run();
 }
 
 }  // namespace zantrio::devservice

@@ -55,8 +55,14 @@ const Options& checked(const Options& options) {
 
 CDevServer::CDevServer(const Options& options)
     : store_(checked(options).data),
-      areas_{CApiArea(store_),
-             CStorageArea(store_),
+      uploads_(std::filesystem::path(options.data) / "multipart", options.smallestPart),
+      samples_(options.samples),
+      received_(store_, samples_),
+      signer_(std::filesystem::path(options.data) / "signing-key"),
+      multipart_(store_, uploads_),
+      areas_{CApiArea(store_, uploads_, reports_, signer_),
+             CReceivedArea(received_, signer_, options.urlLifetime),
+             CStorageArea(store_, received_, signer_, options.multipart ? &multipart_ : nullptr),
              CWebArea(options.web, options.javascript),
              CFaultArea(faults_),
              faults_,

@@ -32,6 +32,12 @@ class CDevServer {
 
  private:
   CMessageStore store_;
+  CMultipartUploads uploads_;
+  CSamples samples_;
+  CReceivedMessages received_;
+  CProgressReports reports_;
+  CUrlSigner signer_;
+  CMultipartArea multipart_;
   CFaultRules faults_;
   Poco::Event stopping_{Poco::Event::EVENT_MANUALRESET};
   Areas areas_;

@@ -25,6 +25,18 @@ void answerError(CExchange& exchange, int status, const std::string& code,
   }
 }
 
+void answerFault(CExchange& exchange) {
+  const Fault& fault = exchange.fault;
+  if (fault.body.empty()) {
+    return exchange.answer(fault.status, errorBody("fault", "This failure was asked for."));
+  }
+  exchange.discardBody();
+  exchange.response.setStatusAndReason(
+      static_cast<Poco::Net::HTTPResponse::HTTPStatus>(fault.status));
+  exchange.response.setContentType(fault.body.front() == '<' ? "application/xml" : "text/plain");
+  exchange.response.sendBuffer(fault.body.data(), fault.body.size());
+}
+
 // Pages of other sites, open in the user's own browser, reach 127.0.0.1 too; they must not change
 // anything here.
 void refuseForeignPages(const CExchange& exchange) {
@@ -109,6 +121,8 @@ void CDispatcher::route(CExchange& exchange) {
   }
   if (area == "storage") {
     areas_.storage.handle(exchange);
+  } else if (area == "api" && segments.size() > 1 && segments[1] == "received") {
+    areas_.received.handle(exchange);
   } else if (area == "api") {
     areas_.api.handle(exchange);
   } else if (area == "app") {
@@ -128,7 +142,7 @@ bool CDispatcher::fail(CExchange& exchange) {
       if (fault.retryAfter) {
         exchange.response.set("Retry-After", std::to_string(*fault.retryAfter));
       }
-      exchange.answer(fault.status, errorBody("fault", "This failure was asked for."));
+      answerFault(exchange);
       return true;
     case Fault::Type::kDelay:
       exchange.wait(fault.milliseconds);

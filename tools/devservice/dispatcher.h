@@ -6,6 +6,7 @@
 
 #include "devservice/api_area.h"
 #include "devservice/fault_area.h"
+#include "devservice/received_area.h"
 #include "devservice/storage_area.h"
 #include "devservice/web_area.h"
 
@@ -14,6 +15,7 @@ namespace zantrio::devservice {
 // Everything that requests are handed to. Thread: any.
 struct Areas {
   CApiArea api;
+  CReceivedArea received;
   CStorageArea storage;
   CWebArea web;
   CFaultArea faultAdministration;

@@ -64,6 +64,7 @@ Fault parseFault(const Json::Value& rule) {
   if (!rule["retryAfter"].isNull()) {
     fault.retryAfter = static_cast<int>(number(rule, "retryAfter", 0));
   }
+  fault.body = text(rule, "body", "");
   fault.afterBytes = number(rule, "afterBytes", 0);
   fault.milliseconds = number(rule, "milliseconds", 0);
   fault.bytesPerSecond = number(rule, "bytesPerSecond", 0);

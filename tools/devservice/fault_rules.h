@@ -17,6 +17,7 @@ struct Fault {
   Type type = Type::kNone;
   int status = 503;                  // kStatus
   std::optional<int> retryAfter;     // kStatus: seconds
+  std::string body;                  // kStatus: the answer's, empty for the usual one
   std::uint64_t afterBytes = 0;      // kReset, kStall, kTruncate, kCorrupt: of the body
   std::uint64_t milliseconds = 0;    // kDelay; kStall: 0 means until the service ends
   std::uint64_t bytesPerSecond = 0;  // kRate

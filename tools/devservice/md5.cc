@@ -5,6 +5,7 @@
 #include <openssl/evp.h>
 #include <openssl/rand.h>
 
+#include <charconv>
 #include <sstream>
 #include <stdexcept>
 
@@ -40,6 +41,20 @@ std::string toHex(const std::string& bytes) {
     text += kDigits[value & 15];
   }
   return text;
+}
+
+std::string fromHex(const std::string& text) {
+  std::string bytes(text.size() / 2, '\0');
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    const char* begin = text.data() + 2 * i;
+    unsigned char value = 0;
+    const auto [end, error] = std::from_chars(begin, begin + 2, value, 16);
+    if (error != std::errc() || end != begin + 2) {
+      return {};
+    }
+    bytes[i] = static_cast<char>(value);
+  }
+  return bytes;
 }
 
 std::string fromBase64(const std::string& text) {

@@ -26,6 +26,8 @@ class CMd5 {
 
 // Lower-case hexadecimal.
 std::string toHex(const std::string& bytes);
+// The raw bytes of hexadecimal text, whose length is even; empty when it is none.
+std::string fromHex(const std::string& text);
 // The raw bytes of base64 text; empty when it is none.
 std::string fromBase64(const std::string& text);
 // `size` random bytes in hexadecimal, fit for tokens.

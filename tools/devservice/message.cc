@@ -3,6 +3,8 @@
 #include <charconv>
 #include <utility>
 
+#include "devservice/http_error.h"
+
 namespace zantrio::devservice {
 
 MessageFile& CMessage::announce(const std::string& wanted, std::uint64_t size,
@@ -36,6 +38,30 @@ MessageFile* CMessage::byId(const std::string& fileId) {
     return nullptr;
   }
   return &files_[number - 1];
+}
+
+std::vector<MessageFile> CMessage::filesBehind(std::size_t after, std::size_t count) const {
+  std::vector<MessageFile> found;
+  for (std::size_t i = after; i < files_.size() && found.size() < count; ++i) {
+    if (!files_[i].removed) {
+      found.push_back(files_[i]);
+    }
+  }
+  return found;
+}
+
+std::vector<MessageFile> CMessage::filesWithIds(const std::vector<std::string>& ids) {
+  std::vector<MessageFile> found;
+  found.reserve(ids.size());
+  for (const std::string& fileId : ids) {
+    const MessageFile* file = byId(fileId);
+    if (file == nullptr) {
+      throw CHttpError(404, "no_such_file",
+                       "The message has no file with the id \"" + printable(fileId) + "\".");
+    }
+    found.push_back(*file);
+  }
+  return found;
 }
 
 CMessage::Totals CMessage::totals() const {
@@ -78,9 +104,11 @@ Json::Value toJson(const CMessage& message) {
   json["bucketType"] = "message";
   json["subject"] = message.subject;
   json["text"] = message.text;
+  json["sender"] = message.sender;
   json["recipients"] = message.recipients;
   json["state"] = stateName(message.state);
   json["created"] = Json::Int64(message.created);
+  json["expires"] = Json::UInt64(message.expires);
   json["files"] = Json::UInt64(totals.files);
   json["bytes"] = Json::UInt64(totals.bytes);
   json["arrivedFiles"] = Json::UInt64(totals.arrivedFiles);

@@ -20,7 +20,8 @@ struct MessageFile {
   bool removed = false;       // the sender left it out
   bool arrived = false;
   std::uint64_t arrivedSize = 0;
-  std::string md5;  // of what arrived, hexadecimal
+  std::string md5;   // of what arrived, hexadecimal
+  std::string etag;  // likewise; another one than the MD5 when it arrived in parts
 };
 
 // A message and its files. Not safe for several threads; its store guards it.
@@ -33,9 +34,11 @@ class CMessage {
   std::uint64_t tokenExpires = 0;  // seconds since 1970
   std::string subject;
   std::string text;
+  std::string sender;
   Json::Value recipients{Json::arrayValue};
   State state = State::kOpen;
-  std::int64_t created = 0;  // milliseconds since 1970
+  std::int64_t created = 0;   // milliseconds since 1970
+  std::uint64_t expires = 0;  // when its files can no longer be fetched, seconds since 1970
 
   // Adds a file that wants to be at `wanted` and gives it an id and a place of its own.
   MessageFile& announce(const std::string& wanted, std::uint64_t size, std::int64_t modified);
@@ -45,6 +48,10 @@ class CMessage {
   MessageFile* byPath(const std::string& path);
   MessageFile* byId(const std::string& id);
   const std::vector<MessageFile>& files() const { return files_; }
+  // At most `count` files behind the one with the id `after` (0: from the beginning).
+  std::vector<MessageFile> filesBehind(std::size_t after, std::size_t count) const;
+  // The files with those ids, in their order. Throws CHttpError (404) when one is not there.
+  std::vector<MessageFile> filesWithIds(const std::vector<std::string>& ids);
 
   struct Totals {
     std::uint64_t files = 0, bytes = 0, arrivedFiles = 0, arrivedBytes = 0;

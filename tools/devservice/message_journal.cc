@@ -41,6 +41,7 @@ void replay(const Json::Value& entry, CMessage& message) {
     file->arrived = true;
     file->arrivedSize = entry["size"].asUInt64();
     file->md5 = entry["md5"].asString();
+    file->etag = entry.get("etag", file->md5).asString();
   } else if (MessageFile* gone = message.byId(entry["removed"].asString())) {
     gone->removed = true;
     gone->arrived = false;
@@ -60,9 +61,11 @@ void CMessageJournal::saveMessage(const CMessage& message) {
   json["tokenExpires"] = Json::UInt64(message.tokenExpires);
   json["subject"] = message.subject;
   json["text"] = message.text;
+  json["sender"] = message.sender;
   json["recipients"] = message.recipients;
   json["state"] = stateName(message.state);
   json["created"] = Json::Int64(message.created);
+  json["expires"] = Json::UInt64(message.expires);
   replaceText(folder_ / kMessageFile, json.toStyledString());
 }
 
@@ -79,6 +82,9 @@ void CMessageJournal::arrived(const MessageFile& file) {
   entry["arrived"] = file.id;
   entry["size"] = Json::UInt64(file.arrivedSize);
   entry["md5"] = file.md5;
+  if (file.etag != file.md5) {
+    entry["etag"] = file.etag;
+  }
   append(line(entry));
 }
 
@@ -114,9 +120,11 @@ std::unique_ptr<CMessage> CMessageJournal::load(const std::filesystem::path& fol
   message->tokenExpires = json["tokenExpires"].asUInt64();
   message->subject = json["subject"].asString();
   message->text = json["text"].asString();
+  message->sender = json["sender"].asString();
   message->recipients = json["recipients"];
   message->state = stateFromName(json["state"].asString());
   message->created = json["created"].asInt64();
+  message->expires = json["expires"].asUInt64();
 
   std::istringstream lines(readText(folder / kJournalFile));
   for (std::string text; std::getline(lines, text);) {

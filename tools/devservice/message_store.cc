@@ -51,16 +51,18 @@ CMessageStore::CMessageStore(fs::path folder) : folder_(fs::absolute(folder)) {
   }
 }
 
-CMessage CMessageStore::create(const std::string& subject, const std::string& text,
-                               const Json::Value& recipients, std::uint64_t tokenLifetimeSeconds) {
+CMessage CMessageStore::create(const NewMessage& wanted) {
+  const auto now = static_cast<std::uint64_t>(std::time(nullptr));
   CMessage message;
   message.id = randomHex(8);
   message.token = randomHex(16);
-  message.tokenExpires = static_cast<std::uint64_t>(std::time(nullptr)) + tokenLifetimeSeconds;
-  message.subject = subject;
-  message.text = text;
-  message.recipients = recipients;
+  message.tokenExpires = now + wanted.tokenLifetimeSeconds;
+  message.subject = wanted.subject;
+  message.text = wanted.text;
+  message.sender = wanted.sender;
+  message.recipients = wanted.recipients;
   message.created = nowMilliseconds();
+  message.expires = now + wanted.lifetimeSeconds;
   const fs::path folder = folderOf(message.id);
   fs::create_directories(folder / "files");
   CMessageJournal journal(folder);
@@ -80,6 +82,17 @@ Json::Value CMessageStore::list() const {
   return all;
 }
 
+Json::Value CMessageStore::listReceived() const {
+  const std::lock_guard lock(mutex_);
+  Json::Value all(Json::arrayValue);
+  for (const auto& [id, entry] : entries_) {
+    if (entry->message.state == CMessage::State::kCompleted) {
+      all.append(toJson(entry->message));
+    }
+  }
+  return all;
+}
+
 Json::Value CMessageStore::describe(const std::string& bucketId) const {
   const std::lock_guard lock(mutex_);
   return toJson(find(bucketId).message);
@@ -94,6 +107,18 @@ std::vector<MessageFile> CMessageStore::files(const std::string& bucketId) const
     }
   }
   return files;
+}
+
+std::vector<MessageFile> CMessageStore::filesBehind(const std::string& bucketId, std::size_t after,
+                                                    std::size_t count) const {
+  const std::lock_guard lock(mutex_);
+  return find(bucketId).message.filesBehind(after, count);
+}
+
+std::vector<MessageFile> CMessageStore::filesWithIds(const std::string& bucketId,
+                                                     const std::vector<std::string>& ids) const {
+  const std::lock_guard lock(mutex_);
+  return find(bucketId).message.filesWithIds(ids);
 }
 
 std::vector<MessageFile> CMessageStore::announce(const std::string& bucketId,
@@ -164,6 +189,18 @@ void CMessageStore::authorize(const std::string& bucketId, const std::string& to
   }
 }
 
+void CMessageStore::expectReceived(const std::string& bucketId) const {
+  const std::lock_guard lock(mutex_);
+  const CMessage& message = find(bucketId).message;
+  if (message.state != CMessage::State::kCompleted) {
+    throw CHttpError(404, "no_such_message",
+                     "The message \"" + printable(bucketId) + "\" has not been received.");
+  }
+  if (message.expires < static_cast<std::uint64_t>(std::time(nullptr))) {
+    throw CHttpError(410, "expired", "The message has expired; its files are gone.");
+  }
+}
+
 std::pair<fs::path, MessageFile> CMessageStore::arrivedFile(const std::string& bucketId,
                                                             const std::string& path) const {
   const std::lock_guard lock(mutex_);
@@ -186,7 +223,7 @@ fs::path CMessageStore::incomingPath() {
 }
 
 void CMessageStore::accept(const std::string& bucketId, const std::string& path,
-                           const fs::path& incoming, std::uint64_t size, const std::string& md5) {
+                           const fs::path& incoming, const ArrivedContent& content) {
   const std::lock_guard lock(mutex_);
   Entry& entry = findOpen(bucketId);
   MessageFile* file = entry.message.byPath(path);
@@ -199,8 +236,9 @@ void CMessageStore::accept(const std::string& bucketId, const std::string& path,
   }
   fs::rename(incoming, target);
   file->arrived = true;
-  file->arrivedSize = size;
-  file->md5 = md5;
+  file->arrivedSize = content.size;
+  file->md5 = content.md5;
+  file->etag = content.etag;
   entry.journal.arrived(*file);
 }
 

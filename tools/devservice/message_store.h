@@ -16,6 +16,23 @@
 
 namespace zantrio::devservice {
 
+// What a sender says of a message.
+struct NewMessage {
+  std::string subject;
+  std::string text;
+  std::string sender;
+  Json::Value recipients{Json::arrayValue};
+  std::uint64_t tokenLifetimeSeconds = 0;
+  std::uint64_t lifetimeSeconds = 0;  // of its files
+};
+
+// Content of a file that has arrived.
+struct ArrivedContent {
+  std::uint64_t size = 0;
+  std::string md5;   // hexadecimal
+  std::string etag;  // without its quotes
+};
+
 // What a sender announces of a file.
 struct Announcement {
   std::string path;  // where it wants to be, with its name at the end
@@ -35,11 +52,17 @@ class CMessageStore {
   explicit CMessageStore(std::filesystem::path folder);
 
   // Gives the message with its token.
-  CMessage create(const std::string& subject, const std::string& text,
-                  const Json::Value& recipients, std::uint64_t tokenLifetimeSeconds);
+  CMessage create(const NewMessage& wanted);
   Json::Value list() const;
+  // The messages that are complete, each as `describe` gives it.
+  Json::Value listReceived() const;
   Json::Value describe(const std::string& bucketId) const;
   std::vector<MessageFile> files(const std::string& bucketId) const;
+  // As CMessage gives them.
+  std::vector<MessageFile> filesBehind(const std::string& bucketId, std::size_t after,
+                                       std::size_t count) const;
+  std::vector<MessageFile> filesWithIds(const std::string& bucketId,
+                                        const std::vector<std::string>& ids) const;
   // Gives the files in the same order, each with its id and its place.
   std::vector<MessageFile> announce(const std::string& bucketId,
                                     const std::vector<Announcement>& announcements);
@@ -49,8 +72,10 @@ class CMessageStore {
   // Forgets the files that arrived; nothing more is taken in.
   void cancel(const std::string& bucketId);
 
-  // The token of the message. `forWriting`: only while it is open.
+  // Throws unless it is the token of the message. `forWriting`: only while it is open.
   void authorize(const std::string& bucketId, const std::string& token, bool forWriting) const;
+  // Throws unless the message is complete and its files can still be fetched.
+  void expectReceived(const std::string& bucketId) const;
   // Where a file is that has arrived, and its record.
   std::pair<std::filesystem::path, MessageFile> arrivedFile(const std::string& bucketId,
                                                             const std::string& path) const;
@@ -60,7 +85,7 @@ class CMessageStore {
   std::filesystem::path incomingPath();
   // Takes over a file that has arrived completely; replaces an earlier one.
   void accept(const std::string& bucketId, const std::string& path,
-              const std::filesystem::path& incoming, std::uint64_t size, const std::string& md5);
+              const std::filesystem::path& incoming, const ArrivedContent& content);
   void deleteArrived(const std::string& bucketId, const std::string& path);
 
   CMessage::Totals totals(std::size_t& messages) const;

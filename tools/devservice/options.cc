@@ -7,12 +7,16 @@
 namespace zantrio::devservice {
 
 const char* const kUsage =
-    "usage: zantrio-devservice --port N --data DIR --web DIR [--javascript DIR]\n"
+    "usage: zantrio-devservice --port N --data DIR --web DIR [OPTION...]\n"
     "A local stand-in for the service, on 127.0.0.1 only.\n"
     "  --port N           port to listen on, 0 for a free one\n"
     "  --data DIR         where messages and the files that arrive are kept; created if missing\n"
     "  --web DIR          folder of the web application, served under /app\n"
-    "  --javascript DIR   folder of jQuery, Underscore and Backbone (/usr/share/javascript)\n";
+    "  --javascript DIR   folder of jQuery, Underscore and Backbone (/usr/share/javascript)\n"
+    "  --url-lifetime S   seconds for which an address for a download is valid (3600)\n"
+    "  --min-part-size N  bytes that every part of an upload but its last must have (0)\n"
+    "  --no-multipart     refuse uploads in parts\n"
+    "  --no-samples       no sample messages to download\n";
 
 namespace {
 
@@ -25,19 +29,38 @@ std::uint16_t parsePort(const std::string& text) {
   return port;
 }
 
+std::uint64_t parseNumber(const std::string& name, const std::string& text) {
+  std::uint64_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (text.empty() || error != std::errc() || end != text.data() + text.size()) {
+    throw std::runtime_error(name + " needs a whole number, not \"" + text + "\"");
+  }
+  return number;
+}
+
 }  // namespace
 
 Options parseOptions(const std::vector<std::string>& arguments) {
   Options options;
   std::string port;
+  std::string urlLifetime = std::to_string(options.urlLifetime);
+  std::string smallestPart = std::to_string(options.smallestPart);
   const std::map<std::string, std::string*> targets = {{"--port", &port},
                                                        {"--data", &options.data},
                                                        {"--web", &options.web},
-                                                       {"--javascript", &options.javascript}};
+                                                       {"--javascript", &options.javascript},
+                                                       {"--url-lifetime", &urlLifetime},
+                                                       {"--min-part-size", &smallestPart}};
+  const std::map<std::string, bool*> switches = {{"--no-multipart", &options.multipart},
+                                                 {"--no-samples", &options.samples}};
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     if (arguments[i] == "--help" || arguments[i] == "-h") {
       options.help = true;
       return options;
+    }
+    if (const auto found = switches.find(arguments[i]); found != switches.end()) {
+      *found->second = false;
+      continue;
     }
     const auto target = targets.find(arguments[i]);
     if (target == targets.end()) {
@@ -49,6 +72,8 @@ Options parseOptions(const std::vector<std::string>& arguments) {
     *target->second = arguments[i];
   }
   options.port = parsePort(port);
+  options.urlLifetime = parseNumber("--url-lifetime", urlLifetime);
+  options.smallestPart = parseNumber("--min-part-size", smallestPart);
   if (options.data.empty() || options.web.empty()) {
     throw std::runtime_error("--data and --web are needed; --help explains them");
   }

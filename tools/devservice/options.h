@@ -11,6 +11,10 @@ struct Options {
   std::string data;                                  // folder of what arrives
   std::string web;                                   // folder of the web application
   std::string javascript = "/usr/share/javascript";  // Debian's JavaScript libraries
+  std::uint64_t urlLifetime = 3600;                  // of addresses for downloads, seconds
+  std::uint64_t smallestPart = 0;  // bytes that all parts but the last of an upload must have
+  bool multipart = true;           // whether uploads in parts are offered
+  bool samples = true;             // whether there are messages to fetch from the beginning
   bool help = false;
 };
 

@@ -4,83 +4,14 @@
 #include <Poco/DateTimeFormatter.h>
 #include <Poco/Timestamp.h>
 
-#include <algorithm>
-#include <vector>
-
-#include "devservice/background_md5.h"
 #include "devservice/body_reader.h"
 #include "devservice/body_writer.h"
 #include "devservice/http_error.h"
-#include "devservice/md5.h"
+#include "devservice/object_intake.h"
 
 namespace zantrio::devservice {
 
 namespace {
-
-constexpr std::uint64_t kLargestObject = 1ULL << 42;
-constexpr std::uint64_t kLargestBuffer = 256ULL * 1024;
-constexpr std::uint64_t kWorthAThread = 4ULL * 1024 * 1024;
-
-// A file on its way in; what does not arrive completely leaves nothing behind.
-class CIncomingFile {
- public:
-  explicit CIncomingFile(std::filesystem::path path)
-      : path_(std::move(path)), file_(CFile::create(path_)) {}
-  ~CIncomingFile() {
-    std::error_code ignored;
-    std::filesystem::remove(path_, ignored);
-  }
-  CIncomingFile(const CIncomingFile&) = delete;
-  CIncomingFile& operator=(const CIncomingFile&) = delete;
-
-  const std::filesystem::path& path() const { return path_; }
-  CFile& file() { return file_; }
-
- private:
-  std::filesystem::path path_;
-  CFile file_;
-};
-
-std::string receiveLarge(CBodyReader& body, CFile& file) {
-  CBackgroundMd5 md5(kLargestBuffer);
-  while (true) {
-    const auto piece = body.read(md5.nextBuffer());
-    if (piece.empty()) {
-      break;
-    }
-    md5.hash(piece);
-    file.write(piece);
-  }
-  file.close();
-  return md5.finish();
-}
-
-std::string receive(CBodyReader& body, CFile& file) {
-  if (body.size() >= kWorthAThread) {
-    return receiveLarge(body, file);
-  }
-  std::vector<char> buffer(std::clamp<std::uint64_t>(body.size(), 1, kLargestBuffer));
-  CMd5 md5;
-  for (auto piece = body.read(buffer); !piece.empty(); piece = body.read(buffer)) {
-    md5.update(piece.data(), piece.size());
-    file.write(piece);
-  }
-  file.close();
-  return md5.finish();
-}
-
-void checkContentMd5(const CExchange& exchange, const std::string& digest) {
-  const std::string expected = exchange.header("Content-MD5");
-  if (!expected.empty() && fromBase64(expected) != digest) {
-    throw CHttpError(400, "bad_digest",
-                     "The content does not have the MD5 that Content-MD5 states.");
-  }
-}
-
-std::string etagOf(const CExchange& exchange, const std::string& md5) {
-  const bool wrong = exchange.fault.type == Fault::Type::kEtag;
-  return '"' + (wrong ? exchange.fault.etag : md5) + '"';
-}
 
 std::string httpDate(std::int64_t milliseconds) {
   return Poco::DateTimeFormatter::format(Poco::Timestamp(milliseconds * 1000),
@@ -101,14 +32,16 @@ RangeRequest rangeOf(const CExchange& exchange, const MessageFile& file, const s
 void CStorageArea::handle(CExchange& exchange) {
   const Target target = parseTarget(exchange);
   const std::string& method = exchange.method();
+  const bool inParts = multipart_ != nullptr && CMultipartArea::concerns(exchange);
   const bool reading = method == "GET" || method == "HEAD";
-  if (!reading && method != "PUT" && method != "DELETE") {
+  if (!inParts && !reading && method != "PUT" && method != "DELETE") {
     throw CHttpError(method == "POST" ? 501 : 405, "not_supported",
                      "The storage knows GET, HEAD, PUT and DELETE.");
   }
-  const std::string token = exchange.header("X-Zantrio-Token");
-  store_.authorize(target.bucketId, token.empty() ? exchange.query("token") : token, !reading);
-  if (reading) {
+  authorize(exchange, target, !reading);
+  if (inParts) {
+    multipart_->handle(exchange, target.bucketId, target.path);
+  } else if (reading) {
     get(exchange, target);
   } else if (method == "PUT") {
     put(exchange, target);
@@ -116,6 +49,16 @@ void CStorageArea::handle(CExchange& exchange) {
     store_.deleteArrived(target.bucketId, target.path);
     exchange.answerEmpty(204);
   }
+}
+
+// By the message's token, or for reading by a signature in the address.
+void CStorageArea::authorize(const CExchange& exchange, const Target& target, bool forWriting) {
+  if (!forWriting && exchange.hasQuery("signature")) {
+    return signer_.verify(target.bucketId, target.path, exchange.query("expires"),
+                          exchange.query("signature"));
+  }
+  const std::string token = exchange.header("X-Zantrio-Token");
+  store_.authorize(target.bucketId, token.empty() ? exchange.query("token") : token, forWriting);
 }
 
 CStorageArea::Target CStorageArea::parseTarget(const CExchange& exchange) {
@@ -142,17 +85,15 @@ void CStorageArea::put(CExchange& exchange, const Target& target) {
   store_.expectFile(target.bucketId, target.path);
   CBodyReader body(exchange, kLargestObject);
   CIncomingFile incoming(store_.incomingPath());
-  const std::string digest = receive(body, incoming.file());
-  checkContentMd5(exchange, digest);
-  const std::string md5 = toHex(digest);
-  store_.accept(target.bucketId, target.path, incoming.path(), body.size(), md5);
-  exchange.response.set("ETag", etagOf(exchange, md5));
+  const std::string md5 = receiveObject(exchange, body, incoming.file());
+  store_.accept(target.bucketId, target.path, incoming.path(), {body.size(), md5, md5});
+  exchange.response.set("ETag", etagHeader(exchange, md5));
   exchange.answerEmpty(200);
 }
 
 void CStorageArea::get(CExchange& exchange, const Target& target) {
-  const auto [path, record] = store_.arrivedFile(target.bucketId, target.path);
-  const std::string etag = etagOf(exchange, record.md5);
+  const auto [record, content] = received_.open(target.bucketId, target.path);
+  const std::string etag = etagHeader(exchange, record.etag);
   auto& response = exchange.response;
   response.set("ETag", etag);
   response.set("Accept-Ranges", "bytes");
@@ -180,7 +121,7 @@ void CStorageArea::get(CExchange& exchange, const Target& target) {
     response.send();
     return;
   }
-  sendFilePart(exchange, CFile::openForReading(path), part);
+  sendPart(exchange, *content, part);
 }
 
 }  // namespace zantrio::devservice

@@ -12,6 +12,13 @@ TEST(Options, ReadsTheCommandLine) {
   EXPECT_EQ(options.data, "d");
   EXPECT_EQ(options.web, "w");
   EXPECT_EQ(options.javascript, "/usr/share/javascript");
+  EXPECT_TRUE(options.multipart && options.samples);
+  const Options special =
+      parseOptions({"--port", "1", "--data", "d", "--web", "w", "--no-multipart", "--no-samples",
+                    "--url-lifetime", "5", "--min-part-size", "5242880"});
+  EXPECT_FALSE(special.multipart || special.samples);
+  EXPECT_EQ(special.urlLifetime, 5U);
+  EXPECT_EQ(special.smallestPart, 5'242'880U);
 }
 
 TEST(Options, RefusesWhatItDoesNotUnderstandAndSaysWhat) {
@@ -21,7 +28,8 @@ TEST(Options, RefusesWhatItDoesNotUnderstandAndSaysWhat) {
       {{"--port", "65536", "--data", "d", "--web", "w"}, "65536"},
       {{"--port", "80x", "--data", "d", "--web", "w"}, "80x"},
       {{"--data", "d", "--web", "w"}, "--port"},
-      {{"--port", "0", "--data", "d"}, "--web"}};
+      {{"--port", "0", "--data", "d"}, "--web"},
+      {{"--port", "0", "--data", "d", "--web", "w", "--url-lifetime", "soon"}, "soon"}};
   for (const auto& [arguments, expected] : cases) {
     try {
       parseOptions(arguments);

@@ -39,7 +39,7 @@ TEST_F(StorageAreaTest, RefusesWrongTokensAndWhatWasNotAnnounced) {
   EXPECT_EQ(request("GET", url).status, 403);
   EXPECT_EQ(request("PUT", "/storage/" + bucket_ + "/other", "x", token()).code(), "no_such_file");
   EXPECT_EQ(request("PUT", "/storage/none/a", "x", token()).code(), "no_such_message");
-  EXPECT_EQ(request("POST", url + "?uploads", "", token()).status, 501);
+  EXPECT_EQ(request("POST", url, "", token()).status, 501);
   EXPECT_FALSE(std::filesystem::exists(arrivedFile("a")));
 }
 

@@ -1,0 +1,50 @@
+#include "osr/drag_contents.h"
+
+#include <filesystem>
+
+namespace client {
+namespace {
+
+bool exists(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::exists(path, error);
+}
+
+bool hasFileContents(CefDragData& data) {
+  return !data.GetFileName().empty() && data.GetFileContents(nullptr) > 0;
+}
+
+}  // namespace
+
+void populateDropData(CefDragData& data, const DroppedItems& items) {
+  if (items.text) {
+    data.SetFragmentText(*items.text);
+  }
+  for (const std::string& path : items.paths) {
+    if (exists(path)) {
+      data.AddFile(path, std::filesystem::path(path).filename().string());
+    }
+  }
+}
+
+DragKinds kindsOf(CefDragData& data) {
+  return {data.IsLink(), hasFileContents(data), !data.GetFragmentText().empty()};
+}
+
+CefRefPtr<BytesWriteHandler> fileContentsOf(CefDragData& data) {
+  const std::size_t size = data.GetFileContents(nullptr);
+  if (size == 0) {
+    return nullptr;
+  }
+  const CefRefPtr<BytesWriteHandler> bytes(new BytesWriteHandler(size));
+  data.GetFileContents(CefStreamWriter::CreateForHandler(bytes));
+  return bytes->size() == static_cast<int64_t>(size) ? bytes : nullptr;
+}
+
+cef_drag_operations_mask_t reportedOperation(unsigned int operation) {
+  constexpr unsigned int kCopyAndMove = DRAG_OPERATION_COPY | DRAG_OPERATION_MOVE;
+  return operation == kCopyAndMove ? DRAG_OPERATION_COPY
+                                   : static_cast<cef_drag_operations_mask_t>(operation);
+}
+
+}  // namespace client

@@ -1,13 +1,10 @@
 #include "app/app_settings.h"
 
 #include <Poco/Path.h>
-#include <pwd.h>
-#include <unistd.h>
 
-#include <cstdlib>
 #include <utility>
-#include <vector>
 
+#include "app/home_folder.h"
 #include "app/os_version.h"
 
 namespace zantrio {
@@ -17,29 +14,13 @@ const std::string kProductName = "Zantrio";
 const std::string kDefaultAppBaseUrl = "https://www.zantrio.com";
 const std::string kDefaultAppPath = "/app";
 
-void getHomeFromUserDatabase(std::string& folder) {
-  const long suggested = sysconf(_SC_GETPW_R_SIZE_MAX);
-  std::vector<char> buffer(suggested > 0 ? static_cast<std::size_t>(suggested) : 16384);
-  passwd entry{};
-  passwd* found = nullptr;
-  if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) == 0 && found != nullptr &&
-      found->pw_dir != nullptr) {
-    folder = found->pw_dir;
-  }
-}
-
 }  // namespace
 
 CAppSettings::CAppSettings(Poco::SharedPtr<CMainBundle> bundle, std::string executablePath)
     : bundle_(std::move(bundle)), executablePath_(std::move(executablePath)) {}
 
 void CAppSettings::getHomeFolder(std::string& folder) const {
-  // Nothing changes the environment once threads run.
-  if (const char* home = std::getenv("HOME")) {  // NOLINT(concurrency-mt-unsafe)
-    folder = home;
-  } else {
-    getHomeFromUserDatabase(folder);
-  }
+  readHomeFolder(folder);
 }
 
 void CAppSettings::getAppDataFolder(std::string& folder) const {

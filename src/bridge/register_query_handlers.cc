@@ -4,7 +4,9 @@
 
 #include "app/logger.h"
 #include "files/query_handler_file_handle_chooser.h"
+#include "services/query_handler_event_notification.h"
 #include "services/query_handler_native_app.h"
+#include "transfers/query_handler_download_manager.h"
 #include "transfers/query_handler_upload_manager.h"
 
 namespace zantrio {
@@ -19,7 +21,9 @@ const std::vector<QueryBridge>& applicationBridges() {
   static const std::vector<QueryBridge> bridges = {
       {"nativeAppBridge_IPC", create<CQueryHandlerNativeApp>},
       {"uploadManagerBridge_IPC", create<CQueryHandlerUploadManager>},
+      {"downloadManagerBridge_IPC", create<CQueryHandlerDownloadManager>},
       {"fileHandleChooserBridge_IPC", create<CQueryHandlerFileHandleChooser>},
+      {"eventNotificationBridge_IPC", create<CQueryHandlerEventNotification>},
   };
   return bridges;
 }

@@ -1,22 +1,13 @@
 #include "transfers/query_handler_upload_manager.h"
 
-#include <cstdint>
 #include <exception>
-#include <string>
-#include <vector>
 
-#include "app/logger.h"
 #include "bridge/query_handler_context.h"
-#include "transfers/json_record.h"
-#include "transfers/record_json.h"
 
 namespace zantrio {
 namespace {
 
 using zt_transfers::CUploadManager;
-
-constexpr std::int32_t kNoGroup = -1;
-constexpr const char* kLogPrefix = "QueryHandlerUploadManager: ";
 
 Json::Value emptyObject() {
   return Json::Value(Json::objectValue);
@@ -24,7 +15,8 @@ Json::Value emptyObject() {
 
 }  // namespace
 
-CQueryHandlerUploadManager::CQueryHandlerUploadManager() {
+CQueryHandlerUploadManager::CQueryHandlerUploadManager()
+    : CQueryHandlerTransferManager("QueryHandlerUploadManager") {
   registerMethod("getConfiguration", &CQueryHandlerUploadManager::getConfiguration);
   registerMethod("setConfiguration", &CQueryHandlerUploadManager::setConfiguration);
   registerMethod("fetchGroupsState", &CQueryHandlerUploadManager::fetchGroupsState);
@@ -40,13 +32,6 @@ CQueryHandlerUploadManager::CQueryHandlerUploadManager() {
 
 void CQueryHandlerUploadManager::setHandlerData(const QueryHandlerContext& context) {
   manager_ = context.uploadManager;
-}
-
-Poco::Any CQueryHandlerUploadManager::getHandlerData(int kind) {
-  if (kind == kAppLifecycleEventsHandler) {
-    return static_cast<IAppLifecycleEventsHandler*>(this);
-  }
-  return CQueryHandlerBase::getHandlerData(kind);
 }
 
 void CQueryHandlerUploadManager::appStarted() {
@@ -66,26 +51,12 @@ Json::Value CQueryHandlerUploadManager::getConfiguration(const Json::Value& /*pa
 }
 
 Json::Value CQueryHandlerUploadManager::setConfiguration(const Json::Value& parameters) {
-  CUploadManager::Configuration configuration = manager_->getConfiguration();
-  fromJson(parameters, configuration);
-  manager_->setConfiguration(configuration);
+  changeConfiguration(parameters);
   return getConfiguration(parameters);
 }
 
-Json::Value CQueryHandlerUploadManager::fetchGroupsState(const Json::Value& /*parameters*/) {
-  std::vector<CUploadManager::GroupState> groups;
-  manager_->fetchGroupsInfo(groups);
-  Json::Value answer(Json::arrayValue);
-  for (const CUploadManager::GroupState& group : groups) {
-    toJson(group, answer.append(Json::Value()));
-  }
-  return answer;
-}
-
 Json::Value CQueryHandlerUploadManager::createGroup(const Json::Value& parameters) {
-  Json::Value answer;
-  answer["id"] = Json::Value();
-  answer["state"] = Json::Value();
+  Json::Value answer = emptyGroupAnswer();
   try {
     fillCreatedGroup(parameters, answer);
   } catch (const std::exception& exception) {
@@ -96,77 +67,49 @@ Json::Value CQueryHandlerUploadManager::createGroup(const Json::Value& parameter
 
 void CQueryHandlerUploadManager::fillCreatedGroup(const Json::Value& parameters,
                                                   Json::Value& answer) {
-  const std::string bucketId = parameters.get("bucketId", Json::Value()).asString();
-  const std::string bucketType = parameters.get("bucketType", Json::Value()).asString();
-  const std::string token = parameters.get("token", Json::Value()).asString();
-  const std::uint64_t tokenExpires = parameters.get("tokenExpires", Json::Value()).asUInt64();
-  logInformation("Creating upload group. Bucket id: ", bucketId, ", bucket type: ", bucketType,
-                 ", token: ", token, ", token expires: ", tokenExpires);
-  const std::int32_t id = manager_->createGroup(bucketId, bucketType, token, tokenExpires);
-  if (id == kNoGroup) {
-    return;
-  }
-  answer["id"] = std::to_string(id);
-  CUploadManager::GroupState state;
-  if (manager_->getGroupState(id, state) == 0) {
-    toJson(state, answer["state"]);
+  const GroupRequest group = readGroupRequest(parameters);
+  logInformation("Creating upload group. Bucket id: ", group.bucketId,
+                 ", bucket type: ", group.bucketType, ", token: ", group.token,
+                 ", token expires: ", group.tokenExpires);
+  const std::int32_t id =
+      manager_->createGroup(group.bucketId, group.bucketType, group.token, group.tokenExpires);
+  if (id != kNoGroup) {
+    fillGroupAnswer(id, answer);
   }
 }
 
 Json::Value CQueryHandlerUploadManager::queueFiles(const Json::Value& parameters) {
-  const std::int32_t groupId = groupIdFromJson(parameters);
-  std::vector<CUploadManager::FileDesc> files;
-  const bool accepted = filesFromJson(parameters.get("files", Json::Value()), files);
-  logInformation(kLogPrefix, "Adding ", files.size(), " files to the group with id ", groupId);
-  if (accepted) {
-    manager_->queueFiles(groupId, files);
-  }
+  changeFiles(parameters, &CUploadManager::queueFiles, "Adding", "to");
   return emptyObject();
 }
 
 Json::Value CQueryHandlerUploadManager::markQueue(const Json::Value& parameters) {
-  const std::int32_t groupId = groupIdFromJson(parameters);
-  manager_->markQueue(groupId);
-  logInformation(kLogPrefix, "Marked group with id: ", groupId);
+  changeGroup(parameters, &CUploadManager::markQueue, "Marked");
   return emptyObject();
 }
 
 Json::Value CQueryHandlerUploadManager::dequeueFiles(const Json::Value& parameters) {
-  const std::int32_t groupId = groupIdFromJson(parameters);
-  std::vector<CUploadManager::FileDesc> files;
-  const bool accepted = filesFromJson(parameters.get("files", Json::Value()), files);
-  logInformation(kLogPrefix, "Removing ", files.size(), " files from the group with id ", groupId);
-  if (accepted) {
-    manager_->dequeueFile(groupId, files);
-  }
+  changeFiles(parameters, &CUploadManager::dequeueFile, "Removing", "from");
   return emptyObject();
 }
 
 Json::Value CQueryHandlerUploadManager::unmarkQueue(const Json::Value& parameters) {
-  const std::int32_t groupId = groupIdFromJson(parameters);
-  manager_->unmarkQueue(groupId);
-  logInformation(kLogPrefix, "Unmarked group with id: ", groupId);
+  changeGroup(parameters, &CUploadManager::unmarkQueue, "Unmarked");
   return emptyObject();
 }
 
 Json::Value CQueryHandlerUploadManager::pauseGroup(const Json::Value& parameters) {
-  const std::int32_t groupId = groupIdFromJson(parameters);
-  manager_->pauseGroup(groupId);
-  logInformation(kLogPrefix, "Paused group with id: ", groupId);
+  changeGroup(parameters, &CUploadManager::pauseGroup, "Paused");
   return emptyObject();
 }
 
 Json::Value CQueryHandlerUploadManager::resumeGroup(const Json::Value& parameters) {
-  const std::int32_t groupId = groupIdFromJson(parameters);
-  manager_->resumeGroup(groupId);
-  logInformation(kLogPrefix, "Resumed group with id: ", groupId);
+  changeGroup(parameters, &CUploadManager::resumeGroup, "Resumed");
   return emptyObject();
 }
 
 Json::Value CQueryHandlerUploadManager::cancelGroup(const Json::Value& parameters) {
-  const std::int32_t groupId = groupIdFromJson(parameters);
-  manager_->cancelGroup(groupId);
-  logInformation(kLogPrefix, "Canceled group with id: ", groupId);
+  changeGroup(parameters, &CUploadManager::cancelGroup, "Canceled");
   return emptyObject();
 }
 

@@ -91,8 +91,10 @@ TEST_F(BridgeRegistry, HoldsTheApplicationsBridges) {
   for (const auto& [name, handler] : registry.entries()) {
     names.push_back(name);
   }
-  EXPECT_EQ(names, (std::vector<std::string>{"fileHandleChooserBridge_IPC", "nativeAppBridge_IPC",
-                                             "uploadManagerBridge_IPC"}));
+  EXPECT_EQ(names,
+            (std::vector<std::string>{"downloadManagerBridge_IPC", "eventNotificationBridge_IPC",
+                                      "fileHandleChooserBridge_IPC", "nativeAppBridge_IPC",
+                                      "uploadManagerBridge_IPC"}));
 }
 
 }  // namespace

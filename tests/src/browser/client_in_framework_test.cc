@@ -167,7 +167,8 @@ TEST(ClientInFramework, ServesThePageFromItsStartToItsEnd) {
   service.stopAll(true);
 
   EXPECT_EQ(FakeTransfers::instance().calls,
-            (std::vector<std::string>{"upload startup", "upload shutdown"}));
+            (std::vector<std::string>{"download startup", "upload startup", "download shutdown",
+                                      "upload shutdown"}));
   EXPECT_EQ(FakeTransfers::instance().managersAlive, 0);
   EXPECT_EQ(ZtCefHandler::instance(), nullptr);
   EXPECT_TRUE(log.contains("information OnBeforeClose: Shutting down!"));

@@ -73,7 +73,7 @@ TEST_F(CloseProtocol, TakesEverythingDownAndEndsTheLoop) {
   EXPECT_EQ(framework.quitCalls(), 0);
   client->OnBeforeClose(browser);
   EXPECT_EQ(framework.quitCalls(), 1);
-  EXPECT_EQ(transfers.calls, std::vector<std::string>{"upload shutdown"});
+  EXPECT_EQ(transfers.calls, (std::vector<std::string>{"download shutdown", "upload shutdown"}));
   EXPECT_EQ(transfers.uploadCallback, nullptr);
   EXPECT_EQ(transfers.managersAlive, 0);
   EXPECT_TRUE(registry.entries().empty());
@@ -120,7 +120,7 @@ TEST_F(CloseProtocol, IsFinishedByTheWatchdogWhenTheFrameworkDoesNotReport) {
   EXPECT_FALSE(client->hasBrowsers());
   EXPECT_EQ(framework.quitCalls(), 1);
   client->OnBeforeClose(browser);  // the late report finds nothing left
-  EXPECT_EQ(transfers.calls, std::vector<std::string>{"upload shutdown"});
+  EXPECT_EQ(transfers.calls, (std::vector<std::string>{"download shutdown", "upload shutdown"}));
 }
 
 TEST_F(CloseProtocol, GivesTheFrameworkTenSeconds) {

@@ -237,7 +237,7 @@ TEST_F(WebAppLifecycle, StartsTheManagersWhenThePageIsReady) {
   openBrowser();
   client->onStartup();
   EXPECT_TRUE(log.contains("information onStartup called! App loaded"));
-  EXPECT_EQ(transfers.calls, std::vector<std::string>{"upload startup"});
+  EXPECT_EQ(transfers.calls, (std::vector<std::string>{"download startup", "upload startup"}));
 }
 
 TEST_F(WebAppLifecycle, HandsInitialFilesOverWhenThePageIsReady) {

@@ -4,6 +4,7 @@
 
 #include "files/file_choose_dialog.h"
 #include "files/folder_choose_dialog.h"
+#include "files/fs_item_choose_dialog_base.h"
 #include "services/address_book.h"
 #include "services/alert_dialog.h"
 #include "services/clipboard.h"
@@ -11,6 +12,7 @@
 #include "services/file_permissions_retriever.h"
 #include "services/os_file_explorer.h"
 #include "services/platform_init.h"
+#include "services/user_notification_handler.h"
 
 namespace zantrio::test {
 
@@ -74,6 +76,33 @@ class FakePlatformInit : public IPlatformInit {
   void init() override { record("init"); }
 };
 
+class FakeUserNotificationHandler : public IUserNotificationHandler {
+ public:
+  void show(const UserNotification& notification) override {
+    record("notify " + notification.title + "|" + notification.message + "|" + notification.url);
+  }
+};
+
+class FakeFolderChooseDialog : public IFolderChooseDialog, public CFsItemChooseDialogBase {
+ public:
+  bool show(std::vector<std::string>& chosenUrls) override {
+    record("choose " + title());
+    if (fake().chosenFolders.empty()) {
+      return false;
+    }
+    chosenUrls.push_back(fake().chosenFolders.front());
+    fake().chosenFolders.pop_front();
+    return true;
+  }
+};
+
+class FakeFilePermissionsRetriever : public IFilePermissionsRetriever {
+ public:
+  int getPermissions(const std::string& path) override {
+    return fake().readOnlyPaths.contains(path) ? kRead : kRead + kWrite;
+  }
+};
+
 template <class Interface, class Fake>
 std::unique_ptr<Interface> create() {
   return fake().available ? std::make_unique<Fake>() : nullptr;
@@ -105,15 +134,18 @@ std::unique_ptr<IOsFileExplorer> createOsFileExplorer() {
 std::unique_ptr<IPlatformInit> createPlatformInit() {
   return test::create<IPlatformInit, test::FakePlatformInit>();
 }
+std::unique_ptr<IUserNotificationHandler> createUserNotificationHandler() {
+  return test::create<IUserNotificationHandler, test::FakeUserNotificationHandler>();
+}
+std::unique_ptr<IFolderChooseDialog> createFolderChooseDialog() {
+  return test::create<IFolderChooseDialog, test::FakeFolderChooseDialog>();
+}
+std::unique_ptr<IFilePermissionsRetriever> createFilePermissionsRetriever() {
+  return test::create<IFilePermissionsRetriever, test::FakeFilePermissionsRetriever>();
+}
 
 // No test here chooses files.
 std::unique_ptr<IFileChooseDialog> createFileChooseDialog() {
-  return nullptr;
-}
-std::unique_ptr<IFolderChooseDialog> createFolderChooseDialog() {
-  return nullptr;
-}
-std::unique_ptr<IFilePermissionsRetriever> createFilePermissionsRetriever() {
   return nullptr;
 }
 

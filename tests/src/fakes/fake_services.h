@@ -1,6 +1,8 @@
 #pragma once
 
+#include <deque>
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -20,6 +22,9 @@ struct FakeServices {
   std::function<void()> duringConfirm;
   bool hasAddressBook = true;
   ContactEntries contacts;  // what a search finds
+  // The URLs that the user chooses, dialog by dialog; with none left every dialog is cancelled.
+  std::deque<std::string> chosenFolders;
+  std::set<std::string> readOnlyPaths;
 };
 
 }  // namespace zantrio::test

@@ -113,6 +113,47 @@ CDownloadManager::~CDownloadManager() {
 void CDownloadManager::subscribeToEvents(ICallback* callback) {
   fake().downloadCallback = callback;
 }
+const CDownloadManager::Configuration& CDownloadManager::getConfiguration() const {
+  return fake().downloadConfiguration;
+}
+void CDownloadManager::setConfiguration(const Configuration& configuration) {
+  fake().downloadConfiguration = configuration;
+}
+void CDownloadManager::fetchGroupsInfo(std::vector<GroupState>& groups) {
+  groups = fake().downloadGroups;
+}
+std::int32_t CDownloadManager::createGroup(const std::string& bucketId,
+                                           const std::string& bucketType, const std::string& token,
+                                           std::uint64_t tokenExpires,
+                                           const std::wstring& downloadDirectory) {
+  record("createGroup " + bucketId + " " + bucketType + " " + token + " " +
+         std::to_string(tokenExpires));
+  fake().downloadDirectory = downloadDirectory;
+  return fake().createdGroup;
+}
+int CDownloadManager::getGroupState(std::int32_t groupId, GroupState& state) {
+  state.id = groupId;
+  return fake().groupStateResult;
+}
+void CDownloadManager::queueFiles(std::int32_t groupId,
+                                  const std::vector<FileDownloadDetails>& files) {
+  record("queueFiles", groupId);
+  fake().downloadFiles = files;
+}
+void CDownloadManager::dequeueFiles(std::int32_t groupId,
+                                    const std::vector<FileDownloadDetails>& files) {
+  record("dequeueFiles", groupId);
+  fake().downloadFiles = files;
+}
+void CDownloadManager::pauseGroup(std::int32_t groupId) {
+  record("pauseGroup", groupId);
+}
+void CDownloadManager::resumeGroup(std::int32_t groupId) {
+  record("resumeGroup", groupId);
+}
+void CDownloadManager::cancelGroup(std::int32_t groupId) {
+  record("cancelGroup", groupId);
+}
 void CDownloadManager::startup() {
   record("download startup");
 }

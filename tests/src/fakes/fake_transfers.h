@@ -20,7 +20,11 @@ struct FakeTransfers {
   zt_transfers::CUploadManager::Configuration uploadConfiguration;
   zt_transfers::CTransferManagerBase::Configuration downloadConfiguration;
   std::vector<zt_transfers::CUploadManager::GroupState> uploadGroups;
-  std::vector<zt_transfers::CUploadManager::FileDesc> uploadFiles;  // of the last call
+  std::vector<zt_transfers::CDownloadManager::GroupState> downloadGroups;
+  // Of the last call.
+  std::vector<zt_transfers::CUploadManager::FileDesc> uploadFiles;
+  std::vector<zt_transfers::CDownloadManager::FileDownloadDetails> downloadFiles;
+  std::wstring downloadDirectory;
   std::int32_t createdGroup = 1;
   int groupStateResult = 0;
   bool startupThrows = false;

@@ -4,14 +4,13 @@
 
 #include "bridge/json_text.h"
 #include "bridge/query_handler_context.h"
-#include "src/fakes/fake_query_callback.h"
+#include "src/fakes/ask_bridge.h"
 #include "src/fakes/fake_transfers.h"
 #include "src/fakes/log_capture.h"
 
 namespace zantrio {
 namespace {
 
-using test::FakeQueryCallback;
 using test::FakeTransfers;
 using test::LogCapture;
 
@@ -25,12 +24,7 @@ class UploadBridge : public testing::Test {
   }
 
   std::string answer(const std::string& method, const std::string& parameters = "null") {
-    const CefRefPtr<FakeQueryCallback> callback(new FakeQueryCallback);
-    handler.OnQuery(nullptr, nullptr, 1,
-                    R"({"method":")" + method + R"(","parameters":)" + parameters + "}", false,
-                    callback);
-    const auto& answers = callback->failures.empty() ? callback->successes : callback->failures;
-    return answers.size() == 1 ? answers[0] : "no answer";
+    return test::askBridge(handler, method, parameters);
   }
 
   FakeTransfers& fake = FakeTransfers::instance();

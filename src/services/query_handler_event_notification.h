@@ -1,0 +1,19 @@
+#pragma once
+
+#include <json/value.h>
+
+#include "bridge/query_handler_base.h"
+
+namespace zantrio {
+
+// The bridge "eventNotificationBridge_IPC": the page raises a desktop notification. Whether the
+// desktop showed it is not told. Thread: UI.
+class CQueryHandlerEventNotification : public CQueryHandlerBase {
+ public:
+  CQueryHandlerEventNotification();
+
+ private:
+  Json::Value handleEvent(const Json::Value& parameters);
+};
+
+}  // namespace zantrio

@@ -5,11 +5,14 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QIcon>
 #include <QStringList>
 #include <QVariantMap>
 #include <new>
 
+#include "platform/linux/application_icon_linux.h"
 #include "platform/linux/application_linux.h"
+#include "platform/linux/notification_image_linux.h"
 
 namespace zantrio {
 namespace {
@@ -23,6 +26,9 @@ struct ShownNotification {
 // Beyond this no server shows anything, and the bus refuses messages without measure.
 constexpr qsizetype kMostCharacters = 10'000;
 
+// The names of the desktop entry and of the icon.
+const QString kApplication = QStringLiteral("zantrio");
+
 QString cut(const std::string& text) {
   const QString shown = toShownText(text);
   return shown.size() <= kMostCharacters ? shown : shown.left(kMostCharacters) + u'…';
@@ -34,16 +40,24 @@ QDBusMessage request(const QString& method) {
                                         QStringLiteral("org.freedesktop.Notifications"), method);
 }
 
+QVariantMap hints(const QString& url) {
+  QVariantMap hints = {{QStringLiteral("desktop-entry"), kApplication},
+                       {QStringLiteral("x-zantrio-url"), url}};
+  // The server knows the icon by its name only where the application is installed.
+  if (!QIcon::hasThemeIcon(kApplication) && canShowWidgets()) {
+    hints[QStringLiteral("image-data")] = notificationImage(applicationIcon());
+  }
+  return hints;
+}
+
 void notify(const ShownNotification& notification, bool serverReadsMarkup) {
   constexpr unsigned kReplacesNone = 0;
   constexpr int kServersOwnTimeLimit = -1;
   const QString& message = notification.message;
-  const QVariantMap hints = {{QStringLiteral("desktop-entry"), QStringLiteral("zantrio")},
-                             {QStringLiteral("x-zantrio-url"), notification.url}};
   QDBusMessage call = request(QStringLiteral("Notify"));
-  call << QStringLiteral("Zantrio") << kReplacesNone << QStringLiteral("zantrio")
-       << notification.title << (serverReadsMarkup ? message.toHtmlEscaped() : message)
-       << QStringList() << hints << kServersOwnTimeLimit;
+  call << QStringLiteral("Zantrio") << kReplacesNone << kApplication << notification.title
+       << (serverReadsMarkup ? message.toHtmlEscaped() : message) << QStringList()
+       << hints(notification.url) << kServersOwnTimeLimit;
   QDBusConnection::sessionBus().send(call);
 }
 

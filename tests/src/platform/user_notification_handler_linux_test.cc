@@ -4,6 +4,7 @@
 
 #include <QDBusArgument>
 #include <QDBusPendingCallWatcher>
+#include <QIcon>
 
 #include "src/platform/event_loop.h"
 #include "src/platform/recorded_service.h"
@@ -46,6 +47,32 @@ TEST_F(UserNotificationHandlerLinux, HandsOnAllFields) {
   EXPECT_EQ(hints["desktop-entry"].toString(), "zantrio");
   EXPECT_EQ(hints["x-zantrio-url"].toString(), "https://example.test/t/1");
   EXPECT_EQ(arguments[7].toInt(), -1);
+}
+
+TEST_F(UserNotificationHandlerLinux, HandsOnTheDrawnIconWhereNoneIsInstalled) {
+  ASSERT_FALSE(QIcon::hasThemeIcon("zantrio"));
+  server_.answer("GetCapabilities", QStringList{"body"});
+  show({"title", "", ""});
+  const auto hints = qdbus_cast<QVariantMap>(server_.waitForCall("Notify").arguments().value(6));
+  const auto image = hints["image-data"].value<QDBusArgument>();
+  EXPECT_EQ(image.currentSignature(), "(iiibiiay)");
+  int width = 0;
+  int height = 0;
+  int bytesPerLine = 0;
+  image.beginStructure();
+  image >> width >> height >> bytesPerLine;
+  EXPECT_EQ(width, 64);
+  EXPECT_EQ(height, 64);
+  bool hasAlpha = false;
+  int bitsPerSample = 0;
+  int channels = 0;
+  QByteArray pixels;
+  image >> hasAlpha >> bitsPerSample >> channels >> pixels;
+  image.endStructure();
+  EXPECT_EQ(pixels.size(), qsizetype{height} * bytesPerLine);
+  // Transparent at the corner, the background's colour near the edge.
+  EXPECT_EQ(pixels.mid(0, 4).toHex(), "00000000");
+  EXPECT_EQ(pixels.mid(32 * bytesPerLine + 4 * 4, 4).toHex(), "0b6e7dff");
 }
 
 TEST_F(UserNotificationHandlerLinux, EscapesTheMessageForServersThatReadMarkup) {

@@ -1,6 +1,8 @@
-// A window from which the given files can be dragged, as from a file manager.
+// A window from which the given files can be dragged, as from a file manager, or a text, as from an
+// editor.
 //
 //   drag_source FILE...
+//   drag_source --text TEXT
 //
 // It prints "ready" once it is shown in the display's upper left corner, during a drag the action
 // that the target offers when it changes ("offered 1" is a copy, "offered 0" a refusal), and after
@@ -19,7 +21,7 @@ namespace {
 
 class DragSource : public QLabel {
  public:
-  explicit DragSource(QList<QUrl> urls) : QLabel("Drag me"), urls_(std::move(urls)) {
+  explicit DragSource(const QStringList& arguments) : QLabel("Drag me"), arguments_(arguments) {
     setWindowFlags(Qt::X11BypassWindowManagerHint);
     setGeometry(0, 0, 100, 60);
   }
@@ -29,33 +31,41 @@ class DragSource : public QLabel {
     if (!(event->buttons() & Qt::LeftButton)) {
       return;
     }
-    auto* content = new QMimeData;
-    content->setUrls(urls_);
     auto* drag = new QDrag(this);
-    drag->setMimeData(content);
+    drag->setMimeData(makeContent());
     connect(drag, &QDrag::actionChanged, [](Qt::DropAction action) { tell("offered", action); });
     const Qt::DropAction action = drag->exec(Qt::CopyAction, Qt::CopyAction);
     tell("dropped", action);
   }
 
  private:
+  QMimeData* makeContent() const {
+    auto* content = new QMimeData;
+    if (arguments_.value(0) == "--text") {
+      content->setText(arguments_.value(1));
+      return content;
+    }
+    QList<QUrl> urls;
+    for (const QString& path : arguments_) {
+      urls << QUrl::fromLocalFile(path);
+    }
+    content->setUrls(urls);
+    return content;
+  }
+
   static void tell(const char* what, Qt::DropAction action) {
     std::printf("%s %d\n", what, static_cast<int>(action));
     std::fflush(stdout);
   }
 
-  QList<QUrl> urls_;
+  const QStringList arguments_;
 };
 
 }  // namespace
 
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
-  QList<QUrl> urls;
-  for (const QString& path : QApplication::arguments().mid(1)) {
-    urls << QUrl::fromLocalFile(path);
-  }
-  DragSource source(urls);
+  DragSource source(QApplication::arguments().mid(1));
   source.show();
   source.raise();
   QTimer::singleShot(0, [] {

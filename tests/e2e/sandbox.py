@@ -2,14 +2,19 @@
 
 import os
 import pathlib
+import queue
+import subprocess
 import tempfile
+import threading
 import unittest
 
-from harness import bundle, checksums, process
+from harness import bundle, checksums, display, process
 from harness.client import Client
 from harness.display import VirtualDisplay
 from harness.send_page import SendPage
 from harness.service import Service
+from harness.session_bus import SessionBus
+from harness.wait import wait_until
 
 BUILD = pathlib.Path(os.environ["ZANTRIO_BUILD"])
 ROOT = pathlib.Path(__file__).resolve().parents[2]
@@ -25,14 +30,32 @@ class Sandbox(unittest.TestCase):
         self.home = self.folder / "home"
         self.home.mkdir()
         self._display = None
+        self._variables = {}
 
     @property
     def environment(self):
-        """Variables of the virtual display, which starts when it is first needed."""
+        """Variables of the virtual display, which starts when it is first needed, and of the test's own."""
         if self._display is None:
             self._display = VirtualDisplay()
             self.addCleanup(self._display.stop)
-        return dict(os.environ, **self._display.environment())
+        return {**os.environ, **self._display.environment(), **self._variables}
+
+    def start_session_bus(self):
+        """A session bus that the client and the desktop's services use."""
+        bus = SessionBus()
+        self.addCleanup(bus.stop)
+        self._variables.update(bus.environment())
+        return bus
+
+    def replace_opener(self):
+        """Puts another xdg-open in front of the system's; gives a function for what it was started with."""
+        opened = self.folder / "opened"
+        program = self.folder / "programs" / "xdg-open"
+        program.parent.mkdir()
+        program.write_text(f"#!/bin/sh\nprintf '%s\\n' \"$*\" >> '{opened}'\n")
+        program.chmod(0o755)
+        self._variables["PATH"] = f"{program.parent}:{os.environ['PATH']}"
+        return lambda: opened.read_text().splitlines() if opened.exists() else []
 
     def start_service(self, port=0):
         data = self.folder / "service"
@@ -69,6 +92,58 @@ class Sandbox(unittest.TestCase):
             path.write_bytes(os.urandom(size + number % 97))
         return folder
 
+    def answer_dialog(self, title, path):
+        """Types the path into the system's dialog and accepts it."""
+        dialog = self.wait_for_window(title)
+        display.xdotool(self.environment, "windowfocus", "--sync", dialog)
+        display.xdotool(self.environment, "key", "ctrl+a")
+        display.xdotool(self.environment, "type", "--delay", "2", str(path))
+        display.xdotool(self.environment, "key", "Return")
+        self.wait_for_no_window(title)
+
+    def press_key(self, title, key):
+        """Presses a key in the window of that title."""
+        window = self.wait_for_window(title)
+        display.xdotool(self.environment, "windowfocus", "--sync", window)
+        display.xdotool(self.environment, "key", key)
+
+    def wait_for_window(self, title):
+        return wait_until(lambda: display.windows(self.environment, f"^{title}$"), 30,
+                          f'a window "{title}"')[0]
+
+    def wait_for_no_window(self, title):
+        wait_until(lambda: not display.windows(self.environment, f"^{title}$"), 30,
+                   f'the end of the window "{title}"')
+
+    def start_drag(self, *arguments):
+        """Begins to drag with the pointer from another program's window into the client's.
+
+        Gives the queue of what the other program says.
+        """
+        screen = self.environment
+        source = process.start([BUILD / "bin/drag_source", *arguments], env=screen, text=True,
+                               stdout=subprocess.PIPE)
+        self.addCleanup(source.stdout.close)
+        said = queue.SimpleQueue()
+        reader = threading.Thread(target=lambda: [said.put(line.strip()) for line in source.stdout])
+        reader.start()
+        self.addCleanup(reader.join)
+        self.addCleanup(process.stop, source)
+        self.assertEqual(said.get(timeout=30), "ready")
+        for step in (["mousemove", 50, 30], ["mousedown", 1], ["mousemove", 60, 35],
+                     ["mousemove", 200, 200], ["mousemove", 600, 400]):
+            display.xdotool(screen, *step)
+        return said
+
+    def drag_to_window(self, path):
+        """Drags the path from another program's window and drops it on the client's."""
+        said = self.start_drag(path)
+        # The window answers each movement; it takes some until the page behind it has been asked.
+        wait_until(lambda: display.xdotool(self.environment, "mousemove_relative", 1, 0) == ""
+                   and not said.empty() and said.get() == "offered 1", 30, "the page's consent")
+        display.xdotool(self.environment, "mouseup", 1)
+        self.assertEqual(said.get(timeout=30), "dropped 1")
+
     def assert_arrived(self, service, *sent):
         expected = {}
         for path in sent:
@@ -83,12 +158,14 @@ class Sandbox(unittest.TestCase):
         self.assert_in_order(client.messages(), [
             "Browser instance created!",
             "onStartup called! App loaded",
+            "Starting up download manager",
             "Starting up Upload Manager",
             "QueryHandlerNativeApp: onAppExit called",
             "onShutdown: Shutdown was initiated by the app!",
             "Closing all browsers!",
             "Close proces initiated!",
             "OnBeforeClose: Shutting down!",
+            "Shutting down download manager",
             "Shutting down Upload Manager",
         ])
         left = [pid for pid in family if pathlib.Path(f"/proc/{pid}/exe").exists()]

@@ -1,0 +1,109 @@
+"""What the page gets from the desktop: notifications, notices, questions, drags, and URLs that open."""
+
+import json
+import subprocess
+import unittest
+
+from harness import display
+from harness.wait import wait_until
+from sandbox import Sandbox
+
+# Notices and questions have an empty header, which the window system does not take as one.
+NOTICE = " "
+
+
+class Services(Sandbox):
+    def start_page(self):
+        _, self.client, page = self.start_all()
+        page.wait_until_ready()
+        return page
+
+    def answer_question(self, page, key):
+        page.evaluate("delete window.answered; setTimeout(() => { answered = confirm('Stop it?'); }); 0")
+        self.press_key(NOTICE, key)
+        self.wait_for_no_window(NOTICE)
+        return page.wait_for("'answered' in window && [answered]")[0]
+
+    def test_notification_of_the_page_appears_on_the_desktop_as_text(self):
+        self.start_daemon_that_reads_markup()
+        page = self.start_page()
+        properties = {"title": "Fertig: Grüße 日本", "message": "2 <b>files</b> & more",
+                      "url": "https://example.test/t/1"}
+        self.assertEqual(
+            page.query("eventNotificationBridge_IPC", "handleEvent", {"properties": properties}),
+            ["success", "null\n"])
+        shown = wait_until(lambda: self.notifications(), 30, "the notification")
+        self.assertEqual(len(shown), 1)
+        self.assertEqual(shown[0]["appname"]["data"], "Zantrio")
+        self.assertEqual(shown[0]["summary"]["data"], properties["title"])
+        self.assertEqual(shown[0]["body"]["data"], "2 &lt;b&gt;files&lt;/b&gt; &amp; more")
+        self.assert_leaves_cleanly(self.client, page)
+
+    def start_daemon_that_reads_markup(self):
+        configuration = self.folder / "dunstrc"
+        configuration.write_text("[global]\nmarkup = full\nformat = %b\n")
+        self.start_session_bus().start_service(
+            ["dunst", "-config", configuration], "org.freedesktop.Notifications", self.environment)
+
+    def notifications(self):
+        """What the daemon has shown and shows."""
+        for command in ("close-all", "history"):
+            done = subprocess.run(["dunstctl", command], env=self.environment, check=True,
+                                  capture_output=True, text=True)
+        return json.loads(done.stdout)["data"][0]
+
+    def test_notification_without_a_service_on_the_desktop_is_dropped(self):
+        self.start_session_bus()
+        page = self.start_page()
+        self.assertEqual(page.query("eventNotificationBridge_IPC", "handleEvent"),
+                         ["success", "null\n"])
+        self.assertEqual(page.query("eventNotificationBridge_IPC", "handleEvent",
+                                    {"properties": "text"})[:2], ["failure", -1])
+        self.assert_leaves_cleanly(self.client, page)
+
+    def test_alert_of_the_page_stays_while_the_page_goes_on(self):
+        page = self.start_page()
+        self.assertEqual(page.evaluate("alert('Grüße <b>& more</b>'); 'went on'"), "went on")
+        self.wait_for_window(NOTICE)
+        self.assertEqual(page.evaluate("2 * 21"), 42)
+        self.press_key(NOTICE, "Return")
+        self.wait_for_no_window(NOTICE)
+        self.assert_leaves_cleanly(self.client, page)
+
+    def test_question_of_the_page_is_answered_by_the_user(self):
+        page = self.start_page()
+        self.assertIs(self.answer_question(page, "Return"), True)
+        self.assertIs(self.answer_question(page, "Escape"), False)
+        self.assertIs(self.answer_question(page, "alt+n"), False)
+        self.assertIs(self.answer_question(page, "alt+y"), True)
+        self.assert_leaves_cleanly(self.client, page)
+
+    def test_page_opens_web_addresses_only(self):
+        opened = self.replace_opener()
+        page = self.start_page()
+        for url in ("file:///usr/bin/true", "--help", "javascript:alert(1)",
+                    "https://example.test/a b", "https://example.test/?a=$(touch%20x)&b='c'"):
+            self.assertEqual(page.query("nativeAppBridge_IPC", "openURL", {"url": url}),
+                             ["success", "null\n"])
+        wait_until(opened, 30, "the opener's start")
+        self.assertEqual(opened(), ["https://example.test/?a=$(touch%20x)&b='c'"])
+        self.assert_leaves_cleanly(self.client, page)
+
+    def test_drag_of_a_text_is_refused_and_the_page_sees_nothing_of_it(self):
+        page = self.start_page()
+        page.evaluate("window.drags = 0; for (const name of ['dragenter', 'dragover', 'drop'])"
+                      " addEventListener(name, () => { drags += 1; }, true)")
+        said = self.start_drag("--text", "no file")
+        wait_until(lambda: display.xdotool(self.environment, "mousemove_relative", 1, 0) == ""
+                   and "Drag data type: 0" in self.client.messages(), 30, "the drag's arrival")
+        display.xdotool(self.environment, "mousemove_relative", 20, 0)
+        display.xdotool(self.environment, "mouseup", 1)
+        self.assertEqual(said.get(timeout=30), "dropped 0")
+        self.assertEqual(page.evaluate("drags"), 0)
+        self.assertEqual(page.query("fileHandleChooserBridge_IPC", "handleDrop"),
+                         ["success", "null\n"])
+        self.assert_leaves_cleanly(self.client, page)
+
+
+if __name__ == "__main__":
+    unittest.main()

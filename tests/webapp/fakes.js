@@ -43,6 +43,23 @@ export class FakeService {
     return { files: [{ id: '1', path: 'a/b.txt', size: 5, arrived: true }, { id: '2', path: 'c.txt', size: 7 }] };
   }
 
+  async describeReceived() { return { subject: 'For you', sender: 'Bo <bo@example.org>' }; }
+
+  async allReceivedFiles() {
+    return [{ id: '1', path: 'a/b.txt', size: 5 }, { id: '2', path: 'c.txt', size: 7 }];
+  }
+
+  async requestDownloads(bucketId, ids) {
+    this.calls.push(['requestDownloads', bucketId, ids.length]);
+    return {
+      token: 'reading', tokenExpires: 9,
+      files: ids.map((id) => ({
+        id, path: `d/${id}`, size: 10, modified: 5, md5Digest: `m${id}`,
+        downloadDetails: { url: `u${id}-${this.calls.length}`, expires: this.expires ?? 0 },
+      })),
+    };
+  }
+
   async announceFiles(bucketId, token, files) {
     this.calls.push(['announceFiles', bucketId, token, files.length]);
     return {
@@ -60,7 +77,7 @@ for (const method of ['completeMessage', 'cancelMessage', 'removeFile']) {
 }
 
 /** A connection over which every call succeeds or fails at once. */
-export const connection = { persistently: (call) => call(), lost() {} };
+export const connection = { persistently: (call) => call(), lost() {}, get: (name) => name === 'reachable' };
 
 /** A group object of the upload library. */
 export function group(id, changes = {}) {

@@ -1,7 +1,7 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
 import {
-  fileType, formatCount, formatPercent, formatRate, formatSize, formatTimeLeft,
+  fileType, formatCount, formatDate, formatExpiry, formatPercent, formatRate, formatSize, formatTimeLeft,
 } from '../../webapp/js/format.js';
 
 test('sizes have one digit below a hundred and never reach four digits', () => {
@@ -26,6 +26,22 @@ test('time left is told in its largest useful unit', () => {
     [3599, '1 h 0 min left'], [30 * 3600, '1 day left'], [72 * 3600, '3 days left'],
   ];
   for (const [seconds, text] of expected) assert.equal(formatTimeLeft(seconds), text);
+});
+
+test('dates are as exact as they are near', () => {
+  const now = new Date(2026, 4, 3, 15, 0).getTime();
+  assert.equal(formatDate(new Date(2026, 4, 3, 9, 5).getTime(), now), 'Today 09:05');
+  assert.equal(formatDate(new Date(2026, 4, 2, 23, 59).getTime(), now), 'Yesterday');
+  assert.equal(formatDate(new Date(2026, 3, 30).getTime(), now), '30 Apr');
+  assert.equal(formatDate(new Date(2025, 11, 31).getTime(), now), '31 Dec 2025');
+});
+
+test('an expiry is told in its largest useful unit, none at all is empty', () => {
+  const expected = [[0, ''], [-5, 'Expired'], [1, 'Expires in 1 min'], [3599, 'Expires in 60 min'],
+    [7200, 'Expires in 2 h'], [86400, 'Expires in 1 day'], [13 * 86400, 'Expires in 13 days']];
+  for (const [seconds, text] of expected) {
+    assert.equal(formatExpiry(seconds === 0 ? 0 : 1_700_000_000 + seconds, 1_700_000_000_000), text);
+  }
 });
 
 test('percent are whole and reach 100 only at the end', () => {

@@ -1,20 +1,20 @@
 // A stand-in for the native side, for looking at the web application in a plain browser engine: inject it
-// at document creation (look.py does). It answers the bridges and plays transfers that move no bytes.
+// at document creation (look.py does). It answers the bridges and plays transfers, in both directions, that move no bytes.
 //
 // window.mockOptions (set before it runs):
 //   files          how many files a dialog or a drop gives (3)
 //   seconds        how long a transfer takes (4)
 //   failEvery      every n-th file fails (0: none)
+// What was shown as a notification is kept in window.mockNotifications.
 'use strict';
 (function () {
   const options = { files: 3, seconds: 4, failEvery: 0, ...window.mockOptions };
   const NAMES = ['Hochzeit – Rohschnitt final.mov', 'Contract 2026.pdf', 'Sound check.wav', 'Stills.zip',
     'IMG_4182.HEIC', 'Budget.xlsx', 'Übersicht für das Team.docx', 'export.log', '日本語の写真.jpg'];
-  const groups = new Map();
-  let configuration = {
-    maxConcurrentTransfers: 8, minMultipartSize: 64 * 1024 * 1024, maxTransferRetries: 5,
-    verifyUploads: true, preventSleep: true, throttleBytesPerSecond: 0, serverTransferProgressInterval: 0,
-  };
+  const PEOPLE = [
+    { name: 'Ann Lee', email: 'ann@example.org' }, { name: 'Anna Ölbaum', email: 'anna@example.org' },
+    { name: 'Bo Andersson', email: 'bo@example.org' }, null, { name: 'Joanna (no address)' }, { email: 'hannah@example.org' },
+  ];
 
   const sizes = new Map();
 
@@ -31,84 +31,86 @@
   }
   const chosen = (folder) => ({ files: records(folder), directoryName: folder, summary: folder });
 
-  function groupJson(group) {
-    const total = group.files.reduce((sum, file) => sum + file.size, 0);
-    const done = group.files.reduce((sum, file) => sum + file.done, 0);
-    return {
-      id: group.id, type: group.state, bucketId: group.bucketId, bucketType: 'message',
-      paused: group.state === 'PAUSED', empty: group.files.length === 0, bytesTransferred: done,
-      bytesTotal: total, percentTransferred: total ? (done / total) * 100 : 0,
-      bytesTransferredPerSecond: group.state === 'TRANSFERRING' ? total / options.seconds : 0,
-      estimatedEta: group.state === 'TRANSFERRING' ? ((total - done) / total) * options.seconds : 0,
-      cancelled: group.cancelled, marked: group.marked,
+  /** One of the two transfer managers; `events` is how the page's functions for it begin. */
+  function makeManager(events, sizeOf) {
+    const groups = new Map();
+    let configuration = {
+      maxConcurrentTransfers: 8, minMultipartSize: 64 * 1024 * 1024, maxTransferRetries: 5,
+      verifyUploads: true, preventSleep: true, throttleBytesPerSecond: 0, serverTransferProgressInterval: 0,
     };
-  }
 
-  const emitGroup = (group) => window._uploadManager_groupStateChanged(
-    { id: group.id, bucketId: group.bucketId, type: group.state, state: groupJson(group) });
-  const emitFile = (group, file) => window._uploadManager_fileStateChanged({
-    id: group.id, bucketId: group.bucketId, fileId: file.id, type: file.state,
-    state: { type: file.state, bytesTransfered: file.done, bytesTotal: file.size, percentTransferred: 0 },
-  });
-
-  function setState(group, state) {
-    group.state = state;
-    emitGroup(group);
-  }
-
-  function step(group) {
-    if (group.state !== 'TRANSFERRING') return;
-    const many = Math.max(1, Math.ceil(group.files.length / (options.seconds * 10)));
-    for (let i = 0; i < many && group.next < group.files.length; i += 1) {
-      const file = group.files[group.next];
-      file.done = Math.min(file.size, file.done + Math.max(1, Math.ceil(file.size / 6)));
-      file.state = 'TRANSFERRING';
-      if (file.done >= file.size || group.files.length > 50) {
-        const fails = options.failEvery && (group.next + 1) % options.failEvery === 0 && !group.retried;
-        file.state = fails ? 'ERRORED' : 'COMPLETED';
-        file.done = fails ? 0 : file.size;
-        group.next += 1;
-      }
-      emitFile(group, file);
+    function groupJson(group) {
+      const total = group.files.reduce((sum, file) => sum + file.size, 0);
+      const done = group.files.reduce((sum, file) => sum + file.done, 0);
+      return {
+        id: group.id, type: group.state, bucketId: group.bucketId, bucketType: 'message',
+        paused: group.state === 'PAUSED', empty: group.files.length === 0, bytesTransferred: done,
+        bytesTotal: total, percentTransferred: total ? (done / total) * 100 : 0,
+        bytesTransferredPerSecond: group.state === 'TRANSFERRING' ? total / options.seconds : 0,
+        estimatedEta: group.state === 'TRANSFERRING' ? ((total - done) / total) * options.seconds : 0,
+        cancelled: group.cancelled, marked: group.marked,
+      };
     }
-    const over = group.marked && group.next >= group.files.length;
-    const failed = group.files.some((file) => file.state === 'ERRORED');
-    if (over) setState(group, failed ? 'ERRORED' : 'COMPLETED');
-    else emitGroup(group);
-    if (!over) setTimeout(step, 100, group);
-  }
 
-  function start(group) {
-    if (group.state === 'TRANSFERRING' || group.state === 'PAUSED') return;
-    setState(group, 'TRANSFERRING');
-    setTimeout(step, 100, group);
-  }
+    const emitGroup = (group) => window[`${events}_groupStateChanged`](
+      { id: group.id, bucketId: group.bucketId, type: group.state, state: groupJson(group) });
+    const emitFile = (group, file) => window[`${events}_fileStateChanged`]({
+      id: group.id, bucketId: group.bucketId, fileId: file.id, type: file.state,
+      state: { type: file.state, bytesTransfered: file.done, bytesTotal: file.size, percentTransferred: 0 },
+    });
 
-  const bridges = {
-    nativeAppBridge_IPC: {
-      onAppReady: () => null,
-      onAppExit: () => { window.mockExited = true; return null; },
-    },
-    fileHandleChooserBridge_IPC: {
-      selectFiles: () => chosen('Wedding film'),
-      selectFolder: () => chosen('Archive'),
-      handleDrop: () => chosen('Dropped'),
-    },
-    uploadManagerBridge_IPC: {
+    function setState(group, state) {
+      group.state = state;
+      emitGroup(group);
+    }
+
+    function step(group) {
+      if (group.state !== 'TRANSFERRING') return;
+      const many = Math.max(1, Math.ceil(group.files.length / (options.seconds * 10)));
+      for (let i = 0; i < many && group.next < group.files.length; i += 1) {
+        const file = group.files[group.next];
+        file.done = Math.min(file.size, file.done + Math.max(1, Math.ceil(file.size / 6)));
+        file.state = 'TRANSFERRING';
+        if (file.done >= file.size || group.files.length > 50) {
+          const fails = options.failEvery && (group.next + 1) % options.failEvery === 0 && !group.retried;
+          file.state = fails ? 'ERRORED' : 'COMPLETED';
+          file.done = fails ? 0 : file.size;
+          group.next += 1;
+        }
+        emitFile(group, file);
+      }
+      const over = group.marked && group.next >= group.files.length;
+      const failed = group.files.some((file) => file.state === 'ERRORED');
+      if (over) setState(group, failed ? 'ERRORED' : 'COMPLETED');
+      else emitGroup(group);
+      if (!over) setTimeout(step, 100, group);
+    }
+
+    function start(group) {
+      if (group.state === 'TRANSFERRING' || group.state === 'PAUSED') return;
+      setState(group, 'TRANSFERRING');
+      setTimeout(step, 100, group);
+    }
+
+    return {
       getConfiguration: () => configuration,
       setConfiguration: (changes) => (configuration = { ...configuration, ...changes }),
       fetchGroupsState: () => [...groups.values()].map(groupJson),
       createGroup: ({ bucketId }) => {
         const group = {
-          id: String(groups.size + 1), bucketId, state: 'UNKNWON', marked: false, cancelled: false,
-          files: [], next: 0,
+          id: String(groups.size + 1), bucketId, state: 'UNKNWON', marked: events === '_downloadManager',
+          cancelled: false, files: [], next: 0,
         };
         groups.set(group.id, group);
         return { id: group.id, state: groupJson(group) };
       },
       queueFiles: ({ groupId, files }) => {
         const group = groups.get(groupId);
-        files.forEach((file) => group.files.push({ id: file.id, size: sizes.get(file.fileURL) ?? 1e6, done: 0, state: 'UNKNWON' }));
+        for (const file of files) {
+          if (!group.files.some(({ id }) => id === file.id)) {
+            group.files.push({ id: file.id, size: sizeOf(file), done: 0, state: 'UNKNWON' });
+          }
+        }
         start(group);
         return {};
       },
@@ -136,6 +138,28 @@
         setState(group, 'UNKNWON');
         return {};
       },
+    };
+  }
+
+  window.mockNotifications = [];
+  const bridges = {
+    nativeAppBridge_IPC: {
+      onAppReady: () => null,
+      onAppExit: () => { window.mockExited = true; return null; },
+    },
+    fileHandleChooserBridge_IPC: {
+      selectFiles: () => chosen('Wedding film'),
+      selectFolder: () => chosen('Archive'),
+      handleDrop: () => chosen('Dropped'),
+    },
+    uploadManagerBridge_IPC: makeManager('_uploadManager', (file) => sizes.get(file.fileURL) ?? 1e6),
+    downloadManagerBridge_IPC: makeManager('_downloadManager', (file) => file.size),
+    eventNotificationBridge_IPC: {
+      handleEvent: ({ properties }) => { window.mockNotifications.push(properties); return null; },
+    },
+    addressBookSearchManagerBridge_IPC: {
+      search: ({ query }) => PEOPLE.filter((person) => person === null
+        || `${person.name} ${person.email}`.toLowerCase().includes(query.toLowerCase())),
     },
   };
 

@@ -11,7 +11,7 @@ const { SendFlow } = await import('../../webapp/js/send_flow.js');
 function make() {
   const uploads = new FakeUploads();
   const service = new FakeService();
-  const transfers = new Transfers([], { uploads, service, connection });
+  const transfers = new Transfers([], { manager: uploads, service, connection });
   return { uploads, service, transfers, flow: new SendFlow({ uploads, service, connection, transfers }) };
 }
 

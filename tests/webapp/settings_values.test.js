@@ -3,32 +3,38 @@ import { test } from 'node:test';
 import { fromForm, toForm } from '../../webapp/js/settings_values.js';
 
 const CONFIGURATION = {
-  maxConcurrentTransfers: 8, minMultipartSize: 64 * 1024 * 1024, maxTransferRetries: 5, verifyUploads: true,
+  maxConcurrentTransfers: 8, minMultipartSize: 64_000_000, maxTransferRetries: 5, verifyUploads: true,
   preventSleep: false, throttleBytesPerSecond: 2_500_000, serverTransferProgressInterval: 30,
 };
+const BOTH = { upload: CONFIGURATION, download: { ...CONFIGURATION, throttleBytesPerSecond: 0 } };
 
-test('what the form shows survives it, and nothing else is sent', () => {
-  const { configuration, problems } = fromForm(toForm(CONFIGURATION));
+test('what the form shows survives it', () => {
+  const { changes, problems } = fromForm(toForm(BOTH));
   assert.deepEqual(problems, {});
-  assert.deepEqual(configuration, {
-    maxConcurrentTransfers: 8, maxTransferRetries: 5, verifyUploads: true, throttleBytesPerSecond: 2_500_000,
+  assert.deepEqual(changes, {
+    common: {
+      maxConcurrentTransfers: 8, maxTransferRetries: 5, minMultipartSize: 64_000_000, verifyUploads: true, preventSleep: false,
+    },
+    upload: { throttleBytesPerSecond: 2_500_000 },
+    download: { throttleBytesPerSecond: 0 },
+    interval: 30,
   });
 });
 
 test('no limit is a rate of 0, whatever the rate field holds', () => {
-  const form = toForm({ ...CONFIGURATION, throttleBytesPerSecond: 0 });
-  assert.equal(form.limited, false);
-  const { configuration, problems } = fromForm({ ...form, throttle: 'x' });
-  assert.equal(configuration.throttleBytesPerSecond, 0);
+  const form = toForm({ upload: { ...CONFIGURATION, throttleBytesPerSecond: 0 }, download: null });
+  assert.deepEqual([form.limited, form.downloadLimited], [false, false]);
+  const { changes, problems } = fromForm({ ...form, throttle: 'x' });
+  assert.equal(changes.upload.throttleBytesPerSecond, 0);
   assert.deepEqual(problems, {});
 });
 
 test('takes a comma for the decimal point and refuses what is no number in range', () => {
-  const form = { ...toForm(CONFIGURATION), throttle: '0,5' };
-  assert.equal(fromForm(form).configuration.throttleBytesPerSecond, 500_000);
+  const form = { ...toForm(BOTH), throttle: '0,5' };
+  assert.equal(fromForm(form).changes.upload.throttleBytesPerSecond, 500_000);
   const { problems } = fromForm({
-    ...form, throttle: '', maxConcurrentTransfers: '0', maxTransferRetries: '1.5',
+    ...form, throttle: '', maxConcurrentTransfers: '0', maxTransferRetries: '1.5', minMultipartSize: '4', progressInterval: '-1',
   });
   assert.deepEqual(Object.keys(problems).sort(),
-    ['maxConcurrentTransfers', 'maxTransferRetries', 'throttle']);
+    ['maxConcurrentTransfers', 'maxTransferRetries', 'minMultipartSize', 'progressInterval', 'throttle']);
 });

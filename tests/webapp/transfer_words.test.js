@@ -17,6 +17,20 @@ test('every state has a word, whatever the page itself does with the transfer', 
   assert.equal(label('interrupted', 'UNKNWON'), 'Interrupted');
 });
 
+test('downloads have their own words, and are paused by the page itself while they are filled', () => {
+  const label = (phase, state) => groupWords({ direction: 'download', phase, state }).label;
+  assert.equal(label('running', 'TRANSFERRING'), 'Downloading');
+  assert.equal(label('running', 'COMPLETED'), 'Downloaded');
+  assert.equal(label('filling', 'PAUSED'), 'Preparing');
+  assert.equal(label('running', 'PAUSED'), 'Paused');
+  assert.equal(fileWords({ state: 'COMPLETED' }, { direction: 'download' }), 'Saved');
+  assert.equal(fileWords({ state: 'UNKNWON' }, { direction: 'download', known: false }), '');
+  assert.equal(progressWords({ done: 0, count: 3, bytesDone: 5, bytesTotal: 10, known: false }), '5 bytes of 10 bytes');
+  assert.match(failureWords({ direction: 'download', names: ['a'], total: 1, phase: 'running' }),
+    /could not be downloaded: “a”\. Check that there is room/);
+  assert.match(failureWords({ direction: 'download', names: ['a'], total: 1, outOfTime: true }), /time .* is over/);
+});
+
 test('a file being sent tells its percent, any other its state', () => {
   assert.equal(fileWords({ state: 'TRANSFERRING', done: 1, size: 4 }), '25 %');
   assert.equal(fileWords({ state: 'UNKNWON' }), 'Waiting');

@@ -18,7 +18,7 @@ function make() {
   cleared.clear();
   const uploads = new FakeUploads();
   const service = new FakeService();
-  const transfers = new Transfers([], { uploads, service, connection });
+  const transfers = new Transfers([], { manager: uploads, service, connection });
   return { uploads, service, transfers };
 }
 
@@ -135,6 +135,24 @@ test('what was sent while the user was asked is not cancelled', async () => {
   assert.equal(transfer.get('phase'), 'delivered');
   assert.deepEqual(uploads.calls, []);
   assert.deepEqual(service.calls.map(([method]) => method), ['completeMessage']);
+});
+
+test('tells once that a transfer is over, and never of one that was over before this session', async () => {
+  const { transfers, service } = make();
+  const over = [];
+  transfers.on('over', (transfer) => over.push(transfer.get('state')));
+  transfers.groupChanged(groupEvent('1', { type: 'COMPLETED', marked: true }));
+  await settled();
+  assert.deepEqual(over, [], 'it was complete when the page was loaded');
+  transfers.groupChanged(groupEvent('2', { type: 'TRANSFERRING', marked: true }));
+  transfers.groupChanged(groupEvent('2', { type: 'ERRORED', marked: true }));
+  await settled();
+  transfers.groupChanged(groupEvent('2', { type: 'TRANSFERRING', marked: true }));
+  transfers.groupChanged(groupEvent('2', { type: 'COMPLETED', marked: true }));
+  transfers.groupChanged(groupEvent('2', { type: 'COMPLETED', marked: true }));
+  await settled();
+  assert.deepEqual(over, ['ERRORED', 'COMPLETED']);
+  assert.equal(service.calls.length, 2);
 });
 
 test('cancelling tells the library and the service', async () => {

@@ -120,6 +120,7 @@ void CSamples::makeTour() {
 void CSamples::makeManyFiles() {
   Sample& many =
       addMessage("sample-many", "10,000 small files", "To see that their number is no matter.");
+  many.message.created -= kHour;  // so that the tour stands first
   for (int i = 1; i <= kManyFiles; ++i) {
     const std::string number = std::to_string(i);
     const std::string folder = "Folder " + std::to_string((i - 1) / 500 + 1);

@@ -4,7 +4,10 @@
 export const BRIDGES = {
   app: 'nativeAppBridge_IPC',
   upload: 'uploadManagerBridge_IPC',
+  download: 'downloadManagerBridge_IPC',
   files: 'fileHandleChooserBridge_IPC',
+  notification: 'eventNotificationBridge_IPC',
+  addressBook: 'addressBookSearchManagerBridge_IPC',
 };
 
 export class BridgeError extends Error {

@@ -48,6 +48,33 @@ export function formatPercent(done, total) {
   return `${Math.max(0, Math.min(100, percent))} %`;
 }
 
+const DAY_MS = 24 * 3600 * 1000;
+
+/** "Today 14:30", "3 May", "3 May 2025": in the local time zone. */
+export function formatDate(milliseconds, now = Date.now()) {
+  const date = new Date(milliseconds);
+  const midnight = new Date(now).setHours(0, 0, 0, 0);
+  if (milliseconds >= midnight && milliseconds < midnight + DAY_MS) {
+    return `Today ${String(date.getHours()).padStart(2, '0')}:${String(date.getMinutes()).padStart(2, '0')}`;
+  }
+  if (milliseconds < midnight && milliseconds >= midnight - DAY_MS) return 'Yesterday';
+  const day = `${date.getDate()} ${MONTHS[date.getMonth()]}`;
+  return date.getFullYear() === new Date(now).getFullYear() ? day : `${day} ${date.getFullYear()}`;
+}
+
+const MONTHS = ['Jan', 'Feb', 'Mar', 'Apr', 'May', 'Jun', 'Jul', 'Aug', 'Sep', 'Oct', 'Nov', 'Dec'];
+
+/** When something expires, in seconds since 1970 (0: never; an empty text). */
+export function formatExpiry(seconds, now = Date.now()) {
+  if (!(seconds > 0)) return '';
+  const left = seconds * 1000 - now;
+  if (left <= 0) return 'Expired';
+  if (left < 3600 * 1000) return `Expires in ${Math.ceil(left / 60000)} min`;
+  if (left < DAY_MS) return `Expires in ${Math.round(left / 3600000)} h`;
+  const days = Math.round(left / DAY_MS);
+  return `Expires in ${days} ${days === 1 ? 'day' : 'days'}`;
+}
+
 const TYPES = [
   ['Image', 'jpg jpeg png gif webp heic tif tiff bmp svg raw cr2 nef dng psd'],
   ['Video', 'mov mp4 m4v avi mkv webm mxf mpg mpeg wmv r3d'],

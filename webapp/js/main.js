@@ -1,34 +1,51 @@
 import { Backbone } from './lib.js';
 import { Connection } from './models/connection.js';
+import { Downloads } from './models/downloads.js';
 import { Draft } from './models/draft.js';
+import { ReceivedMessages } from './models/received.js';
 import { Transfers } from './models/transfers.js';
-import { app, uploads } from './native.js';
+import { app, downloads as downloadManager, notifications, uploads } from './native.js';
+import { DownloadFlow } from './download_flow.js';
 import { installEntryPoints } from './entry_points.js';
+import { Notifier } from './notifier.js';
 import { Router } from './router.js';
 import { SendFlow } from './send_flow.js';
 import { service } from './service.js';
+import { applySavedSettings } from './saved_settings.js';
 import { Intake } from './intake.js';
 import { Shell } from './views/shell.js';
 
 const connection = new Connection();
 const draft = new Draft();
-const transfers = new Transfers([], { uploads, service, connection });
+const transfers = new Transfers([], { manager: uploads, service, connection });
+const downloads = new Downloads([], { manager: downloadManager, service, connection });
+const received = new ReceivedMessages([], { service, connection });
 const sendFlow = new SendFlow({ uploads, service, connection, transfers });
+const downloadFlow = new DownloadFlow({ manager: downloadManager, service, connection, transfers: downloads });
 const intake = new Intake(draft);
+const notifier = new Notifier({ notifications, address: `${window.location.origin}/app#transfers` });
+notifier.watch(transfers);
+notifier.watch(downloads);
 
 const shell = new Shell({
-  el: document.getElementById('app'), connection, draft, transfers, sendFlow, intake,
+  el: document.getElementById('app'), connection, draft, transfers, downloads, received, sendFlow, downloadFlow, intake,
 });
 shell.render();
 const router = new Router({ shell, draft });
-installEntryPoints({ transfers, intake, router });
+installEntryPoints({ transfers, downloads, intake, router });
 Backbone.history.start();
 
 const STANDSTILL_CHECK_MS = 4000;
-setInterval(() => transfers.lookForStandstill(), STANDSTILL_CHECK_MS);
+setInterval(() => {
+  transfers.lookForStandstill();
+  downloads.lookForStandstill();
+}, STANDSTILL_CHECK_MS);
 
-if (app.isThere()) {
-  app.ready()
-    .then(() => transfers.load())
-    .catch((error) => shell.notify({ kind: 'error', text: error.message }));
+async function start() {
+  await app.ready();
+  await applySavedSettings();
+  await transfers.load();
+  if (downloadManager.isThere()) await downloads.load();
 }
+
+if (app.isThere()) start().catch((error) => shell.notify({ kind: 'error', text: error.message }));

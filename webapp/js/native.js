@@ -16,16 +16,37 @@ export const chooser = {
   handleDrop: () => query(BRIDGES.files, 'handleDrop'),
 };
 
+/** What both transfer managers offer. */
+function manager(bridge) {
+  return {
+    isThere: () => isAvailable(bridge),
+    getConfiguration: () => query(bridge, 'getConfiguration'),
+    setConfiguration: (configuration) => query(bridge, 'setConfiguration', configuration),
+    fetchGroups: () => query(bridge, 'fetchGroupsState'),
+    createGroup: (parameters) => query(bridge, 'createGroup', parameters),
+    queueFiles: (groupId, files) => query(bridge, 'queueFiles', { groupId, files }),
+    dequeueFiles: (groupId, files) => query(bridge, 'dequeueFiles', { groupId, files }),
+    pause: (groupId) => query(bridge, 'pauseGroup', { groupId }),
+    resume: (groupId) => query(bridge, 'resumeGroup', { groupId }),
+    cancel: (groupId) => query(bridge, 'cancelGroup', { groupId }),
+  };
+}
+
 export const uploads = {
-  isThere: () => isAvailable(BRIDGES.upload),
-  getConfiguration: () => query(BRIDGES.upload, 'getConfiguration'),
-  setConfiguration: (configuration) => query(BRIDGES.upload, 'setConfiguration', configuration),
-  fetchGroups: () => query(BRIDGES.upload, 'fetchGroupsState'),
-  createGroup: (parameters) => query(BRIDGES.upload, 'createGroup', parameters),
-  queueFiles: (groupId, files) => query(BRIDGES.upload, 'queueFiles', { groupId, files }),
-  dequeueFiles: (groupId, files) => query(BRIDGES.upload, 'dequeueFiles', { groupId, files }),
+  ...manager(BRIDGES.upload),
   markQueue: (groupId) => query(BRIDGES.upload, 'markQueue', { groupId }),
-  pause: (groupId) => query(BRIDGES.upload, 'pauseGroup', { groupId }),
-  resume: (groupId) => query(BRIDGES.upload, 'resumeGroup', { groupId }),
-  cancel: (groupId) => query(BRIDGES.upload, 'cancelGroup', { groupId }),
+};
+
+/** `createGroup` gives null when the user chose no folder. */
+export const downloads = manager(BRIDGES.download);
+
+export const notifications = {
+  isThere: () => isAvailable(BRIDGES.notification),
+  show: (properties) => query(BRIDGES.notification, 'handleEvent', { properties }),
+};
+
+/** `search` gives an array of {email, name}, each of which may be missing, with null elements. */
+export const addressBook = {
+  isThere: () => isAvailable(BRIDGES.addressBook),
+  search: (text) => query(BRIDGES.addressBook, 'search', { query: text }),
 };

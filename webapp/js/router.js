@@ -5,6 +5,8 @@ export const Router = Backbone.Router.extend({
     '': 'newMessage',
     'message/new': 'newMessage',
     'share/new': 'newShare',
+    received: 'received',
+    'received/:bucket': 'received',
     transfers: 'transfers',
     settings: 'settings',
     '*unknown': 'newMessage',
@@ -22,6 +24,10 @@ export const Router = Backbone.Router.extend({
   newShare() {
     this.draft.set('kind', 'share');
     this.shell.show('send');
+  },
+
+  received(bucket) {
+    this.shell.show('received', bucket);
   },
 
   transfers() {

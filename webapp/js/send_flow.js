@@ -38,6 +38,7 @@ export class SendFlow {
       subject: content.subject,
       recipients: content.recipients,
       created: message.created,
+      tokenExpires: message.tokenExpires,
       phase: 'filling',
       fileCount: content.files.length,
       plannedBytes: content.bytes,

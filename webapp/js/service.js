@@ -58,6 +58,9 @@ async function refusal(answer) {
 
 const bucketPath = (bucketId) => `/api/messages/${encodeURIComponent(bucketId)}`;
 
+const receivedPath = (bucketId) => `/api/received/${encodeURIComponent(bucketId)}`;
+const LISTED_AT_ONCE = 5000;
+
 export const service = {
   status: () => call('GET', '/api/status'),
   createMessage: (message) => call('POST', '/api/messages', { body: message }),
@@ -69,4 +72,22 @@ export const service = {
     call('DELETE', `${bucketPath(bucketId)}/files/${encodeURIComponent(fileId)}`),
   completeMessage: (bucketId) => call('POST', `${bucketPath(bucketId)}/complete`),
   cancelMessage: (bucketId) => call('DELETE', bucketPath(bucketId)),
+  listReceived: () => call('GET', '/api/received'),
+  describeReceived: (bucketId) => call('GET', receivedPath(bucketId)),
+  listReceivedFiles: (bucketId, after = '0') =>
+    call('GET', `${receivedPath(bucketId)}/files?count=${LISTED_AT_ONCE}&after=${encodeURIComponent(after)}`),
+  requestDownloads: (bucketId, ids) =>
+    call('POST', `${receivedPath(bucketId)}/downloads`, { body: { files: ids } }),
+
+  /** The files of a message, in pieces, so that the page can draw in between. */
+  async allReceivedFiles(bucketId, onProgress = () => {}) {
+    const all = [];
+    for (let after = '0'; after !== null;) {
+      const { files, next } = await this.listReceivedFiles(bucketId, after);
+      all.push(...files);
+      onProgress(all.length);
+      after = next;
+    }
+    return all;
+  },
 };

@@ -1,48 +1,56 @@
-// Between the transfer configuration and what the settings page shows. Pure functions.
+// Between the transfer configurations and what the settings page shows. Pure functions.
 
 const MEGABYTE = 1000 * 1000;
 
-/** What the form's fields show for a configuration. */
-export function toForm(configuration) {
-  const throttle = configuration.throttleBytesPerSecond;
+/** What the form's fields show for the configurations {upload, download}; download may be null. */
+export function toForm({ upload, download }) {
   return {
-    maxConcurrentTransfers: String(configuration.maxConcurrentTransfers),
-    limited: throttle > 0,
-    throttle: throttle > 0 ? String(round(throttle / MEGABYTE)) : '10',
-    maxTransferRetries: String(configuration.maxTransferRetries),
-    verifyUploads: configuration.verifyUploads,
+    maxConcurrentTransfers: String(upload.maxConcurrentTransfers),
+    ...rateFields('limited', 'throttle', upload),
+    ...rateFields('downloadLimited', 'downloadThrottle', download),
+    maxTransferRetries: String(upload.maxTransferRetries),
+    verifyUploads: upload.verifyUploads,
+    minMultipartSize: String(round(upload.minMultipartSize / MEGABYTE)),
+    preventSleep: upload.preventSleep,
+    progressInterval: String(upload.serverTransferProgressInterval),
   };
 }
 
+function rateFields(limited, throttle, configuration) {
+  const rate = configuration?.throttleBytesPerSecond ?? 0;
+  return { [limited]: rate > 0, [throttle]: rate > 0 ? String(round(rate / MEGABYTE)) : '10' };
+}
+
 /**
- * The configuration of a filled form: {configuration, problems}, problems being texts by field.
- * Only what the application acts on has a field (parts of a file, staying awake and reports of progress do
- * not yet); what is not sent keeps its value.
+ * The changes that a filled form asks for: {changes, problems}, problems being texts by field. `changes` is
+ * {common, upload, download, interval}: for both managers, for each, and the seconds between reports.
  */
 export function fromForm(form) {
   const problems = {};
-  const number = (field, text, { least, most, whole }) => {
-    const value = Number(String(text).trim().replace(',', '.'));
-    const valid = String(text).trim() !== '' && Number.isFinite(value)
+  const number = (field, { least, most, whole = false }) => {
+    const text = String(form[field]).trim();
+    const value = Number(text.replace(',', '.'));
+    const valid = text !== '' && Number.isFinite(value)
       && value >= least && value <= most && (!whole || Number.isInteger(value));
     if (!valid) problems[field] = `Enter a ${whole ? 'whole ' : ''}number from ${least} to ${most}.`;
     return value;
   };
-  const concurrent = number('maxConcurrentTransfers', form.maxConcurrentTransfers,
-    { least: 1, most: 64, whole: true });
-  const retries = number('maxTransferRetries', form.maxTransferRetries,
-    { least: 0, most: 100, whole: true });
-  const throttle = form.limited
-    ? number('throttle', form.throttle, { least: 0.1, most: 10000, whole: false }) : 0;
-  return {
-    problems,
-    configuration: {
-      maxConcurrentTransfers: concurrent,
-      maxTransferRetries: retries,
-      throttleBytesPerSecond: Math.round(throttle * MEGABYTE),
+  const rate = (limited, field) => ({
+    throttleBytesPerSecond: form[limited] ? Math.round(number(field, { least: 0.1, most: 10000 }) * MEGABYTE) : 0,
+  });
+  const changes = {
+    common: {
+      maxConcurrentTransfers: number('maxConcurrentTransfers', { least: 1, most: 64, whole: true }),
+      maxTransferRetries: number('maxTransferRetries', { least: 0, most: 100, whole: true }),
+      minMultipartSize: Math.round(number('minMultipartSize', { least: 5, most: 5000 }) * MEGABYTE),
       verifyUploads: Boolean(form.verifyUploads),
+      preventSleep: Boolean(form.preventSleep),
     },
+    upload: rate('limited', 'throttle'),
+    download: rate('downloadLimited', 'downloadThrottle'),
+    interval: number('progressInterval', { least: 0, most: 3600, whole: true }),
   };
+  return { changes, problems };
 }
 
 function round(value) {

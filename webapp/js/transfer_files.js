@@ -83,6 +83,15 @@ export class TransferFiles {
     return true;
   }
 
+  /** All files that nothing is known of are done. */
+  completeRest() {
+    for (const index of [...this.#inState.get('UNKNWON')]) {
+      const file = this.#files[index];
+      this.#setDone(file, file.size);
+      this.#move(file, 'COMPLETED');
+    }
+  }
+
   /** Forgets a file that is not to be sent any more. Its index stays, its row says so. */
   leaveOut(id) {
     const file = this.byId(id);

@@ -4,41 +4,61 @@ import {
   formatCount, formatNumber, formatPercent, formatRate, formatSize, formatTimeLeft,
 } from './format.js';
 
-const GROUP = {
-  TRANSFERRING: { label: 'Sending', tone: 'active' },
-  ERRORED: { label: 'Failed', tone: 'error' },
-  COMPLETED: { label: 'Finishing', tone: 'active' },
-  PAUSED: { label: 'Paused', tone: 'paused' },
-  UNKNWON: { label: 'Waiting', tone: 'paused' },
+const WORDS = {
+  upload: {
+    moving: 'Sending', done: 'Sent', over: { label: 'Finishing', tone: 'active' }, verb: 'sent',
+    stopped: 'Sending stopped.',
+    goesOn: 'Sending goes on as soon as the service can be reached.',
+    advice: (one) => `Check that ${one ? 'it is' : 'they are'} still there and can be read; else the service did not take ${one ? 'it' : 'them'}.`,
+  },
+  download: {
+    moving: 'Downloading', done: 'Saved', over: { label: 'Downloaded', tone: 'done' }, verb: 'downloaded',
+    stopped: 'The download stopped.',
+    goesOn: 'The download goes on as soon as the service can be reached.',
+    advice: () => 'Check that there is room in the folder and that you may write to it; else the service does not have the right content.',
+  },
 };
 
+const wordsOf = (direction) => WORDS[direction] ?? WORDS.upload;
+
 /** The label and tone of a transfer's state. */
-export function groupWords({ phase, state }) {
+export function groupWords({ direction, phase, state }) {
+  const words = wordsOf(direction);
   if (phase === 'cancelled') return { label: 'Cancelled', tone: 'paused' };
   if (phase === 'delivered') return { label: 'Sent', tone: 'done' };
   if (phase === 'undelivered') return { label: 'Not delivered', tone: 'error' };
   if (phase === 'interrupted') return { label: 'Interrupted', tone: 'error' };
-  if (phase === 'filling' && state !== 'ERRORED' && state !== 'PAUSED') {
-    return { label: state === 'UNKNWON' ? 'Preparing' : 'Sending', tone: 'active' };
+  if (phase === 'filling' && state !== 'ERRORED' && (state !== 'PAUSED' || direction === 'download')) {
+    return { label: state === 'TRANSFERRING' ? words.moving : 'Preparing', tone: 'active' };
   }
-  return GROUP[state] ?? GROUP.UNKNWON;
+  if (state === 'TRANSFERRING') return { label: words.moving, tone: 'active' };
+  if (state === 'ERRORED') return { label: 'Failed', tone: 'error' };
+  if (state === 'COMPLETED') return words.over;
+  return { label: state === 'PAUSED' ? 'Paused' : 'Waiting', tone: 'paused' };
 }
 
-const FILE = {
-  COMPLETED: 'Sent', ERRORED: 'Failed', PAUSED: 'Paused', UNKNWON: 'Waiting',
-};
+const FILE = { ERRORED: 'Failed', PAUSED: 'Paused', UNKNWON: 'Waiting' };
 
-export function fileWords(file) {
+/** A file's state; `known` is false where nobody has told it yet. */
+export function fileWords(file, { direction = 'upload', known = true } = {}) {
   if (file.leftOut) return 'Left out';
   if (file.state === 'TRANSFERRING') return formatPercent(file.done, file.size);
+  if (file.state === 'COMPLETED') return wordsOf(direction).done;
+  if (file.state === 'UNKNWON' && !known) return '';
   return FILE[file.state] ?? FILE.UNKNWON;
 }
 
-/** "12 of 5,000 files, 45 MB of 1.2 GB" */
-export function progressWords({ done, count, bytesDone, bytesTotal, finished }) {
+/** What the filters of a transfer's files are called. */
+export function filterLabels(direction) {
+  const { moving, done } = wordsOf(direction);
+  return { all: 'All', moving, waiting: 'Waiting', done, failed: 'Failed' };
+}
+
+/** "12 of 5,000 files, 45 MB of 1.2 GB"; without the files where `known` is false. */
+export function progressWords({ done, count, bytesDone, bytesTotal, finished, known = true }) {
   if (finished) return `${formatCount(count, 'file')}, ${formatSize(bytesTotal)}`;
-  return `${formatNumber(done)} of ${formatCount(count, 'file')}, `
-    + `${formatSize(bytesDone)} of ${formatSize(bytesTotal)}`;
+  const bytes = `${formatSize(bytesDone)} of ${formatSize(bytesTotal)}`;
+  return known ? `${formatNumber(done)} of ${formatCount(count, 'file')}, ${bytes}` : bytes;
 }
 
 /** "12.3 MB/s, 3 min left"; empty while nothing moves. */
@@ -48,21 +68,19 @@ export function paceWords({ state, rate, secondsLeft }) {
 }
 
 /** What failed and what one can do about it; an empty text when nothing did. */
-export function failureWords({ names, total, phase, reachable = true }) {
+export function failureWords({ direction, names, total, phase, reachable = true, outOfTime = false }) {
+  const words = wordsOf(direction);
   if (phase === 'interrupted') {
     return 'Not all files were added before this page was loaded anew. Send what was added, or cancel and send again.';
   }
+  const failed = `${formatCount(total, 'file')} could not be ${words.verb}`;
   if (!reachable) {
-    return total === 0 ? 'Sending goes on as soon as the service can be reached.'
-      : `${formatCount(total, 'file')} could not be sent; they are tried again as soon as the service can be reached.`;
+    return total === 0 ? words.goesOn
+      : `${failed}; ${total === 1 ? 'it is' : 'they are'} tried again as soon as the service can be reached.`;
   }
-  if (total === 0) {
-    return 'Sending stopped. Check the connection to the service, then try again.';
-  }
+  if (outOfTime) return `${total === 0 ? words.stopped : `${failed}.`} The time that the service allows for it is over; begin anew.`;
+  if (total === 0) return `${words.stopped} Check the connection to the service, then try again.`;
   const listed = names.map((name) => `“${name}”`).join(', ');
   const more = total > names.length ? ` and ${formatNumber(total - names.length)} more` : '';
-  const there = total === 1 ? 'it is still there and can be read' : 'they are still there and can be read';
-  const it = total === 1 ? 'it' : 'them';
-  return `${formatCount(total, 'file')} could not be sent: ${listed}${more}. `
-    + `Check that ${there}; else the service did not take ${it}. Try again, or leave ${it} out.`;
+  return `${failed}: ${listed}${more}. ${words.advice(total === 1)} Try again, or leave ${total === 1 ? 'it' : 'them'} out.`;
 }

@@ -2,26 +2,33 @@ import { Backbone } from '../lib.js';
 import { TransferFiles } from '../transfer_files.js';
 
 /**
- * One group of the transfer library: a message on its way.
+ * One group of the transfer library: a message on its way, out (direction "upload") or in ("download").
  *
  * `phase` tells what the page itself does with it:
  *   filling      files are being handed over, `handedOver` of `fileCount` so far
  *   interrupted  it was being filled when the page was loaded anew; not all files are there
  *   running      the library has everything
  *   undelivered  the library is done, but the service does not accept the message
- *   delivered    the service has confirmed that the message is complete
+ *   delivered    the service has confirmed that the message is complete (uploads only)
  *   cancelled
- * `state` is the library's word for the group. `files` holds its files.
+ * `state` is the library's word for the group. `files` holds its files; `filesKnown` is false while
+ * nobody has told their states. `place` says in words where a download goes.
  */
 export const Transfer = Backbone.Model.extend({
   defaults: {
-    bucketId: '', subject: '', recipients: [], phase: 'running', state: 'UNKNWON', marked: false,
+    direction: 'upload', bucketId: '', sender: '', place: '', filesKnown: true, subject: '', recipients: [], phase: 'running', state: 'UNKNWON', marked: false,
     bytesTransferred: 0, bytesTotal: 0, rate: 0, secondsLeft: 0, handedOver: 0, fileCount: 0,
+    tokenExpires: 0,
     plannedBytes: 0, problem: '', created: 0,
   },
 
   initialize() {
     this.files = new TransferFiles();
+    // Whether it has been seen on its way, so that its end is news.
+    this.running = this.get('phase') === 'filling';
+    // Of downloads, by file: when its address expires (seconds since 1970), how often it was renewed.
+    this.expiries = new Map();
+    this.renewals = new Map();
   },
 
   /** Takes in a group object of the library. */
@@ -35,7 +42,19 @@ export const Transfer = Backbone.Model.extend({
       rate: group.bytesTransferredPerSecond,
       secondsLeft: group.estimatedEta,
     });
+    if (group.type === 'TRANSFERRING') this.running = true;
     if (group.cancelled) this.set('phase', 'cancelled');
+  },
+
+  /** Notes until when the addresses of files can be used. */
+  takeAddresses(files) {
+    files.forEach((file) => this.expiries.set(file.id, file.downloadDetails.expires));
+  },
+
+  /** Whether a file's address has expired; one of an earlier session may have. */
+  addressIsOld(fileId, now = Date.now()) {
+    const expires = this.expiries.get(fileId);
+    return expires === undefined || (expires > 0 && expires * 1000 <= now);
   },
 
   isFinished() {

@@ -3,6 +3,7 @@ import { el, setText } from '../dom.js';
 import { formatCount, formatSize } from '../format.js';
 import { icon } from '../icons.js';
 import { uploads } from '../native.js';
+import { RecipientsField } from './recipients_field.js';
 
 /** Title, recipients, message, and the button that sends it all. */
 export const Composer = Backbone.View.extend({
@@ -17,11 +18,9 @@ export const Composer = Backbone.View.extend({
   },
 
   render() {
+    this.recipients = new RecipientsField();
     this.fields = {
-      recipients: el('input', {
-        id: 'recipients', type: 'text', autocomplete: 'off', spellcheck: 'false',
-        placeholder: 'ann@example.org, bo@example.org', 'aria-describedby': 'recipients-error',
-      }),
+      recipients: this.recipients.input,
       subject: el('input', { id: 'subject', type: 'text', autocomplete: 'off', maxlength: '200' }),
       text: el('textarea', { id: 'message', rows: '5' }),
     };
@@ -33,7 +32,7 @@ export const Composer = Backbone.View.extend({
     }, icon('send'), this.sendLabel);
     this.summary = el('p', { class: 'muted composer-summary', 'data-test': 'send-summary' });
     this.el.append(
-      this.field('recipients', 'To', this.errors.recipients),
+      this.field('recipients', 'To', this.errors.recipients, this.recipients.el),
       this.field('subject', 'Title'),
       this.field('text', 'Message'),
       this.errors.files, this.sendError, this.button, this.summary);
@@ -45,9 +44,8 @@ export const Composer = Backbone.View.extend({
     return this;
   },
 
-  field(name, label, error = null) {
-    const input = this.fields[name];
-    return el('div', { class: 'field' }, el('label', { for: input.id }, label), input, error);
+  field(name, label, error = null, control = this.fields[name]) {
+    return el('div', { class: 'field' }, el('label', { for: this.fields[name].id }, label), control, error);
   },
 
   errorLine(name) {

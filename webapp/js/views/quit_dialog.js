@@ -3,16 +3,16 @@ import { ConfirmDialog } from './dialog.js';
 
 /** Ends the application; asks first while transfers are running. */
 export class QuitDialog {
-  constructor({ transfers, notify }) {
-    Object.assign(this, { transfers, notify });
+  constructor({ collections, notify }) {
+    Object.assign(this, { collections, notify });
     this.dialog = new ConfirmDialog({ yes: 'Quit', no: 'Stay', test: 'quit-dialog' });
     this.el = this.dialog.el;
   }
 
   async ask() {
-    const unfinished = this.transfers.some((transfer) => transfer.isUnfinished());
-    if (unfinished && !await this.dialog.ask('Not everything is sent yet',
-      'Files that have not been sent when you quit have to be sent again.')) return;
+    const unfinished = this.collections.some((collection) => collection.some((transfer) => transfer.isUnfinished()));
+    if (unfinished && !await this.dialog.ask('Transfers are still running',
+      'Files that have not been sent when you quit have to be sent again; downloads have to be begun again.')) return;
     try {
       await app.exit();
     } catch (error) {

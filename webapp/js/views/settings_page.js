@@ -1,6 +1,7 @@
 import { Backbone } from '../lib.js';
 import { el, setText } from '../dom.js';
-import { uploads } from '../native.js';
+import { downloads, uploads } from '../native.js';
+import { changeSettings, readSettings, saveSettings } from '../saved_settings.js';
 import { fromForm, toForm } from '../settings_values.js';
 
 /** How the application transfers files. */
@@ -21,12 +22,21 @@ export const SettingsPage = Backbone.View.extend({
           'More can be faster with many small files.'),
         this.checkField('limited', 'Limit the upload rate', 'Leaves room for others on your connection.'),
         this.numberField('throttle', 'Upload rate at most', 'MB/s', 'Changes apply at once, also to what is running.'),
+        ...(downloads.isThere() ? [
+          this.checkField('downloadLimited', 'Limit the download rate', 'The same for what you receive.'),
+          this.numberField('downloadThrottle', 'Download rate at most', 'MB/s', 'Changes apply at once, also to what is running.'),
+        ] : []),
       ]),
       this.section('Reliability', [
         this.numberField('maxTransferRetries', 'Attempts after a failure', 'times',
           'How often a file is tried again before it counts as failed.'),
         this.checkField('verifyUploads', 'Check what arrived',
           'Compares checksums with the service after each file.'),
+        this.numberField('minMultipartSize', 'Transfer in parts from', 'MB',
+          'Larger files go in several parts at the same time; what failed of them need not be sent again.'),
+        this.checkField('preventSleep', 'Keep the computer awake', 'While something is being transferred.'),
+        this.numberField('progressInterval', 'Report progress to the service every', 's',
+          'So that others see how far a message is. 0 for never.'),
       ]),
       el('div', { class: 'settings-buttons' },
         this.saveButton = el('button', { id: 'save-settings', type: 'submit', class: 'button primary' }, 'Save'),
@@ -70,16 +80,17 @@ export const SettingsPage = Backbone.View.extend({
   async load() {
     if (!uploads.isThere()) return;
     try {
-      this.fill(await uploads.getConfiguration());
+      this.fill(await readSettings());
       setText(this.saved, '');
     } catch (error) {
       this.notify({ kind: 'error', text: error.message });
     }
   },
 
-  fill(configuration) {
-    for (const [name, value] of Object.entries(toForm(configuration))) {
+  fill(configurations) {
+    for (const [name, value] of Object.entries(toForm(configurations))) {
       const input = this.inputs[name];
+      if (!input) continue;
       if (input.type === 'checkbox') input.checked = value;
       else input.value = value;
     }
@@ -87,7 +98,9 @@ export const SettingsPage = Backbone.View.extend({
   },
 
   edited() {
-    this.inputs.throttle.disabled = !this.inputs.limited.checked;
+    for (const [limited, rate] of [['limited', 'throttle'], ['downloadLimited', 'downloadThrottle']]) {
+      if (this.inputs[rate]) this.inputs[rate].disabled = !this.inputs[limited].checked;
+    }
     setText(this.saved, '');
   },
 
@@ -95,12 +108,13 @@ export const SettingsPage = Backbone.View.extend({
     event.preventDefault();
     const form = Object.fromEntries(Object.entries(this.inputs).map(
       ([name, input]) => [name, input.type === 'checkbox' ? input.checked : input.value]));
-    const { configuration, problems } = fromForm(form);
+    const { changes, problems } = fromForm(form);
     this.showProblems(problems);
     setText(this.saved, '');
     if (Object.keys(problems).length > 0) return;
     try {
-      this.fill(await uploads.setConfiguration(configuration));
+      this.fill(await changeSettings(changes));
+      saveSettings(changes);
       setText(this.saved, 'Saved');
     } catch (error) {
       this.notify({ kind: 'error', text: error.message });

@@ -5,6 +5,7 @@ import { app, uploads } from '../native.js';
 import { ConnectionBanner } from './connection_banner.js';
 import { DropOverlay } from './drop_overlay.js';
 import { QuitDialog } from './quit_dialog.js';
+import { ReceivedPage } from './received_page.js';
 import { SendPage } from './send_page.js';
 import { SettingsPage } from './settings_page.js';
 import { Toast } from './toast.js';
@@ -12,6 +13,7 @@ import { TransfersPage } from './transfers_page.js';
 
 const NAVIGATION = [
   { page: 'send', route: 'message/new', label: 'Send', icon: 'send' },
+  { page: 'received', route: 'received', label: 'Received', icon: 'received' },
   { page: 'transfers', route: 'transfers', label: 'Transfers', icon: 'transfers' },
   { page: 'settings', route: 'settings', label: 'Settings', icon: 'settings' },
 ];
@@ -22,13 +24,16 @@ export const Shell = Backbone.View.extend({
     Object.assign(this, options);
     this.context = {
       connection: options.connection, draft: options.draft, transfers: options.transfers,
-      sendFlow: options.sendFlow, intake: options.intake, notify: (notice) => this.notify(notice),
+      downloads: options.downloads, received: options.received, sendFlow: options.sendFlow,
+      downloadFlow: options.downloadFlow, intake: options.intake, notify: (notice) => this.notify(notice),
     };
-    this.makers = { send: SendPage, transfers: TransfersPage, settings: SettingsPage };
+    this.makers = { send: SendPage, received: ReceivedPage, transfers: TransfersPage, settings: SettingsPage };
     this.pages = {};
-    this.listenTo(this.transfers, 'add remove state change:phase', this.renderBadge);
-    this.listenTo(this.transfers, 'state', this.announceState);
-    this.listenTo(this.transfers, 'add', () => this.toast.hide());
+    for (const collection of [this.transfers, this.downloads]) {
+      this.listenTo(collection, 'add remove state change:phase', this.renderBadge);
+      this.listenTo(collection, 'state', this.announceState);
+      this.listenTo(collection, 'add', () => this.toast.hide());
+    }
     this.listenTo(this.intake, 'outcome', this.notify);
   },
 
@@ -36,7 +41,7 @@ export const Shell = Backbone.View.extend({
     this.main = el('main', { id: 'main', tabindex: '-1' });
     this.badge = el('span', { class: 'badge', 'data-test': 'active-count' });
     this.toast = new Toast();
-    this.quitDialog = new QuitDialog({ transfers: this.transfers, notify: this.context.notify });
+    this.quitDialog = new QuitDialog({ collections: [this.transfers, this.downloads], notify: this.context.notify });
     this.el.append(
       el('a', { class: 'skip-link', href: '#main', onclick: (event) => this.skip(event) }, 'Skip to content'),
       this.renderSidebar(),
@@ -74,7 +79,8 @@ export const Shell = Backbone.View.extend({
         ' Choosing and sending files needs the Zantrio application.'));
   },
 
-  show(name) {
+  /** Shows a page; `detail` is for the page to show what of it. */
+  show(name, detail = null) {
     if (!this.pages[name]) {
       this.pages[name] = new this.makers[name](this.context);
       this.pages[name].render();
@@ -82,7 +88,7 @@ export const Shell = Backbone.View.extend({
     const focusWasInside = this.main.contains(document.activeElement);
     this.shown = this.pages[name];
     this.main.replaceChildren(this.shown.el);
-    this.shown.trigger('show');
+    this.shown.trigger('show', detail);
     // The focus must not get lost with the page that had it.
     if (focusWasInside) this.main.focus({ preventScroll: true });
     NAVIGATION.forEach((entry, index) => {
@@ -102,14 +108,17 @@ export const Shell = Backbone.View.extend({
   },
 
   renderBadge() {
-    const active = this.transfers.filter((transfer) => transfer.isActive()).length;
+    const active = [...this.transfers.models, ...this.downloads.models]
+      .filter((transfer) => transfer.isActive()).length;
     setText(this.badge, active > 0 ? String(active) : '');
     this.badge.hidden = active === 0;
     this.badge.setAttribute('aria-label', `${active} running`);
   },
 
   announceState(transfer) {
-    const words = { COMPLETED: 'is sent', ERRORED: 'has failed', PAUSED: 'is paused' };
+    if (transfer.get('phase') === 'filling') return;
+    const done = transfer.get('direction') === 'download' ? 'is downloaded' : 'is sent';
+    const words = { COMPLETED: done, ERRORED: 'has failed', PAUSED: 'is paused' };
     const word = words[transfer.get('state')];
     if (word && transfer.get('subject')) announce(`${transfer.get('subject')} ${word}.`);
   },

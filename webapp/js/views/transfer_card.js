@@ -2,26 +2,31 @@ import { Backbone } from '../lib.js';
 import { el, setText } from '../dom.js';
 import { formatNumber } from '../format.js';
 import { icon } from '../icons.js';
+import { senderName } from '../sender_name.js';
 import { failureWords, groupWords, paceWords, progressWords } from '../transfer_words.js';
 import { ConfirmDialog } from './dialog.js';
 import { TransferFilesView } from './transfer_files_view.js';
 
 const NAMED_FAILURES = 3;
+let lastCard = 0;
 
 /** One transfer: how far it is, what went wrong, and what one can do. */
 export const TransferCard = Backbone.View.extend({
   tagName: 'article',
   className: 'panel card',
 
-  initialize({ transfers, connection, notify }) {
-    Object.assign(this, { transfers, connection, notify });
+  /** `compact`: as a part of another view, without its files and head line. */
+  initialize({ transfers, connection, notify, compact = false }) {
+    Object.assign(this, { transfers, connection, notify, compact });
     this.listenTo(connection, 'change:reachable', this.update);
     this.listenTo(this.model, 'moved change:phase change:problem change:subject', this.update);
     this.on('show', this.update);
   },
 
   render() {
-    const id = `transfer-${this.model.id}`;
+    const sending = this.model.get('direction') === 'upload';
+    lastCard += 1;
+    const id = `transfer-${lastCard}`;
     this.title = el('h2', { id, 'data-test': 'group-title' });
     this.recipients = el('p', { class: 'muted card-recipients' });
     this.state = el('span', { class: 'chip', 'data-test': 'group-state' });
@@ -37,13 +42,17 @@ export const TransferCard = Backbone.View.extend({
       icon('warning'), this.problemText);
     this.filesView = new TransferFilesView({ model: this.model, transfers: this.transfers, run: (action) => this.run(action) });
     this.cancelDialog = new ConfirmDialog({
-      yes: 'Cancel transfer', no: 'Go on', dangerous: true, test: 'cancel-dialog',
+      yes: sending ? 'Cancel transfer' : 'Cancel download', no: 'Go on', dangerous: true, test: 'cancel-dialog',
     });
     this.el.dataset.test = 'group';
+    this.el.classList.toggle('is-compact', this.compact);
     this.el.dataset.groupId = this.model.id;
+    this.el.dataset.direction = this.model.get('direction');
     this.el.setAttribute('aria-labelledby', id);
     this.el.append(
       el('div', { class: 'card-head' },
+        el('span', { class: 'card-direction', title: sending ? 'Sent by you' : 'Downloaded' },
+          icon(sending ? 'send' : 'download')),
         el('div', { class: 'card-titles' }, this.title, this.recipients), this.state),
       this.progress,
       el('div', { class: 'card-numbers' }, this.detail, this.pace),
@@ -69,7 +78,7 @@ export const TransferCard = Backbone.View.extend({
       type: 'button', class: 'button small quiet files-toggle', 'data-test': 'group-files-toggle',
       'aria-expanded': 'false', onclick: () => this.toggleFiles(),
     }, 'Files', icon('chevron'));
-    return el('div', { class: 'card-actions' }, Object.values(this.buttons), this.toggle);
+    return el('div', { class: 'card-actions' }, Object.values(this.buttons), this.compact ? null : this.toggle);
   },
 
   toggleFiles() {
@@ -88,10 +97,13 @@ export const TransferCard = Backbone.View.extend({
 
   async cancel() {
     const title = this.model.get('subject') || 'This transfer';
-    if (!await this.cancelDialog.ask('Cancel the transfer?',
-      `“${title}” is not delivered. Your own files stay where they are.`)) return;
+    const sending = this.model.get('direction') === 'upload';
+    const [question, consequence] = sending
+      ? ['Cancel the transfer?', `“${title}” is not delivered. Your own files stay where they are.`]
+      : ['Cancel the download?', `Files of “${title}” that are there already stay; the others are not downloaded.`];
+    if (!await this.cancelDialog.ask(question, consequence)) return;
     if (!await this.transfers.cancel(this.model)) {
-      this.notify({ kind: 'error', text: `“${title}” could not be cancelled: everything is sent already.` });
+      this.notify({ kind: 'error', text: `“${title}” could not be cancelled: everything is ${sending ? 'sent' : 'downloaded'} already.` });
     }
   },
 
@@ -107,10 +119,11 @@ export const TransferCard = Backbone.View.extend({
 
   updateTexts() {
     const { model } = this;
-    const { state, phase, subject, recipients, rate } = model.attributes;
-    const words = groupWords({ phase, state });
-    setText(this.title, subject || `Transfer ${model.id}`);
-    setText(this.recipients, recipients.length > 0 ? `To ${recipients.join(', ')}` : '');
+    const { direction, state, phase, subject, rate } = model.attributes;
+    const words = groupWords({ direction, phase, state });
+    const fallback = `${direction === 'download' ? 'Download' : 'Transfer'} ${model.id}`;
+    setText(this.title, this.compact ? this.whereTo() || fallback : subject || fallback);
+    setText(this.recipients, this.compact ? '' : this.whose());
     setText(this.state, words.label);
     this.state.className = `chip chip-${words.tone}`;
     this.state.dataset.state = state;
@@ -125,11 +138,23 @@ export const TransferCard = Backbone.View.extend({
     setText(this.pace, phase === 'cancelled' ? '' : paceWords({ state, rate, secondsLeft: model.timeLeft() }));
   },
 
+  whose() {
+    const { direction, recipients, sender } = this.model.attributes;
+    if (direction === 'upload') return recipients.length > 0 ? `To ${recipients.join(', ')}` : '';
+    return [sender && `From ${senderName(sender)}`, this.whereTo()].filter(Boolean).join(' · ');
+  },
+
+  whereTo() {
+    const { place } = this.model.attributes;
+    return place && `To ${place}`;
+  },
+
   detailText(total, finished) {
     const { model } = this;
     const words = progressWords({
       done: model.files.countIn('COMPLETED'), count: model.fileTotal(),
       bytesDone: Math.min(model.bytesDone(), total), bytesTotal: total, finished,
+      known: model.get('filesKnown'),
     });
     if (model.get('phase') !== 'filling') return words;
     return `${words}. Adding files: ${formatNumber(model.get('handedOver'))} of ${formatNumber(model.get('fileCount'))}`;
@@ -137,13 +162,15 @@ export const TransferCard = Backbone.View.extend({
 
   updateProblem() {
     const { model } = this;
-    const { state, phase, problem } = model.attributes;
+    const { direction, state, phase, problem, tokenExpires } = model.attributes;
     const failed = (state === 'ERRORED' || phase === 'interrupted') && phase !== 'cancelled';
     this.problem.hidden = !failed && !problem;
     if (this.problem.hidden) return;
     const names = model.files.firstIn('ERRORED', NAMED_FAILURES).map((file) => file.name);
     const words = failed ? failureWords({
-      names, total: model.files.countIn('ERRORED'), phase, reachable: this.connection.get('reachable'),
+      direction, names, total: model.files.countIn('ERRORED'), phase,
+      reachable: this.connection.get('reachable'),
+      outOfTime: tokenExpires > 0 && tokenExpires * 1000 <= Date.now(),
     }) : '';
     setText(this.problemText, [problem, words].filter(Boolean).join(' '));
   },

@@ -1,17 +1,17 @@
 import { el, setText } from '../dom.js';
 import { formatNumber, formatSize } from '../format.js';
 import { icon } from '../icons.js';
-import { fileWords } from '../transfer_words.js';
+import { fileWords, filterLabels } from '../transfer_words.js';
 import { VirtualList } from './virtual_list.js';
 
 const ROW_HEIGHT = 48;
 
 const FILTERS = [
-  { name: 'all', label: 'All', state: null },
-  { name: 'sending', label: 'Sending', state: 'TRANSFERRING' },
-  { name: 'waiting', label: 'Waiting', state: 'UNKNWON' },
-  { name: 'done', label: 'Sent', state: 'COMPLETED' },
-  { name: 'failed', label: 'Failed', state: 'ERRORED' },
+  { name: 'all', label: 'all', state: null },
+  { name: 'sending', label: 'moving', state: 'TRANSFERRING' },
+  { name: 'waiting', label: 'waiting', state: 'UNKNWON' },
+  { name: 'done', label: 'done', state: 'COMPLETED' },
+  { name: 'failed', label: 'failed', state: 'ERRORED' },
 ];
 
 /** The files of a transfer, all or those in one state. Costs nothing while it is closed. */
@@ -43,12 +43,13 @@ export class TransferFilesView {
   }
 
   #build() {
+    const labels = filterLabels(this.model.get('direction'));
     this.tabs = FILTERS.map((filter) => {
       const counter = el('span', { class: 'tab-count' });
       const button = el('button', {
         type: 'button', class: 'tab', 'aria-pressed': String(filter === this.filter),
         'data-test': `filter-${filter.name}`, onclick: () => this.#choose(filter),
-      }, filter.label, ' ', counter);
+      }, labels[filter.label], ' ', counter);
       return { ...filter, filter, button, counter };
     });
     this.list = new VirtualList({
@@ -97,7 +98,9 @@ export class TransferFilesView {
     leaveOut.hidden = file.state !== 'ERRORED' || file.leftOut;
     leaveOut.setAttribute('aria-label', `Leave out ${file.name}`);
     setText(size, formatSize(file.size));
-    setText(state.lastChild, fileWords(file));
+    setText(state.lastChild, fileWords(file, {
+      direction: this.model.get('direction'), known: this.model.get('filesKnown'),
+    }));
     const moving = file.state === 'TRANSFERRING' || file.state === 'PAUSED';
     bar.hidden = !moving || file.leftOut;
     bar.firstChild.style.transform = `scaleX(${file.size > 0 ? Math.min(1, file.done / file.size) : 0})`;

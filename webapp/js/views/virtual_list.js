@@ -14,11 +14,11 @@ export class VirtualList {
   #count = 0;
   #scheduled = false;
 
-  constructor({ id, label, rowHeight, makeRow, fillRow }) {
-    Object.assign(this, { rowHeight, makeRow, fillRow });
+  constructor({ id, label, rowHeight, makeRow, fillRow, role = 'list', rowRole = 'listitem' }) {
+    Object.assign(this, { rowHeight, makeRow, fillRow, rowRole });
     this.canvas = el('div', { class: 'rows-canvas', role: 'presentation' });
     this.element = el('div', {
-      id, class: 'rows', role: 'list', tabindex: '0', 'aria-label': label,
+      id, class: 'rows', role, tabindex: '0', 'aria-label': label,
       onscroll: () => this.#soon(),
     }, this.canvas);
     this.observer = new ResizeObserver(() => this.#soon());
@@ -76,7 +76,7 @@ export class VirtualList {
 
   #insert(index) {
     const row = this.#spare.pop() ?? this.makeRow();
-    row.setAttribute('role', 'listitem');
+    row.setAttribute('role', this.rowRole);
     row.style.transform = `translateY(${index * this.rowHeight}px)`;
     this.#rows.set(index, row);
     this.#fill(row, index);

@@ -1,0 +1,148 @@
+import assert from 'node:assert/strict';
+import { test } from 'node:test';
+import './libraries.js';
+import {
+  connection, FakeService, FakeUploads, groupEvent, settled,
+} from './fakes.js';
+
+globalThis.requestAnimationFrame = () => {};
+const stored = new Map();
+globalThis.localStorage = {
+  getItem: (key) => stored.get(key) ?? null, setItem: (key, value) => stored.set(key, value),
+};
+
+const { Downloads } = await import('../../webapp/js/models/downloads.js');
+const { DownloadFlow } = await import('../../webapp/js/download_flow.js');
+
+const MESSAGE = { bucketId: 'b1', bucketType: 'message', subject: 'Fotos: März/April', sender: 'Bo <bo@example.org>' };
+const files = (count) => Array.from({ length: count }, (_, i) => ({ id: String(i + 1), path: `d/${i + 1}`, size: 10 }));
+
+function make() {
+  stored.clear();
+  const manager = new FakeUploads();
+  const service = new FakeService();
+  const downloads = new Downloads([], { manager, service, connection });
+  const over = [];
+  downloads.on('over', (transfer) => over.push(transfer.get('state')));
+  return { manager, service, downloads, over, flow: new DownloadFlow({ manager, service, connection, transfers: downloads }) };
+}
+
+async function begin({ flow }, wanted, options = { automatic: true, whole: true }) {
+  const begun = await flow.begin(MESSAGE, wanted, options);
+  await flow.fill(begun, MESSAGE, wanted);
+  return begun.transfer;
+}
+
+const fileEvent = (fileId, type) => ({
+  id: '1', bucketId: 'b1', fileId, type, state: { type, bytesTransfered: 0, bytesTotal: 10, percentTransferred: 0 },
+});
+
+test('creates the group with the token of the addresses and a safe folder name', async () => {
+  const all = make();
+  await begin(all, files(2));
+  assert.deepEqual(all.manager.calls, [
+    ['createGroup', {
+      bucketId: 'b1', bucketType: 'message', token: 'reading', tokenExpires: 9, summary: 'Fotos März April', autoDownload: true,
+    }],
+    ['queueFiles', '1', 2],
+  ]);
+  assert.deepEqual(all.manager.queued[1], {
+    id: '2', path: 'd/2', size: 10, modified: 5, md5Digest: 'm2', downloadDetails: { url: 'u2-1', expires: 0 },
+  });
+});
+
+test('many files come in batches, while the group is paused: it must not be complete with some of them', async () => {
+  const all = make();
+  await begin(all, files(4500));
+  assert.deepEqual(all.manager.calls.slice(1), [
+    ['pause', '1'], ['queueFiles', '1', 2000], ['queueFiles', '1', 2000], ['queueFiles', '1', 500], ['resume', '1'],
+  ]);
+  assert.deepEqual(all.manager.queued.map((file) => file.id), files(4500).map((file) => file.id));
+});
+
+test('nothing is downloaded when the user chooses no folder', async () => {
+  const all = make();
+  all.manager.createGroup = async () => null;
+  assert.equal(await all.flow.begin(MESSAGE, files(1), { automatic: false, whole: true }), null);
+  assert.equal(all.downloads.length, 0);
+});
+
+test('a download that is complete before it is known to be full is over once it is', async () => {
+  const all = make();
+  const wanted = files(1);
+  const begun = await all.flow.begin(MESSAGE, wanted, { automatic: true, whole: true });
+  all.downloads.groupChanged(groupEvent('1', { type: 'COMPLETED' }));
+  assert.deepEqual(all.over, []);
+  await all.flow.fill(begun, MESSAGE, wanted);
+  assert.deepEqual(all.over, ['COMPLETED']);
+  assert.equal(begun.transfer.isFinished(), true);
+});
+
+test('files whose addresses have expired get new ones by themselves, but not for ever', async () => {
+  const all = make();
+  all.service.expires = 1000;  // long ago
+  const transfer = await begin(all, files(3));
+  for (let round = 0; round < 6; round += 1) {
+    all.downloads.fileChanged(fileEvent('1', 'ERRORED'));
+    all.downloads.fileChanged(fileEvent('3', 'ERRORED'));
+    all.downloads.groupChanged(groupEvent('1', { type: 'ERRORED' }));
+    clearTimeout(transfer.renewal);
+    if (transfer.renewal) await all.downloads.renewNow(transfer);
+    await settled();
+    all.downloads.fileChanged(fileEvent('1', 'TRANSFERRING'));
+    all.downloads.fileChanged(fileEvent('3', 'TRANSFERRING'));
+    all.downloads.groupChanged(groupEvent('1', { type: 'TRANSFERRING' }));
+  }
+  assert.deepEqual(all.service.calls.map((call) => call[2]), [3, 2, 2, 2]);
+  assert.ok(all.over.length > 0, 'at the end it has failed');
+});
+
+test('files that failed for another reason wait for the user, who gets new addresses for them', async () => {
+  const all = make();
+  const transfer = await begin(all, files(3));
+  all.downloads.groupChanged(groupEvent('1', { type: 'TRANSFERRING' }));
+  all.downloads.fileChanged(fileEvent('2', 'ERRORED'));
+  all.downloads.groupChanged(groupEvent('1', { type: 'ERRORED' }));
+  await settled();
+  assert.deepEqual(all.over, ['ERRORED']);
+  assert.equal(all.service.calls.length, 1);
+  await all.downloads.retry(transfer);
+  assert.deepEqual(all.service.calls[1], ['requestDownloads', 'b1', 1]);
+  assert.deepEqual(all.manager.calls.slice(-2), [['queueFiles', '1', 1], ['resume', '1']]);
+});
+
+test('a message that is gone is told as the reason', async () => {
+  const all = make();
+  const transfer = await begin(all, files(1));
+  transfer.expiries.set('1', 1000);
+  all.service.requestDownloads = async () => { throw new Error('The message has expired; its files are gone.'); };
+  await all.downloads.renewNow(Object.assign(transfer, { renewing: new Set(['1']) }));
+  assert.match(transfer.get('problem'), /The message has expired/);
+});
+
+test('recalls a download of an earlier session with the files that were chosen', async () => {
+  const all = make();
+  await begin(all, files(2).slice(1), { automatic: true, whole: false });
+  const later = new Downloads([], { manager: all.manager, service: all.service, connection });
+  later.groupChanged(groupEvent('1', { type: 'TRANSFERRING', bytesTotal: 7 }));
+  await settled();
+  const transfer = later.get('1');
+  assert.deepEqual([transfer.get('subject'), transfer.get('place')], ['For you', 'Downloads › Zantrio › Fotos März April']);
+  assert.deepEqual([transfer.files.count, transfer.files.at(0).name], [1, 'c.txt']);
+  assert.equal(transfer.get('filesKnown'), false);
+  later.groupChanged(groupEvent('1', { type: 'COMPLETED', bytesTotal: 7, bytesTransferred: 7 }));
+  assert.equal(transfer.files.countIn('COMPLETED'), 1);
+});
+
+test('a download of the same message again is shown although the earlier one was cleared', async () => {
+  const all = make();
+  const transfer = await begin(all, files(1));
+  all.downloads.groupChanged(groupEvent('1', { type: 'COMPLETED' }));
+  all.downloads.clearFinished();
+  assert.equal(all.downloads.length, 0);
+  all.downloads.groupChanged(groupEvent('1', { type: 'COMPLETED' }));
+  assert.equal(all.downloads.length, 0);
+  all.downloads.groupChanged(groupEvent('2', { type: 'TRANSFERRING' }));
+  assert.equal(all.downloads.length, 1);
+  assert.ok(transfer);
+});

@@ -1,0 +1,39 @@
+import assert from 'node:assert/strict';
+import { test } from 'node:test';
+import './libraries.js';
+
+const { Transfer } = await import('../../webapp/js/models/transfer.js');
+const { Notifier, notificationWords } = await import('../../webapp/js/notifier.js');
+const { Backbone } = await import('../../webapp/js/lib.js');
+
+function over(attributes, states) {
+  const transfer = new Transfer({ id: '1', subject: 'Film', ...attributes });
+  states.forEach((state, i) => transfer.files.update(String(i), state, 0, 10));
+  return transfer;
+}
+const titleOf = (attributes, states) => notificationWords(over(attributes, states)).title;
+
+test('says how many files went well or did not', () => {
+  const sent = { direction: 'upload', state: 'COMPLETED', phase: 'delivered', recipients: ['ann@example.org'] };
+  assert.deepEqual(notificationWords(over(sent, ['COMPLETED', 'COMPLETED'])),
+    { title: '2 files sent', message: '“Film” to ann@example.org' });
+  assert.equal(titleOf({ direction: 'download', state: 'COMPLETED' }, ['COMPLETED']), '1 file downloaded');
+  assert.equal(titleOf({ direction: 'download', state: 'COMPLETED', fileCount: 3000 }, []), '3,000 files downloaded');
+  assert.equal(titleOf({ direction: 'upload', state: 'ERRORED' }, ['ERRORED', 'COMPLETED']), '1 of 2 files could not be sent');
+  assert.equal(titleOf({ direction: 'download', state: 'ERRORED' }, []), 'The download has stopped');
+  assert.equal(titleOf({ direction: 'upload', state: 'COMPLETED', phase: 'undelivered' }, ['COMPLETED']), 'A message was not delivered');
+});
+
+test('shows one for each transfer that is over, and bears a bridge that fails', async () => {
+  const shown = [];
+  const notifications = {
+    isThere: () => true,
+    show: async (properties) => { shown.push(properties); throw new Error('no notifications here'); },
+  };
+  const transfers = new Backbone.Collection();
+  new Notifier({ notifications, address: 'http://x/app#transfers' }).watch(transfers);
+  transfers.trigger('over', over({ direction: 'download', state: 'COMPLETED' }, ['COMPLETED']));
+  await new Promise((resolve) => { setImmediate(resolve); });
+  assert.equal(shown.length, 1);
+  assert.equal(shown[0].url, 'http://x/app#transfers');
+});

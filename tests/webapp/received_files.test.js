@@ -1,0 +1,51 @@
+import assert from 'node:assert/strict';
+import { test } from 'node:test';
+import { ReceivedFiles } from '../../webapp/js/received_files.js';
+
+const list = (count) => new ReceivedFiles(Array.from({ length: count }, (_, i) => (
+  { id: String(i + 1), path: `Folder ${i % 10}/Note ${i}.txt`, size: 10 })));
+const ids = (files) => files.wanted().map((file) => file.id);
+
+test('chooses single files and ranges, and keeps their sums', () => {
+  const files = list(20);
+  files.choose(3, true);
+  files.choose(3, true);
+  files.chooseRange(7, 5, true);
+  assert.deepEqual([files.chosenCount, files.chosenBytes, files.bytes], [4, 40, 200]);
+  files.choose(6, false);
+  assert.deepEqual(ids(files), ['4', '6', '8']);
+  assert.equal(files.chosenOfShown(), 'some');
+});
+
+test('downloads all files where none is chosen', () => {
+  const files = list(3);
+  assert.equal(files.chosenOfShown(), 'none');
+  assert.deepEqual(ids(files), ['1', '2', '3']);
+  files.chooseShown(true);
+  assert.equal(files.chosenOfShown(), 'all');
+});
+
+test('finds files by words of their name and folder, and chooses only what is shown', () => {
+  const files = list(100);
+  files.choose(0, true);
+  files.filter(' FOLDER 3/  .txt');
+  assert.equal(files.count, 10);
+  assert.equal(files.at(1).name, 'Note 13.txt');
+  assert.equal(files.chosenOfShown(), 'none');
+  files.chooseShown(true);
+  assert.equal(files.chosenOfShown(), 'all');
+  files.filter('nothing has this');
+  assert.equal(files.count, 0);
+  files.chooseShown(true);
+  files.filter('');
+  assert.deepEqual([files.count, files.chosenCount], [100, 11]);
+  assert.deepEqual(ids(files).slice(0, 3), ['1', '4', '14']);
+});
+
+test('takes 100,000 files', () => {
+  const files = list(100_000);
+  files.chooseShown(true);
+  files.choose(50_000, false);
+  assert.equal(files.chosenCount, 99_999);
+  assert.equal(files.wanted().length, 99_999);
+});

@@ -1,0 +1,76 @@
+import assert from 'node:assert/strict';
+import { mock, test } from 'node:test';
+import { entryAt, recipientText, replaceEntry, usableSuggestions } from '../../webapp/js/recipient_entry.js';
+import { parseRecipients } from '../../webapp/js/recipients.js';
+import { SuggestionSearch } from '../../webapp/js/suggestion_search.js';
+
+test('finds the entry at the caret', () => {
+  assert.equal(entryAt('ann@example.org, bo', 19).text, 'bo');
+  assert.equal(entryAt('an, bo@example.org', 2).text, 'an');
+  assert.equal(entryAt('ann@example.org, ', 17).text, '');
+});
+
+test('a suggestion takes the place of what was typed, wherever that is', () => {
+  const ann = { name: 'Ann Lee', email: 'ann@example.org' };
+  assert.deepEqual(replaceEntry('bo@b, an', 8, ann), { text: 'bo@b, Ann Lee <ann@example.org>, ', caret: 33 });
+  assert.deepEqual(replaceEntry('an, bo@b', 2, ann), { text: 'Ann Lee <ann@example.org>, bo@b', caret: 27 });
+});
+
+test('whatever the name, the address comes out as it is', () => {
+  for (const name of ['Lee, Ann', 'A <x>', '"Q"', 'a;b', '', undefined, 'ann@example.org']) {
+    const text = recipientText({ name, email: 'ann@example.org' });
+    assert.deepEqual(parseRecipients(`${text}, `), { addresses: ['ann@example.org'], invalid: [] }, text);
+  }
+});
+
+test('suggests people with an address, each once, and nobody who is there already', () => {
+  const answer = [null, {}, { name: 'No address' }, { email: 'a@x' }, { email: 'A@x', name: 'Again' }, { email: 'b@x' }, { email: 'c@x' }];
+  assert.deepEqual(usableSuggestions(answer, ['B@x'], 8).map((person) => person.email), ['a@x', 'c@x']);
+  assert.equal(usableSuggestions(answer, [], 2).length, 2);
+  assert.deepEqual(usableSuggestions(null, [], 8), []);
+});
+
+/** An address book that answers when it is told to, and a clock that does. */
+function searching() {
+  mock.timers.enable({ apis: ['setTimeout'] });
+  const asked = [];
+  const found = [];
+  const addressBook = {
+    isThere: () => true,
+    search: (text) => new Promise((resolve, reject) => { asked.push({ text, resolve, reject }); }),
+  };
+  return { asked, found, search: new SuggestionSearch({ addressBook, found: (people) => found.push(people.map((p) => p.email)) }) };
+}
+const answered = () => new Promise((resolve) => { setImmediate(resolve); });
+
+test('asks once typing pauses, and drops answers that come too late', async (t) => {
+  t.after(() => mock.timers.reset());
+  const { asked, found, search } = searching();
+  for (const text of ['a', 'an', 'ann']) search.ask(text, text);
+  mock.timers.tick(1000);
+  assert.deepEqual(asked.map(({ text }) => text), ['ann']);
+  search.ask('anna', 'anna');
+  mock.timers.tick(1000);
+  asked[1].resolve([{ email: 'anna@x' }]);
+  await answered();
+  asked[0].resolve([{ email: 'ann@x' }]);
+  await answered();
+  assert.deepEqual(found, [['anna@x']]);
+});
+
+test('nothing is found for an empty text, after leaving the field, and without an address book', async (t) => {
+  t.after(() => mock.timers.reset());
+  const { asked, found, search } = searching();
+  search.ask('a', 'a');
+  mock.timers.tick(1000);
+  search.stop();
+  asked[0].resolve([{ email: 'a@x' }]);
+  await answered();
+  assert.deepEqual(found, []);
+  search.ask('', '');
+  search.ask('b', 'b');
+  mock.timers.tick(1000);
+  asked[1].reject(new Error('The query has been canceled'));
+  await answered();
+  assert.deepEqual(found, [[], []]);
+});

@@ -1,0 +1,38 @@
+// What the page remembers of downloads for later sessions: the library keeps the group and its files, but does
+// not tell which files they are. Kept in the browser's own storage.
+
+import { fromRanges, toRanges } from './id_ranges.js';
+
+const PLACE = 'zantrio.downloads';
+const MOST = 50;
+
+const keyOf = ({ id, bucketId }) => `${id}:${bucketId}`;
+
+function readAll() {
+  try {
+    return JSON.parse(localStorage.getItem(PLACE)) ?? {};
+  } catch {
+    return {};
+  }
+}
+
+/** `ids`: of the files that were chosen, null for all files of the message. */
+export function rememberDownload(transfer, ids) {
+  const { created, place } = transfer.attributes;
+  const all = readAll();
+  all[keyOf(transfer.attributes)] = { created, place, files: ids && toRanges(ids) };
+  const kept = Object.entries(all).sort(([, a], [, b]) => b.created - a.created).slice(0, MOST);
+  try {
+    localStorage.setItem(PLACE, JSON.stringify(Object.fromEntries(kept)));
+  } catch {
+    // The storage is full: the download itself needs none of it.
+  }
+}
+
+/** {attributes, files}: what to set, and the set of the chosen files' ids or null; null when forgotten. */
+export function rememberedDownload(group) {
+  const found = readAll()[keyOf(group)];
+  if (!found) return null;
+  const { created, place, files } = found;
+  return { attributes: { created, place }, files: files ? new Set(fromRanges(files)) : null };
+}

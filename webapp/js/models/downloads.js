@@ -1,0 +1,101 @@
+import { inBatches } from '../batches.js';
+import { rememberedDownload } from '../download_memory.js';
+import { splitPath } from '../paths.js';
+import { TransferGroups } from './transfer_groups.js';
+
+export const ADDRESS_BATCH = 2000;
+const RENEWALS = 3;
+const RENEWAL_PAUSE_MS = 300;
+
+/** Everything that is being downloaded. */
+export const Downloads = TransferGroups.extend({
+  hidingPlace: 'zantrio.clearedDownloads',
+  hidingKey: ({ id, bucketId }) => `${id}:${bucketId}`,
+
+  restored: (group) => ({ direction: 'download', phase: 'running', ...rememberedDownload(group)?.attributes }),
+
+  /** Learns from the service what a download of an earlier session was about. */
+  async recall(transfer) {
+    const bucketId = transfer.get('bucketId');
+    try {
+      const [message, files] = await this.connection.persistently(() => Promise.all([
+        this.service.describeReceived(bucketId), this.service.allReceivedFiles(bucketId),
+      ]));
+      transfer.set({ subject: message.subject, sender: message.sender });
+      const wanted = rememberedDownload({ id: transfer.id, bucketId })?.files;
+      this.describe(transfer, wanted ? files.filter((file) => wanted.has(file.id)) : files);
+      this.batcher.mark(transfer);
+    } catch (error) {
+      if (!transfer.isFinished()) transfer.set('problem', `Nothing is known of this message: ${error.message}`);
+    }
+  },
+
+  /** What became of the files in an earlier session is not told; only of a complete one all are there. */
+  describe(transfer, files) {
+    const state = transfer.get('state') === 'COMPLETED' ? 'COMPLETED' : null;
+    transfer.files.describe(files.map((file) => ({
+      id: file.id, ...splitPath(file.path), size: file.size, state,
+    })));
+    transfer.set({ filesKnown: state !== null, fileCount: files.length });
+  },
+
+  fileChanged(event) {
+    const transfer = TransferGroups.prototype.fileChanged.call(this, event);
+    if (transfer && event.state.type === 'ERRORED') this.renewSoon(transfer, event.fileId);
+    return transfer;
+  },
+
+  /** The service gives addresses for a while only: a file whose address is too old gets a new one. */
+  renewSoon(transfer, fileId) {
+    if (!transfer.addressIsOld(fileId) || (transfer.renewals.get(fileId) ?? 0) >= RENEWALS) return;
+    transfer.renewing ??= new Set();
+    transfer.renewing.add(fileId);
+    transfer.renewal ??= setTimeout(() => this.renewNow(transfer), RENEWAL_PAUSE_MS);
+  },
+
+  async renewNow(transfer) {
+    const ids = [...transfer.renewing];
+    ids.forEach((id) => transfer.renewals.set(id, (transfer.renewals.get(id) ?? 0) + 1));
+    transfer.renewing = null;
+    transfer.renewal = null;
+    try {
+      await this.queueAnew(transfer, ids);
+    } catch (error) {
+      transfer.set('problem', `The files cannot be fetched any more: ${error.message}`);
+      this.failed(transfer);
+    }
+  },
+
+  /** Queues files again, with new addresses. */
+  async queueAnew(transfer, ids) {
+    for (const batch of inBatches(ids, ADDRESS_BATCH)) {
+      const { files } = await this.connection.persistently(
+        () => this.service.requestDownloads(transfer.get('bucketId'), batch));
+      transfer.takeAddresses(files);
+      await this.manager.queueFiles(transfer.id, files);
+    }
+  },
+
+  completed(transfer) {
+    if (transfer.get('phase') === 'filling') return;
+    if (!transfer.get('filesKnown')) {
+      transfer.files.completeRest();
+      transfer.set('filesKnown', true);
+    }
+    this.sayItIsOver(transfer);
+  },
+
+  /** Files that are given new addresses have not failed for good. */
+  failed(transfer) {
+    return transfer.renewal ? null : TransferGroups.prototype.failed.call(this, transfer);
+  },
+
+  /** Tries again what has failed, with new addresses where the service gives them. */
+  async retry(transfer) {
+    const failed = transfer.files.indicesIn('ERRORED').map((index) => transfer.files.at(index).id);
+    transfer.renewals.clear();
+    transfer.set('problem', '');
+    if (failed.length > 0) await this.queueAnew(transfer, failed);
+    await this.resume(transfer);
+  },
+});

@@ -1,0 +1,68 @@
+import { Backbone } from '../lib.js';
+import { ReceivedFiles } from '../received_files.js';
+import { ServiceRefused } from '../service.js';
+
+/**
+ * A message that one has received. `files` is null until they are loaded; "files" is triggered then, and
+ * when loading goes on (attributes loading, loaded, problem).
+ */
+export const ReceivedMessage = Backbone.Model.extend({
+  idAttribute: 'bucketId',
+  defaults: {
+    subject: '', text: '', sender: '', files: 0, bytes: 0, created: 0, expires: 0,
+    loading: false, loaded: 0, problem: '',
+  },
+
+  initialize() {
+    this.files = null;
+  },
+
+  isExpired(now = Date.now()) {
+    const expires = this.get('expires');
+    return expires > 0 && expires * 1000 <= now;
+  },
+
+  async loadFiles() {
+    if (this.files || this.get('loading') || this.isExpired()) return;
+    const { service, connection } = this.collection;
+    this.set({ loading: true, loaded: 0, problem: '' });
+    try {
+      const files = await connection.persistently(
+        () => service.allReceivedFiles(this.id, (loaded) => this.set({ loaded })));
+      this.files = new ReceivedFiles(files);
+    } catch (error) {
+      this.set('problem', error.message);
+    } finally {
+      this.set('loading', false);
+      this.trigger('files', this);
+    }
+  },
+});
+
+/** All received messages, the newest first. `loaded` is whether they have been asked for in vain or not. */
+export const ReceivedMessages = Backbone.Collection.extend({
+  model: ReceivedMessage,
+  comparator: (message) => -message.get('created'),
+
+  initialize(models, { service, connection }) {
+    Object.assign(this, { service, connection, loaded: false, problem: '' });
+  },
+
+  /** Asks the service; messages that are there stay the same objects. */
+  load() {
+    this.loading ??= this.ask().finally(() => { this.loading = null; });
+    return this.loading;
+  },
+
+  async ask() {
+    try {
+      const { messages } = await this.connection.persistently(() => this.service.listReceived());
+      this.set(messages);
+      Object.assign(this, { loaded: true, problem: '' });
+    } catch (error) {
+      if (!(error instanceof ServiceRefused)) throw error;
+      this.problem = error.message;
+    }
+    this.trigger('loaded');
+  },
+});

@@ -1,0 +1,148 @@
+import { Backbone } from '../lib.js';
+import { FrameBatcher } from '../frame_batcher.js';
+import { Transfer } from './transfer.js';
+
+/**
+ * All groups of one of the transfer library's managers, the newest first: what sending and downloading have
+ * in common. Takes in the library's events and triggers
+ *   "moved"    with a transfer, at most once a frame, however many events there were
+ *   "state"    with a transfer whose state has changed
+ *   "over"     with a transfer that came to its end in this session, well or with failures; once each time
+ * `manager` is the native side's (native.js).
+ */
+export const TransferGroups = Backbone.Collection.extend({
+  model: Transfer,
+  comparator: (transfer) => -Number(transfer.id),
+
+  initialize(models, { manager, service, connection }) {
+    Object.assign(this, { manager, service, connection });
+    this.batcher = new FrameBatcher((changed) => changed.forEach((transfer) => {
+      transfer.trigger('moved', transfer);
+    }));
+  },
+
+  /** Finds out about all groups that the library knows. */
+  async load() {
+    const groups = await this.manager.fetchGroups();
+    groups.forEach((group) => this.takeGroup(group));
+  },
+
+  groupChanged(event) {
+    this.takeGroup(event.state);
+  },
+
+  /** Gives the transfer whose file has changed, or null. */
+  fileChanged(event) {
+    const transfer = this.get(event.id);
+    if (!transfer) return null;
+    const { type, bytesTransfered, bytesTotal } = event.state;
+    if (!transfer.files.update(event.fileId, type, bytesTransfered, bytesTotal)) return null;
+    this.batcher.mark(transfer);
+    return transfer;
+  },
+
+  takeGroup(group) {
+    let transfer = this.get(group.id);
+    if (!transfer) {
+      if (this.isHidden(group)) return;
+      transfer = this.add({ ...this.restored(group), id: group.id, bucketId: group.bucketId });
+      this.recall(transfer);
+    }
+    const before = transfer.get('state');
+    transfer.takeGroup(group);
+    this.batcher.mark(transfer);
+    if (before !== transfer.get('state')) this.stateChanged(transfer);
+  },
+
+  stateChanged(transfer) {
+    const state = transfer.get('state');
+    if (state !== 'ERRORED') transfer.set('problem', '');
+    if (state === 'COMPLETED') this.completed(transfer);
+    if (state === 'ERRORED') this.failed(transfer);
+    this.trigger('state', transfer);
+  },
+
+  /** Says that a transfer is over, unless that was so before this session, or was said already. */
+  sayItIsOver(transfer) {
+    if (!transfer.running) return;
+    transfer.running = false;
+    this.trigger('over', transfer);
+  },
+
+  /** A failure counts only where the service is there: else the transfer goes on by itself later. */
+  async failed(transfer) {
+    await this.checkService();
+    if (transfer.get('state') === 'ERRORED' && this.connection.get('reachable')) this.sayItIsOver(transfer);
+  },
+
+  /** A failed transfer may mean that the service is away: then it goes on when the service is back. */
+  checkService() {
+    this.checking ??= this.askService().finally(() => { this.checking = null; });
+    return this.checking;
+  },
+
+  async askService() {
+    try {
+      await this.service.status();
+    } catch (error) {
+      this.connection.lost(error.message);
+      await this.connection.persistently(() => this.service.status());
+      await Promise.all(this.filter((transfer) => transfer.get('state') === 'ERRORED')
+        .map((transfer) => this.resume(transfer)));
+    }
+  },
+
+  /** To be called every few seconds: where nothing moves any more the service may be away. */
+  lookForStandstill() {
+    const moving = this.filter((transfer) => transfer.get('state') === 'TRANSFERRING');
+    const bytes = moving.reduce((sum, transfer) => sum + transfer.bytesDone(), 0);
+    const still = moving.length > 0 && bytes === this.bytesAtLastLook;
+    this.bytesAtLastLook = bytes;
+    if (still) this.checkService();
+  },
+
+  pause(transfer) {
+    return this.manager.pause(transfer.id);
+  },
+
+  resume(transfer) {
+    return this.manager.resume(transfer.id);
+  },
+
+  /** Gives false where it is too late: everything was done while the user was asked. */
+  async cancel(transfer) {
+    if (transfer.isFinished()) return false;
+    await this.manager.cancel(transfer.id);
+    transfer.set('phase', 'cancelled');
+    this.batcher.mark(transfer);
+    return true;
+  },
+
+  /** Goes on without a file that failed. */
+  async leaveOut(transfer, fileId) {
+    await this.manager.dequeueFiles(transfer.id, [{ id: fileId }]);
+    transfer.files.leaveOut(fileId);
+    this.batcher.mark(transfer);
+  },
+
+  /** Takes what is finished from the list, also for later sessions. */
+  clearFinished() {
+    const finished = this.filter((transfer) => transfer.isFinished());
+    const keys = finished.map((transfer) => this.hidingKey(transfer.attributes));
+    const hidden = new Set([...this.hidden(), ...keys]);
+    localStorage.setItem(this.hidingPlace, JSON.stringify([...hidden].slice(-1000)));
+    this.remove(finished);
+  },
+
+  hidden() {
+    try {
+      return JSON.parse(localStorage.getItem(this.hidingPlace)) ?? [];
+    } catch {
+      return [];
+    }
+  },
+
+  isHidden(group) {
+    return this.hidden().includes(this.hidingKey(group));
+  },
+});

@@ -134,6 +134,19 @@ test('recalls a download of an earlier session with the files that were chosen',
   assert.equal(transfer.files.countIn('COMPLETED'), 1);
 });
 
+test('a download that was being filled when the page was loaded anew gets the rest when the user wants it', async () => {
+  const all = make();
+  await all.flow.begin(MESSAGE, files(2), { automatic: true, whole: true });
+  const later = new Downloads([], { manager: all.manager, service: all.service, connection });
+  later.groupChanged(groupEvent('1', { type: 'PAUSED' }));
+  await settled();
+  const transfer = later.get('1');
+  assert.equal(transfer.get('phase'), 'interrupted');
+  await later.finishInterrupted(transfer);
+  assert.deepEqual(all.manager.calls.slice(-2), [['queueFiles', '1', 2], ['resume', '1']]);
+  assert.equal(transfer.get('phase'), 'running');
+});
+
 test('a download of the same message again is shown although the earlier one was cleared', async () => {
   const all = make();
   const transfer = await begin(all, files(1));

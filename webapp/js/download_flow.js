@@ -3,7 +3,7 @@
 // call itself complete, and its folder would open too early.
 
 import { inBatches, nextTurn } from './batches.js';
-import { rememberDownload } from './download_memory.js';
+import { rememberDownload, rememberFilled } from './download_memory.js';
 import { folderName } from './folder_name.js';
 import { splitPath } from './paths.js';
 
@@ -47,6 +47,7 @@ export class DownloadFlow {
       plannedBytes: files.reduce((sum, file) => sum + file.size, 0),
       place: automatic ? `Downloads › Zantrio › ${summary}` : `the folder that you chose › ${summary}`,
     }, { merge: true });
+    transfer.files.describe(files.map(({ id, path, size }) => ({ id, ...splitPath(path), size })));
     rememberDownload(transfer, whole ? null : files.map((file) => file.id));
     if (group.state) transfer.takeGroup(group.state);
     return { transfer, first };
@@ -66,6 +67,7 @@ export class DownloadFlow {
     }
     if (transfer.get('phase') !== 'filling') return;
     transfer.set('phase', 'running');
+    rememberFilled(transfer);
     if (inPieces) await this.#manager.resume(transfer.id);
     // It may have come to its end before it was known to be full.
     if (transfer.get('state') === 'COMPLETED') this.#transfers.completed(transfer);
@@ -78,7 +80,6 @@ export class DownloadFlow {
 
   async #queue(transfer, files) {
     transfer.takeAddresses(files);
-    transfer.files.describe(files.map(({ id, path, size }) => ({ id, ...splitPath(path), size })));
     await this.#manager.queueFiles(transfer.id, files);
     transfer.set('handedOver', transfer.get('handedOver') + files.length);
     this.#transfers.batcher.mark(transfer);

@@ -16,11 +16,20 @@ function readAll() {
   }
 }
 
-/** `ids`: of the files that were chosen, null for all files of the message. */
+/** `ids`: of the files that were chosen, null for all files of the message. They are not all handed over yet. */
 export function rememberDownload(transfer, ids) {
   const { created, place } = transfer.attributes;
-  const all = readAll();
-  all[keyOf(transfer.attributes)] = { created, place, files: ids && toRanges(ids) };
+  write(transfer, { created, place, files: ids && toRanges(ids), filled: false });
+}
+
+/** From now on the library has all files. */
+export function rememberFilled(transfer) {
+  const known = readAll()[keyOf(transfer.attributes)];
+  if (known) write(transfer, { ...known, filled: true });
+}
+
+function write(transfer, entry) {
+  const all = { ...readAll(), [keyOf(transfer.attributes)]: entry };
   const kept = Object.entries(all).sort(([, a], [, b]) => b.created - a.created).slice(0, MOST);
   try {
     localStorage.setItem(PLACE, JSON.stringify(Object.fromEntries(kept)));
@@ -29,10 +38,14 @@ export function rememberDownload(transfer, ids) {
   }
 }
 
-/** {attributes, files}: what to set, and the set of the chosen files' ids or null; null when forgotten. */
+/**
+ * {attributes, files}: what to set, and the set of the chosen files' ids or null; null when forgotten. Its phase is
+ * "interrupted" where the page was loaded anew before all files were handed over.
+ */
 export function rememberedDownload(group) {
   const found = readAll()[keyOf(group)];
   if (!found) return null;
-  const { created, place, files } = found;
-  return { attributes: { created, place }, files: files ? new Set(fromRanges(files)) : null };
+  const { created, place, files, filled } = found;
+  const phase = filled ? 'running' : 'interrupted';
+  return { attributes: { created, place, phase }, files: files ? new Set(fromRanges(files)) : null };
 }

@@ -8,12 +8,14 @@ const WORDS = {
   upload: {
     moving: 'Sending', done: 'Sent', over: { label: 'Finishing', tone: 'active' }, verb: 'sent',
     stopped: 'Sending stopped.',
+    interrupted: 'Not all files were added before this page was loaded anew. Send what was added, or cancel and send again.',
     goesOn: 'Sending goes on as soon as the service can be reached.',
     advice: (one) => `Check that ${one ? 'it is' : 'they are'} still there and can be read; else the service did not take ${one ? 'it' : 'them'}.`,
   },
   download: {
     moving: 'Downloading', done: 'Saved', over: { label: 'Downloaded', tone: 'done' }, verb: 'downloaded',
     stopped: 'The download stopped.',
+    interrupted: 'Not all files were added. Add the rest, or cancel and download again.',
     goesOn: 'The download goes on as soon as the service can be reached.',
     advice: () => 'Check that there is room in the folder and that you may write to it; else the service does not have the right content.',
   },
@@ -70,9 +72,7 @@ export function paceWords({ state, rate, secondsLeft }) {
 /** What failed and what one can do about it; an empty text when nothing did. */
 export function failureWords({ direction, names, total, phase, reachable = true, outOfTime = false }) {
   const words = wordsOf(direction);
-  if (phase === 'interrupted') {
-    return 'Not all files were added before this page was loaded anew. Send what was added, or cancel and send again.';
-  }
+  if (phase === 'interrupted') return words.interrupted;
   const failed = `${formatCount(total, 'file')} could not be ${words.verb}`;
   if (!reachable) {
     return total === 0 ? words.goesOn

@@ -1,5 +1,5 @@
 import { inBatches } from '../batches.js';
-import { rememberedDownload } from '../download_memory.js';
+import { rememberedDownload, rememberFilled } from '../download_memory.js';
 import { splitPath } from '../paths.js';
 import { TransferGroups } from './transfer_groups.js';
 
@@ -88,6 +88,16 @@ export const Downloads = TransferGroups.extend({
   /** Files that are given new addresses have not failed for good. */
   failed(transfer) {
     return transfer.renewal ? null : TransferGroups.prototype.failed.call(this, transfer);
+  },
+
+  /** Hands over all files of a download that was being filled when the page was loaded anew. */
+  async finishInterrupted(transfer) {
+    const { count } = transfer.files;
+    if (count === 0) throw new Error('The files of this message are not known.');
+    await this.queueAnew(transfer, Array.from({ length: count }, (_, index) => transfer.files.at(index).id));
+    transfer.set('phase', 'running');
+    rememberFilled(transfer);
+    await this.resume(transfer);
   },
 
   /** Tries again what has failed, with new addresses where the service gives them. */

@@ -171,7 +171,7 @@ export const MessagePanel = Backbone.View.extend({
 
   fill(begun, wanted) {
     this.downloadFlow.fill(begun, this.model.attributes, wanted).catch((error) => {
-      begun.transfer.set({ phase: 'running', problem: `Not all files could be added: ${error.message}` });
+      begun.transfer.set({ phase: 'interrupted', problem: error.message });
       this.downloads.batcher.mark(begun.transfer);
     });
   },

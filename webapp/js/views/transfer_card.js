@@ -63,6 +63,7 @@ export const TransferCard = Backbone.View.extend({
 
   renderActions() {
     const { model, transfers } = this;
+    const sending = model.get('direction') === 'upload';
     const button = (test, name, label, action, kind = '') => el('button', {
       type: 'button', class: `button small ${kind}`, 'data-test': `group-${test}`,
       onclick: () => this.run(action),
@@ -71,7 +72,7 @@ export const TransferCard = Backbone.View.extend({
       pause: button('pause', 'pause', 'Pause', () => transfers.pause(model)),
       resume: button('resume', 'resume', 'Resume', () => transfers.resume(model)),
       retry: button('retry', 'retry', 'Try again', () => transfers.retry(model), 'primary'),
-      finish: button('finish', 'send', 'Send what was added', () => transfers.finishInterrupted(model)),
+      finish: button('finish', sending ? 'send' : 'download', sending ? 'Send what was added' : 'Add the rest', () => transfers.finishInterrupted(model)),
       cancel: button('cancel', null, 'Cancel', () => this.cancel(), 'quiet'),
     };
     this.toggle = el('button', {

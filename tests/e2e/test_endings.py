@@ -69,6 +69,16 @@ class Page(Sandbox):
         self.assertEqual(
             page.query("uploadManagerBridge_IPC", "queueFiles", {"groupId": "1", "files": []}),
             ["success", "{}\n"])
+        self.assertEqual(page.query("uploadManagerBridge_IPC", "setConfiguration",
+                                    {"maxTransferRetries": "many"}),
+                         ["failure", -1, "Exception caught when executing query handler: "
+                                         "Value is not convertible to UInt."])
+        self.assertEqual(page.query("downloadManagerBridge_IPC", "pauseGroup", {"groupId": "1"}),
+                         ["success", "null\n"])
+        self.assertEqual(page.query("downloadManagerBridge_IPC", "createGroup",
+                                    {"tokenExpires": "never"}),
+                         ["failure", -1, "Exception caught when executing query handler: "
+                                         "Value is not convertible to UInt64."])
         self.assert_leaves_cleanly(client, page)
 
     def test_user_agent_names_product_version_and_kernel(self):

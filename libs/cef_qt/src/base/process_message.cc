@@ -10,6 +10,9 @@ CefRefPtr<ProcessMessage> ProcessMessage::takeForSending(
   }
   // The sender may have kept the list: what was sent no longer changes.
   own->arguments_->setReadOnly();
+  if (own->HasOneRef()) {
+    return own;  // nobody is left to see that it was sent
+  }
   return new ProcessMessage(std::move(own->name_), std::move(own->arguments_));
 }
 

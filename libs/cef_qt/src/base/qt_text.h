@@ -16,7 +16,9 @@ inline QString toQt(const CefString& text) {
 }
 
 inline CefString fromQt(QStringView text) {
-  return std::u16string(text.utf16(), static_cast<std::size_t>(text.size()));
+  const cef_string_t borrowed{const_cast<char16_t*>(text.utf16()),
+                              static_cast<std::size_t>(text.size()), nullptr};
+  return {&borrowed};
 }
 
 }  // namespace cef_qt

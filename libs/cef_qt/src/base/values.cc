@@ -15,6 +15,9 @@ CefValueType typeOf(const ValueCell& cell) {
 
 namespace {
 
+// Of the lists that process messages carry, which are filled one by one.
+constexpr std::size_t kUsualSize = 5;
+
 class DictionaryValue final : public CefDictionaryValue {
  public:
   bool IsValid() override { return true; }
@@ -137,6 +140,7 @@ bool ListValue::set(size_t index, ValueCell cell) {
     return false;
   }
   if (index >= cells_.size()) {
+    cells_.reserve(kUsualSize);
     cells_.resize(index + 1);
   }
   cells_[index] = std::move(cell);

@@ -86,7 +86,7 @@ void Documents::greetTop(const PageEntry& entry) {
 }
 
 void Documents::greetFrame(const PageEntry& entry) {
-  const CefString url = fromQt(QStringView(entry.text).mid(1));
+  const CefString url = fromQt(entry.text);
   create(entry.frame, new Frame(browser_, false, fromQt(entry.name), url));
   documents_[entry.frame].context->bind(current_, entry.frame);
 }

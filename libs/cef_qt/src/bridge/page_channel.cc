@@ -2,21 +2,38 @@
 
 #include <QMetaMethod>
 #include <QPointer>
+#include <algorithm>
 
 #include "threads/threads.h"
 
 namespace cef_qt {
 namespace {
 
-constexpr qsizetype kEntryLength = 5;
+// Of many answers the page gets the first ones while the others are made.
+constexpr int kLargestBatch = 32;
 
-PageEntry readEntry(const QString& document, const QJsonArray& batch, qsizetype at) {
-  return {document,
-          batch[at].toInt(),
-          static_cast<PageEntry::Kind>(batch[at + 1].toInt(-1)),
-          batch[at + 2].toInt(),
-          batch[at + 3].toString(),
-          batch[at + 4].toString()};
+// Takes the part of `rest` before the next `separator` off, and the separator.
+QStringView takeUntil(QStringView& rest, QChar separator) {
+  const qsizetype end = rest.indexOf(separator);
+  const QStringView part = end < 0 ? rest : rest.first(end);
+  rest = end < 0 ? QStringView() : rest.sliced(end + 1);
+  return part;
+}
+
+QStringView takeLength(QStringView& rest, QStringView length) {
+  const QStringView part = rest.left(std::max(length.toInt(), 0));
+  rest = rest.sliced(part.size());
+  return part;
+}
+
+PageEntry readEntry(const QString& document, QStringView head, QStringView& texts) {
+  PageEntry entry{document, 0, PageEntry::kBye, 0, {}, {}};
+  entry.frame = takeUntil(head, u',').toInt();
+  entry.kind = static_cast<PageEntry::Kind>(takeUntil(head, u',').toInt());
+  entry.id = takeUntil(head, u',').toInt();
+  entry.name = takeLength(texts, takeUntil(head, u','));
+  entry.text = takeLength(texts, head);
+  return entry;
 }
 
 }  // namespace
@@ -38,7 +55,7 @@ void PageChannel::open() {
   scheduleProcessing();
 }
 
-void PageChannel::receive(const QJsonArray& entries) {
+void PageChannel::receive(const QString& entries) {
   incoming_.push_back(entries);
   scheduleProcessing();
 }
@@ -56,14 +73,24 @@ void PageChannel::scheduleProcessing() {
 
 void PageChannel::process() {
   processingScheduled_ = false;
+  const QPointer self(this);
+  const std::vector<QString> batches = std::exchange(incoming_, {});
+  for (const QString& batch : batches) {
+    if (self) {
+      processBatch(batch);
+    }
+  }
+}
+
+void PageChannel::processBatch(const QString& batch) {
   // The receiver may end the page.
   const QPointer self(this);
-  const std::vector<QJsonArray> batches = std::exchange(incoming_, {});
-  for (const QJsonArray& batch : batches) {
-    const QString document = batch.first().toString();
-    for (qsizetype at = 1; at + kEntryLength <= batch.size() && self; at += kEntryLength) {
-      receiver_(readEntry(document, batch, at));
-    }
+  QStringView texts(batch);
+  QStringView head = takeUntil(texts, u'#');
+  const QString document = takeUntil(head, u';').toString();
+  while (!head.isEmpty() && self) {
+    const QStringView entry = takeUntil(head, u';');
+    receiver_(readEntry(document, entry, texts));
   }
 }
 
@@ -73,12 +100,15 @@ void PageChannel::send(const QString& document, int frame, int id, std::optional
     flush();
     outgoingDocument_ = document;
   }
-  outgoingHead_ += u';' + QString::number(frame) + u',' + QString::number(id) + u',';
-  if (code) {
-    outgoingHead_ += QString::number(*code);
-  }
-  outgoingHead_ += u',' + QString::number(text.size());
+  outgoingHead_ += outgoingHead_.isEmpty() ? u'[' : u',';
+  outgoingHead_ += QString::number(frame) + u',' + QString::number(id) + u',' +
+                   (code ? QString::number(*code) : QStringLiteral("null")) + u',' +
+                   QString::number(text.size());
   outgoingTexts_ += text;
+  if (++outgoingCount_ == kLargestBatch) {
+    flush();
+    return;
+  }
   if (!flushScheduled_) {
     flushScheduled_ = postTo(TID_RENDERER, [self = QPointer(this)] {
       if (self) {
@@ -91,9 +121,10 @@ void PageChannel::send(const QString& document, int frame, int id, std::optional
 
 void PageChannel::flush() {
   if (!outgoingHead_.isEmpty()) {
+    outgoingCount_ = 0;
     const QString head = std::exchange(outgoingHead_, {});
     const QString texts = std::exchange(outgoingTexts_, {});
-    emit deliver(outgoingDocument_ + head + u'\n' + texts);
+    emit deliver(outgoingDocument_ + head + QLatin1String("]#") + texts);
   }
 }
 

@@ -1,7 +1,6 @@
 // The native end of one page's bridge.
 #pragma once
 
-#include <QJsonArray>
 #include <QObject>
 #include <QString>
 #include <QWebChannel>
@@ -11,7 +10,7 @@
 
 namespace cef_qt {
 
-// What a document sent.
+// What a document sent. Its texts are valid while it is received.
 struct PageEntry {
   enum Kind { kHello = 0, kBye, kQuery, kPersistentQuery, kCancel };
 
@@ -19,8 +18,8 @@ struct PageEntry {
   int frame;         // 0: the top document; others are counted by it
   Kind kind;
   int id;
-  QString name;  // of the query function; of the window in a greeting
-  QString text;  // guarded by one character in front
+  QStringView name;  // of the query function; of the window in a greeting
+  QStringView text;
 };
 
 // Carries batches between a page's documents and the native side through Qt's web channel: one
@@ -28,7 +27,7 @@ struct PageEntry {
 // Chromium's callback; the receiver gets it from a task of the render side. Lives on the UI thread.
 class PageChannel final : public QObject {
   Q_OBJECT
-  Q_PROPERTY(QJsonArray calls READ calls WRITE receive)
+  Q_PROPERTY(QString calls READ calls WRITE receive)
 
  public:
   enum Special { kRun = -1, kNavigate = -2, kFunctions = -3 };
@@ -51,24 +50,27 @@ class PageChannel final : public QObject {
   void flush();
 
  signals:
-  // The document's key and, after a semicolon each, frame, id, code and length of every entry;
-  // then, after a line feed, the texts. One text, because Qt's web channel takes its time with
-  // arrays.
+  // The document's key; a JSON array with frame, id, code and length of every entry; a '#'; the
+  // texts. One text, because Qt's web channel takes its time with arrays.
   void deliver(const QString& entries);
 
  private:
-  QJsonArray calls() const { return {}; }
-  void receive(const QJsonArray& entries);
+  QString calls() const { return {}; }
+  // The document's key; after a semicolon each, frame, kind, id, length of the name and of the text
+  // of every entry; a '#'; the names and texts.
+  void receive(const QString& entries);
   void scheduleProcessing();
   void process();
+  void processBatch(const QString& batch);
 
   const Receiver receiver_;
   QWebChannel channel_;
   bool open_ = false;
   bool processingScheduled_ = false;
   bool flushScheduled_ = false;
-  std::vector<QJsonArray> incoming_;
+  std::vector<QString> incoming_;
   QString outgoingDocument_;
+  int outgoingCount_ = 0;
   QString outgoingHead_;
   QString outgoingTexts_;
 };

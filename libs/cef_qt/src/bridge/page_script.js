@@ -29,7 +29,6 @@
   const mapHas = bind(Map.prototype.has);
   const slice = bind(String.prototype.slice);
   const indexOf = bind(String.prototype.indexOf);
-  const split = bind(String.prototype.split);
   const postToPort = bind(MessagePort.prototype.postMessage);
   const listen = bind(EventTarget.prototype.addEventListener);
   const isInteger = Number.isInteger;
@@ -77,9 +76,9 @@
       const persistent = readMember(query, 'persistent', 'boolean') === true;
       const id = ++lastId;
       mapSet(pending, id, { name, cancelName, persistent, onSuccess, onFailure });
-      send(persistent ? PERSISTENT_QUERY : QUERY, id, name, request);
+      collect(persistent ? PERSISTENT_QUERY : QUERY, id, name, request);
       // A single query leaves at once; others are collected until the script ends.
-      if (++pendingCount === 1) flushNow();
+      if (++pendingCount === 1) flush(); else flushLater();
       return id;
     };
   }
@@ -177,11 +176,27 @@
 
   // ---- the way to the native side
 
-  // Text is guarded by a character in front: a leading U+FEFF would be lost on the way.
-  const guard = (text) => stringify('.' + text);
+  // Collects what is sent, of this document (and, in the top one, of its frames).
+  let collect;
+  // Sends what is collected, now or once the running script has ended.
+  let flush;
+  let flushIsDue = false;
+  const flushDue = () => {
+    flushIsDue = false;
+    flush();
+  };
 
-  let send;
-  let flushNow;
+  function flushLater() {
+    if (flushIsDue) return;
+    flushIsDue = true;
+    enqueueMicrotask(flushDue);
+  }
+
+  function send(kind, id, name, text) {
+    collect(kind, id, name, text);
+    flushLater();
+  }
+
   if (isTop) {
     startTop();
   } else {
@@ -196,23 +211,31 @@
     const ports = new MapType();       // by frame number
     const frameNumbers = new WeakMap();  // by window
     let lastFrame = 0;
-    let collected = '';
+    // One text of a head and the texts it gives the lengths of: Qt's web channel takes its time
+    // with arrays, and with characters that JSON escapes.
+    let heads = '';
+    let texts = '';
 
-    function flush() {
-      const entries = collected;
-      collected = '';
-      if (entries) {
-        sendText('{"type":9,"object":"' + setup.object + '","property":' + setup.property +
-                 ',"value":["' + documentKey + '"' + entries + ']}');
-      }
+    flush = () => {
+      if (!heads) return;
+      const batch = documentKey + heads + '#' + texts;
+      heads = '';
+      texts = '';
+      sendText('{"type":9,"object":"' + setup.object + '","property":' + setup.property +
+               ',"value":' + stringify(batch) + '}');
+    };
+
+    function collectFor(frame, kind, id, name, text) {
+      heads += ';' + frame + ',' + kind + ',' + id + ',' + name.length + ',' + text.length;
+      texts += name + text;
     }
-
-    flushNow = flush;
 
     function sendFor(frame, kind, id, name, text) {
-      if (!collected) enqueueMicrotask(flush);
-      collected += ',' + frame + ',' + kind + ',' + id + ',' + stringify(name) + ',' + guard(text);
+      collectFor(frame, kind, id, name, text);
+      flushLater();
     }
+
+    collect = (kind, id, name, text) => collectFor(0, kind, id, name, text);
 
     // The transport is there as a rule. After the end of a render process, and in a window's empty
     // first document, it comes a little later: what is sent waits for it.
@@ -226,7 +249,7 @@
     // Qt puts the transport into window.qt, and looks its receiver up there for every message.
     if (!kept.receive) {
       const receiver = {};
-      defineProperty(receiver, 'onmessage', { get: () => kept.receive });
+      defineProperty(receiver, 'onmessage', { value: (event) => kept.receive(event) });
       const qt = {};
       defineProperty(qt, 'webChannelTransport', {
         get: () => receiver,
@@ -241,9 +264,9 @@
     function receiveAll(message) {
       if (message.object !== setup.object || message.signal !== setup.signal) return;
       const all = message.args[0];
-      let at = indexOf(all, '\n');
-      const head = split(slice(all, 0, at++), ';');
-      if (head[0] !== documentKey) return;
+      if (slice(all, 0, documentKey.length) !== documentKey) return;
+      let at = indexOf(all, '#');
+      const head = parse(slice(all, documentKey.length, at++));
       let batch = null;
       let batchFrame = 0;
       const flushBatch = () => {
@@ -251,12 +274,11 @@
         if (port) postToPort(port, batch);
         batch = null;
       };
-      for (let i = 1; i < head.length; ++i) {
-        const entry = split(head[i], ',');
-        const frame = +entry[0];
-        const id = +entry[1];
-        const code = entry[2] === '' ? null : +entry[2];
-        const text = slice(all, at, at += +entry[3]);
+      for (let i = 0; i < head.length; i += 4) {
+        const frame = head[i];
+        const id = head[i + 1];
+        const code = head[i + 2];
+        const text = slice(all, at, at += head[i + 3]);
         if (frame !== batchFrame) flushBatch();
         batchFrame = frame;
         if (frame === 0) {
@@ -304,8 +326,7 @@
       adoptFrame(event.source, event.ports[0], data);
     }, true);
 
-    startDialogs(documentKey, flush);
-    send = (kind, id, name, text) => sendFor(0, kind, id, name, text);
+    startDialogs(documentKey);
     sendText('{"type":7,"object":"' + setup.object + '","signal":' + setup.signal + '}');
     send(HELLO, setup.version, window.name, window.location.href);
     if (kept.transport) kept.connect();
@@ -314,7 +335,7 @@
   // Dialogs of the top document are requests that the script waits for, so that nothing but this
   // page stands still meanwhile. Where that is not possible (while the page is left, say), and in
   // frames, which have rules of their own, the browser's functions serve.
-  function startDialogs(documentKey, flush) {
+  function startDialogs(documentKey) {
     const Request = XMLHttpRequest;
     const open = bind(Request.prototype.open);
     const sendRequest = bind(Request.prototype.send);
@@ -362,18 +383,14 @@
     const port = channel.port1;
     let collected = null;
 
-    function flush() {
+    flush = () => {
       const entries = collected;
       collected = null;
       if (entries) postToPort(port, entries);
-    }
+    };
 
-    flushNow = flush;
-    send = (kind, id, name, text) => {
-      if (!collected) {
-        collected = [];
-        enqueueMicrotask(flush);
-      }
+    collect = (kind, id, name, text) => {
+      collected = collected || [];
       const at = collected.length;
       collected[at] = kind;
       collected[at + 1] = id;

@@ -48,8 +48,8 @@ void ScriptContext::dispatch(const PageEntry& entry) {
     found->second->cancel(this, entry.id);
     return;
   }
-  const CefString request = fromQt(QStringView(entry.text).mid(1));
-  found->second->query(this, entry.id, request, entry.kind == PageEntry::kPersistentQuery);
+  found->second->query(this, entry.id, fromQt(entry.text),
+                       entry.kind == PageEntry::kPersistentQuery);
 }
 
 void ScriptContext::succeed(int queryId, const CefString& response) {

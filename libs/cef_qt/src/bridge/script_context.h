@@ -3,6 +3,7 @@
 
 #include <QPointer>
 #include <QString>
+#include <functional>
 #include <map>
 #include <vector>
 
@@ -65,7 +66,7 @@ class ScriptContext final : public CefV8Context {
   QString document_;
   int frameNumber_ = 0;
   RouterNameList installed_;
-  std::map<QString, QueryTarget*> targets_;
+  std::map<QString, QueryTarget*, std::less<>> targets_;
   IMPLEMENT_REFCOUNTING(ScriptContext);
 };
 

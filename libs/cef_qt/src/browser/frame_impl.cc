@@ -141,7 +141,7 @@ void Frame::SendProcessMessage(CefProcessId target_process, CefRefPtr<CefProcess
     return;
   }
   Threads::instance().post(target_process == PID_BROWSER ? TID_UI : TID_RENDERER,
-                           new Delivery(browser_, this, target_process, sent), 0);
+                           new Delivery(browser_, this, target_process, std::move(sent)), 0);
 }
 
 }  // namespace cef_qt

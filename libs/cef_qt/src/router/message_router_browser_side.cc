@@ -76,7 +76,8 @@ class BrowserSide final : public CefMessageRouterBrowserSide {
   void startQuery(const CefRefPtr<CefBrowser>& browser, const CefRefPtr<CefFrame>& frame,
                   const QueryMessage& message);
   // The handler that takes the query; null when none does.
-  Handler* offer(int64_t id, const Query& query, const QueryMessage& message);
+  Handler* offer(int64_t id, const CefRefPtr<CefBrowser>& browser, const CefRefPtr<CefFrame>& frame,
+                 const QueryMessage& message);
   // Takes a query out of the pending ones; false when it is not there.
   bool take(int64_t id, Query& query);
   void cancelFromPage(const PageKey& key);
@@ -168,12 +169,11 @@ bool BrowserSide::OnProcessMessageReceived(CefRefPtr<CefBrowser> browser, CefRef
 void BrowserSide::startQuery(const CefRefPtr<CefBrowser>& browser, const CefRefPtr<CefFrame>& frame,
                              const QueryMessage& message) {
   const int64_t id = ++lastQuery_;
-  const Query query{
-      {browser->GetIdentifier(), message.context, message.query}, nullptr, browser, frame};
-  pending_[id] = query;
-  idOfKey_[query.key] = id;
+  const PageKey key{browser->GetIdentifier(), message.context, message.query};
+  pending_.emplace(id, Query{key, nullptr, browser, frame});
+  idOfKey_[key] = id;
 
-  Handler* handler = offer(id, query, message);
+  Handler* handler = offer(id, browser, frame, message);
   const auto still = pending_.find(id);
   if (still == pending_.end()) {
     return;
@@ -187,7 +187,8 @@ void BrowserSide::startQuery(const CefRefPtr<CefBrowser>& browser, const CefRefP
   sendFailure(unhandled);
 }
 
-BrowserSide::Handler* BrowserSide::offer(int64_t id, const Query& query,
+BrowserSide::Handler* BrowserSide::offer(int64_t id, const CefRefPtr<CefBrowser>& browser,
+                                         const CefRefPtr<CefFrame>& frame,
                                          const QueryMessage& message) {
   const CefRefPtr<BrowserSide> self(this);
   CefRefPtr<CefMessageRouterBrowserSideCallback> callback =
@@ -198,8 +199,7 @@ BrowserSide::Handler* BrowserSide::offer(int64_t id, const Query& query,
     if (std::find(handlers_.begin(), handlers_.end(), handler) == handlers_.end()) {
       continue;
     }
-    if (handler->OnQuery(query.browser, query.frame, id, message.request, message.persistent,
-                         callback)) {
+    if (handler->OnQuery(browser, frame, id, message.request, message.persistent, callback)) {
       return handler;
     }
   }

@@ -5,15 +5,16 @@
 namespace cef_qt {
 
 void DueQueue::push(QueuedTask task, int64_t delayMs) {
-  const Clock::time_point now = Clock::now();
   if (delayMs <= 0) {
-    immediate_.push_back({now, sequence_++, std::move(task)});
+    // Without a delayed task nothing compares the time, and reading the clock is not free.
+    const auto due = delayed_.empty() ? Clock::time_point::min() : Clock::now();
+    immediate_.push_back({due, sequence_++, std::move(task)});
     return;
   }
   // A delay that does not fit the clock never comes.
   constexpr int64_t kLongest = int64_t{1000} * 3600 * 24 * 365 * 100;
   const auto delay = std::chrono::milliseconds(std::min(delayMs, kLongest));
-  delayed_.push_back({now + delay, sequence_++, std::move(task)});
+  delayed_.push_back({Clock::now() + delay, sequence_++, std::move(task)});
   std::push_heap(delayed_.begin(), delayed_.end(), Later());
 }
 
@@ -28,9 +29,9 @@ QueuedTask DueQueue::takeDelayed() {
   return task;
 }
 
-std::optional<QueuedTask> DueQueue::takeReady(Clock::time_point now) {
+std::optional<QueuedTask> DueQueue::takeReady() {
   if (delayedIsNext()) {
-    if (delayed_.front().due > now) {
+    if (delayed_.front().due > Clock::now()) {
       return std::nullopt;
     }
     return takeDelayed();

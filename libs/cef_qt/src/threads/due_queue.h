@@ -26,8 +26,8 @@ class DueQueue {
   using Clock = std::chrono::steady_clock;
 
   void push(QueuedTask task, int64_t delayMs);
-  // The next task that may run at `now`.
-  std::optional<QueuedTask> takeReady(Clock::time_point now);
+  // The next task that may run now.
+  std::optional<QueuedTask> takeReady();
   // When the next task may run; nothing when there is none.
   std::optional<Clock::time_point> nextDue() const;
   // All tasks, for their release.

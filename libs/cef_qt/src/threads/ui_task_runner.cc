@@ -1,11 +1,11 @@
 #include "threads/ui_task_runner.h"
 
-#include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QEvent>
 #include <QThread>
 #include <algorithm>
 #include <limits>
+#include <thread>
 
 #include "threads/threads.h"
 
@@ -13,29 +13,30 @@ namespace cef_qt {
 namespace {
 
 constexpr std::chrono::milliseconds kLongestTurn{5};
+// How soon a page that asks one thing after the other has its next question here.
+constexpr std::chrono::microseconds kNextQuestion{300};
 
-QEvent::Type wakeEvent() {
+QEvent::Type turnEvent() {
   static const int kType = QEvent::registerEventType();
   return static_cast<QEvent::Type>(kType);
 }
 
 }  // namespace
 
-UiTaskRunner::UiTaskRunner() {
-  const QAbstractEventDispatcher* loop = QAbstractEventDispatcher::instance();
-  connect(loop, &QAbstractEventDispatcher::awake, this, &UiTaskRunner::serveNestedLoop);
-  connect(loop, &QAbstractEventDispatcher::aboutToBlock, this, &UiTaskRunner::serveNestedLoop);
+UiTaskRunner::UiTaskRunner() : loop_(QAbstractEventDispatcher::instance()) {
+  connect(loop_, &QAbstractEventDispatcher::awake, this, &UiTaskRunner::beforeEvents);
+  connect(loop_, &QAbstractEventDispatcher::aboutToBlock, this, &UiTaskRunner::beforeWaiting);
 }
 
 bool UiTaskRunner::post(const QueuedTask& task, int64_t delayMs) {
+  const bool onThread = QThread::currentThread() == thread();
   const std::lock_guard lock(mutex_);
   if (stopped_) {
     return false;
   }
   queue_.push(task, delayMs);
-  // What a task posts is run in the turn of that task.
-  if (QThread::currentThread() != thread() || running_ == 0) {
-    wakeLocked();
+  if (!onThread || mayWait_) {
+    loop_->wakeUp();
   }
   return true;
 }
@@ -49,82 +50,94 @@ void UiTaskRunner::stop() {
   }
 }
 
-void UiTaskRunner::wakeLocked() {
-  if (!woken_) {
-    woken_ = true;
-    QCoreApplication::postEvent(this, new QEvent(wakeEvent()), Qt::HighEventPriority);
+void UiTaskRunner::beforeEvents() {
+  mayWait_ = false;
+  runReady();
+}
+
+void UiTaskRunner::beforeWaiting() {
+  mayWait_ = false;
+  runReady();
+  mayWait_ = true;
+  // Waking a thread that waits takes longer than a page takes for its next question.
+  if (inConversation_ && DueQueue::Clock::now() - lastTurn_ < kNextQuestion) {
+    std::this_thread::yield();
+    loop_->wakeUp();
   }
 }
 
+// As an event, so that what tasks delete later is deleted once they are done.
+void UiTaskRunner::runReady() {
+  ++rounds_;
+  QEvent turn(turnEvent());
+  QCoreApplication::sendEvent(this, &turn);
+}
+
 bool UiTaskRunner::event(QEvent* event) {
-  if (event->type() == wakeEvent() || event->type() == QEvent::Timer) {
-    runReady();
+  if (event->type() == turnEvent()) {
+    runTasks();
     return true;
+  }
+  if (event->type() == QEvent::Timer) {
+    return true;  // the loop is awake, that is all it is for
   }
   return QObject::event(event);
 }
 
 std::optional<QueuedTask> UiTaskRunner::takeReady() {
   const std::lock_guard lock(mutex_);
-  return queue_.takeReady(DueQueue::Clock::now());
+  return queue_.takeReady();
 }
 
-void UiTaskRunner::serveNestedLoop() {
-  if (running_ == 0) {
-    return;
+void UiTaskRunner::runTasks() {
+  if (auto task = takeReady()) {
+    const auto start = DueQueue::Clock::now();
+    inConversation_ = start - lastTurn_ < kNextQuestion;
+    runTurn(std::move(*task), start + kLongestTurn);
+    lastTurn_ = DueQueue::Clock::now();
   }
-  const std::lock_guard lock(mutex_);
-  const auto due = queue_.nextDue();
-  if (due && *due <= DueQueue::Clock::now()) {
-    wakeLocked();
-  } else if (due && (!timer_ || *due < timerDue_)) {
-    startTimerLocked(*due);
-  }
+  keepTimer();
 }
 
-void UiTaskRunner::runReady() {
-  {
-    const std::lock_guard lock(mutex_);
-    woken_ = false;
-  }
-  // A query and its answer take several tasks, which should not wait for other work of the loop
-  // between them. Within limits, so that this work has its share.
-  const auto limit = DueQueue::Clock::now() + kLongestTurn;
-  ++running_;
-  while (const auto task = takeReady()) {
+void UiTaskRunner::runTurn(QueuedTask first, DueQueue::Clock::time_point limit) {
+  const int round = rounds_;
+  for (std::optional task(std::move(first)); task; task = takeReady()) {
     const ScopedThread current(task->thread);
     task->task->Execute();
-    if (DueQueue::Clock::now() > limit) {
-      break;
+    // Other work of the loop has its share; and a loop that a task ran may have taken the wake-up
+    // of this one's events.
+    if (rounds_ != round || DueQueue::Clock::now() > limit) {
+      loop_->wakeUp();
+      return;
     }
   }
-  --running_;
-  scheduleTimer();
 }
 
-void UiTaskRunner::scheduleTimer() {
-  const std::lock_guard lock(mutex_);
-  const auto due = queue_.nextDue();
-  if (due && !woken_) {
-    startTimerLocked(*due);
-  } else {
-    stopTimer();
-  }
-}
-
-void UiTaskRunner::startTimerLocked(DueQueue::Clock::time_point due) {
+void UiTaskRunner::keepTimer() {
   using std::chrono::milliseconds;
-  stopTimer();
-  const auto wait = std::chrono::ceil<milliseconds>(due - DueQueue::Clock::now()).count();
-  constexpr int64_t kLongest = std::numeric_limits<int>::max();
-  timer_ = startTimer(static_cast<int>(std::clamp<int64_t>(wait, 0, kLongest)), Qt::PreciseTimer);
-  timerDue_ = due;
-}
-
-void UiTaskRunner::stopTimer() {
+  std::optional<DueQueue::Clock::time_point> due;
+  {
+    const std::lock_guard lock(mutex_);
+    due = queue_.nextDue();
+  }
+  if (timer_ && due && *due == timerDue_) {
+    return;
+  }
   if (timer_) {
     killTimer(std::exchange(timer_, 0));
   }
+  const auto now = DueQueue::Clock::now();
+  if (!due) {
+    return;
+  }
+  if (*due <= now) {
+    loop_->wakeUp();
+    return;
+  }
+  const auto wait = std::chrono::ceil<milliseconds>(*due - now).count();
+  constexpr int64_t kLongest = std::numeric_limits<int>::max();
+  timer_ = startTimer(static_cast<int>(std::min(wait, kLongest)), Qt::PreciseTimer);
+  timerDue_ = *due;
 }
 
 }  // namespace cef_qt

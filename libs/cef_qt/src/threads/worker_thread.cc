@@ -40,7 +40,7 @@ void WorkerThread::join() {
 std::optional<QueuedTask> WorkerThread::waitForTask() {
   std::unique_lock lock(mutex_);
   while (!stopped_) {
-    if (auto task = queue_.takeReady(DueQueue::Clock::now())) {
+    if (auto task = queue_.takeReady()) {
       return task;
     }
     if (const auto due = queue_.nextDue()) {

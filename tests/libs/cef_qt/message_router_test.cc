@@ -131,7 +131,8 @@ TEST(MessageRouter, GivesBackEveryKindOfText) {
   EXPECT_EQ(
       page.evaluate("(async () => { let bad = '';"
                     "for (const t of ['', '.', 'a\\0b', '\\ud800', 'x\\udc00y', '\\u2028\\u2029',"
-                    " '\\ufeffstart', '\\ufeff', '\"\\\\\\n', '\\u{1f600}', '</script>'])"
+                    " '\\ufeffstart', '\\ufeff', '\"\\\\\\n', '\\u{1f600}', '</script>',"
+                    " '#', ';0,2,1,3,5#'])"
                     "  if (await ask(t) !== t) bad += escape(t) + ' ';"
                     "return bad; })()"),
       "");

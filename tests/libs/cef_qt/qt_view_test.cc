@@ -9,9 +9,13 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QTest>
+#include <QTimer>
 #include <QUrl>
 #include <QWebEngineView>
 
+#include "include/base/cef_bind.h"
+#include "include/cef_task.h"
+#include "include/wrapper/cef_closure_task.h"
 #include "support/framework.h"
 #include "support/test_browser.h"
 
@@ -200,6 +204,35 @@ TEST(NestedLoop, InAHandlerKeepsThePageAndItsQueriesAlive) {
                           "  await new Promise(requestAnimationFrame); }"
                           "return modal; })()"),
             "modal");
+}
+
+// A loop that nothing but its end wakes.
+class QuietLoop {
+ public:
+  QuietLoop() {
+    QTimer::singleShot(30000, &loop_, [this] { loop_.exit(1); });
+  }
+  bool reachesItsEnd() { return loop_.exec() == 0; }
+  void end() { loop_.quit(); }
+
+ private:
+  QEventLoop loop_;
+};
+
+TEST(Tasks, ObjectsThatATaskDeletesLaterAreGoneSoonAfterIt) {
+  QuietLoop loop;
+  auto* object = new QObject;
+  QObject::connect(object, &QObject::destroyed, [&] { loop.end(); });
+  CefPostTask(TID_UI, base::BindOnce([](QObject* doomed) { doomed->deleteLater(); }, object));
+  EXPECT_TRUE(loop.reachesItsEnd());
+}
+
+TEST(Tasks, PostedFromTheLoopsOwnTimersNeedNothingElseToWakeIt) {
+  QuietLoop loop;
+  QTimer::singleShot(1, [&] {
+    CefPostTask(TID_UI, base::BindOnce([](QuietLoop* quiet) { quiet->end(); }, &loop));
+  });
+  EXPECT_TRUE(loop.reachesItsEnd());
 }
 
 TEST(NestedLoop, InADialogsHandlerKeepsOtherPagesAlive) {

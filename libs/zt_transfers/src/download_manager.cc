@@ -39,6 +39,7 @@ class CDownloadManager::Impl {
  public:
   Impl()
       : core({.shortName = "down",
+              .database = "zt_downloads.db",
               .engine = {.activity = "download", .needsMark = false, .measuresSources = false},
               .makeRunner =
                   [](const CManagerCore::RunnerParts& parts) {
@@ -97,7 +98,7 @@ std::int32_t CDownloadManager::createGroup(const std::string& bucketId,
   identity.token = token;
   identity.tokenExpires = tokenExpires;
   identity.folder = downloadDirectory;
-  return impl_->core.engine().createGroup(std::move(identity));
+  return impl_->core.openEngine().createGroup(std::move(identity));
 }
 
 int CDownloadManager::getGroupState(std::int32_t groupId, GroupState& state) {
@@ -115,7 +116,7 @@ void CDownloadManager::queueFiles(std::int32_t groupId,
     std::vector<FileSpec> specs;
     specs.reserve(kFilesAtOnce);
     std::transform(begin, end, std::back_inserter(specs), specOf);
-    impl_->core.engine().queueFiles(groupId, specs);
+    impl_->core.openEngine().queueFiles(groupId, specs);
   });
 }
 
@@ -126,17 +127,17 @@ void CDownloadManager::dequeueFiles(std::int32_t groupId,
   for (const FileDownloadDetails& file : files) {
     fileIds.push_back(file.fileId);
   }
-  impl_->core.engine().dequeueFiles(groupId, fileIds);
+  impl_->core.openEngine().dequeueFiles(groupId, fileIds);
 }
 
 void CDownloadManager::pauseGroup(std::int32_t groupId) {
-  impl_->core.engine().pauseGroup(groupId);
+  impl_->core.openEngine().pauseGroup(groupId);
 }
 void CDownloadManager::resumeGroup(std::int32_t groupId) {
-  impl_->core.engine().resumeGroup(groupId);
+  impl_->core.openEngine().resumeGroup(groupId);
 }
 void CDownloadManager::cancelGroup(std::int32_t groupId) {
-  impl_->core.engine().cancelGroup(groupId);
+  impl_->core.openEngine().cancelGroup(groupId);
 }
 
 void CDownloadManager::startup() {

@@ -35,6 +35,7 @@ class CUploadManager::Impl {
  public:
   Impl()
       : core({.shortName = "up",
+              .database = "zt_uploads.db",
               .engine = {.activity = "upload", .needsMark = true, .measuresSources = true},
               .makeRunner =
                   [](const CManagerCore::RunnerParts& parts) {
@@ -90,7 +91,7 @@ std::int32_t CUploadManager::createGroup(const std::string& bucketId, const std:
   identity.bucketType = bucketType;
   identity.token = token;
   identity.tokenExpires = tokenExpires;
-  return impl_->core.engine().createGroup(std::move(identity));
+  return impl_->core.openEngine().createGroup(std::move(identity));
 }
 
 int CUploadManager::getGroupState(std::int32_t groupId, GroupState& state) {
@@ -107,7 +108,7 @@ void CUploadManager::queueFiles(std::int32_t groupId, const std::vector<FileDesc
     std::vector<FileSpec> specs;
     specs.reserve(kFilesAtOnce);
     std::transform(begin, end, std::back_inserter(specs), specOf);
-    impl_->core.engine().queueFiles(groupId, specs);
+    impl_->core.openEngine().queueFiles(groupId, specs);
   });
 }
 
@@ -117,23 +118,23 @@ void CUploadManager::dequeueFile(std::int32_t groupId, const std::vector<FileDes
   for (const FileDesc& file : files) {
     fileIds.push_back(file.fileId);
   }
-  impl_->core.engine().dequeueFiles(groupId, fileIds);
+  impl_->core.openEngine().dequeueFiles(groupId, fileIds);
 }
 
 void CUploadManager::markQueue(std::int32_t groupId) {
-  impl_->core.engine().setMarked(groupId, true);
+  impl_->core.openEngine().setMarked(groupId, true);
 }
 void CUploadManager::unmarkQueue(std::int32_t groupId) {
-  impl_->core.engine().setMarked(groupId, false);
+  impl_->core.openEngine().setMarked(groupId, false);
 }
 void CUploadManager::pauseGroup(std::int32_t groupId) {
-  impl_->core.engine().pauseGroup(groupId);
+  impl_->core.openEngine().pauseGroup(groupId);
 }
 void CUploadManager::resumeGroup(std::int32_t groupId) {
-  impl_->core.engine().resumeGroup(groupId);
+  impl_->core.openEngine().resumeGroup(groupId);
 }
 void CUploadManager::cancelGroup(std::int32_t groupId) {
-  impl_->core.engine().cancelGroup(groupId);
+  impl_->core.openEngine().cancelGroup(groupId);
 }
 
 void CUploadManager::startup() {

@@ -17,6 +17,21 @@ constexpr int kStartsAtOnce = 512;
 // Files that have arrived and are being put in place, beside those that use the network.
 constexpr std::size_t kMostLanding = 256;
 
+// Of each group; the program should not drown in what failed before it was started.
+constexpr std::size_t kMostFailuresToldAnew = 1000;
+
+// What is kept of a file's phase: an attempt does not outlive the process.
+FilePhase kept(FilePhase phase) {
+  switch (phase) {
+    case FilePhase::kCompleted:
+    case FilePhase::kFailed:
+    case FilePhase::kRemoved:
+      return phase;
+    default:
+      return FilePhase::kWaiting;
+  }
+}
+
 }  // namespace
 
 CTransferEngine::CTransferEngine(Options options, const Surroundings& surroundings)
@@ -29,6 +44,30 @@ CTransferEngine::CTransferEngine(Options options, const Surroundings& surroundin
       retries_(options_.backoff),
       reporter_(surroundings.events) {}
 
+void CTransferEngine::restore(std::int32_t lastGroupId, std::vector<RestoredGroup> groups) {
+  const std::lock_guard lock(mutex_);
+  groups_.clear();
+  unmeasured_.clear();
+  lastGroupId_ = lastGroupId;
+  for (auto& [kept, files] : groups) {
+    const std::int32_t id = kept.identity.id;
+    lastGroupId_ = std::max(lastGroupId_, id);
+    auto group = std::make_unique<CTransferGroup>(std::move(kept.identity), options_.needsMark);
+    group->setPaused(kept.paused);
+    group->setMarked(kept.marked);
+    std::uint32_t index = 0;
+    for (const StoredState& file : files) {
+      group->appendKept(file.size, file.sizeKnown, file.phase);
+      if (!file.sizeKnown && file.phase == FilePhase::kWaiting) {
+        unmeasured_.add({id, index});
+      }
+      ++index;
+    }
+    files = {};
+    groups_.emplace(id, std::move(group));
+  }
+}
+
 std::int32_t CTransferEngine::createGroup(GroupIdentity identity) {
   const std::lock_guard lock(mutex_);
   if (lastGroupId_ == std::numeric_limits<std::int32_t>::max()) {
@@ -36,6 +75,7 @@ std::int32_t CTransferEngine::createGroup(GroupIdentity identity) {
   }
   identity.id = ++lastGroupId_;
   auto group = std::make_unique<CTransferGroup>(std::move(identity), options_.needsMark);
+  keepGroup(*group);
   reporter_.group(*group, clock_.now());
   groups_.emplace(lastGroupId_, std::move(group));
   return lastGroupId_;
@@ -82,10 +122,11 @@ void CTransferEngine::queueFile(CTransferGroup& group, const FileSpec& spec) {
     requeueFile(group, *known, spec);
     return;
   }
-  store_.append(group.id(), spec);
-  const std::uint32_t index = group.append(spec.size);
-  if (options_.measuresSources) {
-    unmeasured_.push_back({group.id(), index});
+  const bool sizeKnown = !options_.measuresSources;
+  store_.append(group.id(), spec, {.size = spec.size, .sizeKnown = sizeKnown});
+  const std::uint32_t index = group.append(spec.size, sizeKnown);
+  if (!sizeKnown) {
+    unmeasured_.add({group.id(), index});
   }
 }
 
@@ -98,7 +139,7 @@ void CTransferEngine::requeueFile(CTransferGroup& group, std::uint32_t index,
     return;
   }
   // A renewed URL may go on with what is there, another place may not.
-  if (store_.place({group.id(), index}) != spec.place) {
+  if (store_.place({group.id(), index}).value_or(spec.place) != spec.place) {
     discardRest(group, index);
   }
   store_.replace({group.id(), index}, spec);
@@ -107,9 +148,10 @@ void CTransferEngine::requeueFile(CTransferGroup& group, std::uint32_t index,
     moveFile(group, index, FilePhase::kWaiting);
   }
   if (options_.measuresSources) {
-    unmeasured_.push_back({group.id(), index});
+    unmeasured_.add({group.id(), index});
   } else {
     group.setSize(index, spec.size);
+    keepFile(group, index);
   }
 }
 
@@ -141,6 +183,7 @@ void CTransferEngine::setMarked(std::int32_t groupId, bool marked) {
   const std::lock_guard lock(mutex_);
   if (CTransferGroup* group = find(groupId)) {
     group->setMarked(marked);
+    keepGroup(*group);
     reporter_.group(*group, clock_.now());
   }
 }
@@ -153,6 +196,7 @@ void CTransferEngine::pauseGroup(std::int32_t groupId) {
       return;
     }
     group->setPaused(true);
+    keepGroup(*group);
     holdJobs(*group, FilePhase::kPaused);
     for (const std::uint32_t index : group->backingOff()) {
       moveFile(*group, index, FilePhase::kPaused);
@@ -170,6 +214,7 @@ void CTransferEngine::resumeGroup(std::int32_t groupId) {
       return;
     }
     group->setPaused(false);
+    keepGroup(*group);
     group->pace.notBefore = TimePoint{};
     group->pace.troubles = 0;
     for (const std::uint32_t index : group->takePaused()) {
@@ -230,10 +275,24 @@ void CTransferEngine::start() {
       }
       list(*entry->second);
       reporter_.groupAnew(*entry->second, clock_.now());
+      tellFailuresAnew(*entry->second);
       ++entry;
     }
   }
   wake_();
+}
+
+void CTransferEngine::tellFailuresAnew(const CTransferGroup& group) {
+  std::size_t told = 0;
+  for (const std::uint32_t index : group.failed()) {
+    if (told == kMostFailuresToldAnew) {
+      return;
+    }
+    if (group.file(index).phase == FilePhase::kFailed) {
+      reporter_.file(fileState(group, index));
+      ++told;
+    }
+  }
 }
 
 void CTransferEngine::stop() {
@@ -331,11 +390,21 @@ bool CTransferEngine::startNext(CTransferGroup& group, Work& work) {
   if (!index) {
     return false;
   }
-  FileSpec spec = store_.spec({group.id(), *index});
-  if (const char* reason = expiry(group, spec)) {
-    work.failures.push_back(fileText(group, *index) + ": failed: " + reason);
-    moveFile(group, *index, FilePhase::kFailed);
-    reporter_.group(group, clock_.now());
+  if (expired(group.identity().tokenExpires)) {
+    failWaiting(group, *index, "the group's token has expired", work);
+    return true;
+  }
+  auto spec = store_.spec({group.id(), *index});
+  if (!spec) {
+    if (store_.bring({group.id(), *index})) {
+      group.putBack(*index);
+      return false;  // specsArrived lists the group again
+    }
+    failWaiting(group, *index, "its description cannot be read", work);
+    return true;
+  }
+  if (expired(spec->expires)) {
+    failWaiting(group, *index, "its URL has expired", work);
     return true;
   }
   Job& job = jobs_.add({group.id(), *index}, clock_.now());
@@ -348,7 +417,7 @@ bool CTransferEngine::startNext(CTransferGroup& group, Work& work) {
   job.progress->setResume(order.resume);
   order.job = job.id;
   order.file = job.file;
-  order.spec = std::move(spec);
+  order.spec = std::move(*spec);
   order.verify = settings_.verify;
   order.proxy = settings_.proxy;
   order.progress = job.progress;
@@ -358,14 +427,27 @@ bool CTransferEngine::startNext(CTransferGroup& group, Work& work) {
   return true;
 }
 
-// Why the file is not to be begun any more; null when it is.
-const char* CTransferEngine::expiry(const CTransferGroup& group, const FileSpec& spec) const {
-  const auto now = static_cast<std::uint64_t>(clock_.secondsSince1970());
-  const auto past = [now](std::uint64_t expires) { return expires != 0 && now >= expires; };
-  if (past(group.identity().tokenExpires)) {
-    return "the group's token has expired";
+void CTransferEngine::failWaiting(CTransferGroup& group, std::uint32_t index,
+                                  const std::string& reason, Work& work) {
+  work.failures.push_back(fileText(group, index) + ": failed: " + reason);
+  moveFile(group, index, FilePhase::kFailed);
+  reporter_.group(group, clock_.now());
+}
+
+void CTransferEngine::specsArrived(std::int32_t groupId) {
+  {
+    const std::lock_guard lock(mutex_);
+    unmeasured_.goOn();
+    CTransferGroup* group = find(groupId);
+    if (group != nullptr && !group->cancelled()) {
+      list(*group);
+    }
   }
-  return past(spec.expires) ? "its URL has expired" : nullptr;
+  wake_();
+}
+
+bool CTransferEngine::expired(std::uint64_t time) const {
+  return time != 0 && static_cast<std::uint64_t>(clock_.secondsSince1970()) >= time;
 }
 
 void CTransferEngine::onAttemptDone(JobId id, const AttemptOutcome& outcome) {
@@ -411,20 +493,22 @@ std::string CTransferEngine::settle(CTransferGroup& group, std::uint32_t index,
                                     const AttemptOutcome& outcome) {
   if (outcome.kind == AttemptOutcome::Kind::kDone) {
     group.pace.troubles = 0;
+    const std::string text = fileText(group, index);
     moveFile(group, index, FilePhase::kCompleted);
-    return fileText(group, index) + ": completed";
+    return text + ": completed";
   }
   const bool again = outcome.kind == AttemptOutcome::Kind::kRetry &&
                      group.file(index).retries < settings_.maxRetries;
   if (again) {
     return scheduleRetry(group, index, outcome);
   }
+  const std::string text = fileText(group, index);
   moveFile(group, index, FilePhase::kFailed);
   const std::string after =
       outcome.kind == AttemptOutcome::Kind::kRetry
           ? " after " + std::to_string(group.file(index).retries + 1) + " attempts"
           : "";
-  return fileText(group, index) + ": failed" + after + ": " + outcome.reason;
+  return text + ": failed" + after + ": " + outcome.reason;
 }
 
 std::string CTransferEngine::scheduleRetry(CTransferGroup& group, std::uint32_t index,
@@ -463,22 +547,16 @@ bool CTransferEngine::collectProgress() {
 
 std::vector<CTransferEngine::Unmeasured> CTransferEngine::takeUnmeasured(std::size_t limit) {
   const std::lock_guard lock(mutex_);
-  std::vector<Unmeasured> files;
-  while (files.size() < limit && !unmeasured_.empty()) {
-    const FileRef file = unmeasured_.front();
-    unmeasured_.pop_front();
+  return unmeasured_.take(limit, store_, [this](FileRef file) {
     const CTransferGroup* group = find(file.groupId);
-    if (group != nullptr && !group->cancelled() &&
-        group->file(file.index).phase == FilePhase::kWaiting) {
-      files.push_back({file, store_.place(file)});
-    }
-  }
-  return files;
+    return group != nullptr && !group->cancelled() &&
+           group->file(file.index).phase == FilePhase::kWaiting;
+  });
 }
 
 bool CTransferEngine::hasUnmeasured() const {
   const std::lock_guard lock(mutex_);
-  return !unmeasured_.empty();
+  return unmeasured_.ready();
 }
 
 void CTransferEngine::applySizes(const std::vector<Measured>& sizes) {
@@ -492,8 +570,10 @@ void CTransferEngine::applySizes(const std::vector<Measured>& sizes) {
     }
     touched = group;
     // A file that was begun meanwhile knows better.
-    if (group != nullptr && group->file(file.index).phase == FilePhase::kWaiting) {
+    if (group != nullptr && !group->cancelled() &&
+        group->file(file.index).phase == FilePhase::kWaiting) {
       group->setSize(file.index, size);
+      keepFile(*group, file.index);
     }
   }
   if (touched != nullptr) {
@@ -507,8 +587,26 @@ CTransferGroup* CTransferEngine::find(std::int32_t groupId) {
 }
 
 void CTransferEngine::moveFile(CTransferGroup& group, std::uint32_t index, FilePhase to) {
+  const FilePhase before = kept(group.file(index).phase);
   group.changePhase(index, to);
+  if (kept(to) != before) {
+    keepFile(group, index);
+  }
   reporter_.file(fileState(group, index));
+}
+
+void CTransferEngine::keepGroup(const CTransferGroup& group) {
+  if (!group.cancelled()) {
+    store_.saveGroup(
+        {.identity = group.identity(), .paused = group.paused(), .marked = group.marked()});
+  }
+}
+
+void CTransferEngine::keepFile(const CTransferGroup& group, std::uint32_t index) {
+  const FileSlot& slot = group.file(index);
+  store_.setState({group.id(), index}, {.phase = kept(slot.phase),
+                                        .size = slot.size,
+                                        .sizeKnown = slot.sizeKnown});
 }
 
 void CTransferEngine::endJob(const Job& job, CTransferGroup& group, Rest rest) {
@@ -557,10 +655,11 @@ void CTransferEngine::list(CTransferGroup& group) {
   }
 }
 
-std::string CTransferEngine::fileText(const CTransferGroup& group, std::uint32_t index) const {
-  const FileSpec spec = store_.spec({group.id(), index});
-  return options_.activity + " of file " + spec.fileId + " of group " + std::to_string(group.id()) +
-         " (" + loggableUrl(spec.url) + ")";
+std::string CTransferEngine::fileText(const CTransferGroup& group, std::uint32_t index) {
+  const FileRef file{group.id(), index};
+  const auto spec = store_.spec(file);
+  return options_.activity + " of file " + store_.fileId(file) + " of group " +
+         std::to_string(group.id()) + (spec ? " (" + loggableUrl(spec->url) + ")" : "");
 }
 
 }  // namespace zt_transfers

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -18,6 +17,7 @@
 #include "engine/retry_plan.h"
 #include "engine/schedule.h"
 #include "engine/transfer_group.h"
+#include "engine/unmeasured_files.h"
 #include "log/log.h"
 
 namespace zt_transfers {
@@ -55,10 +55,7 @@ class CTransferEngine final : public IAttemptObserver {
     std::vector<std::string> failures;  // lines for the log, written already
     std::optional<TimePoint> nextDue;   // when to ask again, without another reason to
   };
-  struct Unmeasured {
-    FileRef file;
-    std::string place;
-  };
+  using Unmeasured = CUnmeasuredFiles::File;
   struct Measured {
     FileRef file;
     std::uint64_t size = 0;
@@ -77,6 +74,9 @@ class CTransferEngine final : public IAttemptObserver {
   // Called, unlocked and from any thread, when there may be work. Set before anything else.
   void setWake(std::function<void()> wake) { wake_ = std::move(wake); }
 
+  // Takes the place of all groups there are. Between `stop` and `start` only.
+  void restore(std::int32_t lastGroupId, std::vector<RestoredGroup> groups);
+
   // For the program; see the managers' headers.
   std::int32_t createGroup(GroupIdentity identity);
   std::vector<GroupSnapshot> groups() const;
@@ -89,7 +89,8 @@ class CTransferEngine final : public IAttemptObserver {
   void cancelGroup(std::int32_t groupId);
   void setSettings(const Settings& settings);
 
-  // Cancelled groups leave, all others are reported once.
+  // Cancelled groups leave, all others are reported once, and with each the first thousand of its
+  // failed files.
   void start();
   // Call it when no attempt runs any more. Files that were under way wait again; no event
   // follows.
@@ -106,16 +107,22 @@ class CTransferEngine final : public IAttemptObserver {
   // under way that could make progress.
   bool collectProgress();
 
-  // For the pool: up to `limit` files whose size is not known yet, and what was found.
+  // For the pool: up to `limit` files whose size is not known yet, and what was found. There can be
+  // some that `hasUnmeasured` leaves out while their descriptions are being brought.
   std::vector<Unmeasured> takeUnmeasured(std::size_t limit);
   bool hasUnmeasured() const;
   void applySizes(const std::vector<Measured>& sizes);
+
+  // For the store: descriptions that were asked for have come, or cannot be had.
+  void specsArrived(std::int32_t groupId);
 
  private:
   CTransferGroup* find(std::int32_t groupId);
   void queueFile(CTransferGroup& group, const FileSpec& spec);
   void requeueFile(CTransferGroup& group, std::uint32_t index, const FileSpec& spec);
   void moveFile(CTransferGroup& group, std::uint32_t index, FilePhase to);
+  void keepGroup(const CTransferGroup& group);
+  void keepFile(const CTransferGroup& group, std::uint32_t index);
   enum class Rest { kKeep, kForget };  // what becomes of a partial file
   void endJob(const Job& job, CTransferGroup& group, Rest rest);
   void stopJob(JobId id, CTransferGroup& group, Rest rest);
@@ -124,14 +131,18 @@ class CTransferEngine final : public IAttemptObserver {
   Work decideWork(bool congested);
   void startReady(Work& work);
   bool startNext(CTransferGroup& group, Work& work);
-  const char* expiry(const CTransferGroup& group, const FileSpec& spec) const;
+  // `time` in seconds since 1970; 0: never
+  bool expired(std::uint64_t time) const;
+  void failWaiting(CTransferGroup& group, std::uint32_t index, const std::string& reason,
+                   Work& work);
+  void tellFailuresAnew(const CTransferGroup& group);
   std::string settle(CTransferGroup& group, std::uint32_t index, const AttemptOutcome& outcome);
   std::string scheduleRetry(CTransferGroup& group, std::uint32_t index,
                             const AttemptOutcome& outcome);
   void wakeRetries();
   FileState fileState(const CTransferGroup& group, std::uint32_t index) const;
   void list(CTransferGroup& group);
-  std::string fileText(const CTransferGroup& group, std::uint32_t index) const;
+  std::string fileText(const CTransferGroup& group, std::uint32_t index);
 
   // Constant after construction.
   const Options options_;
@@ -153,7 +164,7 @@ class CTransferEngine final : public IAttemptObserver {
   std::vector<Leftover> leftovers_;
   CSchedule schedule_;
   CRetryPlan retries_;
-  std::deque<FileRef> unmeasured_;
+  CUnmeasuredFiles unmeasured_;
   CReporter reporter_;
 };
 

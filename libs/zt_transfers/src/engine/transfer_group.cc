@@ -9,12 +9,23 @@ namespace zt_transfers {
 CTransferGroup::CTransferGroup(GroupIdentity identity, bool needsMark)
     : identity_(std::move(identity)), needsMark_(needsMark) {}
 
-std::uint32_t CTransferGroup::append(std::uint64_t size) {
-  const auto index = static_cast<std::uint32_t>(files_.size());
-  files_.push_back(FileSlot{.size = size});
+std::uint32_t CTransferGroup::append(std::uint64_t size, bool sizeKnown) {
+  appendKept(size, sizeKnown, FilePhase::kWaiting);
+  return static_cast<std::uint32_t>(files_.size() - 1);
+}
+
+void CTransferGroup::appendKept(std::uint64_t size, bool sizeKnown, FilePhase phase) {
+  files_.push_back(FileSlot{.size = size, .sizeKnown = sizeKnown, .phase = phase});
+  ++counts_[static_cast<std::size_t>(phase)];
+  if (phase == FilePhase::kRemoved) {
+    return;
+  }
   total_ += size;
-  ++counts_[static_cast<std::size_t>(FilePhase::kWaiting)];
-  return index;
+  if (phase == FilePhase::kCompleted) {
+    completed_ += size;
+  } else if (phase == FilePhase::kFailed) {
+    failed_.push_back(static_cast<std::uint32_t>(files_.size() - 1));
+  }
 }
 
 void CTransferGroup::changePhase(std::uint32_t index, FilePhase to) {
@@ -62,6 +73,7 @@ void CTransferGroup::setSize(std::uint32_t index, std::uint64_t size) {
   }
   total_ += size - slot.size;
   slot.size = size;
+  slot.sizeKnown = true;
 }
 
 std::optional<std::uint32_t> CTransferGroup::takeWaiting() {

@@ -37,6 +37,7 @@ struct GroupSnapshot : GroupStateBase {
 struct FileSlot {
   std::uint64_t size = 0;     // bytes; 0 until known
   std::uint16_t retries = 0;  // attempts that failed since the file was queued or resumed
+  bool sizeKnown = true;      // false until an upload's source was looked at
   FilePhase phase = FilePhase::kWaiting;
 };
 
@@ -54,7 +55,9 @@ class CTransferGroup {
   const FileSlot& file(std::uint32_t index) const { return files_.at(index); }
 
   // Adds a waiting file and gives its index.
-  std::uint32_t append(std::uint64_t size);
+  std::uint32_t append(std::uint64_t size, bool sizeKnown = true);
+  // Adds a file as it was kept: kWaiting, kCompleted, kFailed, or kRemoved for a gap.
+  void appendKept(std::uint64_t size, bool sizeKnown, FilePhase phase);
   // The only place where a file's phase changes; the step must be one that mayFollow allows.
   void changePhase(std::uint32_t index, FilePhase to);
   void setSize(std::uint32_t index, std::uint64_t size);
@@ -73,6 +76,7 @@ class CTransferGroup {
   // Files that have been in this phase; check each, it can have moved on. Empties the list.
   std::vector<std::uint32_t> takePaused() { return std::exchange(paused_, {}); }
   std::vector<std::uint32_t> takeFailed() { return std::exchange(failed_, {}); }
+  const std::vector<std::uint32_t>& failed() const { return failed_; }
   std::vector<std::uint32_t> backingOff() const { return {backingOff_.begin(), backingOff_.end()}; }
 
   std::uint32_t count(FilePhase phase) const { return counts_[static_cast<std::size_t>(phase)]; }
@@ -81,6 +85,7 @@ class CTransferGroup {
   void setMarked(bool marked) { isMarked_ = marked; }
   void setCancelled() { isCancelled_ = true; }
   bool paused() const { return isPaused_; }
+  bool marked() const { return isMarked_; }
   bool cancelled() const { return isCancelled_; }
 
   // `running`: between startup and shutdown.

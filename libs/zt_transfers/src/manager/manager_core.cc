@@ -53,7 +53,10 @@ void CManagerCore::CLateLog::write(Priority priority, std::string_view message) 
 
 CManagerCore::CManagerCore(Options options)
     : options_(std::move(options)),
-      engine_(options_.engine, {.clock = clock_, .store = store_, .events = events_, .log = log_}),
+      queue_("zt-store-" + options_.shortName, log_,
+             [this](std::int32_t groupId) { engine_.specsArrived(groupId); }),
+      engine_(options_.engine,
+              {.clock = clock_, .store = queue_.store(), .events = events_, .log = log_}),
       pool_("zt-disk-" + options_.shortName),
       loop_("zt-net-" + options_.shortName, clock_),
       notifier_("zt-tell-" + options_.shortName, events_,
@@ -67,6 +70,28 @@ CManagerCore::CManagerCore(Options options)
 
 CManagerCore::~CManagerCore() {
   shutdown();
+  queue_.abandon();  // while the engine is there, which its thread may call
+}
+
+CTransferEngine& CManagerCore::openEngine() {
+  openQueue();
+  return engine_;
+}
+
+void CManagerCore::openQueue() {
+  const std::lock_guard lock(opening_);
+  if (opened_) {
+    return;
+  }
+  opened_ = true;
+  const std::string folder = CZtTransfersGlobalConfig::getInstance()->appFilesPath();
+  log_.open(folder);
+  if (folder.empty()) {
+    return;
+  }
+  if (auto found = queue_.open(folder + "/" + options_.database)) {
+    engine_.restore(found->lastGroupId, std::move(found->groups));
+  }
 }
 
 void CManagerCore::configure(const CTransferManagerBase::Configuration& configuration) {
@@ -83,7 +108,7 @@ void CManagerCore::startup() {
     return;
   }
   started_ = true;
-  log_.open(CZtTransfersGlobalConfig::getInstance()->appFilesPath());
+  openQueue();
   log_.information("Starting " + options_.engine.activity + "s");
   engine_.start();
   notifier_.start();
@@ -102,6 +127,11 @@ void CManagerCore::shutdown() {
   measuring_ = false;
   engine_.stop();
   notifier_.stop();
+  {
+    // From here on another manager may have the queue; whoever needs it again here reads it anew.
+    const std::lock_guard lock(opening_);
+    opened_ = queue_.isOpen() ? !queue_.close() : !engine_.groups().empty();
+  }
   log_.information("Stopped " + options_.engine.activity + "s");
 }
 

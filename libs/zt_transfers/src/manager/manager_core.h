@@ -2,14 +2,15 @@
 
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 
 #include "engine/event_queue.h"
-#include "engine/memory_queue_store.h"
 #include "engine/transfer_engine.h"
 #include "http/http_loop.h"
 #include "log/log.h"
 #include "manager/notifier.h"
+#include "store/stored_queue.h"
 #include "threads/worker_pool.h"
 #include "zt_transfers/transfer_manager_base.h"
 
@@ -18,7 +19,8 @@ namespace zt_transfers {
 // What both managers are made of: the engine, its threads, and the wiring between them.
 //
 // Threads: one for the network ("zt-net-…"), one that tells events ("zt-tell-…"), and a pool
-// for files ("zt-disk-…"), all between startup and shutdown only.
+// for files ("zt-disk-…"), all between startup and shutdown only. One for the database ("zt-store-…")
+// from the first change or startup to shutdown.
 // Ownership: a manager owns one; the program's one thread calls all operations.
 class CManagerCore {
  public:
@@ -30,6 +32,7 @@ class CManagerCore {
   };
   struct Options {
     std::string shortName;  // for thread names: "up", "down"
+    std::string database;   // name of the queue's file in the application files path
     CTransferEngine::Options engine;
     std::function<std::unique_ptr<IAttemptRunner>(const RunnerParts&)> makeRunner;
     // Called on the telling thread.
@@ -42,6 +45,8 @@ class CManagerCore {
   CManagerCore& operator=(const CManagerCore&) = delete;
 
   CTransferEngine& engine() { return engine_; }
+  // The same for operations that change the queue: what was kept of it is read first.
+  CTransferEngine& openEngine();
   void configure(const CTransferManagerBase::Configuration& configuration);
 
   void startup();
@@ -58,19 +63,22 @@ class CManagerCore {
     std::shared_ptr<ILog> log_;  // set while no other thread of the manager runs
   };
 
+  void openQueue();
   std::optional<TimePoint> turn();
   void measureSources();
 
   const Options options_;
   const CSystemClock clock_;
   CLateLog log_;
-  CMemoryQueueStore store_;
+  CStoredQueue queue_;
   CEventQueue events_;
   CTransferEngine engine_;
   CWorkerPool pool_;
   CHttpLoop loop_;
   CNotifier notifier_;
   const std::unique_ptr<IAttemptRunner> runner_;
+  std::mutex opening_;
+  bool opened_ = false;  // guarded by opening_
   bool started_ = false;
   std::uint64_t throttle_ = 0;
   bool measuring_ = false;  // the network thread only

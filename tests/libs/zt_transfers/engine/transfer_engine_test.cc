@@ -4,7 +4,7 @@
 
 #include <variant>
 
-#include "engine/memory_queue_store.h"
+#include "store/queue_store.h"
 
 namespace zt_transfers::test {
 namespace {
@@ -74,7 +74,7 @@ class TransferEngine : public ::testing::Test {
   }
 
   CHandClock clock;
-  CMemoryQueueStore store;
+  CQueueStore store;
   CEventQueue queue;
   CNoLog log;
   CTransferEngine engine{{.activity = "upload",

@@ -1,4 +1,4 @@
-#include "engine/memory_queue_store.h"
+#include "store/queue_store.h"
 
 #include <gtest/gtest.h>
 
@@ -18,11 +18,24 @@ FileSpec specOf(const std::string& fileId) {
   return spec;
 }
 
-TEST(MemoryQueueStore, GivesBackWhatItKeeps) {
-  CMemoryQueueStore store;
-  store.append(1, specOf("a"));
-  store.append(1, specOf("b"));
-  const FileSpec kept = store.spec({1, 1});
+// A store with the groups 1 and 2, without a disk.
+class QueueStore : public ::testing::Test {
+ protected:
+  QueueStore() {
+    for (const std::int32_t id : {1, 2}) {
+      StoredGroup group;
+      group.identity.id = id;
+      store.saveGroup(group);
+    }
+  }
+
+  CQueueStore store;
+};
+
+TEST_F(QueueStore, GivesBackWhatItKeeps) {
+  store.append(1, specOf("a"), {});
+  store.append(1, specOf("b"), {});
+  const FileSpec kept = store.spec({1, 1}).value();
   const FileSpec given = specOf("b");
   EXPECT_EQ(kept.fileId, given.fileId);
   EXPECT_EQ(kept.place, given.place);
@@ -36,10 +49,9 @@ TEST(MemoryQueueStore, GivesBackWhatItKeeps) {
   EXPECT_EQ(store.place({1, 0}), specOf("a").place);
 }
 
-TEST(MemoryQueueStore, FindsFilesByTheirIdInTheirGroup) {
-  CMemoryQueueStore store;
-  store.append(1, specOf("a"));
-  store.append(2, specOf("b"));
+TEST_F(QueueStore, FindsFilesByTheirIdInTheirGroup) {
+  store.append(1, specOf("a"), {});
+  store.append(2, specOf("b"), {});
   EXPECT_EQ(store.find(1, "a"), 0U);
   EXPECT_FALSE(store.find(1, "b").has_value());
   EXPECT_FALSE(store.find(3, "a").has_value());
@@ -47,20 +59,19 @@ TEST(MemoryQueueStore, FindsFilesByTheirIdInTheirGroup) {
   other.url = "http://other/";
   store.replace({1, 0}, other);
   EXPECT_EQ(store.find(1, "a"), 0U);
-  EXPECT_EQ(store.spec({1, 0}).url, "http://other/");
+  EXPECT_EQ(store.spec({1, 0})->url, "http://other/");
   store.remove({1, 0});
   EXPECT_FALSE(store.find(1, "a").has_value());
   store.removeGroup(2);
   EXPECT_FALSE(store.find(2, "b").has_value());
 }
 
-TEST(MemoryQueueStore, FindsEveryFileAmongManyThatComeAndGo) {
+TEST_F(QueueStore, FindsEveryFileAmongManyThatComeAndGo) {
   constexpr std::uint32_t kFiles = 5000;
-  CMemoryQueueStore store;
   FileSpec spec;
   for (std::uint32_t number = 0; number < kFiles; ++number) {
     spec.fileId = "file-" + std::to_string(number);
-    store.append(1, spec);
+    store.append(1, spec, {});
     if (number % 3 == 0) {
       store.remove({1, number / 2});
     }

@@ -1,0 +1,101 @@
+#include "store/database_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <ctime>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+namespace zt_transfers {
+namespace {
+
+// A name that is not taken yet.
+std::string nameAside(const std::string& path) {
+  const std::time_t now = std::time(nullptr);
+  std::tm local{};
+  ::localtime_r(&now, &local);
+  char time[32];
+  std::strftime(time, sizeof time, "%Y%m%d-%H%M%S", &local);
+  std::string name = path + ".unusable-" + time;
+  for (int number = 2; std::filesystem::exists(name); ++number) {
+    name = path + ".unusable-" + time + "-" + std::to_string(number);
+  }
+  return name;
+}
+
+}  // namespace
+
+std::unique_ptr<CDatabaseFile> CDatabaseFile::claim(const std::string& path, ILog& log) {
+  constexpr const char* kConsequence =
+      "; what is queued now is transferred, but forgotten when the program ends";
+  try {
+    auto lock = CDatabaseLock::take(path + ".lock");
+    if (lock) {
+      return std::unique_ptr<CDatabaseFile>(new CDatabaseFile(path, std::move(*lock), log));
+    }
+    log.error("The queue " + path + " is in use by another process" + kConsequence);
+  } catch (const std::system_error& error) {
+    log.error("The queue " + path + " cannot be used: " + error.what() + kConsequence);
+  }
+  return nullptr;
+}
+
+bool CDatabaseFile::exists() const {
+  struct stat status {};
+  return ::stat(path_.c_str(), &status) == 0 && status.st_size != 0;
+}
+
+// It holds tokens and signed URLs. SQLite gives its other files the same mode.
+void CDatabaseFile::makePrivate() const {
+  const CUniqueFd file(::open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+}
+
+std::unique_ptr<CQueueDatabase> CDatabaseFile::open(
+    const std::function<void(CQueueDatabase&)>& load) {
+  for (int attempt = 0; attempt < 2; ++attempt) {
+    try {
+      makePrivate();
+      auto database = std::make_unique<CQueueDatabase>(path_);
+      load(*database);
+      complained_ = false;
+      return database;
+    } catch (const CQueueDatabase::CUnusable& error) {
+      if (!setAside(error.what())) {
+        return nullptr;
+      }
+    } catch (const CSqliteError& error) {
+      if (error.isDamage()) {
+        if (!setAside(error.what())) {
+          return nullptr;
+        }
+        continue;
+      }
+      if (!std::exchange(complained_, true)) {
+        log_.error("The queue " + path_ + " cannot be opened: " + error.what() +
+                   "; transfers go on, what is queued now stays in memory");
+      }
+      return nullptr;
+    }
+  }
+  return nullptr;
+}
+
+bool CDatabaseFile::setAside(const std::string& reason) {
+  const std::string aside = nameAside(path_);
+  for (const char* suffix : {"-wal", "-shm", "-journal", ""}) {
+    std::error_code error;
+    std::filesystem::rename(path_ + suffix, aside + suffix, error);
+    if (error && error != std::errc::no_such_file_or_directory) {
+      log_.error("The queue " + path_ + " cannot be used (" + reason + ") nor be renamed: " +
+                 error.message() + "; transfers go on, what is queued now stays in memory");
+      return false;
+    }
+  }
+  log_.error("The queue " + path_ + " cannot be used (" + reason + "). It was renamed to " + aside +
+             ", a new one begins; transfers that were in it have to be started anew");
+  return true;
+}
+
+}  // namespace zt_transfers

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "log/log.h"
+#include "store/database_lock.h"
+#include "store/queue_database.h"
+
+namespace zt_transfers {
+
+// A queue's database file with its lock: opens it, and sets one aside that cannot be used.
+//
+// Thread: one at a time.
+class CDatabaseFile {
+ public:
+  // Takes the lock of the database at `path`. Null, and the log says so, when another process
+  // uses it or the folder cannot be written to.
+  static std::unique_ptr<CDatabaseFile> claim(const std::string& path, ILog& log);
+
+  // Opens it and lets `load` read it. Null when that cannot be done now, which the log tells once.
+  // One that is damaged or newer is renamed to "<name>.unusable-<time>", and `load` gets a new one.
+  std::unique_ptr<CQueueDatabase> open(const std::function<void(CQueueDatabase&)>& load);
+  // Renames it, for `reason`. It must not be open.
+  bool setAside(const std::string& reason);
+  // Whether there may be something in it.
+  bool exists() const;
+
+  const std::string& path() const { return path_; }
+
+ private:
+  CDatabaseFile(std::string path, CDatabaseLock lock, ILog& log)
+      : path_(std::move(path)), lock_(std::move(lock)), log_(log) {}
+
+  void makePrivate() const;
+
+  const std::string path_;
+  const CDatabaseLock lock_;
+  ILog& log_;
+  bool complained_ = false;
+};
+
+}  // namespace zt_transfers

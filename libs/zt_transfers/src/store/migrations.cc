@@ -1,0 +1,72 @@
+#include "store/migrations.h"
+
+#include <string>
+
+namespace zt_transfers {
+namespace {
+
+// Says in the file's head whose database it is.
+constexpr std::int64_t kApplicationId = 0x5A545131;  // "ZTQ1"
+
+// A file's id is its group's id times 2^32 and its place in the group's queue.
+constexpr const char* kFirstSchema = R"(
+  CREATE TABLE groups(
+    id            INTEGER PRIMARY KEY AUTOINCREMENT,
+    bucket_id     BLOB NOT NULL,
+    bucket_type   BLOB NOT NULL,
+    token         BLOB NOT NULL,
+    token_expires INTEGER NOT NULL,  -- seconds since 1970; 0: never
+    folder        BLOB NOT NULL,     -- downloads only
+    paused        INTEGER NOT NULL,
+    marked        INTEGER NOT NULL
+  );
+  CREATE TABLE files(
+    id      INTEGER PRIMARY KEY,
+    state   INTEGER NOT NULL,  -- 0: to be done, 1: completed, 2: failed
+    size    INTEGER,           -- bytes; null: not known yet
+    file_id BLOB NOT NULL
+  );
+  -- What is to be done for a file, until that is done.
+  CREATE TABLE specs(
+    id   INTEGER PRIMARY KEY,
+    spec BLOB NOT NULL
+  );
+  -- Groups that are gone and whose files are yet to be deleted.
+  CREATE TABLE removed_groups(
+    id INTEGER PRIMARY KEY
+  );
+)";
+
+}  // namespace
+
+const std::vector<Migration>& queueMigrations() {
+  static const std::vector<Migration> migrations{{1, kFirstSchema}};
+  return migrations;
+}
+
+bool migrate(CSqliteConnection& connection, const std::vector<Migration>& migrations) {
+  const std::int64_t owner = connection.number("PRAGMA application_id");
+  const std::int64_t version = connection.number("PRAGMA user_version");
+  const bool fresh = connection.number("SELECT count(*) FROM sqlite_schema") == 0;
+  const bool ours = owner == kApplicationId || (fresh && owner == 0 && version == 0);
+  if (!ours || version > migrations.back().version) {
+    return false;
+  }
+  if (version == migrations.back().version) {
+    return true;
+  }
+  CSqliteTransaction transaction(connection);
+  for (const Migration& step : migrations) {
+    if (step.version > version) {
+      connection.execute(step.sql);
+    }
+  }
+  const std::string stamp =
+      "PRAGMA application_id = " + std::to_string(kApplicationId) +
+      "; PRAGMA user_version = " + std::to_string(migrations.back().version);
+  connection.execute(stamp.c_str());
+  transaction.commit();
+  return true;
+}
+
+}  // namespace zt_transfers

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "store/sqlite.h"
+
+namespace zt_transfers {
+
+// A step from one version of the schema to the next: the database is at `version` after it.
+struct Migration {
+  std::int64_t version;
+  const char* sql;
+};
+
+// The steps of the queue's database, from nothing on; the last one is this program's version.
+const std::vector<Migration>& queueMigrations();
+
+// Brings the database to the last of these versions: all steps that are missing, or none when one
+// of them fails (CSqliteError). False when the database is newer, or another program's; then nothing is
+// changed.
+bool migrate(CSqliteConnection& connection, const std::vector<Migration>& migrations);
+
+}  // namespace zt_transfers

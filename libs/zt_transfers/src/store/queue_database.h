@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "engine/queue_store.h"
+#include "store/migrations.h"
+#include "store/queue_batch.h"
+#include "store/sqlite.h"
+
+namespace zt_transfers {
+
+// The queue on disk, see docs/transfers.md. All operations throw CSqliteError.
+//
+// Thread: one at a time.
+class CQueueDatabase {
+ public:
+  // The file is there but cannot be used as it is; the text says why.
+  class CUnusable : public std::runtime_error {
+   public:
+    using std::runtime_error::runtime_error;
+  };
+
+  // Opens or makes it and brings its schema up to date. Throws CUnusable when it is damaged,
+  // newer, or another program's.
+  explicit CQueueDatabase(const std::string& path,
+                          const std::vector<Migration>& migrations = queueMigrations());
+
+  struct Reader {
+    std::function<void(const StoredGroup&)> group;
+    // The files of the group before, in ascending order; indices may be missing.
+    std::function<void(FileRef, const StoredState&, std::string_view fileId)> file;
+  };
+  void read(const Reader& reader);
+  // The highest id that a group ever had; 0 without one.
+  std::int32_t lastGroupId();
+
+  // All of it, or nothing when it throws; durable when it returns.
+  void write(const QueueBatch& batch);
+  // The descriptions of the files from `from` up to, not including, `to`.
+  void readSpecs(std::int32_t groupId, std::uint32_t from, std::uint32_t to,
+                 const std::function<void(FileRef, std::string_view spec)>& use);
+  // Deletes some of what removed groups have left; false when there is nothing left.
+  bool sweep();
+
+  CSqliteConnection& connection() { return connection_; }
+
+ private:
+  void write(const QueueWrite& write);
+  void writeGroup(const StoredGroup& group);
+  void writeState(std::int64_t id, const StoredState& state);
+  void check(const std::string& path);
+
+  CSqliteConnection connection_;
+
+  struct Statements {
+    explicit Statements(sqlite3* connection);
+
+    CSqliteStatement groups;
+    CSqliteStatement files;
+    CSqliteStatement lastGroup;
+    CSqliteStatement saveGroup;
+    CSqliteStatement removeGroup;
+    CSqliteStatement noteRemoved;
+    CSqliteStatement addFile;
+    CSqliteStatement setState;
+    CSqliteStatement removeFile;
+    CSqliteStatement saveSpec;
+    CSqliteStatement removeSpec;
+    CSqliteStatement specs;
+    CSqliteStatement removedGroup;
+    CSqliteStatement sweepFiles;
+    CSqliteStatement sweepSpecs;
+    CSqliteStatement endSweep;
+  };
+  std::unique_ptr<Statements> statements_;
+};
+
+}  // namespace zt_transfers

@@ -1,0 +1,257 @@
+#include "store/queue_store.h"
+
+#include <algorithm>
+
+namespace zt_transfers {
+
+using Kind = QueueChange::Kind;
+
+void CQueueStore::record(Listener listener) {
+  const std::lock_guard lock(mutex_);
+  listener_ = std::move(listener);
+}
+
+void CQueueStore::stopRecording() {
+  const std::lock_guard lock(mutex_);
+  listener_.reset();
+  changes_.clear();
+  changedGroups_.clear();
+  requests_.clear();
+}
+
+CFileTable* CQueueStore::table(std::int32_t groupId) const {
+  const auto found = tables_.find(groupId);
+  return found == tables_.end() ? nullptr : found->second.get();
+}
+
+void CQueueStore::note(Kind kind, FileRef file, const StoredState& state) {
+  if (listener_) {
+    changes_.push_back({kind, file, state});
+    listener_->changed();
+  }
+}
+
+void CQueueStore::saveGroup(const StoredGroup& group) {
+  const std::lock_guard lock(mutex_);
+  const std::int32_t id = group.identity.id;
+  std::unique_ptr<CFileTable>& files = tables_[id];
+  if (!files) {
+    files = std::make_unique<CFileTable>(held_);
+  }
+  if (listener_) {
+    changedGroups_[id] = group;
+    note(Kind::kGroup, {id, 0});
+  }
+}
+
+void CQueueStore::removeGroup(std::int32_t groupId) {
+  std::unique_ptr<CFileTable> removed;  // which takes its time, so not under the lock
+  const std::lock_guard lock(mutex_);
+  const auto found = tables_.find(groupId);
+  if (found != tables_.end()) {
+    removed = std::move(found->second);
+    removed->leave();
+    tables_.erase(found);
+    note(Kind::kGroupRemoved, {groupId, 0});
+  }
+}
+
+void CQueueStore::append(std::int32_t groupId, const FileSpec& spec, const StoredState& state) {
+  CPackedSpec packed(spec);
+  const std::lock_guard lock(mutex_);
+  CFileTable& files = *tables_.at(groupId);
+  files.append(spec.fileId, std::move(packed));
+  note(Kind::kFile, {groupId, files.size() - 1}, state);
+}
+
+void CQueueStore::replace(FileRef file, const FileSpec& spec) {
+  CPackedSpec packed(spec);
+  const std::lock_guard lock(mutex_);
+  tables_.at(file.groupId)->replace(file.index, std::move(packed));
+  note(Kind::kSpec, file);
+}
+
+void CQueueStore::setState(FileRef file, const StoredState& state) {
+  const std::lock_guard lock(mutex_);
+  CFileTable& files = *tables_.at(file.groupId);
+  if (state.phase == FilePhase::kCompleted) {
+    files.forget(file.index);
+  } else if (state.phase == FilePhase::kFailed || !files.soon(file.index)) {
+    files.release(file.index);
+  }
+  note(Kind::kState, file, state);
+}
+
+void CQueueStore::remove(FileRef file) {
+  const std::lock_guard lock(mutex_);
+  tables_.at(file.groupId)->remove(file.index);
+  note(Kind::kFileRemoved, file);
+}
+
+std::string CQueueStore::fileId(FileRef file) const {
+  const std::lock_guard lock(mutex_);
+  return std::string(tables_.at(file.groupId)->fileId(file.index));
+}
+
+std::optional<std::uint32_t> CQueueStore::find(std::int32_t groupId,
+                                               const std::string& fileId) const {
+  const std::lock_guard lock(mutex_);
+  const CFileTable* files = table(groupId);
+  return files == nullptr ? std::nullopt : files->find(fileId);
+}
+
+std::optional<FileSpec> CQueueStore::spec(FileRef file) {
+  const std::lock_guard lock(mutex_);
+  CFileTable& files = *tables_.at(file.groupId);
+  auto spec = files.spec(file.index).unpacked();
+  if (spec) {
+    spec->fileId = files.fileId(file.index);
+    if (const auto from = listener_ ? files.readAhead(file.index) : std::nullopt) {
+      request({file.groupId, *from, *from + CFileTable::kWindow});
+    }
+  }
+  return spec;
+}
+
+std::optional<std::string> CQueueStore::place(FileRef file) const {
+  const std::lock_guard lock(mutex_);
+  return tables_.at(file.groupId)->spec(file.index).place();
+}
+
+bool CQueueStore::bring(FileRef file) {
+  const std::lock_guard lock(mutex_);
+  if (!listener_) {
+    return false;
+  }
+  CFileTable& files = *tables_.at(file.groupId);
+  switch (files.ask(file.index)) {
+    case CFileTable::Coming::kUnreadable:
+      return false;
+    case CFileTable::Coming::kAlready:
+      return true;
+    case CFileTable::Coming::kAsked:
+      break;
+  }
+  // With the next ones, or it will soon be asked for those; fewer when much is in memory.
+  const std::uint32_t count = held_ < kMostHeld ? CFileTable::kWindow : CFileTable::kWindow / 16;
+  files.setAhead(file.index + count);
+  request({file.groupId, file.index, file.index + count});
+  return true;
+}
+
+void CQueueStore::request(const Range& range) {
+  requests_.push_back(range);
+  listener_->requested();
+}
+
+void CQueueStore::clear() {
+  const std::lock_guard lock(mutex_);
+  tables_.clear();
+}
+
+void CQueueStore::restoreGroup(std::int32_t groupId) {
+  const std::lock_guard lock(mutex_);
+  auto files = std::make_unique<CFileTable>(held_);
+  files->setAhead(0);
+  tables_[groupId] = std::move(files);
+}
+
+void CQueueStore::restoreFile(FileRef file, std::string_view fileId) {
+  const std::lock_guard lock(mutex_);
+  CFileTable& files = *tables_.at(file.groupId);
+  while (files.size() < file.index) {
+    files.restoreGap();
+  }
+  files.restore(fileId);
+}
+
+bool CQueueStore::hasChanges() const {
+  const std::lock_guard lock(mutex_);
+  return !changes_.empty();
+}
+
+QueueBatch CQueueStore::collect(std::size_t most) {
+  QueueBatch batch;
+  const std::lock_guard lock(mutex_);
+  const std::size_t count = std::min(most, changes_.size());
+  batch.writes.reserve(count);
+  for (std::size_t done = 0; done < count; ++done) {
+    QueueWrite write{.change = changes_.front()};
+    changes_.pop_front();
+    const auto [kind, file, state] = write.change;
+    CFileTable* files = table(file.groupId);
+    if (kind == Kind::kGroup) {
+      const auto changed = changedGroups_.extract(file.groupId);
+      if (!changed) {
+        continue;  // written with an earlier change
+      }
+      write.group = &batch.groups.emplace_back(std::move(changed.mapped()));
+    } else if (kind != Kind::kGroupRemoved && files == nullptr) {
+      continue;  // gone with its group
+    }
+    if (kind == Kind::kFile) {
+      write.fileId = CTextArena::at(batch.texts.add(files->fileId(file.index)));
+    }
+    if ((kind == Kind::kFile || kind == Kind::kSpec) && files->beginWrite(file.index)) {
+      write.spec = CTextArena::at(batch.texts.add(files->spec(file.index).bytes()));
+    }
+    batch.writes.push_back(write);
+  }
+  return batch;
+}
+
+void CQueueStore::written(const QueueBatch& batch) {
+  const std::lock_guard lock(mutex_);
+  for (const QueueWrite& write : batch.writes) {
+    const FileRef file = write.change.file;
+    CFileTable* files = table(file.groupId);
+    if (files == nullptr || write.spec.empty() || !files->endWrite(file.index)) {
+      continue;
+    }
+    if (!files->soon(file.index) || held_ > kMostHeld) {
+      files->release(file.index);
+    }
+  }
+}
+
+void CQueueStore::putBack(const QueueBatch& batch) {
+  const std::lock_guard lock(mutex_);
+  for (auto write = batch.writes.rbegin(); write != batch.writes.rend(); ++write) {
+    const FileRef file = write->change.file;
+    if (write->group != nullptr) {
+      changedGroups_.emplace(file.groupId, *write->group);  // unless it has changed again
+    }
+    CFileTable* files = table(file.groupId);
+    if (files != nullptr && !write->spec.empty()) {
+      files->failWrite(file.index);
+    }
+    changes_.push_front(write->change);
+  }
+}
+
+std::optional<CQueueStore::Range> CQueueStore::takeRequest() {
+  const std::lock_guard lock(mutex_);
+  if (requests_.empty()) {
+    return std::nullopt;
+  }
+  const Range range = requests_.front();
+  requests_.pop_front();
+  return range;
+}
+
+void CQueueStore::arrive(FileRef file, std::string_view spec) {
+  const std::lock_guard lock(mutex_);
+  CFileTable* files = table(file.groupId);
+  if (files != nullptr && file.index < files->size()) {
+    files->arrive(file.index, spec);
+  }
+}
+
+void CQueueStore::endArrival(const Range& range) {
+  const std::lock_guard lock(mutex_);
+  if (CFileTable* files = table(range.groupId)) {
+    files->endArrival(range.from, range.to);
+  }
+}
+
+}  // namespace zt_transfers

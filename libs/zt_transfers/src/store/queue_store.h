@@ -1,0 +1,96 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "engine/queue_store.h"
+#include "store/file_table.h"
+#include "store/queue_batch.h"
+
+namespace zt_transfers {
+
+// The queue in memory, and what of it has yet to be written to or read from disk. It touches no
+// disk itself: a CQueueWriter takes changes and requests from here. Without one, all of the
+// queue stays in memory.
+//
+// Thread: any.
+class CQueueStore : public IQueueStore {
+ public:
+  // Descriptions of files, to be read.
+  struct Range {
+    std::int32_t groupId = 0;
+    std::uint32_t from = 0;
+    std::uint32_t to = 0;  // the first one not to be read
+  };
+
+  CQueueStore() = default;
+
+  // Called from any thread, under the store's lock.
+  struct Listener {
+    std::function<void()> changed;    // there are changes
+    std::function<void()> requested;  // there are requests
+  };
+
+  // From now on changes are kept for a writer.
+  void record(Listener listener);
+  void stopRecording();
+
+  // For the engine.
+  void saveGroup(const StoredGroup& group) override;
+  void removeGroup(std::int32_t groupId) override;
+  void append(std::int32_t groupId, const FileSpec& spec, const StoredState& state) override;
+  void replace(FileRef file, const FileSpec& spec) override;
+  void setState(FileRef file, const StoredState& state) override;
+  void remove(FileRef file) override;
+  std::string fileId(FileRef file) const override;
+  std::optional<std::uint32_t> find(std::int32_t groupId, const std::string& fileId) const override;
+  std::optional<FileSpec> spec(FileRef file) override;
+  std::optional<std::string> place(FileRef file) const override;
+  bool bring(FileRef file) override;
+
+  // For what reads the queue at the start: all is forgotten, then each group with its files in
+  // the order of their indices.
+  void clear();
+  void restoreGroup(std::int32_t groupId);
+  void restoreFile(FileRef file, std::string_view fileId);
+
+  // For the writer.
+  bool hasChanges() const;
+  // The oldest changes, about `most` of them, with what is to be written.
+  QueueBatch collect(std::size_t most);
+  // They are durable. Their memory is given free if it is not needed soon.
+  void written(const QueueBatch& batch);
+  // They could not be written and come first again.
+  void putBack(const QueueBatch& batch);
+  std::optional<Range> takeRequest();
+  void arrive(FileRef file, std::string_view spec);
+  void endArrival(const Range& range);
+
+ private:
+  // Written descriptions in memory, of all groups together.
+  static constexpr std::size_t kMostHeld = 8192;
+
+  CFileTable* table(std::int32_t groupId) const;
+  void note(QueueChange::Kind kind, FileRef file, const StoredState& state = {});
+  void request(const Range& range);
+
+  mutable std::mutex mutex_;
+  // Guarded by mutex_.
+  std::optional<Listener> listener_;
+  std::size_t held_ = 0;
+  std::unordered_map<std::int32_t, std::unique_ptr<CFileTable>> tables_;
+  std::unordered_map<std::int32_t, StoredGroup> changedGroups_;  // not written yet
+  std::deque<QueueChange> changes_;
+  std::deque<Range> requests_;
+};
+
+}  // namespace zt_transfers

@@ -1,0 +1,202 @@
+#include "store/queue_writer.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "os/thread_name.h"
+
+namespace zt_transfers {
+namespace {
+
+constexpr std::size_t kMostWritten = 4096;  // changes at once
+
+TimePoint now() {
+  return std::chrono::steady_clock::now();
+}
+
+}  // namespace
+
+CQueueWriter::CQueueWriter(std::string name, const Parts& parts,
+                           std::unique_ptr<CQueueDatabase> database, const Pace& pace)
+    : name_(std::move(name)), parts_(parts), pace_(pace), database_(std::move(database)) {
+  parts_.store.record({.changed =
+                           [this] {
+                             const std::lock_guard lock(mutex_);
+                             if (!std::exchange(changed_, true)) {
+                               poked_.notify_one();
+                             }
+                           },
+                       .requested =
+                           [this] {
+                             const std::lock_guard lock(mutex_);
+                             requested_ = true;
+                             poked_.notify_one();
+                           }});
+  thread_ = std::thread([this] {
+    nameThisThread(name_);
+    run();
+  });
+}
+
+CQueueWriter::~CQueueWriter() {
+  flush();
+  {
+    const std::lock_guard lock(mutex_);
+    stopping_ = true;
+  }
+  poked_.notify_one();
+  thread_.join();
+  parts_.store.stopRecording();
+  database_.reset();
+  if (!damage_.empty()) {
+    parts_.file.setAside(damage_);
+  }
+}
+
+bool CQueueWriter::flush() {
+  std::unique_lock lock(mutex_);
+  flushing_ = true;
+  poked_.notify_one();
+  flushed_.wait(lock, [this] { return !flushing_; });
+  return flushedAll_;
+}
+
+void CQueueWriter::run() {
+  for (;;) {
+    wait();
+    {
+      const std::lock_guard lock(mutex_);
+      if (stopping_) {
+        return;
+      }
+      requested_ = false;
+    }
+    serveRequests();
+    writeDue();
+    sweep();
+  }
+}
+
+// Until there is something to do.
+void CQueueWriter::wait() {
+  std::unique_lock lock(mutex_);
+  const auto urgent = [this] { return stopping_ || flushing_ || requested_; };
+  if (due_) {
+    poked_.wait_until(lock, *due_, urgent);
+  } else if (!sweeping_) {
+    poked_.wait(lock, [&] { return urgent() || changed_; });
+  }
+  if (!due_ && changed_) {
+    due_ = now() + pace_.gather;
+  }
+}
+
+void CQueueWriter::serveRequests() {
+  while (const auto range = parts_.store.takeRequest()) {
+    serve(*range);
+    parts_.store.endArrival(*range);
+    parts_.arrived(range->groupId);
+  }
+}
+
+void CQueueWriter::serve(const CQueueStore::Range& range) {
+  if (!database_) {
+    return;
+  }
+  try {
+    database_->readSpecs(
+        range.groupId, range.from, range.to,
+        [this](FileRef file, std::string_view spec) { parts_.store.arrive(file, spec); });
+  } catch (const CSqliteError& error) {
+    if (error.isDamage()) {
+      damage_ = error.what();
+    }
+    parts_.log.error("Files of group " + std::to_string(range.groupId) +
+                     " cannot be read from the queue " + parts_.file.path() + ": " + error.what() +
+                     "; they fail, others go on");
+  }
+}
+
+void CQueueWriter::writeDue() {
+  bool flushing = false;
+  {
+    const std::lock_guard lock(mutex_);
+    flushing = flushing_;
+    if (!flushing && (!due_ || *due_ > now())) {
+      return;
+    }
+    changed_ = false;
+  }
+  due_.reset();
+  const bool done = writeBatch();
+  const bool more = parts_.store.hasChanges();
+  if (!done) {
+    due_ = now() + retry_;
+  } else if (more) {
+    due_ = now();
+  }
+  if (flushing && (!done || !more)) {
+    {
+      const std::lock_guard lock(mutex_);
+      flushing_ = false;
+      flushedAll_ = done;
+    }
+    flushed_.notify_all();
+  }
+}
+
+bool CQueueWriter::writeBatch() {
+  if (!database_) {
+    database_ = parts_.file.open([](CQueueDatabase&) {});
+    if (!database_) {
+      retry_ = std::clamp(retry_ * 2, pace_.firstRetry, pace_.lastRetry);
+      return !parts_.store.hasChanges();
+    }
+  }
+  const QueueBatch batch = parts_.store.collect(kMostWritten);
+  if (batch.writes.empty()) {
+    return true;
+  }
+  try {
+    database_->write(batch);
+  } catch (const CSqliteError& error) {
+    parts_.store.putBack(batch);
+    if (error.isDamage()) {
+      damage_ = error.what();
+    }
+    failed(error.what());
+    return false;
+  }
+  parts_.store.written(batch);
+  sweeping_ = sweeping_ || std::any_of(batch.writes.begin(), batch.writes.end(), [](const auto& one) {
+                return one.change.kind == QueueChange::Kind::kGroupRemoved;
+              });
+  if (std::exchange(retry_, {}) != std::chrono::milliseconds::zero()) {
+    parts_.log.information("The queue " + parts_.file.path() + " can be written to again");
+  }
+  return true;
+}
+
+void CQueueWriter::failed(const std::string& what) {
+  if (retry_ == std::chrono::milliseconds::zero()) {
+    parts_.log.error("The queue " + parts_.file.path() + " cannot be written to: " + what +
+                     "; transfers go on, what is not written is kept in memory and tried again");
+  }
+  retry_ = std::clamp(retry_ * 2, pace_.firstRetry, pace_.lastRetry);
+}
+
+// Bit by bit, so that reads and writes get their turn in between.
+void CQueueWriter::sweep() {
+  if (!sweeping_ || due_) {
+    return;
+  }
+  try {
+    sweeping_ = database_ && database_->sweep();
+  } catch (const CSqliteError& error) {
+    sweeping_ = false;  // with the next group that is removed, or at the next start
+    parts_.log.warning("Removed groups cannot be cleared from the queue " + parts_.file.path() +
+                       " now: " + error.what());
+  }
+}
+
+}  // namespace zt_transfers

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+
+#include "log/log.h"
+#include "pace/clock.h"
+#include "store/database_file.h"
+#include "store/queue_store.h"
+
+namespace zt_transfers {
+
+// The thread that writes a queue's changes to its database and reads descriptions from it. Changes that
+// come close together are written together. What cannot be written (a full disk) stays in
+// memory and is tried again.
+//
+// Thread: all operations by the owner.
+class CQueueWriter {
+ public:
+  struct Pace {
+    std::chrono::milliseconds gather{50};  // from a change to its write
+    std::chrono::milliseconds firstRetry{1000};
+    std::chrono::milliseconds lastRetry{30000};  // they double up to it
+  };
+  struct Parts {
+    CQueueStore& store;
+    CDatabaseFile& file;
+    ILog& log;
+    // Descriptions of this group's files have come, or cannot be read. Called on the writer's
+    // thread.
+    std::function<void(std::int32_t groupId)> arrived;
+  };
+
+  // `database` may be null: it is then opened when there is something to write.
+  CQueueWriter(std::string name, const Parts& parts, std::unique_ptr<CQueueDatabase> database,
+               const Pace& pace);
+  // Writes what it can, then closes the database.
+  ~CQueueWriter();
+  CQueueWriter(const CQueueWriter&) = delete;
+  CQueueWriter& operator=(const CQueueWriter&) = delete;
+
+  // Waits until all changes are durable; false when they cannot be written now.
+  bool flush();
+
+ private:
+  void run();
+  void wait();
+  void serveRequests();
+  void serve(const CQueueStore::Range& range);
+  // Writes if it is time to.
+  void writeDue();
+  bool writeBatch();
+  void failed(const std::string& what);
+  void sweep();
+
+  // Constant after construction.
+  const std::string name_;
+  const Parts parts_;
+  const Pace pace_;
+
+  // The writer's thread only.
+  std::unique_ptr<CQueueDatabase> database_;
+  std::optional<TimePoint> due_;  // when to write
+  std::chrono::milliseconds retry_{0};  // since the last failure; 0: none
+  bool sweeping_ = true;
+  std::string damage_;  // why the database is to be set aside
+
+  std::mutex mutex_;
+  std::condition_variable poked_;
+  std::condition_variable flushed_;
+  // Guarded by mutex_.
+  bool changed_ = false;
+  bool requested_ = false;
+  bool stopping_ = false;
+  bool flushing_ = false;
+  bool flushedAll_ = false;
+
+  std::thread thread_;
+};
+
+}  // namespace zt_transfers

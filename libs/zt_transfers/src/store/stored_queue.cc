@@ -1,0 +1,82 @@
+#include "store/stored_queue.h"
+
+#include <utility>
+
+namespace zt_transfers {
+namespace {
+
+constexpr std::size_t kMostGap = 20'000'000;  // files removed in a row
+
+}  // namespace
+
+CStoredQueue::CStoredQueue(std::string threadName, ILog& log,
+                           std::function<void(std::int32_t)> arrived,
+                           const CQueueWriter::Pace& pace)
+    : threadName_(std::move(threadName)), log_(log), arrived_(std::move(arrived)), pace_(pace) {}
+
+CStoredQueue::~CStoredQueue() {
+  abandon();
+}
+
+std::optional<CStoredQueue::Found> CStoredQueue::open(const std::string& path) {
+  file_ = CDatabaseFile::claim(path, log_);
+  if (!file_) {
+    return std::nullopt;
+  }
+  Found found;
+  auto database = file_->open([&](CQueueDatabase& opened) { load(opened, found); });
+  if (!database) {
+    if (file_->exists()) {
+      // What is in it now could not be told from what is queued meanwhile.
+      file_.reset();
+      return std::nullopt;
+    }
+    found = {};
+    store_.clear();
+  }
+  writer_ = std::make_unique<CQueueWriter>(
+      threadName_,
+      CQueueWriter::Parts{.store = store_, .file = *file_, .log = log_, .arrived = arrived_},
+      std::move(database), pace_);
+  return found;
+}
+
+void CStoredQueue::load(CQueueDatabase& database, Found& found) {
+  store_.clear();
+  found = {.lastGroupId = database.lastGroupId(), .groups = {}};
+  database.read({.group =
+                     [&](const StoredGroup& group) {
+                       found.groups.push_back({group, {}});
+                       store_.restoreGroup(group.identity.id);
+                     },
+                 .file =
+                     [&](FileRef file, const StoredState& state, std::string_view fileId) {
+                       auto& files = found.groups.back().files;
+                       if (file.index - files.size() > kMostGap) {
+                         throw CQueueDatabase::CUnusable("a file's place makes no sense");
+                       }
+                       files.resize(file.index, {.phase = FilePhase::kRemoved});
+                       files.push_back(state);
+                       store_.restoreFile(file, fileId);
+                     }});
+}
+
+bool CStoredQueue::close() {
+  if (!writer_) {
+    return true;
+  }
+  if (!writer_->flush()) {
+    log_.error("The latest changes of the queue " + file_->path() +
+               " are not on disk; they are lost if the program ends now");
+    return false;
+  }
+  abandon();
+  return true;
+}
+
+void CStoredQueue::abandon() {
+  writer_.reset();
+  file_.reset();
+}
+
+}  // namespace zt_transfers

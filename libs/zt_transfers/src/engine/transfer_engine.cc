@@ -604,9 +604,8 @@ void CTransferEngine::keepGroup(const CTransferGroup& group) {
 
 void CTransferEngine::keepFile(const CTransferGroup& group, std::uint32_t index) {
   const FileSlot& slot = group.file(index);
-  store_.setState({group.id(), index}, {.phase = kept(slot.phase),
-                                        .size = slot.size,
-                                        .sizeKnown = slot.sizeKnown});
+  store_.setState({group.id(), index},
+                  {.phase = kept(slot.phase), .size = slot.size, .sizeKnown = slot.sizeKnown});
 }
 
 void CTransferEngine::endJob(const Job& job, CTransferGroup& group, Rest rest) {

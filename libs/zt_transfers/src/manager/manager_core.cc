@@ -15,6 +15,9 @@ namespace {
 
 constexpr std::size_t kMeasuredAtOnce = 256;
 
+// For the database, before files are told to be completed nevertheless.
+constexpr std::chrono::milliseconds kMostSettling{1000};
+
 unsigned poolSize() {
   return std::clamp(std::thread::hardware_concurrency(), 2U, 4U);
 }
@@ -60,7 +63,8 @@ CManagerCore::CManagerCore(Options options)
       pool_("zt-disk-" + options_.shortName),
       loop_("zt-net-" + options_.shortName, clock_),
       notifier_("zt-tell-" + options_.shortName, events_,
-                {.deliver = options_.deliver,
+                {.prepare = [this](const auto& events) { settleCompleted(events); },
+                 .deliver = options_.deliver,
                  .collectProgress = [this] { return engine_.collectProgress(); },
                  .caughtUp = [this] { loop_.wake(); }}),
       runner_(
@@ -133,6 +137,17 @@ void CManagerCore::shutdown() {
     opened_ = queue_.isOpen() ? !queue_.close() : !engine_.groups().empty();
   }
   log_.information("Stopped " + options_.engine.activity + "s");
+}
+
+// What the program is told to be completed is so after a crash as well.
+void CManagerCore::settleCompleted(const std::vector<TransferEvent>& events) {
+  const bool completed = std::any_of(events.begin(), events.end(), [](const TransferEvent& event) {
+    const auto* file = std::get_if<FileState>(&event);
+    return file != nullptr && file->state == kFileCompleted;
+  });
+  if (completed) {
+    queue_.settle(kMostSettling);
+  }
 }
 
 std::optional<TimePoint> CManagerCore::turn() {

@@ -4,6 +4,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "engine/event_queue.h"
 #include "engine/transfer_engine.h"
@@ -19,9 +20,9 @@ namespace zt_transfers {
 // What both managers are made of: the engine, its threads, and the wiring between them.
 //
 // Threads: one for the network ("zt-net-…"), one that tells events ("zt-tell-…"), and a pool
-// for files ("zt-disk-…"), all between startup and shutdown only. One for the database ("zt-store-…")
-// from the first change or startup to shutdown.
-// Ownership: a manager owns one; the program's one thread calls all operations.
+// for files ("zt-disk-…"), all between startup and shutdown only. One for the database
+// ("zt-store-…") from the first change or startup to shutdown. Ownership: a manager owns one; the
+// program's one thread calls all operations.
 class CManagerCore {
  public:
   struct RunnerParts {
@@ -64,6 +65,7 @@ class CManagerCore {
   };
 
   void openQueue();
+  void settleCompleted(const std::vector<TransferEvent>& events);
   std::optional<TimePoint> turn();
   void measureSources();
 

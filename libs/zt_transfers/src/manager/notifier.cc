@@ -48,6 +48,7 @@ void CNotifier::run() {
     const auto events = events_.take(last          ? std::optional<Duration>(Duration::zero())
                                      : progressing ? std::optional<Duration>(CReporter::kInterval)
                                                    : std::nullopt);
+    calls_.prepare(events);
     for (const TransferEvent& event : events) {
       calls_.deliver(event);
     }

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "engine/event_queue.h"
 
@@ -18,6 +19,8 @@ namespace zt_transfers {
 class CNotifier {
  public:
   struct Calls {
+    // These are about to be delivered.
+    std::function<void(const std::vector<TransferEvent>&)> prepare;
     std::function<void(const TransferEvent&)> deliver;
     // Adds progress that is due to the events; false when none is to be expected.
     std::function<bool()> collectProgress;

@@ -25,7 +25,15 @@ std::string nameAside(const std::string& path) {
   return name;
 }
 
+bool isEmpty(const std::string& path) {
+  struct stat status {};
+  return ::stat(path.c_str(), &status) != 0 || status.st_size == 0;
+}
+
 }  // namespace
+
+CDatabaseFile::CDatabaseFile(std::string path, CDatabaseLock lock, ILog& log)
+    : path_(std::move(path)), lock_(std::move(lock)), log_(log), isNew_(isEmpty(path_)) {}
 
 std::unique_ptr<CDatabaseFile> CDatabaseFile::claim(const std::string& path, ILog& log) {
   constexpr const char* kConsequence =
@@ -40,11 +48,6 @@ std::unique_ptr<CDatabaseFile> CDatabaseFile::claim(const std::string& path, ILo
     log.error("The queue " + path + " cannot be used: " + error.what() + kConsequence);
   }
   return nullptr;
-}
-
-bool CDatabaseFile::exists() const {
-  struct stat status {};
-  return ::stat(path_.c_str(), &status) == 0 && status.st_size != 0;
 }
 
 // It holds tokens and signed URLs. SQLite gives its other files the same mode.

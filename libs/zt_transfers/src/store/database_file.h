@@ -24,20 +24,20 @@ class CDatabaseFile {
   std::unique_ptr<CQueueDatabase> open(const std::function<void(CQueueDatabase&)>& load);
   // Renames it, for `reason`. It must not be open.
   bool setAside(const std::string& reason);
-  // Whether there may be something in it.
-  bool exists() const;
+  // Whether there was nothing in it when it was claimed.
+  bool isNew() const { return isNew_; }
 
   const std::string& path() const { return path_; }
 
  private:
-  CDatabaseFile(std::string path, CDatabaseLock lock, ILog& log)
-      : path_(std::move(path)), lock_(std::move(lock)), log_(log) {}
+  CDatabaseFile(std::string path, CDatabaseLock lock, ILog& log);
 
   void makePrivate() const;
 
   const std::string path_;
   const CDatabaseLock lock_;
   ILog& log_;
+  const bool isNew_;
   bool complained_ = false;
 };
 

@@ -88,14 +88,17 @@ CFileTable::Coming CFileTable::ask(std::uint32_t at) {
   return std::exchange(entry.coming, true) ? Coming::kAlready : Coming::kAsked;
 }
 
-bool CFileTable::arrive(std::uint32_t at, std::string_view bytes) {
+void CFileTable::arrive(std::uint32_t at, std::string_view bytes) {
   Entry& entry = entries_.at(at);
   if (!entry.spec.empty()) {
-    return false;
+    return;
   }
-  entry.spec = CPackedSpec::of(bytes);
+  CPackedSpec spec = CPackedSpec::of(bytes);
+  if (!spec.unpacked()) {
+    return;
+  }
+  entry.spec = std::move(spec);
   setDurable(entry, true);
-  return true;
 }
 
 void CFileTable::endArrival(std::uint32_t from, std::uint32_t to) {

@@ -58,8 +58,8 @@ class CFileTable {
 
   enum class Coming { kAsked, kAlready, kUnreadable };
   Coming ask(std::uint32_t at);
-  // What was read, for a file whose description is not in memory; false when it was there.
-  bool arrive(std::uint32_t at, std::string_view bytes);
+  // What was read. It is left out when something newer is in memory, or when it makes no sense.
+  void arrive(std::uint32_t at, std::string_view bytes);
   // Nothing more arrives of what was asked for in this range: what has not come cannot be read.
   void endArrival(std::uint32_t from, std::uint32_t to);
 
@@ -92,7 +92,8 @@ class CFileTable {
   CTextArena ids_;
   std::deque<Entry> entries_;
   CIdIndex<IdOf> index_{IdOf{entries_}};
-  std::uint32_t ahead_ = kWindow;  // files before it are, or were, brought in the order of the queue
+  std::uint32_t ahead_ =
+      kWindow;  // files before it are, or were, brought in the order of the queue
 };
 
 }  // namespace zt_transfers

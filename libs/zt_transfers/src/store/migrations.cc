@@ -61,9 +61,8 @@ bool migrate(CSqliteConnection& connection, const std::vector<Migration>& migrat
       connection.execute(step.sql);
     }
   }
-  const std::string stamp =
-      "PRAGMA application_id = " + std::to_string(kApplicationId) +
-      "; PRAGMA user_version = " + std::to_string(migrations.back().version);
+  const std::string stamp = "PRAGMA application_id = " + std::to_string(kApplicationId) +
+                            "; PRAGMA user_version = " + std::to_string(migrations.back().version);
   connection.execute(stamp.c_str());
   transaction.commit();
   return true;

@@ -17,8 +17,8 @@ struct Migration {
 const std::vector<Migration>& queueMigrations();
 
 // Brings the database to the last of these versions: all steps that are missing, or none when one
-// of them fails (CSqliteError). False when the database is newer, or another program's; then nothing is
-// changed.
+// of them fails (CSqliteError). False when the database is newer, or another program's; then
+// nothing is changed.
 bool migrate(CSqliteConnection& connection, const std::vector<Migration>& migrations);
 
 }  // namespace zt_transfers

@@ -96,8 +96,8 @@ CQueueDatabase::CQueueDatabase(const std::string& path, const std::vector<Migrat
     }
     connection_.execute("PRAGMA journal_mode = WAL");
     connection_.execute("PRAGMA synchronous = FULL");  // what is committed survives a power cut
-    connection_.execute("PRAGMA wal_autocheckpoint = 4000");              // pages
-    connection_.execute("PRAGMA journal_size_limit = 33554432");          // bytes
+    connection_.execute("PRAGMA wal_autocheckpoint = 4000");      // pages
+    connection_.execute("PRAGMA journal_size_limit = 33554432");  // bytes
     statements_ = std::make_unique<Statements>(connection_.get());
   } catch (const CSqliteError& error) {
     if (error.isDamage() || (error.code() & 0xFF) == SQLITE_ERROR) {

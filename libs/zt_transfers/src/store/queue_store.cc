@@ -27,6 +27,7 @@ CFileTable* CQueueStore::table(std::int32_t groupId) const {
 void CQueueStore::note(Kind kind, FileRef file, const StoredState& state) {
   if (listener_) {
     changes_.push_back({kind, file, state});
+    ++noted_;
     listener_->changed();
   }
 }
@@ -168,6 +169,16 @@ void CQueueStore::restoreFile(FileRef file, std::string_view fileId) {
 bool CQueueStore::hasChanges() const {
   const std::lock_guard lock(mutex_);
   return !changes_.empty();
+}
+
+std::uint64_t CQueueStore::changesNoted() const {
+  const std::lock_guard lock(mutex_);
+  return noted_;
+}
+
+std::uint64_t CQueueStore::changesTaken() const {
+  const std::lock_guard lock(mutex_);
+  return noted_ - changes_.size();
 }
 
 QueueBatch CQueueStore::collect(std::size_t most) {

@@ -65,6 +65,9 @@ class CQueueStore : public IQueueStore {
 
   // For the writer.
   bool hasChanges() const;
+  // How many changes there ever were, and how many of them wait no longer.
+  std::uint64_t changesNoted() const;
+  std::uint64_t changesTaken() const;
   // The oldest changes, about `most` of them, with what is to be written.
   QueueBatch collect(std::size_t most);
   // They are durable. Their memory is given free if it is not needed soon.
@@ -90,6 +93,7 @@ class CQueueStore : public IQueueStore {
   std::unordered_map<std::int32_t, std::unique_ptr<CFileTable>> tables_;
   std::unordered_map<std::int32_t, StoredGroup> changedGroups_;  // not written yet
   std::deque<QueueChange> changes_;
+  std::uint64_t noted_ = 0;
   std::deque<Range> requests_;
 };
 

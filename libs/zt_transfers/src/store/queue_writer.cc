@@ -54,11 +54,24 @@ CQueueWriter::~CQueueWriter() {
 }
 
 bool CQueueWriter::flush() {
+  const std::uint64_t wanted = parts_.store.changesNoted();
   std::unique_lock lock(mutex_);
-  flushing_ = true;
+  const std::uint64_t before = failures_;
+  ordered_ = true;
   poked_.notify_one();
-  flushed_.wait(lock, [this] { return !flushing_; });
-  return flushedAll_;
+  finished_.wait(lock, [&] { return durable_ >= wanted || failures_ != before; });
+  return durable_ >= wanted;
+}
+
+void CQueueWriter::settle(std::chrono::milliseconds limit) {
+  const std::uint64_t wanted = parts_.store.changesNoted();
+  std::unique_lock lock(mutex_);
+  if (failing_ || durable_ >= wanted) {
+    return;
+  }
+  ordered_ = true;
+  poked_.notify_one();
+  finished_.wait_for(lock, limit, [&] { return failing_ || durable_ >= wanted; });
 }
 
 void CQueueWriter::run() {
@@ -80,7 +93,7 @@ void CQueueWriter::run() {
 // Until there is something to do.
 void CQueueWriter::wait() {
   std::unique_lock lock(mutex_);
-  const auto urgent = [this] { return stopping_ || flushing_ || requested_; };
+  const auto urgent = [this] { return stopping_ || ordered_ || requested_; };
   if (due_) {
     poked_.wait_until(lock, *due_, urgent);
   } else if (!sweeping_) {
@@ -118,31 +131,41 @@ void CQueueWriter::serve(const CQueueStore::Range& range) {
 }
 
 void CQueueWriter::writeDue() {
-  bool flushing = false;
-  {
-    const std::lock_guard lock(mutex_);
-    flushing = flushing_;
-    if (!flushing && (!due_ || *due_ > now())) {
-      return;
-    }
-    changed_ = false;
+  if (!takeOrder()) {
+    return;
   }
   due_.reset();
   const bool done = writeBatch();
-  const bool more = parts_.store.hasChanges();
   if (!done) {
     due_ = now() + retry_;
-  } else if (more) {
+  } else if (parts_.store.hasChanges()) {
     due_ = now();
   }
-  if (flushing && (!done || !more)) {
-    {
-      const std::lock_guard lock(mutex_);
-      flushing_ = false;
-      flushedAll_ = done;
-    }
-    flushed_.notify_all();
+  tellFinished(done);
+}
+
+// Whether it is time to write.
+bool CQueueWriter::takeOrder() {
+  const std::lock_guard lock(mutex_);
+  if (!std::exchange(ordered_, false) && (!due_ || *due_ > now())) {
+    return false;
   }
+  changed_ = false;
+  return true;
+}
+
+void CQueueWriter::tellFinished(bool done) {
+  const std::uint64_t durable = parts_.store.changesTaken();
+  {
+    const std::lock_guard lock(mutex_);
+    failing_ = !done;
+    if (done) {
+      durable_ = durable;
+    } else {
+      ++failures_;
+    }
+  }
+  finished_.notify_all();
 }
 
 bool CQueueWriter::writeBatch() {
@@ -168,9 +191,10 @@ bool CQueueWriter::writeBatch() {
     return false;
   }
   parts_.store.written(batch);
-  sweeping_ = sweeping_ || std::any_of(batch.writes.begin(), batch.writes.end(), [](const auto& one) {
-                return one.change.kind == QueueChange::Kind::kGroupRemoved;
-              });
+  sweeping_ =
+      sweeping_ || std::any_of(batch.writes.begin(), batch.writes.end(), [](const auto& one) {
+        return one.change.kind == QueueChange::Kind::kGroupRemoved;
+      });
   if (std::exchange(retry_, {}) != std::chrono::milliseconds::zero()) {
     parts_.log.information("The queue " + parts_.file.path() + " can be written to again");
   }

@@ -17,11 +17,11 @@
 
 namespace zt_transfers {
 
-// The thread that writes a queue's changes to its database and reads descriptions from it. Changes that
-// come close together are written together. What cannot be written (a full disk) stays in
+// The thread that writes a queue's changes to its database and reads descriptions from it. Changes
+// that come close together are written together. What cannot be written (a full disk) stays in
 // memory and is tried again.
 //
-// Thread: all operations by the owner.
+// Thread: all operations by the owner, unless they say otherwise.
 class CQueueWriter {
  public:
   struct Pace {
@@ -48,6 +48,9 @@ class CQueueWriter {
 
   // Waits until all changes are durable; false when they cannot be written now.
   bool flush();
+  // Waits until the changes so far are durable, but no longer than `limit`, nor while they cannot
+  // be written. Thread: any.
+  void settle(std::chrono::milliseconds limit);
 
  private:
   void run();
@@ -56,7 +59,9 @@ class CQueueWriter {
   void serve(const CQueueStore::Range& range);
   // Writes if it is time to.
   void writeDue();
+  bool takeOrder();
   bool writeBatch();
+  void tellFinished(bool done);
   void failed(const std::string& what);
   void sweep();
 
@@ -67,20 +72,22 @@ class CQueueWriter {
 
   // The writer's thread only.
   std::unique_ptr<CQueueDatabase> database_;
-  std::optional<TimePoint> due_;  // when to write
+  std::optional<TimePoint> due_;        // when to write
   std::chrono::milliseconds retry_{0};  // since the last failure; 0: none
   bool sweeping_ = true;
   std::string damage_;  // why the database is to be set aside
 
   std::mutex mutex_;
   std::condition_variable poked_;
-  std::condition_variable flushed_;
+  std::condition_variable finished_;
   // Guarded by mutex_.
   bool changed_ = false;
   bool requested_ = false;
   bool stopping_ = false;
-  bool flushing_ = false;
-  bool flushedAll_ = false;
+  bool ordered_ = false;        // somebody waits for it
+  std::uint64_t failures_ = 0;  // of writes, ever
+  bool failing_ = false;
+  std::uint64_t durable_ = 0;  // changes
 
   std::thread thread_;
 };

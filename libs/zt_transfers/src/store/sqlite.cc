@@ -5,8 +5,8 @@ namespace {
 
 [[noreturn]] void failOf(sqlite3* connection, const std::string& doing) {
   const int code = sqlite3_extended_errcode(connection);
-  throw CSqliteError(code, doing + ": " + sqlite3_errmsg(connection) + " (" + std::to_string(code) +
-                               ")");
+  throw CSqliteError(code,
+                     doing + ": " + sqlite3_errmsg(connection) + " (" + std::to_string(code) + ")");
 }
 
 }  // namespace

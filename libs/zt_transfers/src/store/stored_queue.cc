@@ -26,7 +26,7 @@ std::optional<CStoredQueue::Found> CStoredQueue::open(const std::string& path) {
   Found found;
   auto database = file_->open([&](CQueueDatabase& opened) { load(opened, found); });
   if (!database) {
-    if (file_->exists()) {
+    if (!file_->isNew()) {
       // What is in it now could not be told from what is queued meanwhile.
       file_.reset();
       return std::nullopt;
@@ -59,6 +59,12 @@ void CStoredQueue::load(CQueueDatabase& database, Found& found) {
                        files.push_back(state);
                        store_.restoreFile(file, fileId);
                      }});
+}
+
+void CStoredQueue::settle(std::chrono::milliseconds limit) {
+  if (writer_) {
+    writer_->settle(limit);
+  }
 }
 
 bool CStoredQueue::close() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -38,6 +39,8 @@ class CStoredQueue {
   // database can be had; the store goes on as it is then. To be called while the engine rests.
   std::optional<Found> open(const std::string& path);
   bool isOpen() const { return writer_ != nullptr; }
+  // See CQueueWriter. Thread: any, while it is open or closed and stays so.
+  void settle(std::chrono::milliseconds limit);
   // Writes everything and gives the database free. False when something cannot be written: then it
   // stays open.
   bool close();

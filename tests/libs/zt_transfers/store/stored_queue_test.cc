@@ -1,0 +1,225 @@
+#include "store/stored_queue.h"
+
+#include <gmock/gmock.h>
+
+#include "full_disk.h"
+#include "stored_queue_fixture.h"
+
+namespace zt_transfers::test {
+namespace {
+
+using ::testing::HasSubstr;
+
+class StoredQueue : public CStoredQueueTest {
+ protected:
+  void SetUp() override { disk.setFull(false); }
+
+  CFullDisk disk;
+};
+
+TEST_F(StoredQueue, KeepsGroupsAndFilesAsTheyWere) {
+  {
+    auto queue = opened();
+    IQueueStore& store = queue->store();
+    EXPECT_TRUE(found.groups.empty());
+    store.saveGroup(group(3));
+    for (const char* fileId : {"a", "b", "c", "d"}) {
+      store.append(3, spec(fileId), {.size = 10, .sizeKnown = fileId[0] != 'd'});
+    }
+    FileSpec renewed = spec("c");
+    renewed.url = "http://renewed/";
+    store.replace({3, 2}, renewed);
+    store.setState({3, 0}, {.phase = FilePhase::kCompleted, .size = 11});
+    store.setState({3, 2}, {.phase = FilePhase::kFailed, .size = 12});
+    store.remove({3, 1});
+    StoredGroup changed = group(3);
+    changed.paused = true;
+    changed.marked = true;
+    store.saveGroup(changed);
+    EXPECT_TRUE(queue->close());
+  }
+  auto queue = opened();
+  ASSERT_EQ(found.groups.size(), 1U);
+  const auto& [kept, files] = found.groups[0];
+  EXPECT_EQ(kept.identity.id, 3);
+  EXPECT_EQ(kept.identity.bucketId, "bucket3");
+  EXPECT_EQ(kept.identity.bucketType, "message");
+  EXPECT_EQ(kept.identity.token, "token");
+  EXPECT_EQ(kept.identity.tokenExpires, 5U);
+  EXPECT_EQ(kept.identity.folder, L"/home/\u00fc\u20ac");
+  EXPECT_TRUE(kept.paused);
+  EXPECT_TRUE(kept.marked);
+  ASSERT_EQ(files.size(), 4U);
+  EXPECT_EQ(files[0].phase, FilePhase::kCompleted);
+  EXPECT_EQ(files[0].size, 11U);
+  EXPECT_EQ(files[1].phase, FilePhase::kRemoved);
+  EXPECT_EQ(files[2].phase, FilePhase::kFailed);
+  EXPECT_EQ(files[3].phase, FilePhase::kWaiting);
+  EXPECT_FALSE(files[3].sizeKnown);
+  IQueueStore& store = queue->store();
+  EXPECT_EQ(store.fileId({3, 2}), "c");
+  EXPECT_EQ(store.find(3, "d"), 3U);
+  EXPECT_FALSE(store.find(3, "b").has_value());
+  const auto waiting = fetched(store, {3, 3});
+  ASSERT_TRUE(waiting.has_value());
+  EXPECT_EQ(waiting->fileId, "d");
+  EXPECT_EQ(waiting->place, "place of d");
+  EXPECT_EQ(waiting->headers, spec("d").headers);
+  EXPECT_EQ(fetched(store, {3, 2})->url, "http://renewed/");
+}
+
+TEST_F(StoredQueue, ForgetsRemovedGroupsButNotTheirIds) {
+  {
+    auto queue = opened();
+    IQueueStore& store = queue->store();
+    store.saveGroup(group(1));
+    store.saveGroup(group(2));
+    for (int number = 0; number < 9000; ++number) {
+      store.append(2, spec(std::to_string(number)), {});
+    }
+    EXPECT_TRUE(queue->close());
+  }
+  {
+    auto queue = opened();
+    ASSERT_EQ(found.groups.size(), 2U);
+    queue->store().removeGroup(2);
+    EXPECT_TRUE(queue->close());
+  }
+  opened();
+  ASSERT_EQ(found.groups.size(), 1U);
+  EXPECT_EQ(found.groups[0].group.identity.id, 1);
+  EXPECT_EQ(found.lastGroupId, 2);
+}
+
+TEST_F(StoredQueue, GivesTheRoomOfARemovedGroupBack) {
+  auto queue = opened();
+  IQueueStore& store = queue->store();
+  store.saveGroup(group(1));
+  for (int number = 0; number < 20'000; ++number) {
+    store.append(1, spec(std::to_string(number)), {});
+  }
+  store.removeGroup(1);
+  EXPECT_TRUE(queue->close());
+  // What was left undone is done by the next one that opens it.
+  CQueueDatabase database(path());
+  while (database.sweep()) {
+  }
+  for (const char* left : {"SELECT count(*) FROM files", "SELECT count(*) FROM specs",
+                           "SELECT count(*) FROM removed_groups", "PRAGMA freelist_count"}) {
+    EXPECT_EQ(database.connection().number(left), 0) << left;
+  }
+}
+
+TEST_F(StoredQueue, BringsEveryDescriptionOfALongQueue) {
+  constexpr std::uint32_t kFiles = 20'000;
+  {
+    auto queue = opened();
+    IQueueStore& store = queue->store();
+    store.saveGroup(group(1));
+    for (std::uint32_t number = 0; number < kFiles; ++number) {
+      store.append(1, spec("file" + std::to_string(number)), {});
+    }
+    for (std::uint32_t number = 0; number < kFiles; number += 7) {
+      ASSERT_EQ(fetched(store, {1, number})->place, "place of file" + std::to_string(number));
+    }
+    EXPECT_TRUE(queue->close());
+  }
+  auto queue = opened();
+  for (std::uint32_t number = 0; number < kFiles; ++number) {
+    ASSERT_EQ(fetched(queue->store(), {1, number})->place,
+              "place of file" + std::to_string(number));
+    queue->store().setState({1, number}, {.phase = FilePhase::kCompleted});
+  }
+  // Mostly they were there before they were asked for.
+  EXPECT_LT(arrivalsSoFar(), 2000);
+}
+
+TEST_F(StoredQueue, RefusesASecondOwnerWithoutWriting) {
+  auto queue = opened();
+  queue->store().saveGroup(group(1));
+  queue->settle(std::chrono::seconds(60));
+  auto second = made();
+  EXPECT_FALSE(second->open(path()).has_value());
+  EXPECT_THAT(log.text(), HasSubstr("in use by another process"));
+  second->store().saveGroup(group(9));
+  second->store().append(9, spec("x"), {});
+  EXPECT_EQ(second->store().spec({9, 0})->url, "http://host/x");
+  EXPECT_TRUE(second->close());
+  EXPECT_TRUE(queue->close());
+  opened();
+  ASSERT_EQ(found.groups.size(), 1U);
+  EXPECT_EQ(found.groups[0].group.identity.id, 1);
+}
+
+TEST_F(StoredQueue, GoesOnInMemoryWhileTheDiskIsFull) {
+  auto queue = opened();
+  IQueueStore& store = queue->store();
+  store.saveGroup(group(1));
+  store.append(1, spec("before"), {});
+  queue->settle(std::chrono::seconds(60));
+  disk.setFull(true);
+  for (int number = 0; number < 3000; ++number) {
+    store.append(1, spec("full" + std::to_string(number)), {});
+  }
+  EXPECT_FALSE(queue->close());
+  EXPECT_THAT(log.text(), HasSubstr("cannot be written to"));
+  EXPECT_THAT(log.text(), HasSubstr("disk is full"));
+  for (std::uint32_t number = 0; number < 3000; ++number) {
+    ASSERT_EQ(store.spec({1, number + 1})->url, "http://host/full" + std::to_string(number));
+  }
+  disk.setFull(false);
+  EXPECT_TRUE(queue->close());
+  EXPECT_THAT(log.text(), HasSubstr("can be written to again"));
+  opened();
+  ASSERT_EQ(found.groups.size(), 1U);
+  EXPECT_EQ(found.groups[0].files.size(), 3001U);
+}
+
+TEST_F(StoredQueue, TriesLessAndLessOftenWhileTheDiskIsFull) {
+  auto queue = opened();
+  queue->store().saveGroup(group(1));
+  queue->settle(std::chrono::seconds(60));
+  disk.setFull(true);
+  const auto begin = std::chrono::steady_clock::now();
+  while (std::chrono::steady_clock::now() - begin < std::chrono::milliseconds(400)) {
+    queue->store().saveGroup(group(1));  // each of them could make it try
+    queue->settle(std::chrono::seconds(60));
+  }
+  // Every 8 ms at the most, once it has failed a few times.
+  EXPECT_LT(disk.refusals(), 200);
+  EXPECT_GT(disk.refusals(), 3);
+  disk.setFull(false);
+}
+
+TEST_F(StoredQueue, MakesItsDatabaseOnceThereIsRoom) {
+  disk.setFull(true);
+  auto queue = opened();
+  queue->store().saveGroup(group(1));
+  queue->store().append(1, spec("x"), {});
+  EXPECT_FALSE(queue->close());
+  EXPECT_THAT(log.text(), HasSubstr("cannot be opened"));
+  disk.setFull(false);
+  EXPECT_TRUE(queue->close());
+  opened();
+  ASSERT_EQ(found.groups.size(), 1U);
+}
+
+TEST_F(StoredQueue, GoesOnInMemoryWithoutAFolder) {
+  auto queue = made();
+  EXPECT_FALSE(queue->open((sandbox.folder() / "missing" / "queue.db").string()).has_value());
+  EXPECT_THAT(log.text(), HasSubstr("cannot be used"));
+}
+
+TEST_F(StoredQueue, LetsNobodyElseReadItsFiles) {
+  auto queue = opened();
+  queue->store().saveGroup(group(1));
+  queue->settle(std::chrono::seconds(60));
+  for (const auto& entry : std::filesystem::directory_iterator(sandbox.folder())) {
+    EXPECT_EQ(entry.status().permissions() & std::filesystem::perms(077),
+              std::filesystem::perms::none)
+        << entry.path();
+  }
+}
+
+}  // namespace
+}  // namespace zt_transfers::test

@@ -1,0 +1,169 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+
+#include "store/sqlite.h"
+#include "upload_fixture.h"
+
+namespace zt_transfers::test {
+namespace {
+
+// What one manager leaves is taken up by another, as after the end of the program.
+class UploadRestart : public CUploadTest {
+ protected:
+  void TearDown() override {
+    next.reset();
+    CUploadTest::TearDown();
+  }
+  // `before` runs once what was there can be asked for.
+  void restart() {
+    manager.shutdown();
+    server.release();
+    next = std::make_unique<CUploadManager>();
+    next->subscribeToEvents(&after);
+    next->startup();
+  }
+  std::vector<CUploadManager::GroupState> groups() {
+    std::vector<CUploadManager::GroupState> groups;
+    next->fetchGroupsInfo(groups);
+    return groups;
+  }
+  void allowConcurrent(std::uint32_t transfers) {
+    auto configuration = manager.getConfiguration();
+    configuration.maxConcurrentTransfers = transfers;
+    manager.setConfiguration(configuration);
+  }
+
+  CRecorder after;
+  std::unique_ptr<CUploadManager> next;
+};
+
+TEST_F(UploadRestart, GoesOnWithWhatWasNotSent) {
+  server.plan("/two", {fault::stall()});
+  const auto group = upload({describe("one", "first"), describe("two", "second")});
+  ASSERT_TRUE(recorder.waitForFileState("one", kFileCompleted));
+  ASSERT_TRUE(server.waitForRequests(2));
+  restart();
+  const auto found = groups();
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0].id, group);
+  EXPECT_EQ(found[0].bucketId, "bucket");
+  EXPECT_EQ(found[0].bucketType, "message");
+  EXPECT_TRUE(found[0].marked);
+  EXPECT_EQ(found[0].bytesTotal, 11U);
+  EXPECT_GE(found[0].bytesTransferred, 5U);
+  ASSERT_TRUE(after.waitForGroupState(group, kGroupCompleted));
+  EXPECT_EQ(server.object("/two"), "second");
+  EXPECT_EQ(server.requestsTo("/one").size(), 1U);
+  EXPECT_TRUE(after.filesOf("one").empty());
+}
+
+TEST_F(UploadRestart, KeepsPausedGroupsPausedAndUnmarkedOnesOpen) {
+  const auto paused = newGroup();
+  manager.pauseGroup(paused);
+  manager.queueFiles(paused, {describe("paused", "x")});
+  manager.markQueue(paused);
+  const auto open = upload({describe("open", "x")});
+  ASSERT_TRUE(recorder.waitForGroupState(open, kGroupCompleted));
+  manager.unmarkQueue(open);
+  restart();
+  ASSERT_TRUE(after.waitForGroupState(paused, kGroupPaused));
+  EXPECT_EQ(after.lastGroup(open).state, kGroupIdle);
+  EXPECT_EQ(after.lastGroup(open).percentTransferred, 100.0F);
+  next->resumeGroup(paused);
+  ASSERT_TRUE(after.waitForGroupState(paused, kGroupCompleted));
+  EXPECT_EQ(server.requests().size(), 2U);
+}
+
+TEST_F(UploadRestart, ReportsFailedFilesOnceAndSendsThemWhenResumed) {
+  server.plan("/bad", {fault::status(403)});
+  const auto group = upload({describe("bad", "x"), describe("good", "y")});
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupErrored));
+  restart();
+  ASSERT_TRUE(after.waitForFileState("bad", kFileErrored));
+  EXPECT_EQ(after.lastGroup(group).state, kGroupErrored);
+  next->resumeGroup(group);
+  ASSERT_TRUE(after.waitForGroupState(group, kGroupCompleted));
+  EXPECT_EQ(server.requestsTo("/bad").size(), 2U);
+  EXPECT_EQ(server.requestsTo("/good").size(), 1U);
+}
+
+TEST_F(UploadRestart, ForgetsCancelledGroupsAndRemovedFiles) {
+  const auto cancelled = newGroup();
+  manager.queueFiles(cancelled, {describe("cancelled", "x")});
+  manager.cancelGroup(cancelled);
+  manager.markQueue(cancelled);  // too late to bring it back
+  const auto kept = newGroup();
+  const auto files = std::vector{describe("a", "1"), describe("b", "22"), describe("c", "333")};
+  manager.queueFiles(kept, files);
+  manager.dequeueFile(kept, {files[1]});
+  manager.markQueue(kept);
+  restart();
+  ASSERT_EQ(groups().size(), 1U);
+  EXPECT_EQ(groups()[0].id, kept);
+  ASSERT_TRUE(after.waitForGroupState(kept, kGroupCompleted));
+  EXPECT_EQ(groups()[0].bytesTotal, 4U);
+  EXPECT_EQ(server.requests().size(), 2U);
+  EXPECT_GT(next->createGroup("bucket", "message", "", 0), kept);
+}
+
+TEST_F(UploadRestart, SendsEveryFileOfALongQueueOnce) {
+  constexpr int kFiles = 3000;
+  const auto group = newGroup();
+  auto file = describe("file", "content");
+  std::vector<CUploadManager::FileDesc> files;
+  for (int number = 0; number < kFiles; ++number) {
+    file.fileId = std::to_string(number);
+    file.url = server.url("/" + file.fileId);
+    files.push_back(file);
+  }
+  manager.queueFiles(group, files);
+  manager.markQueue(group);
+  manager.startup();
+  ASSERT_TRUE(
+      recorder.waitForGroup(group, [](const auto& shot) { return shot.bytesTransferred > 5000; }));
+  restart();
+  ASSERT_TRUE(after.waitForGroupState(group, kGroupCompleted));
+  EXPECT_EQ(server.objectCount(), static_cast<std::size_t>(kFiles));
+  const auto completed =
+      recorder.countOfFilesIn(kFileCompleted) + after.countOfFilesIn(kFileCompleted);
+  EXPECT_EQ(completed, static_cast<std::size_t>(kFiles));
+}
+
+TEST_F(UploadRestart, FindsSizesThatWereNotKnownYet) {
+  const auto group = newGroup();
+  manager.queueFiles(group, {describe("a", "12345")});  // nothing looks at it before startup
+  manager.pauseGroup(group);
+  manager.startup();
+  manager.shutdown();
+  restart();
+  ASSERT_TRUE(after.waitForGroup(group, [](const auto& shot) { return shot.bytesTotal == 5; }));
+}
+
+// The second process is played by a second manager: the lock is on the open file.
+TEST_F(UploadRestart, LeavesTheQueueToTheManagerThatHasIt) {
+  server.planForAll(fault::hold());
+  const auto group = upload({describe("file", "x")});
+  ASSERT_TRUE(server.waitForRequests(1));
+  CUploadManager second;
+  CRecorder reports;
+  second.subscribeToEvents(&reports);
+  second.startup();
+  std::vector<CUploadManager::GroupState> found;
+  second.fetchGroupsInfo(found);
+  EXPECT_TRUE(found.empty());
+  EXPECT_THAT(log(), ::testing::HasSubstr("in use by another process"));
+  server.release();
+  const auto own = second.createGroup("bucket", "message", "", 0);
+  second.queueFiles(own, {describe("own", "y")});
+  second.markQueue(own);
+  ASSERT_TRUE(reports.waitForGroupState(own, kGroupCompleted));
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
+  second.shutdown();
+  second.subscribeToEvents(nullptr);
+}
+
+}  // namespace
+}  // namespace zt_transfers::test

@@ -131,6 +131,7 @@ class Kill : public ::testing::Test {
 
 TEST_F(Kill, LosesNothingAndSendsNothingAgainThatWasCompleted) {
   writeFiles();
+  server.planForAll(fault::slow(4'000'000));
   const auto end = Clock::now() + budget();
   const unsigned seed = std::random_device{}();
   SCOPED_TRACE("seed " + std::to_string(seed));

@@ -17,7 +17,6 @@ class UploadRestart : public CUploadTest {
     next.reset();
     CUploadTest::TearDown();
   }
-  // `before` runs once what was there can be asked for.
   void restart() {
     manager.shutdown();
     server.release();

@@ -48,8 +48,9 @@ void CTransferEngine::restore(std::int32_t lastGroupId, std::vector<RestoredGrou
   const std::lock_guard lock(mutex_);
   groups_.clear();
   unmeasured_.clear();
+  resumes_ = {};
   lastGroupId_ = lastGroupId;
-  for (auto& [kept, files] : groups) {
+  for (auto& [kept, files, resumes] : groups) {
     const std::int32_t id = kept.identity.id;
     lastGroupId_ = std::max(lastGroupId_, id);
     auto group = std::make_unique<CTransferGroup>(std::move(kept.identity), options_.needsMark);
@@ -62,6 +63,12 @@ void CTransferEngine::restore(std::int32_t lastGroupId, std::vector<RestoredGrou
         unmeasured_.add({id, index});
       }
       ++index;
+    }
+    for (const auto& [at, resume] : resumes) {
+      if (group->file(at).phase == FilePhase::kWaiting ||
+          group->file(at).phase == FilePhase::kFailed) {
+        resumes_.keep(*group, at, resume);
+      }
     }
     files = {};
     groups_.emplace(id, std::move(group));
@@ -471,8 +478,11 @@ void CTransferEngine::onAttemptDone(JobId id, const AttemptOutcome& outcome) {
   log_.write(done ? ILog::Priority::kInformation : ILog::Priority::kWarning, message);
 }
 
-void CTransferEngine::onAttemptCheckpoint(JobId /*job*/) {
-  // The queue lives as long as the process: the job's progress is enough.
+void CTransferEngine::onAttemptCheckpoint(JobId id) {
+  const std::lock_guard lock(mutex_);
+  if (const Job* job = jobs_.find(id)) {
+    store_.saveResume(job->file, job->progress->resume());
+  }
 }
 
 bool CTransferEngine::onAttemptLanding(JobId id) {
@@ -611,7 +621,9 @@ void CTransferEngine::keepFile(const CTransferGroup& group, std::uint32_t index)
 void CTransferEngine::endJob(const Job& job, CTransferGroup& group, Rest rest) {
   group.removeInFlight(job.counted);
   if (rest == Rest::kKeep) {
-    resumes_.keep(group, job.file.index, job.progress->resume());
+    const DownloadResume resume = job.progress->resume();
+    resumes_.keep(group, job.file.index, resume);
+    store_.saveResume(job.file, resume);
   }
   jobs_.erase(job.id);
 }
@@ -638,6 +650,7 @@ void CTransferEngine::discardRest(CTransferGroup& group, std::uint32_t index) {
   DownloadResume resume = resumes_.take(group, index);
   if (resume.begun()) {
     leftovers_.push_back({bytesOf(group.identity().folder), std::move(resume)});
+    store_.saveResume({group.id(), index}, {});
   }
 }
 

@@ -123,6 +123,7 @@ void CManagerCore::startup() {
 
 void CManagerCore::shutdown() {
   if (!started_) {
+    closeQueue();
     return;
   }
   started_ = false;
@@ -131,12 +132,15 @@ void CManagerCore::shutdown() {
   measuring_ = false;
   engine_.stop();
   notifier_.stop();
-  {
-    // From here on another manager may have the queue; whoever needs it again here reads it anew.
-    const std::lock_guard lock(opening_);
-    opened_ = queue_.isOpen() ? !queue_.close() : !engine_.groups().empty();
-  }
+  closeQueue();
   log_.information("Stopped " + options_.engine.activity + "s");
+}
+
+// From here on another manager may have the queue; whoever needs it again here reads it anew.
+// Without a database, what is in memory is all there is.
+void CManagerCore::closeQueue() {
+  const std::lock_guard lock(opening_);
+  opened_ = queue_.isOpen() ? !queue_.close() : !engine_.groups().empty();
 }
 
 // What the program is told to be completed is so after a crash as well.

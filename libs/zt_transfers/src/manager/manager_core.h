@@ -65,6 +65,7 @@ class CManagerCore {
   };
 
   void openQueue();
+  void closeQueue();
   void settleCompleted(const std::vector<TransferEvent>& events);
   std::optional<TimePoint> turn();
   void measureSources();

@@ -37,10 +37,18 @@ constexpr const char* kFirstSchema = R"(
   );
 )";
 
+constexpr const char* kResumes = R"(
+  -- What downloads that were begun have left for their next attempt.
+  CREATE TABLE resumes(
+    id     INTEGER PRIMARY KEY,
+    resume BLOB NOT NULL
+  );
+)";
+
 }  // namespace
 
 const std::vector<Migration>& queueMigrations() {
-  static const std::vector<Migration> migrations{{1, kFirstSchema}};
+  static const std::vector<Migration> migrations{{1, kFirstSchema}, {2, kResumes}};
   return migrations;
 }
 

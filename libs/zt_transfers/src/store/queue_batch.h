@@ -18,6 +18,7 @@ struct QueueChange {
     kFile,          // new, with its description
     kSpec,          // another description
     kState,
+    kResume,
     kFileRemoved,
   };
 
@@ -32,6 +33,7 @@ struct QueueWrite {
   const StoredGroup* group = nullptr;  // kGroup
   std::string_view fileId{};           // kFile
   std::string_view spec{};             // kFile and kSpec; empty: none any more
+  std::string_view resume{};           // kResume; empty: none any more
 };
 
 // Changes in their order, which become durable together.

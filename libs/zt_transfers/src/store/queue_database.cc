@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "engine/packed_resume.h"
 #include "engine/packing.h"
 
 namespace zt_transfers {
@@ -89,7 +90,9 @@ CQueueDatabase::CQueueDatabase(const std::string& path, const std::vector<Migrat
   try {
     // Only this program reads it, so that the index of the log can stay in memory.
     connection_.execute("PRAGMA locking_mode = EXCLUSIVE");
-    connection_.execute("PRAGMA auto_vacuum = INCREMENTAL");  // before the first table
+    if (connection_.number("PRAGMA page_count") == 0) {
+      connection_.execute("PRAGMA auto_vacuum = INCREMENTAL");  // before the first table
+    }
     check(path);
     if (!migrate(connection_, migrations)) {
       throw CUnusable("it is of a newer version or of another program");
@@ -134,6 +137,9 @@ CQueueDatabase::Statements::Statements(sqlite3* connection)
       saveSpec(connection, "INSERT OR REPLACE INTO specs VALUES(?, ?)"),
       removeSpec(connection, "DELETE FROM specs WHERE id = ?"),
       specs(connection, "SELECT id, spec FROM specs WHERE id >= ? AND id < ? ORDER BY id"),
+      saveResume(connection, "INSERT OR REPLACE INTO resumes VALUES(?, ?)"),
+      removeResume(connection, "DELETE FROM resumes WHERE id = ?"),
+      resumes(connection, "SELECT id, resume FROM resumes WHERE id BETWEEN ? AND ? ORDER BY id"),
       removedGroup(connection, "SELECT id FROM removed_groups LIMIT 1"),
       sweepFiles(connection,
                  "DELETE FROM files WHERE id IN "
@@ -141,6 +147,9 @@ CQueueDatabase::Statements::Statements(sqlite3* connection)
       sweepSpecs(connection,
                  "DELETE FROM specs WHERE id IN "
                  "(SELECT id FROM specs WHERE id BETWEEN ? AND ? LIMIT 4000)"),
+      sweepResumes(connection,
+                   "DELETE FROM resumes WHERE id IN "
+                   "(SELECT id FROM resumes WHERE id BETWEEN ? AND ? LIMIT 4000)"),
       endSweep(connection, "DELETE FROM removed_groups WHERE id = ?") {}
 
 void CQueueDatabase::read(const Reader& reader) {
@@ -156,6 +165,13 @@ void CQueueDatabase::read(const Reader& reader) {
       state.sizeKnown = !files.isNull(2);
       state.size = static_cast<std::uint64_t>(files.number(2));
       reader.file(fileOf(files.number(0)), state, files.bytes(3));
+    }
+    CSqliteStatement& resumes = statements_->resumes;
+    resumes.bind(1, rowOf({id, 0})).bind(2, rowOf({id, 0xFFFFFFFF}));
+    while (resumes.step()) {
+      if (const auto resume = unpackedResume(resumes.bytes(1))) {
+        reader.resume(fileOf(resumes.number(0)), *resume);
+      }
     }
   }
 }
@@ -200,9 +216,13 @@ void CQueueDatabase::write(const QueueWrite& write) {
     case QueueChange::Kind::kState:
       writeState(row, write.change.state);
       break;
+    case QueueChange::Kind::kResume:
+      writeResume(row, write.resume);
+      break;
     case QueueChange::Kind::kFileRemoved:
       statements_->removeFile.bind(1, row).run();
       statements_->removeSpec.bind(1, row).run();
+      statements_->removeResume.bind(1, row).run();
       break;
   }
 }
@@ -226,6 +246,15 @@ void CQueueDatabase::writeState(std::int64_t id, const StoredState& state) {
   statements_->setState.run();
   if (state.phase == FilePhase::kCompleted) {
     statements_->removeSpec.bind(1, id).run();
+    statements_->removeResume.bind(1, id).run();
+  }
+}
+
+void CQueueDatabase::writeResume(std::int64_t id, std::string_view resume) {
+  if (resume.empty()) {
+    statements_->removeResume.bind(1, id).run();
+  } else {
+    statements_->saveResume.bind(1, id).bindBytes(2, resume).run();
   }
 }
 
@@ -247,7 +276,8 @@ bool CQueueDatabase::sweep() {
   removed.reset();
   CSqliteTransaction transaction(connection_);
   int swept = 0;
-  for (CSqliteStatement* statement : {&statements_->sweepFiles, &statements_->sweepSpecs}) {
+  for (CSqliteStatement* statement :
+       {&statements_->sweepFiles, &statements_->sweepSpecs, &statements_->sweepResumes}) {
     statement->bind(1, rowOf({id, 0})).bind(2, rowOf({id, 0xFFFFFFFF})).run();
     swept += sqlite3_changes(connection_.get());
   }

@@ -35,6 +35,8 @@ class CQueueDatabase {
     std::function<void(const StoredGroup&)> group;
     // The files of the group before, in ascending order; indices may be missing.
     std::function<void(FileRef, const StoredState&, std::string_view fileId)> file;
+    // What is left of one of those files.
+    std::function<void(FileRef, const DownloadResume&)> resume;
   };
   void read(const Reader& reader);
   // The highest id that a group ever had; 0 without one.
@@ -53,6 +55,7 @@ class CQueueDatabase {
  private:
   void write(const QueueWrite& write);
   void writeGroup(const StoredGroup& group);
+  void writeResume(std::int64_t id, std::string_view resume);
   void writeState(std::int64_t id, const StoredState& state);
   void check(const std::string& path);
 
@@ -73,9 +76,13 @@ class CQueueDatabase {
     CSqliteStatement saveSpec;
     CSqliteStatement removeSpec;
     CSqliteStatement specs;
+    CSqliteStatement saveResume;
+    CSqliteStatement removeResume;
+    CSqliteStatement resumes;
     CSqliteStatement removedGroup;
     CSqliteStatement sweepFiles;
     CSqliteStatement sweepSpecs;
+    CSqliteStatement sweepResumes;
     CSqliteStatement endSweep;
   };
   std::unique_ptr<Statements> statements_;

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "engine/packed_resume.h"
+
 namespace zt_transfers {
 
 using Kind = QueueChange::Kind;
@@ -16,6 +18,7 @@ void CQueueStore::stopRecording() {
   listener_.reset();
   changes_.clear();
   changedGroups_.clear();
+  changedResumes_.clear();
   requests_.clear();
 }
 
@@ -53,6 +56,7 @@ void CQueueStore::removeGroup(std::int32_t groupId) {
     removed = std::move(found->second);
     removed->leave();
     tables_.erase(found);
+    resumes_.erase(resumes_.lower_bound({groupId, 0}), resumes_.lower_bound({groupId + 1, 0}));
     note(Kind::kGroupRemoved, {groupId, 0});
   }
 }
@@ -77,6 +81,7 @@ void CQueueStore::setState(FileRef file, const StoredState& state) {
   CFileTable& files = *tables_.at(file.groupId);
   if (state.phase == FilePhase::kCompleted) {
     files.forget(file.index);
+    resumes_.erase({file.groupId, file.index});
   } else if (state.phase == FilePhase::kFailed || !files.soon(file.index)) {
     files.release(file.index);
   }
@@ -86,7 +91,18 @@ void CQueueStore::setState(FileRef file, const StoredState& state) {
 void CQueueStore::remove(FileRef file) {
   const std::lock_guard lock(mutex_);
   tables_.at(file.groupId)->remove(file.index);
+  resumes_.erase({file.groupId, file.index});
   note(Kind::kFileRemoved, file);
+}
+
+void CQueueStore::saveResume(FileRef file, const DownloadResume& resume) {
+  const Key key{file.groupId, file.index};
+  const std::lock_guard lock(mutex_);
+  const bool changed = resume.begun() ? (resumes_.insert(key), true) : resumes_.erase(key) != 0;
+  if (changed && listener_) {
+    changedResumes_[key] = resume.begun() ? packed(resume) : std::string();
+    note(Kind::kResume, file);
+  }
 }
 
 std::string CQueueStore::fileId(FileRef file) const {
@@ -148,6 +164,7 @@ void CQueueStore::request(const Range& range) {
 void CQueueStore::clear() {
   const std::lock_guard lock(mutex_);
   tables_.clear();
+  resumes_.clear();
 }
 
 void CQueueStore::restoreGroup(std::int32_t groupId) {
@@ -164,6 +181,11 @@ void CQueueStore::restoreFile(FileRef file, std::string_view fileId) {
     files.restoreGap();
   }
   files.restore(fileId);
+}
+
+void CQueueStore::restoreResume(FileRef file) {
+  const std::lock_guard lock(mutex_);
+  resumes_.insert({file.groupId, file.index});
 }
 
 bool CQueueStore::hasChanges() const {
@@ -200,6 +222,13 @@ QueueBatch CQueueStore::collect(std::size_t most) {
     } else if (kind != Kind::kGroupRemoved && files == nullptr) {
       continue;  // gone with its group
     }
+    if (kind == Kind::kResume) {
+      const auto changed = changedResumes_.extract({file.groupId, file.index});
+      if (!changed) {
+        continue;  // written with an earlier change
+      }
+      write.resume = CTextArena::at(batch.texts.add(changed.mapped()));
+    }
     if (kind == Kind::kFile) {
       write.fileId = CTextArena::at(batch.texts.add(files->fileId(file.index)));
     }
@@ -231,6 +260,9 @@ void CQueueStore::putBack(const QueueBatch& batch) {
     const FileRef file = write->change.file;
     if (write->group != nullptr) {
       changedGroups_.emplace(file.groupId, *write->group);  // unless it has changed again
+    }
+    if (write->change.kind == Kind::kResume) {
+      changedResumes_.emplace(Key{file.groupId, file.index}, write->resume);
     }
     CFileTable* files = table(file.groupId);
     if (files != nullptr && !write->spec.empty()) {

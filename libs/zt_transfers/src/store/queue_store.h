@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -51,6 +53,7 @@ class CQueueStore : public IQueueStore {
   void replace(FileRef file, const FileSpec& spec) override;
   void setState(FileRef file, const StoredState& state) override;
   void remove(FileRef file) override;
+  void saveResume(FileRef file, const DownloadResume& resume) override;
   std::string fileId(FileRef file) const override;
   std::optional<std::uint32_t> find(std::int32_t groupId, const std::string& fileId) const override;
   std::optional<FileSpec> spec(FileRef file) override;
@@ -62,6 +65,7 @@ class CQueueStore : public IQueueStore {
   void clear();
   void restoreGroup(std::int32_t groupId);
   void restoreFile(FileRef file, std::string_view fileId);
+  void restoreResume(FileRef file);
 
   // For the writer.
   bool hasChanges() const;
@@ -82,6 +86,8 @@ class CQueueStore : public IQueueStore {
   // Written descriptions in memory, of all groups together.
   static constexpr std::size_t kMostHeld = 8192;
 
+  using Key = std::pair<std::int32_t, std::uint32_t>;  // of a file
+
   CFileTable* table(std::int32_t groupId) const;
   void note(QueueChange::Kind kind, FileRef file, const StoredState& state = {});
   void request(const Range& range);
@@ -92,6 +98,8 @@ class CQueueStore : public IQueueStore {
   std::size_t held_ = 0;
   std::unordered_map<std::int32_t, std::unique_ptr<CFileTable>> tables_;
   std::unordered_map<std::int32_t, StoredGroup> changedGroups_;  // not written yet
+  std::map<Key, std::string> changedResumes_;  // not written yet; empty: none any more
+  std::set<Key> resumes_;                      // files that have one
   std::deque<QueueChange> changes_;
   std::uint64_t noted_ = 0;
   std::deque<Range> requests_;

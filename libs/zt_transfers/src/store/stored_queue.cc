@@ -46,7 +46,7 @@ void CStoredQueue::load(CQueueDatabase& database, Found& found) {
   found = {.lastGroupId = database.lastGroupId(), .groups = {}};
   database.read({.group =
                      [&](const StoredGroup& group) {
-                       found.groups.push_back({group, {}});
+                       found.groups.push_back({group, {}, {}});
                        store_.restoreGroup(group.identity.id);
                      },
                  .file =
@@ -58,6 +58,13 @@ void CStoredQueue::load(CQueueDatabase& database, Found& found) {
                        files.resize(file.index, {.phase = FilePhase::kRemoved});
                        files.push_back(state);
                        store_.restoreFile(file, fileId);
+                     },
+                 .resume =
+                     [&](FileRef file, const DownloadResume& resume) {
+                       if (file.index < found.groups.back().files.size()) {
+                         found.groups.back().resumes.emplace_back(file.index, resume);
+                         store_.restoreResume(file);
+                       }
                      }});
 }
 

@@ -40,7 +40,8 @@ TEST_F(StoredQueue, KeepsGroupsAndFilesAsTheyWere) {
   }
   auto queue = opened();
   ASSERT_EQ(found.groups.size(), 1U);
-  const auto& [kept, files] = found.groups[0];
+  const auto& [kept, files, resumes] = found.groups[0];
+  EXPECT_TRUE(resumes.empty());
   EXPECT_EQ(kept.identity.id, 3);
   EXPECT_EQ(kept.identity.bucketId, "bucket3");
   EXPECT_EQ(kept.identity.bucketType, "message");
@@ -66,6 +67,42 @@ TEST_F(StoredQueue, KeepsGroupsAndFilesAsTheyWere) {
   EXPECT_EQ(waiting->place, "place of d");
   EXPECT_EQ(waiting->headers, spec("d").headers);
   EXPECT_EQ(fetched(store, {3, 2})->url, "http://renewed/");
+}
+
+TEST_F(StoredQueue, KeepsWhatIsDurableOfDownloadsUntilTheyAreDone) {
+  const DownloadResume begun{.partialPath = ".file.part",
+                             .inode = 77,
+                             .validator = "\"etag\"",
+                             .size = 100,
+                             .written = {{0, 60}},
+                             .durable = {{0, 20}, {30, 50}}};
+  DownloadResume earlier = begun;
+  earlier.durable.clear();
+  {
+    auto queue = opened();
+    IQueueStore& store = queue->store();
+    store.saveGroup(group(1));
+    for (const char* fileId : {"begun", "completed", "removed", "restarted"}) {
+      store.append(1, spec(fileId), {.size = 100});
+    }
+    for (std::uint32_t index = 0; index < 4; ++index) {
+      store.saveResume({1, index}, earlier);
+      store.saveResume({1, index}, begun);
+    }
+    queue->settle(std::chrono::seconds(60));
+    store.setState({1, 1}, {.phase = FilePhase::kCompleted, .size = 100});
+    store.remove({1, 2});
+    store.saveResume({1, 3}, {});
+    EXPECT_TRUE(queue->close());
+  }
+  opened();
+  ASSERT_EQ(found.groups.size(), 1U);
+  const auto& resumes = found.groups[0].resumes;
+  ASSERT_EQ(resumes.size(), 1U);
+  EXPECT_EQ(resumes[0].first, 0U);
+  DownloadResume expected = begun;
+  expected.written = begun.durable;  // what was not synced may be gone
+  EXPECT_EQ(resumes[0].second, expected);
 }
 
 TEST_F(StoredQueue, ForgetsRemovedGroupsButNotTheirIds) {

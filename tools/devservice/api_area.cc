@@ -132,7 +132,6 @@ void CApiArea::createMessage(CExchange& exchange) {
                      numberOf(body, "lifetimeSeconds", kTwoWeeks)});
   Json::Value json = toJson(message);
   json["token"] = message.token;
-  json["tokenExpires"] = Json::UInt64(message.tokenExpires);
   exchange.answer(201, json);
 }
 

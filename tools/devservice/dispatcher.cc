@@ -115,7 +115,7 @@ void CDispatcher::route(CExchange& exchange) {
   if (area == "faults") {
     return areas_.faultAdministration.handle(exchange);
   }
-  exchange.fault = areas_.faultRules.match(exchange.method(), exchange.path());
+  exchange.fault = areas_.faultRules.match(exchange.method(), exchange.path(), exchange.rawQuery());
   if (fail(exchange)) {
     return;
   }

@@ -48,7 +48,8 @@ CExchange::CExchange(Poco::Net::HTTPServerRequestImpl& theRequest,
     Poco::URI::decode(target.substr(0, question), path_);
     if (question != std::string::npos) {
       Poco::URI uri;
-      uri.setRawQuery(target.substr(question + 1));
+      rawQuery_ = target.substr(question + 1);
+      uri.setRawQuery(rawQuery_);
       query_ = uri.getQueryParameters();
     }
   } catch (const Poco::Exception&) {

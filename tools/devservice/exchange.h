@@ -37,6 +37,8 @@ class CExchange {
   const std::vector<std::string>& segments() const { return segments_; }
   // The decoded path, which fault rules match.
   const std::string& path() const { return path_; }
+  // The query as it came, without its question mark.
+  const std::string& rawQuery() const { return rawQuery_; }
   // Whether the URL's query has that name, and its value.
   bool hasQuery(const std::string& name) const;
   std::string query(const std::string& name) const;
@@ -67,6 +69,7 @@ class CExchange {
  private:
   std::vector<std::string> segments_;
   std::string path_;
+  std::string rawQuery_;
   std::vector<std::pair<std::string, std::string>> query_;
   bool bodyRead_ = false;
   bool lingers_ = false;

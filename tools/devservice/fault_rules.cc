@@ -113,6 +113,7 @@ Json::Value CFaultRules::add(const Json::Value& rule) {
   added.text = rule;
   added.method = text(rule, "method", "");
   added.path = text(rule, "path", "*");
+  added.query = text(rule, "query", "*");
   added.skip = number(rule, "skip", 0);
   if (!rule["count"].isNull()) {
     added.count = number(rule, "count", 1);
@@ -144,12 +145,13 @@ void CFaultRules::clear() {
   rules_.clear();
 }
 
-Fault CFaultRules::match(const std::string& method, const std::string& path) {
+Fault CFaultRules::match(const std::string& method, const std::string& path,
+                         const std::string& query) {
   const std::lock_guard lock(mutex_);
   for (Rule& rule : rules_) {
     const bool usedUp = rule.count && rule.used >= *rule.count;
     if (usedUp || (!rule.method.empty() && rule.method != method) ||
-        !matchesPattern(rule.path, path)) {
+        !matchesPattern(rule.path, path) || !matchesPattern(rule.query, query)) {
       continue;
     }
     if (rule.seen++ < rule.skip) {

@@ -34,8 +34,9 @@ class CFaultRules {
   bool remove(int id);
   void clear();
 
-  // The fault for a request, by its method and decoded path; counts as one use of the rule.
-  Fault match(const std::string& method, const std::string& path);
+  // The fault for a request, by its method, decoded path and raw query; counts as one use of the
+  // rule.
+  Fault match(const std::string& method, const std::string& path, const std::string& query = {});
 
  private:
   struct Rule {
@@ -43,6 +44,7 @@ class CFaultRules {
     Json::Value text;    // as it was given
     std::string method;  // empty: any
     std::string path;    // pattern with * and ?
+    std::string query;   // likewise
     std::uint64_t skip = 0;
     std::optional<std::uint64_t> count;  // none: for ever
     Fault fault;

@@ -108,6 +108,7 @@ Json::Value toJson(const CMessage& message) {
   json["recipients"] = message.recipients;
   json["state"] = stateName(message.state);
   json["created"] = Json::Int64(message.created);
+  json["tokenExpires"] = Json::UInt64(message.tokenExpires);
   json["expires"] = Json::UInt64(message.expires);
   json["files"] = Json::UInt64(totals.files);
   json["bytes"] = Json::UInt64(totals.bytes);

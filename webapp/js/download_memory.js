@@ -18,8 +18,8 @@ function readAll() {
 
 /** `ids`: of the files that were chosen, null for all files of the message. They are not all handed over yet. */
 export function rememberDownload(transfer, ids) {
-  const { created, place } = transfer.attributes;
-  write(transfer, { created, place, files: ids && toRanges(ids), filled: false });
+  const { created, place, tokenExpires } = transfer.attributes;
+  write(transfer, { created, place, tokenExpires, files: ids && toRanges(ids), filled: false });
 }
 
 /** From now on the library has all files. */
@@ -45,7 +45,7 @@ function write(transfer, entry) {
 export function rememberedDownload(group) {
   const found = readAll()[keyOf(group)];
   if (!found) return null;
-  const { created, place, files, filled } = found;
+  const { created, place, tokenExpires = 0, files, filled } = found;
   const phase = filled ? 'running' : 'interrupted';
-  return { attributes: { created, place, phase }, files: files ? new Set(fromRanges(files)) : null };
+  return { attributes: { created, place, tokenExpires, phase }, files: files ? new Set(fromRanges(files)) : null };
 }

@@ -230,6 +230,8 @@ TEST_F(MultipartAreaTest, MeetsTheFailuresThatWereAskedFor) {
   requestJson("POST", "/faults", rule);
   put(1, "x");
   EXPECT_EQ(complete({{1, md5Of("x")}}).body, body);
+  request("POST", "/faults", R"({"type":"status","query":"partNumber=2&*"})");
+  EXPECT_EQ(put(2, "x").status, 503);
   request("POST", "/faults", R"({"type":"etag","method":"PUT","count":1})");
   EXPECT_EQ(put(1, "x").response.get("ETag"), "\"00000000000000000000000000000000\"");
   EXPECT_EQ(complete({{1, md5Of("x")}}).status, 200);

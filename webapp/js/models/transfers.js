@@ -20,7 +20,7 @@ export const Transfers = TransferGroups.extend({
       ]));
       transfer.set({
         subject: message.subject, recipients: message.recipients, created: message.created,
-        fileCount: files.length,
+        fileCount: files.length, tokenExpires: message.tokenExpires,
       });
       transfer.files.describe(files.map((file) => ({
         id: file.id, ...splitPath(file.path), size: file.size,

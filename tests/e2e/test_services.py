@@ -39,6 +39,23 @@ class Services(Sandbox):
         self.assertEqual(shown[0]["body"]["data"], "2 &lt;b&gt;files&lt;/b&gt; &amp; more")
         self.assert_leaves_cleanly(self.client, page)
 
+    def test_a_transfer_that_is_over_is_told_once_and_not_again_after_a_reload(self):
+        self.start_daemon_that_reads_markup()
+        folder = self.make_files(self.folder / "three", 3, 1000)
+        _, self.client, page = self.start_all(folder)
+        page.wait_for_files(3)
+        page.describe("Film & <more>", "ann@example.org")
+        page.send()
+        self.assertEqual(page.wait_until_over(60), "COMPLETED")
+        wait_until(self.notifications, 30, "the notification")
+        page.evaluate("window.loadedBefore = true; setTimeout(() => location.reload()); 0")
+        page.wait_for("!window.loadedBefore && document.querySelector('#nav-transfers') !== null")
+        page.evaluate("document.querySelector('#nav-transfers').click()")
+        page.wait_for("document.querySelector('[data-test=group-state]')?.dataset.phase === 'delivered'")
+        told = [(shown["summary"]["data"], shown["body"]["data"]) for shown in self.notifications()]
+        self.assertEqual(told, [("3 files sent", "“Film &amp; &lt;more&gt;” to ann@example.org")])
+        self.assert_leaves_cleanly(self.client, page)
+
     def start_daemon_that_reads_markup(self):
         configuration = self.folder / "dunstrc"
         configuration.write_text("[global]\nmarkup = full\nformat = %b\n")

@@ -17,6 +17,7 @@
 #include "include/base/cef_bind.h"
 #include "include/base/cef_callback.h"
 #include "include/wrapper/cef_closure_task.h"
+#include "services/crash_report_folder.h"
 
 namespace zantrio {
 namespace {
@@ -145,8 +146,13 @@ bool BrowserProcess::prepareDataFolder() const {
   }
   std::string logPath;
   settings_->getAppLogPath(logPath);
+  // Before the first line of this run makes the log the newer.
+  const std::vector<std::string> crashes = CrashReportFolder(folder).writtenAfter(logPath);
   if (CLogHolder* const log = CLogHolder::get()) {
     log->setLogPath(logPath);
+  }
+  for (const std::string& path : crashes) {
+    logWarning("Found crash report ", path);
   }
   return true;
 }

@@ -3,8 +3,10 @@
 #include <iostream>
 
 #include "app/browser_process.h"
+#include "app/process_preparation.h"
 
 int main(int argc, char** argv) {
+  const zantrio::ProcessPreparation preparation;
   try {
     return zantrio::BrowserProcess(argc, argv).run();
   } catch (const std::exception& exception) {

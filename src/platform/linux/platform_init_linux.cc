@@ -4,14 +4,36 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <exception>
 #include <new>
 
+#include "app/app_settings.h"
+#include "app/executable_path.h"
 #include "platform/linux/application_icon_linux.h"
 #include "platform/linux/application_linux.h"
+#include "platform/linux/crash/crash_reporter.h"
 
 namespace zantrio {
 
-void CPlatformInitLinux::init() {
+namespace {
+
+CrashReportFacts describeApplication() {
+  const CAppSettings settings(new CMainBundle, resolveExecutablePath(""));
+  CrashReportFacts facts;
+  settings.getAppDataFolder(facts.appDataFolder);
+  settings.getVersion(facts.version);
+  settings.getOsVersion(facts.system);
+  return facts;
+}
+
+void startCrashReporter() {
+  CrashReporter* const reporter = CrashReporter::current();
+  const bool started = reporter != nullptr && reporter->start(describeApplication());
+  syslog(LOG_USER | (started ? LOG_INFO : LOG_WARNING), "Zantrio: crashes are %s",
+         started ? "reported" : "not reported, there is no watcher");
+}
+
+void introduceApplication() {
   if (!canShowWidgets()) {
     syslog(LOG_USER | LOG_WARNING, "Zantrio: no application to introduce to the desktop");
     return;
@@ -19,6 +41,17 @@ void CPlatformInitLinux::init() {
   syslog(LOG_USER | LOG_INFO, "Zantrio: introducing the application to the desktop");
   QGuiApplication::setDesktopFileName(QStringLiteral("zantrio"));
   QApplication::setWindowIcon(applicationIcon());
+}
+
+}  // namespace
+
+void CPlatformInitLinux::init() {
+  try {
+    startCrashReporter();
+  } catch (const std::exception& exception) {
+    syslog(LOG_USER | LOG_WARNING, "Zantrio: crashes are not reported: %s", exception.what());
+  }
+  introduceApplication();
 }
 
 std::unique_ptr<IPlatformInit> createPlatformInit() {

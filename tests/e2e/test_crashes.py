@@ -1,0 +1,131 @@
+"""Crashes of the real client: the report that is left, and that everything else ends as ever."""
+
+import ctypes
+import os
+import pathlib
+import re
+import signal
+import unittest
+
+from harness import process
+from harness.send_page import SendPage
+from harness.wait import wait_until
+from sandbox import Sandbox
+
+# A sanitizer has the last word on how a program ends by the signals that it handles itself.
+SANITIZED = os.environ.get("ZANTRIO_SANITIZED") == "1"
+
+
+class Crashes(Sandbox):
+    def start_ready(self):
+        _, client, page = self.start_all()
+        page.wait_until_ready()
+        return client, page
+
+    def reports(self, client):
+        return sorted((client.data_folder / "Crash Reports").glob("*.txt"))
+
+    def watcher(self, client):
+        """The process id of the client's watcher."""
+        found = [pid for pid in process.descendants(client.process.pid)
+                 if self.name(pid) == "zantrio-watcher"]
+        self.assertEqual(len(found), 1)
+        return found[0]
+
+    @staticmethod
+    def name(pid):
+        return pathlib.Path(f"/proc/{pid}/comm").read_text().strip()
+
+    def thread(self, client, name):
+        """The number of the client's thread of that name."""
+        for task in pathlib.Path(f"/proc/{client.process.pid}/task").iterdir():
+            if (task / "comm").read_text().strip() == name:
+                return int(task.name)
+        self.fail(f"the client has no thread {name}")
+
+    def assert_nothing_left(self, family):
+        def left():
+            return [pid for pid in family if pathlib.Path(f"/proc/{pid}/exe").exists()]
+        wait_until(lambda: not left(), 30, "the end of the client's processes")
+
+    def test_leaves_a_report_of_the_crashed_main_thread_and_tells_of_it_at_the_next_start(self):
+        client, page = self.start_ready()
+        page.query("nativeAppBridge_IPC", "supportedMethods")
+        family = process.descendants(client.process.pid)
+        client.process.send_signal(signal.SIGSEGV)
+        code = client.wait(60)
+        if not SANITIZED:
+            self.assertEqual(code, -signal.SIGSEGV)
+        self.assert_nothing_left(family)
+
+        [path] = self.reports(client)
+        report = path.read_text(errors="strict")
+        self.assertIn(f"\nProcess: {client.process.pid}\n", report)
+        self.assertIn("\nSignal:  SIGSEGV (Segmentation fault), sent by process ", report)
+        self.assertRegex(report, r"\nVersion: \d+\.\d+\.\d+\nSystem:  Linux ")
+        crashed = re.search(r", which crashed:\n(.*?)\n\n", report, re.DOTALL)[1]
+        self.assertRegex(crashed, r"#\d+ .* zantrio::BrowserProcess::run\(\) (?s:.*) main ")
+        self.assertRegex(report, r"\nThread \d+ \(zt-net-up\):\n  #0 ")
+        tail = report[report.index("- zt_app.log -"):report.index("- zt_transfers.log -")]
+        self.assertIn("Received query: ", tail)
+        self.assertIn(client.log().splitlines()[-1], tail)
+        self.assertIn("- cef_browser.log -", report)
+        self.assertEqual(path.stat().st_mode & 0o777, 0o600)
+        self.assertEqual(path.parent.stat().st_mode & 0o777, 0o700)
+
+        for _ in range(2):
+            client = self.start_client(self.folder / "Zantrio")
+            page = SendPage(client.page())
+            page.wait_until_ready()
+            self.assert_leaves_cleanly(client, page)
+            self.assertEqual(client.messages().count(f"Found crash report {path}"), 1)
+        self.assertEqual(self.reports(client), [path])
+
+    def test_names_the_thread_that_crashed(self):
+        client, _ = self.start_ready()
+        thread = self.thread(client, "zt-net-up")
+        # kill() by a thread's number reaches its process; the system call aims at the thread.
+        self.send_to_thread(client.process.pid, thread, signal.SIGABRT)
+        self.assertEqual(client.wait(60), -signal.SIGABRT)
+        [path] = self.reports(client)
+        report = path.read_text()
+        self.assertIn(f"\nThread:  {thread} (zt-net-up)\n", report)
+        crashed = re.search(r", which crashed:\n(.*?)\n\n", report, re.DOTALL)[1]
+        self.assertIn("libzt-transfers.so", crashed)
+
+    @staticmethod
+    def send_to_thread(pid, thread, number):
+        libc = ctypes.CDLL(None, use_errno=True)
+        if libc.tgkill(pid, thread, number) != 0:
+            raise OSError(ctypes.get_errno(), "tgkill")
+
+    def test_reports_its_own_crashes_and_not_those_of_its_sub_processes(self):
+        client, _ = self.start_ready()
+        watcher = self.watcher(client)
+        subs = [pid for pid in process.descendants(client.process.pid) if pid != watcher]
+        for pid in subs:
+            os.kill(pid, signal.SIGSEGV)
+        self.assert_nothing_left(subs)
+        self.assertEqual(self.reports(client), [])
+        client.process.send_signal(signal.SIGABRT)
+        self.assertEqual(client.wait(60), -signal.SIGABRT)
+        [path] = self.reports(client)
+        self.assertIn(f"\nProcess: {client.process.pid}\n", path.read_text())
+        self.assert_nothing_left([watcher])
+
+    def test_goes_on_and_ends_as_ever_without_its_watcher(self):
+        client, page = self.start_ready()
+        os.kill(self.watcher(client), signal.SIGKILL)
+        page.query("nativeAppBridge_IPC", "supportedMethods")
+        self.assert_leaves_cleanly(client, page)
+        self.assertEqual(self.reports(client), [])
+
+    def test_crashes_as_ever_where_no_report_can_be_written(self):
+        client, _ = self.start_ready()
+        (client.data_folder / "Crash Reports").write_text("a file where a folder should be")
+        client.process.send_signal(signal.SIGABRT)
+        self.assertEqual(client.wait(60), -signal.SIGABRT)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -15,8 +15,9 @@
 
 namespace {
 
-// What is to be found in a report must not be optimised away.
-#define NAMED [[gnu::noinline, gnu::noclone]]
+// What is to be found in a report must not be optimised away, and what is to crash must get that
+// far.
+#define NAMED [[gnu::noinline, gnu::noclone, gnu::no_sanitize("undefined")]]
 
 volatile int sink = 0;
 volatile int* volatile nowhere = nullptr;

@@ -114,7 +114,6 @@ test('files that failed for another reason wait for the user, who gets new addre
 test('a message that is gone is told as the reason', async () => {
   const all = make();
   const transfer = await begin(all, files(1));
-  transfer.expiries.set('1', 1000);
   all.service.requestDownloads = async () => { throw new Error('The message has expired; its files are gone.'); };
   await all.downloads.renewNow(Object.assign(transfer, { renewing: new Set(['1']) }));
   assert.match(transfer.get('problem'), /The message has expired/);
@@ -122,6 +121,7 @@ test('a message that is gone is told as the reason', async () => {
 
 test('recalls a download of an earlier session with the files that were chosen', async () => {
   const all = make();
+  all.service.expires = 2000;
   await begin(all, files(2).slice(1), { automatic: true, whole: false });
   const later = new Downloads([], { manager: all.manager, service: all.service, connection });
   later.groupChanged(groupEvent('1', { type: 'TRANSFERRING', bytesTotal: 7 }));
@@ -130,6 +130,8 @@ test('recalls a download of an earlier session with the files that were chosen',
   assert.deepEqual([transfer.get('subject'), transfer.get('place')], ['For you', 'Downloads › Zantrio › Fotos März April']);
   assert.deepEqual([transfer.files.count, transfer.files.at(0).name], [1, 'c.txt']);
   assert.equal(transfer.get('filesKnown'), false);
+  assert.equal(transfer.addressIsOld('2', 1_999_000), false);
+  assert.equal(transfer.addressIsOld('2', 2_000_000), true, 'its addresses of the earlier session expired in the meantime');
   later.groupChanged(groupEvent('1', { type: 'COMPLETED', bytesTotal: 7, bytesTransferred: 7 }));
   assert.equal(transfer.files.countIn('COMPLETED'), 1);
 });

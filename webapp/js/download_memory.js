@@ -18,15 +18,19 @@ function readAll() {
 
 /** `ids`: of the files that were chosen, null for all files of the message. They are not all handed over yet. */
 export function rememberDownload(transfer, ids) {
-  const { created, place, tokenExpires } = transfer.attributes;
-  write(transfer, { created, place, tokenExpires, files: ids && toRanges(ids), filled: false });
+  write(transfer, { ...known(transfer), files: ids && toRanges(ids), filled: false });
 }
 
 /** From now on the library has all files. */
 export function rememberFilled(transfer) {
-  const known = readAll()[keyOf(transfer.attributes)];
-  if (known) write(transfer, { ...known, filled: true });
+  const entry = readAll()[keyOf(transfer.attributes)];
+  if (entry) write(transfer, { ...entry, ...known(transfer), filled: true });
 }
+
+const known = (transfer) => {
+  const { created, place, tokenExpires, addressesExpire } = transfer.attributes;
+  return { created, place, tokenExpires, addressesExpire };
+};
 
 function write(transfer, entry) {
   const all = { ...readAll(), [keyOf(transfer.attributes)]: entry };
@@ -45,7 +49,7 @@ function write(transfer, entry) {
 export function rememberedDownload(group) {
   const found = readAll()[keyOf(group)];
   if (!found) return null;
-  const { created, place, tokenExpires = 0, files, filled } = found;
+  const { files, filled, ...attributes } = found;
   const phase = filled ? 'running' : 'interrupted';
-  return { attributes: { created, place, tokenExpires, phase }, files: files ? new Set(fromRanges(files)) : null };
+  return { attributes: { ...attributes, phase }, files: files ? new Set(fromRanges(files)) : null };
 }

@@ -12,13 +12,14 @@ import { TransferFiles } from '../transfer_files.js';
  *   delivered    the service has confirmed that the message is complete (uploads only)
  *   cancelled
  * `state` is the library's word for the group. `files` holds its files; `filesKnown` is false while
- * nobody has told their states. `place` says in words where a download goes.
+ * nobody has told their states. `place` says in words where a download goes, `addressesExpire` when the first of its
+ * files' addresses expires (seconds since 1970; 0: never, or not known).
  */
 export const Transfer = Backbone.Model.extend({
   defaults: {
     direction: 'upload', bucketId: '', sender: '', place: '', filesKnown: true, subject: '', recipients: [], phase: 'running', state: 'UNKNWON', marked: false,
     bytesTransferred: 0, bytesTotal: 0, rate: 0, secondsLeft: 0, handedOver: 0, fileCount: 0,
-    tokenExpires: 0,
+    tokenExpires: 0, addressesExpire: 0,
     plannedBytes: 0, problem: '', created: 0,
   },
 
@@ -48,13 +49,16 @@ export const Transfer = Backbone.Model.extend({
 
   /** Notes until when the addresses of files can be used. */
   takeAddresses(files) {
-    files.forEach((file) => this.expiries.set(file.id, file.downloadDetails.expires));
+    for (const { id, downloadDetails: { expires } } of files) {
+      this.expiries.set(id, expires);
+      if (expires > 0) this.set('addressesExpire', Math.min(this.get('addressesExpire') || expires, expires));
+    }
   },
 
-  /** Whether a file's address has expired; one of an earlier session may have. */
+  /** Whether a file's address has expired; of an earlier session only the first expiry of all is known. */
   addressIsOld(fileId, now = Date.now()) {
-    const expires = this.expiries.get(fileId);
-    return expires === undefined || (expires > 0 && expires * 1000 <= now);
+    const expires = this.expiries.get(fileId) ?? this.get('addressesExpire');
+    return expires > 0 && expires * 1000 <= now;
   },
 
   isFinished() {

@@ -10,9 +10,12 @@ export class QuitDialog {
   }
 
   async ask() {
-    const unfinished = this.collections.some((collection) => collection.some((transfer) => transfer.isUnfinished()));
-    if (unfinished && !await this.dialog.ask('Transfers are still running',
-      'Files that have not been sent when you quit have to be sent again; downloads have to be begun again.')) return;
+    const unfinished = this.collections.flatMap(
+      (collection) => collection.filter((transfer) => transfer.isUnfinished()));
+    const filling = unfinished.some((transfer) => transfer.get('phase') === 'filling');
+    if (unfinished.length > 0 && !await this.dialog.ask('Transfers are still running', filling
+      ? 'Files are still being added; those that are not added when you quit have to be added again. Everything else goes on when you open Zantrio again.'
+      : 'They go on when you open Zantrio again.')) return;
     try {
       await app.exit();
     } catch (error) {

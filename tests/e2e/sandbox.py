@@ -57,10 +57,10 @@ class Sandbox(unittest.TestCase):
         self._variables["PATH"] = f"{program.parent}:{os.environ['PATH']}"
         return lambda: opened.read_text().splitlines() if opened.exists() else []
 
-    def start_service(self, port=0):
+    def start_service(self, port=0, options=()):
         data = self.folder / "service"
         data.mkdir(exist_ok=True)
-        service = Service(BUILD / "bin/zantrio-devservice", ROOT / "webapp", data, port)
+        service = Service(BUILD / "bin/zantrio-devservice", ROOT / "webapp", data, port, options=options)
         self.addCleanup(service.stop)
         return service
 
@@ -80,9 +80,12 @@ class Sandbox(unittest.TestCase):
         """A service and a client that shows its page; gives (service, client, page)."""
         service = self.start_service()
         client = self.start_client(self.make_bundle(service.url), *files)
+        return service, client, self.send_page(client)
+
+    def send_page(self, client):
         page = SendPage(client.page())
         self.addCleanup(page.close)
-        return service, client, page
+        return page
 
     def make_files(self, folder, count, size):
         """Makes `count` files of about `size` bytes, all different, in nested folders."""

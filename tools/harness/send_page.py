@@ -14,6 +14,7 @@ class SendPage:
 
     def __init__(self, page):
         self._page = page
+        self.inner = page
         self.evaluate = page.evaluate
         self.wait_for = page.wait_for
         self.query = page.query

@@ -14,10 +14,10 @@ MARKER = "listening on "
 class Service:
     """A running local service; `url` is its address, `data` the folder where files arrive."""
 
-    def __init__(self, program, web, data, port=0, log=None):
+    def __init__(self, program, web, data, port=0, log=None, options=()):
         self.data = pathlib.Path(data)
         self._process = process.start(
-            [program, "--port", port, "--data", data, "--web", web],
+            [program, "--port", port, "--data", data, "--web", web, *options],
             stdout=subprocess.PIPE,
             stderr=log,
             text=True,

@@ -20,7 +20,7 @@ export const ConnectionBanner = Backbone.View.extend({
       id: 'retry-now', type: 'button', class: 'button small', onclick: () => this.model.tryNow(),
     }, 'Try now');
     this.el.append(icon('cloud'),
-      el('div', {}, this.reason, ' Nothing is lost; sending goes on by itself. ', this.countdown),
+      el('div', {}, this.reason, ' Nothing is lost; transfers go on by themselves. ', this.countdown),
       this.button);
     this.update();
     return this;

@@ -76,7 +76,7 @@ export const Shell = Backbone.View.extend({
     return el('div', { class: 'banner banner-info', id: 'browser-notice', role: 'status' },
       icon('warning'),
       el('div', {}, el('strong', {}, 'You opened Zantrio in an ordinary browser.'),
-        ' Choosing and sending files needs the Zantrio application.'));
+        ' Sending and downloading files needs the Zantrio application.'));
   },
 
   /** Shows a page; `detail` is for the page to show what of it. */

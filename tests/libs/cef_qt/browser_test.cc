@@ -171,6 +171,17 @@ TEST(Browser, ReportsTheEndOfItsRenderProcessAndServesAgainAfterAReload) {
   EXPECT_TRUE(page.waitFor("up"));
 }
 
+TEST(Browser, LoadsAPageAgainWhoseProcessEndedWhenTheClientDoesNotCare) {
+  TestBrowser page("<script>testQuery({request: 'up'})</script>");
+  page.client().leavesRequestsToFramework = true;
+  ASSERT_TRUE(page.waitFor("up"));
+  page.client().requests.clear();
+  for (const pid_t process : renderProcesses()) {
+    kill(process, SIGKILL);
+  }
+  EXPECT_TRUE(page.waitFor("up"));
+}
+
 TEST(Browser, GoesBackInItsHistoryToAPageWhoseQueriesWork) {
   TestBrowser page("<script>onpageshow = () => testQuery({request: 'first'})</script>");
   ASSERT_TRUE(page.waitFor("first"));

@@ -8,6 +8,7 @@
 #include <QWebEngineScript>
 #include <QWebEngineScriptCollection>
 #include <QWebEngineView>
+#include <chrono>
 
 #include "base/qt_text.h"
 #include "browser/browser_list.h"
@@ -21,6 +22,9 @@
 
 namespace cef_qt {
 namespace {
+
+// A page whose process ends this soon after it was loaded again would only do so for ever.
+constexpr std::chrono::milliseconds kShortLife{10000};
 
 // Qt asks about leaving a page through javaScriptConfirm, with this text.
 bool isBeforeUnloadQuestion(const QString& text) {
@@ -241,7 +245,8 @@ void Page::renderProcessEnded(RenderProcessTerminationStatus status, int exitCod
       browser.window()->keepScript();
     }
   });
-  postTo(TID_UI, [browser = CefRefPtr<Browser>(browser_), status = statusOf(status), exitCode] {
+  postTo(TID_UI, [self = QPointer<Page>(this), browser = CefRefPtr<Browser>(browser_),
+                  status = statusOf(status), exitCode] {
     const CefRefPtr<CefClient> client = browser->client();
     if (!client) {
       return;
@@ -249,8 +254,23 @@ void Page::renderProcessEnded(RenderProcessTerminationStatus status, int exitCod
     browser->documents()->processGone();
     if (const auto handler = client->GetRequestHandler()) {
       handler->OnRenderProcessTerminated(browser, status, exitCode, CefString());
+    } else if (self) {
+      self->loadAgain();
     }
   });
+}
+
+// For a client that leaves the end of a render process to the framework.
+void Page::loadAgain() {
+  BrowserLog& log = BrowserLog::instance();
+  if (loadedAgain_.isValid() && !loadedAgain_.hasExpired(kShortLife.count())) {
+    log.write(LOGSEVERITY_ERROR, "page",
+              "The page's process ended soon again; it is left as it is");
+    return;
+  }
+  log.write(LOGSEVERITY_ERROR, "page", "The page's process ended; the page is loaded again");
+  loadedAgain_.start();
+  triggerAction(Reload);
 }
 
 }  // namespace cef_qt

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QElapsedTimer>
 #include <QPointer>
 #include <QWebEnginePage>
 #include <functional>
@@ -54,6 +55,7 @@ class Page final : public QWebEnginePage {
   JsDialog::Answer askClient(cef_jsdialog_type_t type, const QUrl& origin, const QString& text,
                              const QString& proposal);
   void renderProcessEnded(RenderProcessTerminationStatus status, int exitCode);
+  void loadAgain();
 
   void askUserToLeave(const QString& text);
 
@@ -61,6 +63,7 @@ class Page final : public QWebEnginePage {
   const CefBrowserSettings settings_;
   bool askedToClose_ = false;
   QPointer<QDialog> leaveQuestion_;
+  QElapsedTimer loadedAgain_;
   int dialogDepth_ = 0;
   std::function<void()> onIdle_;
 };

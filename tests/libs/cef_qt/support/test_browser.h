@@ -48,6 +48,7 @@ class TestClient final : public CefClient,
   std::vector<CefRefPtr<CefBrowser>> browsers;  // open ones
   std::vector<std::string> events;              // created, popup, doClose, closed, …
   std::vector<TerminationStatus> terminations;
+  bool leavesRequestsToFramework = false;
 
   int pendingQueries() { return router_->GetPendingCount(nullptr, nullptr); }
   CefRefPtr<CefMessageRouterBrowserSide> router() { return router_; }
@@ -55,7 +56,9 @@ class TestClient final : public CefClient,
   CefRefPtr<CefLifeSpanHandler> GetLifeSpanHandler() override { return this; }
   CefRefPtr<CefJSDialogHandler> GetJSDialogHandler() override { return this; }
   CefRefPtr<CefDragHandler> GetDragHandler() override { return this; }
-  CefRefPtr<CefRequestHandler> GetRequestHandler() override { return this; }
+  CefRefPtr<CefRequestHandler> GetRequestHandler() override {
+    return leavesRequestsToFramework ? nullptr : this;
+  }
 
   bool OnProcessMessageReceived(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
                                 CefProcessId source, CefRefPtr<CefProcessMessage> message) override;

@@ -39,6 +39,12 @@ class JobProgress {
   DownloadResume resume_;  // guarded by mutex_
 };
 
+// When a file is transferred in several parts at a time.
+struct PartPolicy {
+  std::uint64_t from = ~std::uint64_t{0};  // least size of the file in bytes
+  std::uint64_t size = 0;                  // bytes of a part; 0: chosen by the attempt
+};
+
 // What an attempt is to do.
 struct StartOrder {
   JobId job = 0;
@@ -48,6 +54,7 @@ struct StartOrder {
   DownloadResume resume;  // what an attempt before has left
   bool verify = true;
   std::string proxy;
+  PartPolicy parts;
   std::shared_ptr<JobProgress> progress;
 };
 

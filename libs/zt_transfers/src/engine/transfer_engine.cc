@@ -427,6 +427,7 @@ bool CTransferEngine::startNext(CTransferGroup& group, Work& work) {
   order.spec = std::move(*spec);
   order.verify = settings_.verify;
   order.proxy = settings_.proxy;
+  order.parts = settings_.parts;
   order.progress = job.progress;
   moveFile(group, *index, FilePhase::kRunning);
   reporter_.group(group, clock_.now());

@@ -41,6 +41,7 @@ class CTransferEngine final : public IAttemptObserver {
     std::uint32_t maxRetries = 5;
     bool verify = true;
     std::string proxy;
+    PartPolicy parts;
   };
   struct Stop {
     JobId job = 0;

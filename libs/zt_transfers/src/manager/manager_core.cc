@@ -102,7 +102,9 @@ void CManagerCore::configure(const CTransferManagerBase::Configuration& configur
   engine_.setSettings({.maxConcurrent = configuration.maxConcurrentTransfers,
                        .maxRetries = configuration.maxTransferRetries,
                        .verify = configuration.verifyUploads,
-                       .proxy = configuration.proxy});
+                       .proxy = configuration.proxy,
+                       .parts = {.from = configuration.minMultipartSize,
+                                 .size = configuration.partSize}});
   throttle_ = configuration.throttleBytesPerSecond;
   loop_.post([this, rate = throttle_] { loop_.throttle().setRate(rate, clock_.now()); });
 }

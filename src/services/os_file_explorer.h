@@ -15,8 +15,8 @@ class IOsFileExplorer {
   // not be made; whether the file manager showed the folder is not known.
   virtual bool openFolder(const std::string& path) = 0;
   // Opens `url`, an absolute URL in ASCII, in the user's program for it. The text may come from
-  // the page: what is no plain URL of a safe kind is not opened. Whether the program could open
-  // the URL is not known.
+  // the page; each platform tells what it refuses. Whether the program could open the URL is not
+  // known.
   virtual bool openURL(const std::string& url) = 0;
 };
 

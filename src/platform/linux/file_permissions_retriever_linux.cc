@@ -1,15 +1,13 @@
 #include "platform/linux/file_permissions_retriever_linux.h"
 
-#include <unistd.h>
-
 #include <new>
+
+#include "services/access_check.h"
 
 namespace zantrio {
 
 int CFilePermissionsRetrieverLinux::getPermissions(const std::string& path) {
-  const int read = access(path.c_str(), R_OK) == 0 ? kRead : 0;
-  const int write = access(path.c_str(), W_OK) == 0 ? kWrite : 0;
-  return read + write;
+  return permissionsOfRealUser(path);
 }
 
 std::unique_ptr<IFilePermissionsRetriever> createFilePermissionsRetriever() {

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace zantrio::mac_test {
+
+// What was called of the fakes, and what was written to the system's log, in one order.
+std::vector<std::string>& calls();
+
+void recordCall(const std::string& call);
+
+}  // namespace zantrio::mac_test

@@ -1,0 +1,24 @@
+#include "mac/fakes/system_log.h"
+
+#import <Foundation/Foundation.h>
+
+#include "mac/fakes/calls.h"
+
+namespace zantrio::mac_test {
+namespace {
+
+// A line begins with the time, the program and "[process:thread] ", and ends with a line feed.
+void record(NSString* written) {
+  std::string line = [written UTF8String];
+  line.erase(0, line.find("] ") + 2);
+  line.erase(line.find_last_not_of('\n') + 1);
+  recordCall("log: " + line);
+}
+
+}  // namespace
+
+void recordSystemLog() {
+  _NSLog_printf_handler = record;
+}
+
+}  // namespace zantrio::mac_test

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <ApplicationServices/ApplicationServices.h>
+
+#include <cstdint>
+#include <map>
+#include <string>
+
+namespace zantrio::mac_test {
+
+// What the pasteboard manager, Launch Services, Gestalt and the loader answer, and what was handed
+// to them.
+struct SystemServicesFake {
+  OSStatus pasteboardCreation = noErr;
+  OSStatus pasteboardPut = noErr;
+  std::string pasteboardName;
+  std::uintptr_t item = 0;
+  std::string flavor;
+  std::string data;
+  PasteboardFlavorFlags flavorFlags = 99;
+
+  std::string openedUrl;  // "(null)" when there was none
+  bool launchServicesRaise = false;
+  OSStatus launchResult = noErr;
+
+  std::map<OSType, SInt32> gestalt;  // what is missing is answered with an error
+
+  std::string executablePath;  // empty: the loader fails
+};
+
+SystemServicesFake& systemServices();
+
+}  // namespace zantrio::mac_test

@@ -106,7 +106,7 @@ int BrowserProcess::runBrowser(const CefRefPtr<CefApp>& application,
   }
   CefSettings frameworkSettings;
   fillFrameworkSettings(*settings_, frameworkSettings);
-  CefString(&frameworkSettings.browser_subprocess_path) = processExecutable();
+  CefString(&frameworkSettings.browser_subprocess_path) = subProcessExecutablePath(executablePath_);
   CInitialFilesContainer::instance().set(files, true, false);
   if (!CefInitialize(arguments_, frameworkSettings, application, nullptr)) {
     if (CefGetExitCode() == CEF_RESULT_CODE_NORMAL_EXIT_PROCESS_NOTIFIED) {
@@ -161,11 +161,6 @@ std::string BrowserProcess::version() const {
   std::string version = "(unknown version)";
   settings_->getVersion(version);
   return version;
-}
-
-// Beside the program's own file.
-std::string BrowserProcess::processExecutable() const {
-  return std::filesystem::path(executablePath_).replace_filename("zantrio-process").string();
 }
 
 }  // namespace zantrio

@@ -26,7 +26,6 @@ class BrowserProcess {
   int runBrowser(const CefRefPtr<CefApp>& application, const std::vector<std::string>& files);
   bool prepareDataFolder() const;
   std::string version() const;
-  std::string processExecutable() const;
 
   const CefMainArgs arguments_;
   const std::string executablePath_;

@@ -8,4 +8,8 @@ namespace zantrio {
 // system does not tell. Implemented by each platform.
 std::string resolveExecutablePath(const char* argv0);
 
+// The executable that the framework starts for its sub-processes, in the bundle of the program's
+// file `executablePath`. Implemented by each platform.
+std::string subProcessExecutablePath(const std::string& executablePath);
+
 }  // namespace zantrio

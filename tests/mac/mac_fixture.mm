@@ -2,6 +2,7 @@
 
 #include "mac/fakes/calls.h"
 #include "mac/fakes/core_foundation_fake.h"
+#include "mac/fakes/crash_sdk_fake.h"
 #include "mac/fakes/open_panel_fake.h"
 #include "mac/fakes/system_log.h"
 #include "mac/fakes/system_services_fake.h"
@@ -14,6 +15,7 @@ void MacTest::SetUp() {
   pool_ = [[NSAutoreleasePool alloc] init];
   calls().clear();
   coreFoundation() = {};
+  crashSdk() = {};
   openPanel() = {};
   systemServices() = {};
   userNotifications() = {};

@@ -106,5 +106,11 @@ TEST_F(SettingsMac, TheExecutablesPathIsResolvedAndElseAsItWasCalled) {
   EXPECT_EQ(resolveExecutablePath("zantrio"), "zantrio");
 }
 
+TEST_F(SettingsMac, SubProcessesRunInTheHelperApplication) {
+  EXPECT_EQ(subProcessExecutablePath("/Applications/Zantrio.app/Contents/MacOS/Zantrio"),
+            "/Applications/Zantrio.app/Contents/Frameworks/Zantrio Helper.app/Contents/MacOS/"
+            "Zantrio Helper");
+}
+
 }  // namespace
 }  // namespace zantrio::mac_test

@@ -10,4 +10,9 @@ std::string resolveExecutablePath(const char* argv0) {
   return error ? std::string(argv0) : path.string();
 }
 
+// Beside the program's own file.
+std::string subProcessExecutablePath(const std::string& executablePath) {
+  return std::filesystem::path(executablePath).replace_filename("zantrio-process").string();
+}
+
 }  // namespace zantrio

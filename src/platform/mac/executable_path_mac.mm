@@ -20,4 +20,12 @@ std::string resolveExecutablePath(const char* argv0) {
   return error ? std::string(argv0) : resolved.string();
 }
 
+// An application of its own in the bundle, of which the framework starts variants for some kinds of
+// processes.
+std::string subProcessExecutablePath(const std::string& executablePath) {
+  const std::filesystem::path contents =
+      std::filesystem::path(executablePath).parent_path().parent_path();
+  return (contents / "Frameworks/Zantrio Helper.app/Contents/MacOS/Zantrio Helper").string();
+}
+
 }  // namespace zantrio

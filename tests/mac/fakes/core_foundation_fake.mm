@@ -100,7 +100,9 @@ const char* CFStringGetCStringPtr(CFStringRef string, CFStringEncoding encoding)
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex bufferSize,
                            CFStringEncoding encoding) {
   coreFoundation().copiedIn.push_back(encoding);
-  return [(NSString*)string getCString:buffer
+  // Where Foundation here raises an exception, the system tells by its result.
+  return [(NSString*)string canBeConvertedToEncoding:foundationEncoding(encoding)] &&
+         [(NSString*)string getCString:buffer
                              maxLength:static_cast<NSUInteger>(bufferSize)
                               encoding:foundationEncoding(encoding)];
 }

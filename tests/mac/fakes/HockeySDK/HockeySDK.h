@@ -10,17 +10,12 @@
 - (NSString*)applicationLogForCrashManager:(BITCrashManager*)crashManager;
 @end
 
-@interface BITCrashManager : NSObject {
-  BOOL _autoSubmitCrashReport;
-  id<BITCrashManagerDelegate> _delegate;
-}
+@interface BITCrashManager : NSObject
 @property(nonatomic, assign, getter=isAutoSubmitCrashReport) BOOL autoSubmitCrashReport;
 @property(nonatomic, assign) id<BITCrashManagerDelegate> delegate;
 @end
 
-@interface BITHockeyManager : NSObject {
-  BITCrashManager* _crashManager;
-}
+@interface BITHockeyManager : NSObject
 @property(nonatomic, readonly) BITCrashManager* crashManager;
 + (BITHockeyManager*)sharedHockeyManager;
 - (void)configureWithIdentifier:(NSString*)appIdentifier;

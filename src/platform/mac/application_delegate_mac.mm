@@ -1,0 +1,64 @@
+#include "platform/mac/application_delegate_mac.h"
+
+#include <string>
+#include <vector>
+
+#include "browser/application_commands.h"
+
+// The pasteboard type is the one that services are offered files in.
+#pragma clang diagnostic ignored "-Wdeprecated-declarations"
+
+namespace {
+
+std::vector<std::string> pathsOf(NSArray* filenames) {
+  std::vector<std::string> paths;
+  paths.reserve([filenames count]);
+  for (NSString* filename in filenames) {
+    paths.emplace_back([filename UTF8String]);
+  }
+  return paths;
+}
+
+}  // namespace
+
+@implementation ZantrioApplicationDelegate
+
+- (id)initWithCommands:(zantrio::IApplicationCommands*)commands {
+  self = [super init];
+  if (self != nil) {
+    _commands = commands;
+  }
+  return self;
+}
+
+- (void)application:(NSApplication*)application openFiles:(NSArray*)filenames {
+  _commands->openFiles(pathsOf(filenames));
+  [application replyToOpenOrPrint:NSApplicationDelegateReplySuccess];
+}
+
+- (void)newMessage:(id)sender {
+  (void)sender;
+  _commands->newMessage();
+}
+
+- (void)newShare:(id)sender {
+  (void)sender;
+  _commands->newShare();
+}
+
+- (void)quit {
+  _commands->quit();
+}
+
+- (void)sendFiles:(NSPasteboard*)pasteboard userData:(NSString*)userData error:(NSString**)error {
+  (void)userData;
+  NSArray* const filenames = [pasteboard propertyListForType:NSFilenamesPboardType];
+  if (![filenames isKindOfClass:[NSArray class]] || [filenames count] == 0) {
+    *error = @"There are no files to send.";
+    return;
+  }
+  [NSApp activateIgnoringOtherApps:YES];
+  _commands->openFiles(pathsOf(filenames));
+}
+
+@end

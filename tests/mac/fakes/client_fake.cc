@@ -1,0 +1,74 @@
+// Linked instead of the client.
+#include "mac/fakes/client_fake.h"
+
+#include <stdexcept>
+
+#include "app/browser_process.h"
+#include "app/sub_process.h"
+#include "mac/fakes/calls.h"
+
+namespace zantrio {
+namespace mac_test {
+namespace {
+
+int runAs(const std::string& process) {
+  recordCall(process);
+  if (!client().failure.empty()) {
+    throw std::runtime_error(client().failure);
+  }
+  return client().exitCode;
+}
+
+}  // namespace
+
+ClientFake& client() {
+  static ClientFake fake;
+  return fake;
+}
+
+void RecordingCommands::openFiles(const std::vector<std::string>& paths) {
+  for (const std::string& path : paths) {
+    recordCall("open " + path);
+  }
+}
+
+void RecordingCommands::newMessage() {
+  recordCall("new message");
+}
+
+void RecordingCommands::newShare() {
+  recordCall("new share");
+}
+
+void RecordingCommands::quit() {
+  recordCall("quit");
+}
+
+}  // namespace mac_test
+
+using mac_test::client;
+
+void CApplicationCommands::openFiles(const std::vector<std::string>& /*paths*/) {}
+
+void CApplicationCommands::newMessage() {}
+
+void CApplicationCommands::newShare() {}
+
+void CApplicationCommands::quit() {
+  mac_test::recordCall("quit");
+}
+
+BrowserProcess::BrowserProcess(int argc, char** argv) : arguments_(argc, argv) {
+  client().arguments.assign(argv, argv + argc);
+}
+
+int BrowserProcess::run() {
+  return mac_test::runAs("browser process");
+}
+
+int runSubProcess(int argc, char** argv) {
+  client().arguments.assign(argv, argv + argc);
+  return mac_test::runAs("sub-process");
+}
+
+}  // namespace zantrio

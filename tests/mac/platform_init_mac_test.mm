@@ -1,0 +1,65 @@
+#include "mac/fakes/application_fake.h"
+#include "mac/fakes/calls.h"
+#include "mac/fakes/crash_sdk_fake.h"
+#include "mac/mac_fixture.h"
+#include "platform/mac/crash_manager_delegate_mac.h"
+#include "services/platform_init.h"
+
+namespace zantrio::mac_test {
+namespace {
+
+using Calls = std::vector<std::string>;
+
+const Calls kServices = {"log: Initializing Service Provider",
+                         "setServicesProvider:", "NSUpdateDynamicServices"};
+
+class PlatformInitMac : public MacTest {
+ protected:
+  const ApplicationInPlace application_;
+};
+
+TEST_F(PlatformInitMac, StartsTheCrashReporterAndThenOffersTheServices) {
+  createPlatformInit()->init();
+
+  Calls expected = {"log: Initializing BITHockeyManager...",
+                    "configureWithIdentifier:",
+                    "setAutoSubmitCrashReport:",
+                    "setDelegate:",
+                    "startManager",
+                    "log: Done initializing BITHockeyManager..."};
+  expected.insert(expected.end(), kServices.begin(), kServices.end());
+  EXPECT_EQ(calls(), expected);
+  EXPECT_EQ(crashSdk().identifier, "5f0c2e9a7b3d41e68a2c9d7f0b4e1a36");
+  EXPECT_TRUE(crashSdk().submitsAutomatically);
+  EXPECT_NE(application_.servicesProvider(), nil);
+  EXPECT_EQ(application_.servicesProvider(), application_.delegate());
+}
+
+TEST_F(PlatformInitMac, TheCrashManagersDelegateOutlivesTheInitialiser) {
+  createPlatformInit()->init();
+  ASSERT_TRUE([crashSdk().delegate isKindOfClass:[CrashManagerDelegate class]]);
+  EXPECT_EQ([crashSdk().delegate retainCount], 1U);
+}
+
+TEST_F(PlatformInitMac, AnExceptionOfTheCrashReporterIsLoggedAndTheServicesFollow) {
+  for (const char* step :
+       {"configureWithIdentifier:", "setAutoSubmitCrashReport:", "setDelegate:", "startManager"}) {
+    calls().clear();
+    crashSdk().raisesIn = step;
+    createPlatformInit()->init();
+
+    ASSERT_GE(calls().size(), 5U);
+    const std::string exception = *(calls().end() - 4);
+    EXPECT_EQ(*(calls().end() - 5), step);
+    EXPECT_EQ(exception.find("log: Exception occurred while attempting to init the crash "
+                             "reporter: "),
+              0U)
+        << exception;
+    EXPECT_NE(exception.find("refused"), std::string::npos) << exception;
+    EXPECT_NE(exception.find("why = test"), std::string::npos) << "the user information";
+    EXPECT_EQ(Calls(calls().end() - 3, calls().end()), kServices) << step;
+  }
+}
+
+}  // namespace
+}  // namespace zantrio::mac_test

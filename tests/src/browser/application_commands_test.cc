@@ -1,0 +1,53 @@
+#include "browser/application_commands.h"
+
+#include <gtest/gtest.h>
+
+#include "src/browser/zt_cef_handler_fixture.h"
+
+namespace zantrio {
+namespace {
+
+class ApplicationCommands : public test::ZtCefHandlerTest {
+ protected:
+  CApplicationCommands commands_;
+};
+
+TEST_F(ApplicationCommands, MovesTheWebApplicationToItsRoutes) {
+  const auto browser = openBrowser();
+  commands_.newMessage();
+  commands_.newShare();
+  ASSERT_EQ(browser->frame->scripts.size(), 2U);
+  EXPECT_EQ(browser->frame->scripts[0].code,
+            "Backbone.history.navigate('/message/new', { trigger: true });");
+  EXPECT_EQ(browser->frame->scripts[1].code,
+            "Backbone.history.navigate('/share/new', { trigger: true });");
+}
+
+TEST_F(ApplicationCommands, KeepsFilesUntilTheWebApplicationIsReady) {
+  CInitialFilesContainer& container = CInitialFilesContainer::instance();
+  container.set({"/a"}, true, false);
+  commands_.openFiles({"/b"});
+  client = nullptr;
+  commands_.openFiles({"/c", "/d"});
+  EXPECT_EQ(container.files(), (std::vector<std::string>{"/a", "/b", "/c", "/d"}));
+  container.set({}, true, false);
+}
+
+TEST_F(ApplicationCommands, QuittingAsksTheBrowsersToClose) {
+  const auto browser = openBrowser();
+  commands_.quit();
+  EXPECT_EQ(browser->host->closeCalls, std::vector<bool>{false});
+  EXPECT_EQ(framework.quitCalls(), 0);
+}
+
+TEST_F(ApplicationCommands, WithoutABrowserQuittingEndsTheMessageLoop) {
+  commands_.quit();
+  client = nullptr;
+  commands_.quit();
+  EXPECT_EQ(framework.quitCalls(), 2);
+  commands_.newMessage();
+  commands_.newShare();
+}
+
+}  // namespace
+}  // namespace zantrio

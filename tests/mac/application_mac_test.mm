@@ -6,7 +6,6 @@
 #include "mac/fakes/client_fake.h"
 #include "mac/fakes/core_foundation_fake.h"
 #include "mac/fakes/framework_fake.h"
-#include "mac/gnustep_home.h"
 #include "mac/mac_fixture.h"
 #include "platform/mac/application_delegate_mac.h"
 #include "platform/mac/main_mac.h"
@@ -170,8 +169,11 @@ int main(int argc, char** argv) {
   if (testing::GTEST_FLAG(list_tests)) {
     return RUN_ALL_TESTS();
   }
-  const zantrio::mac_test::GnustepHome home;
   const zantrio::mac_test::Display display;
+  @autoreleasepool {
+    // The first one lets GNUstep log what it finds of the display.
+    const zantrio::CApplicationMac first(std::make_unique<zantrio::mac_test::RecordingCommands>());
+  }
   @autoreleasepool {
     return RUN_ALL_TESTS();
   }

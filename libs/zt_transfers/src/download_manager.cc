@@ -122,12 +122,13 @@ void CDownloadManager::queueFiles(std::int32_t groupId,
 
 void CDownloadManager::dequeueFiles(std::int32_t groupId,
                                     const std::vector<FileDownloadDetails>& files) {
-  std::vector<std::string> fileIds;
-  fileIds.reserve(files.size());
-  for (const FileDownloadDetails& file : files) {
-    fileIds.push_back(file.fileId);
-  }
-  impl_->core.openEngine().dequeueFiles(groupId, fileIds);
+  inPortions(files, [&](auto begin, auto end) {
+    std::vector<std::string> fileIds;
+    fileIds.reserve(kFilesAtOnce);
+    std::transform(begin, end, std::back_inserter(fileIds),
+                   [](const auto& file) { return file.fileId; });
+    impl_->core.openEngine().dequeueFiles(groupId, fileIds);
+  });
 }
 
 void CDownloadManager::pauseGroup(std::int32_t groupId) {

@@ -113,12 +113,13 @@ void CUploadManager::queueFiles(std::int32_t groupId, const std::vector<FileDesc
 }
 
 void CUploadManager::dequeueFile(std::int32_t groupId, const std::vector<FileDesc>& files) {
-  std::vector<std::string> fileIds;
-  fileIds.reserve(files.size());
-  for (const FileDesc& file : files) {
-    fileIds.push_back(file.fileId);
-  }
-  impl_->core.openEngine().dequeueFiles(groupId, fileIds);
+  inPortions(files, [&](auto begin, auto end) {
+    std::vector<std::string> fileIds;
+    fileIds.reserve(kFilesAtOnce);
+    std::transform(begin, end, std::back_inserter(fileIds),
+                   [](const auto& file) { return file.fileId; });
+    impl_->core.openEngine().dequeueFiles(groupId, fileIds);
+  });
 }
 
 void CUploadManager::markQueue(std::int32_t groupId) {

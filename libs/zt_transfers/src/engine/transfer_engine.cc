@@ -1,38 +1,8 @@
 #include "engine/transfer_engine.h"
 
-#include <algorithm>
-#include <limits>
 #include <utility>
 
-#include "engine/file_report.h"
-#include "text/url_parts.h"
-#include "text/wide_bytes.h"
-
 namespace zt_transfers {
-namespace {
-
-// Files that fail before they begin are worked off in portions, so that the lock is given free.
-constexpr int kStartsAtOnce = 512;
-
-// Files that have arrived and are being put in place, beside those that use the network.
-constexpr std::size_t kMostLanding = 256;
-
-// Of each group; the program should not drown in what failed before it was started.
-constexpr std::size_t kMostFailuresToldAnew = 1000;
-
-// What is kept of a file's phase: an attempt does not outlive the process.
-FilePhase kept(FilePhase phase) {
-  switch (phase) {
-    case FilePhase::kCompleted:
-    case FilePhase::kFailed:
-    case FilePhase::kRemoved:
-      return phase;
-    default:
-      return FilePhase::kWaiting;
-  }
-}
-
-}  // namespace
 
 CTransferEngine::CTransferEngine(Options options, const Surroundings& surroundings)
     : options_(std::move(options)),
@@ -41,87 +11,69 @@ CTransferEngine::CTransferEngine(Options options, const Surroundings& surroundin
       events_(surroundings.events),
       log_(surroundings.log),
       wake_([] {}),
-      retries_(options_.backoff),
-      reporter_(surroundings.events) {}
+      book_(options_.activity, clock_, store_, events_),
+      planner_(book_, store_, clock_, options_.backoff) {}
 
 void CTransferEngine::restore(std::int32_t lastGroupId, std::vector<RestoredGroup> groups) {
   const std::lock_guard lock(mutex_);
-  groups_.clear();
   unmeasured_.clear();
-  resumes_ = {};
-  lastGroupId_ = lastGroupId;
-  for (auto& [kept, files, resumes] : groups) {
-    const std::int32_t id = kept.identity.id;
-    lastGroupId_ = std::max(lastGroupId_, id);
-    auto group = std::make_unique<CTransferGroup>(std::move(kept.identity), options_.needsMark);
-    group->setPaused(kept.paused);
-    group->setMarked(kept.marked);
-    std::uint32_t index = 0;
-    for (const StoredState& file : files) {
-      group->appendKept(file.size, file.sizeKnown, file.phase);
-      if (!file.sizeKnown && file.phase == FilePhase::kWaiting) {
-        unmeasured_.add({id, index});
-      }
-      ++index;
-    }
-    for (const auto& [at, resume] : resumes) {
-      if (group->file(at).phase == FilePhase::kWaiting ||
-          group->file(at).phase == FilePhase::kFailed) {
-        resumes_.keep(*group, at, resume);
+  for (const auto& [kept, files, resumes] : groups) {
+    for (std::uint32_t index = 0; index < files.size(); ++index) {
+      if (!files[index].sizeKnown && files[index].phase == FilePhase::kWaiting) {
+        unmeasured_.add({kept.identity.id, index});
       }
     }
-    files = {};
-    groups_.emplace(id, std::move(group));
   }
+  book_.restore(lastGroupId, std::move(groups), options_.needsMark);
 }
 
 std::int32_t CTransferEngine::createGroup(GroupIdentity identity) {
   const std::lock_guard lock(mutex_);
-  if (lastGroupId_ == std::numeric_limits<std::int32_t>::max()) {
-    return -1;
-  }
-  identity.id = ++lastGroupId_;
-  auto group = std::make_unique<CTransferGroup>(std::move(identity), options_.needsMark);
-  keepGroup(*group);
-  reporter_.group(*group, clock_.now());
-  groups_.emplace(lastGroupId_, std::move(group));
-  return lastGroupId_;
+  const CTransferGroup* group = book_.create(std::move(identity), options_.needsMark);
+  return group == nullptr ? -1 : group->id();
 }
 
 std::vector<GroupSnapshot> CTransferEngine::groups() const {
   const std::lock_guard lock(mutex_);
   const TimePoint now = clock_.now();
   std::vector<GroupSnapshot> shots;
-  shots.reserve(groups_.size());
-  for (const auto& [id, group] : groups_) {
-    shots.push_back(group->snapshot(running_, now));
+  shots.reserve(book_.groups().size());
+  for (const auto& [id, group] : book_.groups()) {
+    shots.push_back(group->snapshot(planner_.running(), now));
   }
   return shots;
 }
 
 std::optional<GroupSnapshot> CTransferEngine::group(std::int32_t groupId) const {
   const std::lock_guard lock(mutex_);
-  const auto found = groups_.find(groupId);
-  if (found == groups_.end()) {
+  const auto found = book_.groups().find(groupId);
+  if (found == book_.groups().end()) {
     return std::nullopt;
   }
-  return found->second->snapshot(running_, clock_.now());
+  return found->second->snapshot(planner_.running(), clock_.now());
 }
 
-void CTransferEngine::queueFiles(std::int32_t groupId, const std::vector<FileSpec>& specs) {
+void CTransferEngine::change(std::int32_t groupId,
+                             const std::function<void(CTransferGroup&)>& change) {
   {
     const std::lock_guard lock(mutex_);
-    CTransferGroup* group = find(groupId);
+    CTransferGroup* group = book_.find(groupId);
     if (group == nullptr || group->cancelled()) {
       return;
     }
-    for (const FileSpec& spec : specs) {
-      queueFile(*group, spec);
-    }
-    list(*group);
-    reporter_.group(*group, clock_.now());
+    change(*group);
+    planner_.list(*group);
+    book_.tell(*group);
   }
   wake_();
+}
+
+void CTransferEngine::queueFiles(std::int32_t groupId, const std::vector<FileSpec>& specs) {
+  change(groupId, [&](CTransferGroup& group) {
+    for (const FileSpec& spec : specs) {
+      queueFile(group, spec);
+    }
+  });
 }
 
 void CTransferEngine::queueFile(CTransferGroup& group, const FileSpec& spec) {
@@ -145,126 +97,79 @@ void CTransferEngine::requeueFile(CTransferGroup& group, std::uint32_t index,
   if (phase == FilePhase::kRunning) {
     return;
   }
-  // A renewed URL may go on with what is there, another place may not.
+  // A renewed URL may go on with what is there, another place may not. What lies on disk only was
+  // not asked for its place; its partial file is checked before it is used, wherever it is.
   if (store_.place({group.id(), index}).value_or(spec.place) != spec.place) {
-    discardRest(group, index);
+    book_.discardRest(group, index);
   }
   store_.replace({group.id(), index}, spec);
   group.forgetRetries(index);
   if (phase == FilePhase::kCompleted || phase == FilePhase::kFailed) {
-    moveFile(group, index, FilePhase::kWaiting);
+    book_.move(group, index, FilePhase::kWaiting);
   }
   if (options_.measuresSources) {
     unmeasured_.add({group.id(), index});
   } else {
-    group.setSize(index, spec.size);
-    keepFile(group, index);
+    book_.setSize(group, index, spec.size);
   }
 }
 
 void CTransferEngine::dequeueFiles(std::int32_t groupId, const std::vector<std::string>& fileIds) {
-  {
-    const std::lock_guard lock(mutex_);
-    CTransferGroup* group = find(groupId);
-    if (group == nullptr || group->cancelled()) {
-      return;
-    }
+  change(groupId, [&](CTransferGroup& group) {
     for (const std::string& fileId : fileIds) {
-      const auto index = store_.find(groupId, fileId);
-      if (!index) {
-        continue;
+      if (const auto index = store_.find(groupId, fileId)) {
+        book_.remove(group, *index);
       }
-      if (const Job* job = jobs_.findFile({groupId, *index})) {
-        stopJob(job->id, *group, Rest::kForget);
-      }
-      discardRest(*group, *index);
-      group->changePhase(*index, FilePhase::kRemoved);
-      store_.remove({groupId, *index});
     }
-    reporter_.group(*group, clock_.now());
-  }
-  wake_();
+  });
 }
 
 void CTransferEngine::setMarked(std::int32_t groupId, bool marked) {
-  const std::lock_guard lock(mutex_);
-  if (CTransferGroup* group = find(groupId)) {
-    group->setMarked(marked);
-    keepGroup(*group);
-    reporter_.group(*group, clock_.now());
-  }
+  change(groupId, [&](CTransferGroup& group) {
+    group.setMarked(marked);
+    book_.keep(group);
+  });
 }
 
 void CTransferEngine::pauseGroup(std::int32_t groupId) {
-  {
-    const std::lock_guard lock(mutex_);
-    CTransferGroup* group = find(groupId);
-    if (group == nullptr || group->cancelled()) {
-      return;
+  change(groupId, [&](CTransferGroup& group) {
+    group.setPaused(true);
+    book_.keep(group);
+    book_.hold(group, FilePhase::kPaused, false);
+    for (const std::uint32_t index : group.backingOff()) {
+      book_.move(group, index, FilePhase::kPaused);
     }
-    group->setPaused(true);
-    keepGroup(*group);
-    holdJobs(*group, FilePhase::kPaused);
-    for (const std::uint32_t index : group->backingOff()) {
-      moveFile(*group, index, FilePhase::kPaused);
-    }
-    reporter_.group(*group, clock_.now());
-  }
-  wake_();
+  });
 }
 
 void CTransferEngine::resumeGroup(std::int32_t groupId) {
-  {
-    const std::lock_guard lock(mutex_);
-    CTransferGroup* group = find(groupId);
-    if (group == nullptr || group->cancelled()) {
-      return;
-    }
-    group->setPaused(false);
-    keepGroup(*group);
-    group->pace.notBefore = TimePoint{};
-    group->pace.troubles = 0;
-    for (const std::uint32_t index : group->takePaused()) {
-      if (group->file(index).phase == FilePhase::kPaused) {
-        moveFile(*group, index, FilePhase::kWaiting);
+  change(groupId, [&](CTransferGroup& group) {
+    group.setPaused(false);
+    book_.keep(group);
+    group.pace.notBefore = TimePoint{};
+    group.pace.troubles = 0;
+    for (const std::uint32_t index : group.takePaused()) {
+      if (group.file(index).phase == FilePhase::kPaused) {
+        book_.move(group, index, FilePhase::kWaiting);
       }
     }
-    for (const std::uint32_t index : group->takeFailed()) {
-      if (group->file(index).phase == FilePhase::kFailed) {
-        group->forgetRetries(index);
-        moveFile(*group, index, FilePhase::kWaiting);
+    for (const std::uint32_t index : group.takeFailed()) {
+      if (group.file(index).phase == FilePhase::kFailed) {
+        group.forgetRetries(index);
+        book_.move(group, index, FilePhase::kWaiting);
       }
     }
-    list(*group);
-    reporter_.group(*group, clock_.now());
-  }
-  wake_();
+  });
 }
 
 void CTransferEngine::cancelGroup(std::int32_t groupId) {
-  {
-    const std::lock_guard lock(mutex_);
-    CTransferGroup* group = find(groupId);
-    if (group == nullptr || group->cancelled()) {
-      return;
-    }
-    for (const JobId id : jobs_.ofGroup(groupId)) {
-      stopJob(id, *group, Rest::kForget);
-    }
-    for (auto& [index, resume] : resumes_.takeAll(*group)) {
-      leftovers_.push_back({bytesOf(group->identity().folder), std::move(resume)});
-    }
-    group->setCancelled();
-    store_.removeGroup(groupId);
-    reporter_.group(*group, clock_.now());
-  }
-  wake_();
+  change(groupId, [&](CTransferGroup& group) { book_.cancel(group); });
 }
 
 void CTransferEngine::setSettings(const Settings& settings) {
   {
     const std::lock_guard lock(mutex_);
-    settings_ = settings;
+    planner_.setSettings(settings);
   }
   wake_();
 }
@@ -272,216 +177,67 @@ void CTransferEngine::setSettings(const Settings& settings) {
 void CTransferEngine::start() {
   {
     const std::lock_guard lock(mutex_);
-    running_ = true;
-    reporter_.setRunning(true);
-    for (auto entry = groups_.begin(); entry != groups_.end();) {
-      if (entry->second->cancelled()) {
-        reporter_.forget(entry->first);
-        entry = groups_.erase(entry);
-        continue;
-      }
-      list(*entry->second);
-      reporter_.groupAnew(*entry->second, clock_.now());
-      tellFailuresAnew(*entry->second);
-      ++entry;
+    planner_.start();
+    book_.reporter().setRunning(true);
+    book_.forgetCancelled();
+    for (const auto& [id, group] : book_.groups()) {
+      planner_.list(*group);
+      book_.tellAnew(*group);
     }
   }
   wake_();
 }
 
-void CTransferEngine::tellFailuresAnew(const CTransferGroup& group) {
-  std::size_t told = 0;
-  for (const std::uint32_t index : group.failed()) {
-    if (told == kMostFailuresToldAnew) {
-      return;
-    }
-    if (group.file(index).phase == FilePhase::kFailed) {
-      reporter_.file(fileState(group, index));
-      ++told;
-    }
-  }
-}
-
 void CTransferEngine::stop() {
   const std::lock_guard lock(mutex_);
-  running_ = false;
-  reporter_.setRunning(false);
-  for (auto& [id, group] : groups_) {
-    holdJobs(*group, FilePhase::kWaiting);
+  planner_.stop();
+  book_.reporter().setRunning(false);
+  for (const auto& [id, group] : book_.groups()) {
+    book_.hold(*group, FilePhase::kWaiting, true);
     for (const std::uint32_t index : group->backingOff()) {
       group->changePhase(index, FilePhase::kWaiting);
     }
     group->pace = {};
   }
-  stops_.clear();
-  schedule_.clearRound();
-  schedule_.clearDues();
+  book_.takeStops();  // nothing runs
 }
 
 CTransferEngine::Work CTransferEngine::takeWork() {
-  Work work = decideWork(events_.congested());
+  const bool congested = events_.congested();
+  Work work;
+  {
+    const std::lock_guard lock(mutex_);
+    work = planner_.takeWork(congested);
+  }
   for (const std::string& failure : work.failures) {
     log_.error(failure);
   }
   return work;
 }
 
-CTransferEngine::Work CTransferEngine::decideWork(bool congested) {
-  const std::lock_guard lock(mutex_);
-  Work work;
-  work.stops = std::exchange(stops_, {});
-  work.leftovers = std::exchange(leftovers_, {});
-  if (!running_) {
-    return work;
-  }
-  wakeRetries();
-  if (!congested) {
-    startReady(work);
-  }
-  if (!work.nextDue) {
-    work.nextDue = schedule_.nextDue();
-  }
-  return work;
-}
-
-void CTransferEngine::wakeRetries() {
-  const TimePoint now = clock_.now();
-  while (const auto due = schedule_.takeDue(now)) {
-    CTransferGroup* group = find(due->file.groupId);
-    if (group == nullptr || group->cancelled()) {
-      continue;
-    }
-    if (!due->wholeGroup && group->file(due->file.index).phase == FilePhase::kBackingOff) {
-      group->changePhase(due->file.index, FilePhase::kWaiting);
-    }
-    list(*group);
-  }
-}
-
-void CTransferEngine::startReady(Work& work) {
-  const std::size_t most = std::max<std::uint32_t>(settings_.maxConcurrent, 1);
-  const TimePoint now = clock_.now();
-  const auto hasRoom = [&] {
-    return jobs_.transferring() < most && jobs_.size() < most + kMostLanding;
-  };
-  for (int starts = 0; hasRoom(); ++starts) {
-    if (starts == kStartsAtOnce) {
-      work.nextDue = now;
-      return;
-    }
-    const auto groupId = schedule_.takeFromRound();
-    if (!groupId) {
-      return;
-    }
-    CTransferGroup* group = find(*groupId);
-    if (group == nullptr) {
-      continue;
-    }
-    group->pace.listed = false;
-    if (group->paused() || group->cancelled()) {
-      continue;
-    }
-    if (group->pace.notBefore > now) {
-      schedule_.addDue({group->pace.notBefore, {*groupId, 0}, true});
-      continue;
-    }
-    if (startNext(*group, work)) {
-      list(*group);
-    }
-  }
-}
-
-// Begins the group's next file; false when none waits.
-bool CTransferEngine::startNext(CTransferGroup& group, Work& work) {
-  const auto index = group.takeWaiting();
-  if (!index) {
-    return false;
-  }
-  if (expired(group.identity().tokenExpires)) {
-    failWaiting(group, *index, "the group's token has expired", work);
-    return true;
-  }
-  auto spec = store_.spec({group.id(), *index});
-  if (!spec) {
-    if (store_.bring({group.id(), *index})) {
-      group.putBack(*index);
-      return false;  // specsArrived lists the group again
-    }
-    failWaiting(group, *index, "its description cannot be read", work);
-    return true;
-  }
-  if (expired(spec->expires)) {
-    failWaiting(group, *index, "its URL has expired", work);
-    return true;
-  }
-  Job& job = jobs_.add({group.id(), *index}, clock_.now());
-  job.counted = resumes_.counted(job.file);
-  StartOrder order;
-  order.resume = resumes_.take(group, *index);
-  order.folder = bytesOf(group.identity().folder);
-  group.addInFlight(job.counted);
-  job.progress->bytes = job.counted;
-  job.progress->setResume(order.resume);
-  order.job = job.id;
-  order.file = job.file;
-  order.spec = std::move(*spec);
-  order.verify = settings_.verify;
-  order.proxy = settings_.proxy;
-  order.parts = settings_.parts;
-  order.progress = job.progress;
-  moveFile(group, *index, FilePhase::kRunning);
-  reporter_.group(group, clock_.now());
-  work.starts.push_back(std::move(order));
-  return true;
-}
-
-void CTransferEngine::failWaiting(CTransferGroup& group, std::uint32_t index,
-                                  const std::string& reason, Work& work) {
-  work.failures.push_back(fileText(group, index) + ": failed: " + reason);
-  moveFile(group, index, FilePhase::kFailed);
-  reporter_.group(group, clock_.now());
-}
-
-void CTransferEngine::specsArrived(std::int32_t groupId) {
-  {
-    const std::lock_guard lock(mutex_);
-    unmeasured_.goOn();
-    CTransferGroup* group = find(groupId);
-    if (group != nullptr && !group->cancelled()) {
-      list(*group);
-    }
-  }
-  wake_();
-}
-
-bool CTransferEngine::expired(std::uint64_t time) const {
-  return time != 0 && static_cast<std::uint64_t>(clock_.secondsSince1970()) >= time;
-}
-
 void CTransferEngine::onAttemptDone(JobId id, const AttemptOutcome& outcome) {
+  const bool done = outcome.kind == AttemptOutcome::Kind::kDone;
   std::string message;
   {
     const std::lock_guard lock(mutex_);
-    Job* job = jobs_.find(id);
+    Job* job = book_.jobs().find(id);
     if (job == nullptr) {
       return;  // stopped in the meantime
     }
     const FileRef file = job->file;
-    CTransferGroup& group = *groups_.at(file.groupId);
+    CTransferGroup& group = *book_.find(file.groupId);
     foldProgress(*job, group, clock_.now());
-    const bool done = outcome.kind == AttemptOutcome::Kind::kDone;
-    endJob(*job, group, done ? Rest::kForget : Rest::kKeep);
-    message = settle(group, file.index, outcome);
-    list(group);
-    reporter_.group(group, clock_.now());
+    book_.end(*job, group, done ? CTransferBook::Rest::kForget : CTransferBook::Rest::kKeep);
+    message = planner_.settle(group, file.index, outcome);
+    planner_.list(group);
+    book_.tell(group);
   }
-  const bool done = outcome.kind == AttemptOutcome::Kind::kDone;
   log_.write(done ? ILog::Priority::kInformation : ILog::Priority::kWarning, message);
 }
 
 void CTransferEngine::onAttemptCheckpoint(JobId id) {
   const std::lock_guard lock(mutex_);
-  if (const Job* job = jobs_.find(id)) {
+  if (const Job* job = book_.jobs().find(id)) {
     store_.saveResume(job->file, job->progress->resume());
   }
 }
@@ -489,7 +245,7 @@ void CTransferEngine::onAttemptCheckpoint(JobId id) {
 bool CTransferEngine::onAttemptLanding(JobId id) {
   {
     const std::lock_guard lock(mutex_);
-    Job* job = jobs_.find(id);
+    Job* job = book_.jobs().find(id);
     if (job == nullptr) {
       return false;
     }
@@ -499,67 +255,29 @@ bool CTransferEngine::onAttemptLanding(JobId id) {
   return true;
 }
 
-// Moves the file on by the attempt's outcome and gives the line for the log.
-std::string CTransferEngine::settle(CTransferGroup& group, std::uint32_t index,
-                                    const AttemptOutcome& outcome) {
-  if (outcome.kind == AttemptOutcome::Kind::kDone) {
-    group.pace.troubles = 0;
-    const std::string text = fileText(group, index);
-    moveFile(group, index, FilePhase::kCompleted);
-    return text + ": completed";
-  }
-  const bool again = outcome.kind == AttemptOutcome::Kind::kRetry &&
-                     group.file(index).retries < settings_.maxRetries;
-  if (again) {
-    return scheduleRetry(group, index, outcome);
-  }
-  const std::string text = fileText(group, index);
-  moveFile(group, index, FilePhase::kFailed);
-  const std::string after =
-      outcome.kind == AttemptOutcome::Kind::kRetry
-          ? " after " + std::to_string(group.file(index).retries + 1) + " attempts"
-          : "";
-  return text + ": failed" + after + ": " + outcome.reason;
-}
-
-std::string CTransferEngine::scheduleRetry(CTransferGroup& group, std::uint32_t index,
-                                           const AttemptOutcome& outcome) {
-  const TimePoint now = clock_.now();
-  group.countRetry(index);
-  const std::uint32_t retry = group.file(index).retries;
-  const auto delay = retries_.delay(retry, outcome);
-  retries_.rest(group.pace, outcome, now);
-  moveFile(group, index, FilePhase::kBackingOff);
-  schedule_.addDue({now + delay, {group.id(), index}, false});
-  return fileText(group, index) + ": attempt " + std::to_string(retry) + " of " +
-         std::to_string(settings_.maxRetries + 1) + " failed, next in " +
-         std::to_string(delay.count()) + " ms: " + outcome.reason;
-}
-
 bool CTransferEngine::collectProgress() {
   const std::lock_guard lock(mutex_);
   const TimePoint now = clock_.now();
-  for (auto& [id, job] : jobs_) {
-    CTransferGroup& group = *groups_.at(job.file.groupId);
+  for (auto& [id, job] : book_.jobs()) {
+    CTransferGroup& group = *book_.find(job.file.groupId);
     if (foldProgress(job, group, now)) {
-      reporter_.group(group, now);
+      book_.tell(group);
     }
     if (job.counted != job.told && now - job.toldAt >= CReporter::kInterval) {
       job.told = job.counted;
       job.toldAt = now;
-      reporter_.file(fileState(group, job.file.index));
+      book_.reporter().file(book_.fileState(group, job.file.index));
     }
   }
-  reporter_.tellDue(
-      [this](std::int32_t groupId) { return static_cast<const CTransferGroup*>(find(groupId)); },
-      now);
-  return !jobs_.empty() || reporter_.hasDue();
+  book_.reporter().tellDue(
+      [this](std::int32_t groupId) -> const CTransferGroup* { return book_.find(groupId); }, now);
+  return !book_.jobs().empty() || book_.reporter().hasDue();
 }
 
 std::vector<CTransferEngine::Unmeasured> CTransferEngine::takeUnmeasured(std::size_t limit) {
   const std::lock_guard lock(mutex_);
   return unmeasured_.take(limit, store_, [this](FileRef file) {
-    const CTransferGroup* group = find(file.groupId);
+    const CTransferGroup* group = book_.find(file.groupId);
     return group != nullptr && !group->cancelled() &&
            group->file(file.index).phase == FilePhase::kWaiting;
   });
@@ -572,107 +290,34 @@ bool CTransferEngine::hasUnmeasured() const {
 
 void CTransferEngine::applySizes(const std::vector<Measured>& sizes) {
   const std::lock_guard lock(mutex_);
-  const TimePoint now = clock_.now();
   CTransferGroup* touched = nullptr;
   for (const auto& [file, size] : sizes) {
-    CTransferGroup* group = find(file.groupId);
+    CTransferGroup* group = book_.find(file.groupId);
     if (touched != nullptr && touched != group) {
-      reporter_.group(*touched, now);
+      book_.tell(*touched);
     }
     touched = group;
     // A file that was begun meanwhile knows better.
     if (group != nullptr && !group->cancelled() &&
         group->file(file.index).phase == FilePhase::kWaiting) {
-      group->setSize(file.index, size);
-      keepFile(*group, file.index);
+      book_.setSize(*group, file.index, size);
     }
   }
   if (touched != nullptr) {
-    reporter_.group(*touched, now);
+    book_.tell(*touched);
   }
 }
 
-CTransferGroup* CTransferEngine::find(std::int32_t groupId) {
-  const auto found = groups_.find(groupId);
-  return found == groups_.end() ? nullptr : found->second.get();
-}
-
-void CTransferEngine::moveFile(CTransferGroup& group, std::uint32_t index, FilePhase to) {
-  const FilePhase before = kept(group.file(index).phase);
-  group.changePhase(index, to);
-  if (kept(to) != before) {
-    keepFile(group, index);
-  }
-  reporter_.file(fileState(group, index));
-}
-
-void CTransferEngine::keepGroup(const CTransferGroup& group) {
-  if (!group.cancelled()) {
-    store_.saveGroup(
-        {.identity = group.identity(), .paused = group.paused(), .marked = group.marked()});
-  }
-}
-
-void CTransferEngine::keepFile(const CTransferGroup& group, std::uint32_t index) {
-  const FileSlot& slot = group.file(index);
-  store_.setState({group.id(), index},
-                  {.phase = kept(slot.phase), .size = slot.size, .sizeKnown = slot.sizeKnown});
-}
-
-void CTransferEngine::endJob(const Job& job, CTransferGroup& group, Rest rest) {
-  group.removeInFlight(job.counted);
-  if (rest == Rest::kKeep) {
-    const DownloadResume resume = job.progress->resume();
-    resumes_.keep(group, job.file.index, resume);
-    store_.saveResume(job.file, resume);
-  }
-  jobs_.erase(job.id);
-}
-
-void CTransferEngine::stopJob(JobId id, CTransferGroup& group, Rest rest) {
-  stops_.push_back({id, rest == Rest::kForget});
-  endJob(*jobs_.find(id), group, rest);
-}
-
-// Stops what uses the network of the group; its files go on to `then`.
-void CTransferEngine::holdJobs(CTransferGroup& group, FilePhase then) {
-  for (const JobId id : jobs_.ofGroup(group.id())) {
-    const Job& job = *jobs_.find(id);
-    const std::uint32_t index = job.file.index;
-    if (!job.landing || !running_) {
-      stopJob(id, group, Rest::kKeep);
-      moveFile(group, index, then);
+void CTransferEngine::specsArrived(std::int32_t groupId) {
+  {
+    const std::lock_guard lock(mutex_);
+    unmeasured_.goOn();
+    CTransferGroup* group = book_.find(groupId);
+    if (group != nullptr && !group->cancelled()) {
+      planner_.list(*group);
     }
   }
-}
-
-// Lets the network thread remove what attempts have left of a file.
-void CTransferEngine::discardRest(CTransferGroup& group, std::uint32_t index) {
-  DownloadResume resume = resumes_.take(group, index);
-  if (resume.begun()) {
-    leftovers_.push_back({bytesOf(group.identity().folder), std::move(resume)});
-    store_.saveResume({group.id(), index}, {});
-  }
-}
-
-FileState CTransferEngine::fileState(const CTransferGroup& group, std::uint32_t index) const {
-  const FileRef file{group.id(), index};
-  return reportOf(group, index, store_.fileId(file), jobs_.findFile(file), resumes_.counted(file),
-                  clock_.now());
-}
-
-void CTransferEngine::list(CTransferGroup& group) {
-  if (!group.pace.listed && running_ && group.count(FilePhase::kWaiting) != 0) {
-    group.pace.listed = true;
-    schedule_.addToRound(group.id());
-  }
-}
-
-std::string CTransferEngine::fileText(const CTransferGroup& group, std::uint32_t index) {
-  const FileRef file{group.id(), index};
-  const auto spec = store_.spec(file);
-  return options_.activity + " of file " + store_.fileId(file) + " of group " +
-         std::to_string(group.id()) + (spec ? " (" + loggableUrl(spec->url) + ")" : "");
+  wake_();
 }
 
 }  // namespace zt_transfers

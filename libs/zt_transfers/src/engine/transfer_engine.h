@@ -2,22 +2,18 @@
 
 #include <cstdint>
 #include <functional>
-#include <map>
-#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "engine/attempt.h"
-#include "engine/job_table.h"
 #include "engine/queue_store.h"
-#include "engine/reporter.h"
-#include "engine/resume_book.h"
-#include "engine/retry_plan.h"
-#include "engine/schedule.h"
+#include "engine/transfer_book.h"
 #include "engine/transfer_group.h"
 #include "engine/unmeasured_files.h"
+#include "engine/work.h"
+#include "engine/work_planner.h"
 #include "log/log.h"
 
 namespace zt_transfers {
@@ -36,26 +32,9 @@ class CTransferEngine final : public IAttemptObserver {
     bool measuresSources = true;      // sizes are found on this machine, see takeUnmeasured
     BackoffPolicy backoff{};
   };
-  struct Settings {
-    std::uint32_t maxConcurrent = 8;  // 0 counts as 1
-    std::uint32_t maxRetries = 5;
-    bool verify = true;
-    std::string proxy;
-    PartPolicy parts;
-  };
-  struct Stop {
-    JobId job = 0;
-    bool discard = false;
-    bool operator==(const Stop&) const = default;
-  };
-  // What the network thread is to do now, in this order.
-  struct Work {
-    std::vector<Stop> stops;
-    std::vector<Leftover> leftovers;
-    std::vector<StartOrder> starts;
-    std::vector<std::string> failures;  // lines for the log, written already
-    std::optional<TimePoint> nextDue;   // when to ask again, without another reason to
-  };
+  using Settings = TransferSettings;
+  using Stop = AttemptStop;
+  using Work = TransferWork;
   using Unmeasured = CUnmeasuredFiles::File;
   struct Measured {
     FileRef file;
@@ -118,32 +97,10 @@ class CTransferEngine final : public IAttemptObserver {
   void specsArrived(std::int32_t groupId);
 
  private:
-  CTransferGroup* find(std::int32_t groupId);
+  // Does this to a group that is there and not cancelled.
+  void change(std::int32_t groupId, const std::function<void(CTransferGroup&)>& change);
   void queueFile(CTransferGroup& group, const FileSpec& spec);
   void requeueFile(CTransferGroup& group, std::uint32_t index, const FileSpec& spec);
-  void moveFile(CTransferGroup& group, std::uint32_t index, FilePhase to);
-  void keepGroup(const CTransferGroup& group);
-  void keepFile(const CTransferGroup& group, std::uint32_t index);
-  enum class Rest { kKeep, kForget };  // what becomes of a partial file
-  void endJob(const Job& job, CTransferGroup& group, Rest rest);
-  void stopJob(JobId id, CTransferGroup& group, Rest rest);
-  void holdJobs(CTransferGroup& group, FilePhase then);
-  void discardRest(CTransferGroup& group, std::uint32_t index);
-  Work decideWork(bool congested);
-  void startReady(Work& work);
-  bool startNext(CTransferGroup& group, Work& work);
-  // `time` in seconds since 1970; 0: never
-  bool expired(std::uint64_t time) const;
-  void failWaiting(CTransferGroup& group, std::uint32_t index, const std::string& reason,
-                   Work& work);
-  void tellFailuresAnew(const CTransferGroup& group);
-  std::string settle(CTransferGroup& group, std::uint32_t index, const AttemptOutcome& outcome);
-  std::string scheduleRetry(CTransferGroup& group, std::uint32_t index,
-                            const AttemptOutcome& outcome);
-  void wakeRetries();
-  FileState fileState(const CTransferGroup& group, std::uint32_t index) const;
-  void list(CTransferGroup& group);
-  std::string fileText(const CTransferGroup& group, std::uint32_t index);
 
   // Constant after construction.
   const Options options_;
@@ -155,18 +112,9 @@ class CTransferEngine final : public IAttemptObserver {
 
   mutable std::mutex mutex_;
   // Guarded by mutex_.
-  Settings settings_;
-  bool running_ = false;
-  std::int32_t lastGroupId_ = 0;
-  std::map<std::int32_t, std::unique_ptr<CTransferGroup>> groups_;
-  CJobTable jobs_;
-  CResumeBook resumes_;
-  std::vector<Stop> stops_;
-  std::vector<Leftover> leftovers_;
-  CSchedule schedule_;
-  CRetryPlan retries_;
+  CTransferBook book_;
+  CWorkPlanner planner_;
   CUnmeasuredFiles unmeasured_;
-  CReporter reporter_;
 };
 
 }  // namespace zt_transfers

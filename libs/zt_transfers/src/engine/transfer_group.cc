@@ -76,6 +76,15 @@ void CTransferGroup::setSize(std::uint32_t index, std::uint64_t size) {
   slot.sizeKnown = true;
 }
 
+void CTransferGroup::setCancelled() {
+  isCancelled_ = true;
+  files_.clear();
+  returned_.clear();
+  paused_.clear();
+  failed_.clear();
+  backingOff_.clear();
+}
+
 std::optional<std::uint32_t> CTransferGroup::takeWaiting() {
   while (!returned_.empty()) {
     const std::uint32_t index = returned_.front();

@@ -83,7 +83,8 @@ class CTransferGroup {
 
   void setPaused(bool paused) { isPaused_ = paused; }
   void setMarked(bool marked) { isMarked_ = marked; }
-  void setCancelled() { isCancelled_ = true; }
+  // The counters stay as they are, the files are gone. No attempt may be under way.
+  void setCancelled();
   bool paused() const { return isPaused_; }
   bool marked() const { return isMarked_; }
   bool cancelled() const { return isCancelled_; }

@@ -61,10 +61,10 @@ class CDamageTest : public CStoredQueueTest {
     }
     return files;
   }
-  void fill() {
+  void fill(int files = 2000) {
     auto queue = opened();
     queue->store().saveGroup(group(1));
-    for (int number = 0; number < 2000; ++number) {
+    for (int number = 0; number < files; ++number) {
       queue->store().append(1, spec("file" + std::to_string(number)), {});
     }
     ASSERT_TRUE(queue->close());
@@ -98,6 +98,26 @@ INSTANTIATE_TEST_SUITE_P(Kinds, DamagedDatabase, ::testing::ValuesIn(kDamages),
                          [](const auto& damage) { return std::string(damage.param.name); });
 
 class UnreadableDescriptions : public CDamageTest {};
+
+TEST_F(UnreadableDescriptions, SetTheDatabaseAsideWhenItIsClosed) {
+  constexpr std::uint32_t kFiles = 60'000;  // more than SQLite keeps in memory
+  fill(kFiles);
+  auto queue = opened();
+  ASSERT_EQ(found.groups.size(), 1U);
+  const auto size = fs::file_size(path());
+  overwrite(path(), size / 4, size / 2, '\x5A');
+  bool allRead = true;
+  for (std::uint32_t index = 0; index < kFiles && allRead; index += 100) {
+    allRead = fetched(queue->store(), {1, index}).has_value();
+  }
+  EXPECT_FALSE(allRead);
+  EXPECT_THAT(log.text(), HasSubstr("cannot be read from the queue"));
+  queue->close();
+  queue.reset();
+  EXPECT_EQ(setAside().size(), 1U);
+  opened();
+  EXPECT_TRUE(found.groups.empty());
+}
 
 // Where checking all of it would take too long, damage shows when a page is read.
 TEST_F(UnreadableDescriptions, AreToldAndCanBeReplaced) {

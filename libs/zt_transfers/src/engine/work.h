@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "engine/attempt.h"
+#include "pace/clock.h"
+
+namespace zt_transfers {
+
+// How transfers are to be made, from the program's configuration.
+struct TransferSettings {
+  std::uint32_t maxConcurrent = 8;  // 0 counts as 1
+  std::uint32_t maxRetries = 5;
+  bool verify = true;
+  std::string proxy;
+  PartPolicy parts{};
+};
+
+struct AttemptStop {
+  JobId job = 0;
+  bool discard = false;
+  bool operator==(const AttemptStop&) const = default;
+};
+
+// What the network thread is to do now, in this order.
+struct TransferWork {
+  std::vector<AttemptStop> stops;
+  std::vector<Leftover> leftovers;
+  std::vector<StartOrder> starts;
+  std::vector<std::string> failures;  // lines for the log, written already
+  std::optional<TimePoint> nextDue;   // when to ask again, without another reason to
+};
+
+}  // namespace zt_transfers

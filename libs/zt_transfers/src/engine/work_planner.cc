@@ -1,0 +1,171 @@
+#include "engine/work_planner.h"
+
+#include <algorithm>
+
+namespace zt_transfers {
+namespace {
+
+// Files that fail before they begin are worked off in portions, so that the lock is given free.
+constexpr int kStartsAtOnce = 512;
+
+// Files that have arrived and are being put in place, beside those that use the network.
+constexpr std::size_t kMostLanding = 256;
+
+}  // namespace
+
+void CWorkPlanner::stop() {
+  running_ = false;
+  schedule_.clearRound();
+  schedule_.clearDues();
+}
+
+void CWorkPlanner::list(CTransferGroup& group) {
+  if (!group.pace.listed && running_ && group.count(FilePhase::kWaiting) != 0) {
+    group.pace.listed = true;
+    schedule_.addToRound(group.id());
+  }
+}
+
+TransferWork CWorkPlanner::takeWork(bool congested) {
+  TransferWork work;
+  work.stops = book_.takeStops();
+  work.leftovers = book_.takeLeftovers();
+  if (!running_) {
+    return work;
+  }
+  wakeRetries();
+  if (!congested) {
+    beginReady(work);
+  }
+  if (!work.nextDue) {
+    work.nextDue = schedule_.nextDue();
+  }
+  return work;
+}
+
+void CWorkPlanner::wakeRetries() {
+  const TimePoint now = clock_.now();
+  while (const auto due = schedule_.takeDue(now)) {
+    CTransferGroup* group = book_.find(due->file.groupId);
+    if (group == nullptr || group->cancelled()) {
+      continue;
+    }
+    if (!due->wholeGroup && group->file(due->file.index).phase == FilePhase::kBackingOff) {
+      group->changePhase(due->file.index, FilePhase::kWaiting);
+    }
+    list(*group);
+  }
+}
+
+void CWorkPlanner::beginReady(TransferWork& work) {
+  const std::size_t most = std::max<std::uint32_t>(settings_.maxConcurrent, 1);
+  const TimePoint now = clock_.now();
+  const auto hasRoom = [&] {
+    return book_.jobs().transferring() < most && book_.jobs().size() < most + kMostLanding;
+  };
+  for (int starts = 0; hasRoom(); ++starts) {
+    if (starts == kStartsAtOnce) {
+      work.nextDue = now;
+      return;
+    }
+    const auto groupId = schedule_.takeFromRound();
+    if (!groupId) {
+      return;
+    }
+    CTransferGroup* group = book_.find(*groupId);
+    if (group == nullptr) {
+      continue;
+    }
+    group->pace.listed = false;
+    if (group->paused() || group->cancelled()) {
+      continue;
+    }
+    if (group->pace.notBefore > now) {
+      schedule_.addDue({group->pace.notBefore, {*groupId, 0}, true});
+      continue;
+    }
+    if (beginNext(*group, work)) {
+      list(*group);
+    }
+  }
+}
+
+// False when none waits, or its description has yet to come.
+bool CWorkPlanner::beginNext(CTransferGroup& group, TransferWork& work) {
+  const auto index = group.takeWaiting();
+  if (!index) {
+    return false;
+  }
+  if (expired(group.identity().tokenExpires)) {
+    failWaiting(group, *index, "the group's token has expired", work);
+    return true;
+  }
+  auto spec = store_.spec({group.id(), *index});
+  if (!spec) {
+    if (store_.bring({group.id(), *index})) {
+      group.putBack(*index);
+      return false;  // the engine is told when it comes
+    }
+    failWaiting(group, *index, "its description cannot be read", work);
+    return true;
+  }
+  if (expired(spec->expires)) {
+    failWaiting(group, *index, "its URL has expired", work);
+    return true;
+  }
+  StartOrder& order = work.starts.emplace_back(book_.begin(group, *index, std::move(*spec)));
+  order.verify = settings_.verify;
+  order.proxy = settings_.proxy;
+  order.parts = settings_.parts;
+  book_.tell(group);
+  return true;
+}
+
+void CWorkPlanner::failWaiting(CTransferGroup& group, std::uint32_t index,
+                               const std::string& reason, TransferWork& work) {
+  work.failures.push_back(book_.fileText(group, index) + ": failed: " + reason);
+  book_.move(group, index, FilePhase::kFailed);
+  book_.tell(group);
+}
+
+bool CWorkPlanner::expired(std::uint64_t time) const {
+  return time != 0 && static_cast<std::uint64_t>(clock_.secondsSince1970()) >= time;
+}
+
+std::string CWorkPlanner::settle(CTransferGroup& group, std::uint32_t index,
+                                 const AttemptOutcome& outcome) {
+  if (outcome.kind == AttemptOutcome::Kind::kDone) {
+    group.pace.troubles = 0;
+    const std::string text = book_.fileText(group, index);
+    book_.move(group, index, FilePhase::kCompleted);
+    return text + ": completed";
+  }
+  const bool again = outcome.kind == AttemptOutcome::Kind::kRetry &&
+                     group.file(index).retries < settings_.maxRetries;
+  if (again) {
+    return scheduleRetry(group, index, outcome);
+  }
+  const std::string text = book_.fileText(group, index);
+  book_.move(group, index, FilePhase::kFailed);
+  const std::string after =
+      outcome.kind == AttemptOutcome::Kind::kRetry
+          ? " after " + std::to_string(group.file(index).retries + 1) + " attempts"
+          : "";
+  return text + ": failed" + after + ": " + outcome.reason;
+}
+
+std::string CWorkPlanner::scheduleRetry(CTransferGroup& group, std::uint32_t index,
+                                        const AttemptOutcome& outcome) {
+  const TimePoint now = clock_.now();
+  group.countRetry(index);
+  const std::uint32_t retry = group.file(index).retries;
+  const auto delay = retries_.delay(retry, outcome);
+  retries_.rest(group.pace, outcome, now);
+  book_.move(group, index, FilePhase::kBackingOff);
+  schedule_.addDue({now + delay, {group.id(), index}, false});
+  return book_.fileText(group, index) + ": attempt " + std::to_string(retry) + " of " +
+         std::to_string(settings_.maxRetries + 1) + " failed, next in " +
+         std::to_string(delay.count()) + " ms: " + outcome.reason;
+}
+
+}  // namespace zt_transfers

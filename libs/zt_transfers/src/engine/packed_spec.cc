@@ -10,6 +10,7 @@ namespace {
 
 std::string packed(const FileSpec& spec) {
   CPacker packer;
+  packer.reserve(spec.place.size() + spec.url.size() + spec.contentMd5.size() + 64);
   packer.text(spec.place);
   packer.text(spec.url);
   packer.number(spec.headers.size());

@@ -11,6 +11,7 @@ namespace zt_transfers {
 // length and their bytes.
 class CPacker {
  public:
+  void reserve(std::size_t bytes) { bytes_.reserve(bytes); }
   void number(std::uint64_t value) {
     while (value >= 0x80) {
       bytes_.push_back(static_cast<char>(value | 0x80));

@@ -119,8 +119,8 @@ void CManagerCore::startup() {
   engine_.start();
   notifier_.start();
   pool_.start(poolSize());
+  loop_.throttle().setRate(throttle_, clock_.now());  // before anything is begun
   loop_.start([this] { return turn(); }, [this] { runner_->stopAll(); });
-  loop_.post([this, rate = throttle_] { loop_.throttle().setRate(rate, clock_.now()); });
 }
 
 void CManagerCore::shutdown() {

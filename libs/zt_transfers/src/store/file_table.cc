@@ -56,14 +56,13 @@ void CFileTable::failWrite(std::uint32_t at) {
   entry.unwritten = !entry.spec.empty();
 }
 
-bool CFileTable::release(std::uint32_t at) {
+CPackedSpec CFileTable::release(std::uint32_t at) {
   Entry& entry = entries_.at(at);
   if (!entry.durable) {
-    return false;
+    return {};
   }
   setDurable(entry, false);
-  entry.spec.reset();
-  return true;
+  return std::move(entry.spec);
 }
 
 void CFileTable::forget(std::uint32_t at) {

@@ -51,8 +51,8 @@ class CFileTable {
   bool endWrite(std::uint32_t at);
   // It is not, and has to be written again.
   void failWrite(std::uint32_t at);
-  // Gives the memory of a description free that is on disk; false when it is needed.
-  bool release(std::uint32_t at);
+  // Gives a description away that is on disk; an empty one when it is needed here.
+  CPackedSpec release(std::uint32_t at);
   // It is needed no longer, neither here nor on disk.
   void forget(std::uint32_t at);
 

@@ -31,7 +31,9 @@ void CQueueStore::note(Kind kind, FileRef file, const StoredState& state) {
   if (listener_) {
     changes_.push_back({kind, file, state});
     ++noted_;
-    listener_->changed();
+    if (changes_.size() == 1) {
+      listener_->changed();
+    }
   }
 }
 
@@ -188,9 +190,9 @@ void CQueueStore::restoreResume(FileRef file) {
   resumes_.insert({file.groupId, file.index});
 }
 
-bool CQueueStore::hasChanges() const {
+std::size_t CQueueStore::changesWaiting() const {
   const std::lock_guard lock(mutex_);
-  return !changes_.empty();
+  return changes_.size();
 }
 
 std::uint64_t CQueueStore::changesNoted() const {
@@ -205,51 +207,71 @@ std::uint64_t CQueueStore::changesTaken() const {
 
 QueueBatch CQueueStore::collect(std::size_t most) {
   QueueBatch batch;
-  const std::lock_guard lock(mutex_);
-  const std::size_t count = std::min(most, changes_.size());
-  batch.writes.reserve(count);
-  for (std::size_t done = 0; done < count; ++done) {
-    QueueWrite write{.change = changes_.front()};
-    changes_.pop_front();
-    const auto [kind, file, state] = write.change;
-    CFileTable* files = table(file.groupId);
-    if (kind == Kind::kGroup) {
-      const auto changed = changedGroups_.extract(file.groupId);
-      if (!changed) {
-        continue;  // written with an earlier change
-      }
-      write.group = &batch.groups.emplace_back(std::move(changed.mapped()));
-    } else if (kind != Kind::kGroupRemoved && files == nullptr) {
-      continue;  // gone with its group
-    }
-    if (kind == Kind::kResume) {
-      const auto changed = changedResumes_.extract({file.groupId, file.index});
-      if (!changed) {
-        continue;  // written with an earlier change
-      }
-      write.resume = CTextArena::at(batch.texts.add(changed.mapped()));
-    }
-    if (kind == Kind::kFile) {
-      write.fileId = CTextArena::at(batch.texts.add(files->fileId(file.index)));
-    }
-    if ((kind == Kind::kFile || kind == Kind::kSpec) && files->beginWrite(file.index)) {
-      write.spec = CTextArena::at(batch.texts.add(files->spec(file.index).bytes()));
-    }
-    batch.writes.push_back(write);
+  batch.writes.reserve(most);
+  for (std::size_t done = 0; done < most; done += kAtOnce) {
+    const std::lock_guard lock(mutex_);
+    collectSome(batch, std::min(most - done, kAtOnce));
   }
   return batch;
 }
 
-void CQueueStore::written(const QueueBatch& batch) {
-  const std::lock_guard lock(mutex_);
-  for (const QueueWrite& write : batch.writes) {
-    const FileRef file = write.change.file;
-    CFileTable* files = table(file.groupId);
-    if (files == nullptr || write.spec.empty() || !files->endWrite(file.index)) {
-      continue;
+void CQueueStore::collectSome(QueueBatch& batch, std::size_t most) {
+  for (std::size_t done = 0; done < most && !changes_.empty(); ++done) {
+    QueueWrite write{.change = changes_.front()};
+    changes_.pop_front();
+    if (fillIn(write, batch)) {
+      batch.writes.push_back(write);
     }
-    if (!files->soon(file.index) || held_ > kMostHeld) {
-      files->release(file.index);
+  }
+}
+
+// False when there is nothing to be written any more.
+bool CQueueStore::fillIn(QueueWrite& write, QueueBatch& batch) {
+  const auto [kind, file, state] = write.change;
+  CFileTable* files = table(file.groupId);
+  if (kind == Kind::kGroupRemoved) {
+    return true;
+  }
+  if (kind == Kind::kGroup) {
+    auto changed = changedGroups_.extract(file.groupId);
+    if (changed) {
+      write.group = &batch.groups.emplace_back(std::move(changed.mapped()));
+    }
+    return static_cast<bool>(changed);  // if not, it was written with an earlier change
+  }
+  if (kind == Kind::kResume) {
+    const auto changed = changedResumes_.extract({file.groupId, file.index});
+    if (changed) {
+      write.resume = CTextArena::at(batch.texts.add(changed.mapped()));
+    }
+    return changed && files != nullptr;
+  }
+  if (files == nullptr) {
+    return false;  // gone with its group
+  }
+  if (kind == Kind::kFile) {
+    write.fileId = CTextArena::at(batch.texts.add(files->fileId(file.index)));
+  }
+  if ((kind == Kind::kFile || kind == Kind::kSpec) && files->beginWrite(file.index)) {
+    write.spec = CTextArena::at(batch.texts.add(files->spec(file.index).bytes()));
+  }
+  return true;
+}
+
+void CQueueStore::written(const QueueBatch& batch) {
+  std::vector<CPackedSpec> released;  // given free without the lock
+  for (std::size_t done = 0; done < batch.writes.size(); done += kAtOnce) {
+    const std::lock_guard lock(mutex_);
+    const std::size_t end = std::min(done + kAtOnce, batch.writes.size());
+    for (std::size_t at = done; at < end; ++at) {
+      const FileRef file = batch.writes[at].change.file;
+      CFileTable* files = table(file.groupId);
+      if (files == nullptr || batch.writes[at].spec.empty() || !files->endWrite(file.index)) {
+        continue;
+      }
+      if (!files->soon(file.index) || held_ > kMostHeld) {
+        released.push_back(files->release(file.index));
+      }
     }
   }
 }
@@ -258,8 +280,9 @@ void CQueueStore::putBack(const QueueBatch& batch) {
   const std::lock_guard lock(mutex_);
   for (auto write = batch.writes.rbegin(); write != batch.writes.rend(); ++write) {
     const FileRef file = write->change.file;
+    // Unless it has changed again.
     if (write->group != nullptr) {
-      changedGroups_.emplace(file.groupId, *write->group);  // unless it has changed again
+      changedGroups_.emplace(file.groupId, *write->group);
     }
     if (write->change.kind == Kind::kResume) {
       changedResumes_.emplace(Key{file.groupId, file.index}, write->resume);

@@ -68,7 +68,7 @@ class CQueueStore : public IQueueStore {
   void restoreResume(FileRef file);
 
   // For the writer.
-  bool hasChanges() const;
+  std::size_t changesWaiting() const;
   // How many changes there ever were, and how many of them wait no longer.
   std::uint64_t changesNoted() const;
   std::uint64_t changesTaken() const;
@@ -88,9 +88,14 @@ class CQueueStore : public IQueueStore {
 
   using Key = std::pair<std::int32_t, std::uint32_t>;  // of a file
 
+  // How much the writer does before it gives the lock free for others.
+  static constexpr std::size_t kAtOnce = 256;
+
   CFileTable* table(std::int32_t groupId) const;
   void note(QueueChange::Kind kind, FileRef file, const StoredState& state = {});
   void request(const Range& range);
+  void collectSome(QueueBatch& batch, std::size_t most);
+  bool fillIn(QueueWrite& write, QueueBatch& batch);
 
   mutable std::mutex mutex_;
   // Guarded by mutex_.

@@ -138,8 +138,8 @@ void CQueueWriter::writeDue() {
   const bool done = writeBatch();
   if (!done) {
     due_ = now() + retry_;
-  } else if (parts_.store.hasChanges()) {
-    due_ = now();
+  } else if (const std::size_t waiting = parts_.store.changesWaiting()) {
+    due_ = waiting < kMostWritten ? now() + pace_.gather : now();
   }
   tellFinished(done);
 }
@@ -173,7 +173,7 @@ bool CQueueWriter::writeBatch() {
     database_ = parts_.file.open([](CQueueDatabase&) {});
     if (!database_) {
       retry_ = std::clamp(retry_ * 2, pace_.firstRetry, pace_.lastRetry);
-      return !parts_.store.hasChanges();
+      return parts_.store.changesWaiting() == 0;
     }
   }
   const QueueBatch batch = parts_.store.collect(kMostWritten);

@@ -99,7 +99,7 @@ export const MessagePanel = Backbone.View.extend({
     const words = onTheWay && this.current.get('phase') !== 'cancelled'
       ? fileWords(onTheWay, { direction: 'download', known: this.current.get('filesKnown') }) : '';
     setText(state.lastChild, words);
-    state.hidden = !words;
+    state.hidden = !this.current;
   },
 
   update() {
@@ -117,8 +117,8 @@ export const MessagePanel = Backbone.View.extend({
     setText(this.notice, expired
       ? 'This message has expired, so its files can no longer be downloaded. Ask its sender to send it again.'
       : problem || (loading ? `Reading the list of files: ${formatNumber(loaded)} of ${formatNumber(files)}` : ''));
-    if (there && this.selection.model !== this.model.files) this.selection.setModel(this.model.files);
-    if (there) this.updateSum();
+    if (there && this.selection.model !== this.model.files) this.filter();
+    else if (there) this.updateSum();
   },
 
   updateSum() {

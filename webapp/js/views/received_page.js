@@ -73,8 +73,8 @@ export const ReceivedPage = Backbone.View.extend({
     this.empty.hidden = some || !received.loaded;
     this.columns.hidden = !some;
     if (!some) return;
-    // Where there is room, something is open in any case.
-    const shown = received.get(this.wanted) ?? received.first();
+    // Where there is room, something is open in any case; what comes in does not take its place.
+    const shown = received.get(this.wanted) ?? received.get(this.panel?.model) ?? received.first();
     this.columns.classList.toggle('has-open', Boolean(this.wanted));
     this.messageList.refresh(shown.id);
     this.showMessage(shown);

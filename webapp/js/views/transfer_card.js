@@ -79,7 +79,8 @@ export const TransferCard = Backbone.View.extend({
       type: 'button', class: 'button small quiet files-toggle', 'data-test': 'group-files-toggle',
       'aria-expanded': 'false', onclick: () => this.toggleFiles(),
     }, 'Files', icon('chevron'));
-    return el('div', { class: 'card-actions' }, Object.values(this.buttons), this.compact ? null : this.toggle);
+    this.actions = el('div', { class: 'card-actions' }, Object.values(this.buttons), this.compact ? null : this.toggle);
+    return this.actions;
   },
 
   toggleFiles() {
@@ -185,5 +186,6 @@ export const TransferCard = Backbone.View.extend({
     this.buttons.retry.hidden = phase !== 'undelivered' && (over || interrupted || state !== 'ERRORED');
     this.buttons.finish.hidden = over || !interrupted;
     this.buttons.cancel.hidden = over;
+    this.actions.hidden = this.compact && Object.values(this.buttons).every((button) => button.hidden);
   },
 });

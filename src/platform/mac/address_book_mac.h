@@ -4,6 +4,10 @@
 
 #include "services/address_book.h"
 
+// The framework is deprecated, and its interface what the client was made for.
+#pragma clang diagnostic push
+#pragma clang diagnostic ignored "-Wdeprecated-declarations"
+
 namespace zantrio {
 
 // The user's shared address book. Query and names are in Mac Roman, the system's narrow encoding:
@@ -22,3 +26,5 @@ class CAddressBookMac : public IAddressBook {
 };
 
 }  // namespace zantrio
+
+#pragma clang diagnostic pop

@@ -6,7 +6,7 @@
 #include "platform/mac/system_string_mac.h"
 #include "services/contact.h"
 
-// The framework is deprecated, and its interface what the client was made for.
+// As in the header.
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
 
 namespace zantrio {

@@ -5,7 +5,8 @@
 
 #include "browser/application_commands.h"
 
-// The pasteboard type is the one that services are offered files in.
+// The pasteboard type is the one that services are offered files in; the way to come to the front
+// is the one that all systems have.
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
 
 namespace {

@@ -1,5 +1,8 @@
 #include "platform/mac/main_menu_mac.h"
 
+// The names of the modifier keys have newer forms, which older systems lack.
+#pragma clang diagnostic ignored "-Wdeprecated-declarations"
+
 namespace zantrio {
 namespace {
 

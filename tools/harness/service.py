@@ -28,11 +28,11 @@ class Service:
             raise process.Failure("the local service did not start; its messages stand above")
         self.url = line.split(MARKER, 1)[1].split()[0]
 
-    def request(self, method, path, body=None):
+    def request(self, method, path, body=None, headers=None):
         """Sends JSON to the service and gives the JSON that it answers."""
         data = None if body is None else json.dumps(body).encode()
         request = urllib.request.Request(self.url + path, data=data, method=method,
-                                         headers={"Content-Type": "application/json"})
+                                         headers={"Content-Type": "application/json", **(headers or {})})
         with urllib.request.urlopen(request, timeout=30) as answer:
             text = answer.read()
         return json.loads(text) if text else None

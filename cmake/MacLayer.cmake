@@ -14,6 +14,14 @@ if(NOT ZANTRIO_MAC_LAYER OR NOT BUILD_TESTING)
   return()
 endif()
 
+# The rest is compiled by GCC; the two compilers' sanitizers each bring a runtime of their own, and a
+# program cannot have both.
+if(ZANTRIO_SANITIZE)
+  message(STATUS "The macOS layer is left out: it is not built with sanitizers")
+  set(ZANTRIO_MAC_LAYER_FOUND FALSE)
+  return()
+endif()
+
 find_program(ZANTRIO_OBJCXX_COMPILER clang++)
 find_path(GNUSTEP_INCLUDE_DIR AppKit/AppKit.h PATH_SUFFIXES GNUstep)
 find_library(GNUSTEP_BASE_LIBRARY gnustep-base)

@@ -1,0 +1,46 @@
+"""One run of a command: how long it took, how much of the processors and of memory."""
+
+import dataclasses
+import os
+import pathlib
+import select
+import time
+
+from harness import process
+
+
+@dataclasses.dataclass(frozen=True)
+class Cost:
+    wall: float    # seconds
+    cpu: float     # seconds, of user and system
+    memory: float  # MiB at the most
+
+
+def wait_for_end(pid, limit_seconds):
+    """Returns at once when the child has ended, which is not waited for; wait() with a limit looks now and then."""
+    ended = os.pidfd_open(pid)
+    try:
+        if not select.select([ended], [], [], limit_seconds)[0]:
+            raise process.Failure(f"not done after {limit_seconds} s")
+    finally:
+        os.close(ended)
+
+
+def run(arguments, standard_input, work, limit_seconds):
+    """Runs the command to its end; fails when it fails, saying what it said."""
+    usage, messages = pathlib.Path(work) / "usage", pathlib.Path(work) / "messages"
+    # A program that is started by a large process inherits that one's peak; by this one, 2 MiB.
+    command = ["/usr/bin/time", "--quiet", "--format", "%U %S %M", "--output", usage, *arguments]
+    environment = {name: value for name, value in os.environ.items() if "proxy" not in name.lower()}
+    with messages.open("wb") as output, open(standard_input or os.devnull, "rb") as given:
+        begin = time.monotonic()
+        started = process.start(command, stdin=given, stdout=output, stderr=output, env=environment)
+        try:
+            wait_for_end(started.pid, limit_seconds)
+            wall = time.monotonic() - begin
+        finally:
+            code = process.stop(started)
+    if code != 0:
+        raise process.Failure(f"{arguments[0]} failed ({code}): {messages.read_text()[-2000:]}")
+    user, system, kilobytes = usage.read_text().split()
+    return Cost(wall, float(user) + float(system), int(kilobytes) / 1024)

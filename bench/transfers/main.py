@@ -45,6 +45,7 @@ class Comparison:
         if not library.available():
             raise process.Failure(f"{options.library_program} has not been built")
         self._programs = [library, *(program for program in others if program.available())]
+        self.failures = []
 
     def run(self, server):
         for load in loads.standard(self._options.scale):
@@ -61,8 +62,15 @@ class Comparison:
             # Another one begins each turn.
             first = turn % len(taking_part)
             for program in taking_part[first:] + taking_part[:first]:
-                costs[program.name].append(self._turn(server, program, files, direction))
-        print_row(load, direction, costs)
+                if program.name not in costs:
+                    continue
+                try:
+                    costs[program.name].append(self._turn(server, program, files, direction))
+                except process.Failure as failure:
+                    self.failures.append(f"{load.name}, {direction}: {failure}")
+                    del costs[program.name]
+                    self._empty(self._target)
+        print_row(load, direction, costs, self._programs[0].name)
 
     def _turn(self, server, program, files, direction):
         url = f"{server.url}{direction}/"
@@ -71,10 +79,13 @@ class Comparison:
             work = pathlib.Path(work)
             command, given = program.command(direction, url, folder, files, work,
                                              self._options.connections)
-            cost = measure.run(command, given, work, self._options.limit)
+            try:
+                cost = measure.run(command, given, work, self._options.limit)
+            except process.Failure as failure:
+                raise process.Failure(f"{program.name}: {failure}{program.explain(work)}") from None
         fault = loads.fault_in(files, self._target)
         if fault:
-            raise process.Failure(f"{program.name}, {direction}: {fault}")
+            raise process.Failure(f"{program.name}: {fault}")
         self._empty(self._target)
         return cost
 
@@ -84,16 +95,15 @@ class Comparison:
             shutil.rmtree(entry) if entry.is_dir() else entry.unlink()
 
 
-def print_row(load, direction, costs):
+def print_row(load, direction, costs, library):
     """Medians of each program, and of each turn's ratio of the library to the others."""
     print(f"{load.name}, {direction}: {load.count:,} files, {load.count * load.size >> 20:,} MiB")
     print(f"  {'':14}{'seconds':>9}{'CPU s':>9}{'MiB':>8}     ours by theirs: wall, CPU, memory")
-    library, *others = costs
     for name, turns in costs.items():
         wall, cpu, memory = (statistics.median(getattr(cost, field) for cost in turns)
                              for field in ("wall", "cpu", "memory"))
         ratios = ""
-        if name in others:
+        if library in costs and name != library:
             ratios = "".join(f"{ratio(costs[library], turns, field):9.2f}"
                              for field in ("wall", "cpu", "memory"))
         print(f"  {name:14}{wall:9.2f}{cpu:9.2f}{memory:8.0f}     {ratios}", flush=True)
@@ -115,12 +125,14 @@ def main(arguments):
             server = WebServer(folder / "server", folder / "source", folder / "target")
             cleanup.callback(server.stop)
             comparison.run(server)
+            for failure in comparison.failures:
+                print(f"bench_transfers: {failure}", file=sys.stderr)
+            return 1 if comparison.failures else 0
     except (process.Failure, OSError) as failure:
         print(f"bench_transfers: {failure}", file=sys.stderr)
         return 1
     except KeyboardInterrupt:
         return 130
-    return 0
 
 
 if __name__ == "__main__":

@@ -41,6 +41,6 @@ def run(arguments, standard_input, work, limit_seconds):
         finally:
             code = process.stop(started)
     if code != 0:
-        raise process.Failure(f"{arguments[0]} failed ({code}): {messages.read_text()[-2000:]}")
+        raise process.Failure(f"ended with {code}: {messages.read_text()[-2000:].strip()}")
     user, system, kilobytes = usage.read_text().split()
     return Cost(wall, float(user) + float(system), int(kilobytes) / 1024)

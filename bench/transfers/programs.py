@@ -20,6 +20,10 @@ class Program:
         """Gives (arguments, path of what is read from standard input or None)."""
         raise NotImplementedError
 
+    def explain(self, work):
+        """What the program has left about a failure besides its messages; begins on a line of its own."""
+        return ""
+
 
 class Library(Program):
     name = "zt_transfers"
@@ -36,6 +40,11 @@ class Library(Program):
         state = work / "state"
         state.mkdir()
         return [self._program, direction, url, folder, state, connections], listing
+
+    def explain(self, work):
+        log = work / "state/zt_transfers.log"
+        failed = [line for line in log.read_text().splitlines() if ": failed: " in line] if log.exists() else []
+        return "".join(f"\n  {line}" for line in failed[:3])
 
 
 class Curl(Program):

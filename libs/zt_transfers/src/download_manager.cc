@@ -4,9 +4,9 @@
 #include <iterator>
 #include <utility>
 
+#include "download/download_runner.h"
 #include "manager/manager_core.h"
 #include "manager/portions.h"
-#include "manager/refusing_runner.h"
 #include "manager/subscription.h"
 #include "text/wide_bytes.h"
 
@@ -43,8 +43,8 @@ class CDownloadManager::Impl {
               .engine = {.activity = "download", .needsMark = false, .measuresSources = false},
               .makeRunner =
                   [](const CManagerCore::RunnerParts& parts) {
-                    return std::make_unique<CRefusingRunner>(
-                        parts.observer, "downloads are not available in this version");
+                    return std::make_unique<CDownloadRunner>(parts.loop, parts.pool, parts.log,
+                                                             parts.observer);
                   },
               .deliver = [this](const TransferEvent& event) { deliver(event); }}) {
     core.configure(configuration);

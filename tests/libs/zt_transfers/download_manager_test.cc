@@ -1,74 +1,26 @@
 #include "zt_transfers/download_manager.h"
 
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
-#include <condition_variable>
-#include <mutex>
+#include <chrono>
+#include <filesystem>
 
-#include "sandbox.h"
+#include "download_fixture.h"
 #include "text/wide_bytes.h"
-#include "zt_transfers/global_config.h"
 
 namespace zt_transfers::test {
 namespace {
 
-class CDownloadRecorder final : public CDownloadManager::ICallback {
- public:
-  void onGroupStateChanged(const CDownloadManager::GroupState& state) override {
-    {
-      const std::lock_guard lock(mutex_);
-      group_ = state;
-    }
-    changed_.notify_all();
-  }
-  void onFileStateChanged(const FileState& state) override {
-    const std::lock_guard lock(mutex_);
-    file_ = state;
-  }
-  bool waitForGroupState(GroupStateCode state) {
-    std::unique_lock lock(mutex_);
-    return changed_.wait_for(lock, std::chrono::seconds(60), [&] { return group_.state == state; });
-  }
-  FileState file() const {
-    const std::lock_guard lock(mutex_);
-    return file_;
-  }
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
 
- private:
-  mutable std::mutex mutex_;
-  std::condition_variable changed_;
-  // Guarded by mutex_.
-  CDownloadManager::GroupState group_;
-  FileState file_;
-};
-
-class DownloadManager : public ::testing::Test {
- protected:
-  void SetUp() override {
-    CZtTransfersGlobalConfig::getInstance()->setAppFilesPath(widened(sandbox.folder().string()));
-    manager.subscribeToEvents(&recorder);
-    group = manager.createGroup("bucket", "share", "token", 0, L"/tmp/Gr\u00fc\u00dfe");
-  }
-  void TearDown() override {
-    manager.shutdown();
-    manager.subscribeToEvents(nullptr);
-  }
-  static CDownloadManager::FileDownloadDetails file(const std::string& id, std::uint64_t size) {
-    CDownloadManager::FileDownloadDetails details;
-    details.fileId = id;
-    details.path = L"folder/file";
-    details.size = size;
-    details.url = "http://127.0.0.1:9/file?signature=secret";
-    return details;
-  }
-
-  CSandbox sandbox;
-  CDownloadRecorder recorder;
-  CDownloadManager manager;
-  std::int32_t group = -1;
-};
+class DownloadManager : public CDownloadTest {};
 
 TEST_F(DownloadManager, KeepsWhatAGroupWasCreatedWith) {
+  const auto group = manager.createGroup("bucket", "share", "token", 0, L"/tmp/Gr\u00fc\u00dfe");
   CDownloadManager::GroupState state;
   ASSERT_EQ(manager.getGroupState(group, state), 0);
   EXPECT_EQ(state.downloadFolder, L"/tmp/Gr\u00fc\u00dfe");
@@ -76,20 +28,20 @@ TEST_F(DownloadManager, KeepsWhatAGroupWasCreatedWith) {
   EXPECT_EQ(state.bucketType, "share");
   EXPECT_TRUE(state.empty);
   EXPECT_EQ(manager.getGroupState(group + 1, state), -1);
-  auto configuration = manager.getConfiguration();
-  configuration.partSize = 77;
-  manager.setConfiguration(configuration);
+  configure([](auto& configuration) { configuration.partSize = 77; });
   EXPECT_EQ(manager.getConfiguration().partSize, 77U);
 }
 
 TEST_F(DownloadManager, CountsQueuedFilesPausesAndCancels) {
+  const auto group = newGroup();
   manager.pauseGroup(group);
-  manager.queueFiles(group, {file("a", 100), file("b", 50)});
+  const auto first = offer("a", std::string(100, 'a'));
+  manager.queueFiles(group, {first, offer("b", std::string(50, 'b'))});
   CDownloadManager::GroupState state;
   manager.getGroupState(group, state);
   EXPECT_EQ(state.bytesTotal, 150U);
   EXPECT_EQ(state.state, kGroupPaused);
-  manager.dequeueFiles(group, {file("a", 100)});
+  manager.dequeueFiles(group, {first});
   manager.getGroupState(group, state);
   EXPECT_EQ(state.bytesTotal, 50U);
   manager.cancelGroup(group);
@@ -102,15 +54,135 @@ TEST_F(DownloadManager, CountsQueuedFilesPausesAndCancels) {
   EXPECT_TRUE(groups.empty());
 }
 
-TEST_F(DownloadManager, FailsFilesAsLongAsDownloadsAreNotAvailable) {
-  manager.queueFiles(group, {file("a", 100), file("b", 50)});
-  manager.startup();
-  ASSERT_TRUE(recorder.waitForGroupState(kGroupErrored));
-  EXPECT_EQ(recorder.file().state, kFileErrored);
+TEST_F(DownloadManager, BringsFilesOfAllSizesIntoTheirFolders) {
+  const std::string large = patternOf(3'000'001);
+  const std::string chunk = patternOf(1024 * 1024, 2);
+  auto first = offer("large", large);
+  first.path = L"one/two/large.bin";
+  first.md5Digest = md5Of(large);
+  auto second = offer("chunk", chunk);
+  second.path = L"one/chunk.bin";
+  const auto group = downloadAll({first, second, offer("small", "x"), offer("empty", "")});
+  EXPECT_EQ(recorder.group(group).state, kGroupCompleted);
+  EXPECT_EQ(recorder.group(group).filesCompleted, 4);
+  EXPECT_EQ(recorder.group(group).bytesTransferred, large.size() + chunk.size() + 1);
+  EXPECT_EQ(contentOf(target / "one/two/large.bin"), large);
+  EXPECT_EQ(contentOf(target / "one/chunk.bin"), chunk);
+  EXPECT_EQ(contentOf(target / "small"), "x");
+  EXPECT_EQ(std::filesystem::file_size(target / "empty"), 0U);
+  EXPECT_THAT(namesThere(), ElementsAre("empty", "one", "one/chunk.bin", "one/two",
+                                        "one/two/large.bin", "small"));
+  EXPECT_EQ(server.requestsTo("/small").at(0).headers.at("user-agent"), "Zantrio-Test/1.0");
+}
+
+TEST_F(DownloadManager, SetsTheTimeAndTheModeThatTheUserWants) {
+  const mode_t before = ::umask(0027);
+  auto file = offer("file", "content");
+  file.path = L"folder/file";
+  file.modified = 1'600'000'000'250;
+  downloadAll({file});
+  ::umask(before);
+  struct stat status {};
+  ASSERT_EQ(::stat((target / "folder/file").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777, 0640U);
+  EXPECT_EQ(status.st_mtim.tv_sec, 1'600'000'000);
+  EXPECT_EQ(status.st_mtim.tv_nsec, 250'000'000);
+  ASSERT_EQ(::stat((target / "folder").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777, 0750U);
+}
+
+TEST_F(DownloadManager, TakesAnySizeWhenItIsNotTold) {
+  auto announced = offer("announced", patternOf(700'000));
+  announced.size = 0;
+  auto unannounced = offer("unannounced", patternOf(700'000, 2));
+  unannounced.size = 0;
+  server.plan("/unannounced", {fault::of(Fault::Kind::kNoLength)});
+  const auto group = downloadAll({announced, unannounced});
+  EXPECT_EQ(recorder.group(group).state, kGroupCompleted);
+  EXPECT_EQ(recorder.group(group).bytesTotal, 1'400'000U);
+  EXPECT_EQ(contentOf(target / "unannounced"), patternOf(700'000, 2));
+}
+
+TEST_F(DownloadManager, DownloadsManySmallFilesOverFewConnections) {
+  std::vector<File> files;
+  for (int number = 0; number < 300; ++number) {
+    files.push_back(offer("f" + std::to_string(number), patternOf(2000, unsigned(number))));
+  }
+  const auto group = downloadAll(files);
+  EXPECT_EQ(recorder.group(group).filesCompleted, 300);
+  EXPECT_EQ(namesThere().size(), 300U);
+  for (int number = 0; number < 300; ++number) {
+    EXPECT_EQ(contentOf(target / ("f" + std::to_string(number))),
+              patternOf(2000, unsigned(number)));
+  }
+  EXPECT_LE(server.requests().back().connection, 16);
+  EXPECT_LE(server.mostOpen(), 8);
+}
+
+TEST_F(DownloadManager, KeepsToTheLimitAndSharesIt) {
+  configure([](auto& configuration) { configuration.throttleBytesPerSecond = 1'000'000; });
+  const auto begin = std::chrono::steady_clock::now();
+  const auto group =
+      downloadAll({offer("one", patternOf(1'000'000)), offer("two", patternOf(1'000'000))});
+  const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
+  EXPECT_EQ(recorder.group(group).state, kGroupCompleted);
+  EXPECT_GE(took.count(), 1.7);
+  EXPECT_EQ(contentOf(target / "two"), patternOf(1'000'000));
+}
+
+TEST_F(DownloadManager, FailsWhatHasExpiredWithThatReasonAndGoesOn) {
+  auto expired = offer("expired", "content");
+  expired.expires = 1'000'000;
+  expired.url += "?signature=secret";
+  auto group = downloadAll({expired, offer("fine", "content")});
+  EXPECT_EQ(recorder.group(group).state, kGroupErrored);
+  EXPECT_EQ(recorder.file("expired").state, kFileErrored);
+  EXPECT_THAT(namesThere(), ElementsAre("fine"));
+  group = newGroup(1'000'000);
+  manager.queueFiles(group, {offer("late", "content")});
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupErrored));
+  EXPECT_THAT(server.requestsTo("/late"), IsEmpty());
   manager.shutdown();
-  const std::string log = contentOf(sandbox.folder() / "zt_transfers.log");
-  EXPECT_THAT(log, ::testing::HasSubstr("downloads are not available in this version"));
-  EXPECT_THAT(log, ::testing::Not(::testing::HasSubstr("secret")));
+  EXPECT_THAT(log(), HasSubstr("its URL has expired"));
+  EXPECT_THAT(log(), HasSubstr("token has expired"));
+  EXPECT_THAT(log(), Not(HasSubstr("secret")));
+}
+
+TEST_F(DownloadManager, SurvivesBeingStoppedAtAnyMoment) {
+  std::vector<File> files;
+  for (int number = 0; number < 6; ++number) {
+    files.push_back(offer("file" + std::to_string(number), patternOf(100'000, unsigned(number))));
+  }
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(8);
+  int rounds = 0;
+  for (; rounds < 200 && std::chrono::steady_clock::now() < end; ++rounds) {
+    std::filesystem::remove_all(target);
+    CDownloadManager stopped;
+    CDownloadRecorder reports;
+    stopped.subscribeToEvents(&reports);
+    const auto group = stopped.createGroup("b", "t", "", 0, widened(target.string()));
+    stopped.startup();
+    stopped.queueFiles(group, files);
+    reports.waitForGroup(group, [&](const auto& shot) {
+      return shot.bytesTransferred >= 100'000U * static_cast<unsigned>(rounds % 6);
+    });
+    if (rounds % 4 == 1) {
+      stopped.pauseGroup(group);
+    } else if (rounds % 4 == 2) {
+      stopped.cancelGroup(group);
+    }
+    stopped.shutdown();
+    if (rounds % 4 == 1) {
+      stopped.resumeGroup(group);
+    }
+    if (rounds % 4 != 2) {
+      stopped.startup();
+      ASSERT_TRUE(reports.waitForGroupState(group, kGroupCompleted));
+      ASSERT_EQ(namesThere().size(), files.size()) << rounds;
+    }
+    stopped.subscribeToEvents(nullptr);
+  }
+  EXPECT_GE(rounds, 10);
 }
 
 }  // namespace

@@ -72,6 +72,8 @@ struct AttemptOutcome {
   std::optional<std::chrono::milliseconds> retryAfter{};
   // The server or the network is in trouble, not this file: the group's others wait, too.
   bool sharedTrouble = false;
+  // It brought the file so much further that it does not count as one of the retries.
+  bool progressed = false;
 
   static AttemptOutcome done() { return {.kind = Kind::kDone}; }
   static AttemptOutcome retry(std::string why) {

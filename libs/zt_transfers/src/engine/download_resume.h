@@ -17,18 +17,17 @@ struct ByteSpan {
 
 using ByteSpans = std::vector<ByteSpan>;  // ascending, none touches another
 
-inline std::uint64_t lengthOf(const ByteSpans& spans) {
-  std::uint64_t length = 0;
-  for (const ByteSpan& span : spans) {
-    length += span.length();
-  }
-  return length;
-}
+std::uint64_t lengthOf(const ByteSpans& spans);
+
+// Adds a span to those that are there.
+void addSpan(ByteSpans& spans, ByteSpan span);
 
 // What an attempt to download a file left behind for the next one: its partial file, and how far
 // that can be trusted. Whoever keeps it beyond the process keeps `durable` and gives it back as
 // `written`, too.
 struct DownloadResume {
+  static constexpr std::uint64_t kUnknown = ~std::uint64_t{0};
+
   std::string partialPath;  // below the group's folder; empty: nothing was begun
   std::uint64_t inode = 0;  // of the partial file, which keeps it under its final name
   std::string validator;    // the version's strong ETag, else its Last-Modified; empty: none

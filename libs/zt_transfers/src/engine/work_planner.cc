@@ -9,7 +9,7 @@ namespace {
 constexpr int kStartsAtOnce = 512;
 
 // Files that have arrived and are being put in place, beside those that use the network.
-constexpr std::size_t kMostLanding = 256;
+constexpr std::size_t kMostLanding = 128;
 
 }  // namespace
 
@@ -139,6 +139,9 @@ std::string CWorkPlanner::settle(CTransferGroup& group, std::uint32_t index,
     const std::string text = book_.fileText(group, index);
     book_.move(group, index, FilePhase::kCompleted);
     return text + ": completed";
+  }
+  if (outcome.progressed) {
+    group.forgetRetries(index);
   }
   const bool again = outcome.kind == AttemptOutcome::Kind::kRetry &&
                      group.file(index).retries < settings_.maxRetries;

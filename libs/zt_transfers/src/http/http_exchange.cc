@@ -10,6 +10,7 @@ namespace zt_transfers {
 namespace {
 
 constexpr long kLargeUploadBuffer = 256L * 1024;
+constexpr long kReceiveBuffer = 256L * 1024;
 
 // From here on it is worth to ask first whether the server wants the body at all: one that
 // refuses in the middle cuts the connection, and its answer can get lost.
@@ -44,7 +45,15 @@ bool isHeaderValue(std::string_view value) {
 
 CHttpExchange::CHttpExchange(CHttpLoop& loop, const HttpRequest& request, IHttpBody& body,
                              Done done)
-    : loop_(loop), body_(body), done_(std::move(done)) {
+    : CHttpExchange(loop, request, &body, nullptr, std::move(done)) {}
+
+CHttpExchange::CHttpExchange(CHttpLoop& loop, const HttpRequest& request, IHttpSink& sink,
+                             Done done)
+    : CHttpExchange(loop, request, nullptr, &sink, std::move(done)) {}
+
+CHttpExchange::CHttpExchange(CHttpLoop& loop, const HttpRequest& request, IHttpBody* body,
+                             IHttpSink* sink, Done done)
+    : loop_(loop), body_(body), sink_(sink), done_(std::move(done)) {
   loop_.assertOnLoop();
   setUpHeaders(request);
   easy_ = loop_.takeEasy();
@@ -71,7 +80,7 @@ void CHttpExchange::setUpHeaders(const HttpRequest& request) {
     const std::string_view text = trimmed(value);
     append(headers_, (text.empty() ? name + ";" : name + ": " + std::string(text)).c_str());
   }
-  if (request.bodySize < kAskFirstFrom) {
+  if (body_ != nullptr && request.bodySize < kAskFirstFrom) {
     append(headers_, "Expect:");
   }
 }
@@ -85,34 +94,43 @@ void CHttpExchange::setUp(const HttpRequest& request) {
   };
   set(CURLOPT_URL, request.url.c_str());
   set(CURLOPT_PROTOCOLS_STR, "http,https");
-  set(CURLOPT_UPLOAD, 1L);
   set(CURLOPT_CUSTOMREQUEST, request.method.c_str());
-  set(CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(request.bodySize));
   set(CURLOPT_HTTPHEADER, headers_.get());
   set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
   set(CURLOPT_FOLLOWLOCATION, 0L);
   set(CURLOPT_NOSIGNAL, 1L);
   set(CURLOPT_NOPROGRESS, 1L);
   set(CURLOPT_QUICK_EXIT, 1L);
-  set(CURLOPT_EXPECT_100_TIMEOUT_MS, kAskFirstLimit);
   set(CURLOPT_CONNECTTIMEOUT, static_cast<long>(kConnectLimit.count()));
   set(CURLOPT_ERRORBUFFER, &errorText_[0]);
-  set(CURLOPT_READFUNCTION, &CHttpExchange::readBody);
-  set(CURLOPT_READDATA, this);
-  set(CURLOPT_SEEKFUNCTION, &CHttpExchange::seekBody);
-  set(CURLOPT_SEEKDATA, this);
   set(CURLOPT_HEADERFUNCTION, &CHttpExchange::takeHeader);
   set(CURLOPT_HEADERDATA, this);
   set(CURLOPT_WRITEFUNCTION, &CHttpExchange::takeBody);
   set(CURLOPT_WRITEDATA, this);
-  if (request.bodySize > static_cast<std::uint64_t>(kLargeUploadBuffer)) {
-    set(CURLOPT_UPLOAD_BUFFERSIZE, kLargeUploadBuffer);
-  }
   if (!request.userAgent.empty()) {
     set(CURLOPT_USERAGENT, request.userAgent.c_str());
   }
   if (!request.proxy.empty()) {
     set(CURLOPT_PROXY, request.proxy.c_str());
+  }
+  if (body_ != nullptr) {
+    setUpBody(request);
+  } else {
+    set(CURLOPT_BUFFERSIZE, kReceiveBuffer);
+  }
+}
+
+void CHttpExchange::setUpBody(const HttpRequest& request) {
+  CURL* easy = easy_.get();
+  curl_easy_setopt(easy, CURLOPT_UPLOAD, 1L);
+  curl_easy_setopt(easy, CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(request.bodySize));
+  curl_easy_setopt(easy, CURLOPT_EXPECT_100_TIMEOUT_MS, kAskFirstLimit);
+  curl_easy_setopt(easy, CURLOPT_READFUNCTION, &CHttpExchange::readBody);
+  curl_easy_setopt(easy, CURLOPT_READDATA, this);
+  curl_easy_setopt(easy, CURLOPT_SEEKFUNCTION, &CHttpExchange::seekBody);
+  curl_easy_setopt(easy, CURLOPT_SEEKDATA, this);
+  if (request.bodySize > static_cast<std::uint64_t>(kLargeUploadBuffer)) {
+    curl_easy_setopt(easy, CURLOPT_UPLOAD_BUFFERSIZE, kLargeUploadBuffer);
   }
 }
 
@@ -126,7 +144,7 @@ void CHttpExchange::resumeBody() {
 }
 
 void CHttpExchange::finish(CURLcode code) {
-  answer_.code = code;
+  answer_.code = bodyCut_ ? CURLE_OK : code;
   answer_.error = errorText_[0] != '\0' ? errorText_ : curl_easy_strerror(code);
   curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &answer_.status);
   curl_off_t sent = 0;
@@ -167,7 +185,7 @@ void CHttpExchange::takeHeaderLine(std::string_view line) {
 std::size_t CHttpExchange::readBody(char* to, std::size_t size, std::size_t count, void* self) {
   auto& exchange = *static_cast<CHttpExchange*>(self);
   std::size_t copied = 0;
-  switch (exchange.body_.read(to, size * count, copied)) {
+  switch (exchange.body_->read(to, size * count, copied)) {
     case IHttpBody::Read::kData:
       return copied;
     case IHttpBody::Read::kLater:
@@ -181,7 +199,7 @@ std::size_t CHttpExchange::readBody(char* to, std::size_t size, std::size_t coun
 int CHttpExchange::seekBody(void* self, curl_off_t offset, int origin) {
   auto& exchange = *static_cast<CHttpExchange*>(self);
   const bool toBegin = offset == 0 && origin == SEEK_SET;
-  return toBegin && exchange.body_.rewind() ? CURL_SEEKFUNC_OK : CURL_SEEKFUNC_FAIL;
+  return toBegin && exchange.body_->rewind() ? CURL_SEEKFUNC_OK : CURL_SEEKFUNC_FAIL;
 }
 
 std::size_t CHttpExchange::takeHeader(char* data, std::size_t size, std::size_t count, void* self) {
@@ -190,10 +208,36 @@ std::size_t CHttpExchange::takeHeader(char* data, std::size_t size, std::size_t 
 }
 
 std::size_t CHttpExchange::takeBody(char* data, std::size_t size, std::size_t count, void* self) {
-  std::string& body = static_cast<CHttpExchange*>(self)->answer_.body;
+  auto& exchange = *static_cast<CHttpExchange*>(self);
+  return exchange.sink_ != nullptr ? exchange.takeContent(data, size * count)
+                                   : exchange.takeIntoAnswer(data, size * count);
+}
+
+std::size_t CHttpExchange::takeContent(const char* data, std::size_t size) {
+  if (answer_.status == 0) {
+    curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &answer_.status);
+  }
+  switch (sink_->write(answer_, data, size)) {
+    case IHttpSink::Write::kTaken:
+      return size;
+    case IHttpSink::Write::kLater:
+      bodyPaused_ = true;
+      return CURL_WRITEFUNC_PAUSE;
+    case IHttpSink::Write::kToAnswer:
+      sink_ = nullptr;
+      return takeIntoAnswer(data, size);
+    default:
+      return 0;
+  }
+}
+
+std::size_t CHttpExchange::takeIntoAnswer(const char* data, std::size_t size) {
+  std::string& body = answer_.body;
   const std::size_t room = HttpAnswer::kBodyLimit - std::min(HttpAnswer::kBodyLimit, body.size());
-  body.append(data, std::min(room, size * count));
-  return size * count;
+  body.append(data, std::min(room, size));
+  // A download need not read the whole of a page that is only there to explain a refusal.
+  bodyCut_ = body_ == nullptr && room < size;
+  return bodyCut_ ? 0 : size;
 }
 
 }  // namespace zt_transfers

@@ -16,7 +16,7 @@ struct HttpRequest {
   std::string method = "PUT";
   std::string url;
   std::vector<std::pair<std::string, std::string>> headers;
-  std::uint64_t bodySize = 0;  // bytes; always sent as Content-Length
+  std::uint64_t bodySize = 0;  // bytes; always sent as Content-Length where there is a body
   std::string proxy;           // empty: the system's
   std::string userAgent;
 };
@@ -37,6 +37,23 @@ class IHttpBody {
   ~IHttpBody() = default;
 };
 
+// Where an answer's body goes. Thread: the loop's.
+class IHttpSink {
+ public:
+  enum class Write {
+    kTaken,
+    kLater,     // the same bytes come again after CHttpExchange::resumeBody
+    kToAnswer,  // they are no content: they go to HttpAnswer::body, and none after them comes here
+    kBroken,    // ends the exchange
+  };
+
+  // `head` has the status and the headers.
+  virtual Write write(const HttpAnswer& head, const char* data, std::size_t size) = 0;
+
+ protected:
+  ~IHttpSink() = default;
+};
+
 // One request and its answer. Destroying it before the answer ends it silently.
 //
 // Thread: the loop's. `done` is called from the loop, never from within begin, and may destroy
@@ -48,9 +65,10 @@ class CHttpExchange {
   static constexpr std::chrono::seconds kConnectLimit{30};
   static constexpr std::chrono::seconds kStallLimit{60};
 
-  // `body` must outlive the exchange. Throws std::invalid_argument for a request that cannot be
-  // sent (a header that is none).
+  // A request with a body, or one whose answer has a body; either must outlive the exchange.
+  // Throws std::invalid_argument for a request that cannot be sent (a header that is none).
   CHttpExchange(CHttpLoop& loop, const HttpRequest& request, IHttpBody& body, Done done);
+  CHttpExchange(CHttpLoop& loop, const HttpRequest& request, IHttpSink& sink, Done done);
   ~CHttpExchange();
   CHttpExchange(const CHttpExchange&) = delete;
   CHttpExchange& operator=(const CHttpExchange&) = delete;
@@ -63,9 +81,14 @@ class CHttpExchange {
   bool stalledAt(TimePoint now);
 
  private:
+  CHttpExchange(CHttpLoop& loop, const HttpRequest& request, IHttpBody* body, IHttpSink* sink,
+                Done done);
   void setUp(const HttpRequest& request);
+  void setUpBody(const HttpRequest& request);
   void setUpHeaders(const HttpRequest& request);
   void takeHeaderLine(std::string_view line);
+  std::size_t takeContent(const char* data, std::size_t size);
+  std::size_t takeIntoAnswer(const char* data, std::size_t size);
 
   static std::size_t readBody(char* to, std::size_t size, std::size_t count, void* self);
   static int seekBody(void* self, curl_off_t offset, int origin);
@@ -73,13 +96,15 @@ class CHttpExchange {
   static std::size_t takeBody(char* data, std::size_t size, std::size_t count, void* self);
 
   CHttpLoop& loop_;
-  IHttpBody& body_;
+  IHttpBody* const body_;  // this or the sink is null
+  IHttpSink* sink_;
   Done done_;
   CurlEasy easy_;
   CurlList headers_;
   HttpAnswer answer_;
   char errorText_[CURL_ERROR_SIZE] = "";
   bool bodyPaused_ = false;
+  bool bodyCut_ = false;  // more than is kept of an answer that is no content
   std::uint64_t movedBytes_ = 0;
   TimePoint movedAt_{};
 };

@@ -7,8 +7,8 @@
 #include <optional>
 #include <string>
 
+#include "hash/md5.h"
 #include "os/unique_fd.h"
-#include "upload/md5.h"
 
 namespace zt_transfers {
 

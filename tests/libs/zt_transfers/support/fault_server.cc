@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "loopback.h"
+#include "object_reply.h"
 #include "sandbox.h"
 #include "text/ascii.h"
 
@@ -85,6 +86,9 @@ class CFaultServer::CConnection {
   bool answer(const Request& request) {
     const std::string path = pathOf(request.target);
     const Fault fault = server_.faultFor(path);
+    if (request.method == "GET") {
+      return give(request, path, fault);
+    }
     switch (fault.kind) {
       case Fault::Kind::kEarlyStatus:
         send(fault.status, {{"Connection", "close"}}, "");
@@ -116,6 +120,55 @@ class CFaultServer::CConnection {
     return store(path, *body, fault);
   }
 
+  bool give(const Request& request, const std::string& path, const Fault& fault) {
+    switch (fault.kind) {
+      case Fault::Kind::kStall:
+        server_.waitForRelease();
+        return false;
+      case Fault::Kind::kHold:
+        server_.waitForRelease();
+        break;
+      case Fault::Kind::kCloseWithoutAnswer:
+        return false;
+      case Fault::Kind::kStatus:
+        return send(fault.status, fault.headers, fault.body);
+      default:
+        break;
+    }
+    const auto content = server_.object(path);
+    if (!content) {
+      return send(404, {}, "<?xml version=\"1.0\"?>\n<Error><Code>NoSuchKey</Code></Error>");
+    }
+    const ObjectReply reply = replyTo(request, *content, fault);
+    if (!sendText(reply.head) ||
+        !sendBody(path, reply.body, fault.kind == Fault::Kind::kSlow ? fault.bytes : 0)) {
+      return false;
+    }
+    if (fault.kind == Fault::Kind::kResetAfter) {
+      reset();
+    }
+    return reply.keep;
+  }
+
+  bool sendBody(const std::string& path, const std::string& body, std::uint64_t bytesPerSecond) {
+    const auto begin = std::chrono::steady_clock::now();
+    // Slow bodies go in small pieces.
+    const std::size_t piece = bytesPerSecond != 0 ? 16 * 1024 : 256 * 1024;
+    for (std::size_t sent = 0; sent < body.size();) {
+      const std::string part = body.substr(sent, piece);
+      if (!sendText(part)) {
+        return false;
+      }
+      sent += part.size();
+      server_.bodyBytes_ += part.size();
+      server_.watched(path, sent);
+      if (bytesPerSecond != 0 && !paced(begin, sent, bytesPerSecond)) {
+        return false;
+      }
+    }
+    return true;
+  }
+
   bool store(const std::string& path, const std::string& body, const Fault& fault) {
     auto headers = fault.headers;
     if (fault.kind != Fault::Kind::kNoETag) {
@@ -139,14 +192,7 @@ class CFaultServer::CConnection {
       body.append(input_, 0, taken);
       input_.erase(0, taken);
       server_.bodyBytes_ += taken;
-      std::function<void(const std::string&, std::uint64_t)> watcher;
-      {
-        const std::lock_guard lock(server_.mutex_);
-        watcher = server_.watcher_;
-      }
-      if (watcher) {
-        watcher(path, body.size());
-      }
+      server_.watched(path, body.size());
       if (bytesPerSecond != 0 && !paced(begin, body.size(), bytesPerSecond)) {
         return std::nullopt;
       }
@@ -243,6 +289,22 @@ void CFaultServer::release() {
 void CFaultServer::watchBody(std::function<void(const std::string&, std::uint64_t)> watcher) {
   const std::lock_guard lock(mutex_);
   watcher_ = std::move(watcher);
+}
+
+void CFaultServer::watched(const std::string& path, std::uint64_t bytes) {
+  std::function<void(const std::string&, std::uint64_t)> watcher;
+  {
+    const std::lock_guard lock(mutex_);
+    watcher = watcher_;
+  }
+  if (watcher) {
+    watcher(path, bytes);
+  }
+}
+
+void CFaultServer::put(const std::string& path, const std::string& content) {
+  const std::lock_guard lock(mutex_);
+  objects_[path] = content;
 }
 
 std::optional<std::string> CFaultServer::object(const std::string& path) const {

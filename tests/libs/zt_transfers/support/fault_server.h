@@ -18,7 +18,8 @@
 
 namespace zt_transfers::test {
 
-// What the server does with one request instead of storing the body and answering 200.
+// What the server does with one request instead of storing the body and answering 200, or of
+// giving the object.
 struct Fault {
   enum class Kind {
     kNone,                // stores and answers, with `headers` added
@@ -30,7 +31,17 @@ struct Fault {
     kHold,                // takes the body and answers once released
     kETag,                // stores and answers with the tag `body`
     kNoETag,
-    kSlow,  // takes `bytes` a second
+    kSlow,  // takes or gives `bytes` a second
+    // For GET only:
+    kNoRanges,        // gives all of it, whatever was asked for
+    kIgnoresIfRange,  // gives the range of another version, with the tag `body`
+    kShiftedRange,    // gives a range that begins `bytes` later than asked for
+    kShortRange,      // gives `bytes` of a range at most
+    kLongerLength,    // announces `bytes` more than it gives, then closes
+    kNoLength,        // announces no length and closes after all but `bytes`
+    kNoLastChunk,     // gives all of it in chunks, and closes before the one that ends them
+    kExtraBytes,      // the same with `bytes` more than there are
+    kCorrupt,         // changes the byte at `bytes`
   };
 
   Kind kind = Kind::kNone;
@@ -71,14 +82,20 @@ inline Fault noETag() {
 inline Fault slow(std::uint64_t bytesPerSecond) {
   return {.kind = Fault::Kind::kSlow, .bytes = bytesPerSecond};
 }
+inline Fault of(Fault::Kind kind, std::uint64_t bytes = 0) {
+  return {.kind = kind, .bytes = bytes};
+}
+inline Fault ignoresIfRange(std::string tag) {
+  return {.kind = Fault::Kind::kIgnoresIfRange, .body = std::move(tag)};
+}
 inline Fault errorDocument(const std::string& code) {
   return {.kind = Fault::Kind::kStatus,
           .body = "<?xml version=\"1.0\"?>\n<Error><Code>" + code + "</Code></Error>"};
 }
 }  // namespace fault
 
-// A small object store on loopback: what is PUT to a path can be read back, and every request to
-// a path can be made to fail in a way of its own.
+// A small object store on loopback: what is PUT to a path can be read back with GET, also by
+// ranges, and every request to a path can be made to fail in a way of its own.
 //
 // Thread: any; every connection has a thread.
 class CFaultServer {
@@ -104,9 +121,11 @@ class CFaultServer {
   void planForAll(const Fault& fault);
   // Lets go what stalls or holds, now and from now on.
   void release();
-  // Called with the number of body bytes that have arrived of the request to `path`.
+  // Called with the number of body bytes that have arrived of the request to `path`, or were sent
+  // of the answer to it.
   void watchBody(std::function<void(const std::string& path, std::uint64_t bytes)> watcher);
 
+  void put(const std::string& path, const std::string& content);
   std::optional<std::string> object(const std::string& path) const;
   std::size_t objectCount() const;
   std::vector<Request> requests() const;
@@ -122,6 +141,7 @@ class CFaultServer {
   class CConnection;
 
   void accept();
+  void watched(const std::string& path, std::uint64_t bytes);
   Fault faultFor(const std::string& path);
   void begin(const Request& request);
   bool waitForRelease();

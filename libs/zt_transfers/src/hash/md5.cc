@@ -1,4 +1,4 @@
-#include "upload/md5.h"
+#include "hash/md5.h"
 
 #include <openssl/evp.h>
 

@@ -1,0 +1,104 @@
+#include "download/download_runner.h"
+
+#include <exception>
+#include <utility>
+
+#include "download/file_trouble.h"
+
+namespace zt_transfers {
+
+bool CDownloadRunner::start(StartOrder order) {
+  const JobId job = order.job;
+  auto attempt = std::make_unique<CDownloadAttempt>(loop_, pool_, log_, std::move(order), *this);
+  CDownloadAttempt& begun = *attempt;
+  attempts_.emplace(job, std::move(attempt));
+  begun.begin();
+  return attempts_.count(job) != 0;
+}
+
+void CDownloadRunner::stop(JobId job, bool discard) {
+  const auto attempt = attempts_.find(job);
+  if (attempt != attempts_.end()) {
+    if (discard) {
+      attempt->second->discard();
+    }
+    release(std::move(attempt->second));
+    attempts_.erase(attempt);
+  }
+  const auto landing = landing_.find(job);
+  if (landing != landing_.end() && discard) {
+    landing->second->discard();
+  }
+}
+
+void CDownloadRunner::stopAll() {
+  attempts_.clear();
+  landing_.clear();
+}
+
+void CDownloadRunner::discard(const Leftover& leftover) {
+  pool_.post([leftover, &log = log_] {
+    try {
+      CPartialFile::remove(leftover.folder, leftover.resume);
+    } catch (const std::exception& error) {
+      log.warning("A partial file stays behind: " + std::string(error.what()));
+    }
+  });
+}
+
+void CDownloadRunner::onArrived(JobId job, std::uint64_t size) {
+  if (!observer_.onAttemptLanding(job)) {
+    return;  // its stop is on the way
+  }
+  const auto found = attempts_.find(job);
+  const std::shared_ptr<CPartialWriter> writer = found->second->writer();
+  const std::shared_ptr<JobProgress> progress = found->second->progress();
+  landing_.emplace(job, writer->file());
+  attempts_.erase(found);
+  const auto done = [this, job](const AttemptOutcome& outcome) { landed(job, outcome); };
+  writer->finish([this, size, progress, done](const std::shared_ptr<CPartialFile>& file,
+                                              const std::optional<AttemptOutcome>& trouble) {
+    if (trouble) {
+      done(*trouble);
+      return;
+    }
+    try {
+      if (const auto problem = file->verify(size)) {
+        file->discard();
+        progress->setResume({});
+        done(AttemptOutcome::retry(*problem));
+        return;
+      }
+    } catch (const std::exception& error) {
+      done(judgeFileTrouble(error));
+      return;
+    }
+    lander_.land(file, done);
+  });
+}
+
+void CDownloadRunner::onEnded(JobId job, const AttemptOutcome& outcome) {
+  // The outcome may be the attempt's own.
+  const AttemptOutcome kept = outcome;
+  const auto attempt = attempts_.find(job);
+  release(std::move(attempt->second));
+  attempts_.erase(attempt);
+  observer_.onAttemptDone(job, kept);
+}
+
+// Lets the pool close, and possibly remove, the partial file.
+void CDownloadRunner::release(std::unique_ptr<CDownloadAttempt> attempt) {
+  const std::shared_ptr<CPartialWriter> writer = attempt->writer();
+  attempt.reset();
+  if (writer) {
+    pool_.post([file = writer->file()] {});
+  }
+}
+
+// On the pool. The engine is told before the loop, which can be stopping.
+void CDownloadRunner::landed(JobId job, const AttemptOutcome& outcome) {
+  observer_.onAttemptDone(job, outcome);
+  loop_.post([this, job] { landing_.erase(job); });
+}
+
+}  // namespace zt_transfers

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <memory>
+#include <unordered_map>
+
+#include "download/download_attempt.h"
+#include "download/lander.h"
+#include "engine/attempt.h"
+
+namespace zt_transfers {
+
+// Carries out download attempts over HTTP, and puts in place what has arrived. All given must
+// outlive it.
+class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IListener {
+ public:
+  CDownloadRunner(CHttpLoop& loop, CWorkerPool& pool, ILog& log, IAttemptObserver& observer)
+      : loop_(loop), pool_(pool), log_(log), observer_(observer) {}
+
+  bool start(StartOrder order) override;
+  void stop(JobId job, bool discard) override;
+  void stopAll() override;
+  void discard(const Leftover& leftover) override;
+
+ private:
+  void onCheckpoint(JobId job) override { observer_.onAttemptCheckpoint(job); }
+  void onArrived(JobId job, std::uint64_t size) override;
+  void onEnded(JobId job, const AttemptOutcome& outcome) override;
+  void release(std::unique_ptr<CDownloadAttempt> attempt);
+  void landed(JobId job, const AttemptOutcome& outcome);
+
+  CHttpLoop& loop_;
+  CWorkerPool& pool_;
+  ILog& log_;
+  IAttemptObserver& observer_;
+  CLander lander_;
+  std::unordered_map<JobId, std::unique_ptr<CDownloadAttempt>> attempts_;
+  // Those that need the network no more.
+  std::unordered_map<JobId, std::shared_ptr<CPartialFile>> landing_;
+};
+
+}  // namespace zt_transfers

@@ -1,0 +1,396 @@
+#include "download/partial_file.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <memory>
+#include <system_error>
+#include <thread>
+
+#include "download/counted_name.h"
+#include "download/publish.h"
+#include "download/target_folder.h"
+
+namespace zt_transfers {
+namespace {
+
+constexpr mode_t kAllThatTheUmaskLeaves = 0666;
+constexpr int kOpenPartial = O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
+constexpr int kMostNames = 16;
+constexpr unsigned kMostCounted = 10'000;
+constexpr std::size_t kReadBack = std::size_t{256} * 1024;
+constexpr std::uint64_t kReserveFrom = 1024 * 1024;  // smaller files are written at once
+
+[[noreturn]] void fail(const std::string& what) {
+  throw std::system_error(errno, std::generic_category(), what);
+}
+
+struct stat statusOf(int file) {
+  struct stat status {};
+  if (::fstat(file, &status) != 0) {
+    fail("cannot read the partial file's status");
+  }
+  return status;
+}
+
+// A partial file belongs to one attempt at a time. The one before may still be ending.
+bool lock(int file) {
+  constexpr std::chrono::seconds kLimit{10};
+  constexpr std::chrono::milliseconds kPause{5};
+  const auto until = std::chrono::steady_clock::now() + kLimit;
+  while (::flock(file, LOCK_EX | LOCK_NB) != 0) {
+    if (errno != EWOULDBLOCK) {
+      return true;  // a file system without locks
+    }
+    if (std::chrono::steady_clock::now() > until) {
+      return false;
+    }
+    std::this_thread::sleep_for(kPause);
+  }
+  return true;
+}
+
+void syncData(int file) {
+#if defined(__APPLE__)
+  const int failed = ::fsync(file);
+#else
+  const int failed = ::fdatasync(file);
+#endif
+  if (failed != 0) {
+    fail("cannot write the file to disk");
+  }
+}
+
+std::string parentOf(const std::string& path) {
+  const auto slash = path.rfind('/');
+  return slash == std::string::npos ? "" : path.substr(0, slash + 1);
+}
+
+}  // namespace
+
+void CPartialFile::remove(const std::string& groupFolder, const DownloadResume& resume) {
+  const TargetPath path = parseTargetPath(resume.partialPath);
+  const CUniqueFd folder =
+      openTargetFolder(groupFolder, path.folders, MissingFolders::kFail).folder;
+  struct stat status {};
+  const bool isIt = ::fstatat(folder.get(), path.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+                    status.st_ino == resume.inode;
+  if (isIt && ::unlinkat(folder.get(), path.name.c_str(), 0) != 0) {
+    fail("cannot remove it");
+  }
+}
+
+CPartialFile::~CPartialFile() {
+  // Nothing worth keeping is in an empty one.
+  const bool keep = !discarded_ && !resume_.written.empty();
+  if (!keep && file_.valid() && !name_.empty() && isOurs()) {
+    ::unlinkat(folder_.get(), name_.c_str(), 0);
+  }
+}
+
+CPartialFile::Found CPartialFile::reopen(const DownloadResume& resume) {
+  if (parentOf(resume.partialPath) != partialPath("")) {
+    return Found::kNothing;
+  }
+  if (!openFolder(MissingFolders::kFail)) {
+    return Found::kNothing;
+  }
+  std::string name = resume.partialPath.substr(partialPath("").size());
+  CUniqueFd file(::openat(folder_.get(), name.c_str(), kOpenPartial));
+  if (!file.valid()) {
+    return landedAlready(resume.inode, resume.size) ? Found::kLanded : Found::kNothing;
+  }
+  const struct stat status = statusOf(file.get());
+  if (!S_ISREG(status.st_mode) || status.st_ino != resume.inode || !lock(file.get())) {
+    return Found::kNothing;
+  }
+  adopt(std::move(file), std::move(name));
+  resume_.validator = resume.validator;
+  resume_.size = resume.size;
+  const auto there = static_cast<std::uint64_t>(statusOf(file_.get()).st_size);
+  for (const ByteSpan& span : resume.written) {
+    addSpan(resume_.written, {std::min(span.begin, there), std::min(span.end, there)});
+  }
+  resume_.durable = resume.durable;
+  hashWritten();
+  return Found::kPartial;
+}
+
+void CPartialFile::create(std::uint64_t size) {
+  if (file_.valid()) {
+    return;
+  }
+  openFolder(MissingFolders::kMake);
+  for (int number = 0; number < kMostNames; ++number) {
+    const std::string key = plan_.key + '\0' + std::to_string(number);
+    std::string name = partialName(plan_.target.name, key);
+    CUniqueFd file(::openat(folder_.get(), name.c_str(), kOpenPartial | O_CREAT | O_EXCL,
+                            kAllThatTheUmaskLeaves));
+    if (file.valid()) {
+      ::flock(file.get(), LOCK_EX | LOCK_NB);
+      adopt(std::move(file), std::move(name));
+      reserve(size);
+      return;
+    }
+    if (errno != EEXIST) {
+      fail("cannot make the file in its folder");
+    }
+    if (takeExisting(name)) {
+      reserve(size);
+      return;
+    }
+  }
+  errno = EEXIST;
+  fail("cannot make the file in its folder");
+}
+
+// What an earlier run of the program has left under this file's own hidden name; nobody knows
+// how good its content is.
+bool CPartialFile::takeExisting(const std::string& name) {
+  CUniqueFd file(::openat(folder_.get(), name.c_str(), kOpenPartial));
+  if (!file.valid()) {
+    return false;
+  }
+  const struct stat status = statusOf(file.get());
+  const bool plain =
+      S_ISREG(status.st_mode) && status.st_nlink == 1 && status.st_uid == ::geteuid();
+  if (!plain || ::flock(file.get(), LOCK_EX | LOCK_NB) != 0 || ::ftruncate(file.get(), 0) != 0) {
+    return false;
+  }
+  adopt(std::move(file), name);
+  return true;
+}
+
+void CPartialFile::restart(const std::string& validator, std::uint64_t size) {
+  resume_.validator = validator;
+  resume_.size = size;
+  resume_.written.clear();
+  resume_.durable.clear();
+  hashed_ = 0;
+  md5_.reset();
+  if (file_.valid()) {
+    if (::ftruncate(file_.get(), 0) != 0) {
+      fail("cannot empty the partial file");
+    }
+    reserve(size);
+  }
+}
+
+void CPartialFile::write(std::uint64_t offset, const char* data, std::size_t size) {
+  create(resume_.size);
+  std::size_t done = 0;
+  while (done < size) {
+    const ssize_t put =
+        ::pwrite(file_.get(), data + done, size - done, static_cast<off_t>(offset + done));
+    if (put < 0 && errno == EINTR) {
+      continue;
+    }
+    if (put <= 0) {
+      addSpan(resume_.written, {offset, offset + done});
+      fail("cannot write to the file");
+    }
+    done += static_cast<std::size_t>(put);
+  }
+  addSpan(resume_.written, {offset, offset + size});
+  if (!plan_.md5.empty() && offset == hashed_) {
+    if (!md5_) {
+      md5_.emplace();
+    }
+    md5_->add(data, size);
+    hashed_ += size;
+    hashWritten();
+  }
+}
+
+// Hashes what is there without a gap and was not hashed as it came; it is still in memory.
+void CPartialFile::hashWritten() {
+  if (plan_.md5.empty() || resume_.written.empty() || resume_.written.front().begin != 0) {
+    return;
+  }
+  if (!md5_) {
+    md5_.emplace();
+  }
+  const std::uint64_t end = resume_.written.front().end;
+  std::unique_ptr<char[]> buffer;
+  while (hashed_ < end) {
+    if (!buffer) {
+      buffer.reset(new char[kReadBack]);
+    }
+    const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(kReadBack, end - hashed_));
+    const ssize_t got = ::pread(file_.get(), buffer.get(), wanted, static_cast<off_t>(hashed_));
+    if (got < 0 && errno == EINTR) {
+      continue;
+    }
+    if (got <= 0) {
+      errno = got == 0 ? EIO : errno;
+      fail("cannot read back the partial file");
+    }
+    md5_->add(buffer.get(), static_cast<std::size_t>(got));
+    hashed_ += static_cast<std::size_t>(got);
+  }
+}
+
+void CPartialFile::checkpoint() {
+  if (file_.valid()) {
+    syncData(file_.get());
+    resume_.durable = resume_.written;
+  }
+}
+
+std::optional<std::string> CPartialFile::verify(std::uint64_t size) {
+  create(size);
+  const auto there = static_cast<std::uint64_t>(statusOf(file_.get()).st_size);
+  if (there != size || lengthOf(resume_.written) != size) {
+    return "the partial file has " + std::to_string(there) + " bytes instead of " +
+           std::to_string(size);
+  }
+  if (plan_.md5.empty()) {
+    return std::nullopt;
+  }
+  hashWritten();
+  const std::string digest = md5_ ? md5_->finish() : CMd5().finish();
+  md5_.reset();
+  hashed_ = 0;
+  if (digest != plan_.md5) {
+    return "its content has the MD5 digest " + digest + " instead of " + plan_.md5;
+  }
+  return std::nullopt;
+}
+
+void CPartialFile::settle(bool alone) {
+  if (plan_.modified != 0) {
+    constexpr std::uint64_t kMilliseconds = 1000;
+    constexpr long kNanoseconds = 1'000'000;
+    timespec modified{};
+    modified.tv_sec = static_cast<time_t>(plan_.modified / kMilliseconds);
+    modified.tv_nsec = static_cast<long>(plan_.modified % kMilliseconds) * kNanoseconds;
+    const std::array<timespec, 2> times{modified, modified};
+    // A file system that cannot keep such a time is no reason to lose the file.
+    ::futimens(file_.get(), times.data());
+  }
+  if (alone && foldersMade_) {
+    syncFileSystem();
+  } else if (alone && ::fsync(file_.get()) != 0) {
+    fail("cannot write the file to disk");
+  }
+}
+
+bool CPartialFile::syncFileSystem() const {
+#if defined(__linux__)
+  if (::syncfs(file_.get()) != 0) {
+    fail("cannot write the file to disk");
+  }
+  return true;
+#else
+  if (::fsync(file_.get()) != 0) {
+    fail("cannot write the file to disk");
+  }
+  return false;
+#endif
+}
+
+std::string CPartialFile::publish() {
+  if (!isOurs()) {
+    errno = ENOENT;
+    fail("the partial file was replaced");
+  }
+  std::string name = zt_transfers::publish(folder_.get(), name_, plan_.target.name);
+  name_.clear();
+  return name;
+}
+
+void CPartialFile::syncFolder() const {
+  // Some file systems do not offer it; then the file's own sync has to do.
+  if (::fsync(folder_.get()) != 0 && errno != EINVAL && errno != EROFS) {
+    fail("cannot write the folder to disk");
+  }
+}
+
+bool CPartialFile::sameFolder(const CPartialFile& other) const {
+  return folderStatus_.st_dev == other.folderStatus_.st_dev &&
+         folderStatus_.st_ino == other.folderStatus_.st_ino;
+}
+
+bool CPartialFile::sameFileSystem(const CPartialFile& other) const {
+  return folderStatus_.st_dev == other.folderStatus_.st_dev;
+}
+
+std::string CPartialFile::partialPath(const std::string& name) const {
+  std::string path;
+  for (const std::string& folder : plan_.target.folders) {
+    path += folder + '/';
+  }
+  return path + name;
+}
+
+// False when it is not there.
+bool CPartialFile::openFolder(MissingFolders missing) {
+  if (folder_.valid()) {
+    return true;
+  }
+  try {
+    TargetFolder target = openTargetFolder(plan_.folder, plan_.target.folders, missing);
+    folder_ = std::move(target.folder);
+    foldersMade_ = target.made;
+  } catch (const std::system_error& error) {
+    if (missing == MissingFolders::kFail && error.code().value() == ENOENT) {
+      return false;
+    }
+    throw;
+  }
+  if (::fstat(folder_.get(), &folderStatus_) != 0) {
+    fail("cannot read the folder's status");
+  }
+  return true;
+}
+
+void CPartialFile::adopt(CUniqueFd file, std::string name) {
+  file_ = std::move(file);
+  name_ = std::move(name);
+  resume_.partialPath = partialPath(name_);
+  resume_.inode = statusOf(file_.get()).st_ino;
+}
+
+// A program that ended between the renaming and the note of it left its file under its final
+// name.
+bool CPartialFile::landedAlready(std::uint64_t inode, std::uint64_t size) const {
+  for (unsigned count = 0; count <= kMostCounted; ++count) {
+    struct stat status {};
+    const std::string name = countedName(plan_.target.name, count);
+    if (::fstatat(folder_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+      return false;
+    }
+    if (status.st_ino == inode && S_ISREG(status.st_mode)) {
+      return static_cast<std::uint64_t>(status.st_size) == size;
+    }
+  }
+  return false;
+}
+
+// Finds out now whether the disk has the room. The file's length stays that of its content.
+void CPartialFile::reserve(std::uint64_t size) {
+#if defined(__linux__)
+  if (size == DownloadResume::kUnknown || size < kReserveFrom) {
+    return;
+  }
+  if (::fallocate(file_.get(), FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(size)) != 0 &&
+      (errno == ENOSPC || errno == EDQUOT || errno == EFBIG)) {
+    fail("cannot make room for the file");
+  }
+#else
+  static_cast<void>(size);
+#endif
+}
+
+bool CPartialFile::isOurs() const {
+  struct stat status {};
+  return ::fstatat(folder_.get(), name_.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+         status.st_ino == resume_.inode && S_ISREG(status.st_mode);
+}
+
+}  // namespace zt_transfers

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <sys/stat.h>
+
+#include <atomic>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "download/target_folder.h"
+#include "download/target_path.h"
+#include "engine/download_resume.h"
+#include "hash/md5.h"
+#include "os/unique_fd.h"
+
+namespace zt_transfers {
+
+// The hidden file beside its final place into which a download arrives. What is in it is kept
+// when the object goes, unless it was told to be discarded.
+//
+// Thread: one at a time; calls block, and throw std::system_error. `discard` from any thread.
+class CPartialFile {
+ public:
+  struct Plan {
+    std::string folder;  // the group's
+    TargetPath target;
+    std::string key;             // names this file of this group, and no other
+    std::uint64_t modified = 0;  // milliseconds since 1970; 0: none
+    std::string md5;             // lower-case hexadecimal; empty: not to be checked
+  };
+  enum class Found { kNothing, kPartial, kLanded };
+
+  // Removes what is left of an earlier attempt.
+  static void remove(const std::string& groupFolder, const DownloadResume& resume);
+
+  explicit CPartialFile(Plan plan) : plan_(std::move(plan)) {}
+  ~CPartialFile();
+  CPartialFile(const CPartialFile&) = delete;
+  CPartialFile& operator=(const CPartialFile&) = delete;
+
+  // Goes on with what is left of an earlier attempt. kLanded: it has its final name already.
+  Found reopen(const DownloadResume& resume);
+  // Writes; the first time, or after `restart`, into an empty file.
+  void write(std::uint64_t offset, const char* data, std::size_t size);
+  // Makes it for `size` bytes, if it is not there yet, and reserves the room; kUnknown: as it
+  // comes.
+  void create(std::uint64_t size);
+  // Forgets all content; the version that comes now has this validator and size.
+  void restart(const std::string& validator, std::uint64_t size);
+
+  // Makes what is written durable.
+  void checkpoint();
+  // Nothing when the content is what it should be, else what is wrong.
+  std::optional<std::string> verify(std::uint64_t size);
+  // Sets its times; with `alone` it and new folders above it become durable.
+  void settle(bool alone);
+  // All of what has been written to its file system becomes durable; false, and only the file
+  // does, where there is no such operation.
+  bool syncFileSystem() const;
+  // Gives it its final name, which then is durable only after syncFolder.
+  std::string publish();
+  void syncFolder() const;
+
+  void discard() { discarded_ = true; }
+  bool discarded() const { return discarded_; }
+
+  bool open() const { return file_.valid(); }
+  const DownloadResume& resume() const { return resume_; }
+  // Valid once they are open.
+  bool sameFolder(const CPartialFile& other) const;
+  bool sameFileSystem(const CPartialFile& other) const;
+
+ private:
+  std::string partialPath(const std::string& name) const;
+  bool openFolder(MissingFolders missing);
+  void adopt(CUniqueFd file, std::string name);
+  bool takeExisting(const std::string& name);
+  bool landedAlready(std::uint64_t inode, std::uint64_t size) const;
+  void reserve(std::uint64_t size);
+  void hashWritten();
+  bool isOurs() const;
+
+  const Plan plan_;
+  std::atomic<bool> discarded_{false};
+
+  CUniqueFd folder_;
+  bool foldersMade_ = false;
+  CUniqueFd file_;
+  std::string name_;  // of the partial file; empty once it is published
+  struct stat folderStatus_ {};
+  DownloadResume resume_;
+  std::optional<CMd5> md5_;
+  std::uint64_t hashed_ = 0;  // bytes from the beginning
+};
+
+}  // namespace zt_transfers

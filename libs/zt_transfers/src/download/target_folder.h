@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "os/unique_fd.h"
+
+namespace zt_transfers {
+
+// A folder below a group's own, reached name by name, so that no symbolic link in between can
+// lead out of it. The group's folder itself may be anything the user chose.
+struct TargetFolder {
+  CUniqueFd folder;
+  bool made = false;  // it or one above it is new, and not durable yet
+};
+
+enum class MissingFolders { kMake, kFail };
+
+// Throws std::system_error. A missing folder of the group is made if only it itself is missing:
+// more missing looks like a disk that is not mounted.
+TargetFolder openTargetFolder(const std::string& groupFolder,
+                              const std::vector<std::string>& folders, MissingFolders missing);
+
+}  // namespace zt_transfers

@@ -87,6 +87,15 @@ TEST_F(DownloadFaults, FetchesAgainWhatArrivedWithOtherContent) {
   EXPECT_THAT(log(), HasSubstr("MD5 digest " + md5Of(content) + " instead of " + md5Of("other")));
 }
 
+TEST_F(DownloadFaults, LetsNoFileSufferFromWhatAnAnswerBeforeLeftOnTheConnection) {
+  configure([](auto& configuration) { configuration.maxConcurrentTransfers = 1; });
+  server.plan("/first", {fault::of(Fault::Kind::kMoreThanLength, 1000)});
+  const auto group = downloadAll({offer("first", "a"), offer("second", "b"), offer("third", "c")});
+  EXPECT_EQ(recorder.group(group).state, kGroupCompleted);
+  EXPECT_EQ(contentOf(target / "first"), "a");
+  EXPECT_EQ(contentOf(target / "second"), "b");
+}
+
 TEST_F(DownloadFaults, FollowsRedirectsButNotForEver) {
   CFaultServer other;
   other.put("/moved", "moved content");

@@ -96,7 +96,7 @@ void CDownloadAttempt::onReopened(CPartialFile::Found found, const DownloadResum
 // Asks for what is missing.
 void CDownloadAttempt::fetch() {
   if (there_ != 0 && size_ == there_) {
-    listener_.onArrived(order_.job, there_);
+    arrive(there_);
     return;
   }
   // Without a name for the version nobody can tell whether the rest would be of the same.
@@ -159,6 +159,9 @@ std::optional<ByteSpan> CDownloadAttempt::beginContent() {
     size_ = plan_->size;
     writer_->restart(validator_, size_.value_or(DownloadResume::kUnknown));
   }
+  if (plan_->size) {
+    size_ = plan_->size;
+  }
   there_ = plan_->begin;
   order_.progress->bytes = there_;
   if (size_) {
@@ -184,7 +187,7 @@ void CDownloadAttempt::onFetched(const HttpAnswer& answer) {
       judgeBody(answer);
       return;
     case FetchPlan::Kind::kComplete:
-      listener_.onArrived(order_.job, there_);
+      arrive(there_);
       return;
     case FetchPlan::Kind::kStartOver:
       startOver();
@@ -249,9 +252,14 @@ void CDownloadAttempt::judgeBody(const HttpAnswer& answer) {
     return;
   }
   fetch_->add();
+  arrive(arrived);
+}
+
+void CDownloadAttempt::arrive(std::uint64_t size) {
   fetch_.reset();
-  order_.progress->size = arrived;
-  listener_.onArrived(order_.job, arrived);
+  order_.progress->size = size;
+  order_.progress->bytes = size;
+  listener_.onArrived(order_.job, size);
 }
 
 // Reports once what has come is written, so that the next attempt finds it.

@@ -56,6 +56,7 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   std::optional<ByteSpan> beginContent();
   void startOver();
   void judgeBody(const HttpAnswer& answer);
+  void arrive(std::uint64_t size);
   void finish(AttemptOutcome outcome);
   void report(AttemptOutcome outcome);
 

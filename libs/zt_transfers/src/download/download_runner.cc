@@ -27,13 +27,34 @@ void CDownloadRunner::stop(JobId job, bool discard) {
   }
   const auto landing = landing_.find(job);
   if (landing != landing_.end() && discard) {
-    landing->second->discard();
+    landing->second.file->discard();
   }
 }
 
 void CDownloadRunner::stopAll() {
+  for (const auto& [job, attempt] : attempts_) {
+    if (attempt->writer()) {
+      stopped_.push_back({attempt->writer()->file(), attempt->progress()});
+    }
+  }
+  for (const auto& [job, rest] : landing_) {
+    stopped_.push_back(rest);
+  }
   attempts_.clear();
   landing_.clear();
+}
+
+void CDownloadRunner::settle() {
+  for (const auto& [file, progress] : stopped_) {
+    try {
+      file->checkpoint();
+      progress->setResume(file->resume());
+    } catch (const std::exception& error) {
+      log_.warning("What was downloaded of a file may be fetched again: " +
+                   std::string(error.what()));
+    }
+  }
+  stopped_.clear();
 }
 
 void CDownloadRunner::discard(const Leftover& leftover) {
@@ -53,7 +74,7 @@ void CDownloadRunner::onArrived(JobId job, std::uint64_t size) {
   const auto found = attempts_.find(job);
   const std::shared_ptr<CPartialWriter> writer = found->second->writer();
   const std::shared_ptr<JobProgress> progress = found->second->progress();
-  landing_.emplace(job, writer->file());
+  landing_.emplace(job, Rest{writer->file(), progress});
   attempts_.erase(found);
   const auto done = [this, job](const AttemptOutcome& outcome) { landed(job, outcome); };
   writer->finish([this, size, progress, done](const std::shared_ptr<CPartialFile>& file,

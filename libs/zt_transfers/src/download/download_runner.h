@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <unordered_map>
+#include <vector>
 
 #include "download/download_attempt.h"
 #include "download/lander.h"
@@ -19,9 +20,16 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
   bool start(StartOrder order) override;
   void stop(JobId job, bool discard) override;
   void stopAll() override;
+  void settle() override;
   void discard(const Leftover& leftover) override;
 
  private:
+  // What an attempt has written, and where that is noted.
+  struct Rest {
+    std::shared_ptr<CPartialFile> file;
+    std::shared_ptr<JobProgress> progress;
+  };
+
   void onCheckpoint(JobId job) override { observer_.onAttemptCheckpoint(job); }
   void onArrived(JobId job, std::uint64_t size) override;
   void onEnded(JobId job, const AttemptOutcome& outcome) override;
@@ -35,7 +43,8 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
   CLander lander_;
   std::unordered_map<JobId, std::unique_ptr<CDownloadAttempt>> attempts_;
   // Those that need the network no more.
-  std::unordered_map<JobId, std::shared_ptr<CPartialFile>> landing_;
+  std::unordered_map<JobId, Rest> landing_;
+  std::vector<Rest> stopped_;  // at the end, to be settled
 };
 
 }  // namespace zt_transfers

@@ -116,6 +116,9 @@ class IAttemptRunner {
   // changes nothing.
   virtual void stop(JobId job, bool discard) = 0;
   virtual void stopAll() = 0;
+  // Once neither the network nor the pool runs: makes durable what stopped attempts have written,
+  // and notes it in their progress. Thread: the owner's.
+  virtual void settle() {}
   // Removes what an attempt that has ended left behind.
   virtual void discard(const Leftover& leftover) = 0;
 };

@@ -13,7 +13,6 @@ AttemptOutcome judgeTransport(const HttpAnswer& answer) {
   }
   switch (answer.code) {
     case CURLE_URL_MALFORMAT:
-    case CURLE_UNSUPPORTED_PROTOCOL:
     case CURLE_PEER_FAILED_VERIFICATION:
     case CURLE_SSL_CACERT_BADFILE:
       return AttemptOutcome::final(answer.error);
@@ -25,6 +24,7 @@ AttemptOutcome judgeTransport(const HttpAnswer& answer) {
       outcome.sharedTrouble = true;
       return outcome;
     }
+    // Also what is no HTTP at all: bytes that an answer before left on the connection.
     default:
       return AttemptOutcome::retry(answer.error);
   }

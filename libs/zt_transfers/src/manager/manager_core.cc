@@ -132,6 +132,7 @@ void CManagerCore::shutdown() {
   loop_.stop();
   pool_.stop();
   measuring_ = false;
+  runner_->settle();
   engine_.stop();
   notifier_.stop();
   closeQueue();

@@ -41,6 +41,7 @@ struct Fault {
     kNoLength,        // announces no length and closes after all but `bytes`
     kNoLastChunk,     // gives all of it in chunks, and closes before the one that ends them
     kExtraBytes,      // the same with `bytes` more than there are
+    kMoreThanLength,  // sends `bytes` more than it announces, and keeps the connection
     kCorrupt,         // changes the byte at `bytes`
   };
 

@@ -97,6 +97,9 @@ ObjectReply replyTo(const CFaultServer::Request& request, const std::string& con
       reply.body.append(fault.bytes, 'x');
       reply.keep = false;
       break;
+    case Fault::Kind::kMoreThanLength:
+      reply.body.append(fault.bytes, 'x');
+      break;
     case Fault::Kind::kNoLastChunk: {
       std::ostringstream chunk;
       chunk << std::hex << reply.body.size() << "\r\n" << reply.body << "\r\n";
@@ -112,8 +115,13 @@ ObjectReply replyTo(const CFaultServer::Request& request, const std::string& con
   }
   const bool hasLength =
       fault.kind != Fault::Kind::kNoLength && fault.kind != Fault::Kind::kExtraBytes;
-  headers +=
-      hasLength ? "Content-Length: " + std::to_string(announced) + "\r\n" : "Connection: close\r\n";
+  if (fault.kind == Fault::Kind::kNoLastChunk) {
+    headers += "Transfer-Encoding: chunked\r\n";
+  } else if (hasLength) {
+    headers += "Content-Length: " + std::to_string(announced) + "\r\n";
+  } else {
+    headers += "Connection: close\r\n";
+  }
   reply.head =
       std::string("HTTP/1.1 ") + (range ? "206" : "200") + " Status\r\n" + headers + "\r\n";
   return reply;

@@ -59,6 +59,17 @@ TEST_F(UploadRestart, GoesOnWithWhatWasNotSent) {
   EXPECT_TRUE(after.filesOf("one").empty());
 }
 
+TEST_F(UploadRestart, DoesNotReportGroupsAgainThatWereCompleted) {
+  const auto completed = upload({describe("one", "first")});
+  ASSERT_TRUE(recorder.waitForGroupState(completed, kGroupCompleted));
+  const auto paused = newGroup();
+  manager.pauseGroup(paused);
+  restart();
+  ASSERT_TRUE(after.waitForGroup(paused, [](const auto& group) { return group.paused; }));
+  EXPECT_EQ(after.lastGroup(completed).id, 0);
+  EXPECT_EQ(groups().front().state, kGroupCompleted);
+}
+
 TEST_F(UploadRestart, KeepsPausedGroupsPausedAndUnmarkedOnesOpen) {
   const auto paused = newGroup();
   manager.pauseGroup(paused);

@@ -32,7 +32,13 @@ void CReporter::group(const CTransferGroup& group, TimePoint now) {
 }
 
 void CReporter::groupAnew(const CTransferGroup& group, TimePoint now) {
-  if (running_) {
+  if (!running_) {
+    return;
+  }
+  const GroupSnapshot shot = group.snapshot(running_, now);
+  if (shot.state == kGroupCompleted) {
+    remember(shot, now);
+  } else {
     tell(group, now);
   }
 }
@@ -44,14 +50,18 @@ void CReporter::forget(std::int32_t groupId) {
 
 void CReporter::tell(const CTransferGroup& group, TimePoint now) {
   GroupSnapshot shot = group.snapshot(running_, now);
-  told_[group.id()] = Told{.when = now,
-                           .state = shot.state,
-                           .paused = shot.paused,
-                           .cancelled = shot.cancelled,
-                           .marked = shot.marked,
-                           .empty = shot.empty};
+  remember(shot, now);
   due_.erase(group.id());
   events_.push(std::move(shot));
+}
+
+void CReporter::remember(const GroupSnapshot& shot, TimePoint now) {
+  told_[shot.id] = Told{.when = now,
+                        .state = shot.state,
+                        .paused = shot.paused,
+                        .cancelled = shot.cancelled,
+                        .marked = shot.marked,
+                        .empty = shot.empty};
 }
 
 }  // namespace zt_transfers

@@ -26,7 +26,8 @@ class CReporter {
   void file(const FileState& state);
   // After anything about the group changed.
   void group(const CTransferGroup& group, TimePoint now);
-  // Whatever was told before.
+  // At the start, whatever was told before. A group that is completed is no news: the program opens
+  // the folders of downloads when it is told so.
   void groupAnew(const CTransferGroup& group, TimePoint now);
   void forget(std::int32_t groupId);
 
@@ -57,6 +58,7 @@ class CReporter {
   };
 
   void tell(const CTransferGroup& group, TimePoint now);
+  void remember(const GroupSnapshot& shot, TimePoint now);
 
   CEventQueue& events_;
   bool running_ = false;

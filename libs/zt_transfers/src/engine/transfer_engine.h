@@ -69,8 +69,8 @@ class CTransferEngine final : public IAttemptObserver {
   void cancelGroup(std::int32_t groupId);
   void setSettings(const Settings& settings);
 
-  // Cancelled groups leave, all others are reported once, and with each the first thousand of its
-  // failed files.
+  // Cancelled groups leave; all others but those that are completed are reported once, and with
+  // each the first thousand of its failed files.
   void start();
   // Call it when no attempt runs any more. Files that were under way wait again; no event
   // follows.

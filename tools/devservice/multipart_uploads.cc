@@ -168,12 +168,12 @@ void CMultipartUploads::check(const Parts& parts, const std::vector<PartClaim>& 
     const auto part = parts.find(claim.number);
     if (part == parts.end() || part->second.md5 != claim.etag) {
       throw CHttpError(400, "InvalidPart",
-                       "Part " + std::to_string(claim.number) +
+                       "Part number " + std::to_string(claim.number) +
                            " has not arrived, or has another ETag than the list says.");
     }
     if (part->second.size < smallestPart_ && claim.number != claims.back().number) {
       throw CHttpError(400, "EntityTooSmall",
-                       "Part " + std::to_string(claim.number) + " has only " +
+                       "Part number " + std::to_string(claim.number) + " has only " +
                            std::to_string(part->second.size) +
                            " bytes; only the last may have less "
                            "than " +

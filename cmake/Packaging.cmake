@@ -20,6 +20,8 @@ set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${ZANTRIO_BUNDLE_DIR}/lib)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "ca-certificates, libqt6svg6, qt6-qpa-plugins, xdg-utils")
+# Contacts are suggested where there is a server that keeps them.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS evolution-data-server)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION net)
 set(CPACK_STRIP_FILES ON)

@@ -4,6 +4,7 @@
 
 #include "app/logger.h"
 #include "files/query_handler_file_handle_chooser.h"
+#include "services/query_handler_address_book_manager.h"
 #include "services/query_handler_event_notification.h"
 #include "services/query_handler_native_app.h"
 #include "transfers/query_handler_download_manager.h"
@@ -24,6 +25,7 @@ const std::vector<QueryBridge>& applicationBridges() {
       {"downloadManagerBridge_IPC", create<CQueryHandlerDownloadManager>},
       {"fileHandleChooserBridge_IPC", create<CQueryHandlerFileHandleChooser>},
       {"eventNotificationBridge_IPC", create<CQueryHandlerEventNotification>},
+      {"addressBookSearchManagerBridge_IPC", create<CQueryHandlerAddressBookManager>},
   };
   return bridges;
 }

@@ -1,5 +1,6 @@
 """A D-Bus session of one's own, with the desktop services that a test puts on it."""
 
+import os
 import subprocess
 import tempfile
 
@@ -9,12 +10,13 @@ from . import process
 from .wait import wait_until
 
 
-# Everybody may do everything, and no service of the system is started on demand.
+# Everybody may do everything; of the system's services only those that were asked for start on demand.
 CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig>
   <type>session</type>
   <listen>unix:tmpdir=/tmp</listen>
+  {services}
   <policy context="default">
     <allow send_destination="*" eavesdrop="true"/>
     <allow eavesdrop="true"/>
@@ -25,15 +27,19 @@ CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Con
 
 
 class SessionBus:
-    """A bus without any services; programs that get its `environment()` use it."""
+    """A bus without any services; programs that get its `environment()` use it.
 
-    def __init__(self):
+    Services that are described in the folder `services` are started on demand, with `variables`.
+    """
+
+    def __init__(self, services=None, variables=None):
+        element = f"<servicedir>{services}</servicedir>" if services else ""
         with tempfile.NamedTemporaryFile("w", suffix=".conf") as configuration:
-            configuration.write(CONFIGURATION)
+            configuration.write(CONFIGURATION.format(services=element))
             configuration.flush()
             self._daemon = process.start(
                 ["dbus-daemon", f"--config-file={configuration.name}", "--nofork", "--print-address=1"],
-                stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+                env={**os.environ, **(variables or {})}, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
             self.address = self._daemon.stdout.readline().strip()
         if not self.address:
             raise process.Failure("the session bus (dbus-daemon) did not start")

@@ -7,6 +7,7 @@
 #include "bridge/query_handler_base.h"
 #include "bridge/register_query_handlers.h"
 #include "src/fakes/fake_query_callback.h"
+#include "src/fakes/fake_services.h"
 #include "src/fakes/log_capture.h"
 
 namespace zantrio {
@@ -92,9 +93,22 @@ TEST_F(BridgeRegistry, HoldsTheApplicationsBridges) {
     names.push_back(name);
   }
   EXPECT_EQ(names,
-            (std::vector<std::string>{"downloadManagerBridge_IPC", "eventNotificationBridge_IPC",
+            (std::vector<std::string>{"addressBookSearchManagerBridge_IPC",
+                                      "downloadManagerBridge_IPC", "eventNotificationBridge_IPC",
                                       "fileHandleChooserBridge_IPC", "nativeAppBridge_IPC",
                                       "uploadManagerBridge_IPC"}));
+}
+
+TEST_F(BridgeRegistry, HoldsTheOtherBridgesWhereThereIsNoAddressBook) {
+  const LogCapture log;
+  test::FakeServices::instance().hasAddressBook = false;
+  registerQueryHandlers();
+  test::FakeServices::instance().reset();
+  EXPECT_EQ(registry.entries().size(), 5U);
+  EXPECT_EQ(registry.entries().count("addressBookSearchManagerBridge_IPC"), 0U);
+  EXPECT_TRUE(
+      log.contains("error Query handler for name addressBookSearchManagerBridge_IPC is not "
+                   "registered due to exception: Failed to obtain system address book reference!"));
 }
 
 }  // namespace

@@ -19,8 +19,9 @@ from harness.wait import wait_until
 BUILD = pathlib.Path(os.environ["ZANTRIO_BUILD"])
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 
-# No test finds the session of whoever runs it, with its contacts and notifications.
-os.environ["DBUS_SESSION_BUS_ADDRESS"] = "unix:path=/nonexistent/bus"
+# No test finds the services of whoever runs it, contacts and notifications among them.
+for bus in ("DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS"):
+    os.environ[bus] = "unix:path=/nonexistent/bus"
 
 
 class Sandbox(unittest.TestCase):

@@ -92,11 +92,10 @@ TEST_F(BridgeRegistry, HoldsTheApplicationsBridges) {
   for (const auto& [name, handler] : registry.entries()) {
     names.push_back(name);
   }
-  EXPECT_EQ(names,
-            (std::vector<std::string>{"addressBookSearchManagerBridge_IPC",
-                                      "downloadManagerBridge_IPC", "eventNotificationBridge_IPC",
-                                      "fileHandleChooserBridge_IPC", "nativeAppBridge_IPC",
-                                      "uploadManagerBridge_IPC"}));
+  EXPECT_EQ(names, (std::vector<std::string>{
+                       "addressBookSearchManagerBridge_IPC", "downloadManagerBridge_IPC",
+                       "eventNotificationBridge_IPC", "fileHandleChooserBridge_IPC",
+                       "nativeAppBridge_IPC", "uploadManagerBridge_IPC"}));
 }
 
 TEST_F(BridgeRegistry, HoldsTheOtherBridgesWhereThereIsNoAddressBook) {

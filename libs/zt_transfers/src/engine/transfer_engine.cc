@@ -255,6 +255,11 @@ bool CTransferEngine::onAttemptLanding(JobId id) {
   return true;
 }
 
+bool CTransferEngine::isTransferring() const {
+  const std::lock_guard lock(mutex_);
+  return !book_.jobs().empty();
+}
+
 bool CTransferEngine::collectProgress() {
   const std::lock_guard lock(mutex_);
   const TimePoint now = clock_.now();

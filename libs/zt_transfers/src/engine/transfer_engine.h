@@ -86,6 +86,8 @@ class CTransferEngine final : public IAttemptObserver {
   // For the thread that reports: adds progress that is due to the events; false when nothing is
   // under way that could make progress.
   bool collectProgress();
+  // Whether an attempt is under way.
+  bool isTransferring() const;
 
   // For the pool: up to `limit` files whose size is not known yet, and what was found. There can be
   // some that `hasUnmeasured` leaves out while their descriptions are being brought.

@@ -67,6 +67,8 @@ CManagerCore::CManagerCore(Options options)
                  .deliver = options_.deliver,
                  .collectProgress = [this] { return engine_.collectProgress(); },
                  .caughtUp = [this] { loop_.wake(); }}),
+      sleepGuard_("zt-wake-" + options_.shortName,
+                  makeSleepInhibitor("Files are transferred", log_)),
       runner_(
           options_.makeRunner({.loop = loop_, .pool = pool_, .log = log_, .observer = engine_})) {
   engine_.setWake([this] { loop_.wake(); });
@@ -105,6 +107,7 @@ void CManagerCore::configure(const CTransferManagerBase::Configuration& configur
        .verify = configuration.verifyUploads,
        .proxy = configuration.proxy,
        .parts = {.from = configuration.minMultipartSize, .size = configuration.partSize}});
+  sleepGuard_.setWanted(configuration.preventSleep);
   throttle_ = configuration.throttleBytesPerSecond;
   loop_.post([this, rate = throttle_] { loop_.throttle().setRate(rate, clock_.now()); });
 }
@@ -118,6 +121,7 @@ void CManagerCore::startup() {
   log_.information("Starting " + options_.engine.activity + "s");
   engine_.start();
   notifier_.start();
+  sleepGuard_.start();
   pool_.start(poolSize());
   loop_.throttle().setRate(throttle_, clock_.now());  // before anything is begun
   loop_.start([this] { return turn(); }, [this] { runner_->stopAll(); });
@@ -134,6 +138,8 @@ void CManagerCore::shutdown() {
   measuring_ = false;
   runner_->settle();
   engine_.stop();
+  sleepGuard_.setTransferring(false);
+  sleepGuard_.stop();
   notifier_.stop();
   closeQueue();
   log_.information("Stopped " + options_.engine.activity + "s");
@@ -170,6 +176,7 @@ std::optional<TimePoint> CManagerCore::turn() {
   for (StartOrder& order : work.starts) {
     allBegun = runner_->start(std::move(order)) && allBegun;
   }
+  sleepGuard_.setTransferring(engine_.isTransferring());
   // An attempt that could not even begin has made room for the next.
   return allBegun ? work.nextDue : clock_.now();
 }

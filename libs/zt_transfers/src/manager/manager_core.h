@@ -11,6 +11,7 @@
 #include "http/http_loop.h"
 #include "log/log.h"
 #include "manager/notifier.h"
+#include "power/sleep_guard.h"
 #include "store/stored_queue.h"
 #include "threads/worker_pool.h"
 #include "zt_transfers/transfer_manager_base.h"
@@ -19,10 +20,11 @@ namespace zt_transfers {
 
 // What both managers are made of: the engine, its threads, and the wiring between them.
 //
-// Threads: one for the network ("zt-net-…"), one that tells events ("zt-tell-…"), and a pool
-// for files ("zt-disk-…"), all between startup and shutdown only. One for the database
-// ("zt-store-…") from the first change or startup to shutdown. Ownership: a manager owns one; the
-// program's one thread calls all operations.
+// Threads: one for the network ("zt-net-…"), one that tells events ("zt-tell-…"), one that keeps
+// the machine awake ("zt-wake-…"), and a pool for files ("zt-disk-…"), all between startup and
+// shutdown only. One for the database ("zt-store-…") from the first change or startup to
+// shutdown. Ownership: a manager owns one; the program's one thread calls all
+// operations.
 class CManagerCore {
  public:
   struct RunnerParts {
@@ -79,6 +81,7 @@ class CManagerCore {
   CWorkerPool pool_;
   CHttpLoop loop_;
   CNotifier notifier_;
+  CSleepGuard sleepGuard_;
   const std::unique_ptr<IAttemptRunner> runner_;
   std::mutex opening_;
   bool opened_ = false;  // guarded by opening_

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "power/sleep_inhibitor.h"
+
+namespace zt_transfers {
+
+// Keeps the machine awake while something is transferring and that is wanted. The system is asked
+// in a thread of the guard's own, so that it holds up no transfer.
+//
+// Thread: start and stop by the owner, everything else any.
+class CSleepGuard {
+ public:
+  // Between two transfers the machine is kept awake for `linger`, so that a row of small files does
+  // not keep asking the system.
+  CSleepGuard(std::string threadName, std::unique_ptr<ISleepInhibitor> inhibitor,
+              std::chrono::milliseconds linger = std::chrono::seconds(1));
+  ~CSleepGuard() { stop(); }
+  CSleepGuard(const CSleepGuard&) = delete;
+  CSleepGuard& operator=(const CSleepGuard&) = delete;
+
+  void start();
+  // Lets the machine sleep.
+  void stop();
+
+  void setWanted(bool wanted);
+  void setTransferring(bool transferring);
+
+ private:
+  void run();
+  void waitForEnd(std::unique_lock<std::mutex>& lock);
+  void set(bool& flag, bool value);
+  bool mustHold() const { return wanted_ && transferring_ && !stopping_; }
+
+  const std::string threadName_;
+  const std::unique_ptr<ISleepInhibitor> inhibitor_;  // the guard's thread only
+  const std::chrono::milliseconds linger_;
+  std::thread thread_;
+
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  // Guarded by mutex_.
+  bool wanted_ = false;
+  bool transferring_ = false;
+  bool stopping_ = false;
+};
+
+}  // namespace zt_transfers

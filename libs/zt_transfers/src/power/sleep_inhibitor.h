@@ -1,0 +1,24 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "log/log.h"
+
+namespace zt_transfers {
+
+// Keeps the machine from going to sleep. Thread: one at a time; calls may take seconds.
+class ISleepInhibitor {
+ public:
+  // Lets the machine sleep again.
+  virtual ~ISleepInhibitor() = default;
+
+  // Where it is not possible nothing happens, which is logged once.
+  virtual void inhibit() = 0;
+  virtual void release() = 0;
+};
+
+// The system's. `reason` is what a person may read who wants to know why the machine stays awake.
+std::unique_ptr<ISleepInhibitor> makeSleepInhibitor(std::string reason, ILog& log);
+
+}  // namespace zt_transfers

@@ -52,6 +52,7 @@ class CTransferBook {
   void remove(CTransferGroup& group, std::uint32_t index);
 
   CJobTable& jobs() { return jobs_; }
+  const CJobTable& jobs() const { return jobs_; }
   // The order to begin a file, which runs from here on.
   StartOrder begin(CTransferGroup& group, std::uint32_t index, FileSpec spec);
   // The attempt has ended.

@@ -182,6 +182,18 @@ TEST(Browser, LoadsAPageAgainWhoseProcessEndedWhenTheClientDoesNotCare) {
   EXPECT_TRUE(page.waitFor("up"));
 }
 
+TEST(Browser, ClosesWhenItsRenderProcessEndsInsteadOfAnswering) {
+  TestBrowser page("<script>testQuery({request: 'up'})</script>");
+  page.client().leavesRequestsToFramework = true;
+  ASSERT_TRUE(page.waitFor("up"));
+  page.evaluate("addEventListener('beforeunload', event => event.preventDefault())");
+  for (const pid_t process : renderProcesses()) {
+    kill(process, SIGKILL);
+  }
+  page.browser()->GetHost()->CloseBrowser(false);
+  EXPECT_TRUE(page.waitForEvent("closed"));
+}
+
 TEST(Browser, GoesBackInItsHistoryToAPageWhoseQueriesWork) {
   TestBrowser page("<script>onpageshow = () => testQuery({request: 'first'})</script>");
   ASSERT_TRUE(page.waitFor("first"));

@@ -84,6 +84,7 @@ Page::Page(QWebEngineProfile* profile, Browser* browser, const CefBrowserSetting
     keepScript();
   }
   connect(this, &QWebEnginePage::renderProcessTerminated, this, &Page::renderProcessEnded);
+  connect(this, &QWebEnginePage::loadStarted, this, [this] { processGone_ = false; });
   connect(this, &QWebEnginePage::geometryChangeRequested, this, [this](const QRect& rect) {
     if (browser_->window()) {
       browser_->window()->setGeometry({rect.x(), rect.y(), rect.width(), rect.height()});
@@ -193,6 +194,10 @@ bool Page::javaScriptPrompt(const QUrl& origin, const QString& text, const QStri
 }
 
 void Page::askToClose() {
+  if (processGone_) {
+    browser_->pageAgreedToClose();  // nobody is left to answer
+    return;
+  }
   askedToClose_ = true;
   triggerAction(RequestClose);
 }
@@ -237,6 +242,7 @@ void Page::javaScriptConsoleMessage(JavaScriptConsoleMessageLevel level, const Q
 }
 
 void Page::renderProcessEnded(RenderProcessTerminationStatus status, int exitCode) {
+  processGone_ = true;
   // Chromium starts the next process under the same number, and Qt takes it for one that has the
   // profile's script already; what a page has itself is sent again.
   Profile::setLostItsScript();
@@ -252,9 +258,14 @@ void Page::renderProcessEnded(RenderProcessTerminationStatus status, int exitCod
       return;
     }
     browser->documents()->processGone();
-    if (const auto handler = client->GetRequestHandler()) {
+    const bool closing = self && std::exchange(self->askedToClose_, false);
+    const auto handler = client->GetRequestHandler();
+    if (handler) {
       handler->OnRenderProcessTerminated(browser, status, exitCode, CefString());
-    } else if (self) {
+    }
+    if (closing) {
+      browser->pageAgreedToClose();
+    } else if (!handler && self) {
       self->loadAgain();
     }
   });

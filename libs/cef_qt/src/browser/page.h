@@ -62,6 +62,7 @@ class Page final : public QWebEnginePage {
   Browser* const browser_;
   const CefBrowserSettings settings_;
   bool askedToClose_ = false;
+  bool processGone_ = false;  // and no new one was begun
   QPointer<QDialog> leaveQuestion_;
   QElapsedTimer loadedAgain_;
   int dialogDepth_ = 0;

@@ -72,6 +72,7 @@ void CFakeLoginManager::startDaemon() {
   const auto config = sandbox_.file(
       "bus.conf", "<busconfig><listen>unix:tmpdir=" + sandbox_.folder().string() +
                       "</listen><policy context=\"default\"><allow send_destination=\"*\"/>"
+                      "<allow receive_sender=\"*\"/>"
                       "<allow own=\"*\"/></policy></busconfig>");
   const std::string command =
       "exec dbus-daemon --nofork --print-address=1 --print-pid=1 '--config-file=" +

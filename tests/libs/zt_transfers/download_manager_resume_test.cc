@@ -110,7 +110,7 @@ TEST_F(DownloadResumption, LastsThroughMoreBreaksThanRetriesAsLongAsItGetsOn) {
   retryAtMost(2);
   const std::string large = patternOf(9'000'000);
   File file = offer("file", large);
-  server.plan("/file", std::vector<Fault>(4, fault::resetAfter(2'000'000)));
+  server.plan("/file", std::vector<Fault>(4, fault::of(Fault::Kind::kCloseAfter, 2'000'000)));
   const auto group = downloadAll({file});
   EXPECT_EQ(recorder.group(group).state, kGroupCompleted);
   EXPECT_EQ(contentOf(target / "file"), large);

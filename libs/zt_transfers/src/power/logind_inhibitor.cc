@@ -52,10 +52,10 @@ Taken takeLock(const std::string& reason) {
 
   BusError error;
   sd_bus_message* answered = nullptr;
-  int result = sd_bus_call_method(bus.get(), "org.freedesktop.login1", "/org/freedesktop/login1",
-                                  "org.freedesktop.login1.Manager", "Inhibit", error.get(),
-                                  &answered, "ssss", "sleep:idle", "Zantrio", reason.c_str(),
-                                  "block");
+  int result =
+      sd_bus_call_method(bus.get(), "org.freedesktop.login1", "/org/freedesktop/login1",
+                         "org.freedesktop.login1.Manager", "Inhibit", error.get(), &answered,
+                         "ssss", "sleep:idle", "Zantrio", reason.c_str(), "block");
   const Message answer(answered);
   int descriptor = -1;
   if (result >= 0) {

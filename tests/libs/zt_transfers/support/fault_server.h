@@ -33,6 +33,7 @@ struct Fault {
     kNoETag,
     kSlow,  // takes or gives `bytes` a second
     // For GET only:
+    kCloseAfter,      // closes the connection after `bytes` of the body
     kNoRanges,        // gives all of it, whatever was asked for
     kIgnoresIfRange,  // gives the range of another version, with the tag `body`
     kShiftedRange,    // gives a range that begins `bytes` later than asked for

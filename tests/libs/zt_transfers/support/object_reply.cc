@@ -82,6 +82,7 @@ ObjectReply replyTo(const CFaultServer::Request& request, const std::string& con
   std::size_t announced = reply.body.size();
   switch (fault.kind) {
     case Fault::Kind::kResetAfter:
+    case Fault::Kind::kCloseAfter:
       reply.body.resize(std::min<std::size_t>(reply.body.size(), fault.bytes));
       reply.keep = false;
       break;

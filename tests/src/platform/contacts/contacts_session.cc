@@ -7,7 +7,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <map>
 #include <sstream>
 #include <stdexcept>
 #include <vector>
@@ -20,54 +19,29 @@ namespace {
 constexpr const char* kInstalledServices = "/usr/share/dbus-1/services";
 constexpr const char* kServicePrefix = "org.gnome.evolution.dataserver.";
 
-struct ProcessInfo {
-  int parent = 0;
-  std::string name;
-};
-
-// The name is cut off by the system after 15 characters, and may hold anything but a ')'.
-ProcessInfo readStat(const fs::path& folder) {
-  std::ifstream file(folder / "stat");
-  const std::string text{std::istreambuf_iterator<char>(file), {}};
-  const std::size_t begin = text.find('(');
-  const std::size_t end = text.rfind(')');
-  if (begin == std::string::npos || end == std::string::npos) {
-    return {};
-  }
-  ProcessInfo info;
-  info.name = text.substr(begin + 1, end - begin - 1);
-  char state = 0;
-  std::istringstream(text.substr(end + 1)) >> state >> info.parent;
-  return info;
+std::string contentOf(const fs::path& path) {
+  std::ifstream file(path);
+  return {std::istreambuf_iterator<char>(file), {}};
 }
 
-std::map<int, ProcessInfo> readProcesses() {
-  std::map<int, ProcessInfo> processes;
-  for (const auto& entry : fs::directory_iterator("/proc")) {
-    const std::string name = entry.path().filename();
-    if (name.find_first_not_of("0123456789") == std::string::npos) {
-      processes[std::stoi(name)] = readStat(entry.path());
-    }
-  }
-  return processes;
+// The name is cut off by the system after 15 characters.
+std::string nameOf(int process) {
+  const std::string line = contentOf("/proc/" + std::to_string(process) + "/comm");
+  return line.substr(0, line.find('\n'));
 }
 
-bool descendsFrom(const std::map<int, ProcessInfo>& processes, int id, int ancestor) {
-  for (auto found = processes.find(id); found != processes.end();
-       found = processes.find(found->second.parent)) {
-    if (found->second.parent == ancestor) {
-      return true;
-    }
-  }
-  return false;
-}
-
-std::vector<int> descendants(int ancestor) {
-  const std::map<int, ProcessInfo> processes = readProcesses();
+// The services that the session's bus has started: they have its home folder in their environment.
+// Their parent says nothing, as the bus hands them over to the system.
+std::vector<int> servicesWithHome(const std::string& home) {
+  const std::string mark = '\0' + ("HOME=" + home) + '\0';
   std::vector<int> found;
-  for (const auto& [id, info] : processes) {
-    if (descendsFrom(processes, id, ancestor)) {
-      found.push_back(id);
+  for (const auto& entry : fs::directory_iterator("/proc")) {
+    const std::string id = entry.path().filename();
+    if (id.find_first_not_of("0123456789") != std::string::npos || std::stoi(id) == getpid()) {
+      continue;
+    }
+    if (('\0' + contentOf(entry.path() / "environ")).find(mark) != std::string::npos) {
+      found.push_back(std::stoi(id));
     }
   }
   return found;
@@ -139,7 +113,7 @@ void ContactsSession::startBus(Services services) {
 
 void ContactsSession::endBus() {
   if (bus_) {
-    const std::vector<int> services = descendants(bus_->id());
+    const std::vector<int> services = servicesWithHome(folder_.path());
     kill(bus_->id(), SIGTERM);
     bus_->wait();
     bus_.reset();
@@ -152,8 +126,8 @@ void ContactsSession::endBus() {
 
 void ContactsSession::killBookServers() const {
   int killed = 0;
-  for (const int service : descendants(bus_->id())) {
-    if (readStat("/proc/" + std::to_string(service)).name == "evolution-addre") {
+  for (const int service : servicesWithHome(folder_.path())) {
+    if (nameOf(service) == "evolution-addre") {
       killed += kill(service, SIGKILL) == 0 ? 1 : 0;
     }
   }

@@ -1,7 +1,9 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <thread>
 
 #include "download_fixture.h"
 
@@ -89,6 +91,48 @@ TEST_F(DownloadResumption, TakesItForDoneWhenTheServerHasNoMore) {
   EXPECT_EQ(recorder.group(group).bytesTotal, kSize);
   EXPECT_EQ(rangeOf(1), "bytes=" + std::to_string(kSize) + "-");
   EXPECT_EQ(contentOf(target / "file"), content);
+}
+
+TEST_F(DownloadResumption, TakesNoOtherLengthThanTheAnnouncedForDone) {
+  retryAtMost(1);
+  File file = offerBroken(fault::none(), fault::of(Fault::Kind::kNoLastChunk));
+  file.size = kSize + 1;
+  file.md5Digest.clear();
+  const auto group = downloadAll({file});
+  EXPECT_EQ(recorder.group(group).state, kGroupErrored);
+  EXPECT_FALSE(fs::exists(target / "file"));
+}
+
+TEST_F(DownloadResumption, AsksOnWhenARangeDoesNotSayHowMuchThereIs) {
+  const Fault noTotal = fault::of(Fault::Kind::kNoTotal, kSize / 3);
+  Fault broken = fault::of(Fault::Kind::kNoLastChunk);
+  broken.bytes = kSize / 4;
+  File file = offer("file", content);
+  file.size = 0;
+  server.plan("/file", {broken, noTotal, noTotal, noTotal, noTotal});
+  const auto group = downloadAll({file});
+  EXPECT_EQ(recorder.group(group).state, kGroupCompleted);
+  EXPECT_EQ(contentOf(target / "file"), content);
+}
+
+TEST_F(DownloadResumption, LeavesNothingOfManyFilesThatAreCancelledAsTheyArrive) {
+  std::vector<File> files;
+  for (int number = 0; number < 600; ++number) {
+    files.push_back(offer("file" + std::to_string(number), patternOf(2'000, unsigned(number))));
+  }
+  const auto group = download(files);
+  ASSERT_TRUE(
+      recorder.waitForGroup(group, [](const auto& shot) { return shot.filesCompleted > 50; }));
+  manager.cancelGroup(group);
+  const auto someHidden = [&] {
+    const auto names = namesThere();
+    return std::any_of(names.begin(), names.end(), [](const auto& name) { return name[0] == '.'; });
+  };
+  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+  while (someHidden() && std::chrono::steady_clock::now() < limit) {
+    std::this_thread::yield();
+  }
+  EXPECT_FALSE(someHidden());  // while the manager runs
 }
 
 TEST_F(DownloadResumption, GivesUpOnAServerWhoseVersionNeverStays) {

@@ -148,6 +148,16 @@ TEST_F(DownloadManager, FailsWhatHasExpiredWithThatReasonAndGoesOn) {
   EXPECT_THAT(log(), Not(HasSubstr("secret")));
 }
 
+TEST_F(DownloadManager, ReportsAGroupToBeCompletedOnce) {
+  const File file = offer("file", "content");
+  const auto group = downloadAll({file, offer("other", "content")});
+  manager.pauseGroup(group);
+  manager.resumeGroup(group);
+  manager.dequeueFiles(group, {file});
+  downloadAll({offer("last", "content")});
+  EXPECT_EQ(recorder.completions(group), 1);
+}
+
 TEST_F(DownloadManager, SurvivesBeingStoppedAtAnyMoment) {
   std::vector<File> files;
   for (int number = 0; number < 6; ++number) {

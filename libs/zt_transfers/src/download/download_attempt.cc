@@ -187,7 +187,7 @@ void CDownloadAttempt::onFetched(const HttpAnswer& answer) {
       judgeBody(answer);
       return;
     case FetchPlan::Kind::kComplete:
-      arrive(there_);
+      judgeComplete();
       return;
     case FetchPlan::Kind::kStartOver:
       startOver();
@@ -226,6 +226,16 @@ void CDownloadAttempt::startOver() {
   fetch();
 }
 
+// The server has nothing beyond what is there.
+void CDownloadAttempt::judgeComplete() {
+  if (order_.spec.size != 0 && there_ != order_.spec.size) {
+    finish(AttemptOutcome::retry("the server has " + text(there_) + " bytes instead of " +
+                                 text(order_.spec.size)));
+    return;
+  }
+  arrive(there_);
+}
+
 void CDownloadAttempt::judgeBody(const HttpAnswer& answer) {
   const std::uint64_t arrived = fetch_->position().value_or(plan_->begin);
   if (fetch_->tooLong()) {
@@ -239,14 +249,15 @@ void CDownloadAttempt::judgeBody(const HttpAnswer& answer) {
   }
   const std::uint64_t expected = order_.spec.size;
   const auto size = size_ ? size_ : (expected != 0 ? std::optional(expected) : std::nullopt);
+  // A server may send less of a range than it was asked for, and need not say how much there is.
+  const bool mayBeMore = !size || arrived < *size;
+  if (mayBeMore && plan_->partial && arrived > ask_.begin) {
+    fetch_->flush();
+    there_ = arrived;
+    fetch();
+    return;
+  }
   if (size && arrived < *size) {
-    // A server may send less of a range than it was asked for.
-    if (plan_->partial && arrived > ask_.begin) {
-      fetch_->flush();
-      there_ = arrived;
-      fetch();
-      return;
-    }
     finish(AttemptOutcome::retry("the answer ended after " + text(arrived) + " of " + text(*size) +
                                  " bytes"));
     return;

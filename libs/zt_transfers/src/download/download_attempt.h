@@ -55,6 +55,7 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   bool followRedirect(const HttpAnswer& answer);
   std::optional<ByteSpan> beginContent();
   void startOver();
+  void judgeComplete();
   void judgeBody(const HttpAnswer& answer);
   void arrive(std::uint64_t size);
   void finish(AttemptOutcome outcome);

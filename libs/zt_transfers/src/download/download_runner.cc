@@ -27,7 +27,10 @@ void CDownloadRunner::stop(JobId job, bool discard) {
   }
   const auto landing = landing_.find(job);
   if (landing != landing_.end() && discard) {
+    // Nobody is told of its landing any more, so it is forgotten here; the pool closes it.
     landing->second.file->discard();
+    pool_.post([file = std::move(landing->second.file)] {});
+    landing_.erase(landing);
   }
 }
 

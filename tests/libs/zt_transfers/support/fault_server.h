@@ -38,6 +38,7 @@ struct Fault {
     kIgnoresIfRange,  // gives the range of another version, with the tag `body`
     kShiftedRange,    // gives a range that begins `bytes` later than asked for
     kShortRange,      // gives `bytes` of a range at most
+    kNoTotal,         // the same, and does not say how much there is in all
     kLongerLength,    // announces `bytes` more than it gives, then closes
     kNoLength,        // announces no length and closes after all but `bytes`
     kNoLastChunk,     // gives all of it in chunks, and closes before the one that ends them

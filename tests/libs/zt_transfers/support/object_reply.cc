@@ -70,14 +70,16 @@ ObjectReply replyTo(const CFaultServer::Request& request, const std::string& con
   if (range && fault.kind == Fault::Kind::kShiftedRange) {
     range->begin += fault.bytes;
   }
-  if (range && fault.kind == Fault::Kind::kShortRange) {
+  const bool noTotal = fault.kind == Fault::Kind::kNoTotal;
+  if (range && (noTotal || fault.kind == Fault::Kind::kShortRange)) {
     range->end = std::min<std::size_t>(range->end, range->begin + fault.bytes);
   }
   const Range given = range.value_or(Range{0, content.size()});
   reply.body = content.substr(given.begin, given.end - given.begin);
   if (range) {
     headers += "Content-Range: bytes " + std::to_string(given.begin) + "-" +
-               std::to_string(given.end - 1) + "/" + std::to_string(content.size()) + "\r\n";
+               std::to_string(given.end - 1) + "/" +
+               (noTotal ? "*" : std::to_string(content.size())) + "\r\n";
   }
   std::size_t announced = reply.body.size();
   switch (fault.kind) {
@@ -102,6 +104,7 @@ ObjectReply replyTo(const CFaultServer::Request& request, const std::string& con
       reply.body.append(fault.bytes, 'x');
       break;
     case Fault::Kind::kNoLastChunk: {
+      reply.body.resize(reply.body.size() - fault.bytes);
       std::ostringstream chunk;
       chunk << std::hex << reply.body.size() << "\r\n" << reply.body << "\r\n";
       reply.body = chunk.str();

@@ -179,14 +179,6 @@ TEST_F(AddressBookLinux, OpensTheBooksAgainAfterTheirServerHasCrashed) {
   EXPECT_TRUE(comesTrue([&] { return search(*book, "ann").size() == 2; }));
 }
 
-TEST_F(AddressBookLinux, OutlivesItsBus) {
-  session.add("friends", person("1", "Ann", "Lee"));
-  const auto book = openBook();
-  ASSERT_EQ(search(*book, "ann").size(), 1U);
-  session.endBus();
-  EXPECT_LT(timeOf([&] { search(*book, "ann"); }), 5s);
-}
-
 TEST(AddressBookLinuxWithoutServer, CannotBeHad) {
   const ContactsSession session(ContactsSession::Services::kNone);
   EXPECT_THROW(CAddressBookLinux(), IAddressBook::CAddressBookObtainError);

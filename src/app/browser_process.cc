@@ -10,8 +10,6 @@
 #include "app/logger.h"
 #include "app/open_files.h"
 #include "app/shutdown_signals.h"
-#include "app/start_options.h"
-#include "app/zantrio_app.h"
 #include "browser/initial_files_container.h"
 #include "browser/zt_cef_handler.h"
 #include "include/base/cef_bind.h"
@@ -31,8 +29,9 @@ constexpr const char* kHelp =
     "Opens the Zantrio window. Files and folders that are named are offered for sending; when\n"
     "Zantrio runs already, they are handed to the running one.\n"
     "\n"
-    "  --help     shows this text\n"
-    "  --version  shows the version\n";
+    "  --off-screen-rendering  draws the page in Zantrio's own OpenGL view\n"
+    "  --help                  shows this text\n"
+    "  --version               shows the version\n";
 
 void report(const std::string& text) {
   std::cerr << "zantrio: " << text << std::endl;
@@ -66,12 +65,12 @@ BrowserProcess::BrowserProcess(int argc, char** argv)
       settings_(new CAppSettings(bundle_, executablePath_)) {}
 
 int BrowserProcess::run() {
-  const CefRefPtr<CefApp> application(new ZantrioApp(settings_));
+  const CefRefPtr<ZantrioApp> application(new ZantrioApp(settings_));
   const int exitCode = CefExecuteProcess(arguments_, application, nullptr);
   return exitCode >= 0 ? exitCode : start(application);
 }
 
-int BrowserProcess::start(const CefRefPtr<CefApp>& application) {
+int BrowserProcess::start(const CefRefPtr<ZantrioApp>& application) {
   const StartOptions options =
       parseStartOptions({arguments_.argv + 1, arguments_.argv + arguments_.argc});
   if (!options.error.empty()) {
@@ -93,11 +92,14 @@ int BrowserProcess::start(const CefRefPtr<CefApp>& application) {
     report(bundle_->error());
     return kFailure;
   }
-  return runBrowser(application, absolutePaths(options.files, workingFolder()));
+  if (options.offScreenRendering) {
+    application->showOffScreen();
+  }
+  return runBrowser(application, options);
 }
 
-int BrowserProcess::runBrowser(const CefRefPtr<CefApp>& application,
-                               const std::vector<std::string>& files) {
+int BrowserProcess::runBrowser(const CefRefPtr<CefApp>& application, const StartOptions& options) {
+  const std::vector<std::string> files = absolutePaths(options.files, workingFolder());
   reportMissing(files);
   std::string loadingPage;
   settings_->getLoadingPagePath(loadingPage);
@@ -106,6 +108,7 @@ int BrowserProcess::runBrowser(const CefRefPtr<CefApp>& application,
   }
   CefSettings frameworkSettings;
   fillFrameworkSettings(*settings_, frameworkSettings);
+  frameworkSettings.windowless_rendering_enabled = options.offScreenRendering;
   CefString(&frameworkSettings.browser_subprocess_path) = subProcessExecutablePath(executablePath_);
   CInitialFilesContainer::instance().set(files, true, false);
   if (!CefInitialize(arguments_, frameworkSettings, application, nullptr)) {

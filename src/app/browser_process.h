@@ -7,6 +7,8 @@
 
 #include "app/app_settings.h"
 #include "app/main_bundle.h"
+#include "app/start_options.h"
+#include "app/zantrio_app.h"
 #include "include/cef_app.h"
 
 namespace zantrio {
@@ -22,8 +24,8 @@ class BrowserProcess {
   int run();
 
  private:
-  int start(const CefRefPtr<CefApp>& application);
-  int runBrowser(const CefRefPtr<CefApp>& application, const std::vector<std::string>& files);
+  int start(const CefRefPtr<ZantrioApp>& application);
+  int runBrowser(const CefRefPtr<CefApp>& application, const StartOptions& options);
   bool prepareDataFolder() const;
   std::string version() const;
 

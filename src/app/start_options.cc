@@ -13,6 +13,8 @@ void readOption(const std::string& argument, StartOptions& options) {
     options.help = true;
   } else if (argument == "--version") {
     options.version = true;
+  } else if (argument == "--off-screen-rendering") {
+    options.offScreenRendering = true;
   } else {
     options.error = "unknown option '" + argument + "'; zantrio --help tells what there is";
   }

@@ -9,6 +9,7 @@ namespace zantrio {
 struct StartOptions {
   bool help = false;
   bool version = false;
+  bool offScreenRendering = false;
   std::vector<std::string> files;  // as written
   std::string error;               // a sentence for the user; empty when all was understood
 };

@@ -11,12 +11,15 @@
 #include "browser/loading_page.h"
 #include "browser/zt_cef_handler.h"
 #include "include/wrapper/cef_helpers.h"
+#include "osr/off_screen_view.h"
+#include "osr/osr_window.h"
 
 namespace zantrio {
 namespace {
 
 constexpr int kWindowWidth = 1400;
 constexpr int kWindowHeight = 900;
+constexpr int kFramesPerSecond = 60;
 
 CefWindowInfo describeWindow(const CAppSettings& settings) {
   std::string title;
@@ -45,13 +48,39 @@ void ZantrioApp::OnRegisterCustomSchemes(CefRawPtr<CefSchemeRegistrar> /*registr
 
 void ZantrioApp::OnContextInitialized() {
   CEF_REQUIRE_UI_THREAD();
-  guarded("OnContextInitialized", [this] {
-    const CefWindowInfo window = describeWindow(*settings_);
-    const CefRefPtr<ZtCefHandler> client(new ZtCefHandler(settings_));
-    const std::string url = loadingPageUrl(*settings_);
-    logInformation("Loading initial html using URL: ", url);
-    CefBrowserHost::CreateBrowser(window, client, url, describeBrowser(), nullptr, nullptr);
-  });
+  guarded("OnContextInitialized", [this] { openBrowser(); });
+}
+
+void ZantrioApp::openBrowser() {
+  CefWindowInfo window = describeWindow(*settings_);
+  CefBrowserSettings browser = describeBrowser();
+  ZtCefHandler::Options options;
+  if (offScreen_) {
+    options.renderHandler = makeOffScreenView(window);
+    browser.windowless_frame_rate = kFramesPerSecond;
+  }
+  const CefRefPtr<ZtCefHandler> client(new ZtCefHandler(settings_, options));
+  const std::string url = loadingPageUrl(*settings_);
+  logInformation("Loading initial html using URL: ", url);
+  CefBrowserHost::CreateBrowser(window, client, url, browser, nullptr, nullptr);
+}
+
+CefRefPtr<client::RenderHandler> ZantrioApp::makeOffScreenView(CefWindowInfo& window) const {
+  client::OffScreenViewOptions options;
+  settings_->getProductName(options.title);
+  options.bounds = window.bounds;
+  options.browserProvider = [] {
+    const ZtCefHandler* const client = ZtCefHandler::instance();
+    return client != nullptr ? client->mainBrowser() : nullptr;
+  };
+  std::string error;
+  const auto view = client::createOffScreenView(options, error);
+  if (!view) {
+    logError("Off-screen rendering is not possible: ", error, "; an ordinary window is opened.");
+    return nullptr;
+  }
+  window.SetAsWindowless(client::windowOf(*view));
+  return client::OSRWindow::Create(view)->GetRenderHandler();
 }
 
 bool ZantrioApp::OnAlreadyRunningAppRelaunch(CefRefPtr<CefCommandLine> command_line,

@@ -7,6 +7,7 @@
 #include "app/app_settings.h"
 #include "include/cef_app.h"
 #include "include/wrapper/cef_message_router.h"
+#include "osr/render_handler.h"
 
 namespace zantrio {
 
@@ -18,6 +19,9 @@ namespace zantrio {
 class ZantrioApp : public CefApp, public CefBrowserProcessHandler, public CefRenderProcessHandler {
  public:
   explicit ZantrioApp(Poco::SharedPtr<CAppSettings> settings);
+  // The browser's pages are drawn in the application's own OpenGL view; before the framework
+  // starts.
+  void showOffScreen() { offScreen_ = true; }
   ZantrioApp(const ZantrioApp&) = delete;
   ZantrioApp& operator=(const ZantrioApp&) = delete;
 
@@ -49,7 +53,13 @@ class ZantrioApp : public CefApp, public CefBrowserProcessHandler, public CefRen
                                 CefRefPtr<CefProcessMessage> message) override;
 
  private:
+  void openBrowser();
+  // The render handler of a view of our own, whose window `window` then names; null, with the
+  // reason logged, when there can be none.
+  CefRefPtr<client::RenderHandler> makeOffScreenView(CefWindowInfo& window) const;
+
   const Poco::SharedPtr<CAppSettings> settings_;
+  bool offScreen_ = false;
   // Render process: one a bridge, in the order of the bridges' names.
   std::vector<CefRefPtr<CefMessageRouterRendererSide>> routers_;
 

@@ -34,7 +34,8 @@ ZtCefHandler::ZtCefHandler(Poco::SharedPtr<CAppSettings> settings, const Options
       platformInit_(createPlatformInit()),
       reachability_(new ReachabilityWatch(options.probe)),
       settings_(std::move(settings)),
-      closePeriod_(options.closePeriod) {
+      closePeriod_(options.closePeriod),
+      renderHandler_(options.renderHandler) {
   currentInstance = this;
 }
 
@@ -131,6 +132,17 @@ bool ZtCefHandler::OnBeforeBrowse(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFr
   CEF_REQUIRE_UI_THREAD();
   guarded("OnBeforeBrowse", [&] { routers_.onBeforeBrowse(browser, frame); });
   return true;
+}
+
+CefRefPtr<CefDisplayHandler> ZtCefHandler::GetDisplayHandler() {
+  return renderHandler_;
+}
+
+CefRefPtr<CefRenderHandler> ZtCefHandler::GetRenderHandler() {
+  if (renderHandler_) {
+    return renderHandler_;
+  }
+  return this;
 }
 
 void ZtCefHandler::GetViewRect(CefRefPtr<CefBrowser> /*browser*/, CefRect& rect) {

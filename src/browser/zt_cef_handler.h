@@ -15,6 +15,7 @@
 #include "browser/reachability_watch.h"
 #include "browser/web_app_life_cycle_callback.h"
 #include "include/cef_client.h"
+#include "osr/render_handler.h"
 #include "services/platform_init.h"
 #include "transfers/messages/message_handler_list.h"
 
@@ -44,6 +45,8 @@ class ZtCefHandler : public CefClient,
     Poco::Timespan closePeriod{10, 0};
     // What tells whether the service answers; replaced by tests.
     ReachabilityProbe probe = probeWithHttp;
+    // What draws the browser off screen; null: the browser has a window of its own.
+    CefRefPtr<client::RenderHandler> renderHandler;
   };
 
   explicit ZtCefHandler(Poco::SharedPtr<CAppSettings> settings);
@@ -57,7 +60,7 @@ class ZtCefHandler : public CefClient,
   // CefClient
   CefRefPtr<CefContextMenuHandler> GetContextMenuHandler() override { return nullptr; }
   CefRefPtr<CefDialogHandler> GetDialogHandler() override { return nullptr; }
-  CefRefPtr<CefDisplayHandler> GetDisplayHandler() override { return nullptr; }
+  CefRefPtr<CefDisplayHandler> GetDisplayHandler() override;
   CefRefPtr<CefDownloadHandler> GetDownloadHandler() override { return nullptr; }
   CefRefPtr<CefDragHandler> GetDragHandler() override { return this; }
   CefRefPtr<CefFindHandler> GetFindHandler() override { return nullptr; }
@@ -66,7 +69,7 @@ class ZtCefHandler : public CefClient,
   CefRefPtr<CefKeyboardHandler> GetKeyboardHandler() override { return nullptr; }
   CefRefPtr<CefLifeSpanHandler> GetLifeSpanHandler() override { return this; }
   CefRefPtr<CefLoadHandler> GetLoadHandler() override { return nullptr; }
-  CefRefPtr<CefRenderHandler> GetRenderHandler() override { return this; }
+  CefRefPtr<CefRenderHandler> GetRenderHandler() override;
   // GetRequestHandler stays at its default, null: the page's navigations are not filtered.
 
   bool OnProcessMessageReceived(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
@@ -84,7 +87,7 @@ class ZtCefHandler : public CefClient,
   bool OnBeforeBrowse(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
                       CefRefPtr<CefRequest> request, bool user_gesture, bool is_redirect) override;
 
-  // CefRenderHandler. The browser has a window of its own; nothing is painted here.
+  // CefRenderHandler, where the browser has a window of its own; nothing is painted here.
   void GetViewRect(CefRefPtr<CefBrowser> browser, CefRect& rect) override;
   void OnPaint(CefRefPtr<CefBrowser> browser, PaintElementType type, const RectList& dirtyRects,
                const void* buffer, int width, int height) override;
@@ -107,6 +110,10 @@ class ZtCefHandler : public CefClient,
   virtual void notifyAppShutdown();
 
   bool hasBrowsers() const { return hasBrowsers_; }
+  // The first browser; null when none is open. Thread: UI.
+  CefRefPtr<CefBrowser> mainBrowser() const {
+    return browsers_.empty() ? nullptr : browsers_.front();
+  }
   // Navigates to the web application.
   void loadApp(CefRefPtr<CefBrowser> browser);
   // Thread: any.
@@ -151,6 +158,7 @@ class ZtCefHandler : public CefClient,
   Poco::Util::Timer closeTimer_;
   const Poco::SharedPtr<CAppSettings> settings_;
   const Poco::Timespan closePeriod_;
+  const CefRefPtr<client::RenderHandler> renderHandler_;
 
   IMPLEMENT_REFCOUNTING(ZtCefHandler);
 };

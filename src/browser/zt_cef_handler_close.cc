@@ -63,6 +63,9 @@ void ZtCefHandler::OnBeforeClose(CefRefPtr<CefBrowser> browser) {
     }
     // Each step on its own: whatever fails, the application comes to its end.
     guarded(kOperation, [this] { cancelCloseTask(); });
+    if (renderHandler_) {
+      renderHandler_->OnBeforeClose(browser);
+    }
     guarded(kOperation, [this] { notifyAppShutdown(); });
     guarded(kOperation, [&] { routers_.close(browser); });
     guarded(kOperation, [] { QueryHandlerRegistry::instance().clear(); });

@@ -19,8 +19,10 @@ TEST(StartOptions, TakeWhatIsNoOptionAsFiles) {
   EXPECT_EQ(options.error, "");
 }
 
-TEST(StartOptions, KnowHelpAndVersion) {
+TEST(StartOptions, KnowTheirNames) {
   EXPECT_TRUE(parseStartOptions({"--help"}).help);
+  EXPECT_TRUE(parseStartOptions({"--off-screen-rendering"}).offScreenRendering);
+  EXPECT_FALSE(parseStartOptions({"off-screen-rendering"}).offScreenRendering);
   EXPECT_TRUE(parseStartOptions({"a", "--version"}).version);
 }
 

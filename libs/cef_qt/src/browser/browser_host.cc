@@ -1,7 +1,10 @@
 #include "browser/browser_host.h"
 
+#include <cstdio>
+
 #include "base/qt_text.h"
 #include "browser/browser_window.h"
+#include "process/framework.h"
 #include "threads/threads.h"
 
 namespace cef_qt {
@@ -37,6 +40,13 @@ bool CefBrowserHost::CreateBrowser(const CefWindowInfo& window_info, CefRefPtr<C
   options.extraInfo = std::move(extra_info);
   options.title = cef_qt::toQt(CefString(&window_info.window_name));
   options.bounds = window_info.bounds;
+  options.isOffScreen = window_info.windowless_rendering_enabled != 0;
+  options.parentWindow = window_info.parent_window;
+  if (options.isOffScreen && !cef_qt::Framework::servesOffScreen()) {
+    std::fprintf(stderr,
+                 "Off-screen browsers need windowless_rendering_enabled in the settings.\n");
+    return false;
+  }
   return cef_qt::postTo(TID_UI, [options, url = cef_qt::toQt(url)] {
     const CefRefPtr<cef_qt::Browser> browser = cef_qt::Browser::create(options);
     browser->startDocuments();

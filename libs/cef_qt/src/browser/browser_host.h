@@ -16,22 +16,23 @@ class BrowserHost final : public CefBrowserHost {
   CefWindowHandle GetWindowHandle() override;
   void SetFocus(bool focus) override;
 
-  // Off-screen browsers are not served yet: these do nothing.
-  void WasResized() override {}
-  void WasHidden(bool) override {}
-  void NotifyScreenInfoChanged() override {}
-  void Invalidate(PaintElementType) override {}
-  void SendKeyEvent(const CefKeyEvent&) override {}
-  void SendMouseClickEvent(const CefMouseEvent&, MouseButtonType, bool, int) override {}
-  void SendMouseMoveEvent(const CefMouseEvent&, bool) override {}
-  void SendMouseWheelEvent(const CefMouseEvent&, int, int) override {}
-  void DragTargetDragEnter(CefRefPtr<CefDragData>, const CefMouseEvent&,
-                           DragOperationsMask) override {}
-  void DragTargetDragOver(const CefMouseEvent&, DragOperationsMask) override {}
-  void DragTargetDragLeave() override {}
-  void DragTargetDrop(const CefMouseEvent&) override {}
-  void DragSourceEndedAt(int, int, DragOperationsMask) override {}
-  void DragSourceSystemDragEnded() override {}
+  // Of off-screen browsers; on the UI thread their work is done inside the call.
+  void WasResized() override;
+  void WasHidden(bool hidden) override;
+  void NotifyScreenInfoChanged() override;
+  void Invalidate(PaintElementType type) override;
+  void SendKeyEvent(const CefKeyEvent& event) override;
+  void SendMouseClickEvent(const CefMouseEvent& event, MouseButtonType type, bool mouseUp,
+                           int clickCount) override;
+  void SendMouseMoveEvent(const CefMouseEvent& event, bool mouseLeave) override;
+  void SendMouseWheelEvent(const CefMouseEvent& event, int deltaX, int deltaY) override;
+  void DragTargetDragEnter(CefRefPtr<CefDragData> data, const CefMouseEvent& event,
+                           DragOperationsMask allowed) override;
+  void DragTargetDragOver(const CefMouseEvent& event, DragOperationsMask allowed) override;
+  void DragTargetDragLeave() override;
+  void DragTargetDrop(const CefMouseEvent& event) override;
+  void DragSourceEndedAt(int x, int y, DragOperationsMask op) override;
+  void DragSourceSystemDragEnded() override;
 
  private:
   const CefRefPtr<Browser> browser_;

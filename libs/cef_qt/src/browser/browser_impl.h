@@ -25,6 +25,8 @@ class Browser final : public CefBrowser {
     QString title;  // empty: the page's
     CefRect bounds;
     bool isPopup = false;
+    bool isOffScreen = false;
+    CefWindowHandle parentWindow = kNullWindowHandle;  // of off-screen browsers
   };
 
   // Makes the browser and its hidden window and lists it with the framework.

@@ -1,6 +1,6 @@
 #include "browser/browser_window.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QScreen>
 #include <QUrl>
 #include <QWebEngineSettings>
@@ -8,6 +8,7 @@
 #include "bridge/render_side.h"
 #include "browser/page.h"
 #include "browser/view.h"
+#include "osr/off_screen_browser.h"
 #include "process/profile.h"
 
 namespace cef_qt {
@@ -55,15 +56,22 @@ BrowserWindow::BrowserWindow(Browser* browser, const Browser::Options& options)
         }
       }),
       view_(std::make_unique<View>(browser)),
-      page_(std::make_unique<Page>(Profile::current(), browser, options.settings)) {
+      page_(std::make_unique<Page>(Profile::current(), browser, options.settings)),
+      parentWindow_(options.parentWindow) {
   apply(options.settings, page_->settings());
   page_->setWebChannel(channel_.webChannel());
   view_->setPage(page_.get());
   view_->setTitle(options.title);
-  setGeometry(options.bounds);
+  if (options.isOffScreen) {
+    offScreen_ = std::make_unique<OffScreenBrowser>(browser, view_.get(),
+                                                    options.settings.windowless_frame_rate);
+  } else {
+    setGeometry(options.bounds);
+  }
 }
 
 BrowserWindow::~BrowserWindow() {
+  offScreen_.reset();
   view_->detach();
   page_.reset();
 }
@@ -73,11 +81,14 @@ QWebEnginePage* BrowserWindow::page() {
 }
 
 QWidget* BrowserWindow::widget() {
-  return view_.get();
+  return offScreen_ ? QApplication::activeWindow() : view_.get();
 }
 
 void BrowserWindow::show() {
   view_->show();
+  if (offScreen_) {
+    return;
+  }
   view_->setFocus();
 }
 
@@ -86,6 +97,10 @@ void BrowserWindow::hide() {
 }
 
 void BrowserWindow::setFocus(bool focus) {
+  if (offScreen_) {
+    offScreen_->setFocus(focus);
+    return;
+  }
   if (focus) {
     view_->activateWindow();
     view_->setFocus();
@@ -95,13 +110,16 @@ void BrowserWindow::setFocus(bool focus) {
 }
 
 void BrowserWindow::setGeometry(const CefRect& bounds) {
+  if (offScreen_) {
+    return;  // its client decides
+  }
   const QRect wanted(bounds.x, bounds.y, bounds.IsEmpty() ? kDefaultSize.width() : bounds.width,
                      bounds.IsEmpty() ? kDefaultSize.height() : bounds.height);
   view_->setGeometry(fitIntoScreen(wanted));
 }
 
 CefWindowHandle BrowserWindow::handle() {
-  return static_cast<CefWindowHandle>(view_->winId());
+  return offScreen_ ? parentWindow_ : static_cast<CefWindowHandle>(view_->winId());
 }
 
 QString BrowserWindow::url() const {

@@ -13,6 +13,7 @@ class QWidget;
 
 namespace cef_qt {
 
+class OffScreenBrowser;
 class Page;
 class View;
 
@@ -26,7 +27,10 @@ class BrowserWindow {
   PageChannel* channel() { return &channel_; }
   void openChannel() { channel_.open(); }
   QWebEnginePage* page();
+  // What the browser's dialogs open over; null: nothing.
   QWidget* widget();
+  // Null for a browser on the screen.
+  OffScreenBrowser* offScreen() { return offScreen_.get(); }
 
   void show();
   void hide();
@@ -59,6 +63,8 @@ class BrowserWindow {
   PageChannel channel_;
   std::unique_ptr<View> view_;
   std::unique_ptr<Page> page_;  // deleted before its view
+  std::unique_ptr<OffScreenBrowser> offScreen_;
+  const CefWindowHandle parentWindow_;
 };
 
 }  // namespace cef_qt

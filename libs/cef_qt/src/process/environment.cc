@@ -14,6 +14,11 @@ bool hasGraphicsDevice() {
               .isEmpty();
 }
 
+// Frames that are handed over must be in memory: from a device they would have to be read back.
+bool drawsInSoftware(const Options& options) {
+  return options.offScreen || !hasGraphicsDevice();
+}
+
 void setUnlessSet(const char* name, const QByteArray& value) {
   if (!qEnvironmentVariableIsSet(name)) {
     qputenv(name, value);
@@ -38,7 +43,7 @@ QStringList chromiumSwitches(const Options& options) {
   if (sandboxOff) {
     switches << QStringLiteral("--no-sandbox");
   }
-  if (!hasGraphicsDevice()) {
+  if (drawsInSoftware(options)) {
     switches << QStringLiteral("--disable-gpu");
     if (sandboxOff) {
       switches << QStringLiteral("--no-zygote");
@@ -64,7 +69,7 @@ bool runsWithoutSandbox(const Options& options) {
 void prepareEnvironment(const Options& options, const QStringList& addedSwitches) {
   // With GLib's event loop, loops of modal dialogs stop Chromium's work about every second time.
   setUnlessSet("QT_NO_GLIB", "1");
-  if (!hasGraphicsDevice()) {
+  if (drawsInSoftware(options)) {
     setUnlessSet("QT_QUICK_BACKEND", "software");
   }
   if (options.remoteDebuggingPort > 0) {

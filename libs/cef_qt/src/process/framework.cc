@@ -38,6 +38,7 @@ struct Running {
 
 struct State {
   bool wasStarted = false;
+  std::atomic<bool> servesOffScreen{false};
   std::atomic<int> exitCode{CEF_RESULT_CODE_NORMAL_EXIT};
   std::unique_ptr<Running> running;
 
@@ -175,6 +176,7 @@ bool Framework::start(const CefMainArgs& args, const CefSettings& settings,
     return fail();
   }
   state().wasStarted = true;
+  state().servesOffScreen = options.offScreen;
 
   const CefRefPtr<CommandLine> line = commandLineOf(args);
   prepareEnvironment(options, switchesAddedBy(app, line));
@@ -199,6 +201,10 @@ bool Framework::start(const CefMainArgs& args, const CefSettings& settings,
 
 int Framework::exitCode() {
   return state().exitCode;
+}
+
+bool Framework::servesOffScreen() {
+  return state().servesOffScreen;
 }
 
 void Framework::run() {

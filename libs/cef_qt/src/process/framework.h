@@ -15,6 +15,8 @@ class Framework {
   static void quit();
   static void stop();
 
+  // Whether browsers can be drawn off screen.
+  static bool servesOffScreen();
   // Null when the framework is not running.
   static CefRefPtr<CefApp> app();
   static CefRefPtr<CefCommandLine> commandLine();

@@ -79,6 +79,7 @@ Options readOptions(const CefSettings& settings) {
   options.remoteDebuggingPort = settings.remote_debugging_port;
   options.persistSessionCookies = settings.persist_session_cookies != 0;
   options.noSandbox = settings.no_sandbox != 0;
+  options.offScreen = settings.windowless_rendering_enabled != 0;
   return options;
 }
 

@@ -17,6 +17,7 @@ struct Options {
   int remoteDebuggingPort = 0;
   bool persistSessionCookies = false;
   bool noSandbox = false;
+  bool offScreen = false;  // browsers may be drawn off screen
 };
 
 // Reads the settings. Paths that cannot be used are reported on standard error and left out. Makes

@@ -12,6 +12,7 @@ class FrameworkEnvironment final : public testing::Environment {
     prepareHeadless();
     CefSettings settings;
     CefString(&settings.log_file) = temporaryFolder() + "/browser.log";
+    settings.windowless_rendering_enabled = 1;
     bool ready = false;
     ASSERT_TRUE(
         CefInitialize(CefMainArgs(1, argv_), settings, makeApp([&] { ready = true; }), nullptr));

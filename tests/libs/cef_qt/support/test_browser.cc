@@ -103,7 +103,12 @@ TestBrowser::TestBrowser(const std::string& html, CefRefPtr<TestClient> client)
   window.bounds = CefRect(0, 0, 640, 480);
   static int pages = 0;
   url_ = writePage("page" + std::to_string(++pages) + ".html", html);
-  CefBrowserHost::CreateBrowser(window, client_, url_, CefBrowserSettings(), nullptr, nullptr);
+  CefBrowserSettings settings;
+  if (client_->renderHandler) {
+    window.SetAsWindowless(kNullWindowHandle);
+    settings.windowless_frame_rate = 60;
+  }
+  CefBrowserHost::CreateBrowser(window, client_, url_, settings, nullptr, nullptr);
   EXPECT_TRUE(runUntil([this] { return !client_->browsers.empty(); }));
   browser_ = client_->browsers.front();
 }

@@ -41,6 +41,9 @@ class TestClient final : public CefClient,
   std::function<bool(CefRefPtr<CefDragData>, DragOperationsMask)> onDrag;
   std::function<bool()> doClose = [] { return false; };
   bool forwardClose = true;  // OnBeforeClose to the routers
+  // Set: the test browser is an off-screen one.
+  CefRefPtr<CefRenderHandler> renderHandler;
+  CefRefPtr<CefDisplayHandler> displayHandler;
 
   std::vector<std::string> requests;
   std::vector<int64_t> canceled;
@@ -59,6 +62,8 @@ class TestClient final : public CefClient,
   CefRefPtr<CefRequestHandler> GetRequestHandler() override {
     return leavesRequestsToFramework ? nullptr : this;
   }
+  CefRefPtr<CefRenderHandler> GetRenderHandler() override { return renderHandler; }
+  CefRefPtr<CefDisplayHandler> GetDisplayHandler() override { return displayHandler; }
 
   bool OnProcessMessageReceived(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
                                 CefProcessId source, CefRefPtr<CefProcessMessage> message) override;

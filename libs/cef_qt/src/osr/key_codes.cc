@@ -1,0 +1,56 @@
+#include "osr/key_codes.h"
+
+#include <QChar>
+#include <Qt>
+
+namespace cef_qt {
+namespace {
+
+struct KeyPair {
+  int windows;
+  Qt::Key qt;
+};
+
+constexpr KeyPair kKeys[] = {
+    {0x08, Qt::Key_Backspace},  {0x09, Qt::Key_Tab},          {0x0D, Qt::Key_Return},
+    {0x10, Qt::Key_Shift},      {0x11, Qt::Key_Control},      {0x12, Qt::Key_Alt},
+    {0x13, Qt::Key_Pause},      {0x14, Qt::Key_CapsLock},     {0x1B, Qt::Key_Escape},
+    {0x20, Qt::Key_Space},      {0x21, Qt::Key_PageUp},       {0x22, Qt::Key_PageDown},
+    {0x23, Qt::Key_End},        {0x24, Qt::Key_Home},         {0x25, Qt::Key_Left},
+    {0x26, Qt::Key_Up},         {0x27, Qt::Key_Right},        {0x28, Qt::Key_Down},
+    {0x2C, Qt::Key_Print},      {0x2D, Qt::Key_Insert},       {0x2E, Qt::Key_Delete},
+    {0x5B, Qt::Key_Super_L},    {0x5C, Qt::Key_Super_R},      {0x5D, Qt::Key_Menu},
+    {0x6A, Qt::Key_Asterisk},   {0x6B, Qt::Key_Plus},         {0x6D, Qt::Key_Minus},
+    {0x6E, Qt::Key_Period},     {0x6F, Qt::Key_Slash},        {0x90, Qt::Key_NumLock},
+    {0x91, Qt::Key_ScrollLock}, {0xBA, Qt::Key_Semicolon},    {0xBB, Qt::Key_Equal},
+    {0xBC, Qt::Key_Comma},      {0xBD, Qt::Key_Minus},        {0xBE, Qt::Key_Period},
+    {0xBF, Qt::Key_Slash},      {0xC0, Qt::Key_QuoteLeft},    {0xDB, Qt::Key_BracketLeft},
+    {0xDC, Qt::Key_Backslash},  {0xDD, Qt::Key_BracketRight}, {0xDE, Qt::Key_Apostrophe},
+};
+
+bool isBetween(int code, int first, int last) {
+  return code >= first && code <= last;
+}
+
+}  // namespace
+
+int qtKeyOf(int windowsKeyCode, char16_t character) {
+  // Digits and letters have the codes of their characters on both sides.
+  if (isBetween(windowsKeyCode, '0', '9') || isBetween(windowsKeyCode, 'A', 'Z')) {
+    return windowsKeyCode;
+  }
+  if (isBetween(windowsKeyCode, 0x60, 0x69)) {  // of the key pad
+    return Qt::Key_0 + (windowsKeyCode - 0x60);
+  }
+  if (isBetween(windowsKeyCode, 0x70, 0x87)) {
+    return Qt::Key_F1 + (windowsKeyCode - 0x70);
+  }
+  for (const KeyPair& pair : kKeys) {
+    if (pair.windows == windowsKeyCode) {
+      return pair.qt;
+    }
+  }
+  return character < 0x20 ? 0 : QChar(character).toUpper().unicode();
+}
+
+}  // namespace cef_qt

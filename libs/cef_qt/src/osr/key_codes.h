@@ -1,0 +1,11 @@
+// Windows' virtual key codes, by which the framework names keys.
+#pragma once
+
+#include <cstdint>
+
+namespace cef_qt {
+
+// Qt's key; `character` helps with keys whose code depends on the keyboard. 0 when unknown.
+int qtKeyOf(int windowsKeyCode, char16_t character);
+
+}  // namespace cef_qt

@@ -1,0 +1,82 @@
+// A browser that is drawn off screen.
+#pragma once
+
+#include <QPointer>
+#include <QTimer>
+#include <QWebEngineView>
+#include <memory>
+
+#include "browser/browser_impl.h"
+#include "osr/off_screen_drag.h"
+#include "osr/off_screen_input.h"
+#include "osr/painted_widget.h"
+
+class QMenu;
+
+namespace cef_qt {
+
+// Keeps the browser's view off the screen, at the size that the client's render handler gives, and
+// passes frames, pop-ups and cursors to that handler. Ownership: the browser's window, which
+// outlives neither its view nor its browser. UI thread. A paint that is asked for
+// (`invalidate`) comes inside the call.
+class OffScreenBrowser final : public QObject {
+  Q_OBJECT
+
+ public:
+  OffScreenBrowser(Browser* browser, QWebEngineView* view, int framesPerSecond);
+  ~OffScreenBrowser() override;
+
+  // The browser whose view it is; null when that is on the screen.
+  static OffScreenBrowser* of(const QObject* view);
+
+  void wasResized();
+  void wasHidden(bool hidden);
+  void screenInfoChanged();
+  void invalidate(cef_paint_element_type_t type);
+  void setFocus(bool focus);
+
+  OffScreenInput& input() { return input_; }
+  OffScreenDrag& drag() { return drag_; }
+
+  Browser* browser() const { return browser_; }
+  QWebEngineView* view() const { return view_; }
+  // Null while the browser closes, or without a render handler.
+  CefRefPtr<CefRenderHandler> handler() const;
+  // Pixels of the view's own coordinates for each view point of the client.
+  double scale() const { return scale_; }
+  QQuickWidget* page() const;
+  // The open pop-up under a point of the view, in the view's own coordinates; null when none.
+  QQuickWidget* popupAt(const QPoint& point) const;
+  // Input was sent that may change the cursor.
+  void watchCursor();
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  // Watches the page's widget, which changes with the process that draws it.
+  void attach();
+  void reportCursor();
+  void popupShown(QQuickWidget* popup);
+  void popupHidden();
+  void menuShown(QMenu* menu);
+  CefRect popupRect() const;
+  void paint(cef_paint_element_type_t type, const FrameBuffer& frame);
+  bool ownsPopup(const QWidget* widget) const;
+
+  Browser* const browser_;
+  QWebEngineView* const view_;
+  const int framesPerSecond_;
+  double scale_ = 1;
+  bool focused_ = false;
+  // Chromium sets the cursor some time after a movement, and Qt tells nobody.
+  QTimer cursorTimer_;
+  int cursorChecks_ = 0;  // that are still to be made
+  Qt::CursorShape cursor_ = Qt::ArrowCursor;
+  OffScreenInput input_;
+  OffScreenDrag drag_;
+  std::unique_ptr<PaintedWidget> page_;
+  std::unique_ptr<PaintedWidget> popup_;
+};
+
+}  // namespace cef_qt

@@ -1,0 +1,55 @@
+// Drags of an off-screen browser.
+#pragma once
+
+#include <QMimeData>
+#include <QPointF>
+#include <Qt>
+#include <memory>
+
+#include "include/cef_drag_data.h"
+#include "include/internal/cef_types_wrappers.h"
+
+class QDrag;
+class QEvent;
+class QEventLoop;
+
+namespace cef_qt {
+
+class OffScreenBrowser;
+
+// As target: passes the client's drag on to the page. As source: has the client run a drag that the
+// page began, while Chromium waits for its end. Ownership: the off-screen browser's. UI thread.
+class OffScreenDrag {
+ public:
+  explicit OffScreenDrag(OffScreenBrowser& browser);
+  ~OffScreenDrag();
+  OffScreenDrag(const OffScreenDrag&) = delete;
+  OffScreenDrag& operator=(const OffScreenDrag&) = delete;
+
+  void enter(const CefRefPtr<CefDragData>& data, const CefMouseEvent& event,
+             cef_drag_operations_mask_t allowed);
+  void over(const CefMouseEvent& event, cef_drag_operations_mask_t allowed);
+  void leave();
+  void drop(const CefMouseEvent& event);
+
+  // The page's drag, until the client reports its end; called inside Chromium, with a loop of its
+  // own that keeps Chromium at work. Gives what was done with it.
+  Qt::DropAction run(const QDrag& drag, Qt::DropActions supported);
+  void endedAt(cef_drag_operations_mask_t operation);
+  void systemDragEnded();
+  // Ends a running drag without a result.
+  void cancel();
+
+ private:
+  void deliver(QEvent& event);
+  void tellOperation(bool accepted, Qt::DropAction action);
+
+  OffScreenBrowser& browser_;
+  std::unique_ptr<QMimeData> dragged_;  // over the page; null when nothing is
+  Qt::DropActions allowed_;
+  Qt::DropAction result_ = Qt::IgnoreAction;
+  QEventLoop* loop_ = nullptr;  // while a drag of the page runs
+  const QMimeData* own_ = nullptr;
+};
+
+}  // namespace cef_qt

@@ -1,0 +1,190 @@
+#include "osr/off_screen_input.h"
+
+#include <QApplication>
+#include <QFocusEvent>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QQuickWidget>
+#include <QWheelEvent>
+#include <utility>
+
+#include "osr/event_flags_qt.h"
+#include "osr/key_codes.h"
+#include "osr/off_screen_browser.h"
+#include "threads/threads.h"
+
+namespace cef_qt {
+namespace {
+
+OffScreenInput* last = nullptr;
+
+// Chromium in Qt scrolls so many pixels for each line of a wheel's step of 120.
+constexpr double kPixelsOfALine = 20;
+
+// What of a wheel makes Chromium scroll by these pixels.
+QPoint angleOf(int deltaX, int deltaY) {
+  const double factor = 120 / (kPixelsOfALine * QApplication::wheelScrollLines());
+  return {qRound(deltaX * factor), qRound(deltaY * factor)};
+}
+
+}  // namespace
+
+OffScreenInput::~OffScreenInput() {
+  if (last == this) {
+    last = nullptr;
+  }
+}
+
+OffScreenInput* OffScreenInput::lastUsed() {
+  return last;
+}
+
+void OffScreenInput::used() {
+  last = this;
+  sendWaitingKey();
+  browser_.watchCursor();
+}
+
+QPointF OffScreenInput::toView(const CefMouseEvent& event) const {
+  return QPointF(event.x, event.y) * browser_.scale();
+}
+
+std::optional<OffScreenInput::Target> OffScreenInput::targetOf(const CefMouseEvent& event) {
+  const QPointF inView = toView(event);
+  const QPointF global = browser_.view()->mapToGlobal(inView);
+  QWidget* widget = pressed_;
+  if (!widget) {
+    widget = browser_.popupAt(inView.toPoint());
+  }
+  if (!widget) {
+    widget = browser_.page();
+  }
+  if (!widget) {
+    return std::nullopt;
+  }
+  return Target{widget, widget->mapFromGlobal(global), global};
+}
+
+void OffScreenInput::click(const CefMouseEvent& event, cef_mouse_button_type_t type, bool up,
+                           int clickCount) {
+  used();
+  const auto target = targetOf(event);
+  if (!target) {
+    return;
+  }
+  const Qt::MouseButton button = buttonOf(type);
+  Qt::MouseButtons held = buttonsOf(event.modifiers);
+  held.setFlag(button, !up);
+  QEvent::Type kind = QEvent::MouseButtonRelease;
+  if (!up) {
+    kind = clickCount % 2 == 0 && clickCount > 0 ? QEvent::MouseButtonDblClick
+                                                 : QEvent::MouseButtonPress;
+    pressed_ = target->widget;
+  }
+  QMouseEvent sent(kind, target->local, target->global, button, held,
+                   keyboardModifiersOf(event.modifiers));
+  if (up) {
+    pressed_ = nullptr;
+  }
+  QApplication::sendEvent(target->widget, &sent);
+}
+
+void OffScreenInput::move(const CefMouseEvent& event, bool leaves) {
+  used();
+  const auto target = targetOf(event);
+  if (!target) {
+    return;
+  }
+  if (leaves) {
+    QEvent sent(QEvent::Leave);
+    QApplication::sendEvent(target->widget, &sent);
+    return;
+  }
+  QMouseEvent sent(QEvent::MouseMove, target->local, target->global, Qt::NoButton,
+                   buttonsOf(event.modifiers), keyboardModifiersOf(event.modifiers));
+  QApplication::sendEvent(target->widget, &sent);
+}
+
+void OffScreenInput::dragEnded() {
+  if (const QPointer<QWidget> target = std::exchange(pressed_, nullptr)) {
+    // The drag's end was the button's, too; Chromium counts presses and releases.
+    QMouseEvent sent(QEvent::MouseButtonRelease, QPointF(-1, -1),
+                     target->mapToGlobal(QPointF(-1, -1)), Qt::LeftButton, Qt::NoButton,
+                     Qt::NoModifier);
+    QApplication::sendEvent(target, &sent);
+  }
+}
+
+void OffScreenInput::wheel(const CefMouseEvent& event, int deltaX, int deltaY) {
+  used();
+  const auto target = targetOf(event);
+  if (!target) {
+    return;
+  }
+  QWheelEvent sent(target->local, target->global, QPoint(), angleOf(deltaX, deltaY),
+                   buttonsOf(event.modifiers), keyboardModifiersOf(event.modifiers),
+                   Qt::NoScrollPhase, false);
+  QApplication::sendEvent(target->widget, &sent);
+}
+
+void OffScreenInput::key(const CefKeyEvent& event) {
+  switch (event.type) {
+    case KEYEVENT_RAWKEYDOWN:
+      used();
+      waitingKey_ = event;
+      postTo(TID_UI, [browser = QPointer<OffScreenBrowser>(&browser_), turn = ++keyTurn_] {
+        if (browser && browser->input().keyTurn_ == turn) {
+          browser->input().sendWaitingKey();
+        }
+      });
+      break;
+    case KEYEVENT_CHAR:
+      if (const auto waiting = std::exchange(waitingKey_, std::nullopt)) {
+        sendKey(*waiting, true, event.character);
+      } else {
+        sendKey(event, true, event.character);
+      }
+      break;
+    case KEYEVENT_KEYDOWN:
+      used();
+      sendKey(event, true, event.character);
+      break;
+    case KEYEVENT_KEYUP:
+      used();
+      sendKey(event, false, event.character);
+      break;
+  }
+}
+
+void OffScreenInput::sendWaitingKey() {
+  if (const auto waiting = std::exchange(waitingKey_, std::nullopt)) {
+    sendKey(*waiting, true, 0);
+  }
+}
+
+void OffScreenInput::sendKey(const CefKeyEvent& event, bool press, char16_t character) {
+  QWidget* const target = browser_.page();
+  if (!target) {
+    return;
+  }
+  const int key = event.type == KEYEVENT_CHAR ? 0 : qtKeyOf(event.windows_key_code, character);
+  const QString text = character == 0 ? QString() : QString(QChar(character));
+  QKeyEvent sent(press ? QEvent::KeyPress : QEvent::KeyRelease, key,
+                 keyboardModifiersOf(event.modifiers), static_cast<quint32>(event.native_key_code),
+                 0, 0, text);
+  QApplication::sendEvent(target, &sent);
+}
+
+void OffScreenInput::setFocus(bool focus) {
+  QWidget* const target = browser_.page();
+  if (!target) {
+    return;
+  }
+  if (focus) {
+    last = this;
+  }
+  QFocusEvent sent(focus ? QEvent::FocusIn : QEvent::FocusOut, Qt::OtherFocusReason);
+  QApplication::sendEvent(target, &sent);
+}
+
+}  // namespace cef_qt

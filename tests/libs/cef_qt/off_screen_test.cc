@@ -1,0 +1,257 @@
+// Off-screen browsers: real pages, their frames, and input that reaches them.
+#include <gtest/gtest.h>
+
+#include <utility>
+
+#include "support/framework.h"
+#include "support/screen.h"
+
+namespace cef_test {
+namespace {
+
+constexpr char kBox[] = R"(<style>body { margin: 0; background: #ffffff }
+  #box { position: absolute; left: 40px; top: 60px; width: 30px; height: 20px; background: #ff0000 }
+  </style><div id=box></div>)";
+
+int areaOf(const Screen::Paint& paint) {
+  int area = 0;
+  for (const CefRect& rect : paint.dirty) {
+    area += rect.width * rect.height;
+  }
+  return area;
+}
+
+TEST(OffScreen, PaintsThePageInFullAndThenOnlyWhatChanged) {
+  OffScreenPage shown(kBox);
+  Screen& screen = shown.screen();
+  ASSERT_TRUE(screen.becomes(45, 65, "ff0000"));
+  EXPECT_TRUE(screen.becomes(200, 150, "ffffff"));
+  EXPECT_EQ(screen.pictureSize, CefSize(300, 200));
+  EXPECT_EQ(CefRect(screen.paints.front().dirty.front()), CefRect(0, 0, 300, 200));
+
+  screen.paints.clear();
+  shown.page().run("box.style.background = '#00ff00'");
+  ASSERT_TRUE(screen.becomes(45, 65, "00ff00"));
+  ASSERT_EQ(screen.paints.size(), 1u);
+  EXPECT_EQ(screen.paints[0].dirty, std::vector<CefRect>{CefRect(40, 60, 30, 20)});
+
+  // Two places far apart are two rectangles.
+  screen.paints.clear();
+  shown.page().run("box.style.top = '160px'");
+  ASSERT_TRUE(screen.becomes(45, 165, "00ff00"));
+  EXPECT_EQ(screen.paints.back().dirty,
+            (std::vector<CefRect>{CefRect(40, 60, 30, 20), CefRect(40, 160, 30, 20)}));
+}
+
+TEST(OffScreen, PaintsNothingWhileNothingChangesAndAllOfItWhenAsked) {
+  OffScreenPage shown(kBox);
+  Screen& screen = shown.screen();
+  ASSERT_TRUE(screen.becomes(45, 65, "ff0000"));
+  shown.page().evaluate(
+      "new Promise(done => requestAnimationFrame(() => "
+      "requestAnimationFrame(done)))");
+  screen.paints.clear();
+  shown.host()->Invalidate(PET_POPUP);  // there is none
+  EXPECT_TRUE(screen.paints.empty());
+  shown.host()->Invalidate(PET_VIEW);  // paints inside the call
+  ASSERT_EQ(screen.paints.size(), 1u);
+  EXPECT_EQ(areaOf(screen.paints[0]), 300 * 200);
+}
+
+TEST(OffScreen, FollowsTheViewsSizeAndScale) {
+  OffScreenPage shown(kBox);
+  Screen& screen = shown.screen();
+  ASSERT_TRUE(screen.becomes(45, 65, "ff0000"));
+  screen.size = {400, 250};
+  shown.host()->WasResized();
+  EXPECT_TRUE(runUntil([&] { return screen.pictureSize == CefSize(400, 250); }));
+  EXPECT_TRUE(shown.page().becomes("innerWidth + ' ' + innerHeight", "400 250"));
+
+  screen.scale = 2;
+  shown.host()->NotifyScreenInfoChanged();
+  EXPECT_TRUE(runUntil([&] { return screen.pictureSize == CefSize(800, 500); }));
+  EXPECT_TRUE(screen.becomes(90, 130, "ff0000"));
+  EXPECT_TRUE(shown.page().becomes("innerWidth + ' ' + devicePixelRatio", "400 2"));
+  // Input stays in view points.
+  shown.page().evaluate("box.onclick = () => box.style.background = '#0000ff'");
+  shown.click(50, 70);
+  EXPECT_TRUE(screen.becomes(90, 130, "0000ff"));
+}
+
+TEST(OffScreen, TakesClicksMovesAndWheels) {
+  OffScreenPage shown(R"(<style>body { margin: 0; height: 3000px }
+    #box { width: 100px; height: 50px; cursor: pointer }</style><div id=box></div><script>
+    seen = [];
+    for (const name of ['mousedown', 'mouseup', 'click', 'dblclick', 'contextmenu'])
+      addEventListener(name, event => { event.preventDefault();
+        seen.push(name + event.button + '@' + event.clientX + ',' + event.clientY); });
+    addEventListener('mousemove', event => moved = event.clientX + ',' + event.clientY);
+    box.onmouseleave = () => seen.push('left');
+    </script>)");
+  TestBrowser& page = shown.page();
+  ASSERT_TRUE(page.becomes("document.readyState", "complete"));
+  ASSERT_TRUE(runUntil([&] { return !shown.screen().paints.empty(); }));
+  shown.click(20, 30);
+  EXPECT_TRUE(page.becomes("seen.join(' ')", "mousedown0@20,30 mouseup0@20,30 click0@20,30"));
+  EXPECT_EQ(page.evaluate("moved"), "20,30");
+  EXPECT_TRUE(runUntil([&] { return shown.screen().cursor == CT_HAND; }));
+
+  shown.host()->SendMouseMoveEvent({}, true);
+  EXPECT_TRUE(page.becomes("seen.at(-1)", "left"));
+  shown.host()->SendMouseWheelEvent({}, 0, -100);
+  EXPECT_TRUE(page.becomes("Math.round(scrollY)", "100"));
+}
+
+TEST(OffScreen, TakesTextKeysAndEditCommands) {
+  OffScreenPage shown(
+      "<input id=field autofocus><script>keys = []; addEventListener('keydown', "
+      "event => keys.push(event.key)); field.focus()</script>");
+  TestBrowser& page = shown.page();
+  ASSERT_TRUE(page.becomes("document.activeElement.id", "field"));
+  ASSERT_TRUE(runUntil([&] { return !shown.screen().paints.empty(); }));
+  shown.type(u'a', 'A');
+  shown.type(u'\u00e4', 0);
+  shown.type(u'7', '7');
+  shown.type(u'!', 0);
+  EXPECT_TRUE(page.becomes("field.value", "a\u00e47!"));
+  shown.type(0, 0x25);  // left
+  shown.type(u'\b', 0x08);
+  EXPECT_TRUE(page.becomes("field.value", "a\u00e4!"));
+  EXPECT_EQ(page.evaluate("keys.join()"), "a,\u00e4,7,!,ArrowLeft,Backspace");
+  shown.page().frame()->SelectAll();
+  EXPECT_TRUE(page.becomes("field.selectionEnd - field.selectionStart", "3"));
+  shown.page().frame()->Delete();
+  EXPECT_TRUE(page.becomes("field.value", ""));
+  shown.page().frame()->Undo();
+  EXPECT_TRUE(page.becomes("field.value", "a\u00e4!"));
+}
+
+TEST(OffScreen, ShowsASelectsListAsAPopupThatTakesClicks) {
+  OffScreenPage shown(R"(<style>body { margin: 0 }
+    select { position: absolute; left: 20px; top: 10px; width: 120px; height: 24px }</style>
+    <select id=list><option>one<option>two<option>three</select>)");
+  Screen& screen = shown.screen();
+  ASSERT_TRUE(shown.page().becomes("list.value", "one"));
+  ASSERT_TRUE(runUntil([&] { return !screen.paints.empty(); }));
+  shown.click(40, 20);
+  ASSERT_TRUE(runUntil([&] { return screen.popupShown && !screen.popupPaints.empty(); }));
+  EXPECT_EQ(screen.popupRect.x, 20);
+  EXPECT_EQ(screen.popupRect.y, 34);
+  EXPECT_GE(screen.popupRect.width, 120);
+  EXPECT_EQ(screen.popupPaints.back().width, screen.popupRect.width);
+  EXPECT_EQ(screen.popupPaints.back().height, screen.popupRect.height);
+  const auto before = screen.popupPaints.size();
+  shown.host()->Invalidate(PET_POPUP);
+  EXPECT_EQ(screen.popupPaints.size(), before + 1);
+
+  shown.click(40, 34 + screen.popupRect.height / 2);
+  EXPECT_TRUE(shown.page().becomes("list.value", "two"));
+  EXPECT_TRUE(runUntil([&] { return !screen.popupShown; }));
+}
+
+constexpr char kDropPage[] = R"(<style>body { margin: 0; height: 200px }</style><script>
+  seen = [];
+  addEventListener('dragenter', event => event.preventDefault());
+  addEventListener('dragover', event => { event.preventDefault();
+    event.dataTransfer.dropEffect = event.clientX < 100 ? 'copy' : 'none'; });
+  addEventListener('dragleave', () => seen.push('leave'));
+  addEventListener('drop', event => { event.preventDefault();
+    seen.push('drop ' + event.dataTransfer.getData('text') + ' ' +
+      [...event.dataTransfer.files].map(file => file.name + file.size).join() +
+      '@' + event.clientX + ',' + event.clientY); });
+</script>)";
+
+TEST(OffScreen, IsTheTargetOfTheClientsDrags) {
+  OffScreenPage shown(kDropPage);
+  ASSERT_TRUE(shown.page().becomes("document.readyState", "complete"));
+  ASSERT_TRUE(runUntil([&] { return !shown.screen().paints.empty(); }));
+  const std::string path = writePage("dropped.txt", "").substr(7);
+  const CefRefPtr<CefDragData> files = CefDragData::Create();
+  files->AddFile(path, "dropped.txt");
+  const auto host = shown.host();
+  host->DragTargetDragEnter(files, {50, 60, 0}, DRAG_OPERATION_COPY);
+  EXPECT_TRUE(runUntil([&] {
+    host->DragTargetDragOver({50, 60, 0}, DRAG_OPERATION_COPY);
+    return shown.screen().dragOperation == DRAG_OPERATION_COPY;
+  }));
+  EXPECT_TRUE(runUntil([&] {
+    host->DragTargetDragOver({150, 60, 0}, DRAG_OPERATION_COPY);
+    return shown.screen().dragOperation == DRAG_OPERATION_NONE;
+  }));
+  host->DragTargetDragLeave();
+  EXPECT_TRUE(shown.page().becomes("seen.join()", "leave"));
+  host->DragTargetDragEnter(files, {50, 60, 0}, DRAG_OPERATION_COPY);
+  host->DragTargetDragOver({51, 61, 0}, DRAG_OPERATION_COPY);
+  host->DragTargetDrop({51, 61, 0});
+  EXPECT_TRUE(shown.page().becomes("seen.at(-1)", "drop  dropped.txt35@51,61"));
+}
+
+TEST(OffScreen, HasTheClientRunDragsThatThePageBegins) {
+  OffScreenPage shown(R"(<style>body { margin: 0 } div { width: 100px; height: 60px }</style>
+    <div id=from draggable=true style='background: #0a0'></div><div id=to></div><script>
+    seen = [];
+    from.ondragstart = event => event.dataTransfer.setData('text', 'carried');
+    from.ondragend = event => seen.push('end ' + event.dataTransfer.dropEffect);
+    to.ondragenter = to.ondragover = event => event.preventDefault();
+    to.ondrop = event => { event.preventDefault();
+      seen.push('drop ' + event.dataTransfer.getData('text')); };
+    </script>)");
+  Screen& screen = shown.screen();
+  ASSERT_TRUE(screen.becomes(20, 20, "00aa00"));
+  const auto pull = [&] {
+    screen.dragged = nullptr;
+    shown.move(20, 20);
+    shown.press(20, 20);
+    for (int step = 1; step < 10; ++step) {
+      shown.move(20 + 3 * step, 20, EVENTFLAG_LEFT_MOUSE_BUTTON);
+    }
+  };
+  const auto host = shown.host();
+  bool entered = false;
+  // All of it in one run of the loop: its end would end the drag's, too.
+  pull();
+  ASSERT_TRUE(runUntil([&] {
+    if (!screen.dragged) {
+      return false;
+    }
+    if (!std::exchange(entered, true)) {
+      host->DragTargetDragEnter(screen.dragged->Clone(), {30, 90, 0}, DRAG_OPERATION_COPY);
+    }
+    host->DragTargetDragOver({30, 90, 0}, DRAG_OPERATION_COPY);
+    if (screen.dragOperation != DRAG_OPERATION_COPY) {
+      return false;
+    }
+    host->DragTargetDrop({30, 90, 0});
+    host->DragSourceEndedAt(30, 90, DRAG_OPERATION_COPY);
+    host->DragSourceSystemDragEnded();
+    return true;
+  }));
+  EXPECT_EQ(screen.dragged->GetFragmentText().ToString(), "carried");
+  EXPECT_TRUE(shown.page().becomes("seen.sort().join()", "drop carried,end copy"))
+      << shown.page().evaluate("seen.join()");
+
+  // A client that does not drag ends it at once.
+  screen.takesDrags = false;
+  pull();
+  EXPECT_TRUE(shown.page().becomes("seen.at(-1)", "end none"));
+}
+
+TEST(OffScreen, ClosesWhileADragOfItsPageRuns) {
+  const CefRefPtr<Screen> screen(new Screen);
+  {
+    OffScreenPage shown(
+        "<div draggable=true style='width: 300px; height: 200px; background: "
+        "#0a0'></div>",
+        screen);
+    ASSERT_TRUE(screen->becomes(20, 20, "00aa00"));
+    shown.press(20, 20);
+    for (int step = 1; step < 10; ++step) {
+      shown.move(20 + 3 * step, 20, EVENTFLAG_LEFT_MOUSE_BUTTON);
+    }
+    EXPECT_TRUE(runUntil([&] { return screen->dragged.get() != nullptr; }));
+  }
+  EXPECT_TRUE(screen->HasOneRef());
+}
+
+}  // namespace
+}  // namespace cef_test

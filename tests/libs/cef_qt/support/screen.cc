@@ -1,0 +1,127 @@
+#include "support/screen.h"
+
+#include <cstdio>
+#include <cstring>
+
+#include "support/framework.h"
+
+namespace cef_test {
+namespace {
+
+CefRefPtr<TestClient> clientOf(const CefRefPtr<Screen>& screen) {
+  CefRefPtr<TestClient> client(new TestClient);
+  client->renderHandler = screen;
+  client->displayHandler = screen;
+  return client;
+}
+
+CefMouseEvent at(int x, int y, uint32_t flags) {
+  CefMouseEvent event;
+  event.x = x;
+  event.y = y;
+  event.modifiers = flags;
+  return event;
+}
+
+}  // namespace
+
+void Screen::GetViewRect(CefRefPtr<CefBrowser> /*browser*/, CefRect& rect) {
+  rect.Set(0, 0, size.width, size.height);
+}
+
+bool Screen::GetScreenPoint(CefRefPtr<CefBrowser> /*browser*/, int viewX, int viewY, int& screenX,
+                            int& screenY) {
+  screenX = viewX + kPosition.x;
+  screenY = viewY + kPosition.y;
+  return true;
+}
+
+bool Screen::GetScreenInfo(CefRefPtr<CefBrowser> /*browser*/, CefScreenInfo& info) {
+  info.Set(scale, 24, 8, 0, CefRect(0, 0, 1000, 800), CefRect(0, 0, 1000, 800));
+  return true;
+}
+
+void Screen::OnPaint(CefRefPtr<CefBrowser> /*browser*/, PaintElementType type,
+                     const RectList& dirtyRects, const void* buffer, int width, int height) {
+  if (type == PET_POPUP) {
+    popupPaints.push_back({type, dirtyRects, width, height});
+    return;
+  }
+  paints.push_back({type, dirtyRects, width, height});
+  if (pictureSize.width != width || pictureSize.height != height) {
+    pictureSize.Set(width, height);
+    picture_.assign(static_cast<std::size_t>(width * height), 0);
+  }
+  for (const CefRect& rect : dirtyRects) {
+    for (int y = rect.y; y < rect.y + rect.height; ++y) {
+      const int from = y * width + rect.x;
+      std::memcpy(picture_.data() + from, static_cast<const uint32_t*>(buffer) + from,
+                  static_cast<std::size_t>(rect.width) * sizeof(uint32_t));
+    }
+  }
+}
+
+bool Screen::StartDragging(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefDragData> data,
+                           DragOperationsMask /*allowed*/, int /*x*/, int /*y*/) {
+  dragged = data;
+  return takesDrags;
+}
+
+bool Screen::OnCursorChange(CefRefPtr<CefBrowser> /*browser*/, CefCursorHandle /*cursor*/,
+                            cef_cursor_type_t type, const CefCursorInfo& /*info*/) {
+  cursor = type;
+  return true;
+}
+
+std::string Screen::colorAt(int x, int y) const {
+  if (x >= pictureSize.width || y >= pictureSize.height) {
+    return {};
+  }
+  char text[16];
+  std::snprintf(text, sizeof(text), "%06x",
+                picture_[static_cast<std::size_t>(y * pictureSize.width + x)] & 0xFFFFFFU);
+  return text;
+}
+
+bool Screen::becomes(int x, int y, const std::string& color) const {
+  return runUntil([&] { return colorAt(x, y) == color; });
+}
+
+OffScreenPage::OffScreenPage(const std::string& html, CefRefPtr<Screen> screen)
+    : screen_(std::move(screen)), page_(html, clientOf(screen_)) {
+  host()->SetFocus(true);
+}
+
+void OffScreenPage::move(int x, int y, uint32_t flags) {
+  host()->SendMouseMoveEvent(at(x, y, flags), false);
+}
+
+void OffScreenPage::press(int x, int y) {
+  host()->SendMouseClickEvent(at(x, y, EVENTFLAG_LEFT_MOUSE_BUTTON), MBT_LEFT, false, 1);
+}
+
+void OffScreenPage::release(int x, int y) {
+  host()->SendMouseClickEvent(at(x, y, EVENTFLAG_LEFT_MOUSE_BUTTON), MBT_LEFT, true, 1);
+}
+
+void OffScreenPage::click(int x, int y) {
+  move(x, y);
+  press(x, y);
+  release(x, y);
+}
+
+void OffScreenPage::type(char16_t character, int windowsKeyCode) {
+  CefKeyEvent event;
+  event.windows_key_code = windowsKeyCode;
+  event.type = KEYEVENT_RAWKEYDOWN;
+  host()->SendKeyEvent(event);
+  if (character != 0) {
+    event.type = KEYEVENT_CHAR;
+    event.character = character;
+    host()->SendKeyEvent(event);
+  }
+  event.type = KEYEVENT_KEYUP;
+  host()->SendKeyEvent(event);
+}
+
+}  // namespace cef_test

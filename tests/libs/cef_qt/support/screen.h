@@ -1,0 +1,86 @@
+// What an off-screen browser shows in a test.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "include/cef_display_handler.h"
+#include "include/cef_render_handler.h"
+#include "support/test_browser.h"
+
+namespace cef_test {
+
+// A view of 300 × 200 points that keeps the latest picture, put together from dirty rectangles, and
+// notes what it is told.
+class Screen final : public CefRenderHandler, public CefDisplayHandler {
+ public:
+  // Of the view on its screen.
+  static constexpr cef_point_t kPosition{40, 30};
+
+  struct Paint {
+    PaintElementType type;
+    RectList dirty;
+    int width;
+    int height;
+  };
+
+  void GetViewRect(CefRefPtr<CefBrowser> browser, CefRect& rect) override;
+  bool GetScreenPoint(CefRefPtr<CefBrowser> browser, int viewX, int viewY, int& screenX,
+                      int& screenY) override;
+  bool GetScreenInfo(CefRefPtr<CefBrowser> browser, CefScreenInfo& info) override;
+  void OnPopupShow(CefRefPtr<CefBrowser> /*browser*/, bool show) override { popupShown = show; }
+  void OnPopupSize(CefRefPtr<CefBrowser> /*browser*/, const CefRect& rect) override {
+    popupRect = rect;
+  }
+  void OnPaint(CefRefPtr<CefBrowser> browser, PaintElementType type, const RectList& dirtyRects,
+               const void* buffer, int width, int height) override;
+  bool StartDragging(CefRefPtr<CefBrowser> browser, CefRefPtr<CefDragData> data,
+                     DragOperationsMask allowed, int x, int y) override;
+  void UpdateDragCursor(CefRefPtr<CefBrowser> /*browser*/, DragOperation operation) override {
+    dragOperation = operation;
+  }
+  bool OnCursorChange(CefRefPtr<CefBrowser> browser, CefCursorHandle cursor, cef_cursor_type_t type,
+                      const CefCursorInfo& info) override;
+
+  // "rrggbb" of a pixel; empty outside the picture.
+  std::string colorAt(int x, int y) const;
+  bool becomes(int x, int y, const std::string& color) const;
+
+  CefSize size{300, 200};
+  float scale = 1;
+  std::vector<Paint> paints;  // of the page
+  std::vector<Paint> popupPaints;
+  bool popupShown = false;
+  CefRect popupRect;
+  cef_cursor_type_t cursor = CT_POINTER;
+  DragOperation dragOperation = DRAG_OPERATION_NONE;
+  CefRefPtr<CefDragData> dragged;  // of a drag that the page began
+  bool takesDrags = true;
+  CefSize pictureSize;
+
+ private:
+  std::vector<uint32_t> picture_;
+  IMPLEMENT_REFCOUNTING(Screen);
+};
+
+// An off-screen browser with its screen.
+class OffScreenPage {
+ public:
+  explicit OffScreenPage(const std::string& html, CefRefPtr<Screen> screen = new Screen);
+
+  Screen& screen() { return *screen_; }
+  TestBrowser& page() { return page_; }
+  CefRefPtr<CefBrowserHost> host() { return page_.browser()->GetHost(); }
+
+  void move(int x, int y, uint32_t flags = 0);
+  void press(int x, int y);
+  void release(int x, int y);
+  void click(int x, int y);
+  void type(char16_t character, int windowsKeyCode);
+
+ private:
+  CefRefPtr<Screen> screen_;
+  TestBrowser page_;
+};
+
+}  // namespace cef_test

@@ -91,37 +91,6 @@ class Sandbox(unittest.TestCase):
         self.addCleanup(page.close)
         return page
 
-    def answer_dialog(self, title, path):
-        """Types the path into the system's dialog and accepts it."""
-        screen = self.environment
-        dialog = wait_until(lambda: display.windows(screen, f"^{title}$"), 30, f'dialog "{title}"')[0]
-        display.xdotool(screen, "windowfocus", "--sync", dialog)
-        display.xdotool(screen, "key", "ctrl+a")
-        display.xdotool(screen, "type", "--delay", "2", str(path))
-        display.xdotool(screen, "key", "Return")
-        wait_until(lambda: not display.windows(screen, f"^{title}$"), 30, "the dialog's end")
-
-    def drag_to_window(self, path):
-        """Drags the path with the pointer from a window of another program to the client's."""
-        screen = self.environment
-        source = process.start([BUILD / "bin/drag_source", path], env=screen, text=True,
-                               stdout=subprocess.PIPE)
-        self.addCleanup(source.stdout.close)
-        said = queue.SimpleQueue()
-        reader = threading.Thread(target=lambda: [said.put(line.strip()) for line in source.stdout])
-        reader.start()
-        self.addCleanup(reader.join)
-        self.addCleanup(process.stop, source)
-        self.assertEqual(said.get(timeout=30), "ready")
-        for arguments in (["mousemove", 50, 30], ["mousedown", 1], ["mousemove", 60, 35],
-                          ["mousemove", 200, 200], ["mousemove", 600, 400]):
-            display.xdotool(screen, *arguments)
-        # The window answers each movement; it takes some until the page behind it has been asked.
-        wait_until(lambda: display.xdotool(screen, "mousemove_relative", 1, 0) == ""
-                   and not said.empty() and said.get() == "offered 1", 30, "the page's consent")
-        display.xdotool(screen, "mouseup", 1)
-        self.assertEqual(said.get(timeout=30), "dropped 1")
-
     def make_files(self, folder, count, size):
         """Makes `count` files of about `size` bytes, all different, in nested folders."""
         for number in range(count):

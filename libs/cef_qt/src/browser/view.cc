@@ -4,7 +4,9 @@
 #include <QDragEnterEvent>
 
 #include "browser/browser_impl.h"
+#include "browser/browser_window.h"
 #include "browser/dragged.h"
+#include "osr/off_screen_browser.h"
 
 namespace cef_qt {
 
@@ -24,8 +26,18 @@ void View::closeEvent(QCloseEvent* event) {
   browser_->close(false);
 }
 
+// The client is asked about drags from outside only.
+bool View::isOwnDrag(const QDragEnterEvent& event) const {
+  BrowserWindow* const window = browser_ ? browser_->window() : nullptr;
+  if (window && window->offScreen()) {
+    return window->offScreen()->drag().isRunning();
+  }
+  const auto* const source = qobject_cast<const QWidget*>(event.source());
+  return source && (source == this || isAncestorOf(source));
+}
+
 void View::dragEnterEvent(QDragEnterEvent* event) {
-  const CefRefPtr<CefClient> client = browser_ ? browser_->client() : nullptr;
+  const CefRefPtr<CefClient> client = browser_ && !isOwnDrag(*event) ? browser_->client() : nullptr;
   const auto handler = client ? client->GetDragHandler() : nullptr;
   dragCanceled_ = handler && handler->OnDragEnter(browser_, draggedData(*event->mimeData()),
                                                   operationsOf(event->possibleActions()));

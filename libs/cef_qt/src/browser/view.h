@@ -27,6 +27,8 @@ class View final : public QWebEngineView {
   void dropEvent(QDropEvent* event) override;
 
  private:
+  bool isOwnDrag(const QDragEnterEvent& event) const;
+
   Browser* browser_;
   bool dragCanceled_ = false;
 };

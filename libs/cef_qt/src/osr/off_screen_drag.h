@@ -37,6 +37,8 @@ class OffScreenDrag {
   Qt::DropAction run(const QDrag& drag, Qt::DropActions supported);
   void endedAt(cef_drag_operations_mask_t operation);
   void systemDragEnded();
+  // Whether a drag runs that the page began.
+  bool isRunning() const { return loop_ != nullptr; }
   // Ends a running drag without a result.
   void cancel();
 

@@ -228,13 +228,21 @@ void OffScreenBrowser::popupShown(QQuickWidget* popup) {
     }
   });
   popup_ = std::make_unique<PaintedWidget>(
-      popup, framesPerSecond_, [this](const FrameBuffer& frame) { paint(PET_POPUP, frame); });
+      popup, framesPerSecond_, [this](const FrameBuffer& frame) {
+        if (popupTold_) {
+          paint(PET_POPUP, frame);
+        }
+      });
+  popupTold_ = false;
   // Out of Chromium's callback.
   postTo(TID_UI, [self = QPointer<OffScreenBrowser>(this), shown = QPointer<QQuickWidget>(popup)] {
     const auto told = self && self->popup_ && shown ? self->handler() : nullptr;
     if (told) {
       told->OnPopupShow(self->browser_, true);
       told->OnPopupSize(self->browser_, self->popupRect());
+      // What was drawn before had no place yet.
+      self->popupTold_ = true;
+      self->invalidate(PET_POPUP);
     }
   });
 }

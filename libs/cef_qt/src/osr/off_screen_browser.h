@@ -77,6 +77,7 @@ class OffScreenBrowser final : public QObject {
   OffScreenDrag drag_;
   std::unique_ptr<PaintedWidget> page_;
   std::unique_ptr<PaintedWidget> popup_;
+  bool popupTold_ = false;  // the client knows of popup_
 };
 
 }  // namespace cef_qt

@@ -1,5 +1,7 @@
 #include "support/screen.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdio>
 #include <cstring>
 
@@ -44,6 +46,7 @@ bool Screen::GetScreenInfo(CefRefPtr<CefBrowser> /*browser*/, CefScreenInfo& inf
 void Screen::OnPaint(CefRefPtr<CefBrowser> /*browser*/, PaintElementType type,
                      const RectList& dirtyRects, const void* buffer, int width, int height) {
   if (type == PET_POPUP) {
+    EXPECT_TRUE(popupShown) << "painted before it has a place";
     popupPaints.push_back({type, dirtyRects, width, height});
     return;
   }

@@ -29,9 +29,8 @@ constexpr const char* kHelp =
     "Opens the Zantrio window. Files and folders that are named are offered for sending; when\n"
     "Zantrio runs already, they are handed to the running one.\n"
     "\n"
-    "  --off-screen-rendering  draws the page in Zantrio's own OpenGL view\n"
-    "  --help                  shows this text\n"
-    "  --version               shows the version\n";
+    "  --help     shows this text\n"
+    "  --version  shows the version\n";
 
 void report(const std::string& text) {
   std::cerr << "zantrio: " << text << std::endl;

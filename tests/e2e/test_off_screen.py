@@ -21,8 +21,6 @@ PROBE = """(() => {
     'width: 400px; height: 400px; background: #123456; z-index: 1000');
   const at = (left, top, width, height, more) => `position: absolute; left: ${left}px; ` +
     `top: ${top}px; width: ${width}px; height: ${height}px; ${more}`;
-  const list = make(place, 'select', '-list', at(20, 20, 120, 24, ''));
-  for (const text of ['one', 'two', 'three']) make(list, 'option', '', '').textContent = text;
   make(make(place, 'div', '-scroll', at(200, 20, 100, 100, 'overflow: scroll')), 'div', '',
     'height: 1000px');
   const from = make(place, 'div', '-from', at(20, 200, 80, 80, 'background: #008800'));
@@ -74,21 +72,10 @@ class OffScreen(Sandbox):
         self.assertIn("Drag data type: 1", client.messages())
         self.assert_leaves_cleanly(client, page)
 
-    def test_scrolls_chooses_from_lists_and_drags_within_the_page(self):
+    def test_scrolls_and_drags_within_the_page(self):
         _, client, page = self.start_off_screen(probe=True)
         self.point("mousemove", 550, 170, "click", 5)
         page.wait_for("document.querySelector('#probe-scroll').scrollTop > 0")
-
-        self.point("mousemove", 380, 132, "click", 1)
-        self.wait_for_color(330, 152, "#123456", same=False)  # the list hangs below
-        self.point("key", "Down")
-        self.point("key", "Return")
-        page.wait_for("document.querySelector('#probe-list').value === 'two'")
-        self.wait_for_color(330, 152, "#123456")
-        self.point("mousemove", 380, 132, "click", 1)
-        self.wait_for_color(330, 152, "#123456", same=False)
-        self.point("mousemove", 340, 152, "click", 1)  # its first entry
-        page.wait_for("document.querySelector('#probe-list').value === 'one'")
 
         self.point("mousemove", 360, 340, "mousedown", 1)
         for x in (370, 380, 400, 500, 580, 590):
@@ -127,14 +114,14 @@ class OffScreen(Sandbox):
         page.wait_for(f"document.activeElement?.matches('{selector}')")
         self.point("type", "--delay", 5, text)
 
-    def wait_for_color(self, x, y, color, same=True):
-        """Waits until the screen shows the colour at the point (or another one)."""
+    def wait_for_color(self, x, y, color):
+        """Waits until the screen shows the colour at the point."""
         def shown():
             text = subprocess.run(
                 ["import", "-window", "root", "-crop", f"1x1+{x}+{y}", "-depth", "8", "txt:-"],
                 env=self.environment, check=True, capture_output=True, text=True).stdout
             return color.lower() in text.lower()
-        wait_until(lambda: shown() == same, 30, f"{color} at {x},{y}")
+        wait_until(shown, 30, f"{color} at {x},{y}")
 
 
 if __name__ == "__main__":

@@ -227,8 +227,8 @@ void OffScreenBrowser::popupShown(QQuickWidget* popup) {
       popupHidden();
     }
   });
-  popup_ = std::make_unique<PaintedWidget>(
-      popup, framesPerSecond_, [this](const FrameBuffer& frame) {
+  popup_ =
+      std::make_unique<PaintedWidget>(popup, framesPerSecond_, [this](const FrameBuffer& frame) {
         if (popupTold_) {
           paint(PET_POPUP, frame);
         }

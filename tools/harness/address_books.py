@@ -1,5 +1,6 @@
 """Address books of one's own: an Evolution Data Server in a home and a session of a test's."""
 
+import os
 import pathlib
 import shutil
 import subprocess
@@ -43,7 +44,7 @@ class AddressBooks:
         """Puts people, given as (vCard id, first name, last name, addresses), into the book."""
         cards = "".join(self._card(*person) for person in people)
         subprocess.run([self._tool, "add", name], input=cards, text=True, check=True, timeout=60,
-                       env={**self.variables, **bus.environment()})
+                       env={**os.environ, **self.variables, **bus.environment()})
 
     @staticmethod
     def _card(identifier, first, last, addresses):

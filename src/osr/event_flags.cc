@@ -121,7 +121,8 @@ void getKeyEvent(CefKeyEvent& keyEvent, const SystemEvent& event) {
     keyEvent.character = 0;
     keyEvent.unmodified_character = 0;
   }
-  keyEvent.native_key_code = event.keyCode.value_or(0);
+  keyEvent.windows_key_code = event.windowsKeyCode;
+  keyEvent.native_key_code = event.keyCode.value_or(event.nativeKeyCode);
   keyEvent.modifiers = getModifiersForEvent(event);
 }
 

@@ -57,6 +57,10 @@ struct SystemEvent {
 
   // Of key events. The key's code in macOS's numbering; none on other systems.
   std::optional<int> keyCode;
+  // Where there is none: the key's code by Windows' numbering, and by the system's own; 0 if
+  // unknown.
+  int windowsKeyCode = 0;
+  int nativeKeyCode = 0;
   std::u16string characters;
   std::u16string charactersIgnoringModifiers;
 };

@@ -248,49 +248,22 @@ void ClientOpenGLView::wheelEvent(QWheelEvent* event) {
 }
 
 void ClientOpenGLView::keyPressEvent(QKeyEvent* event) {
-  const CefRefPtr<CefBrowserHost> target = host();
-  if (!target) {
-    return;
-  }
-  CefKeyEvent key;
-  getKeyEvent(key, toSystemEvent(*event));
-  key.type = KEYEVENT_RAWKEYDOWN;
-  key.windows_key_code = windowsKeyCodeOf(*event);
-  key.native_key_code = static_cast<int>(event->nativeScanCode());
-  target->SendKeyEvent(key);
-  if (key.character != 0) {
-    key.type = KEYEVENT_CHAR;
-    target->SendKeyEvent(key);
+  if (const std::optional<EditCommand> command = editCommandOf(*event)) {
+    runEditCommand(*this, *command);
+  } else {
+    keys_.sendKeyDown(toSystemEvent(*event));
   }
 }
 
 void ClientOpenGLView::keyReleaseEvent(QKeyEvent* event) {
-  const CefRefPtr<CefBrowserHost> target = host();
-  if (!target || event->isAutoRepeat()) {
-    return;
+  if (!event->isAutoRepeat()) {
+    keys_.sendKeyUp(toSystemEvent(*event));
   }
-  CefKeyEvent key;
-  getKeyEvent(key, toSystemEvent(*event));
-  key.type = KEYEVENT_KEYUP;
-  key.windows_key_code = windowsKeyCodeOf(*event);
-  key.native_key_code = static_cast<int>(event->nativeScanCode());
-  target->SendKeyEvent(key);
 }
 
 void ClientOpenGLView::inputMethodEvent(QInputMethodEvent* event) {
-  sendText(event->commitString());
+  keys_.sendText(event->commitString().toStdU16String());
   event->accept();
-}
-
-void ClientOpenGLView::sendText(const QString& text) {
-  const CefRefPtr<CefBrowserHost> target = host();
-  for (const QChar unit : target ? text : QString()) {
-    CefKeyEvent key;
-    key.type = KEYEVENT_CHAR;
-    key.character = unit.unicode();
-    key.unmodified_character = unit.unicode();
-    target->SendKeyEvent(key);
-  }
 }
 
 void ClientOpenGLView::focusInEvent(QFocusEvent* /*event*/) {

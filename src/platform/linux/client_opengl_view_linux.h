@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "osr/drag_session.h"
+#include "osr/key_input.h"
 #include "osr/mouse_input.h"
 #include "osr/off_screen_view.h"
 #include "osr/osr_renderer.h"
@@ -74,7 +75,6 @@ class ClientOpenGLView final : public QWidget, public OsrView {
   CefRefPtr<CefBrowserHost> host() const;
   QSize sizeInPixels() const;
   void handleMouse(const QMouseEvent& event, int clickCount);
-  void sendText(const QString& text);
   void setFocusOfBrowser(bool focus);
   void scaleMayHaveChanged();
   void runDrag();
@@ -83,6 +83,7 @@ class ClientOpenGLView final : public QWidget, public OsrView {
   BrowserProvider browserProvider_;
   std::unique_ptr<EglCanvas> canvas_;
   std::unique_ptr<OsrRenderer> renderer_;
+  KeyInput keys_{*this};
   MouseInput mouse_{*this};
   DragSession drags_{*this};
   ScrollGesture scroll_;

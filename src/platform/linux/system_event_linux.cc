@@ -107,6 +107,25 @@ bool isBetween(int key, int first, int last) {
   return key >= first && key <= last;
 }
 
+int windowsKeyCodeOf(const QKeyEvent& event) {
+  const int key = event.key();
+  if (isBetween(key, Qt::Key_0, Qt::Key_9)) {
+    return event.modifiers() & Qt::KeypadModifier ? 0x60 + (key - Qt::Key_0) : key;
+  }
+  if (isBetween(key, Qt::Key_A, Qt::Key_Z)) {
+    return key;
+  }
+  if (isBetween(key, Qt::Key_F1, Qt::Key_F24)) {
+    return 0x70 + (key - Qt::Key_F1);
+  }
+  for (const KeyPair& pair : kKeys) {
+    if (pair.qt == key) {
+      return pair.windows;
+    }
+  }
+  return 0;
+}
+
 }  // namespace
 
 uint32_t toSystemModifiers(Qt::KeyboardModifiers modifiers) {
@@ -146,26 +165,26 @@ SystemEvent toSystemEvent(const QKeyEvent& event) {
   result.modifiers = toSystemModifiers(event.modifiers());
   result.characters = event.text().toStdU16String();
   result.charactersIgnoringModifiers = result.characters;
+  result.windowsKeyCode = windowsKeyCodeOf(event);
+  result.nativeKeyCode = static_cast<int>(event.nativeScanCode());
   return result;
 }
 
-int windowsKeyCodeOf(const QKeyEvent& event) {
-  const int key = event.key();
-  if (isBetween(key, Qt::Key_0, Qt::Key_9)) {
-    return event.modifiers() & Qt::KeypadModifier ? 0x60 + (key - Qt::Key_0) : key;
+std::optional<EditCommand> editCommandOf(const QKeyEvent& event) {
+  switch (event.key()) {
+    case Qt::Key_Undo:
+      return EditCommand::kUndo;
+    case Qt::Key_Redo:
+      return EditCommand::kRedo;
+    case Qt::Key_Cut:
+      return EditCommand::kCut;
+    case Qt::Key_Copy:
+      return EditCommand::kCopy;
+    case Qt::Key_Paste:
+      return EditCommand::kPaste;
+    default:
+      return std::nullopt;
   }
-  if (isBetween(key, Qt::Key_A, Qt::Key_Z)) {
-    return key;
-  }
-  if (isBetween(key, Qt::Key_F1, Qt::Key_F24)) {
-    return 0x70 + (key - Qt::Key_F1);
-  }
-  for (const KeyPair& pair : kKeys) {
-    if (pair.qt == key) {
-      return pair.windows;
-    }
-  }
-  return 0;
 }
 
 DroppedItems toDroppedItems(const QMimeData& mime) {

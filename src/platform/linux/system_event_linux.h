@@ -6,8 +6,10 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QWheelEvent>
+#include <optional>
 
 #include "osr/drag_contents.h"
+#include "osr/edit_commands.h"
 #include "osr/system_event.h"
 
 namespace client {
@@ -18,8 +20,8 @@ SystemEvent toSystemEvent(const QWheelEvent& event);
 SystemEvent toSystemEvent(const QKeyEvent& event);
 uint32_t toSystemModifiers(Qt::KeyboardModifiers modifiers);
 
-// The key's code by which the browser names it; 0 when it has none.
-int windowsKeyCodeOf(const QKeyEvent& event);
+// What a keyboard's own edit key asks for, which the browser has no code for; none of other keys.
+std::optional<EditCommand> editCommandOf(const QKeyEvent& event);
 
 DroppedItems toDroppedItems(const QMimeData& mime);
 cef_drag_operations_mask_t toDragOperations(Qt::DropActions actions);

@@ -12,7 +12,7 @@ namespace zantrio::test {
 
 class FakeBrowser;
 
-// A main frame that records scripts and navigations.
+// A main frame that records scripts, navigations and edit commands.
 class FakeFrame : public CefFrame {
  public:
   struct Script {
@@ -28,19 +28,20 @@ class FakeFrame : public CefFrame {
   void LoadURL(const CefString& target) override;
   void ExecuteJavaScript(const CefString& code, const CefString& script_url,
                          int start_line) override;
-  void Undo() override {}
-  void Redo() override {}
-  void Cut() override {}
-  void Copy() override {}
-  void Paste() override {}
-  void Delete() override {}
-  void SelectAll() override {}
+  void Undo() override { edits.emplace_back("undo"); }
+  void Redo() override { edits.emplace_back("redo"); }
+  void Cut() override { edits.emplace_back("cut"); }
+  void Copy() override { edits.emplace_back("copy"); }
+  void Paste() override { edits.emplace_back("paste"); }
+  void Delete() override { edits.emplace_back("delete"); }
+  void SelectAll() override { edits.emplace_back("select all"); }
   void SendProcessMessage(CefProcessId /*target*/,
                           CefRefPtr<CefProcessMessage> /*message*/) override {}
 
   std::string url = "http://127.0.0.1/app";
   std::vector<std::string> loads;
   std::vector<Script> scripts;
+  std::vector<std::string> edits;
 
  private:
   IMPLEMENT_REFCOUNTING(FakeFrame);

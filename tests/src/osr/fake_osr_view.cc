@@ -19,6 +19,13 @@ void RecordingHost::Invalidate(PaintElementType type) {
   }
 }
 
+void RecordingHost::SendKeyEvent(const CefKeyEvent& event) {
+  const char* const names[] = {"raw down", "down", "up", "char"};
+  lines.push_back(std::string(names[event.type]) + " " + std::to_string(event.windows_key_code) +
+                  "/" + std::to_string(event.native_key_code) + " types " +
+                  std::to_string(event.character) + " flags " + std::to_string(event.modifiers));
+}
+
 void RecordingHost::SendMouseClickEvent(const CefMouseEvent& event, MouseButtonType type,
                                         bool mouseUp, int clickCount) {
   const char* const names[] = {"left", "middle", "right"};

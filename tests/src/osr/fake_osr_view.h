@@ -19,6 +19,7 @@ class RecordingHost : public FakeHost {
  public:
   void NotifyScreenInfoChanged() override { lines.emplace_back("screen info"); }
   void Invalidate(PaintElementType type) override;
+  void SendKeyEvent(const CefKeyEvent& event) override;
   void SendMouseClickEvent(const CefMouseEvent& event, MouseButtonType type, bool mouseUp,
                            int clickCount) override;
   void SendMouseMoveEvent(const CefMouseEvent& event, bool mouseLeave) override;

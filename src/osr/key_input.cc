@@ -1,0 +1,70 @@
+#include "osr/key_input.h"
+
+#include "osr/event_flags.h"
+
+namespace client {
+namespace {
+
+// macOS gives its function and cursor keys characters of a private range.
+bool typesText(char16_t character) {
+  constexpr char16_t kFirstFunctionKey = 0xF700;
+  constexpr char16_t kLastFunctionKey = 0xF8FF;
+  return character != 0 && (character < kFirstFunctionKey || character > kLastFunctionKey);
+}
+
+CefKeyEvent recordOf(const SystemEvent& event, cef_key_event_type_t type) {
+  CefKeyEvent record;
+  record.type = type;
+  getKeyEvent(record, event);
+  return record;
+}
+
+}  // namespace
+
+void KeyInput::sendKeyDown(const SystemEvent& event) {
+  const CefRefPtr<CefBrowserHost> target = host();
+  if (!target) {
+    return;
+  }
+  CefKeyEvent record = recordOf(event, KEYEVENT_RAWKEYDOWN);
+  target->SendKeyEvent(record);
+  if (typesText(record.character)) {
+    record.type = KEYEVENT_CHAR;
+    target->SendKeyEvent(record);
+  }
+}
+
+void KeyInput::sendKeyUp(const SystemEvent& event) {
+  if (const CefRefPtr<CefBrowserHost> target = host()) {
+    target->SendKeyEvent(recordOf(event, KEYEVENT_KEYUP));
+  }
+}
+
+void KeyInput::sendFlagsChanged(const SystemEvent& event) {
+  if (isKeyUpEvent(event)) {
+    sendKeyUp(event);
+  } else {
+    sendKeyDown(event);
+  }
+}
+
+void KeyInput::sendText(const std::u16string& text) {
+  const CefRefPtr<CefBrowserHost> target = host();
+  if (!target) {
+    return;
+  }
+  for (const char16_t unit : text) {
+    CefKeyEvent record;
+    record.type = KEYEVENT_CHAR;
+    record.character = unit;
+    record.unmodified_character = unit;
+    target->SendKeyEvent(record);
+  }
+}
+
+CefRefPtr<CefBrowserHost> KeyInput::host() const {
+  const CefRefPtr<CefBrowser> browser = view_.browser();
+  return browser ? browser->GetHost() : nullptr;
+}
+
+}  // namespace client

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+
+#include "osr/system_event.h"
+
+namespace client {
+
+// Turns key events into the browser's; without a browser, nothing happens. Ownership: the view's,
+// which must outlive it. Thread: UI.
+class KeyInput {
+ public:
+  explicit KeyInput(OsrView& view) : view_(view) {}
+  KeyInput(const KeyInput&) = delete;
+  KeyInput& operator=(const KeyInput&) = delete;
+
+  // A press: a raw press, and the character that it types, if any.
+  void sendKeyDown(const SystemEvent& event);
+  void sendKeyUp(const SystemEvent& event);
+  // A change of the modifier keys: a press or a release, by the key and the state after it.
+  void sendFlagsChanged(const SystemEvent& event);
+  // Text without keys, as input methods give.
+  void sendText(const std::u16string& text);
+
+ private:
+  // Null without a browser.
+  CefRefPtr<CefBrowserHost> host() const;
+
+  OsrView& view_;
+};
+
+}  // namespace client

@@ -78,7 +78,6 @@ void CContactFeedLinux::watchRegistry() {
     g_signal_connect(registry_.get(), change, G_CALLBACK(onSourcesChanged), this);
   }
   matchEnabledBooks();
-  endLoadingWhenLoaded();
 }
 
 void CContactFeedLinux::onSourcesChanged(ESourceRegistry* /*registry*/, ESource* /*source*/,
@@ -98,6 +97,8 @@ void CContactFeedLinux::matchEnabledBooks() {
       openBook(source.get());
     }
   }
+  // A book that was still being read may have been disabled.
+  endLoadingWhenLoaded();
 }
 
 void CContactFeedLinux::openBook(ESource* source) {

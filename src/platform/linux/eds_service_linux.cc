@@ -1,6 +1,7 @@
 #include "platform/linux/eds_service_linux.h"
 
 #include <algorithm>
+#include <chrono>
 #include <string>
 #include <string_view>
 
@@ -9,11 +10,13 @@
 namespace zantrio {
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 // A number follows, which grows with the interface's versions.
 constexpr std::string_view kRegistryName = "org.gnome.evolution.dataserver.Sources";
 
-// A bus answers at once, or something is wrong with it.
-constexpr int kAnswerLimitMs = 1000;
+// A bus answers at once, or something is wrong with it. For all questions together.
+constexpr std::chrono::milliseconds kAnswerLimit(1000);
 
 bool holdsRegistry(GVariant* answer) {
   const GVariantPtr names(g_variant_get_child_value(answer, 0));
@@ -28,11 +31,16 @@ bool holdsRegistry(GVariant* answer) {
   return false;
 }
 
-bool isRegistryListed(GDBusConnection* bus, const char* method) {
+bool isRegistryListed(GDBusConnection* bus, const char* method, Clock::time_point deadline) {
+  const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+  if (left.count() <= 0) {
+    return false;
+  }
   GError* error = nullptr;
   const GVariantPtr answer(g_dbus_connection_call_sync(
       bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method, nullptr,
-      G_VARIANT_TYPE("(as)"), G_DBUS_CALL_FLAGS_NONE, kAnswerLimitMs, nullptr, &error));
+      G_VARIANT_TYPE("(as)"), G_DBUS_CALL_FLAGS_NONE, static_cast<int>(left.count()), nullptr,
+      &error));
   if (!answer) {
     logWarning("AddressBookLinux: ", method, " failed on the session bus: ", takeText(error));
     return false;
@@ -50,8 +58,9 @@ GObjectPtr<GDBusConnection> connectToEdsService() {
     return nullptr;
   }
   g_dbus_connection_set_exit_on_close(bus.get(), FALSE);
-  if (isRegistryListed(bus.get(), "ListActivatableNames") ||
-      isRegistryListed(bus.get(), "ListNames")) {
+  const Clock::time_point deadline = Clock::now() + kAnswerLimit;
+  if (isRegistryListed(bus.get(), "ListActivatableNames", deadline) ||
+      isRegistryListed(bus.get(), "ListNames", deadline)) {
     return bus;
   }
   logWarning("AddressBookLinux: The Evolution Data Server is not installed");

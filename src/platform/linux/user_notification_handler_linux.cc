@@ -31,7 +31,11 @@ const QString kApplication = QStringLiteral("zantrio");
 
 QString cut(const std::string& text) {
   const QString shown = toShownText(text);
-  return shown.size() <= kMostCharacters ? shown : shown.left(kMostCharacters) + u'…';
+  if (shown.size() <= kMostCharacters) {
+    return shown;
+  }
+  const bool endsInPair = shown[kMostCharacters - 1].isHighSurrogate();
+  return shown.left(kMostCharacters - (endsInPair ? 1 : 0)) + u'…';
 }
 
 QDBusMessage request(const QString& method) {

@@ -56,10 +56,11 @@ CQueueWriter::~CQueueWriter() {
 bool CQueueWriter::flush() {
   const std::uint64_t wanted = parts_.store.changesNoted();
   std::unique_lock lock(mutex_);
-  const std::uint64_t before = failures_;
+  // A try that is under way may have begun before there was room again: its failure says nothing.
+  const std::uint64_t next = tries_ + 1;
   ordered_ = true;
   poked_.notify_one();
-  finished_.wait(lock, [&] { return durable_ >= wanted || failures_ != before; });
+  finished_.wait(lock, [&] { return durable_ >= wanted || failedTry_ >= next; });
   return durable_ >= wanted;
 }
 
@@ -151,6 +152,7 @@ bool CQueueWriter::takeOrder() {
     return false;
   }
   changed_ = false;
+  ++tries_;
   return true;
 }
 
@@ -162,7 +164,7 @@ void CQueueWriter::tellFinished(bool done) {
     if (done) {
       durable_ = durable;
     } else {
-      ++failures_;
+      failedTry_ = tries_;
     }
   }
   finished_.notify_all();

@@ -84,8 +84,9 @@ class CQueueWriter {
   bool changed_ = false;
   bool requested_ = false;
   bool stopping_ = false;
-  bool ordered_ = false;        // somebody waits for it
-  std::uint64_t failures_ = 0;  // of writes, ever
+  bool ordered_ = false;         // somebody waits for it
+  std::uint64_t tries_ = 0;      // to write that were begun, ever
+  std::uint64_t failedTry_ = 0;  // the latest that failed
   bool failing_ = false;
   std::uint64_t durable_ = 0;  // changes
 

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <chrono>
+#include <ctime>
 #include <functional>
 #include <thread>
 #include <tuple>
@@ -65,14 +67,25 @@ std::chrono::microseconds timeOf(const Action& action) {
   return std::chrono::duration_cast<std::chrono::microseconds>(Clock::now() - begin);
 }
 
-// Of several: what else runs on the machine does not count.
+std::chrono::microseconds processorTimeOfThisThread() {
+  timespec time{};
+  ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return std::chrono::duration_cast<std::chrono::microseconds>(
+      std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec));
+}
+
+// The median of several, in processor time: what else runs on the machine does not count. A search
+// runs in the thread that asks, and waits for nothing once the contacts are there.
 template <class Action>
-std::chrono::microseconds bestTimeOf(const Action& action) {
-  std::chrono::microseconds best = timeOf(action);
-  for (int time = 0; time < 4; ++time) {
-    best = std::min(best, timeOf(action));
+std::chrono::microseconds usualTimeOf(const Action& action) {
+  std::array<std::chrono::microseconds, 7> times{};
+  for (auto& time : times) {
+    const auto begin = processorTimeOfThisThread();
+    action();
+    time = processorTimeOfThisThread() - begin;
   }
-  return best;
+  std::nth_element(times.begin(), times.begin() + times.size() / 2, times.end());
+  return times[times.size() / 2];
 }
 
 class AddressBookLinux : public testing::Test {
@@ -164,8 +177,8 @@ TEST_F(AddressBookLinux, AnswersWithin100MillisecondsAmong10000Contacts) {
   session.add("friends", cards);
   const auto book = openBook();
   const auto first = timeOf([&] { EXPECT_EQ(search(*book, "user4711@").size(), 1U); });
-  const auto one = bestTimeOf([&] { EXPECT_EQ(search(*book, "фАМИЛИЯ4711").size(), 1U); });
-  const auto all = bestTimeOf([&] { EXPECT_EQ(search(*book, "").size(), 10'000U); });
+  const auto one = usualTimeOf([&] { EXPECT_EQ(search(*book, "фАМИЛИЯ4711").size(), 1U); });
+  const auto all = usualTimeOf([&] { EXPECT_EQ(search(*book, "").size(), 10'000U); });
   RecordProperty("firstSearchMicroseconds", std::to_string(first.count()));
   RecordProperty("searchMicroseconds", std::to_string(one.count()));
   RecordProperty("searchForAllMicroseconds", std::to_string(all.count()));

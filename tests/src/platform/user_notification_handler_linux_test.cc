@@ -95,6 +95,12 @@ TEST_F(UserNotificationHandlerLinux, CutsATextWithoutMeasure) {
   EXPECT_EQ(shownMessage(std::string(5'000'000, 'x')).size(), 10'001);
 }
 
+TEST_F(UserNotificationHandlerLinux, NeverCutsACharacterInTwo) {
+  server_.answer("GetCapabilities", QStringList{"body"});
+  const std::string kept(9'999, 'x');
+  EXPECT_EQ(shownMessage(kept + "😀 and more").toStdString(), kept + "…");
+}
+
 TEST_F(UserNotificationHandlerLinux, ShowsANotificationWithoutAnyText) {
   server_.answer("GetCapabilities", QStringList{"body"});
   show({});

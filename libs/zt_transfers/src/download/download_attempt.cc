@@ -64,7 +64,7 @@ void CDownloadAttempt::begin() {
     return;
   }
   if (order_.resume.begun()) {
-    writer_->reopen(order_.resume);
+    writer_->reopen(order_.resume.download());
   } else {
     fetch();
   }
@@ -284,11 +284,12 @@ void CDownloadAttempt::finish(AttemptOutcome outcome) {
 }
 
 void CDownloadAttempt::report(AttemptOutcome outcome) {
-  const DownloadResume now = order_.progress->resume();
+  const DownloadResume& before = order_.resume.download();
+  const DownloadResume now = order_.progress->resume().download();
   const bool sameVersion =
-      order_.resume.begun() && !now.validator.empty() && now.validator == order_.resume.validator;
+      before.begun() && !now.validator.empty() && now.validator == before.validator;
   outcome.progressed =
-      sameVersion && lengthOf(now.written) >= lengthOf(order_.resume.written) + kWorthARetry;
+      sameVersion && lengthOf(now.written) >= lengthOf(before.written) + kWorthARetry;
   listener_.onEnded(order_.job, outcome);
 }
 

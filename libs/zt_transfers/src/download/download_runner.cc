@@ -63,7 +63,7 @@ void CDownloadRunner::settle() {
 void CDownloadRunner::discard(const Leftover& leftover) {
   pool_.post([leftover, &log = log_] {
     try {
-      CPartialFile::remove(leftover.folder, leftover.resume);
+      CPartialFile::remove(leftover.folder, leftover.resume.download());
     } catch (const std::exception& error) {
       log.warning("A partial file stays behind: " + std::string(error.what()));
     }

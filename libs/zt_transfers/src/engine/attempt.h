@@ -8,8 +8,8 @@
 #include <optional>
 #include <string>
 
-#include "engine/download_resume.h"
 #include "engine/file_spec.h"
+#include "engine/transfer_resume.h"
 
 namespace zt_transfers {
 
@@ -25,18 +25,24 @@ class JobProgress {
   std::atomic<std::uint64_t> size{kUnknown};  // of the file, once the attempt knows it
 
   // What the next attempt could go on with, should this one end now.
-  void setResume(DownloadResume resume) {
+  void setResume(TransferResume resume) {
     const std::lock_guard lock(mutex_);
     resume_ = std::move(resume);
   }
-  DownloadResume resume() const {
+  // Changes it where it lies.
+  template <typename Change>
+  void changeResume(Change change) {
+    const std::lock_guard lock(mutex_);
+    change(resume_);
+  }
+  TransferResume resume() const {
     const std::lock_guard lock(mutex_);
     return resume_;
   }
 
  private:
   mutable std::mutex mutex_;
-  DownloadResume resume_;  // guarded by mutex_
+  TransferResume resume_;  // guarded by mutex_
 };
 
 // When a file is transferred in several parts at a time.
@@ -51,7 +57,7 @@ struct StartOrder {
   FileRef file;
   FileSpec spec;
   std::string folder;     // the group's; downloads only
-  DownloadResume resume;  // what an attempt before has left
+  TransferResume resume;  // what an attempt before has left
   bool verify = true;
   std::string proxy;
   PartPolicy parts;
@@ -84,18 +90,19 @@ struct AttemptOutcome {
   }
 };
 
-// A partial file that nobody will go on with.
+// What attempts have left of a file, and nobody will go on with.
 struct Leftover {
-  std::string folder;  // the group's
-  DownloadResume resume;
+  std::string folder;  // the group's; downloads only
+  TransferResume resume;
+  std::string proxy;
 };
 
 // Told how attempts go. Thread: any.
 class IAttemptObserver {
  public:
   virtual void onAttemptDone(JobId job, const AttemptOutcome& outcome) = 0;
-  // More of a download has become durable: its progress has the resume to keep.
-  virtual void onAttemptCheckpoint(JobId job) = 0;
+  // Its progress has a resume that is worth to be kept. False when it was stopped meanwhile.
+  virtual bool onAttemptCheckpoint(JobId job) = 0;
   // Every byte of a download has arrived, and the file is about to appear under its final name.
   // From here on the attempt does not count as a transfer and is only stopped with its file.
   // False when it was stopped meanwhile: then it must not go on.

@@ -6,9 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "engine/download_resume.h"
 #include "engine/file_spec.h"
 #include "engine/transfer_group.h"
+#include "engine/transfer_resume.h"
 
 namespace zt_transfers {
 
@@ -30,8 +30,8 @@ struct StoredState {
 struct RestoredGroup {
   StoredGroup group;
   std::vector<StoredState> files;
-  // What downloads that were begun have left, by the file's index.
-  std::vector<std::pair<std::uint32_t, DownloadResume>> resumes;
+  // What transfers that were begun have left, by the file's index.
+  std::vector<std::pair<std::uint32_t, TransferResume>> resumes;
 };
 
 // Keeps what was queued, out of the engine's way: the engine itself holds a few bytes a file.
@@ -55,9 +55,9 @@ class IQueueStore {
   virtual void replace(FileRef file, const FileSpec& spec) = 0;
   virtual void setState(FileRef file, const StoredState& state) = 0;
   virtual void remove(FileRef file) = 0;
-  // What the next attempt at this download can go on with; nothing begun forgets it. A file that is
+  // What the next attempt at this file can go on with; nothing begun forgets it. A file that is
   // completed or removed has none any more.
-  virtual void saveResume(FileRef file, const DownloadResume& resume) = 0;
+  virtual void saveResume(FileRef file, const TransferResume& resume) = 0;
 
   virtual std::string fileId(FileRef file) const = 0;
   // The file with this fileId that was appended last and not removed.

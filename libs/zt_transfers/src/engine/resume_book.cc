@@ -5,22 +5,22 @@
 
 namespace zt_transfers {
 
-void CResumeBook::keep(CTransferGroup& group, std::uint32_t index, const DownloadResume& resume) {
+void CResumeBook::keep(CTransferGroup& group, std::uint32_t index, const TransferResume& resume) {
   take(group, index);
   if (!resume.begun()) {
     return;
   }
-  const std::uint64_t counted = std::min(lengthOf(resume.written), group.file(index).size);
+  const std::uint64_t counted = std::min(resume.bytes(), group.file(index).size);
   group.addInFlight(counted);
   entries_.emplace(Key{group.id(), index}, Entry{resume, counted});
 }
 
-DownloadResume CResumeBook::take(CTransferGroup& group, std::uint32_t index) {
+TransferResume CResumeBook::take(CTransferGroup& group, std::uint32_t index) {
   const auto found = entries_.find({group.id(), index});
   if (found == entries_.end()) {
     return {};
   }
-  DownloadResume resume = std::move(found->second.resume);
+  TransferResume resume = std::move(found->second.resume);
   group.removeInFlight(found->second.counted);
   entries_.erase(found);
   return resume;

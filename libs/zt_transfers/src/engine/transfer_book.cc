@@ -99,7 +99,7 @@ void CTransferBook::cancel(CTransferGroup& group) {
     stop(id, group, Rest::kForget);
   }
   for (auto& [index, resume] : resumes_.takeAll(group)) {
-    leftovers_.push_back({bytesOf(group.identity().folder), std::move(resume)});
+    leftovers_.push_back({bytesOf(group.identity().folder), std::move(resume), {}});
   }
   group.setCancelled();
   store_.removeGroup(group.id());
@@ -168,7 +168,7 @@ StartOrder CTransferBook::begin(CTransferGroup& group, std::uint32_t index, File
 void CTransferBook::end(const Job& job, CTransferGroup& group, Rest rest) {
   group.removeInFlight(job.counted);
   if (rest == Rest::kKeep) {
-    const DownloadResume resume = job.progress->resume();
+    const TransferResume resume = job.progress->resume();
     resumes_.keep(group, job.file.index, resume);
     store_.saveResume(job.file, resume);
   }
@@ -192,9 +192,9 @@ void CTransferBook::hold(CTransferGroup& group, FilePhase then, bool everything)
 }
 
 void CTransferBook::discardRest(CTransferGroup& group, std::uint32_t index) {
-  DownloadResume resume = resumes_.take(group, index);
+  TransferResume resume = resumes_.take(group, index);
   if (resume.begun()) {
-    leftovers_.push_back({bytesOf(group.identity().folder), std::move(resume)});
+    leftovers_.push_back({bytesOf(group.identity().folder), std::move(resume), {}});
     store_.saveResume({group.id(), index}, {});
   }
 }

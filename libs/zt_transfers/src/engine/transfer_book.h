@@ -23,7 +23,7 @@ namespace zt_transfers {
 class CTransferBook {
  public:
   using Groups = std::map<std::int32_t, std::unique_ptr<CTransferGroup>>;
-  enum class Rest { kKeep, kForget };  // what becomes of a partial file
+  enum class Rest { kKeep, kForget };  // what becomes of what the attempt leaves
 
   // `activity`: for the log. The others must outlive it.
   CTransferBook(std::string activity, const IClock& clock, IQueueStore& store, CEventQueue& events);

@@ -235,11 +235,13 @@ void CTransferEngine::onAttemptDone(JobId id, const AttemptOutcome& outcome) {
   log_.write(done ? ILog::Priority::kInformation : ILog::Priority::kWarning, message);
 }
 
-void CTransferEngine::onAttemptCheckpoint(JobId id) {
+bool CTransferEngine::onAttemptCheckpoint(JobId id) {
   const std::lock_guard lock(mutex_);
-  if (const Job* job = book_.jobs().find(id)) {
+  const Job* job = book_.jobs().find(id);
+  if (job != nullptr) {
     store_.saveResume(job->file, job->progress->resume());
   }
+  return job != nullptr;
 }
 
 bool CTransferEngine::onAttemptLanding(JobId id) {

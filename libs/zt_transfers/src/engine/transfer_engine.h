@@ -80,7 +80,7 @@ class CTransferEngine final : public IAttemptObserver {
   Work takeWork();
 
   void onAttemptDone(JobId job, const AttemptOutcome& outcome) override;
-  void onAttemptCheckpoint(JobId job) override;
+  bool onAttemptCheckpoint(JobId job) override;
   bool onAttemptLanding(JobId job) override;
 
   // For the thread that reports: adds progress that is due to the events; false when nothing is

@@ -30,6 +30,9 @@ TransferWork CWorkPlanner::takeWork(bool congested) {
   TransferWork work;
   work.stops = book_.takeStops();
   work.leftovers = book_.takeLeftovers();
+  for (Leftover& leftover : work.leftovers) {
+    leftover.proxy = settings_.proxy;
+  }
   if (!running_) {
     return work;
   }

@@ -38,7 +38,7 @@ constexpr const char* kFirstSchema = R"(
 )";
 
 constexpr const char* kResumes = R"(
-  -- What downloads that were begun have left for their next attempt.
+  -- What transfers that were begun have left for their next attempt.
   CREATE TABLE resumes(
     id     INTEGER PRIMARY KEY,
     resume BLOB NOT NULL

@@ -36,7 +36,7 @@ class CQueueDatabase {
     // The files of the group before, in ascending order; indices may be missing.
     std::function<void(FileRef, const StoredState&, std::string_view fileId)> file;
     // What is left of one of those files.
-    std::function<void(FileRef, const DownloadResume&)> resume;
+    std::function<void(FileRef, const TransferResume&)> resume;
   };
   void read(const Reader& reader);
   // The highest id that a group ever had; 0 without one.

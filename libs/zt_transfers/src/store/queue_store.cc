@@ -97,7 +97,7 @@ void CQueueStore::remove(FileRef file) {
   note(Kind::kFileRemoved, file);
 }
 
-void CQueueStore::saveResume(FileRef file, const DownloadResume& resume) {
+void CQueueStore::saveResume(FileRef file, const TransferResume& resume) {
   const Key key{file.groupId, file.index};
   const std::lock_guard lock(mutex_);
   const bool changed = resume.begun() ? (resumes_.insert(key), true) : resumes_.erase(key) != 0;

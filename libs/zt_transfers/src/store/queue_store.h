@@ -53,7 +53,7 @@ class CQueueStore : public IQueueStore {
   void replace(FileRef file, const FileSpec& spec) override;
   void setState(FileRef file, const StoredState& state) override;
   void remove(FileRef file) override;
-  void saveResume(FileRef file, const DownloadResume& resume) override;
+  void saveResume(FileRef file, const TransferResume& resume) override;
   std::string fileId(FileRef file) const override;
   std::optional<std::uint32_t> find(std::int32_t groupId, const std::string& fileId) const override;
   std::optional<FileSpec> spec(FileRef file) override;

@@ -60,7 +60,7 @@ void CStoredQueue::load(CQueueDatabase& database, Found& found) {
                        store_.restoreFile(file, fileId);
                      },
                  .resume =
-                     [&](FileRef file, const DownloadResume& resume) {
+                     [&](FileRef file, const TransferResume& resume) {
                        if (file.index < found.groups.back().files.size()) {
                          found.groups.back().resumes.emplace_back(file.index, resume);
                          store_.restoreResume(file);

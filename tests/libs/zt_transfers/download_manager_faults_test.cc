@@ -70,6 +70,18 @@ TEST_F(DownloadFaults, TakesNoOtherLengthThanAnnouncedForSuccess) {
   EXPECT_THAT(namesThere(), ElementsAre("last"));
 }
 
+TEST_F(DownloadFaults, LetsNoOtherFileWaitForASizeThatOnlyTheServerClaims) {
+  retryAtMost(0);
+  auto lying = offer("lying", patternOf(3'000'000));
+  lying.size = 0;
+  server.plan("/lying", {fault::of(Fault::Kind::kLongerLength, std::uint64_t{1} << 55)});
+  const auto group = downloadAll({lying, offer("file", "content")});
+  EXPECT_EQ(recorder.group(group).filesCompleted, 1);
+  manager.cancelGroup(group);
+  manager.shutdown();
+  EXPECT_THAT(log(), HasSubstr("cannot make room for the 36028797021963968 bytes"));
+}
+
 TEST_F(DownloadFaults, FetchesAgainWhatArrivedWithOtherContent) {
   const std::string content = patternOf(700'000);
   auto file = offer("file", content);

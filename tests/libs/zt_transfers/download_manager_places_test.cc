@@ -78,6 +78,7 @@ TEST_F(DownloadPlaces, TakesTheGroupsOwnFolderAsTheUserChoseIt) {
 
 TEST_F(DownloadPlaces, MakesAMissingFolderButNotThoseAboveIt) {
   target = sandbox.folder() / "unmounted" / "folder";
+  retryAtMost(0);
   const auto group = downloadAll({offerAt("file", "file")});
   EXPECT_EQ(recorder.group(group).state, kGroupErrored);
   EXPECT_FALSE(fs::exists(target.parent_path()));
@@ -203,6 +204,37 @@ class CSmallDisk {
   const fs::path place_;
   const bool mounted_;
 };
+
+TEST_F(DownloadPlaces, RestsWhileADiskIsFullOrGoneAndGoesOnByItself) {
+  const fs::path small = sandbox.folder() / "small";
+  fs::create_directory(small);
+  CSmallDisk disk(small, "size=1m");
+  if (!disk.mounted()) {
+    GTEST_SKIP() << "only root may mount a disk";
+  }
+  const std::string content = patternOf(3'000'000);
+  server.plan("/gone", {fault::slow(4'000'000)});
+  const auto gone = download({offer("gone", content)});
+  ASSERT_TRUE(recorder.waitForGroup(
+      gone, [](const auto& shot) { return shot.bytesTransferred > 1'000'000; }));
+  manager.pauseGroup(gone);
+  ASSERT_TRUE(recorder.waitForGroupState(gone, kGroupPaused));
+  fs::rename(target, sandbox.folder() / "away");
+  manager.resumeGroup(gone);
+  target = small;
+  const auto full = download({offer("full", content)});
+  ASSERT_TRUE(waitForLog("the group's folder is not there"));
+  ASSERT_TRUE(waitForLog("the disk is full"));
+  EXPECT_FALSE(fs::exists(sandbox.folder() / "target"));
+  fs::rename(sandbox.folder() / "away", sandbox.folder() / "target");
+  ASSERT_TRUE(disk.grow("size=8m"));
+  ASSERT_TRUE(recorder.waitForGroupState(gone, kGroupCompleted));
+  ASSERT_TRUE(recorder.waitForGroupState(full, kGroupCompleted));
+  EXPECT_EQ(contentOf(sandbox.folder() / "target" / "gone"), content);
+  EXPECT_EQ(contentOf(small / "full"), content);
+  EXPECT_EQ(server.requestsTo("/gone").at(1).headers.count("range"), 1U);  // for the rest only
+  manager.shutdown();
+}
 
 TEST_F(DownloadPlaces, TellsOfAFullDiskBeforeTheDownloadAndGoesOnOnceThereIsRoom) {
   CSmallDisk disk(target, "size=1m");

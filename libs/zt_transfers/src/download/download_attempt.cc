@@ -28,6 +28,7 @@ CPartialFile::Plan planOf(const StartOrder& order) {
   plan.folder = order.folder;
   plan.target = parseTargetPath(order.spec.place);
   plan.key = std::to_string(order.file.groupId) + '\0' + order.spec.fileId;
+  plan.size = order.spec.size;
   plan.modified = order.spec.modified;
   plan.md5 = loweredAscii(order.spec.contentMd5);
   return plan;

@@ -80,8 +80,8 @@ void CDownloadRunner::onArrived(JobId job, std::uint64_t size) {
   landing_.emplace(job, Rest{writer->file(), progress});
   attempts_.erase(found);
   const auto done = [this, job](const AttemptOutcome& outcome) { landed(job, outcome); };
-  writer->finish([this, size, progress, done](const std::shared_ptr<CPartialFile>& file,
-                                              const std::optional<AttemptOutcome>& trouble) {
+  writer->finish([this, job, size, progress, done](const std::shared_ptr<CPartialFile>& file,
+                                                   const std::optional<AttemptOutcome>& trouble) {
     if (trouble) {
       done(*trouble);
       return;
@@ -97,7 +97,7 @@ void CDownloadRunner::onArrived(JobId job, std::uint64_t size) {
       done(judgeFileTrouble(error));
       return;
     }
-    lander_.land(file, done);
+    lander_.land({job, file, progress, done});
   });
 }
 

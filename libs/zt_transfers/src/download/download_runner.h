@@ -15,7 +15,11 @@ namespace zt_transfers {
 class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IListener {
  public:
   CDownloadRunner(CHttpLoop& loop, CWorkerPool& pool, ILog& log, IAttemptObserver& observer)
-      : loop_(loop), pool_(pool), log_(log), observer_(observer) {}
+      : loop_(loop),
+        pool_(pool),
+        log_(log),
+        observer_(observer),
+        lander_([&observer](const std::vector<JobId>& jobs) { observer.onLandingsSynced(jobs); }) {}
 
   bool start(StartOrder order) override;
   void stop(JobId job, bool discard) override;

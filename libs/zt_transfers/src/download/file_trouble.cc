@@ -3,21 +3,38 @@
 #include <cerrno>
 #include <system_error>
 
+#include "download/target_folder.h"
+
 namespace zt_transfers {
+namespace {
+
+// No file of the group would fare better now.
+AttemptOutcome diskTrouble(const std::string& reason) {
+  constexpr std::chrono::seconds kUntilItMayBeOver{5};
+  AttemptOutcome outcome = AttemptOutcome::retry(reason);
+  outcome.retryAfter = kUntilItMayBeOver;
+  outcome.sharedTrouble = true;
+  return outcome;
+}
+
+}  // namespace
 
 AttemptOutcome judgeFileTrouble(const std::exception& error) {
-  constexpr std::chrono::seconds kUntilThereMayBeRoom{5};
+  if (dynamic_cast<const CNoRoomForClaim*>(&error) != nullptr) {
+    return AttemptOutcome::retry(error.what());  // the server may have been wrong
+  }
+  if (dynamic_cast<const CFolderGone*>(&error) != nullptr) {
+    return diskTrouble(error.what());
+  }
   const auto* trouble = dynamic_cast<const std::system_error*>(&error);
   switch (trouble != nullptr ? trouble->code().value() : 0) {
     case ENOSPC:
-    case EDQUOT: {
-      // No file of the group would fare better now.
-      AttemptOutcome outcome =
-          AttemptOutcome::retry(std::string("the disk is full: ") + error.what());
-      outcome.retryAfter = kUntilThereMayBeRoom;
-      outcome.sharedTrouble = true;
-      return outcome;
-    }
+    case EDQUOT:
+      return diskTrouble(std::string("the disk is full: ") + error.what());
+    case ENODEV:
+    case ENOTCONN:
+    case ENXIO:
+      return diskTrouble(std::string("the disk is gone: ") + error.what());
     case EIO:
     case EMFILE:
     case ENFILE:

@@ -1,13 +1,21 @@
 #pragma once
 
 #include <exception>
+#include <system_error>
 
 #include "engine/attempt.h"
 
 namespace zt_transfers {
 
-// What follows from an error of the file system: a full disk is tried again, a folder that may
-// not be written to is not.
+// There is no room for a file of the size that its server announces, and nobody else has said
+// that it is so large.
+class CNoRoomForClaim : public std::system_error {
+ public:
+  using std::system_error::system_error;
+};
+
+// What follows from an error of the file system: a full disk, or one that is not there, is tried
+// again, a folder that may not be written to is not.
 AttemptOutcome judgeFileTrouble(const std::exception& error);
 
 }  // namespace zt_transfers

@@ -14,9 +14,9 @@ constexpr std::size_t kSyncTogetherFrom = 4;
 
 }  // namespace
 
-void CLander::land(std::shared_ptr<CPartialFile> file, Done done) {
+void CLander::land(Arrival arrival) {
   std::unique_lock lock(mutex_);
-  waiting_.push_back({std::move(file), std::move(done)});
+  waiting_.push_back({std::move(arrival)});
   if (landing_) {
     return;
   }
@@ -33,61 +33,84 @@ void CLander::land(std::shared_ptr<CPartialFile> file, Done done) {
 
 void CLander::landAll(Batch& batch) {
   settleAll(batch);
-  for (Arrival& arrival : batch) {
-    tryStep(arrival, [&] {
-      if (!arrival.file->discarded()) {
-        arrival.file->publish();
+  noteSynced(batch);
+  for (Landing& landing : batch) {
+    tryStep(landing, [&] {
+      if (!landing.file->discarded()) {
+        landing.file->publish();
       }
     });
   }
   syncFolders(batch);
-  for (const Arrival& arrival : batch) {
-    if (!arrival.failed && !arrival.file->discarded()) {
-      arrival.done(AttemptOutcome::done());
+  for (const Landing& landing : batch) {
+    if (landing.goesOn()) {
+      landing.done(*landing.folderSynced);
     }
   }
 }
 
 // Ends the file's landing if the step fails.
 template <typename Step>
-void CLander::tryStep(Arrival& arrival, Step step) {
-  if (arrival.failed) {
+void CLander::tryStep(Landing& landing, Step step) {
+  if (landing.failed) {
     return;
   }
   try {
     step();
   } catch (const std::exception& error) {
-    arrival.failed = true;
-    arrival.done(judgeFileTrouble(error));
+    landing.failed = true;
+    landing.done(judgeFileTrouble(error));
   }
 }
 
 void CLander::settleAll(Batch& batch) {
   const bool together = batch.size() >= kSyncTogetherFrom;
-  for (Arrival& arrival : batch) {
-    tryStep(arrival, [&] { arrival.file->settle(!together); });
+  for (Landing& landing : batch) {
+    tryStep(landing, [&] { landing.file->settle(!together); });
   }
   if (!together) {
     return;
   }
-  for (auto arrival = batch.begin(); arrival != batch.end(); ++arrival) {
-    const bool synced = std::any_of(batch.begin(), arrival, [&](const Arrival& other) {
-      return other.syncedAll && other.file->sameFileSystem(*arrival->file);
+  for (auto landing = batch.begin(); landing != batch.end(); ++landing) {
+    const bool synced = std::any_of(batch.begin(), landing, [&](const Landing& other) {
+      return other.syncedAll && other.file->sameFileSystem(*landing->file);
     });
-    tryStep(*arrival, [&] { arrival->syncedAll = !synced && arrival->file->syncFileSystem(); });
+    tryStep(*landing, [&] { landing->syncedAll = !synced && landing->file->syncFileSystem(); });
   }
 }
 
+void CLander::noteSynced(Batch& batch) {
+  std::vector<JobId> jobs;
+  for (const Landing& landing : batch) {
+    if (landing.goesOn()) {
+      landing.file->noteSynced();
+      landing.progress->setResume(landing.file->resume());
+      jobs.push_back(landing.job);
+    }
+  }
+  synced_(jobs);
+}
+
+// Once for each folder, as a second sync may not tell any more that the first one has failed.
 void CLander::syncFolders(Batch& batch) {
-  for (auto arrival = batch.begin(); arrival != batch.end(); ++arrival) {
-    const bool synced = std::any_of(batch.begin(), arrival, [&](const Arrival& other) {
-      return !other.failed && other.file->sameFolder(*arrival->file);
+  for (auto landing = batch.begin(); landing != batch.end(); ++landing) {
+    if (!landing->goesOn()) {
+      continue;
+    }
+    const auto same = std::find_if(batch.begin(), landing, [&](const Landing& other) {
+      return other.folderSynced && other.file->sameFolder(*landing->file);
     });
-    tryStep(*arrival, [&] {
-      if (!synced) {
-        arrival->file->syncFolder();
-      }
-    });
+    if (same != landing) {
+      landing->folderSynced = same->folderSynced;
+      continue;
+    }
+    try {
+      landing->file->syncFolder();
+      landing->folderSynced = AttemptOutcome::done();
+    } catch (const std::exception& error) {
+      landing->folderSynced = AttemptOutcome::retry(
+          "the file is there, but its name may not last: " + std::string(error.what()));
+    }
   }
 }
 

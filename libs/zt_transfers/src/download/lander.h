@@ -3,6 +3,8 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include "download/partial_file.h"
@@ -10,33 +12,49 @@
 
 namespace zt_transfers {
 
-// Puts files that have arrived in place: durable first, then renamed, then the name durable. What
-// arrives while it is at it waits and is done together, with one sync for all where there are
-// many; waiting for the disk is most of the work of a small file.
+// Puts files that have arrived in place: durable first, then noted as about to be renamed, then
+// renamed, then the name durable. What arrives while it is at it waits and is done together, with
+// one sync for all where there are many; waiting for the disk is most of the work of a small file.
+//
+// A folder whose sync fails is tried again by the file's next attempt, which finds the file by its
+// final name and does not rename it a second time.
 //
 // Thread: any of the pool's. The one that finds nobody at it does the work.
 class CLander {
  public:
-  // Called on a thread of the pool, not for a file that was discarded.
-  using Done = std::function<void(const AttemptOutcome&)>;
+  struct Arrival {
+    JobId job = 0;
+    std::shared_ptr<CPartialFile> file;
+    std::shared_ptr<JobProgress> progress;
+    // Called on a thread of the pool, not for a file that was discarded.
+    std::function<void(const AttemptOutcome&)> done;
+  };
+  // See IAttemptObserver::onLandingsSynced.
+  using Synced = std::function<void(const std::vector<JobId>& jobs)>;
 
-  void land(std::shared_ptr<CPartialFile> file, Done done);
+  explicit CLander(Synced synced) : synced_(std::move(synced)) {}
+
+  void land(Arrival arrival);
 
  private:
-  struct Arrival {
-    std::shared_ptr<CPartialFile> file;
-    Done done;
+  struct Landing : Arrival {
     bool failed = false;
     bool syncedAll = false;  // its sync was one of the whole file system
-  };
-  using Batch = std::vector<Arrival>;
+    // How the sync of its folder went, once that was tried.
+    std::optional<AttemptOutcome> folderSynced{};
 
-  static void landAll(Batch& batch);
+    bool goesOn() const { return !failed && !file->discarded(); }
+  };
+  using Batch = std::vector<Landing>;
+
+  void landAll(Batch& batch);
   template <typename Step>
-  static void tryStep(Arrival& arrival, Step step);
+  static void tryStep(Landing& landing, Step step);
   static void settleAll(Batch& batch);
+  void noteSynced(Batch& batch);
   static void syncFolders(Batch& batch);
 
+  const Synced synced_;
   std::mutex mutex_;
   // Guarded by mutex_.
   Batch waiting_;

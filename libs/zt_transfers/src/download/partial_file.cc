@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -13,6 +14,7 @@
 #include <thread>
 
 #include "download/counted_name.h"
+#include "download/file_trouble.h"
 #include "download/publish.h"
 #include "download/target_folder.h"
 
@@ -97,13 +99,20 @@ CPartialFile::Found CPartialFile::reopen(const DownloadResume& resume) {
   if (parentOf(resume.partialPath) != partialPath("")) {
     return Found::kNothing;
   }
+  resume_ = resume;
   if (!openFolder(MissingFolders::kFail)) {
+    resume_ = {};
     return Found::kNothing;
   }
   std::string name = resume.partialPath.substr(partialPath("").size());
   CUniqueFd file(::openat(folder_.get(), name.c_str(), kOpenPartial));
+  if (!file.valid() && landedAlready(resume)) {
+    syncFolder();
+    return Found::kLanded;
+  }
+  resume_ = {};
   if (!file.valid()) {
-    return landedAlready(resume.inode, resume.size) ? Found::kLanded : Found::kNothing;
+    return Found::kNothing;
   }
   const struct stat status = statusOf(file.get());
   if (!S_ISREG(status.st_mode) || status.st_ino != resume.inode || !lock(file.get())) {
@@ -244,6 +253,7 @@ void CPartialFile::checkpoint() {
 
 std::optional<std::string> CPartialFile::verify(std::uint64_t size) {
   create(size);
+  resume_.size = size;
   const auto there = static_cast<std::uint64_t>(statusOf(file_.get()).st_size);
   if (there != size || lengthOf(resume_.written) != size) {
     return "the partial file has " + std::to_string(there) + " bytes instead of " +
@@ -338,7 +348,8 @@ bool CPartialFile::openFolder(MissingFolders missing) {
     folder_ = std::move(target.folder);
     foldersMade_ = target.made;
   } catch (const std::system_error& error) {
-    if (missing == MissingFolders::kFail && error.code().value() == ENOENT) {
+    const bool gone = dynamic_cast<const CFolderGone*>(&error) != nullptr;
+    if (missing == MissingFolders::kFail && !gone && error.code().value() == ENOENT) {
       return false;
     }
     throw;
@@ -358,15 +369,19 @@ void CPartialFile::adopt(CUniqueFd file, std::string name) {
 
 // A program that ended between the renaming and the note of it left its file under its final
 // name.
-bool CPartialFile::landedAlready(std::uint64_t inode, std::uint64_t size) const {
+bool CPartialFile::landedAlready(const DownloadResume& resume) const {
+  const auto isWhole = [&](std::uint64_t size) {
+    return resume.size == DownloadResume::kUnknown ? size >= lengthOf(resume.written)
+                                                   : size == resume.size;
+  };
   for (unsigned count = 0; count <= kMostCounted; ++count) {
     struct stat status {};
     const std::string name = countedName(plan_.target.name, count);
     if (::fstatat(folder_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
       return false;
     }
-    if (status.st_ino == inode && S_ISREG(status.st_mode)) {
-      return static_cast<std::uint64_t>(status.st_size) == size;
+    if (status.st_ino == resume.inode && S_ISREG(status.st_mode)) {
+      return isWhole(static_cast<std::uint64_t>(status.st_size));
     }
   }
   return false;
@@ -374,16 +389,35 @@ bool CPartialFile::landedAlready(std::uint64_t inode, std::uint64_t size) const 
 
 // Finds out now whether the disk has the room. The file's length stays that of its content.
 void CPartialFile::reserve(std::uint64_t size) {
-#if defined(__linux__)
   if (size == DownloadResume::kUnknown || size < kReserveFrom) {
     return;
   }
+  try {
+    makeRoom(size);
+  } catch (const std::system_error& error) {
+    if (plan_.size != 0) {
+      throw;
+    }
+    throw CNoRoomForClaim(error.code(), "cannot make room for the " + std::to_string(size) +
+                                            " bytes that the server announces");
+  }
+}
+
+void CPartialFile::makeRoom(std::uint64_t size) {
+  // Asked first, so that nothing else runs short while the system takes all that there is.
+  constexpr std::uint64_t kBlock = 512;  // of st_blocks
+  const std::uint64_t has = static_cast<std::uint64_t>(statusOf(file_.get()).st_blocks) * kBlock;
+  struct statvfs disk {};
+  if (::fstatvfs(file_.get(), &disk) == 0 && disk.f_blocks != 0 && size > has &&
+      (size - has) / disk.f_frsize > disk.f_bavail) {
+    errno = ENOSPC;
+    fail("cannot make room for the file");
+  }
+#if defined(__linux__)
   if (::fallocate(file_.get(), FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(size)) != 0 &&
       (errno == ENOSPC || errno == EDQUOT || errno == EFBIG)) {
     fail("cannot make room for the file");
   }
-#else
-  static_cast<void>(size);
 #endif
 }
 

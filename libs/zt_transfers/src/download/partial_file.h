@@ -25,6 +25,7 @@ class CPartialFile {
     std::string folder;  // the group's
     TargetPath target;
     std::string key;             // names this file of this group, and no other
+    std::uint64_t size = 0;      // bytes, as the page said; 0: it did not say
     std::uint64_t modified = 0;  // milliseconds since 1970; 0: none
     std::string md5;             // lower-case hexadecimal; empty: not to be checked
   };
@@ -38,7 +39,8 @@ class CPartialFile {
   CPartialFile(const CPartialFile&) = delete;
   CPartialFile& operator=(const CPartialFile&) = delete;
 
-  // Goes on with what is left of an earlier attempt. kLanded: it has its final name already.
+  // Goes on with what is left of an earlier attempt. kLanded: it has its final name already, and
+  // that is durable. When it throws, what is left can still be gone on with.
   Found reopen(const DownloadResume& resume);
   // Writes; the first time, or after `restart`, into an empty file.
   void write(std::uint64_t offset, const char* data, std::size_t size);
@@ -54,6 +56,8 @@ class CPartialFile {
   std::optional<std::string> verify(std::uint64_t size);
   // Sets its times; with `alone` it and new folders above it become durable.
   void settle(bool alone);
+  // What is written is durable, whoever made it so.
+  void noteSynced() { resume_.durable = resume_.written; }
   // All of what has been written to its file system becomes durable; false, and only the file
   // does, where there is no such operation.
   bool syncFileSystem() const;
@@ -75,8 +79,9 @@ class CPartialFile {
   bool openFolder(MissingFolders missing);
   void adopt(CUniqueFd file, std::string name);
   bool takeExisting(const std::string& name);
-  bool landedAlready(std::uint64_t inode, std::uint64_t size) const;
+  bool landedAlready(const DownloadResume& resume) const;
   void reserve(std::uint64_t size);
+  void makeRoom(std::uint64_t size);
   void hashWritten();
   bool isOurs() const;
 

@@ -16,6 +16,30 @@ constexpr mode_t kAllThatTheUmaskLeaves = 0777;
   throw std::system_error(errno, std::generic_category(), what);
 }
 
+[[noreturn]] void failGone() {
+  throw CFolderGone(ENOENT, std::generic_category(),
+                    "the group's folder is not there; its disk may not be mounted");
+}
+
+CUniqueFd openGroupFolder(const std::string& path, bool mayMake, bool& made) {
+  CUniqueFd folder(::open(path.c_str(), kOpenFolder));
+  if (!folder.valid() && errno == ENOENT && mayMake) {
+    if (::mkdir(path.c_str(), kAllThatTheUmaskLeaves) == 0) {
+      made = true;
+    } else if (errno != EEXIST && errno != ENOENT) {
+      fail("cannot make the group's folder");
+    }
+    folder = CUniqueFd(::open(path.c_str(), kOpenFolder));
+  }
+  if (!folder.valid() && errno == ENOENT) {
+    failGone();
+  }
+  if (!folder.valid()) {
+    fail("cannot open the group's folder");
+  }
+  return folder;
+}
+
 // True when it was made, false when it was there.
 bool make(int parent, const std::string& name) {
   if (::mkdirat(parent, name.c_str(), kAllThatTheUmaskLeaves) == 0) {
@@ -33,14 +57,7 @@ TargetFolder openTargetFolder(const std::string& groupFolder,
                               const std::vector<std::string>& folders, MissingFolders missing) {
   const bool mayMake = missing == MissingFolders::kMake;
   TargetFolder target;
-  target.folder = CUniqueFd(::open(groupFolder.c_str(), kOpenFolder));
-  if (!target.folder.valid() && errno == ENOENT && mayMake) {
-    target.made = make(AT_FDCWD, groupFolder);
-    target.folder = CUniqueFd(::open(groupFolder.c_str(), kOpenFolder));
-  }
-  if (!target.folder.valid()) {
-    fail("cannot open the group's folder");
-  }
+  target.folder = openGroupFolder(groupFolder, mayMake, target.made);
   for (const std::string& name : folders) {
     const int parent = target.folder.get();
     CUniqueFd next(::openat(parent, name.c_str(), kOpenFolder | O_NOFOLLOW));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "os/unique_fd.h"
@@ -16,8 +17,14 @@ struct TargetFolder {
 
 enum class MissingFolders { kMake, kFail };
 
+// The group's own folder is not there, and may come back.
+class CFolderGone : public std::system_error {
+ public:
+  using std::system_error::system_error;
+};
+
 // Throws std::system_error. A missing folder of the group is made if only it itself is missing:
-// more missing looks like a disk that is not mounted.
+// more missing looks like a disk that is not mounted, and is a CFolderGone.
 TargetFolder openTargetFolder(const std::string& groupFolder,
                               const std::vector<std::string>& folders, MissingFolders missing);
 

@@ -7,6 +7,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "engine/file_spec.h"
 #include "engine/transfer_resume.h"
@@ -107,6 +108,10 @@ class IAttemptObserver {
   // From here on the attempt does not count as a transfer and is only stopped with its file.
   // False when it was stopped meanwhile: then it must not go on.
   virtual bool onAttemptLanding(JobId job) = 0;
+  // These downloads are complete and synced and get their final names next: notes what their
+  // progress holds, on disk if that can be had, so that they are found by those names should the
+  // process end before their completion is noted. Blocks.
+  virtual void onLandingsSynced(const std::vector<JobId>& jobs) = 0;
 
  protected:
   ~IAttemptObserver() = default;

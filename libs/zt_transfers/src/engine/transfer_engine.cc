@@ -11,6 +11,7 @@ CTransferEngine::CTransferEngine(Options options, const Surroundings& surroundin
       events_(surroundings.events),
       log_(surroundings.log),
       wake_([] {}),
+      settle_([] {}),
       book_(options_.activity, clock_, store_, events_),
       planner_(book_, store_, clock_, options_.backoff) {}
 
@@ -255,6 +256,13 @@ bool CTransferEngine::onAttemptLanding(JobId id) {
   }
   wake_();
   return true;
+}
+
+void CTransferEngine::onLandingsSynced(const std::vector<JobId>& jobs) {
+  for (const JobId job : jobs) {
+    onAttemptCheckpoint(job);
+  }
+  settle_();
 }
 
 bool CTransferEngine::isTransferring() const {

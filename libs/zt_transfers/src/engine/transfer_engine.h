@@ -54,6 +54,9 @@ class CTransferEngine final : public IAttemptObserver {
   // Called, unlocked and from any thread, when there may be work. Set before anything else.
   void setWake(std::function<void()> wake) { wake_ = std::move(wake); }
 
+  // Called, unlocked and from any thread: what was noted so far should be on disk when it returns.
+  void setSettle(std::function<void()> settle) { settle_ = std::move(settle); }
+
   // Takes the place of all groups there are. Between `stop` and `start` only.
   void restore(std::int32_t lastGroupId, std::vector<RestoredGroup> groups);
 
@@ -82,6 +85,7 @@ class CTransferEngine final : public IAttemptObserver {
   void onAttemptDone(JobId job, const AttemptOutcome& outcome) override;
   bool onAttemptCheckpoint(JobId job) override;
   bool onAttemptLanding(JobId job) override;
+  void onLandingsSynced(const std::vector<JobId>& jobs) override;
 
   // For the thread that reports: adds progress that is due to the events; false when nothing is
   // under way that could make progress.
@@ -111,6 +115,7 @@ class CTransferEngine final : public IAttemptObserver {
   CEventQueue& events_;
   ILog& log_;
   std::function<void()> wake_;
+  std::function<void()> settle_;
 
   mutable std::mutex mutex_;
   // Guarded by mutex_.

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t kMeasuredAtOnce = 256;
 
-// For the database, before files are told to be completed nevertheless.
+// For the database, before files get their names or are told to be completed nevertheless.
 constexpr std::chrono::milliseconds kMostSettling{1000};
 
 unsigned poolSize() {
@@ -72,6 +72,7 @@ CManagerCore::CManagerCore(Options options)
       runner_(
           options_.makeRunner({.loop = loop_, .pool = pool_, .log = log_, .observer = engine_})) {
   engine_.setWake([this] { loop_.wake(); });
+  engine_.setSettle([this] { queue_.settle(kMostSettling); });
 }
 
 CManagerCore::~CManagerCore() {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <thread>
 
 #include "text/wide_bytes.h"
 #include "zt_transfers/global_config.h"
@@ -132,6 +133,18 @@ void CDownloadTest::retryAtMost(std::uint32_t times) {
 
 std::string CDownloadTest::log() const {
   return contentOf(sandbox.folder() / "zt_transfers.log");
+}
+
+bool CDownloadTest::waitForLog(const std::string& text) const {
+  constexpr std::chrono::milliseconds kPause{5};
+  const auto until = std::chrono::steady_clock::now() + kLongWait;
+  while (log().find(text) == std::string::npos) {
+    if (std::chrono::steady_clock::now() > until) {
+      return false;
+    }
+    std::this_thread::sleep_for(kPause);
+  }
+  return true;
 }
 
 std::vector<std::string> CDownloadTest::namesThere() const {

@@ -65,6 +65,7 @@ class CDownloadTest : public ::testing::Test {
   void configure(const std::function<void(CDownloadManager::Configuration&)>& change);
   void retryAtMost(std::uint32_t times);
   std::string log() const;
+  bool waitForLog(const std::string& text) const;
   // Everything below the target folder, relative to it, sorted.
   std::vector<std::string> namesThere() const;
 

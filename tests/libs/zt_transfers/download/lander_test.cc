@@ -1,0 +1,145 @@
+#include "download/lander.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+#include "download/file_trouble.h"
+#include "download/target_folder.h"
+#include "sandbox.h"
+
+namespace {
+
+std::atomic<int> failingFolderSyncs{0};
+
+bool isFolder(int file) {
+  struct stat status {};
+  return ::fstat(file, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+}  // namespace
+
+// In the place of the system's, so that a disk can fail at the right moment.
+extern "C" int fsync(int file) {
+  if (failingFolderSyncs > 0 && isFolder(file)) {
+    --failingFolderSyncs;
+    errno = EIO;
+    return -1;
+  }
+  return static_cast<int>(::syscall(SYS_fsync, file));
+}
+
+namespace zt_transfers::test {
+namespace {
+
+using Kind = AttemptOutcome::Kind;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class Landing : public ::testing::Test {
+ protected:
+  void TearDown() override { failingFolderSyncs = 0; }
+
+  std::shared_ptr<CPartialFile> newFile(const std::string& name) {
+    CPartialFile::Plan plan;
+    plan.folder = sandbox.folder().string();
+    plan.target = parseTargetPath(name);
+    plan.key = name;
+    return std::make_shared<CPartialFile>(std::move(plan));
+  }
+  // One that has arrived.
+  std::shared_ptr<CPartialFile> arrived(const std::string& name) {
+    auto file = newFile(name);
+    file->write(0, name.data(), name.size());
+    EXPECT_FALSE(file->verify(name.size()).has_value());
+    return file;
+  }
+  std::vector<std::string> names() const {
+    std::vector<std::string> found;
+    for (const auto& entry : std::filesystem::directory_iterator(sandbox.folder())) {
+      found.push_back(entry.path().filename().string());
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+  }
+
+  CSandbox sandbox;
+};
+
+TEST_F(Landing, NotesAFileAsSyncedBeforeItGetsItsName) {
+  const auto progress = std::make_shared<JobProgress>();
+  std::vector<JobId> noted;
+  CLander lander([&](const std::vector<JobId>& jobs) {
+    noted = jobs;
+    EXPECT_EQ(names().at(0).front(), '.');
+    EXPECT_EQ(progress->resume().size, 4U);
+    EXPECT_THAT(progress->resume().durable, ElementsAre(ByteSpan{0, 4}));
+  });
+  auto outcome = Kind::kFinal;
+  lander.land({7, arrived("file"), progress, [&](const auto& how) { outcome = how.kind; }});
+  EXPECT_EQ(outcome, Kind::kDone);
+  EXPECT_THAT(noted, ElementsAre(7U));
+  EXPECT_THAT(names(), ElementsAre("file"));
+}
+
+TEST_F(Landing, NamesNoFileTwiceWhenItsFolderCannotBeSynced) {
+  CLander lander([](const std::vector<JobId>&) {});
+  const auto progress = std::make_shared<JobProgress>();
+  auto outcome = Kind::kFinal;
+  failingFolderSyncs = 2;
+  lander.land({1, arrived("file"), progress, [&](const auto& how) { outcome = how.kind; }});
+  EXPECT_EQ(outcome, Kind::kRetry);
+  EXPECT_EQ(failingFolderSyncs, 1);
+  const DownloadResume rest = progress->resume();
+  auto again = newFile("file");
+  EXPECT_THROW(again->reopen(rest), std::system_error);
+  EXPECT_EQ(again->resume(), rest);  // for the next attempt
+  EXPECT_EQ(newFile("file")->reopen(rest), CPartialFile::Found::kLanded);
+  EXPECT_THAT(names(), ElementsAre("file"));
+}
+
+TEST_F(Landing, FindsAFileOfUnknownSizeUnderItsNameAfterACrash) {
+  auto file = arrived("file");
+  DownloadResume noted = file->resume();  // as it was when the first bytes had come
+  noted.size = DownloadResume::kUnknown;
+  noted.written = {{0, 2}};
+  file->publish();
+  EXPECT_EQ(newFile("file")->reopen(noted), CPartialFile::Found::kLanded);
+  noted.written = {{0, 5}};  // more than is there: it is not the same file
+  EXPECT_EQ(newFile("file")->reopen(noted), CPartialFile::Found::kNothing);
+}
+
+TEST_F(Landing, KeepsWhatIsThereWhileTheGroupsFolderIsGone) {
+  auto file = arrived("file");
+  const DownloadResume rest = file->resume();
+  file.reset();
+  const std::filesystem::path away = sandbox.folder().string() + ".away";
+  std::filesystem::rename(sandbox.folder(), away);
+  auto again = newFile("file");
+  EXPECT_THROW(again->reopen(rest), CFolderGone);
+  EXPECT_EQ(again->resume(), rest);
+  std::filesystem::rename(away, sandbox.folder());
+  EXPECT_EQ(newFile("file")->reopen(rest), CPartialFile::Found::kPartial);
+}
+
+TEST(FileTrouble, LetsTheGroupRestForTheDiskAndNotForWhatAServerClaims) {
+  const auto judged = [](const std::exception& error) { return judgeFileTrouble(error); };
+  const auto code = std::error_code(ENOSPC, std::generic_category());
+  EXPECT_TRUE(judged(std::system_error(code)).sharedTrouble);
+  EXPECT_TRUE(judged(CFolderGone(ENOENT, std::generic_category())).sharedTrouble);
+  const AttemptOutcome claim = judged(CNoRoomForClaim(code, "no room"));
+  EXPECT_EQ(claim.kind, Kind::kRetry);
+  EXPECT_FALSE(claim.sharedTrouble);
+  EXPECT_EQ(judged(std::system_error(EACCES, std::generic_category())).kind, Kind::kFinal);
+}
+
+}  // namespace
+}  // namespace zt_transfers::test

@@ -33,9 +33,8 @@ TEST_F(KeyInputTest, SendsAPressWithTheCharacterThatItTypesAndARelease) {
   SystemEvent release = press_;
   release.kind = EventKind::kKeyUp;
   keys_.sendKeyUp(release);
-  EXPECT_THAT(lines(),
-              ElementsAre("raw down 65/38 types 65 flags 2", "char 65/38 types 65 flags 2",
-                          "up 65/38 types 65 flags 2"));
+  EXPECT_THAT(lines(), ElementsAre("raw down 65/38 types 65 flags 2", "char 65/38 types 65 flags 2",
+                                   "up 65/38 types 65 flags 2"));
 }
 
 TEST_F(KeyInputTest, SendsNoCharacterOfKeysThatTypeNone) {
@@ -53,8 +52,7 @@ TEST_F(KeyInputTest, TellsPressesAndReleasesOfModifierKeysByTheStateAfterThem) {
   keys_.sendFlagsChanged(press_);
   press_.modifiers = 0;
   keys_.sendFlagsChanged(press_);
-  EXPECT_THAT(lines(),
-              ElementsAre("raw down 65/56 types 0 flags 2", "up 65/56 types 0 flags 0"));
+  EXPECT_THAT(lines(), ElementsAre("raw down 65/56 types 0 flags 2", "up 65/56 types 0 flags 0"));
 }
 
 TEST_F(KeyInputTest, SendsTextWithoutKeysUnitByUnit) {

@@ -14,7 +14,7 @@ namespace zt_transfers {
 class TransferResume {
  public:
   TransferResume() = default;
-  TransferResume(DownloadResume resume) : what_(std::move(resume)) {}  // NOLINT: is one
+  TransferResume(DownloadResume resume) : what_(std::move(resume)) {}   // NOLINT: is one
   TransferResume(UploadSession session) : what_(std::move(session)) {}  // NOLINT: is one
 
   bool begun() const {

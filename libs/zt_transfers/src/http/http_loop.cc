@@ -146,7 +146,10 @@ void CHttpLoop::checkStalls(TimePoint now) {
     }
   }
   for (CHttpExchange* exchange : stalled) {
-    exchange->finish(CURLE_OPERATION_TIMEDOUT);
+    // One of several for a file may have ended the others.
+    if (exchanges_.count(exchange) != 0) {
+      exchange->finish(CURLE_OPERATION_TIMEDOUT);
+    }
   }
 }
 

@@ -26,6 +26,7 @@ class CThrottle {
   };
 
   void setRate(std::uint64_t bytesPerSecond, TimePoint now);
+  bool limited() const { return bucket_.limited(); }
 
   // Between the two the user may take and can be called.
   void enter(IUser& user) { ring_.push_back({&user, Place::kFree}); }

@@ -80,8 +80,8 @@ TEST_F(Landing, NotesAFileAsSyncedBeforeItGetsItsName) {
   CLander lander([&](const std::vector<JobId>& jobs) {
     noted = jobs;
     EXPECT_EQ(names().at(0).front(), '.');
-    EXPECT_EQ(progress->resume().size, 4U);
-    EXPECT_THAT(progress->resume().durable, ElementsAre(ByteSpan{0, 4}));
+    EXPECT_EQ(progress->resume().download().size, 4U);
+    EXPECT_THAT(progress->resume().download().durable, ElementsAre(ByteSpan{0, 4}));
   });
   auto outcome = Kind::kFinal;
   lander.land({7, arrived("file"), progress, [&](const auto& how) { outcome = how.kind; }});
@@ -98,7 +98,7 @@ TEST_F(Landing, NamesNoFileTwiceWhenItsFolderCannotBeSynced) {
   lander.land({1, arrived("file"), progress, [&](const auto& how) { outcome = how.kind; }});
   EXPECT_EQ(outcome, Kind::kRetry);
   EXPECT_EQ(failingFolderSyncs, 1);
-  const DownloadResume rest = progress->resume();
+  const DownloadResume rest = progress->resume().download();
   auto again = newFile("file");
   EXPECT_THROW(again->reopen(rest), std::system_error);
   EXPECT_EQ(again->resume(), rest);  // for the next attempt

@@ -1,50 +1,80 @@
 #include "hash/md5.h"
 
-#include <openssl/evp.h>
-
-#include <stdexcept>
+#include <algorithm>
+#include <cstring>
 
 namespace zt_transfers {
 namespace {
 
-struct AlgorithmDeleter {
-  void operator()(EVP_MD* algorithm) const { EVP_MD_free(algorithm); }
-};
+// What is smaller is through before another thread could join.
+constexpr std::size_t kWorthSharing = 1024;  // blocks
 
-// Looked up once: a look-up takes longer than hashing a small file.
-const EVP_MD* algorithm() {
-  static const std::unique_ptr<EVP_MD, AlgorithmDeleter> md5(EVP_MD_fetch(nullptr, "MD5", nullptr));
-  return md5.get();
+std::string hexadecimal(const Md5State& state) {
+  constexpr char kDigits[] = "0123456789abcdef";
+  std::string text;
+  for (const std::uint32_t word : state) {
+    for (int shift = 0; shift < 32; shift += 8) {
+      text.push_back(kDigits[(word >> (shift + 4)) & 0xF]);
+      text.push_back(kDigits[(word >> shift) & 0xF]);
+    }
+  }
+  return text;
 }
 
 }  // namespace
 
-void CMd5::Deleter::operator()(evp_md_ctx_st* context) const {
-  EVP_MD_CTX_free(context);
-}
-
-CMd5::CMd5() : context_(EVP_MD_CTX_new()) {
-  if (!context_ || algorithm() == nullptr ||
-      EVP_DigestInit_ex2(context_.get(), algorithm(), nullptr) != 1) {
-    throw std::runtime_error("MD5 is not available");
-  }
-}
-
 void CMd5::add(const void* data, std::size_t size) {
-  EVP_DigestUpdate(context_.get(), data, size);
+  const auto* bytes = static_cast<const unsigned char*>(data);
+  if (size_ % kMd5BlockSize != 0) {
+    bytes = completeBlock(bytes, size);
+  }
+  const std::size_t blocks = size / kMd5BlockSize;
+  if (blocks > 0) {
+    addBlocks(bytes, blocks);
+  }
+  const std::size_t rest = size % kMd5BlockSize;
+  if (rest > 0) {
+    std::memcpy(begun_.data() + size_ % kMd5BlockSize, bytes + blocks * kMd5BlockSize, rest);
+  }
+  size_ += size;
+}
+
+// Takes what the begun block lacks; `size` is what is left then, and the result is where.
+const unsigned char* CMd5::completeBlock(const unsigned char* data, std::size_t& size) {
+  const std::size_t begun = size_ % kMd5BlockSize;
+  const std::size_t taken = std::min(size, kMd5BlockSize - begun);
+  std::memcpy(begun_.data() + begun, data, taken);
+  if (begun + taken < kMd5BlockSize) {
+    size_ += taken;
+    size = 0;
+    return data;
+  }
+  addMd5Blocks(state_, begun_.data(), 1);
+  size_ += taken;
+  size -= taken;
+  return data + taken;
+}
+
+void CMd5::addBlocks(const unsigned char* data, std::size_t blocks) {
+  if (blocks < kWorthSharing) {
+    addMd5Blocks(state_, data, blocks);
+    return;
+  }
+  if (!member_) {
+    member_.emplace(CMd5Combiner::shared());
+  }
+  member_->add(state_, data, blocks);
 }
 
 std::string CMd5::finish() {
-  unsigned char digest[EVP_MAX_MD_SIZE];
-  unsigned length = 0;
-  EVP_DigestFinal_ex(context_.get(), digest, &length);
-  constexpr char kDigits[] = "0123456789abcdef";
-  std::string text;
-  for (unsigned at = 0; at < length; ++at) {
-    text.push_back(kDigits[digest[at] >> 4]);
-    text.push_back(kDigits[digest[at] & 0xF]);
-  }
-  return text;
+  const std::uint64_t bits = size_ * 8;
+  constexpr std::size_t kLengthAt = kMd5BlockSize - sizeof bits;
+  static constexpr unsigned char kPadding[kMd5BlockSize] = {0x80};
+  const std::size_t begun = size_ % kMd5BlockSize;
+  add(kPadding, (begun < kLengthAt ? kLengthAt : kMd5BlockSize + kLengthAt) - begun);
+  add(&bits, sizeof bits);
+  member_.reset();
+  return hexadecimal(state_);
 }
 
 }  // namespace zt_transfers

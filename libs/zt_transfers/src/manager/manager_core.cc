@@ -6,6 +6,7 @@
 #include <thread>
 #include <utility>
 
+#include "hash/md5_blocks.h"
 #include "log/transfer_log.h"
 #include "text/file_url.h"
 #include "zt_transfers/global_config.h"
@@ -18,9 +19,9 @@ constexpr std::size_t kMeasuredAtOnce = 256;
 // For the database, before files get their names or are told to be completed nevertheless.
 constexpr std::chrono::milliseconds kMostSettling{1000};
 
-unsigned poolSize() {
-  return std::clamp(std::thread::hardware_concurrency(), 2U, 4U);
-}
+// More than the processor has cores: some of them wait for a disk, and those that hash are served
+// by one of them together.
+constexpr unsigned kPoolSize = kMd5Lanes;
 
 // 0 when it is not to be had; sending it will say why.
 std::uint64_t sizeOfSource(const std::string& url) {
@@ -123,7 +124,7 @@ void CManagerCore::startup() {
   engine_.start();
   notifier_.start();
   sleepGuard_.start();
-  pool_.start(poolSize());
+  pool_.start(kPoolSize);
   loop_.throttle().setRate(throttle_, clock_.now());  // before anything is begun
   loop_.start([this] { return turn(); }, [this] { runner_->stopAll(); });
 }

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <mutex>
+#include <vector>
+
+#include "hash/md5_blocks.h"
+
+namespace zt_transfers {
+
+// Lets one thread hash for several: whoever finds a place hashes what others wait with as well, up
+// to eight messages at once in about the time of two. Where several messages are under way, a piece
+// waits for others for some milliseconds; where one or two are, it does not.
+//
+// Thread: any.
+class CMd5Combiner {
+ public:
+  // At most so many threads hash at the same time; the more, the fewer messages each has.
+  explicit CMd5Combiner(unsigned mostAtWork) : mostAtWork_(mostAtWork) {}
+  CMd5Combiner(const CMd5Combiner&) = delete;
+  CMd5Combiner& operator=(const CMd5Combiner&) = delete;
+
+  // The process's own, for half of the processor's cores: a hash is not all that a transfer needs.
+  static CMd5Combiner& shared();
+
+  // A message that is under way, of which more pieces are to come soon.
+  class CMember {
+   public:
+    explicit CMember(CMd5Combiner& combiner);
+    CMember(const CMember&) = delete;
+    CMember& operator=(const CMember&) = delete;
+    ~CMember();
+
+    // Works the blocks into `state`; both stay the caller's. Returns when that is done.
+    void add(Md5State& state, const unsigned char* data, std::size_t blocks);
+
+   private:
+    CMd5Combiner& combiner_;
+  };
+
+ private:
+  struct Task {
+    Md5State* state;
+    const unsigned char* data;
+    std::size_t blocks;
+    bool taken = false;
+    bool done = false;
+  };
+
+  void add(Md5State& state, const unsigned char* data, std::size_t blocks);
+  void gather(std::unique_lock<std::mutex>& lock, const Task& own);
+  std::vector<Task*> take(Task& own);
+  static void work(std::vector<Task> tasks);
+
+  const unsigned mostAtWork_;
+
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  // Guarded by mutex_.
+  std::vector<Task*> waiting_;  // the oldest first
+  unsigned atWork_ = 0;
+  std::size_t members_ = 0;
+};
+
+}  // namespace zt_transfers

@@ -39,8 +39,8 @@ class CUploadManager::Impl {
               .engine = {.activity = "upload", .needsMark = true, .measuresSources = true},
               .makeRunner =
                   [](const CManagerCore::RunnerParts& parts) {
-                    return std::make_unique<CUploadRunner>(parts.loop, parts.pool, parts.log,
-                                                           parts.observer);
+                    return std::make_unique<CUploadRunner>(
+                        UploadTools{parts.loop, parts.pool, parts.log}, parts.observer);
                   },
               .deliver = [this](const TransferEvent& event) { deliver(event); }}) {
     core.configure(configuration);

@@ -178,8 +178,8 @@ class UploadOfAChangingFile : public UploadFaults {
         change(path);
       }
     });
-    // Larger than what is read ahead and held in the sockets.
-    const auto group = upload({describe("file", patternOf(64 * 1024 * 1024))});
+    // Larger than what is read ahead and held in the sockets, and sent as a whole.
+    const auto group = upload({describe("file", patternOf(60 * 1024 * 1024))});
     EXPECT_TRUE(recorder.waitForGroupState(group, kGroupErrored));
     EXPECT_TRUE(changed);
     EXPECT_FALSE(server.object("/file").has_value());

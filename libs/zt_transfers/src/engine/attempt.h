@@ -50,6 +50,7 @@ class JobProgress {
 struct PartPolicy {
   std::uint64_t from = ~std::uint64_t{0};  // least size of the file in bytes
   std::uint64_t size = 0;                  // bytes of a part; 0: chosen by the attempt
+  std::uint32_t requests = 1;              // at a time, of all files together
 };
 
 // What an attempt is to do.

@@ -11,4 +11,11 @@ namespace zt_transfers {
 // object made of several parts.
 std::optional<std::string> md5OfETag(std::string_view etag);
 
+// The tag of an object made of several parts, "<MD5 of the parts' raw MD5s>-<their number>",
+// without quotes and in lower case. Nothing for any other tag.
+std::optional<std::string> compositeOfETag(std::string_view etag);
+
+// A tag without quotes and the mark of a weak tag.
+std::string_view bareETag(std::string_view etag);
+
 }  // namespace zt_transfers

@@ -53,7 +53,7 @@ CHttpExchange::CHttpExchange(CHttpLoop& loop, const HttpRequest& request, IHttpS
 
 CHttpExchange::CHttpExchange(CHttpLoop& loop, const HttpRequest& request, IHttpBody* body,
                              IHttpSink* sink, Done done)
-    : loop_(loop), body_(body), sink_(sink), done_(std::move(done)) {
+    : loop_(loop), patience_(request.patience), body_(body), sink_(sink), done_(std::move(done)) {
   loop_.assertOnLoop();
   setUpHeaders(request);
   easy_ = loop_.takeEasy();
@@ -95,6 +95,7 @@ void CHttpExchange::setUp(const HttpRequest& request) {
   set(CURLOPT_URL, request.url.c_str());
   set(CURLOPT_PROTOCOLS_STR, "http,https");
   set(CURLOPT_CUSTOMREQUEST, request.method.c_str());
+  set(CURLOPT_NOBODY, request.method == "HEAD" ? 1L : 0L);
   set(CURLOPT_HTTPHEADER, headers_.get());
   set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
   set(CURLOPT_FOLLOWLOCATION, 0L);
@@ -166,7 +167,7 @@ bool CHttpExchange::stalledAt(TimePoint now) {
     movedBytes_ = moved;
     movedAt_ = now;
   }
-  answer_.stalled = now - movedAt_ > kStallLimit;
+  answer_.stalled = now - movedAt_ > patience_;
   return answer_.stalled;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -12,6 +13,9 @@
 
 namespace zt_transfers {
 
+// How long nothing may move.
+inline constexpr std::chrono::seconds kUsualPatience{60};
+
 struct HttpRequest {
   std::string method = "PUT";
   std::string url;
@@ -19,6 +23,7 @@ struct HttpRequest {
   std::uint64_t bodySize = 0;  // bytes; always sent as Content-Length where there is a body
   std::string proxy;           // empty: the system's
   std::string userAgent;
+  std::chrono::seconds patience = kUsualPatience;
 };
 
 // Where a request's body comes from. Thread: the loop's.
@@ -63,7 +68,6 @@ class CHttpExchange {
   using Done = std::function<void(HttpAnswer)>;
 
   static constexpr std::chrono::seconds kConnectLimit{30};
-  static constexpr std::chrono::seconds kStallLimit{60};
 
   // A request with a body, or one whose answer has a body; either must outlive the exchange.
   // Throws std::invalid_argument for a request that cannot be sent (a header that is none).
@@ -96,6 +100,7 @@ class CHttpExchange {
   static std::size_t takeBody(char* data, std::size_t size, std::size_t count, void* self);
 
   CHttpLoop& loop_;
+  const std::chrono::seconds patience_;
   IHttpBody* const body_;  // this or the sink is null
   IHttpSink* sink_;
   Done done_;

@@ -103,12 +103,13 @@ void CManagerCore::openQueue() {
 }
 
 void CManagerCore::configure(const CTransferManagerBase::Configuration& configuration) {
-  engine_.setSettings(
-      {.maxConcurrent = configuration.maxConcurrentTransfers,
-       .maxRetries = configuration.maxTransferRetries,
-       .verify = configuration.verifyUploads,
-       .proxy = configuration.proxy,
-       .parts = {.from = configuration.minMultipartSize, .size = configuration.partSize}});
+  engine_.setSettings({.maxConcurrent = configuration.maxConcurrentTransfers,
+                       .maxRetries = configuration.maxTransferRetries,
+                       .verify = configuration.verifyUploads,
+                       .proxy = configuration.proxy,
+                       .parts = {.from = configuration.minMultipartSize,
+                                 .size = configuration.partSize,
+                                 .requests = configuration.maxConcurrentTransfers}});
   sleepGuard_.setWanted(configuration.preventSleep);
   throttle_ = configuration.throttleBytesPerSecond;
   loop_.post([this, rate = throttle_] { loop_.throttle().setRate(rate, clock_.now()); });

@@ -69,4 +69,30 @@ std::string originOf(std::string_view url) {
   return origin;
 }
 
+std::string withQuery(std::string_view url, std::string_view query) {
+  std::string longer(url.substr(0, url.find('#')));
+  if (longer.find('?') == std::string::npos) {
+    longer += '?';
+  } else if (longer.back() != '?' && longer.back() != '&') {
+    longer += '&';
+  }
+  return longer.append(query);
+}
+
+std::string percentEncoded(std::string_view text) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string encoded;
+  for (const char character : text) {
+    const char lower = lowerAscii(character);
+    if ((lower >= 'a' && lower <= 'z') || (lower >= '0' && lower <= '9') ||
+        std::string_view("-._~").find(character) != std::string_view::npos) {
+      encoded += character;
+    } else {
+      const auto byte = static_cast<unsigned char>(character);
+      encoded.append({'%', kDigits[byte >> 4], kDigits[byte & 0xF]});
+    }
+  }
+  return encoded;
+}
+
 }  // namespace zt_transfers

@@ -13,4 +13,11 @@ std::string loggableUrl(std::string_view url);
 // Empty when `url` is not an absolute http or https URL.
 std::string originOf(std::string_view url);
 
+// The URL with `query` ("a=b&c") added to the query it has, which stays as it is: it can be signed.
+// A fragment is left out, as it is never sent.
+std::string withQuery(std::string_view url, std::string_view query);
+
+// The text as a value in a query: all but letters, digits and "-._~" escaped.
+std::string percentEncoded(std::string_view text);
+
 }  // namespace zt_transfers

@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include "upload/source_version.h"
+
 namespace zt_transfers {
 namespace {
 
@@ -14,51 +16,45 @@ std::string errorText(int error) {
   return std::generic_category().message(error);
 }
 
-timespec modificationTime(const struct stat& status) {
-#if defined(__APPLE__)
-  return status.st_mtimespec;
-#else
-  return status.st_mtim;
-#endif
-}
-
-bool sameVersion(const struct stat& left, const struct stat& right) {
-  const timespec leftTime = modificationTime(left);
-  const timespec rightTime = modificationTime(right);
-  return left.st_dev == right.st_dev && left.st_ino == right.st_ino &&
-         left.st_size == right.st_size && leftTime.tv_sec == rightTime.tv_sec &&
-         leftTime.tv_nsec == rightTime.tv_nsec;
-}
-
 }  // namespace
 
 std::optional<std::string> CSourceReader::open() {
   // Not to hang on a pipe that bears the name; regular files do not care.
-  file_ = CUniqueFd(::open(path_.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  file_ = CUniqueFd(::open(wish_.path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (!file_.valid()) {
     return "cannot open the file: " + errorText(errno);
   }
-  if (::fstat(file_.get(), &opened_) != 0) {
+  struct stat status {};
+  if (::fstat(file_.get(), &status) != 0) {
     return "cannot read the file's status: " + errorText(errno);
   }
-  if (!S_ISREG(opened_.st_mode)) {
+  if (!S_ISREG(status.st_mode)) {
     return "it is not a regular file";
   }
-  size_ = static_cast<std::uint64_t>(opened_.st_size);
-  if (wantsHash_) {
+  version_ = versionOf(status);
+  if (wish_.version && !wish_.version->sameContent(version_)) {
+    return "the file changed while it was sent";
+  }
+  const ByteSpan span = wish_.span.value_or(ByteSpan{0, version_.size});
+  offset_ = span.begin;
+  end_ = span.end;
+  if (wish_.hash) {
     md5_.emplace();
   }
 #if defined(POSIX_FADV_SEQUENTIAL)
-  if (size_ > kChunk) {
-    ::posix_fadvise(file_.get(), 0, 0, POSIX_FADV_SEQUENTIAL);
+  if (span.length() > kChunk) {
+    ::posix_fadvise(file_.get(), static_cast<off_t>(span.begin), static_cast<off_t>(span.length()),
+                    POSIX_FADV_SEQUENTIAL);
   }
 #endif
   return std::nullopt;
 }
 
 std::optional<std::string> CSourceReader::readNext(SourceChunk& chunk) {
-  const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(kChunk, size_ - offset_));
-  chunk.data.reset(new char[std::max<std::size_t>(wanted, 1)]);
+  const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(kChunk, end_ - offset_));
+  if (!chunk.data) {
+    chunk.data.reset(new char[std::max<std::size_t>(wanted, 1)]);
+  }
   chunk.size = 0;
   while (chunk.size < wanted) {
     const ssize_t got = ::pread(file_.get(), chunk.data.get() + chunk.size, wanted - chunk.size,
@@ -78,25 +74,14 @@ std::optional<std::string> CSourceReader::readNext(SourceChunk& chunk) {
   if (md5_) {
     md5_->add(chunk.data.get(), chunk.size);
   }
-  chunk.last = offset_ == size_;
+  chunk.last = offset_ == end_;
   if (!chunk.last) {
     return std::nullopt;
   }
   if (md5_) {
     chunk.md5 = md5_->finish();
   }
-  return changedSinceOpen();
-}
-
-std::optional<std::string> CSourceReader::changedSinceOpen() const {
-  struct stat now {};
-  if (::stat(path_.c_str(), &now) != 0) {
-    return "the file vanished while it was sent: " + errorText(errno);
-  }
-  if (!sameVersion(opened_, now)) {
-    return "the file changed while it was sent";
-  }
-  return std::nullopt;
+  return changeSince(version_, wish_.path);
 }
 
 }  // namespace zt_transfers

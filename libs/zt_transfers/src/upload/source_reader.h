@@ -1,52 +1,62 @@
 #pragma once
 
-#include <sys/stat.h>
-
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
 
+#include "engine/upload_session.h"
 #include "hash/md5.h"
 #include "os/unique_fd.h"
 
 namespace zt_transfers {
+
+// What is to be read of which file.
+struct SourceWish {
+  std::string path;
+  bool hash = false;
+  std::optional<SourceVersion> version{};  // that it must have; missing: any
+  std::optional<ByteSpan> span{};          // missing: all of it
+  // A file of this size or more is only opened, to see what it is.
+  std::uint64_t onlyLookFrom = std::numeric_limits<std::uint64_t>::max();  // bytes
+};
 
 // A piece of a file, as read.
 struct SourceChunk {
   std::unique_ptr<char[]> data;
   std::size_t size = 0;
   bool last = false;
-  std::string md5;  // of the whole file; with the last chunk, if asked for
+  std::string md5;  // of all that was read; with the last chunk, if asked for
 };
 
-// Reads a file from its beginning to its end, once, and hashes it on the way. The last chunk is
-// given out only if the file is still what it was at the beginning, so that a mixture of two
-// versions is never sent whole.
+// Reads a file, or a span of one, from its beginning to its end, once, and hashes it on the way.
+// The last chunk is given out only if the file is still what it was at the beginning, so that a
+// mixture of two versions is never sent whole.
 //
 // Thread: one at a time; its calls block.
 class CSourceReader {
  public:
   static constexpr std::size_t kChunk = std::size_t{512} * 1024;  // bytes
 
-  CSourceReader(std::string path, bool hash) : path_(std::move(path)), wantsHash_(hash) {}
+  explicit CSourceReader(SourceWish wish) : wish_(std::move(wish)) {}
 
   // Both give a text that says what is wrong, or nothing when all is well.
   std::optional<std::string> open();
+  // Memory that a chunk before has brought along is used again.
   std::optional<std::string> readNext(SourceChunk& chunk);
 
-  std::uint64_t size() const { return size_; }
+  // Once it is open.
+  const SourceVersion& version() const { return version_; }
+  bool onlyLooks() const { return version_.size >= wish_.onlyLookFrom; }
 
  private:
-  std::optional<std::string> changedSinceOpen() const;
-
-  const std::string path_;
-  const bool wantsHash_;
+  const SourceWish wish_;
   CUniqueFd file_;
   std::optional<CMd5> md5_;
-  struct stat opened_ {};
-  std::uint64_t size_ = 0;
+  SourceVersion version_;
   std::uint64_t offset_ = 0;
+  std::uint64_t end_ = 0;
 };
 
 }  // namespace zt_transfers

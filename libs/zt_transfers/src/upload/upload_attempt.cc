@@ -1,33 +1,22 @@
 #include "upload/upload_attempt.h"
 
-#include <algorithm>
-#include <exception>
+#include <limits>
 #include <utility>
 
 #include "text/file_url.h"
 #include "text/url_parts.h"
 #include "upload/upload_verdict.h"
-#include "zt_transfers/global_config.h"
 
 namespace zt_transfers {
 namespace {
 
-constexpr int kMostRedirects = 5;
+constexpr std::uint64_t kNever = std::numeric_limits<std::uint64_t>::max();
 
 }  // namespace
 
-CUploadAttempt::CUploadAttempt(CHttpLoop& loop, CWorkerPool& pool, ILog& log, StartOrder order,
-                               Done done)
-    : loop_(loop),
-      pool_(pool),
-      log_(log),
-      order_(std::move(order)),
-      done_(std::move(done)),
-      url_(order_.spec.url),
-      headers_(order_.spec.headers) {}
-
-CUploadAttempt::~CUploadAttempt() {
-  closeRequest();
+CUploadAttempt::CUploadAttempt(const Shared& shared, StartOrder order, IListener& listener)
+    : shared_(shared), order_(std::move(order)), listener_(listener) {
+  shared_.slots.addFile();
 }
 
 void CUploadAttempt::begin() {
@@ -36,116 +25,97 @@ void CUploadAttempt::begin() {
     finish(AttemptOutcome::final("its source is no file: URL of this machine"));
     return;
   }
-  if (originOf(url_).empty()) {
+  if (originOf(order_.spec.url).empty()) {
     finish(AttemptOutcome::final("it has no http or https URL to be sent to"));
     return;
   }
   path_ = *path;
-  openSource();
+  const bool inParts = shared_.support.mayHave(order_.spec.url);
+  sendWhole(hasSession() ? 0 : inParts ? order_.parts.from : kNever);
 }
 
-void CUploadAttempt::openSource() {
-  sent_ = 0;
+void CUploadAttempt::sendWhole(std::uint64_t onlyLookFrom) {
+  CFileRequest::Order whole;
+  whole.source = {.path = path_, .hash = order_.verify, .onlyLookFrom = onlyLookFrom};
+  whole.url = order_.spec.url;
+  whole.headers = order_.spec.headers;
+  whole.proxy = order_.proxy;
+  whole_ = std::make_unique<CFileRequest>(shared_.tools, std::move(whole), *this);
+  whole_->begin();
+}
+
+bool CUploadAttempt::goesInParts(std::uint64_t size) const {
+  return size != 0 && !refusedParts_ && shared_.support.mayHave(order_.spec.url) &&
+         (hasSession() || size >= order_.parts.from);
+}
+
+bool CUploadAttempt::onRequestOpened(CFileRequest& request, const SourceVersion& version) {
+  order_.progress->size = version.size;
+  if (goesInParts(version.size)) {
+    whole_.reset();
+    parts_ = std::make_unique<CMultipartUpload>(shared_.tools, order_, path_, version, *this);
+    parts_->begin();
+    return false;
+  }
   order_.progress->bytes = 0;
-  source_ = std::make_shared<CUploadSource>(loop_, pool_, path_, order_.verify, *this);
-  source_->open();
-}
-
-void CUploadAttempt::closeRequest() {
-  if (exchange_) {
-    exchange_.reset();
-    loop_.throttle().leave(*this);
+  const bool onlyLooked = request.onlyLooks(version.size);
+  if (hasSession() && onlyLooked) {
+    onSessionAbandoned(order_.resume.upload());
+    order_.progress->setResume({});
   }
-  if (source_) {
-    source_->close();
-    source_.reset();
+  if (onlyLooked) {
+    sendWhole(kNever);
   }
+  return !onlyLooked;
 }
 
-void CUploadAttempt::onSourceOpened(std::uint64_t size) {
-  size_ = size;
-  order_.progress->size = size;
-  HttpRequest request;
-  request.url = url_;
-  request.headers = headers_;
-  request.bodySize = size;
-  request.proxy = order_.proxy;
-  request.userAgent = CZtTransfersGlobalConfig::getInstance()->userAgent();
-  try {
-    exchange_ = std::make_unique<CHttpExchange>(
-        loop_, request, *this, [this](const HttpAnswer& answer) { onAnswer(answer); });
-  } catch (const std::exception& error) {
-    finish(AttemptOutcome::final(error.what()));
-    return;
+void CUploadAttempt::onRequestAnswered(CFileRequest& request, const HttpAnswer& answer) {
+  const AttemptOutcome outcome = judgeUpload(answer, request.size(), request.md5(),
+                                             shared_.tools.loop.clock().secondsSince1970());
+  if (refusedParts_ && outcome.kind == AttemptOutcome::Kind::kDone) {
+    shared_.support.hasNot(order_.spec.url);
   }
-  loop_.throttle().enter(*this);
+  finish(outcome);
 }
 
-void CUploadAttempt::onSourceReady() {
-  if (exchange_) {
-    exchange_->resumeBody();
-  }
-}
-
-void CUploadAttempt::onThrottleOpen() {
-  exchange_->resumeBody();
-}
-
-void CUploadAttempt::onSourceFailed(const std::string& reason) {
+void CUploadAttempt::onRequestFailed(CFileRequest& /*request*/, const std::string& reason) {
   finish(AttemptOutcome::final(reason));
 }
 
-IHttpBody::Read CUploadAttempt::read(char* to, std::size_t room, std::size_t& copied) {
-  const std::size_t available = std::min(room, source_->available());
-  if (available == 0) {
-    return sent_ == size_ ? Read::kData : Read::kLater;
+void CUploadAttempt::onPartsNotOffered(bool saysSo) {
+  shared_.tools.log.information("The server takes no uploads in parts for " +
+                                loggableUrl(order_.spec.url) + "; it is sent as a whole");
+  if (saysSo) {
+    shared_.support.hasNot(order_.spec.url);
   }
-  const auto granted =
-      static_cast<std::size_t>(loop_.throttle().take(*this, available, loop_.clock().now()));
-  if (granted == 0) {
-    return Read::kLater;
-  }
-  copied = source_->take(to, granted);
-  sent_ += copied;
-  order_.progress->bytes = sent_;
-  return Read::kData;
+  refusedParts_ = true;
+  parts_.reset();
+  sendWhole(kNever);
 }
 
-bool CUploadAttempt::rewind() {
-  if (!source_->rewind()) {
-    return false;
+void CUploadAttempt::leave(bool discard) {
+  const TransferResume rest = order_.progress->resume();
+  if (discard && rest.begun() && rest.isUpload()) {
+    onSessionAbandoned(rest.upload());
   }
-  sent_ = 0;
-  order_.progress->bytes = 0;
-  return true;
+  if (parts_) {
+    const UploadSession session = parts_->session();
+    if (auto initiation = parts_->takeInitiation()) {
+      shared_.aborts.abortOnceBegun(std::move(initiation), session, order_.proxy);
+    }
+  }
 }
 
-void CUploadAttempt::onAnswer(const HttpAnswer& answer) {
-  if (answer.code == CURLE_OK && isRedirect(answer.status) && followRedirect(answer)) {
-    return;
+void CUploadAttempt::onSlotFree() {
+  if (parts_) {
+    parts_->onSlotFree();
   }
-  finish(judgeUpload(answer, size_, source_->md5(), loop_.clock().secondsSince1970()));
-}
-
-bool CUploadAttempt::followRedirect(const HttpAnswer& answer) {
-  const auto target = redirectTarget(url_, answer);
-  if (!target || redirects_ == kMostRedirects) {
-    return false;
-  }
-  ++redirects_;
-  log_.information("Redirected from " + loggableUrl(url_) + " to " + loggableUrl(*target));
-  headers_ = headersAfterRedirect(headers_, url_, *target);
-  url_ = *target;
-  closeRequest();
-  openSource();
-  return true;
 }
 
 void CUploadAttempt::finish(const AttemptOutcome& outcome) {
-  closeRequest();
   // A copy, as the receiver may destroy this attempt.
-  const Done done = done_;
-  done(outcome);
+  const AttemptOutcome copy = outcome;
+  listener_.onEnded(order_.job, copy);
 }
 
 }  // namespace zt_transfers

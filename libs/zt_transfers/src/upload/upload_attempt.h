@@ -5,67 +5,79 @@
 #include <string>
 
 #include "engine/attempt.h"
-#include "http/http_exchange.h"
-#include "http/redirect.h"
-#include "http/throttle.h"
-#include "log/log.h"
-#include "upload/upload_source.h"
+#include "upload/file_request.h"
+#include "upload/multipart_support.h"
+#include "upload/multipart_upload.h"
+#include "upload/request_slots.h"
+#include "upload/session_aborts.h"
+#include "upload/upload_tools.h"
 
 namespace zt_transfers {
 
-// One attempt to send one file with one PUT:
+// One attempt to send one file: with one PUT, or in parts when it is large. What a server does not
+// take in parts is sent with one PUT after all.
 //
-//   opening ──► sending ──► answered ──► done
-//      ▲           │            │
-//      └── redirect (a new place, from the first byte) ◄──┘
-//
-// A problem with the source ends it from every state; the request is then cut off before its
-// last byte. Destruction ends it without an answer.
-//
-// Thread: the loop's. `done` may destroy the attempt.
-class CUploadAttempt final : public CUploadSource::IListener,
-                             public IHttpBody,
-                             public CThrottle::IUser {
+// Thread: the loop's. Destruction ends it without an answer.
+class CUploadAttempt final : public CFileRequest::IListener, public CMultipartUpload::IListener {
  public:
-  // The outcome is not part of the attempt and outlives it.
-  using Done = std::function<void(const AttemptOutcome&)>;
+  // What all attempts have in common; must outlive them.
+  struct Shared {
+    UploadTools tools;
+    CMultipartSupport& support;
+    CRequestSlots& slots;
+    CSessionAborts& aborts;
+  };
+  class IListener {
+   public:
+    // As IAttemptObserver::onAttemptCheckpoint.
+    virtual bool onCheckpoint(JobId job) = 0;
+    // May destroy the attempt. The outcome can be part of it.
+    virtual void onEnded(JobId job, const AttemptOutcome& outcome) = 0;
 
-  CUploadAttempt(CHttpLoop& loop, CWorkerPool& pool, ILog& log, StartOrder order, Done done);
-  ~CUploadAttempt();
+   protected:
+    ~IListener() = default;
+  };
+
+  CUploadAttempt(const Shared& shared, StartOrder order, IListener& listener);
+  ~CUploadAttempt() { shared_.slots.removeFile(); }
   CUploadAttempt(const CUploadAttempt&) = delete;
   CUploadAttempt& operator=(const CUploadAttempt&) = delete;
 
   // May end the attempt at once.
   void begin();
+  // It is about to be destroyed; with `discard` nothing of it is to stay on the server.
+  void leave(bool discard);
+  // There may be room for another request.
+  void onSlotFree();
 
  private:
-  void openSource();
-  void closeRequest();
-  void onAnswer(const HttpAnswer& answer);
-  bool followRedirect(const HttpAnswer& answer);
+  void sendWhole(std::uint64_t onlyLookFrom);
+  bool goesInParts(std::uint64_t size) const;
+  bool hasSession() const { return order_.resume.begun() && order_.resume.isUpload(); }
   void finish(const AttemptOutcome& outcome);
 
-  void onSourceOpened(std::uint64_t size) override;
-  void onSourceReady() override;
-  void onSourceFailed(const std::string& reason) override;
-  Read read(char* to, std::size_t room, std::size_t& copied) override;
-  bool rewind() override;
-  void onThrottleOpen() override;
+  bool onRequestOpened(CFileRequest& request, const SourceVersion& version) override;
+  void onRequestMoved(CFileRequest& request) override { order_.progress->bytes = request.sent(); }
+  void onRequestAnswered(CFileRequest& request, const HttpAnswer& answer) override;
+  void onRequestFailed(CFileRequest& request, const std::string& reason) override;
 
-  CHttpLoop& loop_;
-  CWorkerPool& pool_;
-  ILog& log_;
+  bool takeSlot() override { return shared_.slots.takeExtra(); }
+  void giveSlotBack() override { shared_.slots.giveBackExtra(); }
+  bool onSessionChanged() override { return listener_.onCheckpoint(order_.job); }
+  void onSessionAbandoned(const UploadSession& session) override {
+    shared_.aborts.abort(session, order_.proxy);
+  }
+  void onPartsNotOffered(bool saysSo) override;
+  void onPartsEnded(const AttemptOutcome& outcome) override { finish(outcome); }
+
+  const Shared shared_;
   const StartOrder order_;
-  const Done done_;
+  IListener& listener_;
 
   std::string path_;
-  std::string url_;  // where it is sent to now; changes with a redirect
-  HttpHeaders headers_;
-  int redirects_ = 0;
-  std::uint64_t size_ = 0;
-  std::uint64_t sent_ = 0;
-  std::shared_ptr<CUploadSource> source_;
-  std::unique_ptr<CHttpExchange> exchange_;
+  bool refusedParts_ = false;  // it goes with one PUT after all
+  std::unique_ptr<CFileRequest> whole_;
+  std::unique_ptr<CMultipartUpload> parts_;
 };
 
 }  // namespace zt_transfers

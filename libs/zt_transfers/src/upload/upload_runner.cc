@@ -4,17 +4,58 @@
 
 namespace zt_transfers {
 
+CUploadRunner::CUploadRunner(const UploadTools& tools, IAttemptObserver& observer)
+    : tools_(tools), observer_(observer), slots_([this] { offerSlots(); }), aborts_(tools) {}
+
 bool CUploadRunner::start(StartOrder order) {
   const JobId job = order.job;
-  auto attempt = std::make_unique<CUploadAttempt>(loop_, pool_, log_, std::move(order),
-                                                  [this, job](const AttemptOutcome& outcome) {
-                                                    attempts_.erase(job);
-                                                    observer_.onAttemptDone(job, outcome);
-                                                  });
+  slots_.setMost(order.parts.requests);
+  auto attempt = std::make_unique<CUploadAttempt>(
+      CUploadAttempt::Shared{tools_, support_, slots_, aborts_}, std::move(order), *this);
   CUploadAttempt& begun = *attempt;
   attempts_.emplace(job, std::move(attempt));
   begun.begin();
   return attempts_.count(job) != 0;
+}
+
+void CUploadRunner::stop(JobId job, bool discard) {
+  const auto attempt = attempts_.find(job);
+  if (attempt != attempts_.end()) {
+    attempt->second->leave(discard);
+    attempts_.erase(attempt);
+  }
+}
+
+void CUploadRunner::stopAll() {
+  attempts_.clear();
+  aborts_.clear();
+  support_.clear();
+  offering_ = false;
+}
+
+void CUploadRunner::discard(const Leftover& leftover) {
+  if (leftover.resume.isUpload()) {
+    aborts_.abort(leftover.resume.upload(), leftover.proxy);
+  }
+}
+
+void CUploadRunner::onEnded(JobId job, const AttemptOutcome& outcome) {
+  attempts_.erase(job);
+  observer_.onAttemptDone(job, outcome);
+}
+
+// Later, since what has come to an end is still on the stack, and files that wait go first.
+void CUploadRunner::offerSlots() {
+  if (offering_) {
+    return;
+  }
+  offering_ = true;
+  tools_.loop.post([this] {
+    offering_ = false;
+    for (const auto& [job, attempt] : attempts_) {
+      attempt->onSlotFree();
+    }
+  });
 }
 
 }  // namespace zt_transfers

@@ -9,21 +9,26 @@
 namespace zt_transfers {
 
 // Carries out upload attempts over HTTP. All given must outlive it.
-class CUploadRunner : public IAttemptRunner {
+class CUploadRunner final : public IAttemptRunner, public CUploadAttempt::IListener {
  public:
-  CUploadRunner(CHttpLoop& loop, CWorkerPool& pool, ILog& log, IAttemptObserver& observer)
-      : loop_(loop), pool_(pool), log_(log), observer_(observer) {}
+  CUploadRunner(const UploadTools& tools, IAttemptObserver& observer);
 
   bool start(StartOrder order) override;
-  void stop(JobId job, bool /*discard*/) override { attempts_.erase(job); }
-  void stopAll() override { attempts_.clear(); }
-  void discard(const Leftover& /*leftover*/) override {}
+  void stop(JobId job, bool discard) override;
+  void stopAll() override;
+  void discard(const Leftover& leftover) override;
 
  private:
-  CHttpLoop& loop_;
-  CWorkerPool& pool_;
-  ILog& log_;
+  bool onCheckpoint(JobId job) override { return observer_.onAttemptCheckpoint(job); }
+  void onEnded(JobId job, const AttemptOutcome& outcome) override;
+  void offerSlots();
+
+  const UploadTools tools_;
   IAttemptObserver& observer_;
+  CMultipartSupport support_;
+  CRequestSlots slots_;
+  bool offering_ = false;
+  CSessionAborts aborts_;
   std::unordered_map<JobId, std::unique_ptr<CUploadAttempt>> attempts_;
 };
 

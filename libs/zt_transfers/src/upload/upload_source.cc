@@ -7,12 +7,12 @@
 
 namespace zt_transfers {
 
-CUploadSource::CUploadSource(CHttpLoop& loop, CWorkerPool& pool, std::string path, bool hash,
+CUploadSource::CUploadSource(CHttpLoop& loop, CWorkerPool& pool, SourceWish wish,
                              IListener& listener)
     : loop_(loop),
       pool_(pool),
       listener_(&listener),
-      reader_(std::make_shared<CSourceReader>(std::move(path), hash)) {}
+      reader_(std::make_shared<CSourceReader>(std::move(wish))) {}
 
 void CUploadSource::open() {
   post(true);
@@ -29,13 +29,26 @@ std::size_t CUploadSource::take(char* to, std::size_t room) {
   }
   std::memcpy(to, chunks_.front().data.get() + offset_, taken);
   offset_ += taken;
+  passOn();
+  return taken;
+}
+
+void CUploadSource::skip() {
+  while (available() != 0) {
+    offset_ = chunks_.front().size;
+    passOn();
+  }
+}
+
+// To the next chunk, when the first one is used up. The last one stays.
+void CUploadSource::passOn() {
   if (available() == 0 && !chunks_.front().last) {
+    spare_ = std::move(chunks_.front().data);
     chunks_.pop_front();
     offset_ = 0;
     inFirstChunk_ = false;
     readAhead();
   }
-  return taken;
 }
 
 bool CUploadSource::rewind() {
@@ -53,17 +66,19 @@ void CUploadSource::readAhead() {
 
 void CUploadSource::post(bool open) {
   reading_ = true;
+  const auto result = std::make_shared<Result>();
+  result->opened = open;
+  result->chunk.data = std::move(spare_);
   // The reader goes along, as this source may be gone before the job is through; it is looked
   // for again on the loop's thread only.
-  pool_.post([&loop = loop_, reader = reader_, self = weak_from_this(), open] {
-    const auto result = std::make_shared<Result>();
+  pool_.post([&loop = loop_, reader = reader_, self = weak_from_this(), result] {
     try {
-      if (open) {
-        result->opened = true;
+      if (result->opened) {
         result->problem = reader->open();
-        result->size = reader->size();
+        result->version = reader->version();
+        result->onlyLooked = reader->onlyLooks();
       }
-      if (!result->problem) {
+      if (!result->problem && !result->onlyLooked) {
         result->problem = reader->readNext(result->chunk);
       }
     } catch (const std::exception& error) {
@@ -71,13 +86,13 @@ void CUploadSource::post(bool open) {
     }
     loop.post([self, result] {
       if (const auto source = self.lock()) {
-        source->take(*result);
+        source->arrive(*result);
       }
     });
   });
 }
 
-void CUploadSource::take(Result& result) {
+void CUploadSource::arrive(Result& result) {
   reading_ = false;
   if (listener_ == nullptr) {
     return;
@@ -86,12 +101,14 @@ void CUploadSource::take(Result& result) {
     listener_->onSourceFailed(*result.problem);
     return;
   }
-  readAll_ = result.chunk.last;
-  md5_ = std::move(result.chunk.md5);
-  chunks_.push_back(std::move(result.chunk));
-  readAhead();
+  if (!result.onlyLooked) {
+    readAll_ = result.chunk.last;
+    md5_ = std::move(result.chunk.md5);
+    chunks_.push_back(std::move(result.chunk));
+    readAhead();
+  }
   if (result.opened) {
-    listener_->onSourceOpened(result.size);
+    listener_->onSourceOpened(result.version);
   } else {
     listener_->onSourceReady();
   }

@@ -6,21 +6,23 @@
 #include <optional>
 #include <string>
 
-#include "http/http_exchange.h"
+#include "http/http_loop.h"
 #include "threads/worker_pool.h"
 #include "upload/source_reader.h"
 
 namespace zt_transfers {
 
-// A file on its way into a request: the pool reads ahead, the network thread takes what is there.
+// A file, or a span of one, on its way into a request: the pool reads ahead, the network thread
+// takes what is there.
 //
 // Thread: the loop's, on which the listener is called, too. After close() no call follows.
 class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
  public:
   class IListener {
    public:
-    // The file is open, its beginning is there.
-    virtual void onSourceOpened(std::uint64_t size) = 0;
+    // The file is open and, unless it was only to be looked at, its beginning is there. May
+    // destroy the listener.
+    virtual void onSourceOpened(const SourceVersion& version) = 0;
     // A read that gave nothing would give something now.
     virtual void onSourceReady() = 0;
     // The file cannot be sent; `reason` is for the log. May destroy the listener.
@@ -30,8 +32,7 @@ class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
     ~IListener() = default;
   };
 
-  CUploadSource(CHttpLoop& loop, CWorkerPool& pool, std::string path, bool hash,
-                IListener& listener);
+  CUploadSource(CHttpLoop& loop, CWorkerPool& pool, SourceWish wish, IListener& listener);
 
   void open();
   void close() { listener_ = nullptr; }
@@ -40,16 +41,21 @@ class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
   std::size_t available() const;
   // Takes at most `room` bytes and gives their number.
   std::size_t take(char* to, std::size_t room);
+  // Passes over what is there.
+  void skip();
   // Back to the first byte; only as long as the first chunk is the current one.
   bool rewind();
 
-  // Of the whole file, once its last chunk was read; empty when not asked for.
+  // Whether the last chunk was read.
+  bool readAll() const { return readAll_; }
+  // Of all that was read, once that is so; empty when not asked for.
   const std::string& md5() const { return md5_; }
 
  private:
   struct Result {
     bool opened = false;
-    std::uint64_t size = 0;
+    bool onlyLooked = false;
+    SourceVersion version;
     SourceChunk chunk;
     std::optional<std::string> problem;
   };
@@ -58,7 +64,8 @@ class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
 
   void readAhead();
   void post(bool open);
-  void take(Result& result);
+  void arrive(Result& result);
+  void passOn();
 
   CHttpLoop& loop_;
   CWorkerPool& pool_;
@@ -68,6 +75,7 @@ class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
 
   std::deque<SourceChunk> chunks_;  // the first one is being taken
   std::size_t offset_ = 0;          // in the first one
+  std::unique_ptr<char[]> spare_;   // memory of a chunk, for the next one
   bool inFirstChunk_ = true;
   bool reading_ = false;
   bool readAll_ = false;

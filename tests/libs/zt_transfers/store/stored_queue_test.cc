@@ -2,6 +2,8 @@
 
 #include <gmock/gmock.h>
 
+#include <limits>
+
 #include "full_disk.h"
 #include "stored_queue_fixture.h"
 
@@ -103,6 +105,33 @@ TEST_F(StoredQueue, KeepsWhatIsDurableOfDownloadsUntilTheyAreDone) {
   DownloadResume expected = begun;
   expected.written = begun.durable;  // what was not synced may be gone
   EXPECT_EQ(resumes[0].second, expected);
+}
+
+TEST_F(StoredQueue, KeepsTheSessionsOfUploadsInParts) {
+  const UploadSession session{.uploadId = "id/1",
+                              .url = "http://host/file?signature=a",
+                              .headers = {{"X-Token", "secret"}},
+                              .partSize = 10,
+                              .source = {.device = 1,
+                                         .inode = 2,
+                                         .size = 25,
+                                         .modified = -3,
+                                         .touched = std::numeric_limits<std::int64_t>::max()},
+                              .completing = true,
+                              .parts = {{3, "\"tag\"", ""}, {1, "\"a\"", "0cc1"}}};
+  {
+    auto queue = opened();
+    IQueueStore& store = queue->store();
+    store.saveGroup(group(1));
+    store.append(1, spec("begun"), {.size = 25});
+    store.saveResume({1, 0}, session);
+    EXPECT_TRUE(queue->close());
+  }
+  opened();
+  const auto& resumes = found.groups.at(0).resumes;
+  ASSERT_EQ(resumes.size(), 1U);
+  EXPECT_EQ(resumes[0].second, TransferResume(session));
+  EXPECT_EQ(resumes[0].second.bytes(), 15U);
 }
 
 TEST_F(StoredQueue, ForgetsRemovedGroupsButNotTheirIds) {

@@ -37,9 +37,9 @@ TEST_F(SourceReader, GivesContentAndDigestForEverySizeAroundItsChunks) {
        {std::size_t{0}, std::size_t{1}, CSourceReader::kChunk - 1, CSourceReader::kChunk,
         CSourceReader::kChunk + 1, 2 * CSourceReader::kChunk}) {
     const std::string content = patternOf(size);
-    CSourceReader reader(sandbox.file("file", content), true);
+    CSourceReader reader({.path = sandbox.file("file", content), .hash = true});
     ASSERT_FALSE(reader.open().has_value());
-    EXPECT_EQ(reader.size(), size);
+    EXPECT_EQ(reader.version().size, size);
     std::string md5;
     EXPECT_EQ(readAll(reader, md5), content) << size;
     EXPECT_EQ(md5, md5Of(content)) << size;
@@ -49,7 +49,7 @@ TEST_F(SourceReader, GivesContentAndDigestForEverySizeAroundItsChunks) {
 TEST_F(SourceReader, WithholdsTheEndOfAFileThatChanged) {
   const std::string content = patternOf(CSourceReader::kChunk + 10);
   const auto path = sandbox.file("file", content);
-  CSourceReader reader(path, false);
+  CSourceReader reader({.path = path});
   ASSERT_FALSE(reader.open().has_value());
   SourceChunk chunk;
   ASSERT_FALSE(reader.readNext(chunk).has_value());
@@ -59,7 +59,7 @@ TEST_F(SourceReader, WithholdsTheEndOfAFileThatChanged) {
 
 TEST_F(SourceReader, NoticesThatAnotherFileTookTheName) {
   const auto path = sandbox.file("file", "old content");
-  CSourceReader reader(path, false);
+  CSourceReader reader({.path = path});
   ASSERT_FALSE(reader.open().has_value());
   const auto other = sandbox.file("other", "new content");
   std::filesystem::last_write_time(other, std::filesystem::last_write_time(path));
@@ -69,9 +69,9 @@ TEST_F(SourceReader, NoticesThatAnotherFileTookTheName) {
 }
 
 TEST_F(SourceReader, SaysWhatIsWrongWithAFileItCannotRead) {
-  CSourceReader missing(sandbox.folder() / "missing", false);
+  CSourceReader missing({.path = sandbox.folder() / "missing"});
   EXPECT_THAT(missing.open(), Optional(HasSubstr("cannot open")));
-  CSourceReader folder(sandbox.folder(), false);
+  CSourceReader folder({.path = sandbox.folder()});
   EXPECT_THAT(folder.open(), Optional(HasSubstr("not a regular file")));
 }
 

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "http/http_answer.h"
+#include "http/redirect.h"
+#include "log/log.h"
+
+namespace zt_transfers {
+
+// Where a request goes, and with which headers: both change when the server sends it elsewhere.
+class CRequestPlace {
+ public:
+  static constexpr int kMostRedirects = 5;
+
+  CRequestPlace(std::string url, HttpHeaders headers)
+      : url_(std::move(url)), headers_(std::move(headers)) {}
+
+  const std::string& url() const { return url_; }
+  const HttpHeaders& headers() const { return headers_; }
+
+  // True when the answer is a redirect that is followed: the request is to be sent again, from
+  // the first byte, to the place that this is now.
+  bool follow(const HttpAnswer& answer, ILog& log);
+
+ private:
+  std::string url_;
+  HttpHeaders headers_;
+  int redirects_ = 0;
+};
+
+}  // namespace zt_transfers

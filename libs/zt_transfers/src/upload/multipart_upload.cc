@@ -1,0 +1,281 @@
+#include "upload/multipart_upload.h"
+
+#include <exception>
+#include <set>
+#include <utility>
+
+#include "text/url_parts.h"
+#include "upload/multipart_request.h"
+#include "upload/multipart_verdict.h"
+#include "upload/part_plan.h"
+#include "upload/source_version.h"
+
+namespace zt_transfers {
+namespace {
+
+// So often at most a session is kept on disk; what is newer the server knows.
+constexpr std::chrono::seconds kNoteInterval{1};
+
+}  // namespace
+
+CMultipartUpload::CMultipartUpload(const UploadTools& tools, const StartOrder& order,
+                                   std::string path, const SourceVersion& version,
+                                   IListener& listener)
+    : tools_(tools),
+      order_(order),
+      path_(std::move(path)),
+      version_(version),
+      listener_(listener),
+      sender_(tools, order, listener, *this) {}
+
+void CMultipartUpload::begin() {
+  if (order_.resume.begun() && order_.resume.isUpload()) {
+    takeUp(order_.resume.upload());
+  } else {
+    startAnew();
+  }
+}
+
+void CMultipartUpload::takeUp(UploadSession session) {
+  // The page may have renewed the URL's query, but not meant another object.
+  const bool samePlace = loggableUrl(session.url) == loggableUrl(order_.spec.url);
+  if (!samePlace || !session.source.sameContent(version_)) {
+    listener_.onSessionAbandoned(session);
+    startAnew();
+    return;
+  }
+  const bool trusted = session.source.touched == version_.touched;
+  session_ = std::move(session);
+  session_.url = order_.spec.url;
+  session_.headers = order_.spec.headers;
+  session_.source = version_;
+  survey_ = std::make_unique<CSessionSurvey>(
+      tools_,
+      CSessionSurvey::Order{
+          .session = session_, .path = path_, .trusted = trusted, .proxy = order_.proxy},
+      [this](const CSessionSurvey::Found& found) { onSurveyed(found); });
+  try {
+    survey_->begin();
+  } catch (const std::exception& error) {
+    end(AttemptOutcome::final(error.what()));
+  }
+}
+
+void CMultipartUpload::startAnew() {
+  dropSession();
+  session_.url = order_.spec.url;
+  session_.headers = order_.spec.headers;
+  session_.partSize = partSizeFor(version_.size, order_.parts.size);
+  session_.source = version_;
+  call(initiation_, initiationRequest(session_, order_.proxy), &CMultipartUpload::onInitiated);
+}
+
+// Ends the attempt when there is no such request.
+void CMultipartUpload::call(std::unique_ptr<CStoreCall>& slot, CStoreCall::Request request,
+                            OnAnswer onAnswer) {
+  try {
+    slot = std::make_unique<CStoreCall>(
+        tools_.loop, tools_.log, std::move(request),
+        [this, &slot, onAnswer](const HttpAnswer& answer) {
+          // Kept to the end of this, and out of the way of the next one.
+          const std::unique_ptr<CStoreCall> finished = std::move(slot);
+          (this->*onAnswer)(answer);
+        });
+  } catch (const std::exception& error) {
+    end(AttemptOutcome::final(error.what()));
+  }
+}
+
+void CMultipartUpload::onInitiated(const HttpAnswer& answer) {
+  Initiation initiation = judgeInitiation(answer, now());
+  if (initiation.outcome) {
+    end(*initiation.outcome);
+    return;
+  }
+  if (initiation.notOffered) {
+    listener_.onPartsNotOffered(initiation.saysSo);
+    return;
+  }
+  session_.uploadId = std::move(initiation.uploadId);
+  order_.progress->setResume(session_);
+  if (!listener_.onSessionChanged()) {
+    // Who stopped this may not know of the session.
+    listener_.onSessionAbandoned(session_);
+    dropSession();
+    return;
+  }
+  noted_ = tools_.loop.clock().now();
+  send();
+}
+
+void CMultipartUpload::onSurveyed(const CSessionSurvey::Found& found) {
+  using What = CSessionSurvey::Found::What;
+  // Kept to the end of this; what was found is not part of it.
+  const std::unique_ptr<CSessionSurvey> finished = std::move(survey_);
+  switch (found.what) {
+    case What::kParts:
+      session_.parts = found.parts;
+      bytesSent_ = session_.bytesSent();
+      order_.progress->setResume(session_);
+      onBytesMoved();
+      send();
+      break;
+    case What::kGone:
+      onGone();
+      break;
+    case What::kFailed:
+      fail(found.answer, judgeFailure(found.answer, now()));
+      break;
+    case What::kSource:
+      failSource(found.problem);
+      break;
+  }
+}
+
+void CMultipartUpload::onGone() {
+  if (session_.completing) {
+    lookUp();
+    return;
+  }
+  tools_.log.information("The server has forgotten the upload in parts to " +
+                         loggableUrl(session_.url) + "; it begins again");
+  startAnew();
+}
+
+void CMultipartUpload::send() {
+  std::set<std::uint32_t> missing;
+  for (std::uint32_t number = 1; number <= session_.partCount(); ++number) {
+    missing.insert(missing.end(), number);
+  }
+  for (const SentPart& part : session_.parts) {
+    missing.erase(part.number);
+  }
+  sender_.begin(session_, path_, std::move(missing));
+}
+
+void CMultipartUpload::onPartSent(const SentPart& part) {
+  add(part);
+  progressed_ = true;
+  const TimePoint time = tools_.loop.clock().now();
+  if (time - noted_ >= kNoteInterval) {
+    noted_ = time;
+    listener_.onSessionChanged();
+  }
+}
+
+void CMultipartUpload::add(const SentPart& part) {
+  session_.parts.push_back(part);
+  bytesSent_ += session_.spanOf(part.number).length();
+  order_.progress->changeResume(
+      [&part](TransferResume& resume) { resume.upload().parts.push_back(part); });
+}
+
+void CMultipartUpload::onBytesMoved() {
+  order_.progress->bytes = bytesSent_ + sender_.bytesUnderWay();
+}
+
+void CMultipartUpload::onAllPartsSent() {
+  tools_.pool.post([this, &loop = tools_.loop, alive = std::weak_ptr<bool>(alive_), path = path_,
+                    version = version_] {
+    loop.post([this, alive, change = changeSince(version, path)] {
+      if (alive.expired()) {
+        return;
+      }
+      if (change) {
+        failSource(*change);
+      } else {
+        complete();
+      }
+    });
+  });
+}
+
+void CMultipartUpload::onSendingEnded(const CPartSender::End& ending) {
+  using Why = CPartSender::End::Why;
+  if (ending.why == Why::kSource || ending.why == Why::kRefused) {
+    listener_.onSessionAbandoned(session_);
+  }
+  if (ending.why == Why::kLater || ending.why == Why::kRenew) {
+    onBytesMoved();
+  } else {
+    dropSession();
+  }
+  end(ending.outcome);
+}
+
+void CMultipartUpload::complete() {
+  session_.completing = true;
+  order_.progress->setResume(session_);
+  listener_.onSessionChanged();
+  call(call_, completionRequest(session_, order_.proxy), &CMultipartUpload::onCompleted);
+}
+
+void CMultipartUpload::onCompleted(const HttpAnswer& answer) {
+  if (saysUploadIsGone(answer)) {
+    onGone();
+    return;
+  }
+  const auto tag = order_.verify ? compositeTagOf(session_.parts) : std::nullopt;
+  const CompletionVerdict verdict = judgeCompletion(answer, tag, now());
+  switch (verdict.kind) {
+    case Completion::kDone:
+      end(verdict.outcome);
+      break;
+    case Completion::kOtherContent:
+      dropSession();
+      end(verdict.outcome);
+      break;
+    case Completion::kFailed:
+      fail(answer, verdict.outcome);
+      break;
+  }
+}
+
+void CMultipartUpload::lookUp() {
+  call(call_, lookUpRequest(session_, order_.proxy), &CMultipartUpload::onLookedUp);
+}
+
+void CMultipartUpload::onLookedUp(const HttpAnswer& answer) {
+  if (showsObject(answer, version_.size, compositeTagOf(session_.parts))) {
+    order_.progress->bytes = version_.size;
+    end(AttemptOutcome::done());
+    return;
+  }
+  const AttemptOutcome outcome = judgeFailure(answer, now());
+  if (outcome.kind == AttemptOutcome::Kind::kRetry) {
+    end(outcome);
+  } else {
+    startAnew();
+  }
+}
+
+void CMultipartUpload::dropSession() {
+  session_ = {};
+  bytesSent_ = 0;
+  order_.progress->setResume({});
+  order_.progress->bytes = 0;
+}
+
+void CMultipartUpload::fail(const HttpAnswer& answer, const AttemptOutcome& outcome) {
+  const bool forGood = outcome.kind == AttemptOutcome::Kind::kFinal && answer.code == CURLE_OK &&
+                       !asksForAuthority(answer);
+  if (forGood) {
+    listener_.onSessionAbandoned(session_);
+    dropSession();
+  }
+  end(outcome);
+}
+
+void CMultipartUpload::failSource(const std::string& reason) {
+  const AttemptOutcome outcome = AttemptOutcome::final(reason);
+  listener_.onSessionAbandoned(session_);
+  dropSession();
+  end(outcome);
+}
+
+void CMultipartUpload::end(AttemptOutcome outcome) {
+  outcome.progressed = progressed_;
+  listener_.onPartsEnded(outcome);
+}
+
+}  // namespace zt_transfers

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "engine/attempt.h"
+#include "upload/file_request.h"
+#include "upload/part_sender.h"
+#include "upload/session_survey.h"
+#include "upload/store_call.h"
+#include "upload/upload_tools.h"
+
+namespace zt_transfers {
+
+// One attempt to send one file in parts:
+//
+//   surveying ──► sending ──► source ──► completing ──► done
+//       │ gone       ▲      unchanged?        │ gone
+//       ▼            │                        ▼
+//   initiating ──────┘ ◄───────────────── looking up ──► done
+//
+// It begins with surveying if an attempt before has left a session, else with initiating. Looking up
+// sees whether the parts were put together before, without an answer having come. What is left at
+// the end, and kept in the order's progress all the time, is the session.
+//
+// Thread: the loop's, on which the listener is called, too. Destruction ends it without an answer.
+class CMultipartUpload final : public CPartSender::IListener {
+ public:
+  class IListener : public CPartSender::ISlots {
+   public:
+    // The session in the progress is worth to be kept. False when this attempt was stopped.
+    virtual bool onSessionChanged() = 0;
+    virtual void onSessionAbandoned(const UploadSession& session) = 0;
+    // Both may destroy the upload. `saysSo`: the server does not know uploads in parts at all.
+    virtual void onPartsNotOffered(bool saysSo) = 0;
+    virtual void onPartsEnded(const AttemptOutcome& outcome) = 0;
+
+   protected:
+    ~IListener() = default;
+  };
+
+  // `order` and `listener` must outlive it. `version`: of the source, whose path this is.
+  CMultipartUpload(const UploadTools& tools, const StartOrder& order, std::string path,
+                   const SourceVersion& version, IListener& listener);
+  CMultipartUpload(const CMultipartUpload&) = delete;
+  CMultipartUpload& operator=(const CMultipartUpload&) = delete;
+
+  // May end it at once.
+  void begin();
+  // There may be room for another request.
+  void onSlotFree() { sender_.fill(); }
+  // Its request to begin an upload, if that is under way, with the place that it is for.
+  std::unique_ptr<CStoreCall> takeInitiation() { return std::move(initiation_); }
+  const UploadSession& session() const { return session_; }
+
+ private:
+  using OnAnswer = void (CMultipartUpload::*)(const HttpAnswer&);
+
+  void takeUp(UploadSession session);
+  void startAnew();
+  void call(std::unique_ptr<CStoreCall>& slot, CStoreCall::Request request, OnAnswer onAnswer);
+  void onInitiated(const HttpAnswer& answer);
+  void onSurveyed(const CSessionSurvey::Found& found);
+  void onGone();
+  void send();
+  void complete();
+  void onCompleted(const HttpAnswer& answer);
+  void lookUp();
+  void onLookedUp(const HttpAnswer& answer);
+
+  void onPartSent(const SentPart& part) override;
+  void onAllPartsSent() override;
+  void onSendingEnded(const CPartSender::End& ending) override;
+  void onBytesMoved() override;
+
+  void add(const SentPart& part);
+  void dropSession();
+  void fail(const HttpAnswer& answer, const AttemptOutcome& outcome);
+  void failSource(const std::string& reason);
+  void end(AttemptOutcome outcome);
+  std::int64_t now() const { return tools_.loop.clock().secondsSince1970(); }
+
+  const UploadTools tools_;
+  const StartOrder& order_;
+  const std::string path_;
+  const SourceVersion version_;
+  IListener& listener_;
+
+  UploadSession session_;
+  std::uint64_t bytesSent_ = 0;  // of the session's parts
+  bool progressed_ = false;
+  TimePoint noted_{};
+
+  std::unique_ptr<CStoreCall> call_;
+  std::unique_ptr<CStoreCall> initiation_;
+  std::unique_ptr<CSessionSurvey> survey_;
+  CPartSender sender_;
+  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+};
+
+}  // namespace zt_transfers

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "upload/upload_source.h"
+#include "upload/upload_tools.h"
+
+namespace zt_transfers {
+
+// Finds the MD5 of a span of a file. Destruction ends it without an answer.
+//
+// Thread: the loop's. `done` is not called from within the constructor and may destroy the check.
+class CPartCheck final : public CUploadSource::IListener {
+ public:
+  struct Result {
+    std::string md5{};      // lower-case hexadecimal
+    std::string problem{};  // not empty: the file cannot be read as it was, and why
+  };
+  using Done = std::function<void(const Result&)>;
+
+  CPartCheck(const UploadTools& tools, SourceWish wish, Done done);
+  ~CPartCheck() { source_->close(); }
+  CPartCheck(const CPartCheck&) = delete;
+  CPartCheck& operator=(const CPartCheck&) = delete;
+
+ private:
+  void onSourceOpened(const SourceVersion& /*version*/) override { onSourceReady(); }
+  void onSourceReady() override;
+  void onSourceFailed(const std::string& reason) override { finish({.problem = reason}); }
+  void finish(const Result& result);
+
+  const Done done_;
+  std::shared_ptr<CUploadSource> source_;
+};
+
+}  // namespace zt_transfers

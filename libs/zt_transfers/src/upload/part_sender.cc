@@ -1,0 +1,148 @@
+#include "upload/part_sender.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "upload/multipart_request.h"
+#include "upload/multipart_verdict.h"
+#include "upload/upload_verdict.h"
+
+namespace zt_transfers {
+
+CPartSender::~CPartSender() {
+  for (; slotsTaken_ != 0; --slotsTaken_) {
+    slots_.giveSlotBack();
+  }
+}
+
+void CPartSender::begin(const UploadSession& session, std::string path,
+                        std::set<std::uint32_t> numbers) {
+  session_ = &session;
+  path_ = std::move(path);
+  waiting_ = std::move(numbers);
+  goOn();
+}
+
+std::uint64_t CPartSender::bytesUnderWay() const {
+  std::uint64_t bytes = 0;
+  for (const auto& [number, request] : active_) {
+    bytes += request->sent();
+  }
+  return bytes;
+}
+
+void CPartSender::fill() {
+  while (session_ != nullptr && !trouble_ && !waiting_.empty() && active_.size() < kMostAtOnce) {
+    // The first one has the place that every file has.
+    if (!active_.empty()) {
+      if (!slots_.takeSlot()) {
+        return;
+      }
+      ++slotsTaken_;
+    }
+    start(*waiting_.begin());
+  }
+}
+
+void CPartSender::start(std::uint32_t number) {
+  waiting_.erase(number);
+  CFileRequest::Order part;
+  part.source = {.path = path_,
+                 .hash = order_.verify,
+                 .version = session_->source,
+                 .span = session_->spanOf(number)};
+  part.url = partUrl(*session_, number);
+  part.headers = partHeaders(*session_);
+  part.proxy = order_.proxy;
+  auto request = std::make_unique<CFileRequest>(tools_, std::move(part), *this);
+  request->begin();
+  active_.emplace(number, std::move(request));
+}
+
+// Decides what follows once something has ended.
+void CPartSender::goOn() {
+  if (active_.empty() && trouble_) {
+    cutOff(End::Why::kLater, *trouble_);
+  } else if (active_.empty() && waiting_.empty()) {
+    session_ = nullptr;
+    listener_.onAllPartsSent();
+  } else {
+    fill();
+  }
+}
+
+void CPartSender::remove(Active::iterator part) {
+  active_.erase(part);
+  if (slotsTaken_ != 0) {
+    --slotsTaken_;
+    slots_.giveSlotBack();
+  }
+}
+
+CPartSender::Active::iterator CPartSender::find(const CFileRequest& request) {
+  return std::find_if(active_.begin(), active_.end(),
+                      [&request](const auto& entry) { return entry.second.get() == &request; });
+}
+
+void CPartSender::onRequestAnswered(CFileRequest& request, const HttpAnswer& answer) {
+  const auto part = find(request);
+  const std::uint32_t number = part->first;
+  const std::string md5 = request.md5();
+  const AttemptOutcome outcome =
+      judgeUpload(answer, request.size(), md5, tools_.loop.clock().secondsSince1970());
+  remove(part);
+  if (outcome.kind != AttemptOutcome::Kind::kDone) {
+    onRefused(number, answer, outcome);
+    return;
+  }
+  std::string etag(answer.header("etag"));
+  if (etag.empty() && !md5.empty()) {
+    etag = '"' + md5 + '"';
+  }
+  listener_.onPartSent({number, std::move(etag), md5});
+  listener_.onBytesMoved();
+  goOn();
+}
+
+void CPartSender::onRefused(std::uint32_t number, const HttpAnswer& answer,
+                            AttemptOutcome outcome) {
+  outcome.reason = "part " + std::to_string(number) + ": " + outcome.reason;
+  if (saysUploadIsGone(answer)) {
+    cutOff(End::Why::kGone, AttemptOutcome::retry(outcome.reason));
+  } else if (outcome.kind == AttemptOutcome::Kind::kRetry) {
+    waiting_.insert(number);
+    noteTrouble(outcome);
+    listener_.onBytesMoved();
+    goOn();
+  } else {
+    const bool renew = answer.code != CURLE_OK || asksForAuthority(answer);
+    cutOff(renew ? End::Why::kRenew : End::Why::kRefused, outcome);
+  }
+}
+
+void CPartSender::onRequestFailed(CFileRequest& request, const std::string& reason) {
+  remove(find(request));
+  cutOff(End::Why::kSource, AttemptOutcome::final(reason));
+}
+
+// The first one counts, but the longest wait of all.
+void CPartSender::noteTrouble(const AttemptOutcome& outcome) {
+  if (!trouble_) {
+    trouble_ = outcome;
+    return;
+  }
+  trouble_->sharedTrouble = trouble_->sharedTrouble || outcome.sharedTrouble;
+  trouble_->retryAfter = std::max(trouble_->retryAfter, outcome.retryAfter);
+}
+
+void CPartSender::cutOff(End::Why why, const AttemptOutcome& outcome) {
+  session_ = nullptr;
+  while (!active_.empty()) {
+    remove(active_.begin());
+  }
+  // Copies, as the listener may destroy this sender.
+  const End end{why, outcome};
+  listener_.onSendingEnded(end);
+}
+
+}  // namespace zt_transfers

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "http/http_loop.h"
+#include "log/log.h"
+#include "threads/worker_pool.h"
+
+namespace zt_transfers {
+
+// What every piece of an upload works with; all must outlive it.
+struct UploadTools {
+  CHttpLoop& loop;
+  CWorkerPool& pool;
+  ILog& log;
+};
+
+}  // namespace zt_transfers

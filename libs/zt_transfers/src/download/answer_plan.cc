@@ -23,6 +23,8 @@ FetchPlan planWhole(const HttpAnswer& head) {
   plan.size = parseLength(head.header("content-length"));
   plan.end = plan.size;
   plan.validator = validatorOf(head);
+  plan.offersRanges = plan.size && isExact(plan.validator) &&
+                      equalsIgnoringCase(trimmed(head.header("accept-ranges")), "bytes");
   return plan;
 }
 
@@ -46,6 +48,7 @@ FetchPlan planPartial(const HttpAnswer& head, const FetchAsk& ask) {
   plan.size = range->total;
   plan.validator = validatorOf(head);
   plan.partial = true;
+  plan.offersRanges = isExact(plan.validator);
   return sameVersion(ask, plan) ? plan : startOver("the file has changed on the server");
 }
 
@@ -85,6 +88,10 @@ std::string validatorOf(const HttpAnswer& head) {
     return std::string(etag);
   }
   return std::string(head.header("last-modified"));
+}
+
+bool isExact(const std::string& validator) {
+  return !validator.empty() && validator.front() == '"';
 }
 
 }  // namespace zt_transfers

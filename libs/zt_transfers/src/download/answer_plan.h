@@ -31,7 +31,8 @@ struct FetchPlan {
   std::optional<std::uint64_t> end{};   // where the body ends, if the server says so
   std::optional<std::uint64_t> size{};  // of the whole file, if the server says so
   std::string validator{};              // strong ones only
-  bool partial = false;                 // the server does ranges
+  bool partial = false;                 // it is the range that was asked for
+  bool offersRanges = false;            // the server does ranges, of the very same bytes
   std::string reason{};                 // of kStartOver, for the log
 };
 
@@ -39,5 +40,8 @@ FetchPlan planAnswer(const HttpAnswer& head, const FetchAsk& ask);
 
 // What If-Range can be asked with: the strong ETag, else the Last-Modified date, else nothing.
 std::string validatorOf(const HttpAnswer& head);
+
+// Whether it names one version, to the byte; a date only names a second.
+bool isExact(const std::string& validator);
 
 }  // namespace zt_transfers

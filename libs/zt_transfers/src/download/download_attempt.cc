@@ -1,11 +1,11 @@
 #include "download/download_attempt.h"
 
+#include <algorithm>
 #include <exception>
-#include <limits>
 #include <utility>
 
+#include "download/missing_spans.h"
 #include "http/answer_verdict.h"
-#include "http/redirect.h"
 #include "text/ascii.h"
 #include "text/url_parts.h"
 #include "zt_transfers/global_config.h"
@@ -13,11 +13,20 @@
 namespace zt_transfers {
 namespace {
 
-constexpr int kMostRedirects = 5;
-constexpr std::uint64_t kNoEnd = std::numeric_limits<std::int64_t>::max();
+constexpr std::uint64_t kNoEnd = CRangeFetch::kNoEnd;
+constexpr std::uint64_t kMebibyte = 1024 * 1024;
+
+// Small enough that the hash, which goes through the file in order, does not fall far behind.
+constexpr std::uint64_t kLeastPiece = 8 * kMebibyte;
+constexpr std::uint64_t kMostPiece = 32 * kMebibyte;
+constexpr std::uint64_t kPieces = 8;
+
+// One request that brings so much a second is not held up by its line, and more would only cost.
+constexpr double kQuick = 200e6;
+constexpr std::chrono::milliseconds kLongEnoughToJudge{250};
 
 // So much more than the attempt before makes up for the retry that it cost.
-constexpr std::uint64_t kWorthARetry = 1024 * 1024;
+constexpr std::uint64_t kWorthARetry = kMebibyte;
 
 std::string text(std::uint64_t number) {
   return std::to_string(number);
@@ -38,22 +47,19 @@ CPartialFile::Plan planOf(const StartOrder& order) {
 
 CDownloadAttempt::CDownloadAttempt(CHttpLoop& loop, CWorkerPool& pool, ILog& log, StartOrder order,
                                    IListener& listener)
-    : loop_(loop),
-      pool_(pool),
-      log_(log),
-      order_(std::move(order)),
-      listener_(listener),
-      url_(order_.spec.url) {}
+    : loop_(loop), pool_(pool), log_(log), order_(std::move(order)), listener_(listener) {
+  forgetVersion();
+}
 
 CDownloadAttempt::~CDownloadAttempt() {
-  fetch_.reset();
+  fetches_.clear();
   if (writer_) {
     writer_->close();
   }
 }
 
 void CDownloadAttempt::begin() {
-  if (originOf(url_).empty()) {
+  if (originOf(order_.spec.url).empty()) {
     report(AttemptOutcome::final("it has no http or https URL to be fetched from"));
     return;
   }
@@ -67,7 +73,7 @@ void CDownloadAttempt::begin() {
   if (order_.resume.begun()) {
     writer_->reopen(order_.resume.download());
   } else {
-    fetch();
+    fetchNext();
   }
 }
 
@@ -77,198 +83,328 @@ void CDownloadAttempt::discard() {
   }
 }
 
+void CDownloadAttempt::narrow() {
+  if (fetches_.size() > 1) {
+    giveBack(*fetches_.back());
+    fetches_.pop_back();
+  }
+}
+
 void CDownloadAttempt::onReopened(CPartialFile::Found found, const DownloadResume& resume) {
   if (found == CPartialFile::Found::kLanded) {
     report(AttemptOutcome::done());
     return;
   }
-  const bool hasBeginning = found == CPartialFile::Found::kPartial && !resume.written.empty() &&
-                            resume.written.front().begin == 0;
-  if (hasBeginning) {
-    there_ = resume.written.front().end;
-    validator_ = resume.validator;
-    if (resume.size != DownloadResume::kUnknown) {
-      size_ = resume.size;
+  ByteSpans there = resume.written;
+  if (!isExact(resume.validator)) {
+    // Only what one answer has brought is known to be of one version.
+    there.resize(!there.empty() && there.front().begin == 0 ? 1 : 0);
+  }
+  if (found == CPartialFile::Found::kPartial && !there.empty()) {
+    if (lengthOf(there) == resume.size) {
+      arrive(resume.size);
+      return;
     }
+    takeUp(resume, there);
   }
-  fetch();
+  fetchNext();
 }
 
-// Asks for what is missing.
-void CDownloadAttempt::fetch() {
-  if (there_ != 0 && size_ == there_) {
-    arrive(there_);
-    return;
+void CDownloadAttempt::takeUp(const DownloadResume& resume, const ByteSpans& there) {
+  begun_ = true;
+  validator_ = resume.validator;
+  if (resume.size != DownloadResume::kUnknown) {
+    size_ = resume.size;
   }
+  missing_ = missingSpans(there, size_.value_or(kNoEnd));
+  order_.progress->bytes = lengthOf(there);
+}
+
+void CDownloadAttempt::forgetVersion() {
+  begun_ = false;
+  validator_.clear();
+  size_.reset();
+  missing_ = {{0, kNoEnd}};
+}
+
+// Asks for the first bytes that nobody fetches. False when that has ended the attempt.
+bool CDownloadAttempt::fetchNext() {
   // Without a name for the version nobody can tell whether the rest would be of the same.
-  ask_ = {};
-  if (there_ != 0 && !validator_.empty()) {
-    ask_.begin = there_;
-    ask_.ranged = true;
-    ask_.validator = validator_;
-    ask_.size = size_;
+  if (begun_ && validator_.empty()) {
+    forgetVersion();
   }
-  send();
-}
-
-void CDownloadAttempt::send() {
-  plan_.reset();
-  fetch_.reset();
   try {
-    fetch_ = std::make_unique<CRangeFetch>(loop_, request(), *writer_, *order_.progress, *this);
+    const std::uint64_t most = order_.spec.size != 0 ? order_.spec.size : kNoEnd;
+    fetches_.push_back(std::make_unique<CRangeFetch>(
+        CRangeFetch::Surroundings{loop_, log_, *writer_, *order_.progress, *this}, request(),
+        nextAsk(), most));
+    return true;
   } catch (const std::exception& error) {
     finish(AttemptOutcome::final(error.what()));
+    return false;
   }
+}
+
+FetchAsk CDownloadAttempt::nextAsk() {
+  const ByteSpan span = takeFirst(missing_, takesPieces() ? pieceSize() : kNoEnd);
+  FetchAsk ask;
+  ask.begin = span.begin;
+  ask.ranged = begun_ || takesPieces();
+  if (begun_) {
+    ask.validator = validator_;
+    ask.size = size_;
+  }
+  if (ask.ranged && span.end != size_.value_or(kNoEnd)) {
+    ask.end = span.end;
+  }
+  return ask;
 }
 
 HttpRequest CDownloadAttempt::request() const {
   HttpRequest request;
   request.method = "GET";
-  request.url = url_;
+  request.url = order_.spec.url;
   // Bytes as they are stored, so that they can be counted.
   request.headers.emplace_back("Accept-Encoding", "identity");
-  if (ask_.ranged) {
-    request.headers.emplace_back("Range", "bytes=" + text(ask_.begin) + "-");
-    request.headers.emplace_back("If-Range", ask_.validator);
-  }
   request.proxy = order_.proxy;
   request.userAgent = CZtTransfersGlobalConfig::getInstance()->userAgent();
   return request;
 }
 
-std::optional<ByteSpan> CDownloadAttempt::onHead(const HttpAnswer& head) {
-  plan_ = planAnswer(head, ask_);
-  if (plan_->kind != FetchPlan::Kind::kBody) {
-    return std::nullopt;
-  }
-  const std::uint64_t expected = order_.spec.size;
-  if (expected != 0 && plan_->size && *plan_->size != expected) {
-    refusal_ = AttemptOutcome::retry("the server has " + text(*plan_->size) + " bytes instead of " +
-                                     text(expected));
-    return std::nullopt;
-  }
-  return beginContent();
+bool CDownloadAttempt::takesPieces() const {
+  const std::uint64_t size = size_.value_or(order_.spec.size);
+  return offersRanges_ && !refusesRanges_ && size != 0 && size >= order_.parts.from &&
+         (!begun_ || isExact(validator_));
 }
 
-std::optional<ByteSpan> CDownloadAttempt::beginContent() {
-  if (plan_->begin == 0) {
-    if (there_ != 0) {
-      log_.information("Starting over with " + loggableUrl(url_) +
-                       ": the server sends all of it, or another version");
+std::uint64_t CDownloadAttempt::pieceSize() const {
+  const std::uint64_t size = size_.value_or(order_.spec.size);
+  return order_.parts.size != 0 ? order_.parts.size
+                                : std::clamp(size / kPieces, kLeastPiece, kMostPiece);
+}
+
+// Begins further requests as long as each of them is likely to pay.
+void CDownloadAttempt::widen() {
+  while (begun_ && takesPieces() && !fetches_.empty() && fetches_.size() < mostFetches_ &&
+         worthMore() && listener_.hasRoom()) {
+    if ((missing_.empty() && !splitLargest()) || !fetchNext()) {
+      return;
     }
-    validator_ = plan_->validator;
-    size_ = plan_->size;
-    writer_->restart(validator_, size_.value_or(DownloadResume::kUnknown));
   }
-  if (plan_->size) {
-    size_ = plan_->size;
+}
+
+bool CDownloadAttempt::worthMore() const {
+  if (!firstByte_ || loop_.throttle().limited()) {
+    return false;
   }
-  there_ = plan_->begin;
-  order_.progress->bytes = there_;
+  const Duration time = loop_.clock().now() - *firstByte_;
+  const std::uint64_t bytes = order_.progress->bytes - bytesBefore_;
+  return time >= kLongEnoughToJudge &&
+         static_cast<double>(bytes) < kQuick * std::chrono::duration<double>(time).count();
+}
+
+// Leaves a piece of the largest rest to its request, and all else to others.
+bool CDownloadAttempt::splitLargest() {
+  const auto largest = std::max_element(fetches_.begin(), fetches_.end(),
+                                        [this](const auto& left, const auto& right) {
+                                          return restOf(*left).length() < restOf(*right).length();
+                                        });
+  const ByteSpan rest = restOf(**largest);
+  if (!size_ || rest.length() < 2 * pieceSize()) {
+    return false;
+  }
+  const std::uint64_t stop = rest.begin + pieceSize();
+  (*largest)->stopAt(stop);
+  addSpan(missing_, {stop, rest.end});
+  return true;
+}
+
+ByteSpan CDownloadAttempt::restOf(const CRangeFetch& fetch) const {
+  const ByteSpan rest = fetch.rest();
+  return {rest.begin, std::max(rest.begin, std::min(rest.end, size_.value_or(kNoEnd)))};
+}
+
+void CDownloadAttempt::giveBack(const CRangeFetch& fetch) {
+  addSpan(missing_, restOf(fetch));
+}
+
+std::unique_ptr<CRangeFetch> CDownloadAttempt::takeOut(CRangeFetch& fetch) {
+  const auto found = std::find_if(fetches_.begin(), fetches_.end(),
+                                  [&](const auto& one) { return one.get() == &fetch; });
+  std::unique_ptr<CRangeFetch> taken = std::move(*found);
+  fetches_.erase(found);
+  return taken;
+}
+
+bool CDownloadAttempt::onHead(CRangeFetch& fetch, const FetchPlan& plan) {
+  if (plan.kind != FetchPlan::Kind::kBody) {
+    return false;
+  }
+  const std::uint64_t expected = order_.spec.size;
+  if (expected != 0 && plan.size && *plan.size != expected) {
+    refusal_ = AttemptOutcome::retry("the server has " + text(*plan.size) + " bytes instead of " +
+                                     text(expected));
+    return false;
+  }
+  offersRanges_ = plan.offersRanges;
+  refusesRanges_ = refusesRanges_ || (fetch.ask().ranged && !plan.partial);
+  if (!plan.partial && fetches_.size() > 1) {
+    return false;  // the others are of another version, or the last to be had
+  }
+  if (!plan.partial || !begun_) {
+    if (plan.partial && !plan.offersRanges) {
+      return false;
+    }
+    beginVersion(plan);
+    missing_ = plan.partial ? missingSpans({restOf(fetch)}, size_.value_or(kNoEnd)) : ByteSpans();
+  } else {
+    noteSize(plan);
+  }
   if (size_) {
     order_.progress->size = *size_;
   }
-  const std::uint64_t most = order_.spec.size != 0 ? order_.spec.size : kNoEnd;
-  return ByteSpan{plan_->begin, plan_->end.value_or(most)};
+  if (!firstByte_) {
+    firstByte_ = loop_.clock().now();
+    bytesBefore_ = order_.progress->bytes;
+  }
+  return true;
 }
 
-void CDownloadAttempt::onFetched(const HttpAnswer& answer) {
-  if (answer.code == CURLE_OK && isRedirect(answer.status) && followRedirect(answer)) {
-    return;
+// Its first bytes come now.
+void CDownloadAttempt::beginVersion(const FetchPlan& plan) {
+  if (begun_) {
+    log_.information("Starting over with " + loggableUrl(order_.spec.url) +
+                     ": the server sends all of it, or another version");
   }
-  if (!plan_ && answer.status != 0) {
-    onHead(answer);  // there was no body
+  begun_ = true;
+  validator_ = plan.validator;
+  size_.reset();
+  noteSize(plan);
+  writer_->restart(validator_, size_.value_or(DownloadResume::kUnknown));
+  order_.progress->bytes = 0;
+  firstByte_.reset();
+}
+
+void CDownloadAttempt::noteSize(const FetchPlan& plan) {
+  if (plan.size) {
+    size_ = plan.size;
+  } else if (plan.partial && order_.spec.size != 0) {
+    size_ = order_.spec.size;
   }
+}
+
+void CDownloadAttempt::onFetched(CRangeFetch& fetch, const HttpAnswer& answer) {
   if (refusal_) {
     finish(*refusal_);
     return;
   }
-  switch (plan_ ? plan_->kind : FetchPlan::Kind::kOther) {
+  switch (fetch.plan() ? fetch.plan()->kind : FetchPlan::Kind::kOther) {
     case FetchPlan::Kind::kBody:
-      judgeBody(answer);
+      judgeBody(fetch, answer);
       return;
     case FetchPlan::Kind::kComplete:
-      judgeComplete();
+      judgeComplete(fetch);
       return;
     case FetchPlan::Kind::kStartOver:
-      startOver();
+      startOver(fetch.plan()->reason);
       return;
     case FetchPlan::Kind::kOther:
-      finish(answer.code != CURLE_OK ? judgeTransport(answer)
-                                     : judgeRefusal(answer, loop_.clock().secondsSince1970()));
+      judgeFailed(fetch, answer.code != CURLE_OK
+                             ? judgeTransport(answer)
+                             : judgeRefusal(answer, loop_.clock().secondsSince1970()));
       return;
   }
-}
-
-bool CDownloadAttempt::followRedirect(const HttpAnswer& answer) {
-  const auto target = redirectTarget(url_, answer);
-  if (!target || redirects_ == kMostRedirects) {
-    return false;
-  }
-  ++redirects_;
-  log_.information("Redirected from " + loggableUrl(url_) + " to " + loggableUrl(*target));
-  url_ = *target;
-  send();
-  return true;
 }
 
 // Asks for the whole, without a condition that the server could get wrong again.
-void CDownloadAttempt::startOver() {
-  const std::string reason = plan_->reason;
+void CDownloadAttempt::startOver(std::string reason) {
   if (startedOver_) {
-    finish(AttemptOutcome::retry(reason));
+    finish(AttemptOutcome::retry(std::move(reason)));
     return;
   }
   startedOver_ = true;
-  log_.warning("Starting over with " + loggableUrl(url_) + ": " + reason);
-  there_ = 0;
-  size_.reset();
-  validator_.clear();
-  fetch();
+  log_.warning("Starting over with " + loggableUrl(order_.spec.url) + ": " + reason);
+  fetches_.clear();
+  forgetVersion();
+  offersRanges_ = false;
+  fetchNext();
+}
+
+// One of several leaves its part to the others, which may well be what the server wants.
+void CDownloadAttempt::judgeFailed(CRangeFetch& fetch, const AttemptOutcome& outcome) {
+  if (fetches_.size() == 1) {
+    finish(outcome);
+    return;
+  }
+  log_.information("One of " + text(fetches_.size()) + " requests for " +
+                   loggableUrl(order_.spec.url) +
+                   " failed, the others fetch its part: " + outcome.reason);
+  giveBack(fetch);
+  takeOut(fetch);
+  mostFetches_ = fetches_.size();
 }
 
 // The server has nothing beyond what is there.
-void CDownloadAttempt::judgeComplete() {
-  if (order_.spec.size != 0 && there_ != order_.spec.size) {
-    finish(AttemptOutcome::retry("the server has " + text(there_) + " bytes instead of " +
+void CDownloadAttempt::judgeComplete(CRangeFetch& fetch) {
+  const std::uint64_t there = fetch.ask().begin;
+  if (order_.spec.size != 0 && there != order_.spec.size) {
+    finish(AttemptOutcome::retry("the server has " + text(there) + " bytes instead of " +
                                  text(order_.spec.size)));
     return;
   }
-  arrive(there_);
+  arrive(there);
 }
 
-void CDownloadAttempt::judgeBody(const HttpAnswer& answer) {
-  const std::uint64_t arrived = fetch_->position().value_or(plan_->begin);
-  if (fetch_->tooLong()) {
+void CDownloadAttempt::judgeBody(CRangeFetch& fetch, const HttpAnswer& answer) {
+  if (!fetch.wanted()) {
+    startOver("the server sends all of it, or another version");
+    return;
+  }
+  const std::uint64_t arrived = fetch.rest().begin;
+  if (fetch.tooLong()) {
     finish(AttemptOutcome::retry("the server sent more than the " + text(arrived) +
                                  " bytes that it should"));
     return;
   }
-  if (answer.code != CURLE_OK) {
-    finish(judgeTransport(answer));
+  if (answer.code != CURLE_OK && !fetch.stopped()) {
+    judgeFailed(fetch, judgeTransport(answer));
     return;
   }
+  // A server may send less of a range than it was asked for, and need not say how much there is.
+  const bool mayBeMore = fetch.stopped() || (fetch.plan()->partial && arrived > fetch.ask().begin);
   const std::uint64_t expected = order_.spec.size;
   const auto size = size_ ? size_ : (expected != 0 ? std::optional(expected) : std::nullopt);
-  // A server may send less of a range than it was asked for, and need not say how much there is.
-  const bool mayBeMore = !size || arrived < *size;
-  if (mayBeMore && plan_->partial && arrived > ask_.begin) {
-    fetch_->flush();
-    there_ = arrived;
-    fetch();
-    return;
-  }
-  if (size && arrived < *size) {
+  if (!mayBeMore && size && arrived < *size) {
     finish(AttemptOutcome::retry("the answer ended after " + text(arrived) + " of " + text(*size) +
                                  " bytes"));
     return;
   }
-  fetch_->add();
-  arrive(arrived);
+  goOnAfter(takeOut(fetch), mayBeMore);
+}
+
+void CDownloadAttempt::goOnAfter(std::unique_ptr<CRangeFetch> fetch, bool mayBeMore) {
+  if (!mayBeMore) {
+    fetch->add();
+    arrive(fetch->rest().begin);
+    return;
+  }
+  giveBack(*fetch);
+  mostFetches_ = std::min(mostFetches_ + 1, kMostFetches);
+  if (missing_.empty() && fetches_.empty()) {
+    fetch->add();
+    arrive(*size_);
+    return;
+  }
+  fetch.reset();
+  // Under a limit one request does as much as several.
+  const bool enough = loop_.throttle().limited() && !fetches_.empty();
+  if (!missing_.empty() && !enough && fetchNext()) {
+    widen();
+  }
 }
 
 void CDownloadAttempt::arrive(std::uint64_t size) {
-  fetch_.reset();
+  fetches_.clear();
   order_.progress->size = size;
   order_.progress->bytes = size;
   listener_.onArrived(order_.job, size);
@@ -276,7 +412,7 @@ void CDownloadAttempt::arrive(std::uint64_t size) {
 
 // Reports once what has come is written, so that the next attempt finds it.
 void CDownloadAttempt::finish(AttemptOutcome outcome) {
-  fetch_.reset();
+  fetches_.clear();
   if (writer_->idle()) {
     report(std::move(outcome));
   } else {
@@ -295,9 +431,10 @@ void CDownloadAttempt::report(AttemptOutcome outcome) {
 }
 
 void CDownloadAttempt::onWriterReady() {
-  if (fetch_) {
-    fetch_->resume();
+  for (const auto& fetch : fetches_) {
+    fetch->resume();
   }
+  widen();
 }
 
 void CDownloadAttempt::onWriterIdle() {
@@ -307,7 +444,7 @@ void CDownloadAttempt::onWriterIdle() {
 }
 
 void CDownloadAttempt::onWriterFailed(const AttemptOutcome& outcome) {
-  fetch_.reset();
+  fetches_.clear();
   report(outcome);
 }
 

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <functional>
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "download/answer_plan.h"
 #include "download/partial_writer.h"
@@ -17,19 +18,27 @@ namespace zt_transfers {
 //
 //   reopening ──► fetching ──► arrived
 //   (if there is  ▲      │
-//    a rest)      └──────┘ redirect, start over, another range
+//    a rest)      └──────┘ start over, another range
+//
+// A large file from a server that does ranges is fetched in pieces, in their order, and by several
+// requests at a time where there is room for them and one alone is slow. Whatever one of them does
+// not bring is fetched by another.
 //
 // Destruction ends it without an answer; what has come stays in the partial file.
 //
 // Thread: the loop's. The listener's calls may destroy the attempt.
 class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFetch::IListener {
  public:
+  static constexpr std::size_t kMostFetches = 4;
+
   class IListener {
    public:
     virtual void onCheckpoint(JobId job) = 0;
     // All bytes were received: the writer has them and is nobody's from now on.
     virtual void onArrived(JobId job, std::uint64_t size) = 0;
     virtual void onEnded(JobId job, const AttemptOutcome& outcome) = 0;
+    // Whether there is room for one more request, beside those of all attempts.
+    virtual bool hasRoom() const = 0;
 
    protected:
     ~IListener() = default;
@@ -44,25 +53,45 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   // May end the attempt at once.
   void begin();
 
+  // Requests under way, at least one.
+  std::size_t width() const { return std::max<std::size_t>(fetches_.size(), 1); }
+  // Gives up one of several requests, for another file.
+  void narrow();
+
   const std::shared_ptr<CPartialWriter>& writer() const { return writer_; }
   const std::shared_ptr<JobProgress>& progress() const { return order_.progress; }
   void discard();
 
  private:
-  void fetch();
-  void send();
+  using Fetches = std::vector<std::unique_ptr<CRangeFetch>>;
+
+  void takeUp(const DownloadResume& resume, const ByteSpans& there);
+  bool fetchNext();
+  FetchAsk nextAsk();
   HttpRequest request() const;
-  bool followRedirect(const HttpAnswer& answer);
-  std::optional<ByteSpan> beginContent();
-  void startOver();
-  void judgeComplete();
-  void judgeBody(const HttpAnswer& answer);
+  bool takesPieces() const;
+  std::uint64_t pieceSize() const;
+  void beginVersion(const FetchPlan& plan);
+  void noteSize(const FetchPlan& plan);
+  void widen();
+  bool worthMore() const;
+  bool splitLargest();
+
+  ByteSpan restOf(const CRangeFetch& fetch) const;
+  void giveBack(const CRangeFetch& fetch);
+  std::unique_ptr<CRangeFetch> takeOut(CRangeFetch& fetch);
+  void startOver(std::string reason);
+  void forgetVersion();
+  void judgeFailed(CRangeFetch& fetch, const AttemptOutcome& outcome);
+  void judgeComplete(CRangeFetch& fetch);
+  void judgeBody(CRangeFetch& fetch, const HttpAnswer& answer);
+  void goOnAfter(std::unique_ptr<CRangeFetch> fetch, bool mayBeMore);
   void arrive(std::uint64_t size);
   void finish(AttemptOutcome outcome);
   void report(AttemptOutcome outcome);
 
-  std::optional<ByteSpan> onHead(const HttpAnswer& head) override;
-  void onFetched(const HttpAnswer& answer) override;
+  bool onHead(CRangeFetch& fetch, const FetchPlan& plan) override;
+  void onFetched(CRangeFetch& fetch, const HttpAnswer& answer) override;
   void onReopened(CPartialFile::Found found, const DownloadResume& resume) override;
   void onWriterReady() override;
   void onWriterIdle() override;
@@ -76,16 +105,20 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   IListener& listener_;
 
   std::shared_ptr<CPartialWriter> writer_;
-  std::unique_ptr<CRangeFetch> fetch_;
-  std::string url_;  // where it is asked for now; changes with a redirect
-  int redirects_ = 0;
+  Fetches fetches_;
+  std::size_t mostFetches_ = kMostFetches;  // less after some have failed
   bool startedOver_ = false;
 
-  std::uint64_t there_ = 0;            // bytes from the beginning that need not be fetched
-  std::string validator_;              // of the version they are of
-  std::optional<std::uint64_t> size_;  // of that version
-  FetchAsk ask_;
-  std::optional<FetchPlan> plan_;          // once the answer's head is there
+  // Of the version of which there are bytes; without any, none has been begun.
+  bool begun_ = false;
+  std::string validator_;
+  std::optional<std::uint64_t> size_;
+  bool offersRanges_ = true;  // until the server shows otherwise
+  bool refusesRanges_ = false;
+  ByteSpans missing_;  // and asked for by no fetch
+
+  std::optional<TimePoint> firstByte_;     // of this attempt
+  std::uint64_t bytesBefore_ = 0;          // that were there by then
   std::optional<AttemptOutcome> refusal_;  // of an answer whose head is not what it should be
   std::optional<AttemptOutcome> ending_;   // to be reported once everything is written
 };

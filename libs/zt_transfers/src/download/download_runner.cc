@@ -1,5 +1,6 @@
 #include "download/download_runner.h"
 
+#include <algorithm>
 #include <exception>
 #include <utility>
 
@@ -9,11 +10,35 @@ namespace zt_transfers {
 
 bool CDownloadRunner::start(StartOrder order) {
   const JobId job = order.job;
+  mostAtOnce_ = order.mostAtOnce;
   auto attempt = std::make_unique<CDownloadAttempt>(loop_, pool_, log_, std::move(order), *this);
   CDownloadAttempt& begun = *attempt;
   attempts_.emplace(job, std::move(attempt));
   begun.begin();
+  makeRoom();
   return attempts_.count(job) != 0;
+}
+
+std::size_t CDownloadRunner::requests() const {
+  std::size_t count = 0;
+  for (const auto& [job, attempt] : attempts_) {
+    count += attempt->width();
+  }
+  return count;
+}
+
+// A file that waits is worth more than one more request for a file that is under way.
+void CDownloadRunner::makeRoom() {
+  while (requests() > mostAtOnce_) {
+    const auto widest = std::max_element(attempts_.begin(), attempts_.end(),
+                                         [](const auto& left, const auto& right) {
+                                           return left.second->width() < right.second->width();
+                                         });
+    if (widest->second->width() == 1) {
+      return;
+    }
+    widest->second->narrow();
+  }
 }
 
 void CDownloadRunner::stop(JobId job, bool discard) {
@@ -78,7 +103,6 @@ void CDownloadRunner::onArrived(JobId job, std::uint64_t size) {
   const std::shared_ptr<CPartialWriter> writer = found->second->writer();
   const std::shared_ptr<JobProgress> progress = found->second->progress();
   landing_.emplace(job, Rest{writer->file(), progress});
-  attempts_.erase(found);
   const auto done = [this, job](const AttemptOutcome& outcome) { landed(job, outcome); };
   writer->finish([this, job, size, progress, done](const std::shared_ptr<CPartialFile>& file,
                                                    const std::optional<AttemptOutcome>& trouble) {
@@ -99,6 +123,7 @@ void CDownloadRunner::onArrived(JobId job, std::uint64_t size) {
     }
     lander_.land({job, file, progress, done});
   });
+  attempts_.erase(found);
 }
 
 void CDownloadRunner::onEnded(JobId job, const AttemptOutcome& outcome) {

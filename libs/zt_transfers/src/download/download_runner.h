@@ -37,6 +37,9 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
   void onCheckpoint(JobId job) override { observer_.onAttemptCheckpoint(job); }
   void onArrived(JobId job, std::uint64_t size) override;
   void onEnded(JobId job, const AttemptOutcome& outcome) override;
+  bool hasRoom() const override { return requests() < mostAtOnce_; }
+  std::size_t requests() const;
+  void makeRoom();
   void release(std::unique_ptr<CDownloadAttempt> attempt);
   void landed(JobId job, const AttemptOutcome& outcome);
 
@@ -45,6 +48,7 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
   ILog& log_;
   IAttemptObserver& observer_;
   CLander lander_;
+  std::size_t mostAtOnce_ = 1;  // requests of all attempts
   std::unordered_map<JobId, std::unique_ptr<CDownloadAttempt>> attempts_;
   // Those that need the network no more.
   std::unordered_map<JobId, Rest> landing_;

@@ -9,7 +9,6 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <memory>
 #include <system_error>
 #include <thread>
 
@@ -25,7 +24,6 @@ constexpr mode_t kAllThatTheUmaskLeaves = 0666;
 constexpr int kOpenPartial = O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
 constexpr int kMostNames = 16;
 constexpr unsigned kMostCounted = 10'000;
-constexpr std::size_t kReadBack = std::size_t{256} * 1024;
 constexpr std::uint64_t kReserveFrom = 1024 * 1024;  // smaller files are written at once
 
 [[noreturn]] void fail(const std::string& what) {
@@ -66,6 +64,23 @@ void syncData(int file) {
   if (failed != 0) {
     fail("cannot write the file to disk");
   }
+}
+
+// Has the disk begin with what is complete of it, so that a sync finds little left to do.
+void beginWriteback(int file, std::uint64_t begin, std::uint64_t end) {
+#if defined(__linux__)
+  constexpr std::uint64_t kWindow = 8ULL * 1024 * 1024;
+  const std::uint64_t from = begin / kWindow * kWindow;
+  const std::uint64_t to = end / kWindow * kWindow;
+  if (from < to) {
+    ::sync_file_range(file, static_cast<off_t>(from), static_cast<off_t>(to - from),
+                      SYNC_FILE_RANGE_WRITE);
+  }
+#else
+  static_cast<void>(file);
+  static_cast<void>(begin);
+  static_cast<void>(end);
+#endif
 }
 
 std::string parentOf(const std::string& path) {
@@ -126,7 +141,6 @@ CPartialFile::Found CPartialFile::reopen(const DownloadResume& resume) {
     addSpan(resume_.written, {std::min(span.begin, there), std::min(span.end, there)});
   }
   resume_.durable = resume.durable;
-  hashWritten();
   return Found::kPartial;
 }
 
@@ -180,8 +194,7 @@ void CPartialFile::restart(const std::string& validator, std::uint64_t size) {
   resume_.size = size;
   resume_.written.clear();
   resume_.durable.clear();
-  hashed_ = 0;
-  md5_.reset();
+  hash_.reset();
   if (file_.valid()) {
     if (::ftruncate(file_.get(), 0) != 0) {
       fail("cannot empty the partial file");
@@ -200,55 +213,46 @@ void CPartialFile::write(std::uint64_t offset, const char* data, std::size_t siz
       continue;
     }
     if (put <= 0) {
-      addSpan(resume_.written, {offset, offset + done});
+      noteWritten({offset, offset + done});
       fail("cannot write to the file");
     }
     done += static_cast<std::size_t>(put);
   }
-  addSpan(resume_.written, {offset, offset + size});
-  if (!plan_.md5.empty() && offset == hashed_) {
-    if (!md5_) {
-      md5_.emplace();
-    }
-    md5_->add(data, size);
-    hashed_ += size;
-    hashWritten();
-  }
+  noteWritten({offset, offset + size});
+  beginWriteback(file_.get(), offset, offset + size);
 }
 
-// Hashes what is there without a gap and was not hashed as it came; it is still in memory.
-void CPartialFile::hashWritten() {
-  if (plan_.md5.empty() || resume_.written.empty() || resume_.written.front().begin != 0) {
-    return;
+void CPartialFile::noteWritten(ByteSpan span) {
+  const std::lock_guard lock(mutex_);
+  addSpan(resume_.written, span);
+}
+
+void CPartialFile::noteSynced() {
+  const std::lock_guard lock(mutex_);
+  resume_.durable = resume_.written;
+}
+
+DownloadResume CPartialFile::resume() const {
+  const std::lock_guard lock(mutex_);
+  return resume_;
+}
+
+CContentHash& CPartialFile::openHash() {
+  if (!hash_) {
+    hash_.emplace();
   }
-  if (!md5_) {
-    md5_.emplace();
-  }
-  const std::uint64_t end = resume_.written.front().end;
-  std::unique_ptr<char[]> buffer;
-  while (hashed_ < end) {
-    if (!buffer) {
-      buffer.reset(new char[kReadBack]);
-    }
-    const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(kReadBack, end - hashed_));
-    const ssize_t got = ::pread(file_.get(), buffer.get(), wanted, static_cast<off_t>(hashed_));
-    if (got < 0 && errno == EINTR) {
-      continue;
-    }
-    if (got <= 0) {
-      errno = got == 0 ? EIO : errno;
-      fail("cannot read back the partial file");
-    }
-    md5_->add(buffer.get(), static_cast<std::size_t>(got));
-    hashed_ += static_cast<std::size_t>(got);
-  }
+  return *hash_;
 }
 
 void CPartialFile::checkpoint() {
-  if (file_.valid()) {
-    syncData(file_.get());
-    resume_.durable = resume_.written;
+  if (!file_.valid()) {
+    return;
   }
+  // What is written while it syncs may or may not get there.
+  ByteSpans written = resume().written;
+  syncData(file_.get());
+  const std::lock_guard lock(mutex_);
+  resume_.durable = std::move(written);
 }
 
 std::optional<std::string> CPartialFile::verify(std::uint64_t size) {
@@ -259,13 +263,12 @@ std::optional<std::string> CPartialFile::verify(std::uint64_t size) {
     return "the partial file has " + std::to_string(there) + " bytes instead of " +
            std::to_string(size);
   }
-  if (plan_.md5.empty()) {
+  if (!hashes()) {
     return std::nullopt;
   }
-  hashWritten();
-  const std::string digest = md5_ ? md5_->finish() : CMd5().finish();
-  md5_.reset();
-  hashed_ = 0;
+  hashWritten(size);
+  const std::string digest = hash_->finish();
+  hash_.reset();
   if (digest != plan_.md5) {
     return "its content has the MD5 digest " + digest + " instead of " + plan_.md5;
   }

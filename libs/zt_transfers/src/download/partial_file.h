@@ -4,13 +4,14 @@
 
 #include <atomic>
 #include <cstdint>
+#include <mutex>
 #include <optional>
 #include <string>
 
+#include "download/content_hash.h"
 #include "download/target_folder.h"
 #include "download/target_path.h"
 #include "engine/download_resume.h"
-#include "hash/md5.h"
 #include "os/unique_fd.h"
 
 namespace zt_transfers {
@@ -18,7 +19,8 @@ namespace zt_transfers {
 // The hidden file beside its final place into which a download arrives. What is in it is kept
 // when the object goes, unless it was told to be discarded.
 //
-// Thread: one at a time; calls block, and throw std::system_error. `discard` from any thread.
+// Thread: one at a time; calls block, and throw std::system_error. Once it is open, beside one
+// that writes one may hash and one make a checkpoint. `discard` and `resume` from any thread.
 class CPartialFile {
  public:
   struct Plan {
@@ -50,6 +52,13 @@ class CPartialFile {
   // Forgets all content; the version that comes now has this validator and size.
   void restart(const std::string& validator, std::uint64_t size);
 
+  // Takes written bytes into the digest, in their order: the ones at `hashed`, or those up to
+  // `end`, which are read back.
+  bool hashes() const { return !plan_.md5.empty(); }
+  std::uint64_t hashed() const { return hash_ ? hash_->position() : 0; }
+  void hash(const char* data, std::size_t size) { openHash().add(data, size); }
+  void hashWritten(std::uint64_t end) { openHash().readBack(file_.get(), end); }
+
   // Makes what is written durable.
   void checkpoint();
   // Nothing when the content is what it should be, else what is wrong.
@@ -57,7 +66,7 @@ class CPartialFile {
   // Sets its times; with `alone` it and new folders above it become durable.
   void settle(bool alone);
   // What is written is durable, whoever made it so.
-  void noteSynced() { resume_.durable = resume_.written; }
+  void noteSynced();
   // All of what has been written to its file system becomes durable; false, and only the file
   // does, where there is no such operation.
   bool syncFileSystem() const;
@@ -69,7 +78,7 @@ class CPartialFile {
   bool discarded() const { return discarded_; }
 
   bool open() const { return file_.valid(); }
-  const DownloadResume& resume() const { return resume_; }
+  DownloadResume resume() const;
   // Valid once they are open.
   bool sameFolder(const CPartialFile& other) const;
   bool sameFileSystem(const CPartialFile& other) const;
@@ -82,7 +91,8 @@ class CPartialFile {
   bool landedAlready(const DownloadResume& resume) const;
   void reserve(std::uint64_t size);
   void makeRoom(std::uint64_t size);
-  void hashWritten();
+  void noteWritten(ByteSpan span);
+  CContentHash& openHash();
   bool isOurs() const;
 
   const Plan plan_;
@@ -93,9 +103,10 @@ class CPartialFile {
   CUniqueFd file_;
   std::string name_;  // of the partial file; empty once it is published
   struct stat folderStatus_ {};
-  DownloadResume resume_;
-  std::optional<CMd5> md5_;
-  std::uint64_t hashed_ = 0;  // bytes from the beginning
+  std::optional<CContentHash> hash_;
+
+  mutable std::mutex mutex_;
+  DownloadResume resume_;  // its spans are guarded by mutex_ where several threads are at it
 };
 
 }  // namespace zt_transfers

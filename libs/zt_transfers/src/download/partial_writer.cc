@@ -14,6 +14,24 @@ constexpr std::uint64_t kCheckpointBytes = 64ULL * 1024 * 1024;
 constexpr std::uint64_t kCheckpointLeast = 1024 * 1024;
 constexpr std::chrono::seconds kCheckpointInterval{5};
 
+// At once, so that an end does not have to wait for it.
+constexpr std::uint64_t kMostReadBack = 16ULL * 1024 * 1024;
+
+std::uint64_t withoutGap(const DownloadResume& resume) {
+  const bool begun = !resume.written.empty() && resume.written.front().begin == 0;
+  return begun ? resume.written.front().end : 0;
+}
+
+template <typename Step>
+std::optional<AttemptOutcome> troubleOf(Step step) {
+  try {
+    step();
+    return std::nullopt;
+  } catch (const std::exception& error) {
+    return judgeFileTrouble(error);
+  }
+}
+
 }  // namespace
 
 CPartialWriter::CPartialWriter(CHttpLoop& loop, CWorkerPool& pool,
@@ -31,10 +49,12 @@ void CPartialWriter::reopen(const DownloadResume& resume) {
 }
 
 void CPartialWriter::restart(const std::string& validator, std::uint64_t size) {
-  for (const Chunk& chunk : batch_.chunks) {
-    queued_ -= chunk.size;
+  for (Chunk& chunk : std::exchange(batch_.chunks, {})) {
+    recycle(std::move(chunk));
   }
-  batch_.chunks.clear();
+  for (ToHash& piece : std::exchange(toHash_, {})) {
+    recycle(std::move(piece.chunk));
+  }
   batch_.restart = {validator, size};
 }
 
@@ -56,12 +76,15 @@ void CPartialWriter::write(Chunk chunk) {
 }
 
 void CPartialWriter::add(Chunk chunk) {
-  queued_ += chunk.size;
+  held_ += chunk.size;
   batch_.chunks.push_back(std::move(chunk));
 }
 
 void CPartialWriter::close() {
   listener_ = nullptr;
+  if (!batch_.last) {
+    toHash_.clear();  // who goes on with the file begins to hash anew
+  }
   post();
 }
 
@@ -72,98 +95,226 @@ void CPartialWriter::finish(Last last) {
 }
 
 void CPartialWriter::post() {
-  // A file that takes no more is only waited for to be told so.
-  if (working_ || batch_.empty() || (trouble_ && !batch_.last)) {
-    return;
+  if (mayWrite()) {
+    postWrite();
   }
-  working_ = true;
+  if (mayHash()) {
+    postHash();
+  }
+}
+
+bool CPartialWriter::mayWrite() const {
+  // A file that takes no more is only waited for to be told so.
+  if (writing_ || batch_.empty() || (trouble_ && !batch_.last)) {
+    return false;
+  }
+  return !batch_.alone() || (!hashing_ && !syncing_ && (toHash_.empty() || trouble_));
+}
+
+bool CPartialWriter::mayHash() const {
+  return !hashing_ && !toHash_.empty() && !trouble_ && !batch_.restart;
+}
+
+// Every job holds this writer, so that what was handed over gets written when nobody waits for it.
+void CPartialWriter::postWrite() {
+  writing_ = true;
   batch_.trouble = trouble_;
   auto batch = std::make_shared<Batch>(std::exchange(batch_, {}));
-  // The job holds this writer, so that what was handed over gets written when nobody waits for it.
+  if (batch->restart) {
+    lined_ = hashed_ = written_ = durable_ = 0;
+  }
   pool_.post([self = shared_from_this(), batch] {
-    auto result = std::make_shared<Result>(self->work(*batch));
-    self->loop_.post([self, result] { self->take(*result); });
+    auto written = std::make_shared<Written>(self->work(*batch));
+    self->loop_.post([self, written] { self->take(*written); });
   });
 }
 
-CPartialWriter::Result CPartialWriter::work(Batch& batch) {
-  Result result;
-  result.trouble = batch.trouble;
-  try {
-    if (!batch.trouble) {
-      carryOut(batch, result);
-    }
-  } catch (const std::exception& error) {
-    result.trouble = judgeFileTrouble(error);
-  }
-  result.resume = file_->resume();
-  progress_->setResume(result.resume);
-  if (batch.last) {
-    batch.last(file_, result.trouble);
-  }
-  result.spare = std::move(batch.chunks);
-  return result;
+void CPartialWriter::postHash() {
+  hashing_ = true;
+  auto job = std::make_shared<HashJob>(nextToHash());
+  hashed_ = job->back().end;
+  pool_.post([self = shared_from_this(), job] {
+    const auto trouble = self->hash(*job);
+    self->loop_.post([self, job, trouble] { self->takeHashed(*job, trouble); });
+  });
 }
 
-void CPartialWriter::carryOut(Batch& batch, Result& result) {
+// All that is in memory, or a piece of what is to be read back.
+CPartialWriter::HashJob CPartialWriter::nextToHash() {
+  HashJob job;
+  while (!toHash_.empty() && toHash_.front().inMemory()) {
+    job.push_back(std::move(toHash_.front()));
+    toHash_.pop_front();
+  }
+  if (job.empty()) {
+    ToHash& rest = toHash_.front();
+    job.push_back({{}, std::min(rest.end, hashed_ + kMostReadBack)});
+    if (job.back().end == rest.end) {
+      toHash_.pop_front();
+    }
+  }
+  return job;
+}
+
+void CPartialWriter::postSync() {
+  syncing_ = true;
+  durable_ = written_;
+  pool_.post([self = shared_from_this()] {
+    const auto trouble = troubleOf([&] { self->file_->checkpoint(); });
+    self->progress_->setResume(self->file_->resume());
+    self->loop_.post([self, trouble] { self->takeSynced(trouble); });
+  });
+}
+
+CPartialWriter::Written CPartialWriter::work(Batch& batch) {
+  Written written;
+  written.trouble = batch.trouble;
+  if (!written.trouble) {
+    written.trouble = troubleOf([&] { carryOut(batch, written); });
+  }
+  written.resume = file_->resume();
+  progress_->setResume(written.resume);
+  if (batch.last) {
+    batch.last(file_, written.trouble);
+  }
+  written.chunks = std::move(batch.chunks);
+  return written;
+}
+
+void CPartialWriter::carryOut(Batch& batch, Written& written) {
   const bool wasOpen = file_->open();
   if (batch.reopen) {
-    result.found = file_->reopen(*batch.reopen);
+    written.found = file_->reopen(*batch.reopen);
   }
   if (batch.restart) {
     file_->restart(batch.restart->validator, batch.restart->size);
-    durable_ = 0;
   }
   for (const Chunk& chunk : batch.chunks) {
     file_->write(chunk.offset, chunk.data.get(), chunk.size);
-  }
-  if (batch.last || !file_->open()) {
-    return;
-  }
-  // A new file is worth a note at once, so that it is found again.
-  result.checkpoint = !wasOpen;
-  if (checkpointDue()) {
-    file_->checkpoint();
-    durable_ = lengthOf(file_->resume().durable);
-    syncedAt_ = std::chrono::steady_clock::now();
-    result.checkpoint = true;
-  }
-}
-
-bool CPartialWriter::checkpointDue() const {
-  const std::uint64_t since = lengthOf(file_->resume().written) - durable_;
-  return since >= kCheckpointBytes ||
-         (since >= kCheckpointLeast &&
-          std::chrono::steady_clock::now() - syncedAt_ >= kCheckpointInterval);
-}
-
-void CPartialWriter::take(Result& result) {
-  working_ = false;
-  for (Chunk& chunk : result.spare) {
-    queued_ -= chunk.size;
-    chunk.size = 0;
-    if (chunk.capacity == kChunk && spare_.size() * kChunk < kMostQueued) {
-      spare_.push_back(std::move(chunk));
+    // Nobody hashes it later.
+    if (batch.last && file_->hashes() && file_->hashed() == chunk.offset) {
+      file_->hash(chunk.data.get(), chunk.size);
     }
   }
-  trouble_ = result.trouble;
-  post();
-  // The listener may go with any of these calls, and with it this writer's last owner but `self`.
-  if (listener_ != nullptr && result.checkpoint) {
-    listener_->onCheckpoint();
+  written.made = !wasOpen && file_->open();
+}
+
+std::optional<AttemptOutcome> CPartialWriter::hash(const HashJob& job) {
+  return troubleOf([&] {
+    for (const ToHash& piece : job) {
+      if (piece.inMemory()) {
+        file_->hash(piece.chunk.data.get(), piece.chunk.size);
+      } else {
+        file_->hashWritten(piece.end);
+      }
+    }
+  });
+}
+
+void CPartialWriter::take(Written& written) {
+  writing_ = false;
+  written_ = lengthOf(written.resume.written);
+  if (written.found) {
+    durable_ = lengthOf(written.resume.durable);
   }
-  if (listener_ != nullptr && result.trouble) {
-    listener_->onWriterFailed(*result.trouble);
+  line(written);
+  if (written.trouble) {
+    fail(*written.trouble);
     return;
   }
-  if (listener_ != nullptr && result.found) {
-    listener_->onReopened(*result.found, result.resume);
+  if (listener_ != nullptr && !syncing_ && !batch_.alone() && checkpointDue()) {
+    postSync();
+  }
+  post();
+  // The listener may go with any of these calls, and with it this writer's last owner but `self`.
+  // A new file is worth a note at once, so that it is found again.
+  if (listener_ != nullptr && written.made) {
+    listener_->onCheckpoint();
+  }
+  if (listener_ != nullptr && written.found) {
+    listener_->onReopened(*written.found, written.resume);
   }
   if (listener_ != nullptr && idle()) {
     listener_->onWriterIdle();
   }
   if (listener_ != nullptr && !full()) {
     listener_->onWriterReady();
+  }
+}
+
+// Puts what is written in the line for the hash: from memory what follows at once, all else to be
+// read back, and nothing from memory behind that, or the memory would wait for it.
+void CPartialWriter::line(Written& written) {
+  const bool hashes = file_->hashes() && (listener_ != nullptr || batch_.last) && !batch_.restart;
+  for (Chunk& chunk : written.chunks) {
+    const bool readsBack = !toHash_.empty() && !toHash_.back().inMemory();
+    if (hashes && chunk.offset == lined_ && !readsBack) {
+      lined_ = chunk.end();
+      toHash_.push_back({std::move(chunk), lined_});
+    } else {
+      recycle(std::move(chunk));
+    }
+  }
+  const std::uint64_t end = withoutGap(written.resume);
+  if (hashes && end > lined_) {
+    lined_ = end;
+    if (!toHash_.empty() && !toHash_.back().inMemory()) {
+      toHash_.back().end = end;
+    } else {
+      toHash_.push_back({{}, end});
+    }
+  }
+}
+
+void CPartialWriter::takeHashed(HashJob& job, const std::optional<AttemptOutcome>& trouble) {
+  hashing_ = false;
+  for (ToHash& piece : job) {
+    recycle(std::move(piece.chunk));
+  }
+  if (trouble) {
+    fail(*trouble);
+    return;
+  }
+  post();
+  if (listener_ != nullptr && !full()) {
+    listener_->onWriterReady();
+  }
+}
+
+void CPartialWriter::takeSynced(const std::optional<AttemptOutcome>& trouble) {
+  syncing_ = false;
+  syncedAt_ = std::chrono::steady_clock::now();
+  if (trouble) {
+    fail(*trouble);
+    return;
+  }
+  post();
+  if (listener_ != nullptr) {
+    listener_->onCheckpoint();
+  }
+}
+
+void CPartialWriter::fail(const AttemptOutcome& trouble) {
+  trouble_ = trouble;
+  toHash_.clear();
+  post();
+  if (listener_ != nullptr) {
+    listener_->onWriterFailed(trouble);
+  }
+}
+
+bool CPartialWriter::checkpointDue() const {
+  const std::uint64_t since = written_ - std::min(written_, durable_);
+  return since >= kCheckpointBytes ||
+         (since >= kCheckpointLeast &&
+          std::chrono::steady_clock::now() - syncedAt_ >= kCheckpointInterval);
+}
+
+void CPartialWriter::recycle(Chunk chunk) {
+  held_ -= chunk.size;
+  chunk.size = 0;
+  if (chunk.capacity == kChunk && spare_.size() * kChunk < kMostHeld) {
+    spare_.push_back(std::move(chunk));
   }
 }
 

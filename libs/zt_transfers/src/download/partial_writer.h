@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -15,8 +16,13 @@
 
 namespace zt_transfers {
 
-// The way of received bytes into a partial file: the network thread hands them over, the pool
-// writes and hashes them, one job at a time. Who is too quick for the disk is held back.
+// The way of received bytes into a partial file: the network thread hands them over in any order,
+// the pool writes them, and beside that hashes them in the file's order and syncs them now and
+// then. Who is too quick for the disk is held back, and so is who is too quick for the hash as
+// long as the bytes come in order; those that come out of order are read back later.
+//
+//   handed over ──► written ──► hashed (from memory)
+//                      └──────► hashed (read back)
 //
 // Thread: the loop's, on which the listener is called, too. After close() no call follows; what
 // was handed over is written nevertheless.
@@ -29,11 +35,13 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
     std::size_t capacity = 0;
     std::size_t size = 0;
     std::uint64_t offset = 0;
+
+    std::uint64_t end() const { return offset + size; }
   };
   class IListener {
    public:
     virtual void onReopened(CPartialFile::Found found, const DownloadResume& resume) = 0;
-    // Not full any more.
+    // Some of what was handed over is written, and it is not full.
     virtual void onWriterReady() = 0;
     // Everything handed over is written.
     virtual void onWriterIdle() = 0;
@@ -44,7 +52,8 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
    protected:
     ~IListener() = default;
   };
-  // Called on the pool once everything is written, instead of the listener; with what went wrong.
+  // Called on the pool once everything is written and hashed, instead of the listener; with what
+  // went wrong.
   using Last = std::function<void(const std::shared_ptr<CPartialFile>& file,
                                   const std::optional<AttemptOutcome>& trouble)>;
 
@@ -63,15 +72,15 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   void write(Chunk chunk);
   // The same without hurry: something else follows at once.
   void add(Chunk chunk);
-  bool full() const { return queued_ >= kMostQueued; }
-  bool idle() const { return !working_ && batch_.empty(); }
+  bool full() const { return held_ >= kMostHeld; }
+  bool idle() const { return !writing_ && batch_.empty(); }
   // Nothing may follow. Closes.
   void finish(Last last);
 
  private:
-  static constexpr std::size_t kMostQueued = 4 * kChunk;  // bytes handed over and not written
+  static constexpr std::size_t kMostHeld = 8 * kChunk;  // bytes handed over and not done with
 
-  // What the next job does, in this order.
+  // What the next job that writes does, in this order.
   struct Batch {
     std::optional<DownloadResume> reopen;
     struct Restart {
@@ -84,35 +93,65 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
     std::optional<AttemptOutcome> trouble;  // of a job before: only `last` is to be called
 
     bool empty() const { return !reopen && !restart && chunks.empty() && !last; }
+    // Nothing else may be done to the file meanwhile.
+    bool alone() const { return reopen || restart || last; }
   };
-  struct Result {
+  struct Written {
     std::optional<CPartialFile::Found> found;
     DownloadResume resume;
-    bool checkpoint = false;
+    bool made = false;  // the file is new
     std::optional<AttemptOutcome> trouble;
-    std::vector<Chunk> spare;
+    std::vector<Chunk> chunks;
   };
+  // Bytes up to `end` that follow those hashed before; without a chunk they are read back.
+  struct ToHash {
+    Chunk chunk;
+    std::uint64_t end = 0;
+
+    bool inMemory() const { return chunk.data != nullptr; }
+  };
+  using HashJob = std::vector<ToHash>;
 
   void post();
-  Result work(Batch& batch);
-  void carryOut(Batch& batch, Result& result);
+  bool mayWrite() const;
+  bool mayHash() const;
+  void postWrite();
+  void postHash();
+  void postSync();
+
+  Written work(Batch& batch);
+  void carryOut(Batch& batch, Written& written);
+  std::optional<AttemptOutcome> hash(const HashJob& job);
+
+  void take(Written& written);
+  void takeHashed(HashJob& job, const std::optional<AttemptOutcome>& trouble);
+  void takeSynced(const std::optional<AttemptOutcome>& trouble);
+  void line(Written& written);
+  HashJob nextToHash();
   bool checkpointDue() const;
-  void take(Result& result);
+  void recycle(Chunk chunk);
+  void fail(const AttemptOutcome& trouble);
 
   CHttpLoop& loop_;
   CWorkerPool& pool_;
-  const std::shared_ptr<CPartialFile> file_;  // used by one pool job at a time
+  const std::shared_ptr<CPartialFile> file_;  // used by one job of each kind at a time
   const std::shared_ptr<JobProgress> progress_;
   IListener* listener_;
 
   Batch batch_;
-  std::size_t queued_ = 0;
-  bool working_ = false;
+  std::size_t held_ = 0;
+  bool writing_ = false;
   std::optional<AttemptOutcome> trouble_;
   std::vector<Chunk> spare_;
 
-  // The pool job's.
-  std::uint64_t durable_ = 0;
+  std::deque<ToHash> toHash_;
+  std::uint64_t lined_ = 0;   // up to here it is hashed, or stands in the line for it
+  std::uint64_t hashed_ = 0;  // up to here it is hashed, or a job is at it
+  bool hashing_ = false;
+
+  bool syncing_ = false;
+  std::uint64_t written_ = 0;  // bytes in the file, of this version
+  std::uint64_t durable_ = 0;  // those of them that were synced
   std::chrono::steady_clock::time_point syncedAt_ = std::chrono::steady_clock::now();
 };
 

@@ -4,20 +4,39 @@
 #include <cstring>
 #include <utility>
 
+#include "http/redirect.h"
+#include "text/url_parts.h"
+
 namespace zt_transfers {
 namespace {
+
+constexpr int kMostRedirects = 5;
 
 // What a pause or a broken connection may cost on a slow line.
 constexpr std::chrono::milliseconds kLongestInChunk{500};
 
+std::string rangeText(const FetchAsk& ask) {
+  // The header names the last byte.
+  const std::string last = ask.end ? std::to_string(*ask.end - 1) : "";
+  return "bytes=" + std::to_string(ask.begin) + "-" + last;
+}
+
 }  // namespace
 
-CRangeFetch::CRangeFetch(CHttpLoop& loop, const HttpRequest& request, CPartialWriter& writer,
-                         JobProgress& progress, IListener& listener)
-    : loop_(loop), writer_(writer), progress_(progress), listener_(listener) {
-  exchange_ = std::make_unique<CHttpExchange>(
-      loop, request, static_cast<IHttpSink&>(*this),
-      [this](const HttpAnswer& answer) { listener_.onFetched(answer); });
+CRangeFetch::CRangeFetch(const Surroundings& surroundings, HttpRequest request, FetchAsk ask,
+                         std::uint64_t most)
+    : loop_(surroundings.loop),
+      log_(surroundings.log),
+      writer_(surroundings.writer),
+      progress_(surroundings.progress),
+      listener_(surroundings.listener),
+      request_(std::move(request)),
+      ask_(std::move(ask)),
+      most_(most),
+      url_(request_.url),
+      position_(ask_.begin),
+      stop_(ask_.end.value_or(kNoEnd)) {
+  send();
   loop_.throttle().enter(*this);
 }
 
@@ -25,6 +44,45 @@ CRangeFetch::~CRangeFetch() {
   exchange_.reset();
   loop_.throttle().leave(*this);
   flush();
+}
+
+void CRangeFetch::send() {
+  HttpRequest request = request_;
+  request.url = url_;
+  if (ask_.ranged) {
+    request.headers.emplace_back("Range", rangeText(ask_));
+    if (!ask_.validator.empty()) {
+      request.headers.emplace_back("If-Range", ask_.validator);
+    }
+  }
+  exchange_.reset();
+  exchange_ =
+      std::make_unique<CHttpExchange>(loop_, request, static_cast<IHttpSink&>(*this),
+                                      [this](const HttpAnswer& answer) { judgeEnd(answer); });
+}
+
+void CRangeFetch::judgeEnd(const HttpAnswer& answer) {
+  if (answer.code == CURLE_OK && isRedirect(answer.status) && followRedirect(answer)) {
+    return;
+  }
+  if (!plan_ && answer.status != 0) {
+    begin(answer);  // there was no body
+  }
+  listener_.onFetched(*this, answer);
+}
+
+bool CRangeFetch::followRedirect(const HttpAnswer& answer) {
+  const auto target = redirectTarget(url_, answer);
+  if (!target || redirects_ == kMostRedirects) {
+    return false;
+  }
+  ++redirects_;
+  log_.information("Redirected from " + loggableUrl(url_) + " to " + loggableUrl(*target));
+  url_ = *target;
+  plan_.reset();
+  wanted_ = false;
+  send();
+  return true;
 }
 
 void CRangeFetch::flush() {
@@ -39,26 +97,36 @@ void CRangeFetch::add() {
   }
 }
 
+bool CRangeFetch::begin(const HttpAnswer& head) {
+  plan_ = planAnswer(head, ask_);
+  wanted_ = listener_.onHead(*this, *plan_) && plan_->kind == FetchPlan::Kind::kBody;
+  if (wanted_) {
+    position_ = plan_->begin;
+    end_ = plan_->end.value_or(most_);
+    stop_ = plan_->partial ? stop_ : kNoEnd;
+  }
+  return wanted_;
+}
+
 IHttpSink::Write CRangeFetch::write(const HttpAnswer& head, const char* data, std::size_t size) {
-  if (!begun_) {
-    const auto span = listener_.onHead(head);
-    if (!span) {
-      return Write::kToAnswer;
-    }
-    begun_ = true;
-    position_ = span->begin;
-    end_ = span->end;
+  if (!plan_) {
+    begin(head);
+  }
+  if (!wanted_) {
+    return Write::kToAnswer;
   }
   if (size > end_ - position_) {
     tooLong_ = true;
     return Write::kBroken;
   }
-  if (!allowed(size) || writer_.full()) {
+  const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(size, stop_ - position_));
+  if (!allowed(part) || writer_.full()) {
     return Write::kLater;
   }
-  credit_ -= std::min<std::uint64_t>(credit_, size);
-  take(data, size);
-  return Write::kTaken;
+  credit_ -= std::min<std::uint64_t>(credit_, part);
+  take(data, part);
+  stopped_ = position_ == stop_ && stop_ < end_;
+  return stopped_ ? Write::kBroken : Write::kTaken;
 }
 
 // Saves up what the throttle grants until it is enough: bytes come in pieces that cannot be

@@ -63,6 +63,7 @@ struct StartOrder {
   bool verify = true;
   std::string proxy;
   PartPolicy parts;
+  std::uint32_t mostAtOnce = 1;  // requests of all attempts; who has several gives way to others
   std::shared_ptr<JobProgress> progress;
 };
 

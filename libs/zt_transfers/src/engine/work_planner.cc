@@ -120,6 +120,7 @@ bool CWorkPlanner::beginNext(CTransferGroup& group, TransferWork& work) {
   order.verify = settings_.verify;
   order.proxy = settings_.proxy;
   order.parts = settings_.parts;
+  order.mostAtOnce = std::max<std::uint32_t>(settings_.maxConcurrent, 1);
   book_.tell(group);
   return true;
 }

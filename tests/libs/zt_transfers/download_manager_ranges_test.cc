@@ -9,8 +9,8 @@
 namespace zt_transfers::test {
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::Each;
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 constexpr std::uint64_t kMegabyte = 1'000'000;
@@ -134,8 +134,8 @@ TEST_F(DownloadRanges, GivesWayToFilesThatWait) {
   configure([](auto& configuration) { configuration.maxConcurrentTransfers = 3; });
   const auto large = download({offerLarge()});
   ASSERT_TRUE(server.waitForRequests(3));
-  const auto small = download({offer("first", std::string(500'000, 'a')),
-                               offer("second", std::string(500'000, 'b'))});
+  const auto small = download(
+      {offer("first", std::string(500'000, 'a')), offer("second", std::string(500'000, 'b'))});
   ASSERT_TRUE(recorder.waitForGroupState(small, kGroupCompleted));
   EXPECT_EQ(recorder.group(large).state, kGroupTransferring);
   ASSERT_TRUE(recorder.waitForGroupState(large, kGroupCompleted));

@@ -105,7 +105,7 @@ void CPartialFile::remove(const std::string& groupFolder, const DownloadResume& 
 CPartialFile::~CPartialFile() {
   // Nothing worth keeping is in an empty one.
   const bool keep = !discarded_ && !resume_.written.empty();
-  if (!keep && file_.valid() && !name_.empty() && isOurs()) {
+  if (!keep && file_.valid() && !name_.empty() && isThere(name_, resume_.inode)) {
     ::unlinkat(folder_.get(), name_.c_str(), 0);
   }
 }
@@ -130,7 +130,9 @@ CPartialFile::Found CPartialFile::reopen(const DownloadResume& resume) {
     return Found::kNothing;
   }
   const struct stat status = statusOf(file.get());
-  if (!S_ISREG(status.st_mode) || status.st_ino != resume.inode || !lock(file.get())) {
+  // The attempt before may have removed it before it gave it free.
+  if (!S_ISREG(status.st_mode) || status.st_ino != resume.inode || !lock(file.get()) ||
+      !isThere(name, status.st_ino)) {
     return Found::kNothing;
   }
   adopt(std::move(file), std::move(name));
@@ -182,7 +184,8 @@ bool CPartialFile::takeExisting(const std::string& name) {
   const struct stat status = statusOf(file.get());
   const bool plain =
       S_ISREG(status.st_mode) && status.st_nlink == 1 && status.st_uid == ::geteuid();
-  if (!plain || ::flock(file.get(), LOCK_EX | LOCK_NB) != 0 || ::ftruncate(file.get(), 0) != 0) {
+  if (!plain || ::flock(file.get(), LOCK_EX | LOCK_NB) != 0 || !isThere(name, status.st_ino) ||
+      ::ftruncate(file.get(), 0) != 0) {
     return false;
   }
   adopt(std::move(file), name);
@@ -308,7 +311,7 @@ bool CPartialFile::syncFileSystem() const {
 }
 
 std::string CPartialFile::publish() {
-  if (!isOurs()) {
+  if (!isThere(name_, resume_.inode)) {
     errno = ENOENT;
     fail("the partial file was replaced");
   }
@@ -424,10 +427,10 @@ void CPartialFile::makeRoom(std::uint64_t size) {
 #endif
 }
 
-bool CPartialFile::isOurs() const {
+bool CPartialFile::isThere(const std::string& name, std::uint64_t inode) const {
   struct stat status {};
-  return ::fstatat(folder_.get(), name_.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
-         status.st_ino == resume_.inode && S_ISREG(status.st_mode);
+  return ::fstatat(folder_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+         status.st_ino == inode && S_ISREG(status.st_mode);
 }
 
 }  // namespace zt_transfers

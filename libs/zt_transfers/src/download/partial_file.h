@@ -93,7 +93,7 @@ class CPartialFile {
   void makeRoom(std::uint64_t size);
   void noteWritten(ByteSpan span);
   CContentHash& openHash();
-  bool isOurs() const;
+  bool isThere(const std::string& name, std::uint64_t inode) const;
 
   const Plan plan_;
   std::atomic<bool> discarded_{false};

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <memory>
+#include <thread>
 #include <vector>
 
 #include "download/file_trouble.h"
@@ -115,6 +116,18 @@ TEST_F(Landing, FindsAFileOfUnknownSizeUnderItsNameAfterACrash) {
   EXPECT_EQ(newFile("file")->reopen(noted), CPartialFile::Found::kLanded);
   noted.written = {{0, 5}};  // more than is there: it is not the same file
   EXPECT_EQ(newFile("file")->reopen(noted), CPartialFile::Found::kNothing);
+}
+
+TEST_F(Landing, GoesOnWithNoFileThatTheAttemptBeforeIsJustRemoving) {
+  auto before = newFile("file");
+  before->create(1);
+  const DownloadResume rest = before->resume();
+  auto found = CPartialFile::Found::kPartial;
+  auto again = newFile("file");
+  std::thread waiting([&] { found = again->reopen(rest); });
+  before.reset();  // before or after the other one has opened it
+  waiting.join();
+  EXPECT_EQ(found, CPartialFile::Found::kNothing);
 }
 
 TEST_F(Landing, KeepsWhatIsThereWhileTheGroupsFolderIsGone) {

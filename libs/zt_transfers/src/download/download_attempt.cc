@@ -45,9 +45,13 @@ CPartialFile::Plan planOf(const StartOrder& order) {
 
 }  // namespace
 
-CDownloadAttempt::CDownloadAttempt(CHttpLoop& loop, CWorkerPool& pool, ILog& log, StartOrder order,
-                                   IListener& listener)
-    : loop_(loop), pool_(pool), log_(log), order_(std::move(order)), listener_(listener) {
+CDownloadAttempt::CDownloadAttempt(const CPartialWriter::Surroundings& surroundings, ILog& log,
+                                   StartOrder order, IListener& listener)
+    : surroundings_(surroundings),
+      loop_(surroundings.loop),
+      log_(log),
+      order_(std::move(order)),
+      listener_(listener) {
   forgetVersion();
 }
 
@@ -65,7 +69,7 @@ void CDownloadAttempt::begin() {
   }
   try {
     writer_ = std::make_shared<CPartialWriter>(
-        loop_, pool_, std::make_shared<CPartialFile>(planOf(order_)), order_.progress, *this);
+        surroundings_, std::make_shared<CPartialFile>(planOf(order_)), order_.progress, *this);
   } catch (const std::exception& error) {
     report(AttemptOutcome::final(error.what()));
     return;

@@ -44,7 +44,7 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
     ~IListener() = default;
   };
 
-  CDownloadAttempt(CHttpLoop& loop, CWorkerPool& pool, ILog& log, StartOrder order,
+  CDownloadAttempt(const CPartialWriter::Surroundings& surroundings, ILog& log, StartOrder order,
                    IListener& listener);
   ~CDownloadAttempt();
   CDownloadAttempt(const CDownloadAttempt&) = delete;
@@ -98,8 +98,8 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   void onWriterFailed(const AttemptOutcome& outcome) override;
   void onCheckpoint() override { listener_.onCheckpoint(order_.job); }
 
+  const CPartialWriter::Surroundings surroundings_;
   CHttpLoop& loop_;
-  CWorkerPool& pool_;
   ILog& log_;
   const StartOrder order_;
   IListener& listener_;

@@ -11,7 +11,8 @@ namespace zt_transfers {
 bool CDownloadRunner::start(StartOrder order) {
   const JobId job = order.job;
   mostAtOnce_ = order.mostAtOnce;
-  auto attempt = std::make_unique<CDownloadAttempt>(loop_, pool_, log_, std::move(order), *this);
+  auto attempt = std::make_unique<CDownloadAttempt>(
+      CPartialWriter::Surroundings{loop_, pool_, chunks_}, log_, std::move(order), *this);
   CDownloadAttempt& begun = *attempt;
   attempts_.emplace(job, std::move(attempt));
   begun.begin();
@@ -112,7 +113,7 @@ void CDownloadRunner::onArrived(JobId job, std::uint64_t size) {
     }
     try {
       if (const auto problem = file->verify(size)) {
-        file->discard();
+        file->discardNow();
         progress->setResume({});
         done(AttemptOutcome::retry(*problem));
         return;

@@ -4,6 +4,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "download/chunk_pool.h"
 #include "download/download_attempt.h"
 #include "download/lander.h"
 #include "engine/attempt.h"
@@ -48,6 +49,7 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
   ILog& log_;
   IAttemptObserver& observer_;
   CLander lander_;
+  CChunkPool chunks_;
   std::size_t mostAtOnce_ = 1;  // requests of all attempts
   std::unordered_map<JobId, std::unique_ptr<CDownloadAttempt>> attempts_;
   // Those that need the network no more.

@@ -104,8 +104,18 @@ void CPartialFile::remove(const std::string& groupFolder, const DownloadResume& 
 
 CPartialFile::~CPartialFile() {
   // Nothing worth keeping is in an empty one.
-  const bool keep = !discarded_ && !resume_.written.empty();
-  if (!keep && file_.valid() && !name_.empty() && isThere(name_, resume_.inode)) {
+  if (discarded_ || resume_.written.empty()) {
+    unlink();
+  }
+}
+
+void CPartialFile::discardNow() {
+  discarded_ = true;
+  unlink();
+}
+
+void CPartialFile::unlink() {
+  if (file_.valid() && !name_.empty() && isThere(name_, resume_.inode)) {
     ::unlinkat(folder_.get(), name_.c_str(), 0);
   }
 }

@@ -74,7 +74,9 @@ class CPartialFile {
   std::string publish();
   void syncFolder() const;
 
+  // It goes with this object, or at once.
   void discard() { discarded_ = true; }
+  void discardNow();
   bool discarded() const { return discarded_; }
 
   bool open() const { return file_.valid(); }
@@ -84,6 +86,7 @@ class CPartialFile {
   bool sameFileSystem(const CPartialFile& other) const;
 
  private:
+  void unlink();
   std::string partialPath(const std::string& name) const;
   bool openFolder(MissingFolders missing);
   void adopt(CUniqueFd file, std::string name);

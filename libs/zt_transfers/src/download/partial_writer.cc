@@ -34,11 +34,11 @@ std::optional<AttemptOutcome> troubleOf(Step step) {
 
 }  // namespace
 
-CPartialWriter::CPartialWriter(CHttpLoop& loop, CWorkerPool& pool,
-                               std::shared_ptr<CPartialFile> file,
+CPartialWriter::CPartialWriter(const Surroundings& surroundings, std::shared_ptr<CPartialFile> file,
                                std::shared_ptr<JobProgress> progress, IListener& listener)
-    : loop_(loop),
-      pool_(pool),
+    : loop_(surroundings.loop),
+      pool_(surroundings.pool),
+      chunks_(surroundings.chunks),
       file_(std::move(file)),
       progress_(std::move(progress)),
       listener_(&listener) {}
@@ -56,18 +56,6 @@ void CPartialWriter::restart(const std::string& validator, std::uint64_t size) {
     recycle(std::move(piece.chunk));
   }
   batch_.restart = {validator, size};
-}
-
-CPartialWriter::Chunk CPartialWriter::chunk(std::uint64_t wanted) {
-  if (!spare_.empty()) {
-    Chunk chunk = std::move(spare_.back());
-    spare_.pop_back();
-    return chunk;
-  }
-  Chunk chunk;
-  chunk.capacity = static_cast<std::size_t>(std::clamp<std::uint64_t>(wanted, 1, kChunk));
-  chunk.data.reset(new char[chunk.capacity]);
-  return chunk;
 }
 
 void CPartialWriter::write(Chunk chunk) {
@@ -312,10 +300,7 @@ bool CPartialWriter::checkpointDue() const {
 
 void CPartialWriter::recycle(Chunk chunk) {
   held_ -= chunk.size;
-  chunk.size = 0;
-  if (chunk.capacity == kChunk && spare_.size() * kChunk < kMostHeld) {
-    spare_.push_back(std::move(chunk));
-  }
+  chunks_.giveBack(std::move(chunk));
 }
 
 }  // namespace zt_transfers

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "download/chunk_pool.h"
 #include "download/partial_file.h"
 #include "engine/attempt.h"
 #include "http/http_loop.h"
@@ -28,16 +29,6 @@ namespace zt_transfers {
 // was handed over is written nevertheless.
 class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
  public:
-  static constexpr std::size_t kChunk = std::size_t{512} * 1024;  // bytes
-
-  struct Chunk {
-    std::unique_ptr<char[]> data;
-    std::size_t capacity = 0;
-    std::size_t size = 0;
-    std::uint64_t offset = 0;
-
-    std::uint64_t end() const { return offset + size; }
-  };
   class IListener {
    public:
     virtual void onReopened(CPartialFile::Found found, const DownloadResume& resume) = 0;
@@ -57,7 +48,14 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   using Last = std::function<void(const std::shared_ptr<CPartialFile>& file,
                                   const std::optional<AttemptOutcome>& trouble)>;
 
-  CPartialWriter(CHttpLoop& loop, CWorkerPool& pool, std::shared_ptr<CPartialFile> file,
+  // All must outlive the loop's and the pool's threads.
+  struct Surroundings {
+    CHttpLoop& loop;
+    CWorkerPool& pool;
+    CChunkPool& chunks;
+  };
+
+  CPartialWriter(const Surroundings& surroundings, std::shared_ptr<CPartialFile> file,
                  std::shared_ptr<JobProgress> progress, IListener& listener);
 
   void close();
@@ -68,7 +66,7 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   void restart(const std::string& validator, std::uint64_t size);
 
   // An empty chunk for about `wanted` bytes.
-  Chunk chunk(std::uint64_t wanted);
+  Chunk chunk(std::uint64_t wanted) { return chunks_.take(wanted); }
   void write(Chunk chunk);
   // The same without hurry: something else follows at once.
   void add(Chunk chunk);
@@ -78,7 +76,8 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   void finish(Last last);
 
  private:
-  static constexpr std::size_t kMostHeld = 8 * kChunk;  // bytes handed over and not done with
+  // Bytes handed over and not done with.
+  static constexpr std::size_t kMostHeld = 12 * CChunkPool::kLargest;
 
   // What the next job that writes does, in this order.
   struct Batch {
@@ -134,6 +133,7 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
 
   CHttpLoop& loop_;
   CWorkerPool& pool_;
+  CChunkPool& chunks_;
   const std::shared_ptr<CPartialFile> file_;  // used by one job of each kind at a time
   const std::shared_ptr<JobProgress> progress_;
   IListener* listener_;
@@ -142,7 +142,6 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   std::size_t held_ = 0;
   bool writing_ = false;
   std::optional<AttemptOutcome> trouble_;
-  std::vector<Chunk> spare_;
 
   std::deque<ToHash> toHash_;
   std::uint64_t lined_ = 0;   // up to here it is hashed, or stands in the line for it

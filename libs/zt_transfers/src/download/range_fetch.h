@@ -98,7 +98,7 @@ class CRangeFetch final : public IHttpSink, public CThrottle::IUser {
   std::uint64_t end_ = 0;     // of the body
   std::uint64_t stop_ = 0;    // of what is to be fetched
   std::uint64_t credit_ = 0;  // bytes the throttle has granted
-  CPartialWriter::Chunk chunk_;
+  Chunk chunk_;
   TimePoint chunkBegun_{};
   std::unique_ptr<CHttpExchange> exchange_;
 };

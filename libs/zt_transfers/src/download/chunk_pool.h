@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <vector>
+
+namespace zt_transfers {
+
+// Received bytes of a file on their way to the disk.
+struct Chunk {
+  std::unique_ptr<char[]> data;
+  std::size_t capacity = 0;
+  std::size_t size = 0;
+  std::uint64_t offset = 0;
+
+  std::uint64_t end() const { return offset + size; }
+};
+
+// Keeps chunks that were used for those that come next, of whatever file: memory that is new to
+// the process costs more than filling it.
+//
+// Thread: one at a time.
+class CChunkPool {
+ public:
+  static constexpr std::size_t kLargest = std::size_t{256} * 1024;  // bytes of a chunk
+
+  // An empty one for about `wanted` bytes.
+  Chunk take(std::uint64_t wanted);
+  void giveBack(Chunk chunk);
+
+ private:
+  std::map<std::size_t, std::vector<Chunk>> spare_;  // by capacity
+  std::size_t kept_ = 0;                             // bytes
+};
+
+}  // namespace zt_transfers

@@ -1,23 +1,39 @@
-// Uploads files until it is killed: kill_probe FOLDER URL FILES. Takes up what an earlier run left
-// in FOLDER, or queues FILES files "FOLDER/file<n>" to "URL/<n>". Prints each file's number once it
-// is told to be completed, and "all" at the end.
+// Transfers files until it is killed: kill_probe FOLDER URL UPLOADS DOWNLOADS. Uploads the files
+// "FOLDER/file<n>" to "URL/up/<n>", and downloads "URL/down/<n>" to "FOLDER/target/file<n>"; of the
+// latter FOLDER/downloads has a line each, with size and MD5 ("-": not told). Takes up what an
+// earlier run left in FOLDER. Prints "up/<n>" or "down/<n>" once that is told to be completed, and
+// "all" at the end.
 #include <unistd.h>
 
+#include <atomic>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
+#include <fstream>
 #include <future>
 #include <string>
 #include <vector>
 
 #include "text/wide_bytes.h"
+#include "zt_transfers/download_manager.h"
 #include "zt_transfers/global_config.h"
 #include "zt_transfers/upload_manager.h"
 
 namespace {
 
+namespace fs = std::filesystem;
+using zt_transfers::CDownloadManager;
 using zt_transfers::CUploadManager;
+using zt_transfers::widened;
+
+struct Task {
+  fs::path folder;
+  std::string url;
+  int uploads = 0;
+  int downloads = 0;
+};
 
 // One call, so that a line is there whole or not at all.
 void print(const std::string& line) {
@@ -27,11 +43,92 @@ void print(const std::string& line) {
   }
 }
 
-class CPrinter final : public CUploadManager::ICallback {
+void queue(CUploadManager& manager, const Task& task) {
+  const auto group = manager.createGroup("bucket", "message", "token", 0);
+  manager.pauseGroup(group);
+  std::vector<CUploadManager::FileDesc> files;
+  for (int number = 0; number < task.uploads; ++number) {
+    CUploadManager::FileDesc file;
+    file.fileId = "up/" + std::to_string(number);
+    file.fileURL = widened("file://" + (task.folder / "file").string() + std::to_string(number));
+    file.url = task.url + "/" + file.fileId;
+    files.push_back(file);
+  }
+  manager.queueFiles(group, files);
+  manager.markQueue(group);
+}
+
+void queue(CDownloadManager& manager, const Task& task) {
+  const auto group = manager.createGroup("bucket", "message", "token", 0,
+                                         widened((task.folder / "target").string()));
+  manager.pauseGroup(group);
+  std::vector<CDownloadManager::FileDownloadDetails> files;
+  std::ifstream lines(task.folder / "downloads");
+  for (int number = 0; number < task.downloads; ++number) {
+    CDownloadManager::FileDownloadDetails file;
+    file.fileId = "down/" + std::to_string(number);
+    file.path = widened("file" + std::to_string(number));
+    file.url = task.url + "/" + file.fileId;
+    lines >> file.size >> file.md5Digest;
+    file.md5Digest = file.md5Digest == "-" ? "" : file.md5Digest;
+    files.push_back(file);
+  }
+  manager.queueFiles(group, files);
+}
+
+// Queues the files, or takes up what is there. Until all of them are on disk nothing is begun, so
+// that a queue that was cut short can be thrown away; a note tells that they are. True when
+// everything is done already, which is not told a second time.
+template <typename Manager>
+bool prepare(Manager& manager, const Task& task, const fs::path& note) {
+  std::vector<typename Manager::GroupState> groups;
+  manager.startup();
+  if (!fs::exists(note)) {
+    manager.fetchGroupsInfo(groups);
+    for (const auto& group : groups) {
+      manager.cancelGroup(group.id);
+    }
+    queue(manager, task);
+    manager.shutdown();  // writes it
+    std::ofstream(note) << "queued";
+    manager.startup();
+  }
+  manager.fetchGroupsInfo(groups);
+  bool all = true;
+  for (const auto& group : groups) {
+    all = all && group.state == zt_transfers::kGroupCompleted;
+    manager.resumeGroup(group.id);
+  }
+  return all;
+}
+
+template <typename Manager>
+class CWorker final : public Manager::ICallback {
  public:
-  void onGroupStateChanged(const CUploadManager::GroupState& state) override {
-    if (state.state == zt_transfers::kGroupCompleted && !told_) {
-      told_ = true;
+  void begin(const Task& task, const std::string& note) {
+    auto configuration = manager_.getConfiguration();
+    configuration.minMultipartSize = 2'000'000;
+    configuration.partSize = 1'000'000;
+    manager_.setConfiguration(configuration);
+    manager_.subscribeToEvents(this);
+    if (prepare(manager_, task, task.folder / note)) {
+      tellAll();
+    }
+  }
+  void waitForAll() { all_.get_future().wait(); }
+  void end() {
+    manager_.shutdown();
+    manager_.subscribeToEvents(nullptr);
+  }
+
+ private:
+  void onGroupStateChanged(const typename Manager::GroupState& state) override {
+    if (state.state == zt_transfers::kGroupCompleted) {
+      tellAll();
+    }
+  }
+  void tellAll() {
+    if (!told_.exchange(true)) {
       all_.set_value();
     }
   }
@@ -40,69 +137,40 @@ class CPrinter final : public CUploadManager::ICallback {
       print(state.fileId);
     }
   }
-  void waitForAll() { all_.get_future().wait(); }
 
- private:
   std::promise<void> all_;
-  bool told_ = false;
+  std::atomic<bool> told_ = false;
+  Manager manager_;
 };
 
-// Paused until everything is queued, so that a queue that was cut short can be thrown away.
-void queue(CUploadManager& manager, const std::string& folder, const std::string& url, int files) {
-  const auto group = manager.createGroup("bucket", "message", "token", 0);
-  manager.pauseGroup(group);
-  std::vector<CUploadManager::FileDesc> descriptions;
-  for (int number = 0; number < files; ++number) {
-    CUploadManager::FileDesc file;
-    file.fileId = std::to_string(number);
-    file.fileURL = zt_transfers::widened("file://" + folder + "/file" + file.fileId);
-    file.url = url + "/" + file.fileId;
-    descriptions.push_back(file);
-  }
-  manager.queueFiles(group, descriptions);
-  manager.markQueue(group);
-  manager.resumeGroup(group);
-}
-
-// False when there is nothing to be taken up.
-bool takeUp(CUploadManager& manager) {
-  std::vector<CUploadManager::GroupState> groups;
-  manager.fetchGroupsInfo(groups);
-  bool found = false;
-  for (const auto& group : groups) {
-    if (group.marked) {
-      manager.resumeGroup(group.id);
-      found = true;
-    } else {
-      manager.cancelGroup(group.id);
-    }
-  }
-  return found;
-}
-
-void run(const std::string& folder, const std::string& url, int files) {
+void run(const Task& task) {
   zt_transfers::CZtTransfersGlobalConfig::getInstance()->setAppFilesPath(
-      zt_transfers::widened(folder));
-  CPrinter printer;
-  CUploadManager manager;
-  manager.subscribeToEvents(&printer);
-  manager.startup();
-  if (!takeUp(manager)) {
-    queue(manager, folder, url, files);
+      widened(task.folder.string()));
+  CWorker<CUploadManager> uploads;
+  CWorker<CDownloadManager> downloads;
+  if (task.uploads != 0) {
+    uploads.begin(task, "uploads_queued");
   }
-  printer.waitForAll();
-  manager.shutdown();
+  if (task.downloads != 0) {
+    downloads.begin(task, "downloads_queued");
+    downloads.waitForAll();
+  }
+  if (task.uploads != 0) {
+    uploads.waitForAll();
+  }
+  uploads.end();
+  downloads.end();
   print("all");
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 4) {
+  if (argc != 5) {
     return 2;
   }
   try {
-    run(argv[1], argv[2], std::atoi(argv[3]));
+    run({argv[1], argv[2], std::atoi(argv[3]), std::atoi(argv[4])});
     return 0;
   } catch (const std::exception& exception) {
     std::fprintf(stderr, "kill_probe: %s\n", exception.what());

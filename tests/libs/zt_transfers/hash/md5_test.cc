@@ -93,7 +93,7 @@ TEST(Md5Combiner, HashesEachOfManyThreadsMessagesAsIfItWereAlone) {
         const std::size_t piece = 1000 + number % 5;
         for (std::size_t at = 0; at < blocks; at += piece) {
           member.add(states[number], messages[number].data() + at * kMd5BlockSize,
-                       std::min(piece, blocks - at));
+                     std::min(piece, blocks - at));
         }
       });
     }

@@ -184,7 +184,7 @@ void CApiArea::announceFiles(CExchange& exchange, const std::string& bucketId) {
 // Of those who send the message and of those who fetch it.
 void CApiArea::progress(CExchange& exchange, const std::string& bucketId) {
   if (exchange.method() == "GET") {
-    return exchange.answer(200, reports_.describe(bucketId));
+    return exchange.answer(200, reports_.describe(bucketId, exchange.query("group")));
   }
   need(exchange, "POST");
   const std::string token = exchange.header("X-Zantrio-Token");

@@ -14,13 +14,19 @@ class CProgressReports {
  public:
   // Takes a report; throws CHttpError (400) for one that makes no sense.
   void take(const std::string& bucketId, const Json::Value& report);
-  // The last report of each direction, with how many there were.
-  Json::Value describe(const std::string& bucketId) const;
+  // The last report of each direction, with how many there were; with a `group`, of that group of
+  // the client's.
+  Json::Value describe(const std::string& bucketId, const std::string& group = "") const;
 
  private:
+  struct Direction {
+    std::map<std::string, Json::Value> groups;
+    std::string newest;  // group
+  };
+
   mutable std::mutex mutex_;
   // Guarded by mutex_.
-  std::map<std::pair<std::string, std::string>, Json::Value> last_;  // by bucket and direction
+  std::map<std::pair<std::string, std::string>, Direction> last_;  // by bucket and direction
 };
 
 }  // namespace zantrio::devservice

@@ -196,4 +196,32 @@ TEST_F(ReceivedAreaTest, TakesReportsOfProgressFromBothSides) {
   EXPECT_FALSE(reports.isMember("upload"));
 }
 
+TEST_F(ReceivedAreaTest, KeepsWhatEachGroupOfABucketReportsOfItsTroubles) {
+  receive("", "a", "x");
+  const std::string progress = "/api/messages/" + bucket_ + "/progress";
+  const auto report = [&](const std::string& rest) {
+    return request("POST", progress, R"({"direction":"upload","state":"ERRORED",)" + rest + "}",
+                   token());
+  };
+  const std::string failed =
+      R"({"fileId":"1","code":"refused","reason":"the server answered 403"})";
+  EXPECT_EQ(report(R"("group":"4","filesFailed":1,"failures":[)" + failed + "]").status, 204);
+  EXPECT_EQ(report(R"("group":"5","waitingFor":{"code":"disk_full","reason":"full"})").status, 204);
+  const Json::Value newest = request("GET", progress).json()["upload"];
+  EXPECT_EQ(newest["waitingFor"]["code"].asString(), "disk_full");
+  EXPECT_TRUE(newest["failures"].empty());
+  const Json::Value earlier = request("GET", progress + "?group=4").json()["upload"];
+  EXPECT_TRUE(earlier["waitingFor"].isNull());
+  EXPECT_EQ(earlier["failures"][0]["fileId"].asString(), "1");
+  EXPECT_EQ(earlier["failures"][0]["code"].asString(), "refused");
+  EXPECT_TRUE(request("GET", progress + "?group=6").json().empty());
+  const std::string tooLong(501, 'x');
+  EXPECT_EQ(report(R"("group":")" + tooLong + "\"").code(), "bad_request");
+  std::string many = failed;
+  for (int i = 0; i < 100; ++i) {
+    many += "," + failed;
+  }
+  EXPECT_EQ(report(R"("failures":[)" + many + "]").code(), "bad_request");
+}
+
 }  // namespace zantrio::devservice

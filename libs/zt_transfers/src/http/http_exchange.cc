@@ -98,6 +98,10 @@ void CHttpExchange::setUp(const HttpRequest& request) {
   set(CURLOPT_NOBODY, request.method == "HEAD" ? 1L : 0L);
   set(CURLOPT_HTTPHEADER, headers_.get());
   set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
+  if (startsWithIgnoringCase(request.url, "https:")) {
+    // A server that does HTTP/2 gets one connection, which only the first answer can tell.
+    set(CURLOPT_PIPEWAIT, 1L);
+  }
   set(CURLOPT_FOLLOWLOCATION, 0L);
   set(CURLOPT_NOSIGNAL, 1L);
   set(CURLOPT_NOPROGRESS, 1L);

@@ -14,6 +14,11 @@ namespace {
 constexpr std::chrono::seconds kStallCheckInterval{1};
 constexpr long kConnectionsKept = 64;
 
+// Shorter ones do connections no harm.
+constexpr std::chrono::seconds kNoticedSleep{5};
+// libcurl takes no connection again that was idle for longer than this anyway.
+constexpr std::chrono::seconds kLongestIdle{118};
+
 CURLM* newMulti() {
   // Process-wide and for good; the manager's library users may use libcurl as well.
   static const CURLcode ready = curl_global_init(CURL_GLOBAL_DEFAULT);
@@ -85,7 +90,13 @@ void CHttpLoop::assertOnLoop() const {
 }
 
 void CHttpLoop::run(const Turn& turn) {
-  while (runTasks()) {
+  slept_ = clock_.slept();
+  woke_.reset();
+  for (;;) {
+    noticeSleep(clock_.now());  // before anything is begun
+    if (!runTasks()) {
+      return;
+    }
     std::optional<TimePoint> due = turn();
     throttle_.serve(clock_.now());
     int active = 0;
@@ -153,9 +164,36 @@ void CHttpLoop::checkStalls(TimePoint now) {
   }
 }
 
+// What was open when the machine went to sleep is likely dead, and the other side does not say so.
+void CHttpLoop::noticeSleep(TimePoint now) {
+  const Duration slept = clock_.slept();
+  if (slept - slept_ >= kNoticedSleep) {
+    woke_ = now;
+    stallsChecked_ = {};  // who waited for a minute before it need not wait for another
+  }
+  slept_ = slept;
+}
+
+// No connection that was used before the machine slept is used again.
+void CHttpLoop::avoidDeadConnections(CURL* easy) {
+  if (!woke_) {
+    return;
+  }
+  const auto awake = std::chrono::floor<std::chrono::seconds>(clock_.now() - *woke_);
+  if (awake > kLongestIdle) {
+    woke_.reset();
+  } else if (awake < std::chrono::seconds(2)) {
+    curl_easy_setopt(easy, CURLOPT_FRESH_CONNECT, 1L);
+  } else {
+    curl_easy_setopt(easy, CURLOPT_MAXAGE_CONN, static_cast<long>(awake.count() - 1));
+  }
+}
+
 void CHttpLoop::waitForTraffic(std::optional<TimePoint> due, bool atOnce) {
-  // Without anything to do the thread sleeps until it is woken.
-  Duration limit = exchanges_.empty() ? Duration(std::chrono::hours(1)) : kStallCheckInterval;
+  // Without anything to do the thread sleeps until it is woken. The wait itself does not go on
+  // while the machine sleeps, so that one for something that is due must be short.
+  const bool idle = exchanges_.empty() && !due;
+  Duration limit = idle ? Duration(std::chrono::hours(1)) : kStallCheckInterval;
   if (due) {
     limit = std::clamp<Duration>(*due - clock_.now(), Duration::zero(), limit);
   }
@@ -188,6 +226,7 @@ void CHttpLoop::giveBack(CurlEasy easy) {
 
 void CHttpLoop::add(CHttpExchange& exchange) {
   curl_easy_setopt(exchange.easy(), CURLOPT_PRIVATE, &exchange);
+  avoidDeadConnections(exchange.easy());
   if (curl_multi_add_handle(multi_.get(), exchange.easy()) != CURLM_OK) {
     throw std::bad_alloc();
   }

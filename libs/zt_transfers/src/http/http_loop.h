@@ -58,6 +58,8 @@ class CHttpLoop {
   bool runTasks();
   bool finishExchanges();
   void checkStalls(TimePoint now);
+  void noticeSleep(TimePoint now);
+  void avoidDeadConnections(CURL* easy);
   void waitForTraffic(std::optional<TimePoint> due, bool atOnce);
 
   const std::string name_;
@@ -76,6 +78,8 @@ class CHttpLoop {
   std::set<CHttpExchange*> exchanges_;
   std::vector<CurlEasy> idle_;
   TimePoint stallsChecked_{};
+  Duration slept_{};               // until the last turn
+  std::optional<TimePoint> woke_;  // when the machine last woke up
 };
 
 }  // namespace zt_transfers

@@ -12,13 +12,17 @@ using Duration = std::chrono::steady_clock::duration;
 class IClock {
  public:
   virtual ~IClock() = default;
+  // Goes on while the machine sleeps, so that what was due meanwhile is due at once.
   virtual TimePoint now() const = 0;
+  // How long the machine has slept until now, since it was started; to a second or so.
+  virtual Duration slept() const { return Duration::zero(); }
   virtual std::int64_t secondsSince1970() const = 0;
 };
 
 class CSystemClock : public IClock {
  public:
-  TimePoint now() const override { return std::chrono::steady_clock::now(); }
+  TimePoint now() const override;
+  Duration slept() const override;
   std::int64_t secondsSince1970() const override {
     using std::chrono::duration_cast;
     using std::chrono::seconds;

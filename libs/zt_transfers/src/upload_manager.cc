@@ -7,6 +7,7 @@
 #include "manager/manager_core.h"
 #include "manager/portions.h"
 #include "manager/subscription.h"
+#include "progress/report_pace.h"
 #include "text/wide_bytes.h"
 #include "upload/upload_runner.h"
 
@@ -43,6 +44,12 @@ class CUploadManager::Impl {
                         UploadTools{parts.loop, parts.pool, parts.log}, parts.observer);
                   },
               .deliver = [this](const TransferEvent& event) { deliver(event); }}) {
+    configure();
+  }
+  ~Impl() { CReportPace::shared().set(std::chrono::seconds::zero()); }
+
+  void configure() {
+    CReportPace::shared().set(std::chrono::seconds(configuration.serverTransferProgressInterval));
     core.configure(configuration);
   }
 
@@ -74,7 +81,7 @@ const CUploadManager::Configuration& CUploadManager::getConfiguration() const {
 
 void CUploadManager::setConfiguration(const Configuration& configuration) {
   impl_->configuration = configuration;
-  impl_->core.configure(configuration);
+  impl_->configure();
 }
 
 void CUploadManager::fetchGroupsInfo(std::vector<GroupState>& groups) {

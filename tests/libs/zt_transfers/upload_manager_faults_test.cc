@@ -6,6 +6,7 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 
 #include "untrusted_server.h"
 #include "upload_fixture.h"
@@ -252,6 +253,26 @@ TEST_F(UploadFaults, GoesThroughTheConfiguredProxy) {
   const auto group = upload({file});
   ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
   EXPECT_EQ(server.object("http://storage.invalid/file"), "content");
+}
+
+TEST_F(UploadFaults, GoesOnByItselfOnceAServerThatWentAwayIsBack) {
+  retryAtMost(0);
+  auto gone = std::make_unique<CFaultServer>();
+  const int port = gone->port();
+  gone->planForAll(fault::stall());
+  auto file = describe("file", "content");
+  file.url = gone->url("/file");
+  const auto group = upload({file});
+  ASSERT_TRUE(gone->waitForRequests(1));
+  gone.reset();
+  // Longer than the first wait.
+  ASSERT_TRUE(waitForLog("until it can go on"));
+  const std::size_t first = log().find("until it can go on");
+  ASSERT_TRUE(waitForLog("until it can go on", first + 1));
+  CFaultServer back(port);
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
+  EXPECT_EQ(back.object("/file"), "content");
+  manager.shutdown();
 }
 
 TEST_F(UploadFaults, FailsFilesOfAnExpiredTokenWithThatReason) {

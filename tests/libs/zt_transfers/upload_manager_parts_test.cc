@@ -117,8 +117,9 @@ TEST_F(UploadInParts, TakesARefusalOfTheUserForFinalAndTroubleForATimeToWait) {
 }
 
 TEST_F(UploadInParts, TakesNoAnswerForSuccessThatDoesNotConfirmTheWhole) {
-  fault("POST", "uploadId=*",
-        R"("type":"status","status":200,"body":"<Error><Code>InternalError</Code></Error>","count":1)");
+  fault(
+      "POST", "uploadId=*",
+      R"("type":"status","status":200,"body":"<Error><Code>InternalError</Code></Error>","count":1)");
   fault("POST", "uploadId=*", R"("type":"status","status":200,"body":" ","count":1)");
   const int parts = count("PUT", kAnyPart);
   uploadAll({describe("file", patternOf(3 * kPart))});

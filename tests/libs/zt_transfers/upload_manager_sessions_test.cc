@@ -73,7 +73,8 @@ TEST_F(UploadSession, GoesOnUnderARenewedUrl) {
 
 TEST_F(UploadSession, SendsAgainWhatTheServerHasLostOrHasOtherwise) {
   pause();
-  for (const auto& entry : fs::directory_iterator(fs::path(options_.data) / "multipart" / session_)) {
+  for (const auto& entry :
+       fs::directory_iterator(fs::path(options_.data) / "multipart" / session_)) {
     if (entry.path().filename().string().rfind("2-", 0) == 0) {
       fs::remove(entry.path());
     }

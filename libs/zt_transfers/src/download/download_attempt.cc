@@ -64,14 +64,15 @@ CDownloadAttempt::~CDownloadAttempt() {
 
 void CDownloadAttempt::begin() {
   if (originOf(order_.spec.url).empty()) {
-    report(AttemptOutcome::final("it has no http or https URL to be fetched from"));
+    report(
+        AttemptOutcome::final("it has no http or https URL to be fetched from", failure::kBadUrl));
     return;
   }
   try {
     writer_ = std::make_shared<CPartialWriter>(
         surroundings_, std::make_shared<CPartialFile>(planOf(order_)), order_.progress, *this);
   } catch (const std::exception& error) {
-    report(AttemptOutcome::final(error.what()));
+    report(AttemptOutcome::final(error.what(), failure::kUnsafePath));
     return;
   }
   if (order_.resume.begun()) {
@@ -144,7 +145,7 @@ bool CDownloadAttempt::fetchNext() {
         nextAsk(), most));
     return true;
   } catch (const std::exception& error) {
-    finish(AttemptOutcome::final(error.what()));
+    finish(AttemptOutcome::final(error.what(), failure::kBadRequest));
     return false;
   }
 }
@@ -246,8 +247,9 @@ bool CDownloadAttempt::onHead(CRangeFetch& fetch, const FetchPlan& plan) {
   }
   const std::uint64_t expected = order_.spec.size;
   if (expected != 0 && plan.size && *plan.size != expected) {
-    refusal_ = AttemptOutcome::retry("the server has " + text(*plan.size) + " bytes instead of " +
-                                     text(expected));
+    refusal_ = AttemptOutcome::retry(
+        "the server has " + text(*plan.size) + " bytes instead of " + text(expected),
+        failure::kWrongSize);
     return false;
   }
   offersRanges_ = plan.offersRanges;
@@ -323,7 +325,7 @@ void CDownloadAttempt::onFetched(CRangeFetch& fetch, const HttpAnswer& answer) {
 // Asks for the whole, without a condition that the server could get wrong again.
 void CDownloadAttempt::startOver(std::string reason) {
   if (startedOver_) {
-    finish(AttemptOutcome::retry(std::move(reason)));
+    finish(AttemptOutcome::retry(std::move(reason), failure::kServerChanged));
     return;
   }
   startedOver_ = true;
@@ -352,8 +354,9 @@ void CDownloadAttempt::judgeFailed(CRangeFetch& fetch, const AttemptOutcome& out
 void CDownloadAttempt::judgeComplete(CRangeFetch& fetch) {
   const std::uint64_t there = fetch.ask().begin;
   if (order_.spec.size != 0 && there != order_.spec.size) {
-    finish(AttemptOutcome::retry("the server has " + text(there) + " bytes instead of " +
-                                 text(order_.spec.size)));
+    finish(AttemptOutcome::retry(
+        "the server has " + text(there) + " bytes instead of " + text(order_.spec.size),
+        failure::kWrongSize));
     return;
   }
   arrive(there);
@@ -366,8 +369,9 @@ void CDownloadAttempt::judgeBody(CRangeFetch& fetch, const HttpAnswer& answer) {
   }
   const std::uint64_t arrived = fetch.rest().begin;
   if (fetch.tooLong()) {
-    finish(AttemptOutcome::retry("the server sent more than the " + text(arrived) +
-                                 " bytes that it should"));
+    finish(AttemptOutcome::retry(
+        "the server sent more than the " + text(arrived) + " bytes that it should",
+        failure::kWrongSize));
     return;
   }
   if (answer.code != CURLE_OK && !fetch.stopped()) {
@@ -379,8 +383,9 @@ void CDownloadAttempt::judgeBody(CRangeFetch& fetch, const HttpAnswer& answer) {
   const std::uint64_t expected = order_.spec.size;
   const auto size = size_ ? size_ : (expected != 0 ? std::optional(expected) : std::nullopt);
   if (!mayBeMore && size && arrived < *size) {
-    finish(AttemptOutcome::retry("the answer ended after " + text(arrived) + " of " + text(*size) +
-                                 " bytes"));
+    finish(AttemptOutcome::retry(
+        "the answer ended after " + text(arrived) + " of " + text(*size) + " bytes",
+        failure::kConnectionLost));
     return;
   }
   goOnAfter(takeOut(fetch), mayBeMore);

@@ -115,7 +115,7 @@ void CDownloadRunner::onArrived(JobId job, std::uint64_t size) {
       if (const auto problem = file->verify(size)) {
         file->discardNow();
         progress->setResume({});
-        done(AttemptOutcome::retry(*problem));
+        done(AttemptOutcome::retry(*problem, failure::kWrongDigest));
         return;
       }
     } catch (const std::exception& error) {

@@ -9,9 +9,10 @@ namespace zt_transfers {
 namespace {
 
 // No file of the group would fare better now.
-AttemptOutcome diskTrouble(const std::string& reason) {
+AttemptOutcome diskTrouble(const std::string& reason, std::string_view code) {
   constexpr std::chrono::seconds kUntilItMayBeOver{5};
-  AttemptOutcome outcome = AttemptOutcome::retry(reason);
+  AttemptOutcome outcome = AttemptOutcome::retry(reason, code);
+  outcome.blame = AttemptOutcome::Blame::kOutside;
   outcome.retryAfter = kUntilItMayBeOver;
   outcome.sharedTrouble = true;
   return outcome;
@@ -21,28 +22,31 @@ AttemptOutcome diskTrouble(const std::string& reason) {
 
 AttemptOutcome judgeFileTrouble(const std::exception& error) {
   if (dynamic_cast<const CNoRoomForClaim*>(&error) != nullptr) {
-    return AttemptOutcome::retry(error.what());  // the server may have been wrong
+    return AttemptOutcome::retry(error.what(),
+                                 failure::kDiskFull);  // the server may have been wrong
   }
   if (dynamic_cast<const CFolderGone*>(&error) != nullptr) {
-    return diskTrouble(error.what());
+    return diskTrouble(error.what(), failure::kTargetMissing);
   }
   const auto* trouble = dynamic_cast<const std::system_error*>(&error);
   switch (trouble != nullptr ? trouble->code().value() : 0) {
     case ENOSPC:
     case EDQUOT:
-      return diskTrouble(std::string("the disk is full: ") + error.what());
+      return diskTrouble(std::string("the disk is full: ") + error.what(), failure::kDiskFull);
     case ENODEV:
     case ENOTCONN:
     case ENXIO:
-      return diskTrouble(std::string("the disk is gone: ") + error.what());
+      return diskTrouble(std::string("the disk is gone: ") + error.what(), failure::kTargetMissing);
     case EIO:
     case EMFILE:
     case ENFILE:
     case ENOMEM:
     case ESTALE:
-      return AttemptOutcome::retry(error.what());
+      return AttemptOutcome::retry(error.what(), failure::kDiskTrouble);
+    case ENOENT:
+      return AttemptOutcome::final(error.what(), failure::kTargetMissing);
     default:
-      return AttemptOutcome::final(error.what());
+      return AttemptOutcome::final(error.what(), failure::kTargetUnusable);
   }
 }
 

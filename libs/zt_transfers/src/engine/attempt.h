@@ -7,8 +7,10 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "engine/failure.h"
 #include "engine/file_spec.h"
 #include "engine/transfer_resume.h"
 
@@ -75,8 +77,17 @@ struct AttemptOutcome {
     kFinal,  // would fail again
   };
 
+  // Whose trouble it is, and with that how many more attempts there are.
+  enum class Blame {
+    kFile,     // it uses up a retry
+    kUnclear,  // the same, but whatever is allowed, one more attempt tells whether it is the file
+    kOutside,  // neither the file's nor its server's: waiting helps, and uses up nothing
+  };
+
   Kind kind = Kind::kFinal;
-  std::string reason{};  // for the log; no secrets
+  std::string reason{};  // for the log and for people; no secrets
+  std::string_view code = failure::kOther;
+  Blame blame = Blame::kFile;
   // What the server asked to wait.
   std::optional<std::chrono::milliseconds> retryAfter{};
   // The server or the network is in trouble, not this file: the group's others wait, too.
@@ -85,11 +96,11 @@ struct AttemptOutcome {
   bool progressed = false;
 
   static AttemptOutcome done() { return {.kind = Kind::kDone}; }
-  static AttemptOutcome retry(std::string why) {
-    return {.kind = Kind::kRetry, .reason = std::move(why)};
+  static AttemptOutcome retry(std::string why, std::string_view code = failure::kOther) {
+    return {.kind = Kind::kRetry, .reason = std::move(why), .code = code};
   }
-  static AttemptOutcome final(std::string why) {
-    return {.kind = Kind::kFinal, .reason = std::move(why)};
+  static AttemptOutcome final(std::string why, std::string_view code = failure::kOther) {
+    return {.kind = Kind::kFinal, .reason = std::move(why), .code = code};
   }
 };
 

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "engine/failure.h"
 #include "engine/file_spec.h"
 #include "engine/transfer_group.h"
 #include "engine/transfer_resume.h"
@@ -32,6 +33,8 @@ struct RestoredGroup {
   std::vector<StoredState> files;
   // What transfers that were begun have left, by the file's index.
   std::vector<std::pair<std::uint32_t, TransferResume>> resumes;
+  // Why the last of the failed files failed, in the order of the queue.
+  std::vector<std::pair<std::uint32_t, Failure>> failures;
 };
 
 // Keeps what was queued, out of the engine's way: the engine itself holds a few bytes a file.
@@ -58,6 +61,8 @@ class IQueueStore {
   // What the next attempt at this file can go on with; nothing begun forgets it. A file that is
   // completed or removed has none any more.
   virtual void saveResume(FileRef file, const TransferResume& resume) = 0;
+  // Why the file has failed. It counts as long as the file's state is kFailed.
+  virtual void saveFailure(FileRef file, const Failure& failure) = 0;
 
   virtual std::string fileId(FileRef file) const = 0;
   // The file with this fileId that was appended last and not removed.

@@ -7,6 +7,9 @@ std::chrono::milliseconds CRetryPlan::delay(std::uint32_t retry, const AttemptOu
 }
 
 void CRetryPlan::rest(CTransferGroup::Pace& pace, const AttemptOutcome& outcome, TimePoint now) {
+  if (outcome.sharedTrouble) {
+    pace.waitingFor = failureOf(outcome.code, outcome.reason);
+  }
   if (outcome.sharedTrouble && pace.notBefore <= now) {
     ++pace.troubles;
     pace.notBefore = now + delay(pace.troubles, outcome);

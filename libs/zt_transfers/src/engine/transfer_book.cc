@@ -51,6 +51,7 @@ void CTransferBook::restore(std::int32_t lastGroupId, std::vector<RestoredGroup>
                             bool needsMark) {
   groups_.clear();
   resumes_ = {};
+  failures_ = {};
   lastGroupId_ = lastGroupId;
   for (RestoredGroup& restored : groups) {
     restore(restored, needsMark);
@@ -71,6 +72,9 @@ void CTransferBook::restore(RestoredGroup& restored, bool needsMark) {
     if (phase == FilePhase::kWaiting || phase == FilePhase::kFailed) {
       resumes_.keep(*group, index, resume);
     }
+  }
+  for (auto& [index, failure] : restored.failures) {
+    failures_.add(id, index, std::move(failure));
   }
   lastGroupId_ = std::max(lastGroupId_, id);
   groups_.emplace(id, std::move(group));
@@ -101,6 +105,7 @@ void CTransferBook::cancel(CTransferGroup& group) {
   for (auto& [index, resume] : resumes_.takeAll(group)) {
     leftovers_.push_back({bytesOf(group.identity().folder), std::move(resume), {}});
   }
+  failures_.forgetGroup(group.id());
   group.setCancelled();
   store_.removeGroup(group.id());
 }
@@ -121,11 +126,20 @@ void CTransferBook::tellAnew(const CTransferGroup& group) {
 
 void CTransferBook::move(CTransferGroup& group, std::uint32_t index, FilePhase to) {
   const FilePhase before = kept(group.file(index).phase);
+  if (before == FilePhase::kFailed) {
+    failures_.forget(group.id(), index);
+  }
   group.changePhase(index, to);
   if (kept(to) != before) {
     keepFile(group, index);
   }
   reporter_.file(fileState(group, index));
+}
+
+void CTransferBook::fail(CTransferGroup& group, std::uint32_t index, const Failure& failure) {
+  failures_.add(group.id(), index, failure);
+  store_.saveFailure({group.id(), index}, failure);
+  move(group, index, FilePhase::kFailed);
 }
 
 void CTransferBook::setSize(CTransferGroup& group, std::uint32_t index, std::uint64_t size) {
@@ -138,6 +152,7 @@ void CTransferBook::remove(CTransferGroup& group, std::uint32_t index) {
     stop(job->id, group, Rest::kForget);
   }
   discardRest(group, index);
+  failures_.forget(group.id(), index);
   group.changePhase(index, FilePhase::kRemoved);
   store_.remove({group.id(), index});
 }

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "engine/failure_book.h"
 #include "engine/job_table.h"
 #include "engine/queue_store.h"
 #include "engine/reporter.h"
@@ -48,6 +49,8 @@ class CTransferBook {
 
   // A file takes this step.
   void move(CTransferGroup& group, std::uint32_t index, FilePhase to);
+  // The same to kFailed.
+  void fail(CTransferGroup& group, std::uint32_t index, const Failure& failure);
   void setSize(CTransferGroup& group, std::uint32_t index, std::uint64_t size);
   void remove(CTransferGroup& group, std::uint32_t index);
 
@@ -64,6 +67,7 @@ class CTransferBook {
   std::vector<AttemptStop> takeStops() { return std::exchange(stops_, {}); }
   std::vector<Leftover> takeLeftovers() { return std::exchange(leftovers_, {}); }
 
+  const CFailureBook& failures() const { return failures_; }
   FileState fileState(const CTransferGroup& group, std::uint32_t index) const;
   // For the log.
   std::string fileText(const CTransferGroup& group, std::uint32_t index);
@@ -80,6 +84,7 @@ class CTransferBook {
   Groups groups_;
   CJobTable jobs_;
   CResumeBook resumes_;
+  CFailureBook failures_;
   std::vector<AttemptStop> stops_;
   std::vector<Leftover> leftovers_;
   CReporter reporter_;

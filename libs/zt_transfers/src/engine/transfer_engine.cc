@@ -18,7 +18,7 @@ CTransferEngine::CTransferEngine(Options options, const Surroundings& surroundin
 void CTransferEngine::restore(std::int32_t lastGroupId, std::vector<RestoredGroup> groups) {
   const std::lock_guard lock(mutex_);
   unmeasured_.clear();
-  for (const auto& [kept, files, resumes] : groups) {
+  for (const auto& [kept, files, resumes, failures] : groups) {
     for (std::uint32_t index = 0; index < files.size(); ++index) {
       if (!files[index].sizeKnown && files[index].phase == FilePhase::kWaiting) {
         unmeasured_.add({kept.identity.id, index});
@@ -52,6 +52,25 @@ std::optional<GroupSnapshot> CTransferEngine::group(std::int32_t groupId) const 
     return std::nullopt;
   }
   return found->second->snapshot(planner_.running(), clock_.now());
+}
+
+std::optional<CTransferEngine::GroupReport> CTransferEngine::report(std::int32_t groupId) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = book_.groups().find(groupId);
+  if (found == book_.groups().end() || found->second->cancelled()) {
+    return std::nullopt;
+  }
+  const CTransferGroup& group = *found->second;
+  GroupReport report{.shot = group.snapshot(planner_.running(), clock_.now()),
+                     .token = group.identity().token};
+  if (!report.shot.waitingFor.empty()) {
+    report.waitingFor = group.pace.waitingFor;
+  }
+  report.filesFailed = group.count(FilePhase::kFailed);
+  for (auto& [index, failure] : book_.failures().of(groupId)) {
+    report.failures.push_back({store_.fileId({groupId, index}), std::move(failure)});
+  }
+  return report;
 }
 
 void CTransferEngine::change(std::int32_t groupId,
@@ -149,6 +168,10 @@ void CTransferEngine::resumeGroup(std::int32_t groupId) {
     book_.keep(group);
     group.pace.notBefore = TimePoint{};
     group.pace.troubles = 0;
+    group.pace.waitingFor.reset();
+    for (const std::uint32_t index : group.backingOff()) {
+      book_.move(group, index, FilePhase::kWaiting);
+    }
     for (const std::uint32_t index : group.takePaused()) {
       if (group.file(index).phase == FilePhase::kPaused) {
         book_.move(group, index, FilePhase::kWaiting);
@@ -276,6 +299,7 @@ bool CTransferEngine::collectProgress() {
   for (auto& [id, job] : book_.jobs()) {
     CTransferGroup& group = *book_.find(job.file.groupId);
     if (foldProgress(job, group, now)) {
+      group.pace.waitingFor.reset();
       book_.tell(group);
     }
     if (job.counted != job.told && now - job.toldAt >= CReporter::kInterval) {

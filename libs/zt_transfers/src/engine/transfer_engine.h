@@ -36,6 +36,19 @@ class CTransferEngine final : public IAttemptObserver {
   using Stop = AttemptStop;
   using Work = TransferWork;
   using Unmeasured = CUnmeasuredFiles::File;
+  // A group for a report to the service.
+  struct GroupReport {
+    struct FailedFile {
+      std::string fileId;
+      Failure failure;
+    };
+
+    GroupSnapshot shot;
+    std::string token;
+    std::optional<Failure> waitingFor{};  // why nothing moves although something is to be done
+    std::uint32_t filesFailed = 0;
+    std::vector<FailedFile> failures{};  // the newest first; not all, if there are many
+  };
   struct Measured {
     FileRef file;
     std::uint64_t size = 0;
@@ -64,6 +77,7 @@ class CTransferEngine final : public IAttemptObserver {
   std::int32_t createGroup(GroupIdentity identity);
   std::vector<GroupSnapshot> groups() const;
   std::optional<GroupSnapshot> group(std::int32_t groupId) const;
+  std::optional<GroupReport> report(std::int32_t groupId) const;
   void queueFiles(std::int32_t groupId, const std::vector<FileSpec>& specs);
   void dequeueFiles(std::int32_t groupId, const std::vector<std::string>& fileIds);
   void setMarked(std::int32_t groupId, bool marked);

@@ -140,6 +140,9 @@ GroupSnapshot CTransferGroup::snapshot(bool running, TimePoint now) const {
   shot.marked = isMarked_;
   shot.filesCompleted = static_cast<std::int32_t>(count(FilePhase::kCompleted));
   shot.folder = identity_.folder;
+  if (pace.waitingFor && shot.state == kGroupTransferring) {
+    shot.waitingFor = pace.waitingFor->code;
+  }
   return shot;
 }
 

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "engine/failure.h"
 #include "engine/file_phase.h"
 #include "pace/clock.h"
 #include "pace/rate_meter.h"
@@ -31,6 +32,7 @@ struct GroupSnapshot : GroupStateBase {
   bool marked = false;
   std::int32_t filesCompleted = 0;
   std::wstring folder;
+  std::string waitingFor;  // the code of what keeps it from going on; empty: nothing
 };
 
 // What the engine itself holds of one file; everything else is in the queue store.
@@ -95,9 +97,10 @@ class CTransferGroup {
 
   // The scheduler's notes on this group.
   struct Pace {
-    bool listed = false;         // stands in the scheduler's round
-    TimePoint notBefore{};       // the server or the network needs a rest until then
-    std::uint32_t troubles = 0;  // rests in a row without a success
+    bool listed = false;                  // stands in the scheduler's round
+    TimePoint notBefore{};                // the server or the network needs a rest until then
+    std::uint32_t troubles = 0;           // rests in a row without a success
+    std::optional<Failure> waitingFor{};  // why it rests; until something moves again
   };
   Pace pace;
 

@@ -100,7 +100,7 @@ bool CWorkPlanner::beginNext(CTransferGroup& group, TransferWork& work) {
     return false;
   }
   if (expired(group.identity().tokenExpires)) {
-    failWaiting(group, *index, "the group's token has expired", work);
+    failWaiting(group, *index, {failure::kTokenExpired, "the group's token has expired"}, work);
     return true;
   }
   auto spec = store_.spec({group.id(), *index});
@@ -109,11 +109,11 @@ bool CWorkPlanner::beginNext(CTransferGroup& group, TransferWork& work) {
       group.putBack(*index);
       return false;  // the engine is told when it comes
     }
-    failWaiting(group, *index, "its description cannot be read", work);
+    failWaiting(group, *index, {failure::kQueueUnreadable, "its description cannot be read"}, work);
     return true;
   }
   if (expired(spec->expires)) {
-    failWaiting(group, *index, "its URL has expired", work);
+    failWaiting(group, *index, {failure::kUrlExpired, "its URL has expired"}, work);
     return true;
   }
   StartOrder& order = work.starts.emplace_back(book_.begin(group, *index, std::move(*spec)));
@@ -125,10 +125,10 @@ bool CWorkPlanner::beginNext(CTransferGroup& group, TransferWork& work) {
   return true;
 }
 
-void CWorkPlanner::failWaiting(CTransferGroup& group, std::uint32_t index,
-                               const std::string& reason, TransferWork& work) {
-  work.failures.push_back(book_.fileText(group, index) + ": failed: " + reason);
-  book_.move(group, index, FilePhase::kFailed);
+void CWorkPlanner::failWaiting(CTransferGroup& group, std::uint32_t index, const Trouble& trouble,
+                               TransferWork& work) {
+  work.failures.push_back(book_.fileText(group, index) + ": failed: " + trouble.reason);
+  book_.fail(group, index, failureOf(trouble.code, trouble.reason));
   book_.tell(group);
 }
 
@@ -140,6 +140,7 @@ std::string CWorkPlanner::settle(CTransferGroup& group, std::uint32_t index,
                                  const AttemptOutcome& outcome) {
   if (outcome.kind == AttemptOutcome::Kind::kDone) {
     group.pace.troubles = 0;
+    group.pace.waitingFor.reset();
     const std::string text = book_.fileText(group, index);
     book_.move(group, index, FilePhase::kCompleted);
     return text + ": completed";
@@ -147,13 +148,11 @@ std::string CWorkPlanner::settle(CTransferGroup& group, std::uint32_t index,
   if (outcome.progressed) {
     group.forgetRetries(index);
   }
-  const bool again = outcome.kind == AttemptOutcome::Kind::kRetry &&
-                     group.file(index).retries < settings_.maxRetries;
-  if (again) {
+  if (mayRetry(group.file(index), outcome)) {
     return scheduleRetry(group, index, outcome);
   }
   const std::string text = book_.fileText(group, index);
-  book_.move(group, index, FilePhase::kFailed);
+  book_.fail(group, index, failureOf(outcome.code, outcome.reason));
   const std::string after =
       outcome.kind == AttemptOutcome::Kind::kRetry
           ? " after " + std::to_string(group.file(index).retries + 1) + " attempts"
@@ -161,14 +160,34 @@ std::string CWorkPlanner::settle(CTransferGroup& group, std::uint32_t index,
   return text + ": failed" + after + ": " + outcome.reason;
 }
 
+bool CWorkPlanner::mayRetry(const FileSlot& file, const AttemptOutcome& outcome) const {
+  if (outcome.kind != AttemptOutcome::Kind::kRetry) {
+    return false;
+  }
+  switch (outcome.blame) {
+    case AttemptOutcome::Blame::kOutside:
+      return true;
+    case AttemptOutcome::Blame::kUnclear:
+      return file.retries < std::max<std::uint32_t>(settings_.maxRetries, 1);
+    default:
+      return file.retries < settings_.maxRetries;
+  }
+}
+
 std::string CWorkPlanner::scheduleRetry(CTransferGroup& group, std::uint32_t index,
                                         const AttemptOutcome& outcome) {
   const TimePoint now = clock_.now();
+  retries_.rest(group.pace, outcome, now);
+  book_.move(group, index, FilePhase::kBackingOff);
+  if (outcome.blame == AttemptOutcome::Blame::kOutside) {
+    const auto delay = retries_.delay(std::max<std::uint32_t>(group.pace.troubles, 1), outcome);
+    schedule_.addDue({now + delay, {group.id(), index}, false});
+    return book_.fileText(group, index) + ": waits " + std::to_string(delay.count()) +
+           " ms until it can go on: " + outcome.reason;
+  }
   group.countRetry(index);
   const std::uint32_t retry = group.file(index).retries;
   const auto delay = retries_.delay(retry, outcome);
-  retries_.rest(group.pace, outcome, now);
-  book_.move(group, index, FilePhase::kBackingOff);
   schedule_.addDue({now + delay, {group.id(), index}, false});
   return book_.fileText(group, index) + ": attempt " + std::to_string(retry) + " of " +
          std::to_string(settings_.maxRetries + 1) + " failed, next in " +

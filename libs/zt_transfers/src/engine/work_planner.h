@@ -40,8 +40,9 @@ class CWorkPlanner {
   void wakeRetries();
   void beginReady(TransferWork& work);
   bool beginNext(CTransferGroup& group, TransferWork& work);
-  void failWaiting(CTransferGroup& group, std::uint32_t index, const std::string& reason,
+  void failWaiting(CTransferGroup& group, std::uint32_t index, const Trouble& trouble,
                    TransferWork& work);
+  bool mayRetry(const FileSlot& file, const AttemptOutcome& outcome) const;
   // `time` in seconds since 1970; 0: never
   bool expired(std::uint64_t time) const;
   std::string scheduleRetry(CTransferGroup& group, std::uint32_t index,

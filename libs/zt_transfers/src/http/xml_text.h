@@ -5,13 +5,13 @@
 
 namespace zt_transfers {
 
-// A server's XML answer. Element names are compared without a namespace's prefix; of a document that
-// breaks off, what came before is there.
+// A server's XML answer. Element names are compared without a namespace's prefix; of a document
+// that breaks off, what came before is there.
 class CXmlText {
  public:
   explicit CXmlText(std::string_view text) {
-    whole_ = document_.load_buffer(text.data(), text.size(), pugi::parse_default,
-                                   pugi::encoding_utf8);
+    whole_ =
+        document_.load_buffer(text.data(), text.size(), pugi::parse_default, pugi::encoding_utf8);
   }
 
   // Whether it is well-formed to its end.

@@ -63,9 +63,13 @@ CManagerCore::CManagerCore(Options options)
               {.clock = clock_, .store = queue_.store(), .events = events_, .log = log_}),
       pool_("zt-disk-" + options_.shortName),
       loop_("zt-net-" + options_.shortName, clock_),
+      progress_(options_.engine.activity,
+                {.loop = loop_,
+                 .log = log_,
+                 .look = [this](std::int32_t id) { return engine_.report(id); }}),
       notifier_("zt-tell-" + options_.shortName, events_,
                 {.prepare = [this](const auto& events) { settleCompleted(events); },
-                 .deliver = options_.deliver,
+                 .deliver = [this](const auto& event) { deliver(event); },
                  .collectProgress = [this] { return engine_.collectProgress(); },
                  .caughtUp = [this] { loop_.wake(); }}),
       sleepGuard_("zt-wake-" + options_.shortName,
@@ -111,6 +115,7 @@ void CManagerCore::configure(const CTransferManagerBase::Configuration& configur
                                  .size = configuration.partSize,
                                  .requests = configuration.maxConcurrentTransfers}});
   sleepGuard_.setWanted(configuration.preventSleep);
+  progress_.setProxy(configuration.proxy);
   throttle_ = configuration.throttleBytesPerSecond;
   loop_.post([this, rate = throttle_] { loop_.throttle().setRate(rate, clock_.now()); });
 }
@@ -127,7 +132,11 @@ void CManagerCore::startup() {
   sleepGuard_.start();
   pool_.start(kPoolSize);
   loop_.throttle().setRate(throttle_, clock_.now());  // before anything is begun
-  loop_.start([this] { return turn(); }, [this] { runner_->stopAll(); });
+  loop_.start([this] { return turn(); },
+              [this] {
+                progress_.stop();
+                runner_->stopAll();
+              });
 }
 
 void CManagerCore::shutdown() {
@@ -155,6 +164,13 @@ void CManagerCore::closeQueue() {
   opened_ = queue_.isOpen() ? !queue_.close() : !engine_.groups().empty();
 }
 
+void CManagerCore::deliver(const TransferEvent& event) {
+  if (const auto* group = std::get_if<GroupSnapshot>(&event)) {
+    progress_.note(*group);
+  }
+  options_.deliver(event);
+}
+
 // What the program is told to be completed is so after a crash as well.
 void CManagerCore::settleCompleted(const std::vector<TransferEvent>& events) {
   const bool completed = std::any_of(events.begin(), events.end(), [](const TransferEvent& event) {
@@ -180,8 +196,12 @@ std::optional<TimePoint> CManagerCore::turn() {
     allBegun = runner_->start(std::move(order)) && allBegun;
   }
   sleepGuard_.setTransferring(engine_.isTransferring());
-  // An attempt that could not even begin has made room for the next.
-  return allBegun ? work.nextDue : clock_.now();
+  const auto report = progress_.turn();
+  if (!allBegun) {
+    return clock_.now();  // an attempt that could not even begin has made room for the next
+  }
+  return work.nextDue && report ? std::min(*work.nextDue, *report)
+                                : (report ? report : work.nextDue);
 }
 
 // Lets the pool find sizes, one portion at a time so that transfers get their turn there.

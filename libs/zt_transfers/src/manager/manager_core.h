@@ -12,6 +12,7 @@
 #include "log/log.h"
 #include "manager/notifier.h"
 #include "power/sleep_guard.h"
+#include "progress/progress_reporter.h"
 #include "store/stored_queue.h"
 #include "threads/worker_pool.h"
 #include "zt_transfers/transfer_manager_base.h"
@@ -68,6 +69,7 @@ class CManagerCore {
 
   void openQueue();
   void closeQueue();
+  void deliver(const TransferEvent& event);
   void settleCompleted(const std::vector<TransferEvent>& events);
   std::optional<TimePoint> turn();
   void measureSources();
@@ -80,6 +82,7 @@ class CManagerCore {
   CTransferEngine engine_;
   CWorkerPool pool_;
   CHttpLoop loop_;
+  CProgressReporter progress_;
   CNotifier notifier_;
   CSleepGuard sleepGuard_;
   const std::unique_ptr<IAttemptRunner> runner_;

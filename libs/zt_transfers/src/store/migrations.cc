@@ -45,10 +45,19 @@ constexpr const char* kResumes = R"(
   );
 )";
 
+constexpr const char* kFailures = R"(
+  -- Why files failed. What it says of a file in another state has passed.
+  CREATE TABLE failures(
+    id     INTEGER PRIMARY KEY,
+    code   BLOB NOT NULL,
+    reason BLOB NOT NULL
+  );
+)";
+
 }  // namespace
 
 const std::vector<Migration>& queueMigrations() {
-  static const std::vector<Migration> migrations{{1, kFirstSchema}, {2, kResumes}};
+  static const std::vector<Migration> migrations{{1, kFirstSchema}, {2, kResumes}, {3, kFailures}};
   return migrations;
 }
 

@@ -19,6 +19,7 @@ struct QueueChange {
     kSpec,          // another description
     kState,
     kResume,
+    kFailure,
     kFileRemoved,
   };
 
@@ -34,6 +35,7 @@ struct QueueWrite {
   std::string_view fileId{};           // kFile
   std::string_view spec{};             // kFile and kSpec; empty: none any more
   std::string_view resume{};           // kResume; empty: none any more
+  const Failure* failure = nullptr;    // kFailure
 };
 
 // Changes in their order, which become durable together.
@@ -41,6 +43,7 @@ struct QueueBatch {
   std::vector<QueueWrite> writes;
   // What they point to.
   std::deque<StoredGroup> groups;
+  std::deque<Failure> failures;
   CTextArena texts;
 };
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "engine/failure_book.h"
 #include "engine/packed_resume.h"
 #include "engine/packing.h"
 
@@ -140,6 +141,12 @@ CQueueDatabase::Statements::Statements(sqlite3* connection)
       saveResume(connection, "INSERT OR REPLACE INTO resumes VALUES(?, ?)"),
       removeResume(connection, "DELETE FROM resumes WHERE id = ?"),
       resumes(connection, "SELECT id, resume FROM resumes WHERE id BETWEEN ? AND ? ORDER BY id"),
+      saveFailure(connection, "INSERT OR REPLACE INTO failures VALUES(?, ?, ?)"),
+      removeFailure(connection, "DELETE FROM failures WHERE id = ?"),
+      failures(connection,
+               "SELECT id, code, reason FROM (SELECT * FROM failures WHERE id BETWEEN ? AND ? "
+               "AND (SELECT state FROM files WHERE files.id = failures.id) = 2 "
+               "ORDER BY id DESC LIMIT ?) ORDER BY id"),
       removedGroup(connection, "SELECT id FROM removed_groups LIMIT 1"),
       sweepFiles(connection,
                  "DELETE FROM files WHERE id IN "
@@ -150,6 +157,9 @@ CQueueDatabase::Statements::Statements(sqlite3* connection)
       sweepResumes(connection,
                    "DELETE FROM resumes WHERE id IN "
                    "(SELECT id FROM resumes WHERE id BETWEEN ? AND ? LIMIT 4000)"),
+      sweepFailures(connection,
+                    "DELETE FROM failures WHERE id IN "
+                    "(SELECT id FROM failures WHERE id BETWEEN ? AND ? LIMIT 4000)"),
       endSweep(connection, "DELETE FROM removed_groups WHERE id = ?") {}
 
 void CQueueDatabase::read(const Reader& reader) {
@@ -173,6 +183,17 @@ void CQueueDatabase::read(const Reader& reader) {
         reader.resume(fileOf(resumes.number(0)), *resume);
       }
     }
+    readFailures(id, reader);
+  }
+}
+
+void CQueueDatabase::readFailures(std::int32_t groupId, const Reader& reader) {
+  CSqliteStatement& failures = statements_->failures;
+  failures.bind(1, rowOf({groupId, 0})).bind(2, rowOf({groupId, 0xFFFFFFFF}));
+  failures.bind(3, std::int64_t{CFailureBook::kMostOfAGroup});
+  while (failures.step()) {
+    reader.failure(fileOf(failures.number(0)),
+                   {std::string(failures.bytes(1)), std::string(failures.bytes(2))});
   }
 }
 
@@ -219,10 +240,17 @@ void CQueueDatabase::write(const QueueWrite& write) {
     case QueueChange::Kind::kResume:
       writeResume(row, write.resume);
       break;
+    case QueueChange::Kind::kFailure:
+      statements_->saveFailure.bind(1, row)
+          .bindBytes(2, write.failure->code)
+          .bindBytes(3, write.failure->reason)
+          .run();
+      break;
     case QueueChange::Kind::kFileRemoved:
       statements_->removeFile.bind(1, row).run();
       statements_->removeSpec.bind(1, row).run();
       statements_->removeResume.bind(1, row).run();
+      statements_->removeFailure.bind(1, row).run();
       break;
   }
 }
@@ -247,6 +275,7 @@ void CQueueDatabase::writeState(std::int64_t id, const StoredState& state) {
   if (state.phase == FilePhase::kCompleted) {
     statements_->removeSpec.bind(1, id).run();
     statements_->removeResume.bind(1, id).run();
+    statements_->removeFailure.bind(1, id).run();
   }
 }
 
@@ -276,8 +305,8 @@ bool CQueueDatabase::sweep() {
   removed.reset();
   CSqliteTransaction transaction(connection_);
   int swept = 0;
-  for (CSqliteStatement* statement :
-       {&statements_->sweepFiles, &statements_->sweepSpecs, &statements_->sweepResumes}) {
+  for (CSqliteStatement* statement : {&statements_->sweepFiles, &statements_->sweepSpecs,
+                                      &statements_->sweepResumes, &statements_->sweepFailures}) {
     statement->bind(1, rowOf({id, 0})).bind(2, rowOf({id, 0xFFFFFFFF})).run();
     swept += sqlite3_changes(connection_.get());
   }

@@ -37,6 +37,8 @@ class CQueueDatabase {
     std::function<void(FileRef, const StoredState&, std::string_view fileId)> file;
     // What is left of one of those files.
     std::function<void(FileRef, const TransferResume&)> resume;
+    // Why files of that group failed, in ascending order; the last ones only, if there are many.
+    std::function<void(FileRef, const Failure&)> failure;
   };
   void read(const Reader& reader);
   // The highest id that a group ever had; 0 without one.
@@ -57,6 +59,7 @@ class CQueueDatabase {
   void writeGroup(const StoredGroup& group);
   void writeResume(std::int64_t id, std::string_view resume);
   void writeState(std::int64_t id, const StoredState& state);
+  void readFailures(std::int32_t groupId, const Reader& reader);
   void check(const std::string& path);
 
   CSqliteConnection connection_;
@@ -79,10 +82,14 @@ class CQueueDatabase {
     CSqliteStatement saveResume;
     CSqliteStatement removeResume;
     CSqliteStatement resumes;
+    CSqliteStatement saveFailure;
+    CSqliteStatement removeFailure;
+    CSqliteStatement failures;
     CSqliteStatement removedGroup;
     CSqliteStatement sweepFiles;
     CSqliteStatement sweepSpecs;
     CSqliteStatement sweepResumes;
+    CSqliteStatement sweepFailures;
     CSqliteStatement endSweep;
   };
   std::unique_ptr<Statements> statements_;

@@ -19,6 +19,7 @@ void CQueueStore::stopRecording() {
   changes_.clear();
   changedGroups_.clear();
   changedResumes_.clear();
+  changedFailures_.clear();
   requests_.clear();
 }
 
@@ -104,6 +105,14 @@ void CQueueStore::saveResume(FileRef file, const TransferResume& resume) {
   if (changed && listener_) {
     changedResumes_[key] = resume.begun() ? packed(resume) : std::string();
     note(Kind::kResume, file);
+  }
+}
+
+void CQueueStore::saveFailure(FileRef file, const Failure& failure) {
+  const std::lock_guard lock(mutex_);
+  if (listener_) {
+    changedFailures_[{file.groupId, file.index}] = failure;
+    note(Kind::kFailure, file);
   }
 }
 
@@ -246,6 +255,13 @@ bool CQueueStore::fillIn(QueueWrite& write, QueueBatch& batch) {
     }
     return changed && files != nullptr;
   }
+  if (kind == Kind::kFailure) {
+    auto changed = changedFailures_.extract({file.groupId, file.index});
+    if (changed) {
+      write.failure = &batch.failures.emplace_back(std::move(changed.mapped()));
+    }
+    return changed && files != nullptr;
+  }
   if (files == nullptr) {
     return false;  // gone with its group
   }
@@ -286,6 +302,9 @@ void CQueueStore::putBack(const QueueBatch& batch) {
     }
     if (write->change.kind == Kind::kResume) {
       changedResumes_.emplace(Key{file.groupId, file.index}, write->resume);
+    }
+    if (write->failure != nullptr) {
+      changedFailures_.emplace(Key{file.groupId, file.index}, *write->failure);
     }
     CFileTable* files = table(file.groupId);
     if (files != nullptr && !write->spec.empty()) {

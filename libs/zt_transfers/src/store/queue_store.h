@@ -54,6 +54,7 @@ class CQueueStore : public IQueueStore {
   void setState(FileRef file, const StoredState& state) override;
   void remove(FileRef file) override;
   void saveResume(FileRef file, const TransferResume& resume) override;
+  void saveFailure(FileRef file, const Failure& failure) override;
   std::string fileId(FileRef file) const override;
   std::optional<std::uint32_t> find(std::int32_t groupId, const std::string& fileId) const override;
   std::optional<FileSpec> spec(FileRef file) override;
@@ -104,6 +105,7 @@ class CQueueStore : public IQueueStore {
   std::unordered_map<std::int32_t, std::unique_ptr<CFileTable>> tables_;
   std::unordered_map<std::int32_t, StoredGroup> changedGroups_;  // not written yet
   std::map<Key, std::string> changedResumes_;  // not written yet; empty: none any more
+  std::map<Key, Failure> changedFailures_;     // not written yet
   std::set<Key> resumes_;                      // files that have one
   std::deque<QueueChange> changes_;
   std::uint64_t noted_ = 0;

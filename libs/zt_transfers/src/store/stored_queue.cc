@@ -46,7 +46,7 @@ void CStoredQueue::load(CQueueDatabase& database, Found& found) {
   found = {.lastGroupId = database.lastGroupId(), .groups = {}};
   database.read({.group =
                      [&](const StoredGroup& group) {
-                       found.groups.push_back({group, {}, {}});
+                       found.groups.push_back({group, {}, {}, {}});
                        store_.restoreGroup(group.identity.id);
                      },
                  .file =
@@ -64,6 +64,12 @@ void CStoredQueue::load(CQueueDatabase& database, Found& found) {
                        if (file.index < found.groups.back().files.size()) {
                          found.groups.back().resumes.emplace_back(file.index, resume);
                          store_.restoreResume(file);
+                       }
+                     },
+                 .failure =
+                     [&](FileRef file, const Failure& failure) {
+                       if (file.index < found.groups.back().files.size()) {
+                         found.groups.back().failures.emplace_back(file.index, failure);
                        }
                      }});
 }

@@ -50,7 +50,7 @@ void CFileRequest::onSourceOpened(const SourceVersion& version) {
     exchange_ = std::make_unique<CHttpExchange>(
         tools_.loop, request, *this, [this](const HttpAnswer& answer) { onAnswer(answer); });
   } catch (const std::exception& error) {
-    listener_.onRequestFailed(*this, error.what());
+    listener_.onRequestFailed(*this, {failure::kBadRequest, error.what()});
     return;
   }
   tools_.loop.throttle().enter(*this);
@@ -62,8 +62,8 @@ void CFileRequest::onSourceReady() {
   }
 }
 
-void CFileRequest::onSourceFailed(const std::string& reason) {
-  listener_.onRequestFailed(*this, reason);
+void CFileRequest::onSourceFailed(const Trouble& trouble) {
+  listener_.onRequestFailed(*this, trouble);
 }
 
 IHttpBody::Read CFileRequest::read(char* to, std::size_t room, std::size_t& copied) {

@@ -41,7 +41,7 @@ class CFileRequest final : public CUploadSource::IListener,
     virtual void onRequestMoved(CFileRequest& request) = 0;
     virtual void onRequestAnswered(CFileRequest& request, const HttpAnswer& answer) = 0;
     // It cannot be sent; `reason` is for the log.
-    virtual void onRequestFailed(CFileRequest& request, const std::string& reason) = 0;
+    virtual void onRequestFailed(CFileRequest& request, const Trouble& trouble) = 0;
 
    protected:
     ~IListener() = default;
@@ -68,7 +68,7 @@ class CFileRequest final : public CUploadSource::IListener,
 
   void onSourceOpened(const SourceVersion& version) override;
   void onSourceReady() override;
-  void onSourceFailed(const std::string& reason) override;
+  void onSourceFailed(const Trouble& trouble) override;
   Read read(char* to, std::size_t room, std::size_t& copied) override;
   bool rewind() override;
   void onThrottleOpen() override { exchange_->resumeBody(); }

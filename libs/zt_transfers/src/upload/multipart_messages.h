@@ -10,8 +10,8 @@
 
 namespace zt_transfers {
 
-// The XML messages of an upload in parts. Nothing comes of answers that are no such message, whole and
-// with what is needed in it.
+// The XML messages of an upload in parts. Nothing comes of answers that are no such message, whole
+// and with what is needed in it.
 
 // Of the answer to the beginning of an upload.
 std::optional<std::string> uploadIdOf(std::string_view xml);
@@ -35,8 +35,8 @@ std::string completionOf(std::vector<SentPart> parts);
 // The tag in the answer to it, which can be empty.
 std::optional<std::string> completedETagOf(std::string_view xml);
 
-// The tag that an object made of these parts has; nothing when their tags are no digests of what was
-// sent.
+// The tag that an object made of these parts has; nothing when their tags are no digests of what
+// was sent.
 std::optional<std::string> compositeTagOf(std::vector<SentPart> parts);
 
 }  // namespace zt_transfers

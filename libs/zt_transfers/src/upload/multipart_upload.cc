@@ -57,7 +57,7 @@ void CMultipartUpload::takeUp(UploadSession session) {
   try {
     survey_->begin();
   } catch (const std::exception& error) {
-    end(AttemptOutcome::final(error.what()));
+    end(AttemptOutcome::final(error.what(), failure::kBadRequest));
   }
 }
 
@@ -74,15 +74,16 @@ void CMultipartUpload::startAnew() {
 void CMultipartUpload::call(std::unique_ptr<CStoreCall>& slot, CStoreCall::Request request,
                             OnAnswer onAnswer) {
   try {
-    slot = std::make_unique<CStoreCall>(
-        tools_.loop, tools_.log, std::move(request),
-        [this, &slot, onAnswer](const HttpAnswer& answer) {
-          // Kept to the end of this, and out of the way of the next one.
-          const std::unique_ptr<CStoreCall> finished = std::move(slot);
-          (this->*onAnswer)(answer);
-        });
+    slot = std::make_unique<CStoreCall>(tools_.loop, tools_.log, std::move(request),
+                                        [this, &slot, onAnswer](const HttpAnswer& answer) {
+                                          // Kept to the end of this, and out of the way of the next
+                                          // one.
+                                          const std::unique_ptr<CStoreCall> finished =
+                                              std::move(slot);
+                                          (this->*onAnswer)(answer);
+                                        });
   } catch (const std::exception& error) {
-    end(AttemptOutcome::final(error.what()));
+    end(AttemptOutcome::final(error.what(), failure::kBadRequest));
   }
 }
 
@@ -266,8 +267,8 @@ void CMultipartUpload::fail(const HttpAnswer& answer, const AttemptOutcome& outc
   end(outcome);
 }
 
-void CMultipartUpload::failSource(const std::string& reason) {
-  const AttemptOutcome outcome = AttemptOutcome::final(reason);
+void CMultipartUpload::failSource(const Trouble& trouble) {
+  const AttemptOutcome outcome = AttemptOutcome::final(trouble.reason, trouble.code);
   listener_.onSessionAbandoned(session_);
   dropSession();
   end(outcome);

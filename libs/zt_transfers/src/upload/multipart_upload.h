@@ -20,9 +20,9 @@ namespace zt_transfers {
 //       ▼            │                        ▼
 //   initiating ──────┘ ◄───────────────── looking up ──► done
 //
-// It begins with surveying if an attempt before has left a session, else with initiating. Looking up
-// sees whether the parts were put together before, without an answer having come. What is left at
-// the end, and kept in the order's progress all the time, is the session.
+// It begins with surveying if an attempt before has left a session, else with initiating. Looking
+// up sees whether the parts were put together before, without an answer having come. What is left
+// at the end, and kept in the order's progress all the time, is the session.
 //
 // Thread: the loop's, on which the listener is called, too. Destruction ends it without an answer.
 class CMultipartUpload final : public CPartSender::IListener {
@@ -77,7 +77,7 @@ class CMultipartUpload final : public CPartSender::IListener {
   void add(const SentPart& part);
   void dropSession();
   void fail(const HttpAnswer& answer, const AttemptOutcome& outcome);
-  void failSource(const std::string& reason);
+  void failSource(const Trouble& trouble);
   void end(AttemptOutcome outcome);
   std::int64_t now() const { return tools_.loop.clock().secondsSince1970(); }
 

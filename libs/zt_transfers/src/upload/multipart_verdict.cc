@@ -19,7 +19,8 @@ bool isRefusedForGood(long status) {
 
 AttemptOutcome errorDocument(const HttpAnswer& answer, const std::string& code) {
   return AttemptOutcome::retry("the server answered " + std::to_string(answer.status) +
-                               " with an error document (" + code + ")");
+                                   " with an error document (" + code + ")",
+                               failure::kServerTrouble);
 }
 
 }  // namespace
@@ -60,7 +61,7 @@ CompletionVerdict judgeCompletion(const HttpAnswer& answer, const std::optional<
     const auto code = errorDocumentCode(answer.body);
     if (code == "InvalidPart" || code == "InvalidPartOrder") {
       // What it has will be asked for again.
-      outcome = AttemptOutcome::retry(outcome.reason);
+      outcome = AttemptOutcome::retry(outcome.reason, failure::kServerTrouble);
     }
     return {Completion::kFailed, outcome};
   }
@@ -70,12 +71,14 @@ CompletionVerdict judgeCompletion(const HttpAnswer& answer, const std::optional<
   const auto etag = completedETagOf(answer.body);
   if (!etag) {
     return {Completion::kFailed,
-            AttemptOutcome::retry("the server did not confirm that it put the parts together")};
+            AttemptOutcome::retry("the server did not confirm that it put the parts together",
+                                  failure::kServerTrouble)};
   }
   const auto given = compositeOfETag(*etag);
   if (tag && given && *given != *tag) {
     return {Completion::kOtherContent, AttemptOutcome::retry("the server has other content: ETag " +
-                                                             *given + " instead of " + *tag)};
+                                                                 *given + " instead of " + *tag,
+                                                             failure::kWrongDigest)};
   }
   return {Completion::kDone, AttemptOutcome::done()};
 }

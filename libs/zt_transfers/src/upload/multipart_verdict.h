@@ -14,9 +14,9 @@ namespace zt_transfers {
 
 // The answer to the beginning of one: exactly one of these holds.
 struct Initiation {
-  std::string uploadId{};                     // it was begun
-  bool notOffered = false;                    // the server does not do that
-  bool saysSo = false;                        // and says so in as many words
+  std::string uploadId{};                   // it was begun
+  bool notOffered = false;                  // the server does not do that
+  bool saysSo = false;                      // and says so in as many words
   std::optional<AttemptOutcome> outcome{};  // it failed
 };
 Initiation judgeInitiation(const HttpAnswer& answer, std::int64_t now);
@@ -29,8 +29,8 @@ bool saysUploadIsGone(const HttpAnswer& answer);
 // Whether it may be gone on with once the page has renewed what authorises it.
 bool asksForAuthority(const HttpAnswer& answer);
 
-// The answer to the request to put the parts together. `tag`: what the object must have, if it has a
-// tag that can be compared.
+// The answer to the request to put the parts together. `tag`: what the object must have, if it has
+// a tag that can be compared.
 enum class Completion {
   kDone,
   kOtherContent,  // there is an object now, but it is another one

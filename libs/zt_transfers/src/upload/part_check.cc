@@ -14,8 +14,8 @@ SourceWish hashed(SourceWish wish) {
 
 CPartCheck::CPartCheck(const UploadTools& tools, SourceWish wish, Done done)
     : done_(std::move(done)),
-      source_(std::make_shared<CUploadSource>(tools.loop, tools.pool, hashed(std::move(wish)),
-                                              *this)) {
+      source_(
+          std::make_shared<CUploadSource>(tools.loop, tools.pool, hashed(std::move(wish)), *this)) {
   source_->open();
 }
 

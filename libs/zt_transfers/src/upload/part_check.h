@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "upload/upload_source.h"
@@ -15,8 +16,8 @@ namespace zt_transfers {
 class CPartCheck final : public CUploadSource::IListener {
  public:
   struct Result {
-    std::string md5{};      // lower-case hexadecimal
-    std::string problem{};  // not empty: the file cannot be read as it was, and why
+    std::string md5{};                 // lower-case hexadecimal
+    std::optional<Trouble> problem{};  // the file cannot be read as it was, and why
   };
   using Done = std::function<void(const Result&)>;
 
@@ -28,7 +29,7 @@ class CPartCheck final : public CUploadSource::IListener {
  private:
   void onSourceOpened(const SourceVersion& /*version*/) override { onSourceReady(); }
   void onSourceReady() override;
-  void onSourceFailed(const std::string& reason) override { finish({.problem = reason}); }
+  void onSourceFailed(const Trouble& trouble) override { finish({.problem = trouble}); }
   void finish(const Result& result);
 
   const Done done_;

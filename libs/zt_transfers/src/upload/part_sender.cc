@@ -108,7 +108,7 @@ void CPartSender::onRefused(std::uint32_t number, const HttpAnswer& answer,
                             AttemptOutcome outcome) {
   outcome.reason = "part " + std::to_string(number) + ": " + outcome.reason;
   if (saysUploadIsGone(answer)) {
-    cutOff(End::Why::kGone, AttemptOutcome::retry(outcome.reason));
+    cutOff(End::Why::kGone, AttemptOutcome::retry(outcome.reason, failure::kServerTrouble));
   } else if (outcome.kind == AttemptOutcome::Kind::kRetry) {
     waiting_.insert(number);
     noteTrouble(outcome);
@@ -120,9 +120,9 @@ void CPartSender::onRefused(std::uint32_t number, const HttpAnswer& answer,
   }
 }
 
-void CPartSender::onRequestFailed(CFileRequest& request, const std::string& reason) {
+void CPartSender::onRequestFailed(CFileRequest& request, const Trouble& trouble) {
   remove(find(request));
-  cutOff(End::Why::kSource, AttemptOutcome::final(reason));
+  cutOff(End::Why::kSource, AttemptOutcome::final(trouble.reason, trouble.code));
 }
 
 // The first one counts, but the longest wait of all.
@@ -131,6 +131,7 @@ void CPartSender::noteTrouble(const AttemptOutcome& outcome) {
     trouble_ = outcome;
     return;
   }
+  trouble_->blame = std::min(trouble_->blame, outcome.blame);
   trouble_->sharedTrouble = trouble_->sharedTrouble || outcome.sharedTrouble;
   trouble_->retryAfter = std::max(trouble_->retryAfter, outcome.retryAfter);
 }

@@ -13,8 +13,8 @@
 
 namespace zt_transfers {
 
-// Sends parts of a file, some of them at a time. When one fails no further ones are begun, but those
-// that are under way may arrive; then it ends.
+// Sends parts of a file, some of them at a time. When one fails no further ones are begun, but
+// those that are under way may arrive; then it ends.
 //
 // Thread: the loop's, on which the listener is called, too. Destruction ends it without an answer.
 class CPartSender final : public CFileRequest::IListener {
@@ -87,7 +87,7 @@ class CPartSender final : public CFileRequest::IListener {
   }
   void onRequestMoved(CFileRequest& /*request*/) override { listener_.onBytesMoved(); }
   void onRequestAnswered(CFileRequest& request, const HttpAnswer& answer) override;
-  void onRequestFailed(CFileRequest& request, const std::string& reason) override;
+  void onRequestFailed(CFileRequest& request, const Trouble& trouble) override;
 
   const UploadTools tools_;
   const StartOrder& order_;

@@ -13,7 +13,8 @@ void CSessionAborts::abort(const UploadSession& session, const std::string& prox
   const std::string name = "the upload in parts to " + loggableUrl(session.url);
   const auto place = calls_.emplace(calls_.end());
   const auto done = [this, place, name](const HttpAnswer& answer) {
-    const bool heard = answer.code == CURLE_OK && (answer.status / 100 == 2 || answer.status == 404);
+    const bool heard =
+        answer.code == CURLE_OK && (answer.status / 100 == 2 || answer.status == 404);
     if (heard) {
       tools_.log.information("Aborted " + name);
     } else {
@@ -24,7 +25,8 @@ void CSessionAborts::abort(const UploadSession& session, const std::string& prox
     calls_.erase(place);
   };
   try {
-    *place = std::make_unique<CStoreCall>(tools_.loop, tools_.log, abortRequest(session, proxy), done);
+    *place =
+        std::make_unique<CStoreCall>(tools_.loop, tools_.log, abortRequest(session, proxy), done);
   } catch (const std::exception& error) {
     tools_.log.warning("Cannot abort " + name + ": " + error.what());
     calls_.erase(place);

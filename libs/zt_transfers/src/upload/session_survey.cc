@@ -66,8 +66,7 @@ void CSessionSurvey::compare() {
       continue;
     }
     const auto note = notes.find(part.number);
-    const bool noted =
-        note != notes.end() && bareETag(note->second->etag) == bareETag(part.etag);
+    const bool noted = note != notes.end() && bareETag(note->second->etag) == bareETag(part.etag);
     if (order_.trusted && noted) {
       taken_.push_back(*note->second);
     } else if (md5OfETag(part.etag)) {
@@ -93,8 +92,8 @@ void CSessionSurvey::checkNext() {
 }
 
 void CSessionSurvey::onChecked(const ListedPart& part, const CPartCheck::Result& result) {
-  if (!result.problem.empty()) {
-    finish({.what = Found::What::kSource, .problem = result.problem});
+  if (result.problem) {
+    finish({.what = Found::What::kSource, .problem = *result.problem});
     return;
   }
   if (md5OfETag(part.etag) == result.md5) {

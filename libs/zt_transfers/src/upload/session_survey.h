@@ -34,7 +34,7 @@ class CSessionSurvey {
     What what = What::kParts;
     std::vector<SentPart> parts{};
     HttpAnswer answer{};
-    std::string problem{};
+    Trouble problem{};
   };
   // Never called from within begin; may destroy the survey.
   using Done = std::function<void(const Found&)>;

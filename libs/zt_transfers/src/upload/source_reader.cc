@@ -18,22 +18,25 @@ std::string errorText(int error) {
 
 }  // namespace
 
-std::optional<std::string> CSourceReader::open() {
+std::optional<Trouble> CSourceReader::open() {
   // Not to hang on a pipe that bears the name; regular files do not care.
   file_ = CUniqueFd(::open(wish_.path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (!file_.valid()) {
-    return "cannot open the file: " + errorText(errno);
+    return Trouble{
+        errno == ENOENT || errno == ENOTDIR ? failure::kSourceMissing : failure::kSourceUnreadable,
+        "cannot open the file: " + errorText(errno)};
   }
   struct stat status {};
   if (::fstat(file_.get(), &status) != 0) {
-    return "cannot read the file's status: " + errorText(errno);
+    return Trouble{failure::kSourceUnreadable,
+                   "cannot read the file's status: " + errorText(errno)};
   }
   if (!S_ISREG(status.st_mode)) {
-    return "it is not a regular file";
+    return Trouble{failure::kSourceUnreadable, "it is not a regular file"};
   }
   version_ = versionOf(status);
   if (wish_.version && !wish_.version->sameContent(version_)) {
-    return "the file changed while it was sent";
+    return Trouble{failure::kSourceChanged, "the file changed while it was sent"};
   }
   const ByteSpan span = wish_.span.value_or(ByteSpan{0, version_.size});
   offset_ = span.begin;
@@ -50,7 +53,7 @@ std::optional<std::string> CSourceReader::open() {
   return std::nullopt;
 }
 
-std::optional<std::string> CSourceReader::readNext(SourceChunk& chunk) {
+std::optional<Trouble> CSourceReader::readNext(SourceChunk& chunk) {
   const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(kChunk, end_ - offset_));
   if (!chunk.data) {
     chunk.data.reset(new char[std::max<std::size_t>(wanted, 1)]);
@@ -63,10 +66,10 @@ std::optional<std::string> CSourceReader::readNext(SourceChunk& chunk) {
       continue;
     }
     if (got < 0) {
-      return "cannot read the file: " + errorText(errno);
+      return Trouble{failure::kSourceUnreadable, "cannot read the file: " + errorText(errno)};
     }
     if (got == 0) {
-      return "the file became shorter while it was sent";
+      return Trouble{failure::kSourceChanged, "the file became shorter while it was sent"};
     }
     chunk.size += static_cast<std::size_t>(got);
   }

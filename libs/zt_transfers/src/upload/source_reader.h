@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "engine/failure.h"
 #include "engine/upload_session.h"
 #include "hash/md5.h"
 #include "os/unique_fd.h"
@@ -41,10 +42,10 @@ class CSourceReader {
 
   explicit CSourceReader(SourceWish wish) : wish_(std::move(wish)) {}
 
-  // Both give a text that says what is wrong, or nothing when all is well.
-  std::optional<std::string> open();
+  // Both give what is wrong, or nothing when all is well.
+  std::optional<Trouble> open();
   // Memory that a chunk before has brought along is used again.
-  std::optional<std::string> readNext(SourceChunk& chunk);
+  std::optional<Trouble> readNext(SourceChunk& chunk);
 
   // Once it is open.
   const SourceVersion& version() const { return version_; }

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "engine/failure.h"
 #include "engine/upload_session.h"
 
 namespace zt_transfers {
@@ -12,6 +13,6 @@ namespace zt_transfers {
 SourceVersion versionOf(const struct stat& status);
 
 // Says what has become of the file if its content is not that version any more. Blocks.
-std::optional<std::string> changeSince(const SourceVersion& version, const std::string& path);
+std::optional<Trouble> changeSince(const SourceVersion& version, const std::string& path);
 
 }  // namespace zt_transfers

@@ -22,11 +22,12 @@ CUploadAttempt::CUploadAttempt(const Shared& shared, StartOrder order, IListener
 void CUploadAttempt::begin() {
   const auto path = pathOfFileUrl(order_.spec.place);
   if (!path) {
-    finish(AttemptOutcome::final("its source is no file: URL of this machine"));
+    finish(AttemptOutcome::final("its source is no file: URL of this machine",
+                                 failure::kSourceMissing));
     return;
   }
   if (originOf(order_.spec.url).empty()) {
-    finish(AttemptOutcome::final("it has no http or https URL to be sent to"));
+    finish(AttemptOutcome::final("it has no http or https URL to be sent to", failure::kBadUrl));
     return;
   }
   path_ = *path;
@@ -78,8 +79,8 @@ void CUploadAttempt::onRequestAnswered(CFileRequest& request, const HttpAnswer& 
   finish(outcome);
 }
 
-void CUploadAttempt::onRequestFailed(CFileRequest& /*request*/, const std::string& reason) {
-  finish(AttemptOutcome::final(reason));
+void CUploadAttempt::onRequestFailed(CFileRequest& /*request*/, const Trouble& trouble) {
+  finish(AttemptOutcome::final(trouble.reason, trouble.code));
 }
 
 void CUploadAttempt::onPartsNotOffered(bool saysSo) {

@@ -59,7 +59,7 @@ class CUploadAttempt final : public CFileRequest::IListener, public CMultipartUp
   bool onRequestOpened(CFileRequest& request, const SourceVersion& version) override;
   void onRequestMoved(CFileRequest& request) override { order_.progress->bytes = request.sent(); }
   void onRequestAnswered(CFileRequest& request, const HttpAnswer& answer) override;
-  void onRequestFailed(CFileRequest& request, const std::string& reason) override;
+  void onRequestFailed(CFileRequest& request, const Trouble& trouble) override;
 
   bool takeSlot() override { return shared_.slots.takeExtra(); }
   void giveSlotBack() override { shared_.slots.giveBackExtra(); }

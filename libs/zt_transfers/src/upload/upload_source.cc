@@ -82,7 +82,7 @@ void CUploadSource::post(bool open) {
         result->problem = reader->readNext(result->chunk);
       }
     } catch (const std::exception& error) {
-      result->problem = error.what();
+      result->problem = Trouble{failure::kSourceUnreadable, error.what()};
     }
     loop.post([self, result] {
       if (const auto source = self.lock()) {

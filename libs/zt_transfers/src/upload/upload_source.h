@@ -25,8 +25,8 @@ class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
     virtual void onSourceOpened(const SourceVersion& version) = 0;
     // A read that gave nothing would give something now.
     virtual void onSourceReady() = 0;
-    // The file cannot be sent; `reason` is for the log. May destroy the listener.
-    virtual void onSourceFailed(const std::string& reason) = 0;
+    // The file cannot be sent. May destroy the listener.
+    virtual void onSourceFailed(const Trouble& trouble) = 0;
 
    protected:
     ~IListener() = default;
@@ -57,7 +57,7 @@ class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
     bool onlyLooked = false;
     SourceVersion version;
     SourceChunk chunk;
-    std::optional<std::string> problem;
+    std::optional<Trouble> problem;
   };
 
   static constexpr std::size_t kReadAhead = 2;  // chunks

@@ -27,16 +27,19 @@ AttemptOutcome judgeUpload(const HttpAnswer& answer, std::uint64_t size, const s
   }
   if (const auto code = errorDocumentCode(answer.body)) {
     return AttemptOutcome::retry("the server answered " + std::to_string(answer.status) +
-                                 " with an error document (" + *code + ")");
+                                     " with an error document (" + *code + ")",
+                                 failure::kServerTrouble);
   }
   if (answer.bytesSent != size) {
     return AttemptOutcome::retry("the server answered after " + std::to_string(answer.bytesSent) +
-                                 " of " + std::to_string(size) + " bytes");
+                                     " of " + std::to_string(size) + " bytes",
+                                 failure::kServerTrouble);
   }
   const auto digest = md5OfETag(answer.header("etag"));
   if (!md5.empty() && digest && etagIsDigest(answer) && *digest != md5) {
-    return AttemptOutcome::retry("the server has other content: MD5 " + *digest + " instead of " +
-                                 md5);
+    return AttemptOutcome::retry(
+        "the server has other content: MD5 " + *digest + " instead of " + md5,
+        failure::kWrongDigest);
   }
   return AttemptOutcome::done();
 }

@@ -159,6 +159,63 @@ TEST_F(TransferEngine, RestsAGroupInTroubleAndNotTheOthers) {
   EXPECT_EQ(starts().at(0).file.groupId, troubled);
 }
 
+TEST_F(TransferEngine, RestsForTroubleFromOutsideWithoutUsingUpARetry) {
+  concurrent(1, 0);
+  const auto group = groupOf(1);
+  engine.start();
+  AttemptOutcome away = AttemptOutcome::retry("nobody answers", failure::kCannotConnect);
+  away.sharedTrouble = true;
+  away.blame = AttemptOutcome::Blame::kOutside;
+  for (int attempt = 0; attempt < 10; ++attempt) {
+    engine.onAttemptDone(starts().at(0).job, away);
+    EXPECT_EQ(engine.report(group)->waitingFor, (Failure{"cannot_connect", "nobody answers"}));
+    const auto wait = engine.takeWork().nextDue.value() - clock.now();
+    EXPECT_LE(wait, seconds(8));
+    clock.pass(seconds(8));
+  }
+  engine.onAttemptDone(starts().at(0).job, away);
+  engine.resumeGroup(group);  // the user, or the page, knows that it is over
+  EXPECT_FALSE(engine.report(group)->waitingFor);
+  engine.onAttemptDone(starts().at(0).job, AttemptOutcome::retry("500"));
+  EXPECT_EQ(stateOf(group), kGroupErrored);
+}
+
+TEST_F(TransferEngine, LetsOneMoreAttemptTellWhetherABrokenConnectionWasTheFilesFault) {
+  concurrent(1, 0);
+  const auto group = groupOf(1);
+  engine.start();
+  AttemptOutcome broken = AttemptOutcome::retry("reset", failure::kConnectionLost);
+  broken.blame = AttemptOutcome::Blame::kUnclear;
+  engine.onAttemptDone(starts().at(0).job, broken);
+  clock.pass(seconds(1));
+  engine.onAttemptDone(starts().at(0).job, broken);
+  EXPECT_EQ(stateOf(group), kGroupErrored);
+}
+
+TEST_F(TransferEngine, TellsWhyItsNewestFilesFailedUntilTheyGetAnotherChance) {
+  concurrent(200);
+  const auto group = groupOf(150);
+  engine.start();
+  const auto orders = starts();
+  for (const StartOrder& order : orders) {
+    engine.onAttemptDone(order.job,
+                         AttemptOutcome::final("no\n" + order.spec.fileId + std::string(999, 'x'),
+                                               failure::kRefused));
+  }
+  auto report = engine.report(group).value();
+  EXPECT_EQ(report.filesFailed, 150U);
+  ASSERT_EQ(report.failures.size(), 100U);
+  EXPECT_EQ(report.failures.front().fileId, "1-149");
+  EXPECT_EQ(report.failures.back().fileId, "1-50");
+  EXPECT_EQ(report.failures.front().failure.code, "refused");
+  EXPECT_EQ(report.failures.front().failure.reason.size(), Failure::kLongestReason);
+  EXPECT_EQ(report.failures.front().failure.reason.find("no 1-149x"), 0U);
+  engine.resumeGroup(group);
+  report = engine.report(group).value();
+  EXPECT_EQ(report.filesFailed, 0U);
+  EXPECT_TRUE(report.failures.empty());
+}
+
 TEST_F(TransferEngine, IgnoresTheResultOfWhatItHasStopped) {
   const auto group = groupOf(1);
   engine.start();

@@ -42,7 +42,7 @@ TEST_F(StoredQueue, KeepsGroupsAndFilesAsTheyWere) {
   }
   auto queue = opened();
   ASSERT_EQ(found.groups.size(), 1U);
-  const auto& [kept, files, resumes] = found.groups[0];
+  const auto& [kept, files, resumes, failures] = found.groups[0];
   EXPECT_TRUE(resumes.empty());
   EXPECT_EQ(kept.identity.id, 3);
   EXPECT_EQ(kept.identity.bucketId, "bucket3");
@@ -132,6 +132,33 @@ TEST_F(StoredQueue, KeepsTheSessionsOfUploadsInParts) {
   ASSERT_EQ(resumes.size(), 1U);
   EXPECT_EQ(resumes[0].second, TransferResume(session));
   EXPECT_EQ(resumes[0].second.bytes(), 15U);
+}
+
+TEST_F(StoredQueue, KeepsWhyFilesFailedAsLongAsTheyHave) {
+  {
+    auto queue = opened();
+    IQueueStore& store = queue->store();
+    store.saveGroup(group(1));
+    for (const char* fileId : {"failed", "twice", "waiting", "completed", "removed"}) {
+      store.append(1, spec(fileId), {.size = 100});
+    }
+    for (std::uint32_t index = 0; index < 5; ++index) {
+      store.setState({1, index}, {.phase = FilePhase::kFailed, .size = 100});
+      store.saveFailure({1, index}, {"refused", "the server answered 403"});
+    }
+    store.setState({1, 1}, {.phase = FilePhase::kWaiting, .size = 100});
+    store.setState({1, 1}, {.phase = FilePhase::kFailed, .size = 100});
+    store.saveFailure({1, 1}, {"disk_full", "the disk is full"});
+    store.setState({1, 2}, {.phase = FilePhase::kWaiting, .size = 100});
+    store.setState({1, 3}, {.phase = FilePhase::kCompleted, .size = 100});
+    store.remove({1, 4});
+    EXPECT_TRUE(queue->close());
+  }
+  opened();
+  ASSERT_EQ(found.groups.size(), 1U);
+  const std::vector<std::pair<std::uint32_t, Failure>> expected{
+      {0, {"refused", "the server answered 403"}}, {1, {"disk_full", "the disk is full"}}};
+  EXPECT_EQ(found.groups[0].failures, expected);
 }
 
 TEST_F(StoredQueue, ForgetsRemovedGroupsButNotTheirIds) {

@@ -244,7 +244,7 @@ class CFaultServer::CConnection {
   std::thread thread_;
 };
 
-CFaultServer::CFaultServer() {
+CFaultServer::CFaultServer(int port) : port_(port) {
   listener_ = listenOnLoopback(port_);
   acceptor_ = std::thread([this] { accept(); });
 }

@@ -111,12 +111,14 @@ class CFaultServer {
     int connection = 0;
   };
 
-  CFaultServer();
+  // `port`: of a server that is gone, to take its place; 0: any.
+  explicit CFaultServer(int port = 0);
   ~CFaultServer();
   CFaultServer(const CFaultServer&) = delete;
   CFaultServer& operator=(const CFaultServer&) = delete;
 
   std::string url(const std::string& path) const;
+  int port() const { return port_; }
 
   // The next requests to `path` meet these faults, one each; those after them none.
   void plan(const std::string& path, std::vector<Fault> faults);

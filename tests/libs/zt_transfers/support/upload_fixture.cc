@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <thread>
 
 #include "text/wide_bytes.h"
 #include "zt_transfers/global_config.h"
@@ -132,6 +133,18 @@ CUploadManager::GroupState CUploadTest::state(std::int32_t groupId) {
 
 std::string CUploadTest::log() const {
   return contentOf(sandbox.folder() / "zt_transfers.log");
+}
+
+bool CUploadTest::waitForLog(const std::string& text, std::size_t from) const {
+  constexpr std::chrono::milliseconds kPause{5};
+  const auto until = std::chrono::steady_clock::now() + kLongWait;
+  while (log().find(text, from) == std::string::npos) {
+    if (std::chrono::steady_clock::now() > until) {
+      return false;
+    }
+    std::this_thread::sleep_for(kPause);
+  }
+  return true;
 }
 
 }  // namespace zt_transfers::test

@@ -59,6 +59,8 @@ class CUploadTest : public ::testing::Test {
   std::int32_t newGroup(std::uint64_t tokenExpires = 0);
   CUploadManager::GroupState state(std::int32_t groupId);
   std::string log() const;
+  // Behind that many bytes of it. False when that takes too long.
+  bool waitForLog(const std::string& text, std::size_t from = 0) const;
 
   CSandbox sandbox;
   CFaultServer server;

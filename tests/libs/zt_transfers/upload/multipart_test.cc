@@ -95,9 +95,9 @@ TEST(MultipartMessages, ListThePartsInTheirOrderAndKnowTheTagOfTheWhole) {
   // As "printf a | md5sum" and so on tell, put together.
   EXPECT_EQ(compositeTagOf(parts), "96e024ba2074fe77e8e965ba43a704be-2");
   EXPECT_EQ(compositeOfETag("W/\"96E024BA2074FE77E8E965BA43A704BE-2\""), compositeTagOf(parts));
-  for (const char* tag : {"", "-2", "96e024ba2074fe77e8e965ba43a704be", "x-1",
-                          "96e024ba2074fe77e8e965ba43a704be-", "96e024ba2074fe77e8e965ba43a704bex2",
-                          "96e024ba2074fe77e8e965ba43a704be-2a"}) {
+  for (const char* tag :
+       {"", "-2", "96e024ba2074fe77e8e965ba43a704be", "x-1", "96e024ba2074fe77e8e965ba43a704be-",
+        "96e024ba2074fe77e8e965ba43a704bex2", "96e024ba2074fe77e8e965ba43a704be-2a"}) {
     EXPECT_FALSE(compositeOfETag(tag)) << tag;
   }
   EXPECT_FALSE(compositeTagOf({{1, "\"of-the-store\"", a}}));

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace zt_transfers {
+
+// Why a file failed or a group waits, in words that do not change from version to version: they
+// are kept with the queue, told to the service, and put into people's language by the page.
+// docs/transfers.md explains each.
+namespace failure {
+inline constexpr std::string_view kOther = "failed";
+inline constexpr std::string_view kUrlExpired = "url_expired";
+inline constexpr std::string_view kTokenExpired = "token_expired";
+inline constexpr std::string_view kBadUrl = "bad_url";
+inline constexpr std::string_view kBadRequest = "bad_request";
+inline constexpr std::string_view kSourceMissing = "source_missing";
+inline constexpr std::string_view kSourceUnreadable = "source_unreadable";
+inline constexpr std::string_view kSourceChanged = "source_changed";
+inline constexpr std::string_view kUnsafePath = "unsafe_path";
+inline constexpr std::string_view kTargetMissing = "target_missing";
+inline constexpr std::string_view kTargetUnusable = "target_unusable";
+inline constexpr std::string_view kDiskFull = "disk_full";
+inline constexpr std::string_view kDiskTrouble = "disk_trouble";
+inline constexpr std::string_view kRefused = "refused";
+inline constexpr std::string_view kServerBusy = "server_busy";
+inline constexpr std::string_view kServerTrouble = "server_trouble";
+inline constexpr std::string_view kWrongDigest = "wrong_digest";
+inline constexpr std::string_view kWrongSize = "wrong_size";
+inline constexpr std::string_view kServerChanged = "server_changed";
+inline constexpr std::string_view kCannotConnect = "cannot_connect";
+inline constexpr std::string_view kConnectionLost = "connection_lost";
+inline constexpr std::string_view kNotTrusted = "not_trusted";
+inline constexpr std::string_view kQueueUnreadable = "queue_unreadable";
+}  // namespace failure
+
+// What is wrong, as it is found out; `code` is one of the above.
+struct Trouble {
+  std::string_view code = failure::kOther;
+  std::string reason;  // a sentence for people, without secrets
+};
+
+// The same to be kept: short, and nothing in it but text.
+struct Failure {
+  static constexpr std::size_t kLongestReason = 300;  // bytes
+
+  std::string code;
+  std::string reason;
+
+  bool operator==(const Failure&) const = default;
+};
+
+inline Failure failureOf(std::string_view code, std::string_view reason) {
+  Failure failure{std::string(code), std::string(reason.substr(0, Failure::kLongestReason))};
+  for (char& character : failure.reason) {
+    const auto byte = static_cast<unsigned char>(character);
+    if (byte < 0x20 || byte == 0x7F) {
+      character = ' ';
+    }
+  }
+  return failure;
+}
+
+}  // namespace zt_transfers

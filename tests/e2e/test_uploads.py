@@ -66,6 +66,7 @@ class Uploads(Sandbox):
         page.send()
         self.assertEqual(page.wait_until_over(limit_seconds=120), "ERRORED")
         self.assertIn(gone.name, page.wait_for_problem())
+        page.wait_for_reason("The file is not there any more")
         self.assert_arrived(service, folder)
         self.assert_leaves_cleanly(client, page)
 

@@ -43,6 +43,11 @@ export class FakeService {
     return { files: [{ id: '1', path: 'a/b.txt', size: 5, arrived: true }, { id: '2', path: 'c.txt', size: 7 }] };
   }
 
+  async progressOf(bucketId, id) {
+    this.calls.push(['progressOf', bucketId, id]);
+    return this.reports ?? {};
+  }
+
   async describeReceived() { return { subject: 'For you', sender: 'Bo <bo@example.org>' }; }
 
   async allReceivedFiles() {

@@ -5,10 +5,12 @@
 //   files          how many files a dialog or a drop gives (3)
 //   seconds        how long a transfer takes (4)
 //   failEvery      every n-th file fails (0: none)
+//   failCodes      why they fail, in turn, as reported to the service (["refused"])
+//   waitFor        a code: transfers wait for this after their first file (none)
 // What was shown as a notification is kept in window.mockNotifications.
 'use strict';
 (function () {
-  const options = { files: 3, seconds: 4, failEvery: 0, ...window.mockOptions };
+  const options = { files: 3, seconds: 4, failEvery: 0, failCodes: ['refused'], waitFor: '', ...window.mockOptions };
   const NAMES = ['Hochzeit – Rohschnitt final.mov', 'Contract 2026.pdf', 'Sound check.wav', 'Stills.zip',
     'IMG_4182.HEIC', 'Budget.xlsx', 'Übersicht für das Team.docx', 'export.log', '日本語の写真.jpg'];
   const PEOPLE = [
@@ -59,6 +61,22 @@
       state: { type: file.state, bytesTransfered: file.done, bytesTotal: file.size, percentTransferred: 0 },
     });
 
+    // As the transfer library does.
+    function report(group) {
+      const failed = group.files.filter((file) => file.state === 'ERRORED');
+      const reasonOf = (code) => ({ code, reason: `the sentence of ${code}` });
+      fetch(`/api/messages/${group.bucketId}/progress`, {
+        method: 'POST', headers: { 'X-Zantrio-Token': group.token },
+        body: JSON.stringify({
+          direction: events === '_uploadManager' ? 'upload' : 'download', group: group.id, state: group.state,
+          waitingFor: options.waitFor ? reasonOf(options.waitFor) : null,
+          failures: failed.slice(0, 100).map((file, i) => ({
+            fileId: file.id, ...reasonOf(options.failCodes[i % options.failCodes.length]),
+          })),
+        }),
+      });
+    }
+
     function setState(group, state) {
       group.state = state;
       emitGroup(group);
@@ -83,7 +101,9 @@
       const failed = group.files.some((file) => file.state === 'ERRORED');
       if (over) setState(group, failed ? 'ERRORED' : 'COMPLETED');
       else emitGroup(group);
-      if (!over) setTimeout(step, 100, group);
+      const waits = options.waitFor && group.next > 0;
+      if ((over && failed) || waits) report(group);
+      if (!over && !waits) setTimeout(step, 100, group);
     }
 
     function start(group) {
@@ -96,9 +116,9 @@
       getConfiguration: () => configuration,
       setConfiguration: (changes) => (configuration = { ...configuration, ...changes }),
       fetchGroupsState: () => [...groups.values()].map(groupJson),
-      createGroup: ({ bucketId }) => {
+      createGroup: ({ bucketId, token }) => {
         const group = {
-          id: String(groups.size + 1), bucketId, state: 'UNKNWON', marked: events === '_downloadManager',
+          id: String(groups.size + 1), bucketId, token, state: 'UNKNWON', marked: events === '_downloadManager',
           cancelled: false, files: [], next: 0,
         };
         groups.set(group.id, group);

@@ -6,15 +6,24 @@ globalThis.localStorage = {
   getItem: (key) => stored.get(key) ?? null, setItem: (key, value) => stored.set(key, value),
 };
 
-const { applySavedSettings, saveSettings } = await import('../../webapp/js/saved_settings.js');
+const { applySavedSettings, changeSettings, saveSettings } = await import('../../webapp/js/saved_settings.js');
 
 /** Managers of the native side with its peculiar interval: its value is that of the rate's key. */
-function nativeSide() {
+function nativeSide(configuration = {}) {
   const calls = [];
-  const manager = (name) => ({ request, onSuccess }) => {
-    const { parameters } = JSON.parse(request);
-    calls.push([name, parameters]);
-    onSuccess(JSON.stringify(parameters));
+  const manager = (name) => {
+    const now = { serverTransferProgressInterval: 0, throttleBytesPerSecond: 0, ...configuration };
+    return ({ request, onSuccess }) => {
+      const { method, parameters } = JSON.parse(request);
+      if (method === 'setConfiguration') {
+        calls.push([name, parameters]);
+        Object.assign(now, parameters);
+        if ('serverTransferProgressInterval' in parameters) {
+          now.serverTransferProgressInterval = parameters.throttleBytesPerSecond ?? 0;
+        }
+      }
+      setTimeout(() => onSuccess(JSON.stringify(now)), 0);
+    };
   };
   globalThis.uploadManagerBridge_IPC = manager('upload');
   globalThis.downloadManagerBridge_IPC = manager('download');
@@ -34,12 +43,33 @@ test('gives the saved settings to both managers, the interval first and the rate
   ]);
 });
 
-test('without saved settings, or with garbage in their place, nothing is changed', async () => {
+test('no other query or wait comes between the interval and the rate, and none is needed for the same interval', async () => {
   const calls = nativeSide();
+  let turns = 0;
+  const changing = changeSettings({ upload: { throttleBytesPerSecond: 7 }, interval: 20 });
+  while (calls.length === 0) {
+    await new Promise((resolve) => { setTimeout(resolve, 0); });
+    turns += 1;
+    assert.ok(turns < 1000);
+  }
+  assert.equal(calls.length, 2);
+  const { upload } = await changing;
+  assert.deepEqual(upload, { serverTransferProgressInterval: 20, throttleBytesPerSecond: 7 });
+  calls.length = 0;
+  await changeSettings({ upload: { throttleBytesPerSecond: 8 }, interval: 20 });
+  assert.deepEqual(calls[0], ['upload', { throttleBytesPerSecond: 8 }]);
+});
+
+test('without saved settings, or with garbage in their place, only reports are switched on', async () => {
   for (const text of [null, '{']) {
+    const calls = nativeSide({ throttleBytesPerSecond: 500 });
     stored.clear();
     if (text) stored.set('zantrio.settings', text);
     await applySavedSettings();
+    assert.deepEqual(calls, [
+      ['upload', { serverTransferProgressInterval: 10, throttleBytesPerSecond: 10 }],
+      ['upload', { throttleBytesPerSecond: 500 }],
+      ['download', {}],
+    ]);
   }
-  assert.deepEqual(calls, []);
 });

@@ -67,6 +67,11 @@ class SendPage:
             "(e => e && !e.hidden && e.textContent)"
             "(document.querySelector('[data-test=group-problem]'))")
 
+    def wait_for_reason(self, words):
+        """Until the page says that this is why the transfer failed: the service tells it, a moment later."""
+        self._page.wait_for("document.querySelector('[data-test=group-problem]')"
+                            f"?.textContent.includes({words!r})")
+
     def leave(self):
         """Quits the application by the page's own button, also while transfers are running."""
         with contextlib.suppress(PageGone):

@@ -11,14 +11,16 @@ import { Notifier } from './notifier.js';
 import { Router } from './router.js';
 import { SendFlow } from './send_flow.js';
 import { service } from './service.js';
+import { TransferReports } from './transfer_reports.js';
 import { applySavedSettings } from './saved_settings.js';
 import { Intake } from './intake.js';
 import { Shell } from './views/shell.js';
 
 const connection = new Connection();
 const draft = new Draft();
-const transfers = new Transfers([], { manager: uploads, service, connection });
-const downloads = new Downloads([], { manager: downloadManager, service, connection });
+const reports = new TransferReports({ service });
+const transfers = new Transfers([], { manager: uploads, service, connection, reports });
+const downloads = new Downloads([], { manager: downloadManager, service, connection, reports });
 const received = new ReceivedMessages([], { service, connection });
 const sendFlow = new SendFlow({ uploads, service, connection, transfers });
 const downloadFlow = new DownloadFlow({ manager: downloadManager, service, connection, transfers: downloads });
@@ -42,8 +44,9 @@ setInterval(() => {
 }, STANDSTILL_CHECK_MS);
 
 async function start() {
+  // Before transfers of an earlier session go on: the settings are theirs, too.
+  await applySavedSettings().catch((error) => shell.notify({ kind: 'error', text: error.message }));
   await app.ready();
-  await applySavedSettings();
   await transfers.load();
   if (downloadManager.isThere()) await downloads.load();
 }

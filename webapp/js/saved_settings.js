@@ -5,14 +5,22 @@ import { downloads, uploads } from './native.js';
 
 const PLACE = 'zantrio.settings';
 
+// Seconds between reports to the service, until somebody chooses: without them nobody could say why a file failed.
+const USUAL_INTERVAL = 10;
+
 /** Hands changes to both managers; gives the configurations after them, {upload, download}. */
 export async function changeSettings({ common, upload, download, interval }) {
-  // The native side takes the interval of progress reports from the rate's place, so the rate follows it.
-  if (interval !== undefined) {
-    await uploads.setConfiguration({ serverTransferProgressInterval: interval, throttleBytesPerSecond: interval });
+  const before = await uploads.getConfiguration();
+  const rate = upload?.throttleBytesPerSecond ?? before.throttleBytesPerSecond;
+  const wanted = [{ ...common, ...upload, throttleBytesPerSecond: rate }];
+  // The native side takes the interval of progress reports from the rate's place, so the rate follows it: both are
+  // asked for in one turn, so that no transfer ever gets to know that rate.
+  if (interval !== undefined && interval !== before.serverTransferProgressInterval) {
+    wanted.unshift({ serverTransferProgressInterval: interval, throttleBytesPerSecond: interval });
   }
+  const changed = await Promise.all(wanted.map((changes) => uploads.setConfiguration(changes)));
   return {
-    upload: await uploads.setConfiguration({ ...common, ...upload }),
+    upload: changed.at(-1),
     download: downloads.isThere() ? await downloads.setConfiguration({ ...common, ...download }) : null,
   };
 }
@@ -35,5 +43,5 @@ export async function applySavedSettings() {
   } catch {
     // Something else wrote there; the defaults hold.
   }
-  if (saved && uploads.isThere()) await changeSettings(saved);
+  if (uploads.isThere()) await changeSettings({ interval: USUAL_INTERVAL, ...saved });
 }

@@ -72,6 +72,8 @@ export const service = {
     call('DELETE', `${bucketPath(bucketId)}/files/${encodeURIComponent(fileId)}`),
   completeMessage: (bucketId) => call('POST', `${bucketPath(bucketId)}/complete`),
   cancelMessage: (bucketId) => call('DELETE', bucketPath(bucketId)),
+  progressOf: (bucketId, group) =>
+    call('GET', `${bucketPath(bucketId)}/progress?group=${encodeURIComponent(group)}`),
   listReceived: () => call('GET', '/api/received'),
   describeReceived: (bucketId) => call('GET', receivedPath(bucketId)),
   listReceivedFiles: (bucketId, after = '0') =>

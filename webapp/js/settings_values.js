@@ -10,7 +10,7 @@ export function toForm({ upload, download }) {
     ...rateFields('downloadLimited', 'downloadThrottle', download),
     maxTransferRetries: String(upload.maxTransferRetries),
     verifyUploads: upload.verifyUploads,
-    minMultipartSize: String(round(upload.minMultipartSize / MEGABYTE)),
+    minMultipartSize: String(Math.max(5, Math.round(upload.minMultipartSize / MEGABYTE))),
     preventSleep: upload.preventSleep,
     progressInterval: String(upload.serverTransferProgressInterval),
   };

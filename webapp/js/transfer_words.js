@@ -24,7 +24,7 @@ const WORDS = {
 const wordsOf = (direction) => WORDS[direction] ?? WORDS.upload;
 
 /** The label and tone of a transfer's state. */
-export function groupWords({ direction, phase, state }) {
+export function groupWords({ direction, phase, state, waitingFor = null }) {
   const words = wordsOf(direction);
   if (phase === 'cancelled') return { label: 'Cancelled', tone: 'paused' };
   if (phase === 'delivered') return { label: 'Sent', tone: 'done' };
@@ -33,6 +33,7 @@ export function groupWords({ direction, phase, state }) {
   if (phase === 'filling' && state !== 'ERRORED' && (state !== 'PAUSED' || direction === 'download')) {
     return { label: state === 'TRANSFERRING' ? words.moving : 'Preparing', tone: 'active' };
   }
+  if (state === 'TRANSFERRING' && waitingFor) return { label: 'Waiting', tone: 'paused' };
   if (state === 'TRANSFERRING') return { label: words.moving, tone: 'active' };
   if (state === 'ERRORED') return { label: 'Failed', tone: 'error' };
   if (state === 'COMPLETED') return words.over;
@@ -70,7 +71,7 @@ export function paceWords({ state, rate, secondsLeft }) {
 }
 
 /** What failed and what one can do about it; an empty text when nothing did. */
-export function failureWords({ direction, names, total, phase, reachable = true, outOfTime = false }) {
+export function failureWords({ direction, names, total, phase, reachable = true, outOfTime = false, reason = '' }) {
   const words = wordsOf(direction);
   if (phase === 'interrupted') return words.interrupted;
   const failed = `${formatCount(total, 'file')} could not be ${words.verb}`;
@@ -82,5 +83,6 @@ export function failureWords({ direction, names, total, phase, reachable = true,
   if (total === 0) return `${words.stopped} Check the connection to the service, then try again.`;
   const listed = names.map((name) => `“${name}”`).join(', ');
   const more = total > names.length ? ` and ${formatNumber(total - names.length)} more` : '';
-  return `${failed}: ${listed}${more}. ${words.advice(total === 1)} Try again, or leave ${total === 1 ? 'it' : 'them'} out.`;
+  const why = reason ? `${reason}${/[.?]$/.test(reason) ? '' : '.'}` : words.advice(total === 1);
+  return `${failed}: ${listed}${more}. ${why} Try again, or leave ${total === 1 ? 'it' : 'them'} out.`;
 }

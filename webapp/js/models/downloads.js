@@ -5,6 +5,8 @@ import { TransferGroups } from './transfer_groups.js';
 
 export const ADDRESS_BATCH = 2000;
 const RENEWALS = 3;
+// Where the library says that this is why a file failed, another address may help; the service knows how often.
+const RENEWALS_BY_REASON = { url_expired: RENEWALS, refused: 1 };
 const RENEWAL_PAUSE_MS = 300;
 
 /** Everything that is being downloaded. */
@@ -45,9 +47,26 @@ export const Downloads = TransferGroups.extend({
     return transfer;
   },
 
+  initialize(models, options) {
+    TransferGroups.prototype.initialize.call(this, models, options);
+    this.on('reasons', (transfer) => this.renewForReasons(transfer));
+  },
+
+  /** The clocks of this computer and of the servers may differ, so that a refusal can mean an old address. */
+  renewForReasons(transfer) {
+    for (const [fileId, { code }] of transfer.reasons) {
+      const most = RENEWALS_BY_REASON[code] ?? 0;
+      if ((transfer.renewals.get(fileId) ?? 0) < most) this.addRenewal(transfer, fileId);
+    }
+  },
+
   /** The service gives addresses for a while only: a file whose address is too old gets a new one. */
   renewSoon(transfer, fileId) {
     if (!transfer.addressIsOld(fileId) || (transfer.renewals.get(fileId) ?? 0) >= RENEWALS) return;
+    this.addRenewal(transfer, fileId);
+  },
+
+  addRenewal(transfer, fileId) {
     transfer.renewing ??= new Set();
     transfer.renewing.add(fileId);
     transfer.renewal ??= setTimeout(() => this.renewNow(transfer), RENEWAL_PAUSE_MS);

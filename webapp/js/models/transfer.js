@@ -1,6 +1,8 @@
 import { Backbone } from '../lib.js';
 import { TransferFiles } from '../transfer_files.js';
 
+const MOST_REASONS = 100;
+
 /**
  * One group of the transfer library: a message on its way, out (direction "upload") or in ("download").
  *
@@ -13,14 +15,15 @@ import { TransferFiles } from '../transfer_files.js';
  *   cancelled
  * `state` is the library's word for the group. `files` holds its files; `filesKnown` is false while
  * nobody has told their states. `place` says in words where a download goes, `addressesExpire` when the first of its
- * files' addresses expires (seconds since 1970; 0: never, or not known).
+ * files' addresses expires (seconds since 1970; 0: never, or not known). `waitingFor` is what keeps it from
+ * going on, {code, reason} or null.
  */
 export const Transfer = Backbone.Model.extend({
   defaults: {
     direction: 'upload', bucketId: '', sender: '', place: '', filesKnown: true, subject: '', recipients: [], phase: 'running', state: 'UNKNWON', marked: false,
     bytesTransferred: 0, bytesTotal: 0, rate: 0, secondsLeft: 0, handedOver: 0, fileCount: 0,
     tokenExpires: 0, addressesExpire: 0,
-    plannedBytes: 0, problem: '', created: 0,
+    plannedBytes: 0, problem: '', created: 0, waitingFor: null,
   },
 
   initialize() {
@@ -30,6 +33,8 @@ export const Transfer = Backbone.Model.extend({
     // Of downloads, by file: when its address expires (seconds since 1970), how often it was renewed.
     this.expiries = new Map();
     this.renewals = new Map();
+    // Of failed files, by file: {code, reason}.
+    this.reasons = new Map();
   },
 
   /** Takes in a group object of the library. */
@@ -44,7 +49,23 @@ export const Transfer = Backbone.Model.extend({
       secondsLeft: group.estimatedEta,
     });
     if (group.type === 'TRANSFERRING') this.running = true;
+    else this.set('waitingFor', null);
     if (group.cancelled) this.set('phase', 'cancelled');
+  },
+
+  /** Takes in what the library has reported to the service. */
+  takeReport({ state, waitingFor, failures }) {
+    const rests = state === 'TRANSFERRING' && this.get('state') === 'TRANSFERRING';
+    this.set('waitingFor', rests ? waitingFor : null);
+    for (const { fileId, code, reason } of failures ?? []) {
+      if (this.files.byId(fileId)?.state === 'ERRORED') this.reasons.set(fileId, { code, reason });
+    }
+    this.trigger('reasons', this);
+  },
+
+  /** A report has only the newest hundred; of the others nothing more is to be learned. */
+  knowsAllReasons() {
+    return this.reasons.size >= Math.min(this.files.countIn('ERRORED'), MOST_REASONS);
   },
 
   /** Notes until when the addresses of files can be used. */

@@ -8,14 +8,15 @@ import { Transfer } from './transfer.js';
  *   "moved"    with a transfer, at most once a frame, however many events there were
  *   "state"    with a transfer whose state has changed
  *   "over"     with a transfer that came to its end in this session, well or with failures; once each time
- * `manager` is the native side's (native.js).
+ * `manager` is the native side's (native.js); `reports`, which may be missing, tells why something failed.
  */
 export const TransferGroups = Backbone.Collection.extend({
   model: Transfer,
   comparator: (transfer) => -Number(transfer.id),
 
-  initialize(models, { manager, service, connection }) {
-    Object.assign(this, { manager, service, connection });
+  initialize(models, { manager, service, connection, reports = null }) {
+    Object.assign(this, { manager, service, connection, reports });
+    this.on('reasons', (transfer) => this.batcher.mark(transfer));
     this.batcher = new FrameBatcher((changed) => changed.forEach((transfer) => {
       transfer.trigger('moved', transfer);
     }));
@@ -37,6 +38,8 @@ export const TransferGroups = Backbone.Collection.extend({
     if (!transfer) return null;
     const { type, bytesTransfered, bytesTotal } = event.state;
     if (!transfer.files.update(event.fileId, type, bytesTransfered, bytesTotal)) return null;
+    if (type === 'ERRORED') this.reports?.wanted(transfer);
+    else transfer.reasons.delete(event.fileId);
     this.batcher.mark(transfer);
     return transfer;
   },
@@ -87,7 +90,8 @@ export const TransferGroups = Backbone.Collection.extend({
     } catch (error) {
       this.connection.lost(error.message);
       await this.connection.persistently(() => this.service.status());
-      await Promise.all(this.filter((transfer) => transfer.get('state') === 'ERRORED')
+      // What failed gets another chance; what rests need not wait until its rest is over.
+      await Promise.all(this.filter((transfer) => ['ERRORED', 'TRANSFERRING'].includes(transfer.get('state')))
         .map((transfer) => this.resume(transfer)));
     }
   },
@@ -95,10 +99,18 @@ export const TransferGroups = Backbone.Collection.extend({
   /** To be called every few seconds: where nothing moves any more the service may be away. */
   lookForStandstill() {
     const moving = this.filter((transfer) => transfer.get('state') === 'TRANSFERRING');
-    const bytes = moving.reduce((sum, transfer) => sum + transfer.bytesDone(), 0);
-    const still = moving.length > 0 && bytes === this.bytesAtLastLook;
-    this.bytesAtLastLook = bytes;
-    if (still) this.checkService();
+    const still = moving.filter((transfer) => !this.hasMoved(transfer));
+    if (still.length === moving.length && still.length > 0) this.checkService();
+    still.forEach((transfer) => this.reports?.ask(transfer));
+  },
+
+  /** Whether it got further since the last look. */
+  hasMoved(transfer) {
+    const bytes = transfer.bytesDone();
+    const moved = bytes !== transfer.bytesAtLastLook;
+    transfer.bytesAtLastLook = bytes;
+    if (moved) transfer.set('waitingFor', null);
+    return moved;
   },
 
   pause(transfer) {
@@ -122,6 +134,7 @@ export const TransferGroups = Backbone.Collection.extend({
   async leaveOut(transfer, fileId) {
     await this.manager.dequeueFiles(transfer.id, [{ id: fileId }]);
     transfer.files.leaveOut(fileId);
+    transfer.reasons.delete(fileId);
     this.batcher.mark(transfer);
   },
 

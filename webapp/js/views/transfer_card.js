@@ -2,6 +2,7 @@ import { Backbone } from '../lib.js';
 import { el, setText } from '../dom.js';
 import { formatNumber } from '../format.js';
 import { icon } from '../icons.js';
+import { commonReason, waitingWords } from '../reason_words.js';
 import { senderName } from '../sender_name.js';
 import { failureWords, groupWords, paceWords, progressWords } from '../transfer_words.js';
 import { ConfirmDialog } from './dialog.js';
@@ -19,7 +20,7 @@ export const TransferCard = Backbone.View.extend({
   initialize({ transfers, connection, notify, compact = false }) {
     Object.assign(this, { transfers, connection, notify, compact });
     this.listenTo(connection, 'change:reachable', this.update);
-    this.listenTo(this.model, 'moved change:phase change:problem change:subject', this.update);
+    this.listenTo(this.model, 'moved change:phase change:problem change:subject change:waitingFor', this.update);
     this.on('show', this.update);
   },
 
@@ -121,8 +122,8 @@ export const TransferCard = Backbone.View.extend({
 
   updateTexts() {
     const { model } = this;
-    const { direction, state, phase, subject, rate } = model.attributes;
-    const words = groupWords({ direction, phase, state });
+    const { direction, state, phase, subject, rate, waitingFor } = model.attributes;
+    const words = groupWords({ direction, phase, state, waitingFor });
     const fallback = `${direction === 'download' ? 'Download' : 'Transfer'} ${model.id}`;
     setText(this.title, this.compact ? this.whereTo() || fallback : subject || fallback);
     setText(this.recipients, this.compact ? '' : this.whose());
@@ -137,7 +138,7 @@ export const TransferCard = Backbone.View.extend({
     this.progress.className = `bar bar-${words.tone}`;
     this.progress.setAttribute('aria-valuenow', String(Math.floor(fraction * 100)));
     setText(this.detail, this.detailText(total, finished));
-    setText(this.pace, phase === 'cancelled' ? '' : paceWords({ state, rate, secondsLeft: model.timeLeft() }));
+    setText(this.pace, phase === 'cancelled' || waitingFor ? '' : paceWords({ state, rate, secondsLeft: model.timeLeft() }));
   },
 
   whose() {
@@ -164,14 +165,22 @@ export const TransferCard = Backbone.View.extend({
 
   updateProblem() {
     const { model } = this;
-    const { direction, state, phase, problem, tokenExpires } = model.attributes;
+    const { direction, state, phase, problem, tokenExpires, waitingFor } = model.attributes;
     const failed = (state === 'ERRORED' || phase === 'interrupted') && phase !== 'cancelled';
-    this.problem.hidden = !failed && !problem;
+    const waits = failed || problem || phase === 'cancelled' ? '' : waitingWords(waitingFor);
+    this.problem.hidden = !failed && !problem && !waits;
+    this.problem.classList.toggle('is-waiting', Boolean(waits));
+    this.problemText.title = waits ? waitingFor.reason : '';
     if (this.problem.hidden) return;
+    if (waits) {
+      setText(this.problemText, waits);
+      return;
+    }
     const names = model.files.firstIn('ERRORED', NAMED_FAILURES).map((file) => file.name);
     const words = failed ? failureWords({
       direction, names, total: model.files.countIn('ERRORED'), phase,
       reachable: this.connection.get('reachable'),
+      reason: model.knowsAllReasons() ? commonReason([...model.reasons.values()], direction) : '',
       outOfTime: tokenExpires > 0 && tokenExpires * 1000 <= Date.now(),
     }) : '';
     setText(this.problemText, [problem, words].filter(Boolean).join(' '));

@@ -1,6 +1,7 @@
 import { el, setText } from '../dom.js';
 import { formatNumber, formatSize } from '../format.js';
 import { icon } from '../icons.js';
+import { failedFileWords } from '../reason_words.js';
 import { fileWords, filterLabels } from '../transfer_words.js';
 import { VirtualList } from './virtual_list.js';
 
@@ -94,7 +95,11 @@ export class TransferFilesView {
     row.dataset.state = file.leftOut ? 'LEFT_OUT' : file.state;
     setText(main.firstChild, file.name);
     main.firstChild.title = file.name;
-    setText(main.lastChild, file.folder ?? '');
+    const reason = file.state === 'ERRORED' && !file.leftOut ? this.model.reasons.get(file.id) : null;
+    const why = failedFileWords(reason, this.model.get('direction'));
+    setText(main.lastChild, why || (file.folder ?? ''));
+    main.lastChild.classList.toggle('row-reason', Boolean(why));
+    main.lastChild.title = reason ? reason.reason : '';
     leaveOut.hidden = file.state !== 'ERRORED' || file.leftOut;
     leaveOut.setAttribute('aria-label', `Leave out ${file.name}`);
     setText(size, formatSize(file.size));

@@ -1,0 +1,98 @@
+import assert from 'node:assert/strict';
+import { test } from 'node:test';
+import './libraries.js';
+import {
+  connection, FakeService, FakeUploads, groupEvent, settled,
+} from './fakes.js';
+
+globalThis.requestAnimationFrame = () => {};
+globalThis.localStorage = { getItem: () => null, setItem() {} };
+
+const { Downloads } = await import('../../webapp/js/models/downloads.js');
+const { TransferReports } = await import('../../webapp/js/transfer_reports.js');
+const { commonReason, failedFileWords, waitingWords } = await import('../../webapp/js/reason_words.js');
+
+const failedFile = (fileId, type = 'ERRORED') => ({
+  id: '1', bucketId: 'b1', fileId, type, state: { type, bytesTransfered: 0, bytesTotal: 10, percentTransferred: 0 },
+});
+const failure = (fileId, code) => ({ fileId, code, reason: `sentence of ${code}` });
+
+function make(pauses = [0, 0, 0]) {
+  const manager = new FakeUploads();
+  const service = new FakeService();
+  const reports = new TransferReports({ service, pauses });
+  const downloads = new Downloads([], { manager, service, connection, reports });
+  const transfer = downloads.add({ id: '1', direction: 'download', bucketId: 'b1', phase: 'running' });
+  transfer.files.describe([{ id: 'a', size: 10 }, { id: 'b', size: 10 }]);
+  const asked = () => service.calls.filter(([name]) => name === 'progressOf').length;
+  return { manager, service, downloads, transfer, asked };
+}
+
+test('learns why files failed from what the library told the service, and asks no more than it needs', async () => {
+  const { service, downloads, transfer, asked } = make();
+  service.reports = { download: { state: 'ERRORED', waitingFor: null, failures: [failure('a', 'wrong_digest'), failure('b', 'disk_trouble')] } };
+  downloads.fileChanged(failedFile('a'));
+  downloads.fileChanged(failedFile('b'));
+  await settled();
+  assert.equal(transfer.reasons.get('a').code, 'wrong_digest');
+  assert.equal(transfer.reasons.get('b').reason, 'sentence of disk_trouble');
+  assert.equal(asked(), 1);
+  downloads.fileChanged(failedFile('a', 'TRANSFERRING'));
+  assert.equal(transfer.reasons.has('a'), false);
+});
+
+test('gives up where there are no reports, or none of this file', async () => {
+  for (const reports of [{}, { upload: { state: 'ERRORED', failures: [failure('a', 'refused')] } }, null]) {
+    const { service, downloads, transfer, asked } = make();
+    service.reports = reports ?? undefined;
+    if (reports === null) service.progressOf = async () => { service.calls.push(['progressOf']); throw new Error('404'); };
+    downloads.fileChanged(failedFile('a'));
+    for (let turn = 0; turn < 1000 && asked() < 3; turn += 1) await settled();
+    await settled();
+    assert.equal(transfer.reasons.size, 0);
+    assert.equal(asked(), 3);
+  }
+});
+
+test('asks for new addresses of refused files once, and of expired ones more often', async () => {
+  for (const [code, most] of [['refused', 1], ['url_expired', 3], ['disk_trouble', 0]]) {
+    const { service, downloads, transfer } = make([0]);
+    const renewed = () => service.calls.filter(([name]) => name === 'requestDownloads').length;
+    service.reports = { download: { state: 'ERRORED', failures: [failure('a', code)] } };
+    for (let times = 0; times < 5; times += 1) {
+      downloads.fileChanged(failedFile('a', 'TRANSFERRING'));
+      downloads.fileChanged(failedFile('a'));
+      await settled();
+      if (transfer.renewal) {
+        clearTimeout(transfer.renewal);
+        await downloads.renewNow(transfer);
+      }
+    }
+    assert.equal(renewed(), most, code);
+  }
+});
+
+test('says what a transfer waits for until something moves again', async () => {
+  const { service, downloads, transfer } = make();
+  downloads.groupChanged(groupEvent('1', { type: 'TRANSFERRING', bytesTransferred: 1 }));
+  downloads.lookForStandstill();
+  service.reports = { download: { state: 'TRANSFERRING', waitingFor: { code: 'disk_full', reason: 'full' }, failures: [] } };
+  downloads.lookForStandstill();
+  await settled();
+  assert.equal(transfer.get('waitingFor').code, 'disk_full');
+  downloads.groupChanged(groupEvent('1', { type: 'TRANSFERRING', bytesTransferred: 2 }));
+  downloads.lookForStandstill();
+  assert.equal(transfer.get('waitingFor'), null);
+});
+
+test('puts codes into words, and unknown ones into the sentence that came with them', () => {
+  assert.equal(failedFileWords({ code: 'refused', reason: 'x' }, 'upload'), 'The server does not take it');
+  assert.equal(failedFileWords({ code: 'new_code', reason: 'the moon is full' }, 'upload'), 'the moon is full');
+  assert.equal(failedFileWords(null, 'upload'), '');
+  assert.match(waitingWords({ code: 'cannot_connect', reason: 'x' }), /cannot be reached/);
+  assert.match(waitingWords({ code: 'new_code', reason: 'the moon is full' }), /the moon is full/);
+  const full = { code: 'disk_trouble', reason: 'x' };
+  assert.equal(commonReason([full, { ...full, reason: 'y' }], 'upload'), 'The disk has a problem');
+  assert.match(commonReason([full, { code: 'refused', reason: 'x' }], 'upload'), /list of files/);
+  assert.equal(commonReason([], 'upload'), '');
+});

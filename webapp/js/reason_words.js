@@ -1,0 +1,57 @@
+// Why something failed or waits, in words for people. The codes are the transfer library's
+// (docs/transfers.md); its own sentence is the detail. Pure functions.
+
+const FILE = {
+  url_expired: 'Its address has expired',
+  token_expired: 'The time for this transfer is over',
+  bad_url: 'The service gave no address that can be used',
+  bad_request: 'The service asked for something that cannot be sent',
+  source_missing: 'The file is not there any more',
+  source_unreadable: 'The file cannot be read',
+  source_changed: 'The file was changed while it was sent',
+  unsafe_path: 'Its name is not allowed on this computer',
+  target_missing: 'Its folder is not there',
+  target_unusable: 'Its folder cannot be written to',
+  disk_full: 'The disk is full',
+  disk_trouble: 'The disk has a problem',
+  server_busy: 'The server is too busy',
+  server_trouble: 'The server has a problem',
+  wrong_digest: 'It arrived with other content',
+  wrong_size: 'It arrived with another size',
+  server_changed: 'It keeps changing on the server',
+  cannot_connect: 'The server cannot be reached',
+  connection_lost: 'The connection broke again and again',
+  not_trusted: 'The server cannot prove who it is',
+  queue_unreadable: 'It is no longer known what was to be done',
+};
+
+const REFUSED = { upload: 'The server does not take it', download: 'The server does not give it' };
+
+const WAITING = {
+  disk_full: 'The disk is full. It goes on by itself as soon as there is room.',
+  disk_trouble: 'The disk has a problem. It goes on by itself as soon as that is over.',
+  target_missing: 'The folder is not there. It goes on by itself as soon as the disk is connected.',
+  cannot_connect: 'The server cannot be reached. It goes on by itself as soon as it can.',
+  connection_lost: 'The connection broke. It goes on by itself in a moment.',
+  server_busy: 'The server is busy. It goes on by itself when the server has time.',
+};
+
+/** A few words for a failed file; empty where no reason is known. */
+export function failedFileWords(reason, direction) {
+  if (!reason) return '';
+  if (reason.code === 'refused') return REFUSED[direction] ?? REFUSED.upload;
+  return FILE[reason.code] ?? reason.reason;
+}
+
+/** Why a transfer rests and what will end that; empty where it does not, or nobody knows. */
+export function waitingWords(reason) {
+  if (!reason) return '';
+  return WAITING[reason.code] ?? `It waits and goes on by itself: ${reason.reason}.`;
+}
+
+/** Why files failed, in one sentence; empty where no reason is known. */
+export function commonReason(reasons, direction) {
+  const words = new Set(reasons.map((reason) => failedFileWords(reason, direction)));
+  if (words.size > 1) return 'The list of files says why.';
+  return [...words][0] ?? '';
+}

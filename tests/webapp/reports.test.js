@@ -41,6 +41,16 @@ test('learns why files failed from what the library told the service, and asks n
   assert.equal(transfer.reasons.has('a'), false);
 });
 
+test('asks at once, and again, when the transfer has come to its end meanwhile', async () => {
+  const { service, downloads, transfer, asked } = make([1, 4000]);
+  downloads.fileChanged(failedFile('a'));
+  for (let turn = 0; turn < 1000 && asked() < 1; turn += 1) await settled();
+  service.reports = { download: { state: 'ERRORED', failures: [failure('a', 'wrong_size')] } };
+  downloads.groupChanged(groupEvent('1', { type: 'ERRORED' }));
+  for (let turn = 0; turn < 300 && transfer.reasons.size === 0; turn += 1) await settled();
+  assert.equal(transfer.reasons.get('a').code, 'wrong_size');
+});
+
 test('gives up where there are no reports, or none of this file', async () => {
   for (const reports of [{}, { upload: { state: 'ERRORED', failures: [failure('a', 'refused')] } }, null]) {
     const { service, downloads, transfer, asked } = make();

@@ -21,6 +21,12 @@ export class TransferReports {
     else this.#askInTurn(transfer);
   }
 
+  /** The same, for a transfer that has just come to its end: the library reports that at once. */
+  wantedNow(transfer) {
+    this.#asking.delete(transfer);
+    this.#askInTurn(transfer);
+  }
+
   /** Asks once. */
   async ask(transfer) {
     const { bucketId, direction } = transfer.attributes;
@@ -38,10 +44,11 @@ export class TransferReports {
     this.#asking.set(transfer, asking);
     for (let at = 0; at < this.#pauses.length; at += 1) {
       await new Promise((resolve) => { setTimeout(resolve, this.#pauses[at]); });
+      if (this.#asking.get(transfer) !== asking) return;
       asking.again = false;
       await this.ask(transfer);
       if (!asking.again && transfer.knowsAllReasons()) break;
     }
-    this.#asking.delete(transfer);
+    if (this.#asking.get(transfer) === asking) this.#asking.delete(transfer);
   }
 }

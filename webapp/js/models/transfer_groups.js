@@ -61,7 +61,10 @@ export const TransferGroups = Backbone.Collection.extend({
     const state = transfer.get('state');
     if (state !== 'ERRORED') transfer.set('problem', '');
     if (state === 'COMPLETED') this.completed(transfer);
-    if (state === 'ERRORED') this.failed(transfer);
+    if (state === 'ERRORED') {
+      this.reports?.wantedNow(transfer);
+      this.failed(transfer);
+    }
     this.trigger('state', transfer);
   },
 

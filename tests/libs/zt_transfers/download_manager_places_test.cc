@@ -240,7 +240,6 @@ TEST_F(DownloadPlaces, TellsOfAFullDiskBeforeTheDownloadAndGoesOnOnceThereIsRoom
   if (!disk.mounted()) {
     GTEST_SKIP() << "only root may mount a disk";
   }
-  retryAtMost(0);
   const std::string content = patternOf(3'000'000);
   server.planForAll(fault::slow(4'000'000));
   const auto group = download({offer("file", content)});

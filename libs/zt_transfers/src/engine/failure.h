@@ -50,15 +50,6 @@ struct Failure {
   bool operator==(const Failure&) const = default;
 };
 
-inline Failure failureOf(std::string_view code, std::string_view reason) {
-  Failure failure{std::string(code), std::string(reason.substr(0, Failure::kLongestReason))};
-  for (char& character : failure.reason) {
-    const auto byte = static_cast<unsigned char>(character);
-    if (byte < 0x20 || byte == 0x7F) {
-      character = ' ';
-    }
-  }
-  return failure;
-}
+Failure failureOf(std::string_view code, std::string_view reason);
 
 }  // namespace zt_transfers

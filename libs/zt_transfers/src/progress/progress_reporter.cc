@@ -147,6 +147,9 @@ void CProgressReporter::failed(const std::string& why) {
 void CProgressReporter::stop() {
   groups_.clear();
   underWay_ = 0;
+  const std::lock_guard lock(mutex_);
+  standings_.clear();  // after the next start all is told anew
+  changed_.clear();
 }
 
 }  // namespace zt_transfers

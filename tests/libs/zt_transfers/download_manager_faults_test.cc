@@ -52,7 +52,8 @@ TEST_F(DownloadFaults, TakesNoOtherLengthThanAnnouncedForSuccess) {
   std::vector<File> files;
   for (const auto& [name, wrong] : cases) {
     files.push_back(offer(name, content));
-    server.plan("/" + name, {wrong, wrong});  // a broken connection is tried once more
+    // A broken connection is tried once more.
+    server.plan("/" + name, {wrong, fault::closeWithoutAnswer()});
   }
   auto other = offer("other", content);
   other.size += 1;  // as the page was told

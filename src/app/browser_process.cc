@@ -29,8 +29,10 @@ constexpr const char* kHelp =
     "Opens the Zantrio window. Files and folders that are named are offered for sending; when\n"
     "Zantrio runs already, they are handed to the running one.\n"
     "\n"
-    "  --help     shows this text\n"
-    "  --version  shows the version\n";
+    "  --off-screen-rendering  shows the page in an OpenGL view of Zantrio's own instead of a\n"
+    "                          browser window\n"
+    "  --help                  shows this text\n"
+    "  --version               shows the version\n";
 
 void report(const std::string& text) {
   std::cerr << "zantrio: " << text << std::endl;

@@ -32,6 +32,28 @@ void OsrRenderer::Render() {
   if (viewWidth_ == 0 || viewHeight_ == 0) {
     return;
   }
+  drawnRect_ = areaToDraw();
+  const bool partly = drawnRect_ != CefRect(0, 0, viewWidth_, viewHeight_);
+  if (partly) {
+    glEnable(GL_SCISSOR_TEST);
+    glScissor(drawnRect_.x, viewHeight_ - drawnRect_.y - drawnRect_.height, drawnRect_.width,
+              drawnRect_.height);
+  }
+  drawAll();
+  if (partly) {
+    glDisable(GL_SCISSOR_TEST);
+  }
+}
+
+// A page that is spun, or was, and an outline that moves change more than what was painted.
+CefRect OsrRenderer::areaToDraw() {
+  if (!surfaceKeepsDrawing_ || showUpdateRect_ || spinX_ != 0 || spinY_ != 0) {
+    changed_.addAll();
+  }
+  return changed_.take({viewWidth_, viewHeight_});
+}
+
+void OsrRenderer::drawAll() const {
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
   glMatrixMode(GL_MODELVIEW);
   glLoadIdentity();
@@ -160,6 +182,7 @@ void OsrRenderer::OnPaint(CefRefPtr<CefBrowser> /*browser*/,
     paintView(dirtyRects, buffer, width, height);
   } else if (type == PET_POPUP && popupRect_.width > 0 && popupRect_.height > 0) {
     uploadPopup({popupRect_.x, popupRect_.y}, {width, height}, {viewWidth_, viewHeight_}, buffer);
+    changed_.add({popupRect_.x, popupRect_.y, width, height});
   }
   glDisable(GL_TEXTURE_2D);
   if (transparent_) {
@@ -181,16 +204,19 @@ void OsrRenderer::paintView(const CefRenderHandler::RectList& dirtyRects, const 
   glPixelStorei(GL_UNPACK_ROW_LENGTH, width);
   if (sizeChanged || allDirty) {
     uploadWhole(buffer, {width, height});
+    changed_.addAll();
     return;
   }
   for (const CefRect& rect : dirtyRects) {
     uploadPart(buffer, {rect.x, rect.y}, rect);
+    changed_.add(rect);
   }
 }
 
 void OsrRenderer::setSpin(float aboutX, float aboutY) {
   spinX_ = aboutX;
   spinY_ = aboutY;
+  changed_.addAll();
 }
 
 }  // namespace client

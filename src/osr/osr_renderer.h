@@ -1,6 +1,7 @@
 #pragma once
 
 #include "include/cef_render_handler.h"
+#include "osr/changed_area.h"
 #include "osr/gl.h"
 
 namespace client {
@@ -25,6 +26,13 @@ class OsrRenderer {
   void Initialize();
   // Draws; nothing before the first view paint.
   void Render();
+
+  // For a surface that keeps what was drawn on it: Render draws only around what has changed.
+  void setSurfaceKeepsDrawing(bool keeps) { surfaceKeepsDrawing_ = keeps; }
+  // The surface is a new one; all of it is drawn next.
+  void forgetDrawing() { changed_.addAll(); }
+  // What the latest Render drew, from the page's left upper corner.
+  const CefRect& drawnRect() const { return drawnRect_; }
 
   void OnPopupShow(CefRefPtr<CefBrowser> browser, bool show);
   // Places the pop-up; an empty rectangle changes nothing.
@@ -51,6 +59,8 @@ class OsrRenderer {
  private:
   void paintView(const CefRenderHandler::RectList& dirtyRects, const void* buffer, int width,
                  int height);
+  CefRect areaToDraw();
+  void drawAll() const;
   void drawBackground() const;
   void drawPage() const;
   void drawUpdateRect() const;
@@ -66,6 +76,9 @@ class OsrRenderer {
   float spinX_ = 0;
   float spinY_ = 0;
   CefRect updateRect_;
+  bool surfaceKeepsDrawing_ = false;
+  ChangedArea changed_;
+  CefRect drawnRect_;
 };
 
 }  // namespace client

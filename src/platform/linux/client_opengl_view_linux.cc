@@ -4,6 +4,7 @@
 #include <QCloseEvent>
 #include <QPainter>
 #include <QScreen>
+#include <QStyleHints>
 #include <QWindow>
 
 #include "osr/event_flags.h"
@@ -16,6 +17,10 @@ namespace {
 
 CefRect toRect(const QRect& rect) {
   return {rect.x(), rect.y(), rect.width(), rect.height()};
+}
+
+QRect toQRect(const CefRect& rect) {
+  return {rect.x, rect.y, rect.width, rect.height};
 }
 
 CefMouseEvent recordOf(const QDropEvent& event) {
@@ -46,7 +51,10 @@ ClientOpenGLView::ClientOpenGLView(const OffScreenViewOptions& options,
       renderer_(std::make_unique<OsrRenderer>(options.transparent, options.showUpdateRect)),
       scroll_({[this] { QApplication::instance()->installEventFilter(this); },
                [this] { QApplication::instance()->removeEventFilter(this); }},
-              [this](const SystemEvent& event) { mouse_.handle(event); }) {
+              [this](const SystemEvent& event) { mouse_.handle(event); }),
+      clicks_(QGuiApplication::styleHints()->mouseDoubleClickInterval(),
+              QGuiApplication::styleHints()->mouseDoubleClickDistance()) {
+  renderer_->setSurfaceKeepsDrawing(true);
   setWindowTitle(QString::fromStdString(options.title));
   setGeometry(options.bounds.x, options.bounds.y, options.bounds.width, options.bounds.height);
   setAttribute(Qt::WA_OpaquePaintEvent);
@@ -126,7 +134,9 @@ void ClientOpenGLView::redraw() {
 }
 
 void ClientOpenGLView::makeContextCurrent() {
-  canvas_->makeCurrent(sizeInPixels());
+  if (canvas_->makeCurrent(sizeInPixels())) {
+    renderer_->forgetDrawing();
+  }
 }
 
 void ClientOpenGLView::clearCurrentContext() {
@@ -134,11 +144,14 @@ void ClientOpenGLView::clearCurrentContext() {
 }
 
 void ClientOpenGLView::flushContext() {
-  canvas_->makeCurrent(sizeInPixels());
-  canvas_->takePicture(
-      QSize(renderer_->viewWidth(), renderer_->viewHeight()).boundedTo(sizeInPixels()));
-  canvas_->clearCurrent();
-  update();
+  const QSize page(renderer_->viewWidth(), renderer_->viewHeight());
+  const QSize shown = page.boundedTo(sizeInPixels());
+  const QRect changed = shown == page ? toQRect(renderer_->drawnRect()) : QRect(QPoint(), shown);
+  makeContextCurrent();
+  const QRect taken = canvas_->takePicture(shown, changed);
+  clearCurrentContext();
+  const double scale = devicePixelRatioF();
+  update(QRectF(QPointF(taken.topLeft()) / scale, QSizeF(taken.size()) / scale).toAlignedRect());
 }
 
 void ClientOpenGLView::paintEvent(QPaintEvent* /*event*/) {
@@ -212,17 +225,19 @@ void ClientOpenGLView::handleMouse(const QMouseEvent& event, int clickCount) {
 }
 
 void ClientOpenGLView::mousePressEvent(QMouseEvent* event) {
-  clickCount_ = 1;
-  handleMouse(*event, clickCount_);
+  clicks_.pressed({static_cast<int>(event->button()),
+                   {event->position().x(), event->position().y()},
+                   static_cast<int64_t>(event->timestamp())});
+  handleMouse(*event, clicks_.count());
 }
 
+// To Qt, every other press is one.
 void ClientOpenGLView::mouseDoubleClickEvent(QMouseEvent* event) {
-  clickCount_ = 2;
-  handleMouse(*event, clickCount_);
+  mousePressEvent(event);
 }
 
 void ClientOpenGLView::mouseReleaseEvent(QMouseEvent* event) {
-  handleMouse(*event, clickCount_);
+  handleMouse(*event, clicks_.count());
 }
 
 void ClientOpenGLView::mouseMoveEvent(QMouseEvent* event) {
@@ -270,8 +285,11 @@ void ClientOpenGLView::focusInEvent(QFocusEvent* /*event*/) {
   setFocusOfBrowser(true);
 }
 
-void ClientOpenGLView::focusOutEvent(QFocusEvent* /*event*/) {
-  setFocusOfBrowser(false);
+void ClientOpenGLView::focusOutEvent(QFocusEvent* event) {
+  // A menu takes the keys, and the page still has what is selected.
+  if (event->reason() != Qt::PopupFocusReason) {
+    setFocusOfBrowser(false);
+  }
 }
 
 void ClientOpenGLView::setFocusOfBrowser(bool focus) {

@@ -3,6 +3,7 @@
 #include <QWidget>
 #include <memory>
 
+#include "osr/click_counter.h"
 #include "osr/drag_session.h"
 #include "osr/key_input.h"
 #include "osr/mouse_input.h"
@@ -87,7 +88,7 @@ class ClientOpenGLView final : public QWidget, public OsrView {
   MouseInput mouse_{*this};
   DragSession drags_{*this};
   ScrollGesture scroll_;
-  int clickCount_ = 0;
+  ClickCounter clicks_;
   float scale_ = 1;
   bool resized_ = false;  // since the view was drawn last
   QMetaObject::Connection scaleObserver_;

@@ -19,17 +19,20 @@ class EglCanvas {
   EglCanvas& operator=(const EglCanvas&) = delete;
 
   // The context is current between these; nothing can be drawn when there is no memory for `size`.
-  void makeCurrent(const QSize& size);
+  // True when the surface is a new one, on which nothing is drawn yet.
+  bool makeCurrent(const QSize& size);
   void clearCurrent();
 
-  // Takes the picture over from OpenGL: the lower left part of this size, in pixels.
-  void takePicture(const QSize& size);
+  // Takes a part of the picture over from OpenGL, whose lower left part of this size it is; all of
+  // it when the size is new. Gives what was taken. In pixels, from the picture's left upper corner.
+  QRect takePicture(const QSize& size, const QRect& part);
   const QImage& picture() const { return picture_; }
 
  private:
   EglCanvas(EGLDisplay display, EGLConfig config, EGLContext context)
       : display_(display), config_(config), context_(context) {}
   void resize(const QSize& size);
+  void read(const QRect& part);
 
   const EGLDisplay display_;
   const EGLConfig config_;

@@ -101,6 +101,7 @@ constexpr KeyPair kKeys[] = {
     {Qt::Key_Comma, 0xBC},      {Qt::Key_Minus, 0xBD},        {Qt::Key_Period, 0xBE},
     {Qt::Key_Slash, 0xBF},      {Qt::Key_QuoteLeft, 0xC0},    {Qt::Key_BracketLeft, 0xDB},
     {Qt::Key_Backslash, 0xDC},  {Qt::Key_BracketRight, 0xDD}, {Qt::Key_Apostrophe, 0xDE},
+    {Qt::Key_Meta, 0x5B},       {Qt::Key_AltGr, 0xE1},
 };
 
 bool isBetween(int key, int first, int last) {

@@ -154,6 +154,45 @@ TEST_F(OsrRendererTest, OutlinesTheFirstDirtyRectangleToThePixel) {
   EXPECT_EQ(difference(drawn(), page_), "");
 }
 
+TEST_F(OsrRendererTest, DrawsOnlyAroundWhatChangedOnASurfaceThatKeepsItsDrawing) {
+  renderer_->setSurfaceKeepsDrawing(true);
+  paintView(page_, {page_.rect()});
+  EXPECT_EQ(difference(drawn(), page_), "");
+  EXPECT_EQ(renderer_->drawnRect(), page_.rect());
+
+  const Color green{0, 255, 0, 255};
+  glClearColor(0, 1, 0, 1);
+  glClear(GL_COLOR_BUFFER_BIT);
+  const Pixels next(kWidth, kHeight, changed);
+  paintView(next, {{3, 5, 10, 7}, {20, 8, 4, 10}});
+  Pixels expected = page_;
+  expected.fill({3, 5, 10, 7}, changed);
+  expected.fill({20, 8, 4, 10}, changed);
+  const Pixels result = drawn();
+  const CefRect around(3, 5, 21, 13);
+  EXPECT_EQ(renderer_->drawnRect(), around);
+  for (int y = 0; y < kHeight; ++y) {
+    for (int x = 0; x < kWidth; ++x) {
+      const bool isInside = x >= 3 && x < 24 && y >= 5 && y < 18;
+      ASSERT_EQ(result.at(x, y), isInside ? expected.at(x, y) : green) << x << ',' << y;
+    }
+  }
+
+  renderer_->OnPopupSize(nullptr, {60, 40, 10, 10});
+  paintPopup(Pixels(10, 10, distinct));
+  drawn();
+  EXPECT_EQ(renderer_->drawnRect(), CefRect(54, 38, 10, 10));
+  renderer_->forgetDrawing();
+  expected.fill({54, 38, 10, 10}, [](int x, int y) { return distinct(x - 54, y - 38); });
+  EXPECT_EQ(difference(drawn(), expected), "");
+  for (const float spin : {20.0F, 0.0F}) {
+    renderer_->setSpin(spin, 0);
+    paintView(page_, {{0, 0, 1, 1}});
+    drawn();
+    EXPECT_EQ(renderer_->drawnRect(), page_.rect());
+  }
+}
+
 TEST_F(OsrRendererTest, RotatesThePageAndNotTheBackground) {
   paintView(page_, {page_.rect()});
   renderer_->setSpin(180, 0);

@@ -3,6 +3,7 @@
 
 #include <set>
 
+#include "osr/click_counter.h"
 #include "osr/event_flags.h"
 #include "osr/mouse_input.h"
 #include "osr/scroll_gesture.h"
@@ -181,6 +182,18 @@ TEST_F(MouseInputTest, SendsNothingWithoutABrowser) {
     EXPECT_THAT(sent(eventOf(kind, onPage_)), IsEmpty());
   }
   EXPECT_FALSE(mouse_.wasLastMouseDownOnView());
+}
+
+TEST(ClickCounter, CountsPressesOfOneButtonThatAreNearInTimeAndPlace) {
+  ClickCounter clicks(400, 5);
+  EXPECT_EQ(clicks.count(), 0);
+  EXPECT_EQ(clicks.pressed({1, {10, 10}, 0}), 1);
+  EXPECT_EQ(clicks.pressed({1, {15, 5}, 400}), 2);
+  EXPECT_EQ(clicks.pressed({1, {15, 5}, 500}), 3);
+  EXPECT_EQ(clicks.pressed({2, {15, 5}, 510}), 1);     // another button
+  EXPECT_EQ(clicks.pressed({2, {15, 10.5}, 520}), 1);  // elsewhere
+  EXPECT_EQ(clicks.pressed({2, {15, 10.5}, 921}), 1);  // later
+  EXPECT_EQ(clicks.count(), 1);
 }
 
 TEST(ScrollGesture, WatchesFromTheBeginningToTheEndOfAGesture) {

@@ -102,6 +102,18 @@ TEST(OffScreen, TakesClicksMovesAndWheels) {
   EXPECT_TRUE(page.becomes("Math.round(scrollY)", "100"));
 }
 
+TEST(OffScreen, CountsClicksAsTheClientDoes) {
+  OffScreenPage shown(R"(<body style='margin: 0'><script>counts = [];
+    addEventListener('click', event => counts.push(event.detail));</script>)");
+  ASSERT_TRUE(shown.page().becomes("document.readyState", "complete"));
+  ASSERT_TRUE(runUntil([&] { return !shown.screen().paints.empty(); }));
+  for (const int count : {1, 1, 2, 3, 1, 2}) {
+    shown.click(20, 30, count);
+  }
+  EXPECT_TRUE(shown.page().becomes("counts.join()", "1,1,2,3,1,2"))
+      << shown.page().evaluate("counts.join()");
+}
+
 TEST(OffScreen, TakesTextKeysAndEditCommands) {
   OffScreenPage shown(
       "<input id=field autofocus><script>keys = []; addEventListener('keydown', "
@@ -124,6 +136,22 @@ TEST(OffScreen, TakesTextKeysAndEditCommands) {
   EXPECT_TRUE(page.becomes("field.value", ""));
   shown.page().frame()->Undo();
   EXPECT_TRUE(page.becomes("field.value", "a\u00e4!"));
+  shown.page().frame()->Redo();
+  EXPECT_TRUE(page.becomes("field.value", ""));
+  shown.page().frame()->Undo();
+  EXPECT_TRUE(page.becomes("field.value", "a\u00e4!"));
+  shown.page().frame()->SelectAll();
+  shown.page().frame()->Cut();
+  EXPECT_TRUE(page.becomes("field.value", ""));
+  for (int times = 1; times <= 2; ++times) {
+    shown.page().frame()->Paste();
+    EXPECT_TRUE(page.becomes("field.value.length", std::to_string(3 * times)));
+  }
+  shown.page().frame()->SelectAll();
+  shown.page().frame()->Copy();
+  page.evaluate("field.value = ''");
+  shown.page().frame()->Paste();
+  EXPECT_TRUE(page.becomes("field.value", "a\u00e4!a\u00e4!"));
 }
 
 TEST(OffScreen, ShowsASelectsListAsAPopupThatTakesClicks) {

@@ -19,13 +19,14 @@ constexpr KeyPair kKeys[] = {
     {0x23, Qt::Key_End},        {0x24, Qt::Key_Home},         {0x25, Qt::Key_Left},
     {0x26, Qt::Key_Up},         {0x27, Qt::Key_Right},        {0x28, Qt::Key_Down},
     {0x2C, Qt::Key_Print},      {0x2D, Qt::Key_Insert},       {0x2E, Qt::Key_Delete},
-    {0x5B, Qt::Key_Super_L},    {0x5C, Qt::Key_Super_R},      {0x5D, Qt::Key_Menu},
+    {0x5B, Qt::Key_Meta},       {0x5C, Qt::Key_Meta},         {0x5D, Qt::Key_Menu},
     {0x6A, Qt::Key_Asterisk},   {0x6B, Qt::Key_Plus},         {0x6D, Qt::Key_Minus},
     {0x6E, Qt::Key_Period},     {0x6F, Qt::Key_Slash},        {0x90, Qt::Key_NumLock},
     {0x91, Qt::Key_ScrollLock}, {0xBA, Qt::Key_Semicolon},    {0xBB, Qt::Key_Equal},
     {0xBC, Qt::Key_Comma},      {0xBD, Qt::Key_Minus},        {0xBE, Qt::Key_Period},
     {0xBF, Qt::Key_Slash},      {0xC0, Qt::Key_QuoteLeft},    {0xDB, Qt::Key_BracketLeft},
     {0xDC, Qt::Key_Backslash},  {0xDD, Qt::Key_BracketRight}, {0xDE, Qt::Key_Apostrophe},
+    {0xE1, Qt::Key_AltGr},
 };
 
 bool isBetween(int code, int first, int last) {

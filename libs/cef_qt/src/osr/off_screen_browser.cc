@@ -2,10 +2,10 @@
 
 #include <QApplication>
 #include <QEvent>
-#include <QMenu>
 #include <QQuickItem>
 #include <QQuickWindow>
 #include <QWebEnginePage>
+#include <QWebEngineScript>
 #include <QWindow>
 #include <algorithm>
 #include <utility>
@@ -22,6 +22,8 @@ constexpr int kDefaultRate = 30;
 constexpr int kHighestRate = 60;
 constexpr int kCursorMs = 30;
 constexpr int kCursorChecks = 20;
+// A page that is busy for longer is not waited for.
+constexpr int kLongestAnswerMs = 300;
 
 QList<OffScreenBrowser*>& all() {
   static QList<OffScreenBrowser*> browsers;
@@ -94,6 +96,9 @@ void OffScreenBrowser::attach() {
   }
   page_ = std::make_unique<PaintedWidget>(
       current, framesPerSecond_, [this](const FrameBuffer& frame) { paint(PET_VIEW, frame); });
+  // Qt's own windows over the view, as suggestions for a field, pass their keys on to what has the
+  // focus in it.
+  current->setFocus();
   setFocus(focused_);
 }
 
@@ -126,13 +131,13 @@ void OffScreenBrowser::screenInfoChanged() {
   wasResized();
 }
 
-// Menus open where the hidden view is; the client's view is elsewhere.
-void OffScreenBrowser::menuShown(QMenu* menu) {
+// Menus and suggestions open where the hidden view is; the client's view is elsewhere.
+void OffScreenBrowser::windowShown(QWidget* window) {
   int x = 0;
   int y = 0;
   const auto asked = handler();
   if (asked && asked->GetScreenPoint(browser_, 0, 0, x, y)) {
-    menu->move(menu->pos() + QPoint(x, y) - view_->pos());
+    window->move(window->pos() + QPoint(x, y) - view_->pos());
   }
 }
 
@@ -147,10 +152,14 @@ void OffScreenBrowser::invalidate(cef_paint_element_type_t type) {
   }
 }
 
+QWidget* OffScreenBrowser::clientsWindow() const {
+  return QWidget::find(browser_->window() ? browser_->window()->handle() : 0);
+}
+
 void OffScreenBrowser::setFocus(bool focus) {
   focused_ = focus;
   input_.setFocus(focus);
-  QWidget* const parent = QWidget::find(browser_->window() ? browser_->window()->handle() : 0);
+  QWidget* const parent = clientsWindow();
   if (focus && parent && !parent->isActiveWindow()) {
     parent->activateWindow();
   }
@@ -170,9 +179,14 @@ bool OffScreenBrowser::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::Show:
       if (auto* const shown = qobject_cast<QQuickWidget*>(watched); shown && ownsPopup(shown)) {
         popupShown(shown);
-      } else if (auto* const menu = qobject_cast<QMenu*>(watched);
-                 menu && menu->parentWidget() == view_) {
-        menuShown(menu);
+      } else if (auto* const over = qobject_cast<QWidget*>(watched);
+                 over && over->windowType() == Qt::Popup && over->parentWidget() == view_) {
+        windowShown(over);
+      }
+      break;
+    case QEvent::ToolTipChange:
+      if (QWidget* const shown = watched == view_ ? clientsWindow() : nullptr) {
+        shown->setToolTip(view_->toolTip());
       }
       break;
     case QEvent::Hide:
@@ -219,6 +233,9 @@ void OffScreenBrowser::popupShown(QQuickWidget* popup) {
   if (popup_ && popup_->widget() == popup) {
     return;
   }
+  if (popup_) {
+    popupHidden();  // its window goes later
+  }
   popup->setAttribute(Qt::WA_DontShowOnScreen);
   // Qt hands all input of the application to an open pop-up; this one gets its input from us.
   popup->overrideWindowFlags(Qt::ToolTip | Qt::FramelessWindowHint);
@@ -233,26 +250,51 @@ void OffScreenBrowser::popupShown(QQuickWidget* popup) {
           paint(PET_POPUP, frame);
         }
       });
-  popupTold_ = false;
-  // Out of Chromium's callback.
-  postTo(TID_UI, [self = QPointer<OffScreenBrowser>(this), shown = QPointer<QQuickWidget>(popup)] {
-    const auto told = self && self->popup_ && shown ? self->handler() : nullptr;
-    if (told) {
-      told->OnPopupShow(self->browser_, true);
-      told->OnPopupSize(self->browser_, self->popupRect());
-      // What was drawn before had no place yet.
-      self->popupTold_ = true;
-      self->invalidate(PET_POPUP);
+  // A press on a list that is open makes the page close it, open it again, and close that one at
+  // once: the client is told of a list that is still there when the page has done its work.
+  whenPageAnswers([this, shown = QPointer<QQuickWidget>(popup)] {
+    if (popup_ && shown && popup_->widget() == shown) {
+      tellPopup();
     }
   });
 }
 
+void OffScreenBrowser::tellPopup() {
+  if (const auto told = handler()) {
+    popupTold_ = true;
+    told->OnPopupShow(browser_, true);
+    told->OnPopupSize(browser_, popupRect());
+    // What was drawn before had no place yet.
+    invalidate(PET_POPUP);
+  }
+}
+
 void OffScreenBrowser::popupHidden() {
   popup_.reset();
+  if (!std::exchange(popupTold_, false)) {
+    return;
+  }
+  // Out of Chromium's callback; also when another one is open by then, which is told after this.
   postTo(TID_UI, [self = QPointer<OffScreenBrowser>(this)] {
-    const auto told = self && !self->popup_ ? self->handler() : nullptr;
-    if (told) {
+    if (const auto told = self ? self->handler() : nullptr) {
       told->OnPopupShow(self->browser_, false);
+    }
+  });
+}
+
+void OffScreenBrowser::whenPageAnswers(std::function<void()> next) {
+  const auto once = [self = QPointer<OffScreenBrowser>(this),
+                     next = std::make_shared<std::function<void()>>(std::move(next))] {
+    if (const auto work = std::exchange(*next, nullptr); work && self) {
+      work();
+    }
+  };
+  // Out of Chromium's callback.
+  postTo(TID_UI, [self = QPointer<OffScreenBrowser>(this), once] {
+    if (self) {
+      self->view_->page()->runJavaScript(QStringLiteral("0"), QWebEngineScript::ApplicationWorld,
+                                         [once](const QVariant&) { once(); });
+      QTimer::singleShot(kLongestAnswerMs, self, once);
     }
   });
 }
@@ -266,7 +308,7 @@ CefRect OffScreenBrowser::popupRect() const {
 
 QQuickWidget* OffScreenBrowser::popupAt(const QPoint& point) const {
   QQuickWidget* const popup = popup_ ? popup_->widget() : nullptr;
-  if (!popup || !popup->isVisible()) {
+  if (!popup || !popupTold_ || !popup->isVisible()) {
     return nullptr;
   }
   return popup->geometry().contains(view_->mapToGlobal(point)) ? popup : nullptr;

@@ -4,14 +4,13 @@
 #include <QPointer>
 #include <QTimer>
 #include <QWebEngineView>
+#include <functional>
 #include <memory>
 
 #include "browser/browser_impl.h"
 #include "osr/off_screen_drag.h"
 #include "osr/off_screen_input.h"
 #include "osr/painted_widget.h"
-
-class QMenu;
 
 namespace cef_qt {
 
@@ -58,9 +57,14 @@ class OffScreenBrowser final : public QObject {
   void attach();
   void reportCursor();
   void popupShown(QQuickWidget* popup);
+  void tellPopup();
   void popupHidden();
-  void menuShown(QMenu* menu);
+  // Does the work when the page has done what it was asked before, or is busy for long.
+  void whenPageAnswers(std::function<void()> next);
+  void windowShown(QWidget* window);
   CefRect popupRect() const;
+  // What the client shows the browser in; null when that is none of Qt's.
+  QWidget* clientsWindow() const;
   void paint(cef_paint_element_type_t type, const FrameBuffer& frame);
   bool ownsPopup(const QWidget* widget) const;
 

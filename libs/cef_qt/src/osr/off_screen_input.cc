@@ -5,7 +5,10 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QQuickWidget>
+#include <QStyleHints>
 #include <QWheelEvent>
+#include <algorithm>
+#include <chrono>
 #include <utility>
 
 #include "osr/event_flags_qt.h"
@@ -85,8 +88,30 @@ void OffScreenInput::click(const CefMouseEvent& event, cef_mouse_button_type_t t
                    keyboardModifiersOf(event.modifiers));
   if (up) {
     pressed_ = nullptr;
+  } else {
+    sent.setTimestamp(timeOfPress(button, target->global.toPoint(), clickCount));
   }
   QApplication::sendEvent(target->widget, &sent);
+}
+
+// Chromium in Qt counts clicks itself, by the times and places of presses: the time is such that it
+// comes to the client's count. Without times, every press in one place would be one more.
+quint64 OffScreenInput::timeOfPress(Qt::MouseButton button, const QPoint& point, int clickCount) {
+  const QStyleHints& hints = *QGuiApplication::styleHints();
+  const auto interval = static_cast<quint64>(hints.mouseDoubleClickInterval());
+  const auto now = static_cast<quint64>(std::chrono::ceil<std::chrono::milliseconds>(
+                                            std::chrono::steady_clock::now().time_since_epoch())
+                                            .count());
+  const bool isNear = button == lastPress_.button &&
+                      (point - lastPress_.point).manhattanLength() <= hints.startDragDistance();
+  quint64 time = now;
+  if (clickCount > 1) {
+    time = std::min(now, lastPress_.ms + interval);
+  } else if (isNear) {
+    time = std::max(now, lastPress_.ms + interval + 1);
+  }
+  lastPress_ = {button, point, time};
+  return time;
 }
 
 void OffScreenInput::move(const CefMouseEvent& event, bool leaves) {

@@ -45,6 +45,13 @@ class OffScreenInput {
     QPointF local;
     QPointF global;
   };
+  // The latest press, as Chromium in Qt knows it.
+  struct Press {
+    Qt::MouseButton button = Qt::NoButton;
+    QPoint point;
+    quint64 ms = 0;
+  };
+  quint64 timeOfPress(Qt::MouseButton button, const QPoint& point, int clickCount);
   std::optional<Target> targetOf(const CefMouseEvent& event);
   void sendKey(const CefKeyEvent& event, bool press, char16_t character);
   void sendWaitingKey();
@@ -55,6 +62,7 @@ class OffScreenInput {
   unsigned int keyTurn_ = 0;
   // Where the button went down gets the moves and the release.
   QPointer<QWidget> pressed_;
+  Press lastPress_;
 };
 
 }  // namespace cef_qt

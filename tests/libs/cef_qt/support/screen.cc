@@ -99,18 +99,18 @@ void OffScreenPage::move(int x, int y, uint32_t flags) {
   host()->SendMouseMoveEvent(at(x, y, flags), false);
 }
 
-void OffScreenPage::press(int x, int y) {
-  host()->SendMouseClickEvent(at(x, y, EVENTFLAG_LEFT_MOUSE_BUTTON), MBT_LEFT, false, 1);
+void OffScreenPage::press(int x, int y, int clickCount) {
+  host()->SendMouseClickEvent(at(x, y, EVENTFLAG_LEFT_MOUSE_BUTTON), MBT_LEFT, false, clickCount);
 }
 
-void OffScreenPage::release(int x, int y) {
-  host()->SendMouseClickEvent(at(x, y, EVENTFLAG_LEFT_MOUSE_BUTTON), MBT_LEFT, true, 1);
+void OffScreenPage::release(int x, int y, int clickCount) {
+  host()->SendMouseClickEvent(at(x, y, EVENTFLAG_LEFT_MOUSE_BUTTON), MBT_LEFT, true, clickCount);
 }
 
-void OffScreenPage::click(int x, int y) {
+void OffScreenPage::click(int x, int y, int clickCount) {
   move(x, y);
-  press(x, y);
-  release(x, y);
+  press(x, y, clickCount);
+  release(x, y, clickCount);
 }
 
 void OffScreenPage::type(char16_t character, int windowsKeyCode) {

@@ -28,7 +28,10 @@ class Screen final : public CefRenderHandler, public CefDisplayHandler {
   bool GetScreenPoint(CefRefPtr<CefBrowser> browser, int viewX, int viewY, int& screenX,
                       int& screenY) override;
   bool GetScreenInfo(CefRefPtr<CefBrowser> browser, CefScreenInfo& info) override;
-  void OnPopupShow(CefRefPtr<CefBrowser> /*browser*/, bool show) override { popupShown = show; }
+  void OnPopupShow(CefRefPtr<CefBrowser> /*browser*/, bool show) override {
+    popupShown = show;
+    popupCount += show ? 1 : 0;
+  }
   void OnPopupSize(CefRefPtr<CefBrowser> /*browser*/, const CefRect& rect) override {
     popupRect = rect;
   }
@@ -51,6 +54,7 @@ class Screen final : public CefRenderHandler, public CefDisplayHandler {
   std::vector<Paint> paints;  // of the page
   std::vector<Paint> popupPaints;
   bool popupShown = false;
+  int popupCount = 0;  // that were shown
   CefRect popupRect;
   cef_cursor_type_t cursor = CT_POINTER;
   DragOperation dragOperation = DRAG_OPERATION_NONE;
@@ -73,9 +77,9 @@ class OffScreenPage {
   CefRefPtr<CefBrowserHost> host() { return page_.browser()->GetHost(); }
 
   void move(int x, int y, uint32_t flags = 0);
-  void press(int x, int y);
-  void release(int x, int y);
-  void click(int x, int y);
+  void press(int x, int y, int clickCount = 1);
+  void release(int x, int y, int clickCount = 1);
+  void click(int x, int y, int clickCount = 1);
   void type(char16_t character, int windowsKeyCode);
 
  private:

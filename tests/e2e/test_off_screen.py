@@ -1,9 +1,12 @@
 """The web application in the client's own OpenGL view: looked at, pointed at, typed into, dragged, with a real pointer."""
 
+import os
+import pathlib
+import signal
 import subprocess
 import unittest
 
-from harness import display
+from harness import display, process
 from harness.wait import wait_until
 from sandbox import Sandbox
 
@@ -86,6 +89,47 @@ class OffScreen(Sandbox):
         page.wait_for("probe.join() === 'drop carried,end copy'")
         self.assert_leaves_cleanly(client, page)
 
+    def test_edits_text_with_clicks_edit_keys_and_suggestions(self):
+        _, client, page = self.start_off_screen()
+        self.type_into(page, "#subject", "alpha beta")
+        # Elsewhere: the click before would count.
+        self.point("mousemove_relative", 40, 0, "click", "--repeat", 3, "--delay", 50, 1)
+        page.wait_for("getSelection().toString() === 'alpha beta'")
+        self.point("key", "ctrl+c")
+        self.click_on(page, "textarea")
+        self.point("key", "ctrl+v")
+        self.point("key", "XF86Paste")
+        page.wait_for("document.querySelector('textarea').value === 'alpha betaalpha beta'")
+        self.point("key", "Undo")
+        page.wait_for("document.querySelector('textarea').value === 'alpha beta'")
+
+        page.evaluate("""(() => {
+          const list = document.createElement('datalist');
+          list.id = 'words';
+          list.append(Object.assign(document.createElement('option'), { value: 'gamma' }));
+          document.body.append(list);
+          document.querySelector('#subject').setAttribute('list', 'words'); })()""")
+        self.click_on(page, "#subject")
+        self.point("key", "ctrl+a")
+        before = len(display.windows(self.environment, ""))
+        self.point("type", "ga")
+        wait_until(lambda: len(display.windows(self.environment, "")) > before, 30, "a suggestion")
+        self.point("key", "Down", "Return")
+        page.wait_for("document.querySelector('#subject').value === 'gamma'")
+        self.assert_leaves_cleanly(client, page)
+
+    def test_shows_the_page_again_when_its_process_was_killed(self):
+        _, client, page = self.start_off_screen(probe=True)
+        for child in process.descendants(client.process.pid):
+            if b"--type=renderer" in pathlib.Path(f"/proc/{child}/cmdline").read_bytes():
+                os.kill(child, signal.SIGKILL)
+        wait_until(lambda: not self.shows(310, 490, "#123456"), 30, "the end of the probe")
+        page = self.send_page(client)
+        page.wait_until_ready()
+        self.type_into(page, "#subject", "again")
+        page.wait_for("document.querySelector('#subject').value === 'again'")
+        self.assert_leaves_cleanly(client, page)
+
     def test_follows_the_windows_size_and_asks_before_it_closes(self):
         _, client, page = self.start_off_screen(probe=True)
         display.xdotool(self.environment, "windowsize", self.window(), 1000, 700)
@@ -116,12 +160,13 @@ class OffScreen(Sandbox):
 
     def wait_for_color(self, x, y, color):
         """Waits until the screen shows the colour at the point."""
-        def shown():
-            text = subprocess.run(
-                ["import", "-window", "root", "-crop", f"1x1+{x}+{y}", "-depth", "8", "txt:-"],
-                env=self.environment, check=True, capture_output=True, text=True).stdout
-            return color.lower() in text.lower()
-        wait_until(shown, 30, f"{color} at {x},{y}")
+        wait_until(lambda: self.shows(x, y, color), 30, f"{color} at {x},{y}")
+
+    def shows(self, x, y, color):
+        text = subprocess.run(
+            ["import", "-window", "root", "-crop", f"1x1+{x}+{y}", "-depth", "8", "txt:-"],
+            env=self.environment, check=True, capture_output=True, text=True).stdout
+        return color.lower() in text.lower()
 
 
 if __name__ == "__main__":

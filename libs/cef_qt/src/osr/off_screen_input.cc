@@ -106,7 +106,7 @@ quint64 OffScreenInput::timeOfPress(Qt::MouseButton button, const QPoint& point,
                       (point - lastPress_.point).manhattanLength() <= hints.startDragDistance();
   quint64 time = now;
   if (clickCount > 1) {
-    time = std::min(now, lastPress_.ms + interval);
+    time = std::clamp(now, lastPress_.ms, lastPress_.ms + interval);
   } else if (isNear) {
     time = std::max(now, lastPress_.ms + interval + 1);
   }

@@ -141,11 +141,11 @@ void animate(const char* name, const char* url) {
   const double seconds = watch.passed() / 1e6;
   auto& times = page.handler().times;
   const auto frames = static_cast<double>(times.size());
-  std::printf("%-22s %5.1f frames/s, %6.1f %% of the pixels new, OnPaint %6.0f µs (p95 %6.0f), "
-              "processor of the client %3.0f %%\n",
-              name, frames / seconds, 100 * page.handler().pixels / (frames * kWidth * kHeight),
-              median(times), percentile(times, 0.95),
-              (processorTime() - before) / seconds / 1e4);
+  std::printf(
+      "%-22s %5.1f frames/s, %6.1f %% of the pixels new, OnPaint %6.0f µs (p95 %6.0f), "
+      "processor of the client %3.0f %%\n",
+      name, frames / seconds, 100 * page.handler().pixels / (frames * kWidth * kHeight),
+      median(times), percentile(times, 0.95), (processorTime() - before) / seconds / 1e4);
 }
 
 void click() {

@@ -47,8 +47,7 @@ class CanvasSurface final : public QWidget, public Surface {
     renderer_->OnPaint(nullptr, PET_VIEW, dirty, pixels, kWidth, kHeight);
     renderer_->Render();
     const CefRect& drawn = renderer_->drawnRect();
-    const QRect taken =
-        canvas_->takePicture(size(), {drawn.x, drawn.y, drawn.width, drawn.height});
+    const QRect taken = canvas_->takePicture(size(), {drawn.x, drawn.y, drawn.width, drawn.height});
     canvas_->clearCurrent();
     repaint(taken);
   }

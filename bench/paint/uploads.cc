@@ -25,9 +25,16 @@ struct Frame {
 const Frame kFrames[] = {
     {"caret", {{300, 400, 2, 18}}},
     {"progress of ten rows",
-     {{200, 100, 900, 6}, {200, 160, 900, 6}, {200, 220, 900, 6}, {200, 280, 900, 6},
-      {200, 340, 900, 6}, {200, 400, 900, 6}, {200, 460, 900, 6}, {200, 520, 900, 6},
-      {200, 580, 900, 6}, {200, 640, 900, 6}}},
+     {{200, 100, 900, 6},
+      {200, 160, 900, 6},
+      {200, 220, 900, 6},
+      {200, 280, 900, 6},
+      {200, 340, 900, 6},
+      {200, 400, 900, 6},
+      {200, 460, 900, 6},
+      {200, 520, 900, 6},
+      {200, 580, 900, 6},
+      {200, 640, 900, 6}}},
     {"a scrolled list", {{100, 150, 1200, 600}}},
     {"all of the page", {{0, 0, kWidth, kHeight}}},
 };
@@ -44,7 +51,8 @@ void copy(const CefRenderHandler::RectList& rects, const uint32_t* from, uint32_
   for (const CefRect& rect : rects) {
     for (int y = rect.y; y < rect.y + rect.height; ++y) {
       const auto start = static_cast<std::size_t>(y * kWidth + rect.x);
-      std::memcpy(to + start, from + start, sizeof(uint32_t) * static_cast<std::size_t>(rect.width));
+      std::memcpy(to + start, from + start,
+                  sizeof(uint32_t) * static_cast<std::size_t>(rect.width));
     }
   }
 }
@@ -67,9 +75,10 @@ class Measurement {
       wholes.push_back(timed([&] { paint(kFrames[3].dirty); }));
     }
     const double part = median(parts);
-    std::printf("%-22s %9.0f B %8.1f µs  memcpy %8.1f µs  ratio %5.2f  whole upload %8.1f µs  %5.2f\n",
-                frame.name, bytesOf(frame.dirty), part, median(copies), part / median(copies),
-                median(wholes), part / median(wholes));
+    std::printf(
+        "%-22s %9.0f B %8.1f µs  memcpy %8.1f µs  ratio %5.2f  whole upload %8.1f µs  %5.2f\n",
+        frame.name, bytesOf(frame.dirty), part, median(copies), part / median(copies),
+        median(wholes), part / median(wholes));
   }
 
   void runSteps() {
@@ -80,7 +89,9 @@ class Measurement {
         renderer_.Render();
         glFinish();
       }));
-      pictures.push_back(timed([&] { canvas_.takePicture({kWidth, kHeight}, {0, 0, kWidth, kHeight}); }));
+      pictures.push_back(timed([&] {
+        canvas_.takePicture({kWidth, kHeight}, {0, 0, kWidth, kHeight});
+      }));
     }
     std::printf("%-22s draw %.1f µs, take the picture %.1f µs\n", "whole frame", median(draws),
                 median(pictures));

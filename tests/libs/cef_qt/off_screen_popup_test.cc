@@ -39,8 +39,8 @@ class OffScreenPopup : public testing::Test {
   OffScreenPage shown_{kTwoLists};
 };
 
-// The page closes a list on which is pressed, opens it again, and closes that one: nobody is told of
-// the second one.
+// The page closes a list on which is pressed, opens it again, and closes that one: nobody is told
+// of the second one.
 TEST_F(OffScreenPopup, OpensAgainRightAfterItClosedTimeAndAgain) {
   for (int turn = 0; turn < kTurns; ++turn) {
     SCOPED_TRACE("turn " + std::to_string(turn));

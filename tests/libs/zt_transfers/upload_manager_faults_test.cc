@@ -127,6 +127,12 @@ TEST_F(UploadFaults, SendsAgainWhatArrivedWithOtherContent) {
   const auto group = upload({describe("file", "content")});
   ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
   EXPECT_EQ(server.requestsTo("/file").size(), 2U);
+
+  // From here on the server is known to give digests, and files are hashed on their way.
+  server.plan("/next", {fault::etag(other), fault::etag(other)});
+  const auto second = upload({describe("next", patternOf(3 * 1024 * 1024))});
+  ASSERT_TRUE(recorder.waitForGroupState(second, kGroupCompleted));
+  EXPECT_EQ(server.requestsTo("/next").size(), 3U);
 }
 
 TEST_F(UploadFaults, AcceptsTagsThatAreNoDigestAndAnyTagWhenNotVerifying) {

@@ -80,7 +80,7 @@ TEST_F(UploadRestart, KeepsPausedGroupsPausedAndUnmarkedOnesOpen) {
   manager.unmarkQueue(open);
   restart();
   ASSERT_TRUE(after.waitForGroupState(paused, kGroupPaused));
-  EXPECT_EQ(after.lastGroup(open).state, kGroupIdle);
+  ASSERT_TRUE(after.waitForGroupState(open, kGroupIdle));
   EXPECT_EQ(after.lastGroup(open).percentTransferred, 100.0F);
   next->resumeGroup(paused);
   ASSERT_TRUE(after.waitForGroupState(paused, kGroupCompleted));

@@ -83,15 +83,15 @@ void CSessionSurvey::checkNext() {
   }
   const ListedPart part = std::move(doubtful_.back());
   doubtful_.pop_back();
-  check_ = std::make_unique<CPartCheck>(
+  check_ = std::make_unique<CSourceDigest>(
       tools_,
       SourceWish{.path = order_.path,
                  .version = order_.session.source,
                  .span = order_.session.spanOf(part.number)},
-      [this, part](const CPartCheck::Result& result) { onChecked(part, result); });
+      [this, part](const CSourceDigest::Result& result) { onChecked(part, result); });
 }
 
-void CSessionSurvey::onChecked(const ListedPart& part, const CPartCheck::Result& result) {
+void CSessionSurvey::onChecked(const ListedPart& part, const CSourceDigest::Result& result) {
   if (result.problem) {
     finish({.what = Found::What::kSource, .problem = *result.problem});
     return;

@@ -8,7 +8,7 @@
 
 #include "engine/upload_session.h"
 #include "upload/multipart_messages.h"
-#include "upload/part_check.h"
+#include "upload/source_digest.h"
 #include "upload/store_call.h"
 #include "upload/upload_tools.h"
 
@@ -58,7 +58,7 @@ class CSessionSurvey {
   void onNoList(const HttpAnswer& answer);
   void compare();
   void checkNext();
-  void onChecked(const ListedPart& part, const CPartCheck::Result& result);
+  void onChecked(const ListedPart& part, const CSourceDigest::Result& result);
   void finish(Found found);
 
   const UploadTools tools_;
@@ -69,7 +69,7 @@ class CSessionSurvey {
   std::vector<ListedPart> doubtful_;
   std::vector<SentPart> taken_;
   std::unique_ptr<CStoreCall> call_;
-  std::unique_ptr<CPartCheck> check_;
+  std::unique_ptr<CSourceDigest> check_;
 };
 
 }  // namespace zt_transfers

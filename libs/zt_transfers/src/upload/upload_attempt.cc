@@ -37,7 +37,9 @@ void CUploadAttempt::begin() {
 
 void CUploadAttempt::sendWhole(std::uint64_t onlyLookFrom) {
   CFileRequest::Order whole;
-  whole.source = {.path = path_, .hash = order_.verify, .onlyLookFrom = onlyLookFrom};
+  whole.source = {.path = path_,
+                  .hash = order_.verify && shared_.digestTags.expectedOf(order_.spec.url),
+                  .onlyLookFrom = onlyLookFrom};
   whole.url = order_.spec.url;
   whole.headers = order_.spec.headers;
   whole.proxy = order_.proxy;
@@ -52,6 +54,7 @@ bool CUploadAttempt::goesInParts(std::uint64_t size) const {
 
 bool CUploadAttempt::onRequestOpened(CFileRequest& request, const SourceVersion& version) {
   order_.progress->size = version.size;
+  version_ = version;
   if (goesInParts(version.size)) {
     whole_.reset();
     parts_ = std::make_unique<CMultipartUpload>(shared_.tools, order_, path_, version, *this);
@@ -73,10 +76,35 @@ bool CUploadAttempt::onRequestOpened(CFileRequest& request, const SourceVersion&
 void CUploadAttempt::onRequestAnswered(CFileRequest& request, const HttpAnswer& answer) {
   const AttemptOutcome outcome = judgeUpload(answer, request.size(), request.md5(),
                                              shared_.tools.loop.clock().secondsSince1970());
-  if (refusedParts_ && outcome.kind == AttemptOutcome::Kind::kDone) {
+  if (outcome.kind != AttemptOutcome::Kind::kDone) {
+    finish(outcome);
+    return;
+  }
+  if (refusedParts_) {
     shared_.support.hasNot(order_.spec.url);
   }
-  finish(outcome);
+  const auto stored = storedDigest(answer);
+  shared_.digestTags.learn(order_.spec.url, stored.has_value());
+  if (order_.verify && stored && request.md5().empty()) {
+    compareWith(*stored);
+  } else {
+    finish(outcome);
+  }
+}
+
+// The file was sent without being hashed; it must still be the one that was sent.
+void CUploadAttempt::compareWith(const std::string& stored) {
+  digest_ = std::make_unique<CSourceDigest>(
+      shared_.tools, SourceWish{.path = path_, .version = version_},
+      [this, stored](const CSourceDigest::Result& result) {
+        if (result.problem) {
+          finish(AttemptOutcome::retry(
+              "what the server has cannot be compared with it: " + result.problem->reason,
+              result.problem->code));
+        } else {
+          finish(result.md5 == stored ? AttemptOutcome::done() : otherContent(stored, result.md5));
+        }
+      });
 }
 
 void CUploadAttempt::onRequestFailed(CFileRequest& /*request*/, const Trouble& trouble) {

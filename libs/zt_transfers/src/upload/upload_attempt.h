@@ -5,11 +5,13 @@
 #include <string>
 
 #include "engine/attempt.h"
+#include "upload/digest_tags.h"
 #include "upload/file_request.h"
 #include "upload/multipart_support.h"
 #include "upload/multipart_upload.h"
 #include "upload/request_slots.h"
 #include "upload/session_aborts.h"
+#include "upload/source_digest.h"
 #include "upload/upload_tools.h"
 
 namespace zt_transfers {
@@ -24,6 +26,7 @@ class CUploadAttempt final : public CFileRequest::IListener, public CMultipartUp
   struct Shared {
     UploadTools tools;
     CMultipartSupport& support;
+    CDigestTags& digestTags;
     CRequestSlots& slots;
     CSessionAborts& aborts;
   };
@@ -54,6 +57,7 @@ class CUploadAttempt final : public CFileRequest::IListener, public CMultipartUp
   void sendWhole(std::uint64_t onlyLookFrom);
   bool goesInParts(std::uint64_t size) const;
   bool hasSession() const { return order_.resume.begun() && order_.resume.isUpload(); }
+  void compareWith(const std::string& stored);
   void finish(const AttemptOutcome& outcome);
 
   bool onRequestOpened(CFileRequest& request, const SourceVersion& version) override;
@@ -75,9 +79,11 @@ class CUploadAttempt final : public CFileRequest::IListener, public CMultipartUp
   IListener& listener_;
 
   std::string path_;
+  SourceVersion version_;
   bool refusedParts_ = false;  // it goes with one PUT after all
   std::unique_ptr<CFileRequest> whole_;
   std::unique_ptr<CMultipartUpload> parts_;
+  std::unique_ptr<CSourceDigest> digest_;
 };
 
 }  // namespace zt_transfers

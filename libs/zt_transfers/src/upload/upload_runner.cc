@@ -11,7 +11,8 @@ bool CUploadRunner::start(StartOrder order) {
   const JobId job = order.job;
   slots_.setMost(order.parts.requests);
   auto attempt = std::make_unique<CUploadAttempt>(
-      CUploadAttempt::Shared{tools_, support_, slots_, aborts_}, std::move(order), *this);
+      CUploadAttempt::Shared{tools_, support_, digestTags_, slots_, aborts_}, std::move(order),
+      *this);
   CUploadAttempt& begun = *attempt;
   attempts_.emplace(job, std::move(attempt));
   begun.begin();
@@ -30,6 +31,7 @@ void CUploadRunner::stopAll() {
   attempts_.clear();
   aborts_.clear();
   support_.clear();
+  digestTags_.clear();
   offering_ = false;
 }
 

@@ -26,6 +26,7 @@ class CUploadRunner final : public IAttemptRunner, public CUploadAttempt::IListe
   const UploadTools tools_;
   IAttemptObserver& observer_;
   CMultipartSupport support_;
+  CDigestTags digestTags_;
   CRequestSlots slots_;
   bool offering_ = false;
   CSessionAborts aborts_;

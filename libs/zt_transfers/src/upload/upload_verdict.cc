@@ -17,6 +17,15 @@ bool etagIsDigest(const HttpAnswer& answer) {
 
 }  // namespace
 
+std::optional<std::string> storedDigest(const HttpAnswer& answer) {
+  return etagIsDigest(answer) ? md5OfETag(answer.header("etag")) : std::nullopt;
+}
+
+AttemptOutcome otherContent(const std::string& stored, const std::string& sent) {
+  return AttemptOutcome::retry(
+      "the server has other content: MD5 " + stored + " instead of " + sent, failure::kWrongDigest);
+}
+
 AttemptOutcome judgeUpload(const HttpAnswer& answer, std::uint64_t size, const std::string& md5,
                            std::int64_t now) {
   if (answer.code != CURLE_OK) {
@@ -35,11 +44,9 @@ AttemptOutcome judgeUpload(const HttpAnswer& answer, std::uint64_t size, const s
                                      " of " + std::to_string(size) + " bytes",
                                  failure::kServerTrouble);
   }
-  const auto digest = md5OfETag(answer.header("etag"));
-  if (!md5.empty() && digest && etagIsDigest(answer) && *digest != md5) {
-    return AttemptOutcome::retry(
-        "the server has other content: MD5 " + *digest + " instead of " + md5,
-        failure::kWrongDigest);
+  const auto stored = storedDigest(answer);
+  if (!md5.empty() && stored && *stored != md5) {
+    return otherContent(*stored, md5);
   }
   return AttemptOutcome::done();
 }

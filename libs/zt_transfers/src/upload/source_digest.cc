@@ -1,4 +1,4 @@
-#include "upload/part_check.h"
+#include "upload/source_digest.h"
 
 #include <utility>
 
@@ -12,21 +12,21 @@ SourceWish hashed(SourceWish wish) {
 
 }  // namespace
 
-CPartCheck::CPartCheck(const UploadTools& tools, SourceWish wish, Done done)
+CSourceDigest::CSourceDigest(const UploadTools& tools, SourceWish wish, Done done)
     : done_(std::move(done)),
       source_(
           std::make_shared<CUploadSource>(tools.loop, tools.pool, hashed(std::move(wish)), *this)) {
   source_->open();
 }
 
-void CPartCheck::onSourceReady() {
+void CSourceDigest::onSourceReady() {
   source_->skip();
   if (source_->readAll()) {
     finish({.md5 = source_->md5()});
   }
 }
 
-void CPartCheck::finish(const Result& result) {
+void CSourceDigest::finish(const Result& result) {
   // A copy, as the receiver may destroy this check.
   const Done done = done_;
   done(result);

@@ -10,10 +10,10 @@
 
 namespace zt_transfers {
 
-// Finds the MD5 of a span of a file. Destruction ends it without an answer.
+// Finds the MD5 of a file or a span of one. Destruction ends it without an answer.
 //
 // Thread: the loop's. `done` is not called from within the constructor and may destroy the check.
-class CPartCheck final : public CUploadSource::IListener {
+class CSourceDigest final : public CUploadSource::IListener {
  public:
   struct Result {
     std::string md5{};                 // lower-case hexadecimal
@@ -21,10 +21,10 @@ class CPartCheck final : public CUploadSource::IListener {
   };
   using Done = std::function<void(const Result&)>;
 
-  CPartCheck(const UploadTools& tools, SourceWish wish, Done done);
-  ~CPartCheck() { source_->close(); }
-  CPartCheck(const CPartCheck&) = delete;
-  CPartCheck& operator=(const CPartCheck&) = delete;
+  CSourceDigest(const UploadTools& tools, SourceWish wish, Done done);
+  ~CSourceDigest() { source_->close(); }
+  CSourceDigest(const CSourceDigest&) = delete;
+  CSourceDigest& operator=(const CSourceDigest&) = delete;
 
  private:
   void onSourceOpened(const SourceVersion& /*version*/) override { onSourceReady(); }

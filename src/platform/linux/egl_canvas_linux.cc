@@ -10,6 +10,7 @@
 namespace client {
 namespace {
 
+// One for the whole process, which all canvases share: none of them may terminate it.
 EGLDisplay openDisplay() {
   const EGLDisplay surfaceless =
       eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA, EGL_DEFAULT_DISPLAY, nullptr);
@@ -63,13 +64,11 @@ std::unique_ptr<EglCanvas> EglCanvas::create(std::string& error) {
   EGLConfig config = nullptr;
   if (!eglBindAPI(EGL_OPENGL_API) || !chooseConfig(display, config)) {
     error = "EGL has no OpenGL that draws into memory";
-    eglTerminate(display);
     return nullptr;
   }
   const EGLContext context = eglCreateContext(display, config, EGL_NO_CONTEXT, nullptr);
   if (context == EGL_NO_CONTEXT) {
     error = "EGL makes no OpenGL context";
-    eglTerminate(display);
     return nullptr;
   }
   return std::unique_ptr<EglCanvas>(new EglCanvas(display, config, context));
@@ -81,7 +80,6 @@ EglCanvas::~EglCanvas() {
     eglDestroySurface(display_, surface_);
   }
   eglDestroyContext(display_, context_);
-  eglTerminate(display_);
 }
 
 bool EglCanvas::makeCurrent(const QSize& size) {

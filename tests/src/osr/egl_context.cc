@@ -48,11 +48,11 @@ void EglContext::release() const {
   eglMakeCurrent(display_, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
 }
 
+// The display stays: it is one for the whole process, and others may draw with it.
 EglContext::~EglContext() {
   release();
   eglDestroyContext(display_, context_);
   eglDestroySurface(display_, surface_);
-  eglTerminate(display_);
 }
 
 Pixels EglContext::read(int width, int height) {

@@ -252,8 +252,8 @@ void OffScreenBrowser::popupShown(QQuickWidget* popup) {
       });
   // A press on a list that is open makes the page close it, open it again, and close that one at
   // once: the client is told of a list that is still there when the page has done its work.
-  whenPageAnswers([this, shown = QPointer<QQuickWidget>(popup)] {
-    if (popup_ && shown && popup_->widget() == shown) {
+  whenPageAnswers([this, popup, shown = QPointer<QObject>(popup)] {
+    if (popup_ && shown && popup_->widget() == popup) {
       tellPopup();
     }
   });

@@ -6,7 +6,10 @@
 namespace cef_qt {
 
 PaintedWidget::PaintedWidget(QQuickWidget* widget, int framesPerSecond, Painted painted)
-    : widget_(widget), frameMs_(1000 / framesPerSecond), painted_(std::move(painted)) {
+    : widget_(widget),
+      exists_(widget),
+      frameMs_(1000 / framesPerSecond),
+      painted_(std::move(painted)) {
   timer_.setSingleShot(true);
   timer_.setTimerType(Qt::PreciseTimer);
   connect(&timer_, &QTimer::timeout, this, &PaintedWidget::paint);
@@ -38,7 +41,7 @@ void PaintedWidget::paintAll() {
 }
 
 bool PaintedWidget::takeFrame() {
-  if (!widget_ || widget_->size().isEmpty() || !widget_->isVisible()) {
+  if (!exists_ || widget_->size().isEmpty() || !widget_->isVisible()) {
     return false;
   }
   const qreal ratio = widget_->devicePixelRatioF();

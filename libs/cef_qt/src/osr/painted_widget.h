@@ -21,7 +21,8 @@ class PaintedWidget final : public QObject {
 
   PaintedWidget(QQuickWidget* widget, int framesPerSecond, Painted painted);
 
-  QQuickWidget* widget() const { return widget_; }
+  // Null when it is gone. While it is being destroyed, only its address means anything.
+  QQuickWidget* widget() const { return exists_ ? widget_ : nullptr; }
   // Hands on the whole of the latest frame at once; nothing when there is none yet.
   void paintAll();
 
@@ -31,7 +32,9 @@ class PaintedWidget final : public QObject {
   void paint();
   bool takeFrame();
 
-  const QPointer<QQuickWidget> widget_;
+  QQuickWidget* const widget_;
+  // Not of the widget's own type, which it has lost by the time that its destruction is told.
+  const QPointer<QObject> exists_;
   const int frameMs_;
   const Painted painted_;
   FrameBuffer frame_;

@@ -171,6 +171,7 @@ HttpRequest CDownloadAttempt::request() const {
   request.url = order_.spec.url;
   // Bytes as they are stored, so that they can be counted.
   request.headers.emplace_back("Accept-Encoding", "identity");
+  request.answerSize = order_.spec.size;
   request.proxy = order_.proxy;
   request.userAgent = CZtTransfersGlobalConfig::getInstance()->userAgent();
   return request;

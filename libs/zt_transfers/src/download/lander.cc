@@ -1,6 +1,7 @@
 #include "download/lander.h"
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
 #include <utility>
 
@@ -12,12 +13,20 @@ namespace {
 // From here on one sync of the file system is quicker than one for each file.
 constexpr std::size_t kSyncTogetherFrom = 4;
 
+// As long as files keep arriving, so many are waited for, a moment at most: a sync costs the same
+// for all of them.
+constexpr std::size_t kWorthASync = 32;
+constexpr std::chrono::milliseconds kGatherLimit{4};
+
 }  // namespace
 
 void CLander::land(Arrival arrival) {
   std::unique_lock lock(mutex_);
   waiting_.push_back({std::move(arrival)});
   if (landing_) {
+    if (waiting_.size() == kWorthASync) {
+      enough_.notify_one();
+    }
     return;
   }
   landing_ = true;
@@ -27,6 +36,9 @@ void CLander::land(Arrival arrival) {
     landAll(batch);
     batch.clear();
     lock.lock();
+    if (!waiting_.empty()) {
+      enough_.wait_for(lock, kGatherLimit, [this] { return waiting_.size() >= kWorthASync; });
+    }
   }
   landing_ = false;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -56,6 +57,7 @@ class CLander {
 
   const Synced synced_;
   std::mutex mutex_;
+  std::condition_variable enough_;
   // Guarded by mutex_.
   Batch waiting_;
   bool landing_ = false;

@@ -14,9 +14,6 @@ constexpr std::uint64_t kCheckpointBytes = 64ULL * 1024 * 1024;
 constexpr std::uint64_t kCheckpointLeast = 1024 * 1024;
 constexpr std::chrono::seconds kCheckpointInterval{5};
 
-// At once, so that an end does not have to wait for it.
-constexpr std::uint64_t kMostReadBack = 16ULL * 1024 * 1024;
-
 std::uint64_t withoutGap(const DownloadResume& resume) {
   const bool begun = !resume.written.empty() && resume.written.front().begin == 0;
   return begun ? resume.written.front().end : 0;
@@ -52,7 +49,7 @@ void CPartialWriter::restart(const std::string& validator, std::uint64_t size) {
   for (Chunk& chunk : std::exchange(batch_.chunks, {})) {
     recycle(std::move(chunk));
   }
-  for (ToHash& piece : std::exchange(toHash_, {})) {
+  for (CHashLine::Piece& piece : line_.clear()) {
     recycle(std::move(piece.chunk));
   }
   batch_.restart = {validator, size};
@@ -71,7 +68,7 @@ void CPartialWriter::add(Chunk chunk) {
 void CPartialWriter::close() {
   listener_ = nullptr;
   if (!batch_.last) {
-    toHash_.clear();  // who goes on with the file begins to hash anew
+    line_.close();  // who goes on with the file begins to hash anew
   }
   post();
 }
@@ -86,9 +83,6 @@ void CPartialWriter::post() {
   if (mayWrite()) {
     postWrite();
   }
-  if (mayHash()) {
-    postHash();
-  }
 }
 
 bool CPartialWriter::mayWrite() const {
@@ -96,11 +90,7 @@ bool CPartialWriter::mayWrite() const {
   if (writing_ || batch_.empty() || (trouble_ && !batch_.last)) {
     return false;
   }
-  return !batch_.alone() || (!hashing_ && !syncing_ && (toHash_.empty() || trouble_));
-}
-
-bool CPartialWriter::mayHash() const {
-  return !hashing_ && !toHash_.empty() && !trouble_ && !batch_.restart;
+  return !batch_.alone() || (!syncing_ && line_.idle());
 }
 
 // Every job holds this writer, so that what was handed over gets written when nobody waits for it.
@@ -109,7 +99,8 @@ void CPartialWriter::postWrite() {
   batch_.trouble = trouble_;
   auto batch = std::make_shared<Batch>(std::exchange(batch_, {}));
   if (batch->restart) {
-    lined_ = hashed_ = written_ = durable_ = 0;
+    line_.restart();
+    written_ = durable_ = 0;
   }
   pool_.post([self = shared_from_this(), batch] {
     auto written = std::make_shared<Written>(self->work(*batch));
@@ -118,30 +109,7 @@ void CPartialWriter::postWrite() {
 }
 
 void CPartialWriter::postHash() {
-  hashing_ = true;
-  auto job = std::make_shared<HashJob>(nextToHash());
-  hashed_ = job->back().end;
-  pool_.post([self = shared_from_this(), job] {
-    const auto trouble = self->hash(*job);
-    self->loop_.post([self, job, trouble] { self->takeHashed(*job, trouble); });
-  });
-}
-
-// All that is in memory, or a piece of what is to be read back.
-CPartialWriter::HashJob CPartialWriter::nextToHash() {
-  HashJob job;
-  while (!toHash_.empty() && toHash_.front().inMemory()) {
-    job.push_back(std::move(toHash_.front()));
-    toHash_.pop_front();
-  }
-  if (job.empty()) {
-    ToHash& rest = toHash_.front();
-    job.push_back({{}, std::min(rest.end, hashed_ + kMostReadBack)});
-    if (job.back().end == rest.end) {
-      toHash_.pop_front();
-    }
-  }
-  return job;
+  pool_.post([self = shared_from_this()] { self->hashNext(); });
 }
 
 void CPartialWriter::postSync() {
@@ -162,10 +130,13 @@ CPartialWriter::Written CPartialWriter::work(Batch& batch) {
   }
   written.resume = file_->resume();
   progress_->setResume(written.resume);
+  written.chunks = std::move(batch.chunks);
   if (batch.last) {
     batch.last(file_, written.trouble);
+  } else if (!written.trouble && file_->open() && file_->hashes() &&
+             line_.add(written.chunks, withoutGap(written.resume))) {
+    postHash();
   }
-  written.chunks = std::move(batch.chunks);
   return written;
 }
 
@@ -187,9 +158,11 @@ void CPartialWriter::carryOut(Batch& batch, Written& written) {
   written.made = !wasOpen && file_->open();
 }
 
-std::optional<AttemptOutcome> CPartialWriter::hash(const HashJob& job) {
-  return troubleOf([&] {
-    for (const ToHash& piece : job) {
+// One turn of the hash, which sees to the next one by itself: the network thread may be busy.
+void CPartialWriter::hashNext() {
+  auto pieces = std::make_shared<CHashLine::Pieces>(line_.take());
+  const auto trouble = troubleOf([&] {
+    for (const CHashLine::Piece& piece : *pieces) {
       if (piece.inMemory()) {
         file_->hash(piece.chunk.data.get(), piece.chunk.size);
       } else {
@@ -197,6 +170,13 @@ std::optional<AttemptOutcome> CPartialWriter::hash(const HashJob& job) {
       }
     }
   });
+  if (trouble) {
+    line_.close();
+  }
+  if (line_.done()) {
+    postHash();
+  }
+  loop_.post([self = shared_from_this(), pieces, trouble] { self->takeHashed(*pieces, trouble); });
 }
 
 void CPartialWriter::take(Written& written) {
@@ -205,7 +185,9 @@ void CPartialWriter::take(Written& written) {
   if (written.found) {
     durable_ = lengthOf(written.resume.durable);
   }
-  line(written);
+  for (Chunk& chunk : written.chunks) {
+    recycle(std::move(chunk));
+  }
   if (written.trouble) {
     fail(*written.trouble);
     return;
@@ -230,33 +212,9 @@ void CPartialWriter::take(Written& written) {
   }
 }
 
-// Puts what is written in the line for the hash: from memory what follows at once, all else to be
-// read back, and nothing from memory behind that, or the memory would wait for it.
-void CPartialWriter::line(Written& written) {
-  const bool hashes = file_->hashes() && (listener_ != nullptr || batch_.last) && !batch_.restart;
-  for (Chunk& chunk : written.chunks) {
-    const bool readsBack = !toHash_.empty() && !toHash_.back().inMemory();
-    if (hashes && chunk.offset == lined_ && !readsBack) {
-      lined_ = chunk.end();
-      toHash_.push_back({std::move(chunk), lined_});
-    } else {
-      recycle(std::move(chunk));
-    }
-  }
-  const std::uint64_t end = withoutGap(written.resume);
-  if (hashes && end > lined_) {
-    lined_ = end;
-    if (!toHash_.empty() && !toHash_.back().inMemory()) {
-      toHash_.back().end = end;
-    } else {
-      toHash_.push_back({{}, end});
-    }
-  }
-}
-
-void CPartialWriter::takeHashed(HashJob& job, const std::optional<AttemptOutcome>& trouble) {
-  hashing_ = false;
-  for (ToHash& piece : job) {
+void CPartialWriter::takeHashed(CHashLine::Pieces& pieces,
+                                const std::optional<AttemptOutcome>& trouble) {
+  for (CHashLine::Piece& piece : pieces) {
     recycle(std::move(piece.chunk));
   }
   if (trouble) {
@@ -284,7 +242,7 @@ void CPartialWriter::takeSynced(const std::optional<AttemptOutcome>& trouble) {
 
 void CPartialWriter::fail(const AttemptOutcome& trouble) {
   trouble_ = trouble;
-  toHash_.clear();
+  line_.close();
   post();
   if (listener_ != nullptr) {
     listener_->onWriterFailed(trouble);

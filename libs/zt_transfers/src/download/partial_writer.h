@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -10,6 +9,7 @@
 #include <vector>
 
 #include "download/chunk_pool.h"
+#include "download/hash_line.h"
 #include "download/partial_file.h"
 #include "engine/attempt.h"
 #include "http/http_loop.h"
@@ -102,31 +102,20 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
     std::optional<AttemptOutcome> trouble;
     std::vector<Chunk> chunks;
   };
-  // Bytes up to `end` that follow those hashed before; without a chunk they are read back.
-  struct ToHash {
-    Chunk chunk;
-    std::uint64_t end = 0;
-
-    bool inMemory() const { return chunk.data != nullptr; }
-  };
-  using HashJob = std::vector<ToHash>;
 
   void post();
   bool mayWrite() const;
-  bool mayHash() const;
   void postWrite();
   void postHash();
   void postSync();
 
   Written work(Batch& batch);
   void carryOut(Batch& batch, Written& written);
-  std::optional<AttemptOutcome> hash(const HashJob& job);
+  void hashNext();
 
   void take(Written& written);
-  void takeHashed(HashJob& job, const std::optional<AttemptOutcome>& trouble);
+  void takeHashed(CHashLine::Pieces& pieces, const std::optional<AttemptOutcome>& trouble);
   void takeSynced(const std::optional<AttemptOutcome>& trouble);
-  void line(Written& written);
-  HashJob nextToHash();
   bool checkpointDue() const;
   void recycle(Chunk chunk);
   void fail(const AttemptOutcome& trouble);
@@ -136,17 +125,13 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   CChunkPool& chunks_;
   const std::shared_ptr<CPartialFile> file_;  // used by one job of each kind at a time
   const std::shared_ptr<JobProgress> progress_;
+  CHashLine line_;
   IListener* listener_;
 
   Batch batch_;
   std::size_t held_ = 0;
   bool writing_ = false;
   std::optional<AttemptOutcome> trouble_;
-
-  std::deque<ToHash> toHash_;
-  std::uint64_t lined_ = 0;   // up to here it is hashed, or stands in the line for it
-  std::uint64_t hashed_ = 0;  // up to here it is hashed, or a job is at it
-  bool hashing_ = false;
 
   bool syncing_ = false;
   std::uint64_t written_ = 0;  // bytes in the file, of this version

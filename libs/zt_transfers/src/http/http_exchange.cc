@@ -10,7 +10,15 @@ namespace zt_transfers {
 namespace {
 
 constexpr long kLargeUploadBuffer = 256L * 1024;
-constexpr long kReceiveBuffer = 256L * 1024;
+constexpr std::uint64_t kLargeReceiveBuffer = 256ULL * 1024;
+constexpr std::uint64_t kSmallReceiveBuffer = 32ULL * 1024;
+
+// libcurl takes memory of that size for each answer and gives it back, and small pieces of memory
+// cost less.
+long receiveBufferFor(std::uint64_t answerSize) {
+  const std::uint64_t wanted = answerSize == 0 ? kLargeReceiveBuffer : answerSize;
+  return static_cast<long>(std::clamp(wanted, kSmallReceiveBuffer, kLargeReceiveBuffer));
+}
 
 // From here on it is worth to ask first whether the server wants the body at all: one that
 // refuses in the middle cuts the connection, and its answer can get lost.
@@ -121,7 +129,7 @@ void CHttpExchange::setUp(const HttpRequest& request) {
   if (body_ != nullptr) {
     setUpBody(request);
   } else {
-    set(CURLOPT_BUFFERSIZE, kReceiveBuffer);
+    set(CURLOPT_BUFFERSIZE, receiveBufferFor(request.answerSize));
   }
 }
 

@@ -20,8 +20,9 @@ struct HttpRequest {
   std::string method = "PUT";
   std::string url;
   std::vector<std::pair<std::string, std::string>> headers;
-  std::uint64_t bodySize = 0;  // bytes; always sent as Content-Length where there is a body
-  std::string proxy;           // empty: the system's
+  std::uint64_t bodySize = 0;    // bytes; always sent as Content-Length where there is a body
+  std::uint64_t answerSize = 0;  // bytes that are expected, at most; 0: not known
+  std::string proxy;             // empty: the system's
   std::string userAgent;
   std::chrono::seconds patience = kUsualPatience;
 };

@@ -50,6 +50,7 @@ void CHttpLoop::start(Turn turn, std::function<void()> last) {
     last();
     assert(exchanges_.empty());
     idle_.clear();
+    loopThread_ = std::thread::id();  // another thread can get the same
   });
 }
 
@@ -68,7 +69,11 @@ void CHttpLoop::stop() {
 }
 
 void CHttpLoop::wake() {
-  curl_multi_wakeup(multi_.get());
+  if (std::this_thread::get_id() == loopThread_.load()) {
+    again_ = true;
+  } else if (!woken_.exchange(true)) {
+    curl_multi_wakeup(multi_.get());
+  }
 }
 
 void CHttpLoop::post(std::function<void()> task) {
@@ -97,6 +102,7 @@ void CHttpLoop::run(const Turn& turn) {
     if (!runTasks()) {
       return;
     }
+    again_ = false;
     std::optional<TimePoint> due = turn();
     throttle_.serve(clock_.now());
     int active = 0;
@@ -108,12 +114,13 @@ void CHttpLoop::run(const Turn& turn) {
     if (const auto open = throttle_.nextDue(clock_.now()); open && (!due || *open < *due)) {
       due = open;
     }
-    waitForTraffic(due, finished);
+    waitForTraffic(due, finished || again_);
   }
 }
 
 // False when the loop is to end.
 bool CHttpLoop::runTasks() {
+  woken_.exchange(false);  // whoever wakes the loop from here on has posted something new
   std::vector<std::function<void()>> tasks;
   {
     const std::lock_guard lock(mutex_);

@@ -67,6 +67,7 @@ class CHttpLoop {
   const CurlMulti multi_;
   std::thread thread_;
   std::atomic<std::thread::id> loopThread_{};
+  std::atomic<bool> woken_ = false;  // and has not got to it yet
 
   std::mutex mutex_;
   // Guarded by mutex_.
@@ -80,6 +81,7 @@ class CHttpLoop {
   TimePoint stallsChecked_{};
   Duration slept_{};               // until the last turn
   std::optional<TimePoint> woke_;  // when the machine last woke up
+  bool again_ = false;             // another turn is due at once
 };
 
 }  // namespace zt_transfers

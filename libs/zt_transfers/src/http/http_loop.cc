@@ -102,7 +102,6 @@ void CHttpLoop::run(const Turn& turn) {
     if (!runTasks()) {
       return;
     }
-    again_ = false;
     std::optional<TimePoint> due = turn();
     throttle_.serve(clock_.now());
     int active = 0;
@@ -120,7 +119,9 @@ void CHttpLoop::run(const Turn& turn) {
 
 // False when the loop is to end.
 bool CHttpLoop::runTasks() {
-  woken_.exchange(false);  // whoever wakes the loop from here on has posted something new
+  // Whoever wakes the loop from here on has posted something new.
+  woken_.exchange(false);
+  again_ = false;
   std::vector<std::function<void()>> tasks;
   {
     const std::lock_guard lock(mutex_);

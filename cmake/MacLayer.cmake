@@ -14,10 +14,9 @@ if(NOT ZANTRIO_MAC_LAYER OR NOT BUILD_TESTING)
   return()
 endif()
 
-# The rest is compiled by GCC; the two compilers' sanitizers each bring a runtime of their own, and a
-# program cannot have both.
-if(ZANTRIO_SANITIZE)
-  message(STATUS "The macOS layer is left out: it is not built with sanitizers")
+# Its code has one thread, the main one.
+if(ZANTRIO_SANITIZE MATCHES "thread")
+  message(STATUS "The macOS layer is left out: it has nothing for the thread sanitizer")
   set(ZANTRIO_MAC_LAYER_FOUND FALSE)
   return()
 endif()
@@ -27,6 +26,7 @@ find_path(GNUSTEP_INCLUDE_DIR AppKit/AppKit.h PATH_SUFFIXES GNUstep)
 find_library(GNUSTEP_BASE_LIBRARY gnustep-base)
 find_library(GNUSTEP_GUI_LIBRARY gnustep-gui)
 find_library(GNUSTEP_ADDRESSES_LIBRARY Addresses)
+find_library(BLOCKS_LIBRARY BlocksRuntime)
 # The runtime comes with GCC, in the folders of its version.
 execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=include
   OUTPUT_VARIABLE gcc_include_dir OUTPUT_STRIP_TRAILING_WHITESPACE)
@@ -38,7 +38,7 @@ find_library(OBJC_LIBRARY objc PATHS ${gcc_library_dir} NO_DEFAULT_PATH)
 
 set(ZANTRIO_MAC_LAYER_FOUND TRUE)
 foreach(part ZANTRIO_OBJCXX_COMPILER GNUSTEP_INCLUDE_DIR GNUSTEP_BASE_LIBRARY GNUSTEP_GUI_LIBRARY
-             GNUSTEP_ADDRESSES_LIBRARY OBJC_INCLUDE_DIR OBJC_LIBRARY)
+             GNUSTEP_ADDRESSES_LIBRARY BLOCKS_LIBRARY OBJC_INCLUDE_DIR OBJC_LIBRARY)
   if(NOT ${part})
     set(ZANTRIO_MAC_LAYER_FOUND FALSE)
     message(STATUS "The macOS layer is left out: ${part} was not found (script/bootstrap installs it)")
@@ -46,6 +46,19 @@ foreach(part ZANTRIO_OBJCXX_COMPILER GNUSTEP_INCLUDE_DIR GNUSTEP_BASE_LIBRARY GN
 endforeach()
 if(NOT ZANTRIO_MAC_LAYER_FOUND)
   return()
+endif()
+
+# The rest is compiled by GCC, and a program cannot have the sanitizers of two compilers: all that the
+# layer's tests are made of is compiled and linked by clang.
+if(ZANTRIO_SANITIZE)
+  execute_process(COMMAND ${ZANTRIO_OBJCXX_COMPILER} -fsanitize=${ZANTRIO_SANITIZE} -x c++ -
+    -o ${CMAKE_BINARY_DIR}/sanitizer_check INPUT_FILE ${CMAKE_CURRENT_LIST_DIR}/sanitizers/check.cc
+    RESULT_VARIABLE sanitizer_result OUTPUT_QUIET ERROR_QUIET)
+  if(sanitizer_result)
+    message(STATUS "The macOS layer is left out: clang's sanitizers were not found (script/bootstrap installs them)")
+    set(ZANTRIO_MAC_LAYER_FOUND FALSE)
+    return()
+  endif()
 endif()
 
 if(NOT CMAKE_OBJCXX_COMPILER)
@@ -67,9 +80,11 @@ file(CREATE_LINK ${OBJC_INCLUDE_DIR}/objc ${objc_headers}/objc SYMBOLIC)
 # Foundation, AppKit and AddressBook as GNUstep has them, on GCC's runtime.
 add_library(zantrio_gnustep INTERFACE)
 target_compile_options(zantrio_gnustep INTERFACE $<$<COMPILE_LANGUAGE:OBJCXX>:
-  -fobjc-runtime=gcc -fobjc-exceptions -fconstant-string-class=NSConstantString>)
+  -fobjc-runtime=gcc -fobjc-exceptions -fconstant-string-class=NSConstantString -fblocks>)
 target_compile_definitions(zantrio_gnustep INTERFACE
   GNUSTEP GNUSTEP_BASE_LIBRARY=1 GNU_GUI_LIBRARY=1 GNU_RUNTIME=1 _NATIVE_OBJC_EXCEPTIONS)
 target_include_directories(zantrio_gnustep SYSTEM INTERFACE ${GNUSTEP_INCLUDE_DIR} ${objc_headers})
+# The blocks' library first, as Foundation's own copies of its functions do less.
 target_link_libraries(zantrio_gnustep INTERFACE
-  ${GNUSTEP_ADDRESSES_LIBRARY} ${GNUSTEP_GUI_LIBRARY} ${GNUSTEP_BASE_LIBRARY} ${OBJC_LIBRARY})
+  ${BLOCKS_LIBRARY} ${GNUSTEP_ADDRESSES_LIBRARY} ${GNUSTEP_GUI_LIBRARY} ${GNUSTEP_BASE_LIBRARY}
+  ${OBJC_LIBRARY})

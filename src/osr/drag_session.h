@@ -18,6 +18,8 @@ class DragSession {
   void begin(CefRefPtr<CefDragData> data, cef_drag_operations_mask_t allowed);
   // The drag ended at a point of the view with the operation that the system reports.
   void endedAt(const OsrPoint& point, unsigned int operation);
+  // Forgets a drag, as its end does, too.
+  void resetDragDrop();
 
   // As the target. `items` is what the system offers; a drag that began here is known already.
   void entered(const CefMouseEvent& at, const DroppedItems& items,
@@ -38,7 +40,6 @@ class DragSession {
 
  private:
   CefRefPtr<CefBrowserHost> host() const;
-  void resetDragDrop();
 
   OsrView& view_;
   CefRefPtr<CefDragData> currentDragData_;

@@ -7,6 +7,7 @@
 #include "mac/fakes/system_log.h"
 #include "mac/fakes/system_services_fake.h"
 #include "mac/fakes/user_notification_fake.h"
+#include "mac/fakes/view_fake.h"
 #include "mac/fakes/workspace_fake.h"
 
 namespace zantrio::mac_test {
@@ -19,6 +20,7 @@ void MacTest::SetUp() {
   openPanel() = {};
   systemServices() = {};
   userNotifications() = {};
+  views() = {};
   workspace() = {};
   recordSystemLog();
 }

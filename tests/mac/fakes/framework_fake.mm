@@ -1,6 +1,7 @@
 #include "mac/fakes/framework_fake.h"
 
 #include "include/cef_sandbox_mac.h"
+#include "include/cef_task.h"
 #include "include/wrapper/cef_library_loader.h"
 #include "mac/fakes/calls.h"
 
@@ -40,4 +41,9 @@ CefScopedSandboxContext::~CefScopedSandboxContext() {
 bool CefScopedSandboxContext::Initialize(int argc, char** argv) {
   recordCall("enter sandbox " + std::to_string(argc) + " " + argv[0]);
   return framework().entersSandbox;
+}
+
+// Tests have one thread.
+bool CefCurrentlyOn(CefThreadId thread) {
+  return thread == TID_UI;
 }

@@ -5,21 +5,33 @@
 
 namespace zantrio::mac_test {
 
-// Lets a class method of the system's answer what another class's of the same name does, until the
-// end of the object's life.
-class ClassMethodSwap {
+// Lets a method of the system's do what another class's of the same name does, until the end of the
+// object's life.
+class MethodSwap {
  public:
-  ClassMethodSwap(Class of, Class with, SEL name)
-      : method_(class_getClassMethod(of, name)),
-        original_(method_setImplementation(
-            method_, method_getImplementation(class_getClassMethod(with, name)))) {}
-  ClassMethodSwap(const ClassMethodSwap&) = delete;
-  ClassMethodSwap& operator=(const ClassMethodSwap&) = delete;
-  ~ClassMethodSwap() { method_setImplementation(method_, original_); }
+  MethodSwap(const MethodSwap&) = delete;
+  MethodSwap& operator=(const MethodSwap&) = delete;
+  ~MethodSwap() { method_setImplementation(method_, original_); }
+
+ protected:
+  MethodSwap(Method of, Method with)
+      : method_(of), original_(method_setImplementation(of, method_getImplementation(with))) {}
 
  private:
   const Method method_;
   const IMP original_;
+};
+
+class ClassMethodSwap : public MethodSwap {
+ public:
+  ClassMethodSwap(Class of, Class with, SEL name)
+      : MethodSwap(class_getClassMethod(of, name), class_getClassMethod(with, name)) {}
+};
+
+class InstanceMethodSwap : public MethodSwap {
+ public:
+  InstanceMethodSwap(Class of, Class with, SEL name)
+      : MethodSwap(class_getInstanceMethod(of, name), class_getInstanceMethod(with, name)) {}
 };
 
 }  // namespace zantrio::mac_test

@@ -8,8 +8,8 @@
 
 namespace zantrio::mac_test {
 
-// What the pasteboard manager, Launch Services, Gestalt and the loader answer, and what was handed
-// to them.
+// What the pasteboard manager, Launch Services, Gestalt, the types' registries and the loader
+// answer, and what was handed to them.
 struct SystemServicesFake {
   OSStatus pasteboardCreation = noErr;
   OSStatus pasteboardPut = noErr;
@@ -24,6 +24,9 @@ struct SystemServicesFake {
   OSStatus launchResult = noErr;
 
   std::map<OSType, SInt32> gestalt;  // what is missing is answered with an error
+
+  std::map<std::string, std::string> mimeTypes;        // by extension
+  std::map<std::string, std::string> typeIdentifiers;  // by MIME type
 
   std::string executablePath;  // empty: the loader fails
 };

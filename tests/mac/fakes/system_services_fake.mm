@@ -5,6 +5,7 @@
 
 #include <cstring>
 
+#include "include/cef_parser.h"
 #include "mac/fakes/calls.h"
 #include "mac/fakes/core_foundation_fake.h"
 
@@ -57,6 +58,23 @@ OSStatus LSOpenCFURLRef(CFURLRef url, CFURLRef* launchedURL) {
     [NSException raise:NSGenericException format:@"Launch Services"];
   }
   return systemServices().launchResult;
+}
+
+CefString CefGetMimeType(const CefString& extension) {
+  const auto known = systemServices().mimeTypes.find(extension.ToString());
+  return known == systemServices().mimeTypes.end() ? CefString() : CefString(known->second);
+}
+
+const CFStringRef kUTTagClassMIMEType = CFSTR("public.mime-type");
+
+CFStringRef UTTypeCreatePreferredIdentifierForTag(CFStringRef tagClass, CFStringRef tag,
+                                                  CFStringRef) {
+  const auto known = systemServices().typeIdentifiers.find(textOf((NSString*)tag));
+  if (tagClass != kUTTagClassMIMEType || known == systemServices().typeIdentifiers.end()) {
+    return nullptr;
+  }
+  ++coreFoundation().ownedObjects;
+  return (CFStringRef)[[NSString alloc] initWithUTF8String:known->second.c_str()];
 }
 
 OSErr Gestalt(OSType selector, SInt32* response) {

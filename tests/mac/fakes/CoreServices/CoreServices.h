@@ -13,6 +13,12 @@ enum : OSType {
 // The system marks it as deprecated, and so does this.
 OSErr Gestalt(OSType selector, SInt32* response) __attribute__((deprecated));
 
+extern const CFStringRef kUTTagClassMIMEType;
+// Null when the tag is unknown; else to be released.
+CFStringRef UTTypeCreatePreferredIdentifierForTag(CFStringRef tagClass, CFStringRef tag,
+                                                  CFStringRef conformingTo)
+    __attribute__((deprecated));
+
 OSStatus LSOpenCFURLRef(CFURLRef url, CFURLRef* launchedURL);
 
 }  // extern "C"

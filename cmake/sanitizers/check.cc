@@ -1,0 +1,4 @@
+// Links where the compiler has its sanitizers.
+int main() {
+  return 0;
+}

@@ -1,0 +1,29 @@
+// AppKit as it is here, and the part of the system's that it lacks and the client uses.
+#pragma once
+#pragma GCC system_header
+
+#include_next <AppKit/AppKit.h>
+
+@interface NSView (LackingParts)
+- (void)addTrackingArea:(NSTrackingArea*)area;
+- (void)removeTrackingArea:(NSTrackingArea*)area;
+- (void)setWantsBestResolutionOpenGLSurface:(BOOL)flag;
+- (NSRect)convertRectToBacking:(NSRect)rect;
+- (NSRect)convertRectFromBacking:(NSRect)rect;
+@end
+
+@interface NSEvent (LackingParts)
+- (BOOL)hasPreciseScrollingDeltas;
+- (CGFloat)scrollingDeltaX;
+- (CGFloat)scrollingDeltaY;
++ (id)addLocalMonitorForEventsMatchingMask:(NSEventMask)mask
+                                   handler:(NSEvent* (^)(NSEvent* event))handler;
++ (void)removeMonitor:(id)monitor;
+@end
+
+@interface NSScreen (LackingParts)
+- (NSColorSpace*)colorSpace;
+@end
+
+extern NSString* const NSWindowDidChangeBackingPropertiesNotification;
+extern NSString* const NSBackingPropertyOldScaleFactorKey;

@@ -1,0 +1,7 @@
+// What the client uses of the framework's parser, with the framework's names.
+#pragma once
+
+#include "include/internal/cef_string.h"
+
+// The MIME type of a file's extension, which has no dot; empty when it is unknown.
+CefString CefGetMimeType(const CefString& extension);

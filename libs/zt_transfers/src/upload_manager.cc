@@ -41,7 +41,7 @@ class CUploadManager::Impl {
               .makeRunner =
                   [](const CManagerCore::RunnerParts& parts) {
                     return std::make_unique<CUploadRunner>(
-                        UploadTools{parts.loop, parts.pool, parts.log}, parts.observer);
+                        UploadTools{parts.loop, parts.pool, parts.log, parts.observer});
                   },
               .deliver = [this](const TransferEvent& event) { deliver(event); }}) {
     configure();

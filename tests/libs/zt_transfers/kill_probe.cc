@@ -1,8 +1,9 @@
-// Transfers files until it is killed: kill_probe FOLDER URL UPLOADS DOWNLOADS. Uploads the files
-// "FOLDER/file<n>" to "URL/up/<n>", and downloads "URL/down/<n>" to "FOLDER/target/file<n>"; of the
-// latter FOLDER/downloads has a line each, with size and MD5 ("-": not told). Takes up what an
-// earlier run left in FOLDER. Prints "up/<n>" or "down/<n>" once that is told to be completed, and
-// "all" at the end.
+// Transfers files until it is killed: kill_probe FOLDER URL UPLOADS DOWNLOADS [BYTES TOKEN].
+// Uploads the files "FOLDER/file<n>" to "URL/up/<n>", and downloads "URL/down/<n>" to
+// "FOLDER/target/file<n>"; of the latter FOLDER/downloads has a line each, with size and MD5 ("-":
+// not told). Takes up what an earlier run left in FOLDER. Prints "up/<n>" or "down/<n>" once that
+// is told to be completed, and "all" at the end. With BYTES all files are sent in parts of this
+// size, with TOKEN as the local service wants it.
 #include <unistd.h>
 
 #include <atomic>
@@ -33,6 +34,8 @@ struct Task {
   std::string url;
   int uploads = 0;
   int downloads = 0;
+  std::uint64_t partSize = 0;  // 0: some files go in parts
+  std::string token{};
 };
 
 // One call, so that a line is there whole or not at all.
@@ -52,6 +55,9 @@ void queue(CUploadManager& manager, const Task& task) {
     file.fileId = "up/" + std::to_string(number);
     file.fileURL = widened("file://" + (task.folder / "file").string() + std::to_string(number));
     file.url = task.url + "/" + file.fileId;
+    if (!task.token.empty()) {
+      file.headers = {{"X-Zantrio-Token", task.token}};
+    }
     files.push_back(file);
   }
   manager.queueFiles(group, files);
@@ -107,8 +113,8 @@ class CWorker final : public Manager::ICallback {
  public:
   void begin(const Task& task, const std::string& note) {
     auto configuration = manager_.getConfiguration();
-    configuration.minMultipartSize = 2'000'000;
-    configuration.partSize = 1'000'000;
+    configuration.minMultipartSize = task.partSize != 0 ? 1 : 2'000'000;
+    configuration.partSize = task.partSize != 0 ? task.partSize : 1'000'000;
     manager_.setConfiguration(configuration);
     manager_.subscribeToEvents(this);
     if (prepare(manager_, task, task.folder / note)) {
@@ -166,11 +172,16 @@ void run(const Task& task) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 5) {
+  if (argc != 5 && argc != 7) {
     return 2;
   }
   try {
-    run({argv[1], argv[2], std::atoi(argv[3]), std::atoi(argv[4])});
+    Task task{argv[1], argv[2], std::atoi(argv[3]), std::atoi(argv[4])};
+    if (argc == 7) {
+      task.partSize = std::strtoull(argv[5], nullptr, 10);
+      task.token = argv[6];
+    }
+    run(task);
     return 0;
   } catch (const std::exception& exception) {
     std::fprintf(stderr, "kill_probe: %s\n", exception.what());

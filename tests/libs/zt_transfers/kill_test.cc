@@ -1,89 +1,23 @@
-#include <fcntl.h>
 #include <gmock/gmock.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <memory>
 #include <random>
 #include <sstream>
-#include <stdexcept>
 #include <string>
 #include <thread>
 
 #include "fault_server.h"
-#include "os/unique_fd.h"
+#include "probe.h"
 #include "sandbox.h"
 
 namespace zt_transfers::test {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-// A run of kill_probe in a process of its own.
-class CProbe {
- public:
-  CProbe(const std::string& folder, const std::string& url, int uploads, int downloads) {
-    int ends[2];
-    if (::pipe2(ends, O_CLOEXEC) != 0) {
-      throw std::runtime_error("no pipe");
-    }
-    output_ = CUniqueFd(ends[0]);
-    const CUniqueFd input(ends[1]);
-    const std::string up = std::to_string(uploads);
-    const std::string down = std::to_string(downloads);
-    process_ = ::fork();
-    if (process_ == 0) {
-      ::dup2(input.get(), STDOUT_FILENO);
-      ::execl(ZANTRIO_KILL_PROBE, "kill_probe", folder.c_str(), url.c_str(), up.c_str(),
-              down.c_str(), static_cast<char*>(nullptr));
-      ::_exit(127);
-    }
-  }
-  ~CProbe() {
-    if (process_ > 0) {
-      kill();
-    }
-  }
-  CProbe(const CProbe&) = delete;
-  CProbe& operator=(const CProbe&) = delete;
-
-  void kill() {
-    ::kill(process_, SIGKILL);
-    wait();
-  }
-  int wait() {
-    int status = 0;
-    ::waitpid(process_, &status, 0);
-    process_ = -1;
-    return status;
-  }
-  // All it has printed; ends with the process.
-  std::string output() {
-    std::string text;
-    char buffer[4096];
-    for (ssize_t count = 0; (count = ::read(output_.get(), buffer, sizeof buffer)) > 0;) {
-      text.append(buffer, static_cast<std::size_t>(count));
-    }
-    return text;
-  }
-
- private:
-  CUniqueFd output_;
-  pid_t process_ = -1;
-};
-
-// For each test.
-std::chrono::seconds budget() {
-  constexpr int kTests = 3;
-  const char* seconds = std::getenv("ZANTRIO_SOAK_SECONDS");  // NOLINT(concurrency-mt-unsafe)
-  return std::chrono::seconds(seconds == nullptr ? 6 : std::atoi(seconds) / kTests);
-}
 
 // Rounds of transfers, each killed at random moments again and again until it is through.
 class Kill : public ::testing::Test {
@@ -95,7 +29,7 @@ class Kill : public ::testing::Test {
   }
 
   void killAgainAndAgain(int uploads, int downloads) {
-    const auto end = Clock::now() + budget();
+    const auto end = Clock::now() + killingTime();
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE("seed " + std::to_string(seed));
     random.seed(seed);
@@ -135,7 +69,8 @@ class Kill : public ::testing::Test {
   }
   void transfer(int uploads, int downloads, Clock::time_point end) {
     const auto begin = [&] {
-      return CProbe(sandbox->folder().string(), server->url(""), uploads, downloads);
+      return CProbe({sandbox->folder().string(), server->url(""), std::to_string(uploads),
+                     std::to_string(downloads)});
     };
     while (Clock::now() < end) {
       auto probe = begin();

@@ -20,7 +20,7 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
         pool_(pool),
         log_(log),
         observer_(observer),
-        lander_([&observer](const std::vector<JobId>& jobs) { observer.onLandingsSynced(jobs); }) {}
+        lander_([&observer](const std::vector<JobId>& jobs) { observer.keepDurably(jobs); }) {}
 
   bool start(StartOrder order) override;
   void stop(JobId job, bool discard) override;

@@ -30,7 +30,7 @@ class CLander {
     // Called on a thread of the pool, not for a file that was discarded.
     std::function<void(const AttemptOutcome&)> done;
   };
-  // See IAttemptObserver::onLandingsSynced.
+  // See IAttemptObserver::keepDurably.
   using Synced = std::function<void(const std::vector<JobId>& jobs)>;
 
   explicit CLander(Synced synced) : synced_(std::move(synced)) {}

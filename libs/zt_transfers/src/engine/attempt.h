@@ -121,10 +121,10 @@ class IAttemptObserver {
   // From here on the attempt does not count as a transfer and is only stopped with its file.
   // False when it was stopped meanwhile: then it must not go on.
   virtual bool onAttemptLanding(JobId job) = 0;
-  // These downloads are complete and synced and get their final names next: notes what their
-  // progress holds, on disk if that can be had, so that they are found by those names should the
-  // process end before their completion is noted. Blocks.
-  virtual void onLandingsSynced(const std::vector<JobId>& jobs) = 0;
+  // Notes what the progress of these holds, on disk if that can be had, before a step that could
+  // not be told from it otherwise should the process end: downloads get their final names, a
+  // server takes parts of an upload or puts them together. Blocks.
+  virtual void keepDurably(const std::vector<JobId>& jobs) = 0;
 
  protected:
   ~IAttemptObserver() = default;

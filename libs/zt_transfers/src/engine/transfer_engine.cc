@@ -281,7 +281,7 @@ bool CTransferEngine::onAttemptLanding(JobId id) {
   return true;
 }
 
-void CTransferEngine::onLandingsSynced(const std::vector<JobId>& jobs) {
+void CTransferEngine::keepDurably(const std::vector<JobId>& jobs) {
   for (const JobId job : jobs) {
     onAttemptCheckpoint(job);
   }

@@ -99,7 +99,7 @@ class CTransferEngine final : public IAttemptObserver {
   void onAttemptDone(JobId job, const AttemptOutcome& outcome) override;
   bool onAttemptCheckpoint(JobId job) override;
   bool onAttemptLanding(JobId job) override;
-  void onLandingsSynced(const std::vector<JobId>& jobs) override;
+  void keepDurably(const std::vector<JobId>& jobs) override;
 
   // For the thread that reports: adds progress that is due to the events; false when nothing is
   // under way that could make progress.

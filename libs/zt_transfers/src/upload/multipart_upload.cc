@@ -99,14 +99,32 @@ void CMultipartUpload::onInitiated(const HttpAnswer& answer) {
   }
   session_.uploadId = std::move(initiation.uploadId);
   order_.progress->setResume(session_);
-  if (!listener_.onSessionChanged()) {
+  if (!tools_.observer.onAttemptCheckpoint(order_.job)) {
     // Who stopped this may not know of the session.
     listener_.onSessionAbandoned(session_);
     dropSession();
     return;
   }
+  settleThen(&CMultipartUpload::send);
+}
+
+// Goes on once the session is on disk, if the source is still the same.
+void CMultipartUpload::settleThen(void (CMultipartUpload::*next)()) {
   noted_ = tools_.loop.clock().now();
-  send();
+  tools_.pool.post([this, next, &loop = tools_.loop, &observer = tools_.observer, job = order_.job,
+                    alive = std::weak_ptr<bool>(alive_), path = path_, version = version_] {
+    observer.keepDurably({job});
+    loop.post([this, next, alive, change = changeSince(version, path)] {
+      if (alive.expired()) {
+        return;
+      }
+      if (change) {
+        failSource(*change);
+      } else {
+        (this->*next)();
+      }
+    });
+  });
 }
 
 void CMultipartUpload::onSurveyed(const CSessionSurvey::Found& found) {
@@ -160,7 +178,7 @@ void CMultipartUpload::onPartSent(const SentPart& part) {
   const TimePoint time = tools_.loop.clock().now();
   if (time - noted_ >= kNoteInterval) {
     noted_ = time;
-    listener_.onSessionChanged();
+    tools_.observer.onAttemptCheckpoint(order_.job);
   }
 }
 
@@ -176,19 +194,9 @@ void CMultipartUpload::onBytesMoved() {
 }
 
 void CMultipartUpload::onAllPartsSent() {
-  tools_.pool.post([this, &loop = tools_.loop, alive = std::weak_ptr<bool>(alive_), path = path_,
-                    version = version_] {
-    loop.post([this, alive, change = changeSince(version, path)] {
-      if (alive.expired()) {
-        return;
-      }
-      if (change) {
-        failSource(*change);
-      } else {
-        complete();
-      }
-    });
-  });
+  session_.completing = true;
+  order_.progress->setResume(session_);
+  settleThen(&CMultipartUpload::complete);
 }
 
 void CMultipartUpload::onSendingEnded(const CPartSender::End& ending) {
@@ -205,9 +213,6 @@ void CMultipartUpload::onSendingEnded(const CPartSender::End& ending) {
 }
 
 void CMultipartUpload::complete() {
-  session_.completing = true;
-  order_.progress->setResume(session_);
-  listener_.onSessionChanged();
   call(call_, completionRequest(session_, order_.proxy), &CMultipartUpload::onCompleted);
 }
 

@@ -29,8 +29,6 @@ class CMultipartUpload final : public CPartSender::IListener {
  public:
   class IListener : public CPartSender::ISlots {
    public:
-    // The session in the progress is worth to be kept. False when this attempt was stopped.
-    virtual bool onSessionChanged() = 0;
     virtual void onSessionAbandoned(const UploadSession& session) = 0;
     // Both may destroy the upload. `saysSo`: the server does not know uploads in parts at all.
     virtual void onPartsNotOffered(bool saysSo) = 0;
@@ -63,6 +61,7 @@ class CMultipartUpload final : public CPartSender::IListener {
   void onInitiated(const HttpAnswer& answer);
   void onSurveyed(const CSessionSurvey::Found& found);
   void onGone();
+  void settleThen(void (CMultipartUpload::*next)());
   void send();
   void complete();
   void onCompleted(const HttpAnswer& answer);

@@ -32,8 +32,6 @@ class CUploadAttempt final : public CFileRequest::IListener, public CMultipartUp
   };
   class IListener {
    public:
-    // As IAttemptObserver::onAttemptCheckpoint.
-    virtual bool onCheckpoint(JobId job) = 0;
     // May destroy the attempt. The outcome can be part of it.
     virtual void onEnded(JobId job, const AttemptOutcome& outcome) = 0;
 
@@ -67,7 +65,6 @@ class CUploadAttempt final : public CFileRequest::IListener, public CMultipartUp
 
   bool takeSlot() override { return shared_.slots.takeExtra(); }
   void giveSlotBack() override { shared_.slots.giveBackExtra(); }
-  bool onSessionChanged() override { return listener_.onCheckpoint(order_.job); }
   void onSessionAbandoned(const UploadSession& session) override {
     shared_.aborts.abort(session, order_.proxy);
   }

@@ -4,8 +4,8 @@
 
 namespace zt_transfers {
 
-CUploadRunner::CUploadRunner(const UploadTools& tools, IAttemptObserver& observer)
-    : tools_(tools), observer_(observer), slots_([this] { offerSlots(); }), aborts_(tools) {}
+CUploadRunner::CUploadRunner(const UploadTools& tools)
+    : tools_(tools), slots_([this] { offerSlots(); }), aborts_(tools) {}
 
 bool CUploadRunner::start(StartOrder order) {
   const JobId job = order.job;
@@ -43,7 +43,7 @@ void CUploadRunner::discard(const Leftover& leftover) {
 
 void CUploadRunner::onEnded(JobId job, const AttemptOutcome& outcome) {
   attempts_.erase(job);
-  observer_.onAttemptDone(job, outcome);
+  tools_.observer.onAttemptDone(job, outcome);
 }
 
 // Later, since what has come to an end is still on the stack, and files that wait go first.

@@ -11,7 +11,7 @@ namespace zt_transfers {
 // Carries out upload attempts over HTTP. All given must outlive it.
 class CUploadRunner final : public IAttemptRunner, public CUploadAttempt::IListener {
  public:
-  CUploadRunner(const UploadTools& tools, IAttemptObserver& observer);
+  explicit CUploadRunner(const UploadTools& tools);
 
   bool start(StartOrder order) override;
   void stop(JobId job, bool discard) override;
@@ -19,12 +19,10 @@ class CUploadRunner final : public IAttemptRunner, public CUploadAttempt::IListe
   void discard(const Leftover& leftover) override;
 
  private:
-  bool onCheckpoint(JobId job) override { return observer_.onAttemptCheckpoint(job); }
   void onEnded(JobId job, const AttemptOutcome& outcome) override;
   void offerSlots();
 
   const UploadTools tools_;
-  IAttemptObserver& observer_;
   CMultipartSupport support_;
   CDigestTags digestTags_;
   CRequestSlots slots_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/attempt.h"
 #include "http/http_loop.h"
 #include "log/log.h"
 #include "threads/worker_pool.h"
@@ -11,6 +12,7 @@ struct UploadTools {
   CHttpLoop& loop;
   CWorkerPool& pool;
   ILog& log;
+  IAttemptObserver& observer;
 };
 
 }  // namespace zt_transfers

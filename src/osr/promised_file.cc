@@ -84,8 +84,8 @@ std::optional<std::string> writePromisedFile(CefDragData& data, const std::strin
   if (file >= 0) {
     unlink(path.c_str());
   }
-  zantrio::logError("The dragged file ", path.string(), " cannot be written: ",
-                    std::strerror(error), "; it is left out.");
+  zantrio::logError("The dragged file ", path.string(),
+                    " cannot be written: ", std::strerror(error), "; it is left out.");
   return std::nullopt;
 }
 

@@ -75,17 +75,17 @@ TEST_F(ClientOpenGLViewDragsMac, OffersWhatThePageLetsDragAndProvidesItWhenAsked
   systemServices().mimeTypes = {{"png", "image/png"}};
   systemServices().typeIdentifiers = {{"image/png", "public.png"}};
   ASSERT_TRUE(start(everything()));
-  EXPECT_EQ(types(), (Lines{"org.CEF.drag-dummy-type", textOf(NSURLPboardType), "public.url-name",
-                            "public.png", textOf(NSFilesPromisePboardType),
-                            textOf(NSStringPboardType)}));
+  EXPECT_EQ(types(),
+            (Lines{"org.CEF.drag-dummy-type", textOf(NSURLPboardType), "public.url-name",
+                   "public.png", textOf(NSFilesPromisePboardType), textOf(NSStringPboardType)}));
   EXPECT_EQ([pasteboard() owner], view_);
   EXPECT_EQ(textOf([pasteboard() stringForType:NSURLPboardType]), "http://127.0.0.1/a");
   EXPECT_EQ(textOf([pasteboard() stringForType:@"public.url-name"]), "Zo\u00EB");
   EXPECT_EQ(textOf([pasteboard() stringForType:NSStringPboardType]), "text \u20AC");
-  EXPECT_TRUE([[pasteboard() dataForType:@"public.png"]
-      isEqual:[NSData dataWithBytes:"bytes" length:5]]);
-  EXPECT_TRUE([[pasteboard() propertyListForType:NSFilesPromisePboardType]
-      isEqual:@[ @"public.png" ]]);
+  EXPECT_TRUE([[pasteboard() dataForType:@"public.png"] isEqual:[NSData dataWithBytes:"bytes"
+                                                                               length:5]]);
+  EXPECT_TRUE(
+      [[pasteboard() propertyListForType:NSFilesPromisePboardType] isEqual:@[ @"public.png" ]]);
   EXPECT_EQ([[pasteboard() dataForType:@"org.CEF.drag-dummy-type"] length], 0u);
 }
 
@@ -107,9 +107,9 @@ TEST_F(ClientOpenGLViewDragsMac, RunsTheDragFromTheApplicationsLoopAtThePoint) {
   EXPECT_TRUE(NSEqualPoints(views().dragStart, NSMakePoint(10, 80)));
   EXPECT_TRUE(NSEqualPoints(views().dragPress, NSMakePoint(10, 80)));
   EXPECT_EQ(views().dragPasteboard, pasteboard());
-  EXPECT_EQ([view_ draggingSession:nil
-                sourceOperationMaskForDraggingContext:NSDraggingContextWithinApplication],
-            NSUInteger{NSDragOperationLink});
+  EXPECT_EQ([view_ draggingSession : nil
+                 sourceOperationMaskForDraggingContext : NSDraggingContextWithinApplication],
+            NSUInteger { NSDragOperationLink });
 }
 
 TEST_F(ClientOpenGLViewDragsMac, TellsTheBrowserWhereAndHowItsDragEnded) {
@@ -149,7 +149,7 @@ TEST_F(ClientOpenGLViewDragsMac, TellsTheBrowserOfADragFromOutsideStepByStep) {
   [pasteboard() setPropertyList:@[ @"/", @"/no/such/file" ] forType:NSFilenamesPboardType];
   [view_ draggingEntered:over(NSDragOperationCopy)];
   handler()->UpdateDragCursor(browser_, DRAG_OPERATION_LINK);
-  EXPECT_EQ([view_ draggingUpdated:over()], NSUInteger{NSDragOperationLink});
+  EXPECT_EQ([view_ draggingUpdated : over()], NSUInteger { NSDragOperationLink });
   [view_ draggingExited:over()];
   EXPECT_TRUE([view_ prepareForDragOperation:over()]);
   EXPECT_TRUE([view_ performDragOperation:over()]);

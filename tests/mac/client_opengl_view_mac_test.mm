@@ -38,7 +38,9 @@ class ClientOpenGLViewMac : public ViewTest {
     [[NSNotificationCenter defaultCenter]
         postNotificationName:NSWindowDidChangeBackingPropertiesNotification
                       object:window
-                    userInfo:@{NSBackingPropertyOldScaleFactorKey : @(from)}];
+                    userInfo:@{
+                      NSBackingPropertyOldScaleFactorKey : @(from)
+                    }];
   }
 };
 
@@ -49,10 +51,10 @@ TEST_F(ClientOpenGLViewMac, SendsPressesAndReleasesFromTheLeftUpperCorner) {
   [view_ otherMouseUp:mouse(NSOtherMouseUp, kPoint, NSAlternateKeyMask)];
   [view_ rightMouseDown:mouse(NSRightMouseDown, kPoint, NSAlphaShiftKeyMask)];
   [view_ rightMouseUp:mouse(NSRightMouseUp, kPoint)];
-  EXPECT_EQ(sent(), (Lines{"click 10,20 flags 18 left down x2", "click 10,20 flags 144 left up x1",
-                           "click 10,20 flags 36 middle down x1",
-                           "click 10,20 flags 40 middle up x1",
-                           "click 10,20 flags 65 right down x1", "click 10,20 flags 64 right up x1"}));
+  EXPECT_EQ(sent(),
+            (Lines{"click 10,20 flags 18 left down x2", "click 10,20 flags 144 left up x1",
+                   "click 10,20 flags 36 middle down x1", "click 10,20 flags 40 middle up x1",
+                   "click 10,20 flags 65 right down x1", "click 10,20 flags 64 right up x1"}));
 }
 
 TEST_F(ClientOpenGLViewMac, SendsMovesDragsAndCrossings) {
@@ -137,7 +139,7 @@ TEST_F(ClientOpenGLViewMac, LearnsOfAGesturesEndOutsideTheView) {
 TEST_F(ClientOpenGLViewMac, SendsKeysAndWhatTheyType) {
   [view_ keyDown:key(NSKeyDown, 0, @"A", NSShiftKeyMask)];
   [view_ keyUp:key(NSKeyUp, 0, @"A", NSShiftKeyMask)];
-  [view_ keyDown:key(NSKeyDown, 83, @"1")];                   // of the key pad, by its code
+  [view_ keyDown:key(NSKeyDown, 83, @"1")];                           // of the key pad, by its code
   [view_ keyDown:key(NSKeyDown, 126, @"\uF700", NSFunctionKeyMask)];  // an arrow types nothing
   EXPECT_EQ(sent(), (Lines{"raw down 0/0 types 65 flags 2", "char 0/0 types 65 flags 2",
                            "up 0/0 types 65 flags 2", "raw down 0/83 types 49 flags 512",
@@ -179,7 +181,9 @@ TEST_F(ClientOpenGLViewMac, HasTheWindowsScaleAndTellsOnlyOfAnother) {
     [view_ windowDidChangeBackingProperties:
                [NSNotification notificationWithName:NSWindowDidChangeBackingPropertiesNotification
                                              object:window_
-                                           userInfo:@{NSBackingPropertyOldScaleFactorKey : @(old)}]];
+                                           userInfo:@{
+                                             NSBackingPropertyOldScaleFactorKey : @(old)
+                                           }]];
   }
   EXPECT_EQ(sent(), Lines{"screen info"});
 }
@@ -216,8 +220,8 @@ TEST_F(ClientOpenGLViewMac, AnswersTheEnginesQuestionsAboutTheScreen) {
   int y = 0;
   ASSERT_TRUE(handler()->GetScreenPoint(browser_, 10, 20, x, y));
   const NSPoint corner = [window_ frame].origin;
-  EXPECT_EQ(CefPoint(x, y), CefPoint(static_cast<int>(corner.x) + 10,
-                                     static_cast<int>(corner.y) + 80));
+  EXPECT_EQ(CefPoint(x, y),
+            CefPoint(static_cast<int>(corner.x) + 10, static_cast<int>(corner.y) + 80));
   views().scale = 2;
   views().grayScreen = true;
   CefScreenInfo info;

@@ -2,7 +2,8 @@
 
 extern "C" {
 
-// Whole stacks: the system's libraries have no frame pointers, and all objects come from one of them.
+// Whole stacks: the system's libraries have no frame pointers, and all objects come from one of
+// them.
 const char* __asan_default_options() {
   return "fast_unwind_on_malloc=0";
 }

@@ -4,12 +4,10 @@ using namespace zantrio::mac_test;
 
 @implementation TestView
 - (id)initWithFrame:(NSRect)frame
-     andTransparency:(BOOL)transparency
+      andTransparency:(BOOL)transparency
     andShowUpdateRect:(BOOL)showUpdateRect {
   ++views().liveViews;
-  return [super initWithFrame:frame
-              andTransparency:transparency
-            andShowUpdateRect:showUpdateRect];
+  return [super initWithFrame:frame andTransparency:transparency andShowUpdateRect:showUpdateRect];
 }
 
 - (void)dealloc {

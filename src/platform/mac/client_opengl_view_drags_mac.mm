@@ -146,8 +146,7 @@ NSImage* dragImage() {
 - (void)pasteboard:(NSPasteboard*)pasteboard provideDataForType:(NSString*)type {
   const CefRefPtr<CefDragData> data = parts_->drags.currentDragData();
   if (data) {
-    callCatchingPlatformExceptions(
-        [&] { client::provideKind(pasteboard, type, *data, fileUTI_); });
+    callCatchingPlatformExceptions([&] { client::provideKind(pasteboard, type, *data, fileUTI_); });
   }
 }
 

@@ -32,9 +32,8 @@ using zantrio::guardedCall;
 }
 
 - (void)sendMouseClick:(NSEvent*)event button:(cef_mouse_button_type_t)button isUp:(bool)isUp {
-  guardedCall("sendMouseClick", [&] {
-    parts_->mouse.sendMouseClick(toSystemEvent(event, self), button, isUp);
-  });
+  guardedCall("sendMouseClick",
+              [&] { parts_->mouse.sendMouseClick(toSystemEvent(event, self), button, isUp); });
 }
 
 // The right button may rotate the page instead.
@@ -82,12 +81,12 @@ using zantrio::guardedCall;
 
 - (void)sendScrollWheelEvet:(NSEvent*)event {
   guardedCall("sendScrollWheelEvet",
-          [&] { parts_->scroll.scrollWheel(toSystemEvent(event, self)); });
+              [&] { parts_->scroll.scrollWheel(toSystemEvent(event, self)); });
 }
 
 - (void)shortCircuitScrollWheelEvent:(NSEvent*)event {
   guardedCall("shortCircuitScrollWheelEvent",
-          [&] { parts_->scroll.shortCircuit(toSystemEvent(event, self)); });
+              [&] { parts_->scroll.shortCircuit(toSystemEvent(event, self)); });
 }
 
 - (void)installEndWheelMonitor {

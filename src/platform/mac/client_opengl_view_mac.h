@@ -29,7 +29,7 @@ class ViewParts;
 
 // Nil when the system cannot draw with OpenGL.
 - (id)initWithFrame:(NSRect)frame
-     andTransparency:(BOOL)transparency
+      andTransparency:(BOOL)transparency
     andShowUpdateRect:(BOOL)showUpdateRect;
 
 - (void)setBrowserProvider:(client::BrowserProvider)provider;

@@ -45,7 +45,7 @@ NSOpenGLPixelFormat* makePixelFormat() {
 @implementation ClientOpenGLView
 
 - (id)initWithFrame:(NSRect)frame
-     andTransparency:(BOOL)transparency
+      andTransparency:(BOOL)transparency
     andShowUpdateRect:(BOOL)showUpdateRect {
   NSOpenGLPixelFormat* const format = makePixelFormat();
   if (format == nil) {
@@ -57,16 +57,16 @@ NSOpenGLPixelFormat* makePixelFormat() {
     return nil;
   }
   parts_ = new client::ViewParts(self, transparency, showUpdateRect);
-  tracking_area_ = [[NSTrackingArea alloc]
-      initWithRect:frame
-           options:NSTrackingMouseEnteredAndExited | NSTrackingMouseMoved |
-                   NSTrackingActiveInActiveApp | NSTrackingInVisibleRect
-             owner:self
-          userInfo:nil];
+  tracking_area_ =
+      [[NSTrackingArea alloc] initWithRect:frame
+                                   options:NSTrackingMouseEnteredAndExited | NSTrackingMouseMoved |
+                                           NSTrackingActiveInActiveApp | NSTrackingInVisibleRect
+                                     owner:self
+                                  userInfo:nil];
   [self addTrackingArea:tracking_area_];
   [self registerForDraggedTypes:[NSArray arrayWithObjects:client::kDragDummyPboardType,
-                                                          NSFilenamesPboardType,
-                                                          NSStringPboardType, nil]];
+                                                          NSFilenamesPboardType, NSStringPboardType,
+                                                          nil]];
   if ([self respondsToSelector:@selector(setWantsBestResolutionOpenGLSurface:)]) {
     [self setWantsBestResolutionOpenGLSurface:YES];
   }
@@ -140,11 +140,10 @@ NSOpenGLPixelFormat* makePixelFormat() {
 - (void)viewDidMoveToWindow {
   [super viewDidMoveToWindow];
   if ([self window] != nil && [ClientOpenGLView windowsTellOfBackingProperties]) {
-    [[NSNotificationCenter defaultCenter]
-        addObserver:self
-           selector:@selector(windowDidChangeBackingProperties:)
-               name:NSWindowDidChangeBackingPropertiesNotification
-             object:[self window]];
+    [[NSNotificationCenter defaultCenter] addObserver:self
+                                             selector:@selector(windowDidChangeBackingProperties:)
+                                                 name:NSWindowDidChangeBackingPropertiesNotification
+                                               object:[self window]];
   }
 }
 
@@ -226,8 +225,7 @@ NSOpenGLPixelFormat* makePixelFormat() {
 
 - (void)windowDidChangeBackingProperties:(NSNotification*)notification {
   guardedCall("windowDidChangeBackingProperties", [self, notification] {
-    NSNumber* const old =
-        [[notification userInfo] objectForKey:NSBackingPropertyOldScaleFactorKey];
+    NSNumber* const old = [[notification userInfo] objectForKey:NSBackingPropertyOldScaleFactorKey];
     client::reportScaleChange(*parts_->osr, [old floatValue]);
   });
 }

@@ -32,10 +32,10 @@ std::shared_ptr<OsrView> createOffScreenView(const OffScreenViewOptions& options
                                              std::string& error) {
   @autoreleasepool {
     const NSRect frame = frameOf(options.bounds);
-    ClientOpenGLView* const view = [[[ClientOpenGLView alloc]
-            initWithFrame:NSMakeRect(0, 0, NSWidth(frame), NSHeight(frame))
-          andTransparency:options.transparent
-        andShowUpdateRect:options.showUpdateRect] autorelease];
+    ClientOpenGLView* const view =
+        [[[ClientOpenGLView alloc] initWithFrame:NSMakeRect(0, 0, NSWidth(frame), NSHeight(frame))
+                                 andTransparency:options.transparent
+                               andShowUpdateRect:options.showUpdateRect] autorelease];
     if (view == nil) {
       error = "the system has no suitable OpenGL";
       return nullptr;

@@ -62,8 +62,7 @@ constexpr ModifierPair kModifiers[] = {
 
 std::u16string toText(NSString* string) {
   std::u16string text([string length], u'\0');
-  [string getCharacters:reinterpret_cast<unichar*>(text.data())
-                  range:NSMakeRange(0, text.size())];
+  [string getCharacters:reinterpret_cast<unichar*>(text.data()) range:NSMakeRange(0, text.size())];
   return text;
 }
 

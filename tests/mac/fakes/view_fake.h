@@ -20,7 +20,7 @@ struct ViewFake {
   // The monitor of scroll events; nil when there is none.
   NSEvent* (^monitor)(NSEvent* event) = nil;
   NSEventMask monitored = 0;
-  int liveViews = 0;     // of TestView
+  int liveViews = 0;      // of TestView
   bool resizing = false;  // in TestView's window
 
   // The last drag of an image.

@@ -137,6 +137,23 @@ TEST_F(UploadInParts, SendsAllOfItAgainWhenTheWholeHasAnotherTag) {
   EXPECT_EQ(counted(parts), 6U);
 }
 
+TEST_F(UploadInParts, GivesUpWithItsRetriesWhenTheServerNeverPutsThePartsTogether) {
+  configure([](auto& configuration) { configuration.maxTransferRetries = 1; });
+  const int parts = count("PUT", kAnyPart);
+  std::uint64_t expected = 0;
+  for (const std::string& answer :
+       {std::string(R"("status":404)"),
+        R"("status":200,"body":"<CompleteMultipartUploadResult><ETag>)" + md5Of("other") +
+            R"(-3</ETag></CompleteMultipartUploadResult>")"}) {
+    fault("POST", "uploadId=*", R"("type":"status","count":2,)" + answer);
+    const auto group = upload({describe("file", patternOf(3 * kPart))});
+    ASSERT_TRUE(recorder.waitForGroupState(group, kGroupErrored)) << answer;
+    expected += 6;
+    EXPECT_EQ(counted(parts), expected) << answer;
+    manager->cancelGroup(group);
+  }
+}
+
 TEST_F(UploadInParts, FailsWithoutMixingVersionsWhenTheFileChangesWhileItIsSent) {
   configure([](auto& configuration) { configuration.maxConcurrentTransfers = 1; });
   fault("PUT", "*partNumber=4&*", R"("type":"stall","milliseconds":1000,"count":1)");

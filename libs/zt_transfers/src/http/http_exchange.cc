@@ -163,6 +163,8 @@ void CHttpExchange::finish(CURLcode code) {
   curl_off_t sent = 0;
   curl_easy_getinfo(easy_.get(), CURLINFO_SIZE_UPLOAD_T, &sent);
   answer_.bytesSent = static_cast<std::uint64_t>(sent);
+  // What has ended is not looked at again, however long it is kept.
+  loop_.remove(*this);
   // Moved out first, as the receiver may destroy this exchange.
   const Done done = std::move(done_);
   done(std::move(answer_));

@@ -213,6 +213,7 @@ void CMultipartUpload::onSendingEnded(const CPartSender::End& ending) {
 }
 
 void CMultipartUpload::complete() {
+  askedToComplete_ = true;
   call(call_, completionRequest(session_, order_.proxy), &CMultipartUpload::onCompleted);
 }
 
@@ -248,8 +249,13 @@ void CMultipartUpload::onLookedUp(const HttpAnswer& answer) {
     return;
   }
   const AttemptOutcome outcome = judgeFailure(answer, now());
-  if (outcome.kind == AttemptOutcome::Kind::kRetry) {
+  if (outcome.kind == AttemptOutcome::Kind::kRetry || asksForAuthority(answer)) {
     end(outcome);
+  } else if (askedToComplete_) {
+    // Beginning again here and now could go on for ever.
+    dropSession();
+    end(AttemptOutcome::retry("the server has forgotten the upload in parts, and has no such file",
+                              failure::kServerTrouble));
   } else {
     startAnew();
   }
@@ -279,8 +285,14 @@ void CMultipartUpload::failSource(const Trouble& trouble) {
   end(outcome);
 }
 
+// A session that was begun anew is no progress yet: the next one could be lost as well.
+bool CMultipartUpload::wentOn() const {
+  return progressed_ && order_.resume.begun() && order_.resume.isUpload() &&
+         order_.resume.upload().uploadId == session_.uploadId;
+}
+
 void CMultipartUpload::end(AttemptOutcome outcome) {
-  outcome.progressed = progressed_;
+  outcome.progressed = wentOn();
   listener_.onPartsEnded(outcome);
 }
 

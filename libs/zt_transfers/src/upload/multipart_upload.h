@@ -77,6 +77,7 @@ class CMultipartUpload final : public CPartSender::IListener {
   void dropSession();
   void fail(const HttpAnswer& answer, const AttemptOutcome& outcome);
   void failSource(const Trouble& trouble);
+  bool wentOn() const;
   void end(AttemptOutcome outcome);
   std::int64_t now() const { return tools_.loop.clock().secondsSince1970(); }
 
@@ -89,6 +90,7 @@ class CMultipartUpload final : public CPartSender::IListener {
   UploadSession session_;
   std::uint64_t bytesSent_ = 0;  // of the session's parts
   bool progressed_ = false;
+  bool askedToComplete_ = false;  // in this attempt
   TimePoint noted_{};
 
   std::unique_ptr<CStoreCall> call_;

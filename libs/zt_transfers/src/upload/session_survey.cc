@@ -11,6 +11,7 @@
 namespace zt_transfers {
 
 void CSessionSurvey::list(std::uint32_t after) {
+  after_ = after;
   call_ = std::make_unique<CStoreCall>(tools_.loop, tools_.log,
                                        listRequest(order_.session, after, order_.proxy),
                                        [this](const HttpAnswer& answer) { onListed(answer); });
@@ -29,8 +30,12 @@ void CSessionSurvey::onListed(const HttpAnswer& answer) {
     onNoList(answer);
     return;
   }
-  listed_.insert(listed_.end(), page->parts.begin(), page->parts.end());
-  const bool goesOn = !page->parts.empty() && page->next >= page->parts.back().number;
+  // A server that does not know of pages gives the first one again.
+  const bool isNew = !page->parts.empty() && page->parts.front().number > after_;
+  if (isNew) {
+    listed_.insert(listed_.end(), page->parts.begin(), page->parts.end());
+  }
+  const bool goesOn = isNew && page->next >= page->parts.back().number;
   if (goesOn && listed_.size() < UploadSession::kMostParts) {
     list(page->next);
   } else {

@@ -66,6 +66,7 @@ class CSessionSurvey {
   const Done done_;
 
   std::vector<ListedPart> listed_;
+  std::uint32_t after_ = 0;  // the number behind which the list under way begins
   std::vector<ListedPart> doubtful_;
   std::vector<SentPart> taken_;
   std::unique_ptr<CStoreCall> call_;

@@ -48,8 +48,9 @@ void CUploadAttempt::sendWhole(std::uint64_t onlyLookFrom) {
 }
 
 bool CUploadAttempt::goesInParts(std::uint64_t size) const {
-  return size != 0 && !refusedParts_ && shared_.support.mayHave(order_.spec.url) &&
-         (hasSession() || size >= order_.parts.from);
+  // A session shows that its own place takes parts, whatever the server said of others.
+  return size != 0 && !refusedParts_ &&
+         (hasSession() || (size >= order_.parts.from && shared_.support.mayHave(order_.spec.url)));
 }
 
 bool CUploadAttempt::onRequestOpened(CFileRequest& request, const SourceVersion& version) {
@@ -86,6 +87,7 @@ void CUploadAttempt::onRequestAnswered(CFileRequest& request, const HttpAnswer& 
   const auto stored = storedDigest(answer);
   shared_.digestTags.learn(order_.spec.url, stored.has_value());
   if (order_.verify && stored && request.md5().empty()) {
+    whole_.reset();
     compareWith(*stored);
   } else {
     finish(outcome);

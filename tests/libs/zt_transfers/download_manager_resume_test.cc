@@ -66,6 +66,33 @@ TEST_F(DownloadResumption, NeverMixesTwoVersions) {
   EXPECT_EQ(contentOf(target / "file"), other);
 }
 
+TEST_F(DownloadResumption, GoesOnWithTheVersionThatItHasWhenAPauseMeetsAnother) {
+  server.plan("/file", {fault::slow(2'000'000), fault::slow(1'000)});
+  const auto group = download({offer("file", content)});
+  ASSERT_TRUE(recorder.waitForGroup(
+      group, [](const auto& shot) { return shot.bytesTransferred > kSize / 2; }));
+  manager.pauseGroup(group);
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupPaused));
+  // Of another version only so little has come that nothing of it is written yet.
+  server.put("/file", patternOf(kSize, 7));
+  manager.resumeGroup(group);
+  ASSERT_TRUE(waitForLog("Starting over with"));
+  manager.pauseGroup(group);
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupPaused));
+  server.put("/file", content);
+  manager.resumeGroup(group);
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
+  EXPECT_TRUE(contentOf(target / "file") == content);
+}
+
+TEST_F(DownloadResumption, TriesAgainAfterAnswersThatEndWithTheirHead) {
+  const auto group =
+      downloadAll({offerBroken(fault::resetAfter(0), fault::of(Fault::Kind::kCloseAfter))});
+  EXPECT_EQ(recorder.group(group).state, kGroupCompleted);
+  EXPECT_TRUE(contentOf(target / "file") == content);
+  EXPECT_EQ(server.requestsTo("/file").size(), 3U);
+}
+
 TEST_F(DownloadResumption, DistrustsARangeOfAnotherVersionOrPlace) {
   const auto group = downloadAll({offerBroken(fault::ignoresIfRange("\"another\""))});
   EXPECT_EQ(recorder.group(group).state, kGroupCompleted);

@@ -69,8 +69,9 @@ void CDownloadAttempt::begin() {
     return;
   }
   try {
-    writer_ = std::make_shared<CPartialWriter>(
-        surroundings_, std::make_shared<CPartialFile>(planOf(order_)), order_.progress, *this);
+    writer_ = std::make_shared<CPartialWriter>(surroundings_, order_.job,
+                                               std::make_shared<CPartialFile>(planOf(order_)),
+                                               order_.progress, *this);
   } catch (const std::exception& error) {
     report(AttemptOutcome::final(error.what(), failure::kUnsafePath));
     return;
@@ -423,6 +424,7 @@ void CDownloadAttempt::arrive(std::uint64_t size) {
 // Reports once what has come is written, so that the next attempt finds it.
 void CDownloadAttempt::finish(AttemptOutcome outcome) {
   fetches_.clear();
+  writer_->endInput();
   if (writer_->idle()) {
     report(std::move(outcome));
   } else {

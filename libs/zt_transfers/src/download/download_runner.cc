@@ -12,7 +12,8 @@ bool CDownloadRunner::start(StartOrder order) {
   const JobId job = order.job;
   mostAtOnce_ = order.mostAtOnce;
   auto attempt = std::make_unique<CDownloadAttempt>(
-      CPartialWriter::Surroundings{loop_, pool_, chunks_}, log_, std::move(order), *this);
+      CPartialWriter::Surroundings{loop_, pool_, chunks_, observer_}, log_, std::move(order),
+      *this);
   CDownloadAttempt& begun = *attempt;
   attempts_.emplace(job, std::move(attempt));
   begun.begin();

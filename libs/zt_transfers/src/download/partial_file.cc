@@ -152,7 +152,9 @@ CPartialFile::Found CPartialFile::reopen(const DownloadResume& resume) {
   for (const ByteSpan& span : resume.written) {
     addSpan(resume_.written, {std::min(span.begin, there), std::min(span.end, there)});
   }
-  resume_.durable = resume.durable;
+  for (const ByteSpan& span : resume.durable) {
+    addSpan(resume_.durable, {std::min(span.begin, there), std::min(span.end, there)});
+  }
   return Found::kPartial;
 }
 

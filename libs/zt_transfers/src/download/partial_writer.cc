@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <stdexcept>
 #include <utility>
 
 #include "download/file_trouble.h"
@@ -31,11 +32,14 @@ std::optional<AttemptOutcome> troubleOf(Step step) {
 
 }  // namespace
 
-CPartialWriter::CPartialWriter(const Surroundings& surroundings, std::shared_ptr<CPartialFile> file,
+CPartialWriter::CPartialWriter(const Surroundings& surroundings, JobId job,
+                               std::shared_ptr<CPartialFile> file,
                                std::shared_ptr<JobProgress> progress, IListener& listener)
     : loop_(surroundings.loop),
       pool_(surroundings.pool),
       chunks_(surroundings.chunks),
+      observer_(surroundings.observer),
+      job_(job),
       file_(std::move(file)),
       progress_(std::move(progress)),
       listener_(&listener) {}
@@ -53,6 +57,12 @@ void CPartialWriter::restart(const std::string& validator, std::uint64_t size) {
     recycle(std::move(piece.chunk));
   }
   batch_.restart = {validator, size};
+}
+
+void CPartialWriter::endInput() {
+  if (batch_.chunks.empty()) {
+    batch_.restart.reset();
+  }
 }
 
 void CPartialWriter::write(Chunk chunk) {
@@ -143,9 +153,13 @@ CPartialWriter::Written CPartialWriter::work(Batch& batch) {
 void CPartialWriter::carryOut(Batch& batch, Written& written) {
   const bool wasOpen = file_->open();
   if (batch.reopen) {
+    reopened_ = true;
     written.found = file_->reopen(*batch.reopen);
   }
   if (batch.restart) {
+    if ((reopened_ || wasOpen) && !withdraw()) {
+      throw std::runtime_error("it was stopped before another version began");
+    }
     file_->restart(batch.restart->validator, batch.restart->size);
   }
   for (const Chunk& chunk : batch.chunks) {
@@ -156,6 +170,21 @@ void CPartialWriter::carryOut(Batch& batch, Written& written) {
     }
   }
   written.made = !wasOpen && file_->open();
+}
+
+// Has nobody take the bytes of another version for those that the file has held so far: neither
+// after a crash, for which the note on disk goes first, nor after a stop, which has taken the note
+// over: false, and the file must stay what it is.
+bool CPartialWriter::withdraw() {
+  DownloadResume nothing = file_->resume();
+  nothing.written.clear();
+  nothing.durable.clear();
+  progress_->setResume(nothing);
+  if (!observer_.onAttemptCheckpoint(job_)) {
+    return false;
+  }
+  observer_.keepDurably({job_});
+  return true;
 }
 
 // One turn of the hash, which sees to the next one by itself: the network thread may be busy.

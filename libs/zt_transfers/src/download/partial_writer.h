@@ -53,9 +53,10 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
     CHttpLoop& loop;
     CWorkerPool& pool;
     CChunkPool& chunks;
+    IAttemptObserver& observer;
   };
 
-  CPartialWriter(const Surroundings& surroundings, std::shared_ptr<CPartialFile> file,
+  CPartialWriter(const Surroundings& surroundings, JobId job, std::shared_ptr<CPartialFile> file,
                  std::shared_ptr<JobProgress> progress, IListener& listener);
 
   void close();
@@ -64,6 +65,8 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   void reopen(const DownloadResume& resume);
   // Another version comes now; drops what was handed over of the one before.
   void restart(const std::string& validator, std::uint64_t size);
+  // Nothing comes any more. The version before stays if not a byte of another has come.
+  void endInput();
 
   // An empty chunk for about `wanted` bytes.
   Chunk chunk(std::uint64_t wanted) { return chunks_.take(wanted); }
@@ -111,6 +114,7 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
 
   Written work(Batch& batch);
   void carryOut(Batch& batch, Written& written);
+  bool withdraw();
   void hashNext();
 
   void take(Written& written);
@@ -123,6 +127,8 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   CHttpLoop& loop_;
   CWorkerPool& pool_;
   CChunkPool& chunks_;
+  IAttemptObserver& observer_;
+  const JobId job_;
   const std::shared_ptr<CPartialFile> file_;  // used by one job of each kind at a time
   const std::shared_ptr<JobProgress> progress_;
   CHashLine line_;
@@ -131,6 +137,7 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   Batch batch_;
   std::size_t held_ = 0;
   bool writing_ = false;
+  bool reopened_ = false;  // for the job that writes
   std::optional<AttemptOutcome> trouble_;
 
   bool syncing_ = false;

@@ -21,6 +21,7 @@ void DragSession::endedAt(const OsrPoint& point, unsigned int operation) {
 
 void DragSession::entered(const CefMouseEvent& at, const DroppedItems& items,
                           cef_drag_operations_mask_t sourceOperations) {
+  currentDragOp_ = DRAG_OPERATION_NONE;  // the last drag's
   const CefRefPtr<CefBrowserHost> target = host();
   if (!target) {
     return;
@@ -44,12 +45,14 @@ cef_drag_operations_mask_t DragSession::moved(const CefMouseEvent& at,
 }
 
 void DragSession::exited() {
+  currentDragOp_ = DRAG_OPERATION_NONE;
   if (const CefRefPtr<CefBrowserHost> target = host()) {
     target->DragTargetDragLeave();
   }
 }
 
 bool DragSession::performed(const CefMouseEvent& at) {
+  currentDragOp_ = DRAG_OPERATION_NONE;
   if (const CefRefPtr<CefBrowserHost> target = host()) {
     target->DragTargetDrop(at);
   }

@@ -34,7 +34,8 @@ class DragSession {
   // Null while no drag runs that began in the view.
   CefRefPtr<CefDragData> currentDragData() const { return currentDragData_; }
   cef_drag_operations_mask_t currentAllowedOps() const { return currentAllowedOps_; }
-  // What the browser chose last.
+  // What the browser chose last for the drag over the view; none before it chose and after the
+  // drag.
   cef_drag_operations_mask_t currentDragOp() const { return currentDragOp_; }
   void setCurrentDragOp(cef_drag_operations_mask_t operation) { currentDragOp_ = operation; }
 

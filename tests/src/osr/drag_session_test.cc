@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <cstring>
+#include <functional>
 #include <limits>
 
 #include "src/osr/fake_osr_view.h"
@@ -38,6 +39,18 @@ TEST_F(DragSessionTest, TellsTheBrowserOfADragFromOutsideStepByStep) {
   EXPECT_THAT(view_.host->lines,
               ElementsAre("enter 3,4 flags 2 allowed 1", "over 3,4 flags 2 allowed 4294967295",
                           "leave", "drop 3,4 flags 2"));
+}
+
+TEST_F(DragSessionTest, AnswersNoOperationOfADragBefore) {
+  const auto chosenAfter = [this](const std::function<void()>& step) {
+    drags_.setCurrentDragOp(DRAG_OPERATION_COPY);
+    step();
+    return drags_.currentDragOp();
+  };
+  EXPECT_EQ(chosenAfter([this] { drags_.entered(at_, {}, DRAG_OPERATION_COPY); }),
+            DRAG_OPERATION_NONE);
+  EXPECT_EQ(chosenAfter([this] { drags_.exited(); }), DRAG_OPERATION_NONE);
+  EXPECT_EQ(chosenAfter([this] { drags_.performed(at_); }), DRAG_OPERATION_NONE);
 }
 
 TEST_F(DragSessionTest, UsesACopyOfItsOwnDragsData) {

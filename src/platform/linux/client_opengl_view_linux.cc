@@ -6,6 +6,7 @@
 #include <QScreen>
 #include <QStyleHints>
 #include <QWindow>
+#include <algorithm>
 
 #include "osr/event_flags.h"
 #include "osr/view_scale.h"
@@ -99,9 +100,11 @@ std::optional<OsrScreen> ClientOpenGLView::screen() const {
   if (!windowHandle() || !shown) {
     return std::nullopt;
   }
+  // A depth of 32 has bits that are no colour's.
   constexpr int kComponents = 3;
-  return OsrScreen{shown->depth(), shown->depth() / kComponents, false, toRect(shown->geometry()),
-                   toRect(shown->availableGeometry())};
+  constexpr int kMostBits = 8;
+  return OsrScreen{shown->depth(), std::min(shown->depth() / kComponents, kMostBits), false,
+                   toRect(shown->geometry()), toRect(shown->availableGeometry())};
 }
 
 float ClientOpenGLView::deviceScaleFactor() const {
@@ -211,7 +214,11 @@ bool ClientOpenGLView::event(QEvent* event) {
 
 bool ClientOpenGLView::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::Wheel && watched->isWidgetType()) {
-    scroll_.shortCircuit(toSystemEvent(*static_cast<QWheelEvent*>(event)));
+    const auto& wheel = *static_cast<QWheelEvent*>(event);
+    SystemEvent shared = toSystemEvent(wheel);
+    const QPointF here = mapFromGlobal(wheel.globalPosition());  // it may be another widget's event
+    shared.point = {here.x(), here.y()};
+    scroll_.shortCircuit(shared);
   }
   return QWidget::eventFilter(watched, event);
 }
@@ -245,15 +252,18 @@ void ClientOpenGLView::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void ClientOpenGLView::enterEvent(QEnterEvent* event) {
-  SystemEvent shared;
-  shared.kind = EventKind::kEntered;
-  shared.point = {event->position().x(), event->position().y()};
-  mouse_.handle(shared);
+  handleCrossing(EventKind::kEntered, event->position());
 }
 
 void ClientOpenGLView::leaveEvent(QEvent* /*event*/) {
+  handleCrossing(EventKind::kExited, mapFromGlobal(QPointF(QCursor::pos())));
+}
+
+void ClientOpenGLView::handleCrossing(EventKind kind, const QPointF& point) {
   SystemEvent shared;
-  shared.kind = EventKind::kExited;
+  shared.kind = kind;
+  shared.modifiers = toSystemModifiers(QGuiApplication::keyboardModifiers());
+  shared.point = {point.x(), point.y()};
   mouse_.handle(shared);
 }
 

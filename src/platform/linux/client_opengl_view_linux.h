@@ -76,6 +76,7 @@ class ClientOpenGLView final : public QWidget, public OsrView {
   CefRefPtr<CefBrowserHost> host() const;
   QSize sizeInPixels() const;
   void handleMouse(const QMouseEvent& event, int clickCount);
+  void handleCrossing(EventKind kind, const QPointF& point);
   void setFocusOfBrowser(bool focus);
   void scaleMayHaveChanged();
   void runDrag();

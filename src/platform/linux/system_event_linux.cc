@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QMimeData>
 #include <QUrl>
+#include <algorithm>
 
 namespace client {
 namespace {
@@ -127,6 +128,20 @@ int windowsKeyCodeOf(const QKeyEvent& event) {
   return 0;
 }
 
+bool isNamedBy(const QString& line, const QUrl& url) {
+  return line == url.toString() || line == url.toString(QUrl::FullyEncoded) ||
+         line == url.toLocalFile();
+}
+
+// Whether the text is nothing but the addresses, a line each: Qt and file managers give those of
+// dragged files as text, too.
+bool areNamedBy(const QString& text, const QList<QUrl>& urls) {
+  const QStringList lines = text.split('\n', Qt::SkipEmptyParts);
+  return std::equal(
+      lines.begin(), lines.end(), urls.begin(), urls.end(),
+      [](const QString& line, const QUrl& url) { return isNamedBy(line.trimmed(), url); });
+}
+
 }  // namespace
 
 uint32_t toSystemModifiers(Qt::KeyboardModifiers modifiers) {
@@ -195,8 +210,7 @@ DroppedItems toDroppedItems(const QMimeData& mime) {
       items.paths.push_back(url.toLocalFile().toStdString());
     }
   }
-  // Qt gives the addresses of dragged files as text, too.
-  if (items.paths.empty() && mime.hasText()) {
+  if (mime.hasText() && (items.paths.empty() || !areNamedBy(mime.text(), mime.urls()))) {
     items.text = mime.text().toStdString();
   }
   return items;

@@ -50,6 +50,12 @@ TEST_F(ApplicationDelegateMac, HandsFilesOnInUtf8AndTellsTheSystemSo) {
   EXPECT_EQ(calls(), (Calls{"open /b", "open /Zo\u00EB", "replyToOpenOrPrint: 0"}));
 }
 
+TEST_F(ApplicationDelegateMac, LeavesOutANameThatIsNoTextInUnicode) {
+  [delegate_ application:NSApp openFiles:@[ [HalfPair string], @"/b" ]];
+  EXPECT_EQ(calls(), (Calls{"log: An item of a list was left out, as it is no text in Unicode.",
+                            "open /b", "replyToOpenOrPrint: 0"}));
+}
+
 TEST_F(ApplicationDelegateMac, TheMenusCommandsAreTheApplications) {
   [delegate_ newMessage:nil];
   [delegate_ newShare:nil];

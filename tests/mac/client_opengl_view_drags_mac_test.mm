@@ -171,9 +171,25 @@ TEST_F(ClientOpenGLViewDragsMac, TakesNoListForFilesThatIsNone) {
   EXPECT_EQ(sent().size(), 2u);
 }
 
-TEST_F(ClientOpenGLViewDragsMac, ItsOwnDragKeepsItsData) {
-  ASSERT_TRUE(start(everything()));
+TEST_F(ClientOpenGLViewDragsMac, LeavesOutWhatIsNoTextInUnicode) {
+  NSString* const broken = [HalfPair string];
+  [pasteboard() declareTypes:@[ NSStringPboardType, NSFilenamesPboardType ] owner:nil];
+  [pasteboard() setString:broken forType:NSStringPboardType];
+  [pasteboard() setPropertyList:@[ broken, @1, @"/" ] forType:NSFilenamesPboardType];
   [view_ draggingEntered:over()];
+  EXPECT_TRUE(host_->entered->GetFragmentText().empty());
+  std::vector<CefString> paths;
+  host_->entered->GetFilePaths(paths);
+  EXPECT_EQ(Lines(paths.begin(), paths.end()), Lines{"/"});
+  EXPECT_EQ(calls().size(), 2u) << "one line in the log for each name";
+}
+
+TEST_F(ClientOpenGLViewDragsMac, ItsOwnDragKeepsItsDataWithoutThePasteboard) {
+  ASSERT_TRUE(start(everything()));
+  [pasteboard() setRaises:YES];
+  [view_ draggingEntered:over()];
+  [pasteboard() setRaises:NO];
+  EXPECT_EQ(calls(), Lines{});
   EXPECT_EQ(host_->entered->GetLinkURL().ToString(), "http://127.0.0.1/a");
 }
 

@@ -3,6 +3,10 @@
 #import <Foundation/Foundation.h>
 #include <gtest/gtest.h>
 
+// "/" and half of a surrogate pair, which the strings of the system here refuse to be made of.
+@interface HalfPair : NSString
+@end
+
 namespace zantrio::mac_test {
 
 // Starts every test with fresh fakes and a recorded system log, and ends it by looking whether all

@@ -10,6 +10,25 @@
 #include "mac/fakes/view_fake.h"
 #include "mac/fakes/workspace_fake.h"
 
+@implementation HalfPair
++ (id)string {
+  return [[[HalfPair alloc] init] autorelease];
+}
+
+- (NSUInteger)length {
+  return 2;
+}
+
+- (unichar)characterAtIndex:(NSUInteger)index {
+  return index == 0 ? '/' : 0xD800;
+}
+
+- (id)copyWithZone:(NSZone*)zone {
+  (void)zone;
+  return [self retain];
+}
+@end
+
 namespace zantrio::mac_test {
 
 void MacTest::SetUp() {

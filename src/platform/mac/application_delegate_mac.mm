@@ -1,26 +1,11 @@
 #include "platform/mac/application_delegate_mac.h"
 
-#include <string>
-#include <vector>
-
 #include "browser/application_commands.h"
+#include "platform/mac/utf8_text_mac.h"
 
 // The pasteboard type is the one that services are offered files in; the way to come to the front
 // is the one that all systems have.
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
-
-namespace {
-
-std::vector<std::string> pathsOf(NSArray* filenames) {
-  std::vector<std::string> paths;
-  paths.reserve([filenames count]);
-  for (NSString* filename in filenames) {
-    paths.emplace_back([filename UTF8String]);
-  }
-  return paths;
-}
-
-}  // namespace
 
 @implementation ZantrioApplicationDelegate
 
@@ -33,7 +18,7 @@ std::vector<std::string> pathsOf(NSArray* filenames) {
 }
 
 - (void)application:(NSApplication*)application openFiles:(NSArray*)filenames {
-  _commands->openFiles(pathsOf(filenames));
+  _commands->openFiles(zantrio::toUtf8List(filenames));
   [application replyToOpenOrPrint:NSApplicationDelegateReplySuccess];
 }
 
@@ -59,7 +44,7 @@ std::vector<std::string> pathsOf(NSArray* filenames) {
     return;
   }
   [NSApp activateIgnoringOtherApps:YES];
-  _commands->openFiles(pathsOf(filenames));
+  _commands->openFiles(zantrio::toUtf8List(filenames));
 }
 
 @end

@@ -6,6 +6,7 @@
 #include "platform/mac/client_opengl_view_parts_mac.h"
 #include "platform/mac/drag_pasteboard_mac.h"
 #include "platform/mac/system_event_mac.h"
+#include "platform/mac/utf8_text_mac.h"
 
 // The drag pasteboard, its types and drags of an image are what all systems have.
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
@@ -25,6 +26,13 @@ CefMouseEvent recordOf(id<NSDraggingInfo> drag, NSView* view) {
   event.modifiers = client::toSystemModifiers([NSEvent modifierFlags]);
   return client::mouseEventAt(client::toViewPoint([drag draggingLocation], view),
                               client::getModifiersForEvent(event));
+}
+
+// False when an exception, of C++ or of the system's, ended `body`.
+bool callGuarded(const char* operation, const std::function<void()>& body) {
+  bool ran = false;
+  guardedCall(operation, [&] { ran = callCatchingPlatformExceptions(body); });
+  return ran;
 }
 
 // What hangs on the pointer.
@@ -64,7 +72,7 @@ NSImage* dragImage() {
 }
 
 - (BOOL)fillPasteboard {
-  return callCatchingPlatformExceptions([self] {
+  return callGuarded("fillPasteboard", [self] {
     CefDragData& data = *parts_->drags.currentDragData();
     pasteboard_ = [[NSPasteboard pasteboardWithName:NSDragPboard] retain];
     if (client::kindsOf(data).fileContents) {
@@ -78,7 +86,7 @@ NSImage* dragImage() {
 // `point` is in the view. Ends when the drag has ended, of which draggingSession: tells.
 - (void)runDragFrom:(NSValue*)point {
   const NSPoint start = [point pointValue];
-  const bool ran = callCatchingPlatformExceptions([self, start] {
+  const bool ran = callGuarded("runDragFrom", [self, start] {
     NSWindow* const window = [self window];
     NSEvent* const press = [NSEvent mouseEventWithType:NSLeftMouseDragged
                                               location:[self convertPoint:start toView:nil]
@@ -134,7 +142,7 @@ NSImage* dragImage() {
 }
 
 - (void)withdrawPromises {
-  callCatchingPlatformExceptions([self] {
+  callGuarded("withdrawPromises", [self] {
     NSPasteboard* const pasteboard = [NSPasteboard pasteboardWithName:NSDragPboard];
     if (promisedChange_ != 0 && [pasteboard changeCount] == promisedChange_) {
       [pasteboard declareTypes:[NSArray array] owner:nil];
@@ -146,7 +154,8 @@ NSImage* dragImage() {
 - (void)pasteboard:(NSPasteboard*)pasteboard provideDataForType:(NSString*)type {
   const CefRefPtr<CefDragData> data = parts_->drags.currentDragData();
   if (data) {
-    callCatchingPlatformExceptions([&] { client::provideKind(pasteboard, type, *data, fileUTI_); });
+    callGuarded("provideDataForType",
+                [&] { client::provideKind(pasteboard, type, *data, fileUTI_); });
   }
 }
 
@@ -154,12 +163,14 @@ NSImage* dragImage() {
 - (NSArray*)namesOfPromisedFilesDroppedAtDestination:(NSURL*)folder {
   NSArray* names = [NSArray array];
   const CefRefPtr<CefDragData> data = parts_->drags.currentDragData();
-  if (!data || ![folder isFileURL]) {
+  const auto path = [folder isFileURL] ? zantrio::toUtf8([folder path]) : std::nullopt;
+  if (!data || !path) {
     return names;
   }
   guardedCall("namesOfPromisedFilesDroppedAtDestination", [&] {
-    if (const auto name = client::writePromisedFile(*data, [[folder path] UTF8String])) {
-      names = [NSArray arrayWithObject:[NSString stringWithUTF8String:name->c_str()]];
+    const auto name = client::writePromisedFile(*data, *path);
+    if (NSString* const known = name ? [NSString stringWithUTF8String:name->c_str()] : nil) {
+      names = [NSArray arrayWithObject:known];
     }
   });
   return names;
@@ -169,8 +180,11 @@ NSImage* dragImage() {
 
 - (NSDragOperation)draggingEntered:(id<NSDraggingInfo>)drag {
   client::DroppedItems items;
-  callCatchingPlatformExceptions(
-      [&] { items = client::droppedItemsOf([drag draggingPasteboard]); });
+  // A drag that began here is known, and its pasteboard would only ask this view.
+  if (!parts_->drags.currentDragData()) {
+    callGuarded("draggingEntered",
+                [&] { items = client::droppedItemsOf([drag draggingPasteboard]); });
+  }
   guardedCall("draggingEntered", [&] {
     parts_->drags.entered(recordOf(drag, self), items,
                           toBrowserOperations([drag draggingSourceOperationMask]));

@@ -6,6 +6,7 @@
 
 #include "include/cef_parser.h"
 #include "platform/mac/system_string_mac.h"
+#include "platform/mac/utf8_text_mac.h"
 
 // The pasteboard types and the ways to type identifiers are those that all systems have.
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
@@ -44,16 +45,12 @@ NSString* const kDragDummyPboardType = @"org.CEF.drag-dummy-type";
 DroppedItems droppedItemsOf(NSPasteboard* pasteboard) {
   DroppedItems items;
   if ([[pasteboard types] containsObject:NSStringPboardType]) {
-    if (NSString* const text = [pasteboard stringForType:NSStringPboardType]) {
-      items.text = [text UTF8String];
-    }
+    items.text = zantrio::toUtf8([pasteboard stringForType:NSStringPboardType]);
   }
   if ([[pasteboard types] containsObject:NSFilenamesPboardType]) {
     NSArray* const filenames = [pasteboard propertyListForType:NSFilenamesPboardType];
     if ([filenames isKindOfClass:[NSArray class]]) {
-      for (NSString* filename in filenames) {
-        items.paths.emplace_back([filename UTF8String]);
-      }
+      items.paths = zantrio::toUtf8List(filenames);
     }
   }
   return items;

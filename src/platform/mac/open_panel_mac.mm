@@ -2,6 +2,8 @@
 
 #import <AppKit/AppKit.h>
 
+#include "platform/mac/utf8_text_mac.h"
+
 namespace zantrio {
 namespace {
 
@@ -25,12 +27,12 @@ NSArray* runPanel(OpenPanelKind kind, const char* title) {
   return [panel runModal] == kOk ? [panel URLs] : nil;
 }
 
-// The URLs' texts; null, to the caller the same as a cancel, when the system raised an exception.
-NSArray* chosenIn(OpenPanelKind kind, const char* title) {
+// The URLs' texts; none, to the caller the same as a cancel, when the system raised an exception.
+std::vector<std::string> chosenIn(OpenPanelKind kind, const char* title) {
   @try {
-    return [runPanel(kind, title) valueForKey:@"absoluteString"];
+    return toUtf8List([runPanel(kind, title) valueForKey:@"absoluteString"]);
   } @catch (NSException*) {
-    return nil;
+    return {};
   }
 }
 
@@ -39,15 +41,9 @@ NSArray* chosenIn(OpenPanelKind kind, const char* title) {
 bool runOpenPanel(OpenPanelKind kind, const std::string& title,
                   std::vector<std::string>& chosenUrls) {
   @autoreleasepool {
-    NSArray* const chosen = chosenIn(kind, title.c_str());
-    if ([chosen count] == 0) {
-      return false;
-    }
-    chosenUrls.reserve(chosenUrls.size() + [chosen count]);
-    for (NSString* url in chosen) {
-      chosenUrls.emplace_back([url UTF8String]);
-    }
-    return true;
+    const std::vector<std::string> chosen = chosenIn(kind, title.c_str());
+    chosenUrls.insert(chosenUrls.end(), chosen.begin(), chosen.end());
+    return !chosen.empty();
   }
 }
 

@@ -53,6 +53,12 @@ TEST_F(CrashManagerDelegateMac, TheLogsAreThoseInTheApplicationsFolder) {
   EXPECT_EQ(textOf([delegate_ getBrowserLogPath]), folder + "cef_browser.log");
 }
 
+TEST_F(CrashManagerDelegateMac, WithoutAHomeFolderThereAreNoLogs) {
+  setenv("HOME", "", 1);
+  EXPECT_EQ(textOf([delegate_ getAppLogPath]), "");
+  EXPECT_EQ(textOf([delegate_ getBrowserLogPath]), "");
+}
+
 TEST_F(CrashManagerDelegateMac, WithoutLogsTheTextIsTheFourHeaders) {
   EXPECT_EQ(log(), header("zt_app.log") + "\n\n" + header("zt_transfers.log") + "\n\n" +
                        header("zt_transfers.log.0") + "\n\n" + header("cef_browser.log"));

@@ -7,11 +7,12 @@
 
 namespace {
 
-// Where the settings let the logs be written. The folder does not depend on the bundle.
+// Where the settings let the logs be written, which is nowhere without a home folder. The folder
+// does not depend on the bundle.
 zantrio::CrashLogFiles logFiles() {
   std::string folder;
   zantrio::CAppSettings(nullptr, "").getAppDataFolder(folder);
-  return zantrio::crashLogFilesIn(folder);
+  return folder.empty() ? zantrio::CrashLogFiles() : zantrio::crashLogFilesIn(folder);
 }
 
 NSString* fromUtf8(const std::string& text) {

@@ -3,6 +3,9 @@
 #include "osr/view_scale.h"
 #include "platform/mac/client_opengl_view_mac.h"
 
+// OpenGL, and the name of the gray colour model that all systems have.
+#pragma clang diagnostic ignored "-Wdeprecated-declarations"
+
 namespace client {
 namespace {
 

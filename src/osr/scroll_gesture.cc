@@ -7,11 +7,15 @@ namespace client {
 ScrollGesture::ScrollGesture(Monitor monitor, Send send)
     : monitor_(std::move(monitor)), send_(std::move(send)) {}
 
-void ScrollGesture::scrollWheel(const SystemEvent& event) {
+void ScrollGesture::watchFrom(const SystemEvent& event) {
   if (event.phase == ScrollPhase::kBegan && !watching_) {
     watching_ = true;
     monitor_.install();
   }
+}
+
+void ScrollGesture::scrollWheel(const SystemEvent& event) {
+  watchFrom(event);
   send_(event);
 }
 

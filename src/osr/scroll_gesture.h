@@ -21,7 +21,9 @@ class ScrollGesture {
 
   ScrollGesture(Monitor monitor, Send send);
 
-  // A scroll event in the view.
+  // Watches from now on when a gesture begins with the event, which is not sent.
+  void watchFrom(const SystemEvent& event);
+  // A scroll event in the view: watches, and sends it.
   void scrollWheel(const SystemEvent& event);
   // A scroll event that the monitor saw.
   void shortCircuit(const SystemEvent& event);

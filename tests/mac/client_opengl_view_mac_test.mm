@@ -116,6 +116,9 @@ TEST_F(ClientOpenGLViewMac, ScrollsByPointsOrByLines) {
 }
 
 TEST_F(ClientOpenGLViewMac, LearnsOfAGesturesEndOutsideTheView) {
+  [view_ sendScrollWheelEvet:gesture(NSEventPhaseBegan, kPoint, 9)];
+  EXPECT_EQ(calls(), Lines{});
+  EXPECT_EQ(sent(), Lines{"wheel 10,20 flags 0 by 0,9"});
   [view_ scrollWheel:gesture(NSEventPhaseBegan, kPoint, 1)];
   [view_ scrollWheel:gesture(NSEventPhaseBegan, kPoint, 2)];
   EXPECT_EQ(calls(), Lines{"add monitor"});
@@ -253,7 +256,7 @@ TEST_F(ClientOpenGLViewMac, LetsNoExceptionOfTheClientReachTheSystem) {
                                            object:window_]];
   [view_ becomeFirstResponder];
   [view_ resignFirstResponder];
-  EXPECT_FALSE([view_ windowShouldClose:window_]);
+  EXPECT_FALSE([[view_ windowDelegate] windowShouldClose:window_]);
 }
 
 TEST_F(ClientOpenGLViewMac, TellsTheBrowserOfItsFocus) {
@@ -288,6 +291,9 @@ TEST_F(OffScreenWindowMac, ClosesOnlyWithItsBrowserAndThenLeavesNothing) {
 
     ClientOpenGLView* const shown = (ClientOpenGLView*)client::windowOf(*view);
     EXPECT_EQ(textOf([[shown window] title]), "Zantrio");
+    EXPECT_FALSE(
+        [[[shown window] delegate] respondsToSelector:@selector(windowDidChangeBackingProperties:)])
+        << "the system would tell it of the scale, too";
     EXPECT_EQ([[shown window] firstResponder], shown);
     EXPECT_EQ(view->bounds().width, 300);
     EXPECT_EQ(view->bounds().height, 200);
@@ -302,6 +308,19 @@ TEST_F(OffScreenWindowMac, ClosesOnlyWithItsBrowserAndThenLeavesNothing) {
   EXPECT_TRUE(weak.expired());
   CefScreenInfo info;
   EXPECT_FALSE(handler->GetScreenInfo(browser_, info));
+}
+
+TEST_F(OffScreenWindowMac, ClosesAtOnceWhileThereIsNoBrowser) {
+  std::weak_ptr<client::OsrView> weak;
+  @autoreleasepool {
+    std::string error;
+    const auto view = client::createOffScreenView(
+        {"Zantrio", {40, 20, 300, 200}, false, false, [] { return nullptr; }}, error);
+    ASSERT_TRUE(view) << error;
+    weak = view;
+    [[(ClientOpenGLView*)client::windowOf(*view) window] performClose:nil];
+  }
+  EXPECT_TRUE(weak.expired());
 }
 
 }  // namespace

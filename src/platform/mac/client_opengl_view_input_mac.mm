@@ -76,12 +76,13 @@ using zantrio::guardedCall;
 // Scrolling
 
 - (void)scrollWheel:(NSEvent*)event {
+  guardedCall("scrollWheel", [&] { parts_->scroll.watchFrom(toSystemEvent(event, self)); });
   [self sendScrollWheelEvet:event];
 }
 
 - (void)sendScrollWheelEvet:(NSEvent*)event {
   guardedCall("sendScrollWheelEvet",
-              [&] { parts_->scroll.scrollWheel(toSystemEvent(event, self)); });
+              [&] { parts_->mouse.sendScrollWheel(toSystemEvent(event, self)); });
 }
 
 - (void)shortCircuitScrollWheelEvent:(NSEvent*)event {

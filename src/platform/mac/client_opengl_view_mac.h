@@ -6,6 +6,8 @@
 
 #include "osr/off_screen_view.h"
 
+@class OffScreenWindowDelegate;
+
 namespace client {
 class ViewParts;
 }
@@ -15,12 +17,13 @@ class ViewParts;
 // takes those that come over it.
 //
 // Ownership: as of any view. Thread: main, which is the framework's UI thread. Errors: a C++
-// exception is logged under the operation's name, an exception of the system's pasteboard goes to
-// the system's log; neither reaches the system.
-@interface ClientOpenGLView : NSOpenGLView <NSWindowDelegate> {
+// exception is logged under the operation's name, an exception of the system's pasteboard or drag
+// goes to the system's log; neither reaches the system.
+@interface ClientOpenGLView : NSOpenGLView {
  @private
   client::ViewParts* parts_;
   NSTrackingArea* tracking_area_;
+  OffScreenWindowDelegate* windowDelegate_;
   id endWheelMonitor_;        // nil: no scroll gesture runs
   NSPasteboard* pasteboard_;  // of the drag that runs
   NSString* fileUTI_;         // type of the file contents that the drag promises
@@ -35,6 +38,8 @@ class ViewParts;
 - (void)setBrowserProvider:(client::BrowserProvider)provider;
 // Null before the browser exists and once it is closed.
 - (CefRefPtr<CefBrowserHost>)browserHost;
+// For the window around the view, which asks it before it closes.
+- (id<NSWindowDelegate>)windowDelegate;
 // The browser is closed; closes the window, too.
 - (void)forgetBrowser;
 
@@ -56,6 +61,7 @@ class ViewParts;
 @interface ClientOpenGLView (Input)
 
 - (void)sendMouseClick:(NSEvent*)event button:(cef_mouse_button_type_t)button isUp:(bool)isUp;
+// Only sends; `scrollWheel:` sees to a gesture's end first.
 - (void)sendScrollWheelEvet:(NSEvent*)event;
 // A scroll event anywhere in the application while a gesture runs that began in the view.
 - (void)shortCircuitScrollWheelEvent:(NSEvent*)event;

@@ -6,6 +6,7 @@
 #include "osr/view_scale.h"
 #include "platform/mac/client_opengl_view_parts_mac.h"
 #include "platform/mac/drag_pasteboard_mac.h"
+#include "platform/mac/off_screen_window_delegate_mac.h"
 
 // OpenGL, pasteboard types and the scale of old systems are what the view was made for.
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
@@ -57,6 +58,7 @@ NSOpenGLPixelFormat* makePixelFormat() {
     return nil;
   }
   parts_ = new client::ViewParts(self, transparency, showUpdateRect);
+  windowDelegate_ = [[OffScreenWindowDelegate alloc] initWithView:self];
   tracking_area_ =
       [[NSTrackingArea alloc] initWithRect:frame
                                    options:NSTrackingMouseEnteredAndExited | NSTrackingMouseMoved |
@@ -86,6 +88,7 @@ NSOpenGLPixelFormat* makePixelFormat() {
     [NSOpenGLContext clearCurrentContext];
   }
   [tracking_area_ release];
+  [windowDelegate_ release];
   [super dealloc];
 }
 
@@ -99,6 +102,10 @@ NSOpenGLPixelFormat* makePixelFormat() {
 
 - (std::shared_ptr<client::OsrView>)osrView {
   return parts_->osr;
+}
+
+- (id<NSWindowDelegate>)windowDelegate {
+  return windowDelegate_;
 }
 
 - (void)forgetBrowser {
@@ -118,21 +125,10 @@ NSOpenGLPixelFormat* makePixelFormat() {
 
 // Window
 
-// The page and the client are asked first; the window goes with the browser.
-- (BOOL)windowShouldClose:(id)sender {
-  (void)sender;
-  guardedCall("windowShouldClose", [self] {
-    if (const CefRefPtr<CefBrowserHost> host = parts_->host()) {
-      host->CloseBrowser(false);
-    }
-  });
-  return NO;
-}
-
 - (void)viewWillMoveToWindow:(NSWindow*)window {
   [super viewWillMoveToWindow:window];
   [self stopObservingBackingProperties];
-  if ([[self window] delegate] == self) {
+  if ([[self window] delegate] == windowDelegate_) {
     [[self window] setDelegate:nil];  // which does not keep it
   }
 }

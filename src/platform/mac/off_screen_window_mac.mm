@@ -43,7 +43,7 @@ std::shared_ptr<OsrView> createOffScreenView(const OffScreenViewOptions& options
     [view setBrowserProvider:options.browserProvider];
     NSWindow* const window = openWindow(options, frame);
     [window setContentView:view];
-    [window setDelegate:view];
+    [window setDelegate:[view windowDelegate]];
     [window makeFirstResponder:view];
     [window makeKeyAndOrderFront:nil];
     return [view osrView];

@@ -7,6 +7,19 @@
 #include "services/address_book.h"
 #include "src/files/temporary_folder.h"
 
+@interface NoSearchElements : NSObject
+@end
+
+@implementation NoSearchElements
++ (ABSearchElement*)searchElementForProperty:(NSString*)property
+                                       label:(NSString*)label
+                                         key:(NSString*)key
+                                       value:(id)value
+                                  comparison:(ABSearchComparison)comparison {
+  return nil;
+}
+@end
+
 namespace zantrio::mac_test {
 namespace {
 
@@ -141,6 +154,13 @@ TEST_F(AddressBookAnswersMac, WhatIsNoStringIsNoName) {
 }
 
 TEST_F(AddressBookAnswersMac, ASearchThatCannotBeMadeFindsNothing) {
+  addressBook().records = @[ @{kABLastNameProperty : @"Lee"} ];
+  const ClassMethodSwap none([ABPerson class], [NoSearchElements class],
+                             @selector(searchElementForProperty:label:key:value:comparison:));
+  EXPECT_EQ(search(), ContactEntries());
+}
+
+TEST_F(AddressBookAnswersMac, ABookThatAnswersNothingFindsNothing) {
   EXPECT_EQ(search(), ContactEntries());
 }
 

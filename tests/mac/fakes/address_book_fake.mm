@@ -45,7 +45,7 @@ using namespace zantrio::mac_test;
 }
 
 - (NSArray*)recordsMatchingSearchElement:(ABSearchElement*)search {
-  if (search == nil || addressBook().records == nil) {
+  if (addressBook().records == nil) {
     return nil;
   }
   NSMutableArray* const records = [NSMutableArray array];

@@ -22,6 +22,9 @@ using namespace zantrio::mac_test;
 
 OSStatus PasteboardCreate(CFStringRef name, PasteboardRef* pasteboard) {
   systemServices().pasteboardName = textOf((NSString*)name);
+  // Also when it fails: only the status tells.
+  static NSObject* const kUnusable = [[NSObject alloc] init];
+  *pasteboard = (PasteboardRef)kUnusable;
   if (systemServices().pasteboardCreation == noErr) {
     ++coreFoundation().ownedObjects;
     *pasteboard = (PasteboardRef)[[NSObject alloc] init];

@@ -13,7 +13,8 @@ inline constexpr std::size_t kMd5BlockSize = 64;  // bytes
 inline constexpr Md5State kMd5Begin{0x67452301, 0xEFCDAB89, 0x98BADCFE, 0x10325476};
 
 // So many messages can be worked through together. Each step of MD5 needs the one before, so a
-// processor that hashes one message mostly waits; eight at once take twice the time of one.
+// processor that hashes one message mostly waits; eight at once take one and a half to two and a
+// half times as long.
 inline constexpr std::size_t kMd5Lanes = 8;
 
 // Works `blocks` blocks of 64 bytes into one state.

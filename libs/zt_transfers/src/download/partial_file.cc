@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -15,6 +14,7 @@
 #include "download/counted_name.h"
 #include "download/file_trouble.h"
 #include "download/publish.h"
+#include "download/reserve_room.h"
 #include "download/target_folder.h"
 
 namespace zt_transfers {
@@ -405,13 +405,12 @@ bool CPartialFile::landedAlready(const DownloadResume& resume) const {
   return false;
 }
 
-// Finds out now whether the disk has the room. The file's length stays that of its content.
 void CPartialFile::reserve(std::uint64_t size) {
   if (size == DownloadResume::kUnknown || size < kReserveFrom) {
     return;
   }
   try {
-    makeRoom(size);
+    reserveRoom(file_.get(), size);
   } catch (const std::system_error& error) {
     if (plan_.size != 0) {
       throw;
@@ -419,24 +418,6 @@ void CPartialFile::reserve(std::uint64_t size) {
     throw CNoRoomForClaim(error.code(), "cannot make room for the " + std::to_string(size) +
                                             " bytes that the server announces");
   }
-}
-
-void CPartialFile::makeRoom(std::uint64_t size) {
-  // Asked first, so that nothing else runs short while the system takes all that there is.
-  constexpr std::uint64_t kBlock = 512;  // of st_blocks
-  const std::uint64_t has = static_cast<std::uint64_t>(statusOf(file_.get()).st_blocks) * kBlock;
-  struct statvfs disk {};
-  if (::fstatvfs(file_.get(), &disk) == 0 && disk.f_blocks != 0 && size > has &&
-      (size - has) / disk.f_frsize > disk.f_bavail) {
-    errno = ENOSPC;
-    fail("cannot make room for the file");
-  }
-#if defined(__linux__)
-  if (::fallocate(file_.get(), FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(size)) != 0 &&
-      (errno == ENOSPC || errno == EDQUOT || errno == EFBIG)) {
-    fail("cannot make room for the file");
-  }
-#endif
 }
 
 bool CPartialFile::isThere(const std::string& name, std::uint64_t inode) const {

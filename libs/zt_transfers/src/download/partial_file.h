@@ -93,7 +93,6 @@ class CPartialFile {
   bool takeExisting(const std::string& name);
   bool landedAlready(const DownloadResume& resume) const;
   void reserve(std::uint64_t size);
-  void makeRoom(std::uint64_t size);
   void noteWritten(ByteSpan span);
   CContentHash& openHash();
   bool isThere(const std::string& name, std::uint64_t inode) const;

@@ -80,7 +80,7 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
 
  private:
   // Bytes handed over and not done with.
-  static constexpr std::size_t kMostHeld = 12 * CChunkPool::kLargest;
+  static constexpr std::size_t kMostHeld = 2 * CChunkPool::kLargest;
 
   // What the next job that writes does, in this order.
   struct Batch {

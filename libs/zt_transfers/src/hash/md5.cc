@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
+
+#include "hash/md5_lockstep.h"
 
 namespace zt_transfers {
 namespace {
@@ -22,6 +25,27 @@ std::string hexadecimal(const Md5State& state) {
 }
 
 }  // namespace
+
+std::vector<std::string> CMd5::ofEach(const std::vector<std::string_view>& messages) {
+  std::vector<CMd5> digests(messages.size());
+  std::vector<Md5Piece> pieces;
+  for (std::size_t at = 0; at < messages.size(); ++at) {
+    const auto* data = reinterpret_cast<const unsigned char*>(messages[at].data());
+    const std::size_t blocks = messages[at].size() / kMd5BlockSize;
+    pieces.push_back({.state = &digests[at].state_, .data = data, .blocks = blocks});
+    digests[at].size_ = blocks * kMd5BlockSize;
+    if (pieces.size() == kMd5Lanes || at + 1 == messages.size()) {
+      addInLockstep(std::exchange(pieces, {}));
+    }
+  }
+  std::vector<std::string> texts;
+  for (std::size_t at = 0; at < messages.size(); ++at) {
+    const std::string_view rest = messages[at].substr(digests[at].size_);
+    digests[at].add(rest.data(), rest.size());
+    texts.push_back(digests[at].finish());
+  }
+  return texts;
+}
 
 void CMd5::add(const void* data, std::size_t size) {
   const auto* bytes = static_cast<const unsigned char*>(data);

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "hash/md5_blocks.h"
 #include "hash/md5_combiner.h"
@@ -16,6 +18,9 @@ namespace zt_transfers {
 // time. Thread: one at a time.
 class CMd5 {
  public:
+  // The digests of messages that are in memory, in their order. They are worked through together.
+  static std::vector<std::string> ofEach(const std::vector<std::string_view>& messages);
+
   void add(const void* data, std::size_t size);
   // The digest in lower-case hexadecimal. Ends the computation.
   std::string finish();

@@ -7,8 +7,8 @@
 namespace zt_transfers {
 namespace {
 
-// Two messages take longer together than one after the other.
-constexpr std::size_t kWorthTogether = 3;
+// Fewer messages are quicker one after the other.
+constexpr std::size_t kWorthWaitingFor = 3;
 
 // A transfer reads or has received some pieces ahead, so that so short a wait does not hold it up.
 constexpr std::chrono::milliseconds kGatherLimit(4);
@@ -35,7 +35,7 @@ void CMd5Combiner::CMember::add(Md5State& state, const unsigned char* data, std:
 }
 
 void CMd5Combiner::add(Md5State& state, const unsigned char* data, std::size_t blocks) {
-  Task own{.state = &state, .data = data, .blocks = blocks};
+  Task own{.piece = {.state = &state, .data = data, .blocks = blocks}};
   std::unique_lock lock(mutex_);
   waiting_.push_back(&own);
   gather(lock, own);
@@ -45,12 +45,12 @@ void CMd5Combiner::add(Md5State& state, const unsigned char* data, std::size_t b
   }
   ++atWork_;
   const std::vector<Task*> taken = take(own);
-  std::vector<Task> tasks;
+  std::vector<Md5Piece> pieces;
   for (const Task* task : taken) {
-    tasks.push_back(*task);
+    pieces.push_back(task->piece);
   }
   lock.unlock();
-  work(std::move(tasks));
+  addInLockstep(std::move(pieces));
   lock.lock();
   --atWork_;
   for (Task* task : taken) {
@@ -65,7 +65,7 @@ void CMd5Combiner::gather(std::unique_lock<std::mutex>& lock, const Task& own) {
   const std::size_t wanted = std::min(members_, kMd5Lanes) * 3 / 4;
   if (waiting_.size() >= wanted) {
     changed_.notify_all();
-  } else if (wanted >= kWorthTogether) {
+  } else if (wanted >= kWorthWaitingFor) {
     changed_.wait_for(lock, kGatherLimit, [&] { return own.taken || waiting_.size() >= wanted; });
   }
 }
@@ -82,30 +82,6 @@ std::vector<CMd5Combiner::Task*> CMd5Combiner::take(Task& own) {
     task->taken = true;
   }
   return taken;
-}
-
-void CMd5Combiner::work(std::vector<Task> tasks) {
-  while (tasks.size() >= kWorthTogether) {
-    Md5State unused{};
-    std::array<Md5State*, kMd5Lanes> states{};
-    std::array<const unsigned char*, kMd5Lanes> data{};
-    std::size_t blocks = tasks.front().blocks;
-    for (std::size_t lane = 0; lane < kMd5Lanes; ++lane) {
-      const bool used = lane < tasks.size();
-      states[lane] = used ? tasks[lane].state : &unused;
-      data[lane] = tasks[used ? lane : 0].data;
-      blocks = used ? std::min(blocks, tasks[lane].blocks) : blocks;
-    }
-    addMd5Blocks(states, data, blocks);
-    for (Task& task : tasks) {
-      task.data += blocks * kMd5BlockSize;
-      task.blocks -= blocks;
-    }
-    std::erase_if(tasks, [](const Task& task) { return task.blocks == 0; });
-  }
-  for (const Task& task : tasks) {
-    addMd5Blocks(*task.state, task.data, task.blocks);
-  }
 }
 
 }  // namespace zt_transfers

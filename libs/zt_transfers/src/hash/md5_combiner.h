@@ -5,7 +5,7 @@
 #include <mutex>
 #include <vector>
 
-#include "hash/md5_blocks.h"
+#include "hash/md5_lockstep.h"
 
 namespace zt_transfers {
 
@@ -41,9 +41,7 @@ class CMd5Combiner {
 
  private:
   struct Task {
-    Md5State* state;
-    const unsigned char* data;
-    std::size_t blocks;
+    Md5Piece piece;
     bool taken = false;
     bool done = false;
   };
@@ -51,7 +49,6 @@ class CMd5Combiner {
   void add(Md5State& state, const unsigned char* data, std::size_t blocks);
   void gather(std::unique_lock<std::mutex>& lock, const Task& own);
   std::vector<Task*> take(Task& own);
-  static void work(std::vector<Task> tasks);
 
   const unsigned mostAtWork_;
 

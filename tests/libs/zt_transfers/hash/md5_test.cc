@@ -56,6 +56,21 @@ TEST(Md5, IsThatOfTheStandardForEveryLengthAroundTheBlocksAndPieces) {
   EXPECT_EQ(digest(large, 100'001), referenceDigest(large));
 }
 
+TEST(Md5, IsTheSameForMessagesThatAreWorkedThroughTogether) {
+  std::vector<Bytes> messages;
+  std::vector<std::string_view> texts;
+  for (std::size_t count = 0; count < 40; ++count) {
+    EXPECT_EQ(CMd5::ofEach(texts).size(), count);
+    const std::size_t size = count * count * 37 % 3000;
+    messages.push_back(randomBytes(size, static_cast<unsigned>(count)));
+    texts.emplace_back(reinterpret_cast<const char*>(messages.back().data()), size);
+  }
+  const std::vector<std::string> digests = CMd5::ofEach(texts);
+  for (std::size_t at = 0; at < messages.size(); ++at) {
+    EXPECT_EQ(digests[at], referenceDigest(messages[at])) << at;
+  }
+}
+
 TEST(Md5, CountsMoreBitsThanAWordHolds) {
   // The length in bits is part of what is hashed.
   CMd5 md5;

@@ -103,17 +103,24 @@ TEST_F(DownloadManager, TakesAnySizeWhenItIsNotTold) {
   EXPECT_EQ(contentOf(target / "unannounced"), patternOf(700'000, 2));
 }
 
-TEST_F(DownloadManager, DownloadsManySmallFilesOverFewConnections) {
+TEST_F(DownloadManager, DownloadsManySmallFilesOverFewConnectionsAndChecksEach) {
+  const auto contentOfNumber = [](int number) {
+    return patternOf(static_cast<std::size_t>(number) * 20, unsigned(number));
+  };
   std::vector<File> files;
   for (int number = 0; number < 300; ++number) {
-    files.push_back(offer("f" + std::to_string(number), patternOf(2000, unsigned(number))));
+    files.push_back(offer("f" + std::to_string(number), contentOfNumber(number)));
+    files.back().md5Digest = md5Of(contentOfNumber(number == 77 ? 78 : number));
   }
+  retryAtMost(0);
   const auto group = downloadAll(files);
-  EXPECT_EQ(recorder.group(group).filesCompleted, 300);
-  EXPECT_EQ(namesThere().size(), 300U);
+  EXPECT_EQ(recorder.group(group).filesCompleted, 299);
+  EXPECT_EQ(recorder.file("f77").state, kFileErrored);
+  EXPECT_EQ(namesThere().size(), 299U);
   for (int number = 0; number < 300; ++number) {
-    EXPECT_EQ(contentOf(target / ("f" + std::to_string(number))),
-              patternOf(2000, unsigned(number)));
+    if (number != 77) {
+      EXPECT_EQ(contentOf(target / ("f" + std::to_string(number))), contentOfNumber(number));
+    }
   }
   EXPECT_LE(server.requests().back().connection, 16);
   EXPECT_LE(server.mostOpen(), 8);

@@ -15,12 +15,15 @@ constexpr std::size_t kMostKept = 32 * CChunkPool::kLargest;
 Chunk CChunkPool::take(std::uint64_t wanted) {
   const auto least = std::clamp<std::uint64_t>(wanted, kSmallest, kLargest);
   const auto capacity = static_cast<std::size_t>(std::bit_ceil(least));
-  std::vector<Chunk>& spare = spare_[capacity];
-  if (!spare.empty()) {
-    Chunk chunk = std::move(spare.back());
-    spare.pop_back();
-    kept_ -= capacity;
-    return chunk;
+  {
+    const std::lock_guard lock(mutex_);
+    std::vector<Chunk>& spare = spare_[capacity];
+    if (!spare.empty()) {
+      Chunk chunk = std::move(spare.back());
+      spare.pop_back();
+      kept_ -= capacity;
+      return chunk;
+    }
   }
   Chunk chunk;
   chunk.capacity = capacity;
@@ -29,6 +32,7 @@ Chunk CChunkPool::take(std::uint64_t wanted) {
 }
 
 void CChunkPool::giveBack(Chunk chunk) {
+  const std::lock_guard lock(mutex_);
   if (!chunk.data || kept_ + chunk.capacity > kMostKept) {
     return;
   }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 namespace zt_transfers {
@@ -21,7 +22,7 @@ struct Chunk {
 // Keeps chunks that were used for those that come next, of whatever file: memory that is new to
 // the process costs more than filling it.
 //
-// Thread: one at a time.
+// Thread: any.
 class CChunkPool {
  public:
   static constexpr std::size_t kLargest = std::size_t{256} * 1024;  // bytes of a chunk
@@ -31,6 +32,8 @@ class CChunkPool {
   void giveBack(Chunk chunk);
 
  private:
+  std::mutex mutex_;
+  // Guarded by mutex_.
   std::map<std::size_t, std::vector<Chunk>> spare_;  // by capacity
   std::size_t kept_ = 0;                             // bytes
 };

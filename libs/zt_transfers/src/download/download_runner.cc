@@ -4,7 +4,7 @@
 #include <exception>
 #include <utility>
 
-#include "download/file_trouble.h"
+#include "download/check_content.h"
 
 namespace zt_transfers {
 
@@ -72,6 +72,7 @@ void CDownloadRunner::stopAll() {
   }
   attempts_.clear();
   landing_.clear();
+  small_.clear();
 }
 
 void CDownloadRunner::settle() {
@@ -105,26 +106,24 @@ void CDownloadRunner::onArrived(JobId job, std::uint64_t size) {
   const std::shared_ptr<CPartialWriter> writer = found->second->writer();
   const std::shared_ptr<JobProgress> progress = found->second->progress();
   landing_.emplace(job, Rest{writer->file(), progress});
-  const auto done = [this, job](const AttemptOutcome& outcome) { landed(job, outcome); };
-  writer->finish([this, job, size, progress, done](const std::shared_ptr<CPartialFile>& file,
-                                                   const std::optional<AttemptOutcome>& trouble) {
-    if (trouble) {
-      done(*trouble);
-      return;
-    }
-    try {
-      if (const auto problem = file->verify(size)) {
-        file->discardNow();
-        progress->setResume({});
-        done(AttemptOutcome::retry(*problem, failure::kWrongDigest));
-        return;
+  CLander::Arrival arrival{job, writer->file(), progress};
+  if (auto whole = writer->takeWhole()) {
+    small_.add({.landing = std::move(arrival),
+                .validator = std::move(whole->validator),
+                .size = size,
+                .content = std::move(whole->content)},
+               loop_.clock().now());
+  } else {
+    writer->finish([this, size, arrival](const std::shared_ptr<CPartialFile>& file,
+                                         const std::optional<AttemptOutcome>& trouble) {
+      const auto wrong = trouble ? trouble : checkContent(*file, *arrival.progress, size);
+      if (wrong) {
+        landed({{arrival.job, *wrong}});
+      } else {
+        lander_.land({arrival});
       }
-    } catch (const std::exception& error) {
-      done(judgeFileTrouble(error));
-      return;
-    }
-    lander_.land({job, file, progress, done});
-  });
+    });
+  }
   attempts_.erase(found);
 }
 
@@ -147,9 +146,13 @@ void CDownloadRunner::release(std::unique_ptr<CDownloadAttempt> attempt) {
 }
 
 // On the pool. The engine is told before the loop, which can be stopping.
-void CDownloadRunner::landed(JobId job, const AttemptOutcome& outcome) {
-  observer_.onAttemptDone(job, outcome);
-  loop_.post([this, job] { landing_.erase(job); });
+void CDownloadRunner::landed(const std::vector<AttemptEnd>& ends) {
+  observer_.onAttemptsDone(ends);
+  loop_.post([this, ends] {
+    for (const AttemptEnd& end : ends) {
+      landing_.erase(end.job);
+    }
+  });
 }
 
 }  // namespace zt_transfers

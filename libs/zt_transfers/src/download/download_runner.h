@@ -7,6 +7,7 @@
 #include "download/chunk_pool.h"
 #include "download/download_attempt.h"
 #include "download/lander.h"
+#include "download/small_files.h"
 #include "engine/attempt.h"
 
 namespace zt_transfers {
@@ -20,11 +21,14 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
         pool_(pool),
         log_(log),
         observer_(observer),
-        lander_([&observer](const std::vector<JobId>& jobs) { observer.keepDurably(jobs); }) {}
+        lander_({.synced = [this](const auto& jobs) { observer_.keepDurably(jobs); },
+                 .landed = [this](const auto& ends) { landed(ends); }}),
+        small_(pool, lander_, chunks_, [this](const auto& ends) { landed(ends); }) {}
 
   bool start(StartOrder order) override;
   void stop(JobId job, bool discard) override;
   void stopAll() override;
+  std::optional<TimePoint> turn() override { return small_.turn(loop_.clock().now()); }
   void settle() override;
   void discard(const Leftover& leftover) override;
 
@@ -42,7 +46,7 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
   std::size_t requests() const;
   void makeRoom();
   void release(std::unique_ptr<CDownloadAttempt> attempt);
-  void landed(JobId job, const AttemptOutcome& outcome);
+  void landed(const std::vector<AttemptEnd>& ends);
 
   CHttpLoop& loop_;
   CWorkerPool& pool_;
@@ -50,6 +54,7 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
   IAttemptObserver& observer_;
   CLander lander_;
   CChunkPool chunks_;
+  CSmallFiles small_;
   std::size_t mostAtOnce_ = 1;  // requests of all attempts
   std::unordered_map<JobId, std::unique_ptr<CDownloadAttempt>> attempts_;
   // Those that need the network no more.

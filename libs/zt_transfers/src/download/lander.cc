@@ -20,11 +20,13 @@ constexpr std::chrono::milliseconds kGatherLimit{4};
 
 }  // namespace
 
-void CLander::land(Arrival arrival) {
+void CLander::land(std::vector<Arrival> arrivals) {
   std::unique_lock lock(mutex_);
-  waiting_.push_back({std::move(arrival)});
+  for (Arrival& arrival : arrivals) {
+    waiting_.push_back({std::move(arrival)});
+  }
   if (landing_) {
-    if (waiting_.size() == kWorthASync) {
+    if (waiting_.size() >= kWorthASync) {
       enough_.notify_one();
     }
     return;
@@ -54,24 +56,27 @@ void CLander::landAll(Batch& batch) {
     });
   }
   syncFolders(batch);
-  for (const Landing& landing : batch) {
+  tell(batch);
+}
+
+void CLander::tell(Batch& batch) {
+  std::vector<AttemptEnd> ends;
+  for (Landing& landing : batch) {
     if (landing.goesOn()) {
-      landing.done(*landing.folderSynced);
+      landing.file->close();
+      ends.push_back({landing.job, std::move(*landing.folderSynced)});
+    } else if (landing.trouble) {
+      ends.push_back({landing.job, std::move(*landing.trouble)});
     }
   }
+  calls_.landed(ends);
 }
 
 // Ends the file's landing if the step fails.
 template <typename Step>
 void CLander::tryStep(Landing& landing, Step step) {
-  if (landing.failed) {
-    return;
-  }
-  try {
-    step();
-  } catch (const std::exception& error) {
-    landing.failed = true;
-    landing.done(judgeFileTrouble(error));
+  if (!landing.trouble) {
+    landing.trouble = troubleOf(step);
   }
 }
 
@@ -100,7 +105,7 @@ void CLander::noteSynced(Batch& batch) {
       jobs.push_back(landing.job);
     }
   }
-  synced_(jobs);
+  calls_.synced(jobs);
 }
 
 // Once for each folder, as a second sync may not tell any more that the first one has failed.

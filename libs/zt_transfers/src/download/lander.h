@@ -27,24 +27,27 @@ class CLander {
     JobId job = 0;
     std::shared_ptr<CPartialFile> file;
     std::shared_ptr<JobProgress> progress;
-    // Called on a thread of the pool, not for a file that was discarded.
-    std::function<void(const AttemptOutcome&)> done;
   };
-  // See IAttemptObserver::keepDurably.
-  using Synced = std::function<void(const std::vector<JobId>& jobs)>;
+  // Called on the pool.
+  struct Calls {
+    // See IAttemptObserver::keepDurably.
+    std::function<void(const std::vector<JobId>& jobs)> synced;
+    // Not for a file that was discarded.
+    std::function<void(const std::vector<AttemptEnd>& ends)> landed;
+  };
 
-  explicit CLander(Synced synced) : synced_(std::move(synced)) {}
+  explicit CLander(Calls calls) : calls_(std::move(calls)) {}
 
-  void land(Arrival arrival);
+  void land(std::vector<Arrival> arrivals);
 
  private:
   struct Landing : Arrival {
-    bool failed = false;
     bool syncedAll = false;  // its sync was one of the whole file system
-    // How the sync of its folder went, once that was tried.
+    // Why it goes no further, or how the sync of its folder went.
+    std::optional<AttemptOutcome> trouble{};
     std::optional<AttemptOutcome> folderSynced{};
 
-    bool goesOn() const { return !failed && !file->discarded(); }
+    bool goesOn() const { return !trouble && !file->discarded(); }
   };
   using Batch = std::vector<Landing>;
 
@@ -54,8 +57,9 @@ class CLander {
   static void settleAll(Batch& batch);
   void noteSynced(Batch& batch);
   static void syncFolders(Batch& batch);
+  void tell(Batch& batch);
 
-  const Synced synced_;
+  const Calls calls_;
   std::mutex mutex_;
   std::condition_variable enough_;
   // Guarded by mutex_.

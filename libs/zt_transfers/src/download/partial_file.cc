@@ -210,6 +210,7 @@ void CPartialFile::restart(const std::string& validator, std::uint64_t size) {
   resume_.written.clear();
   resume_.durable.clear();
   hash_.reset();
+  digest_.reset();
   if (file_.valid()) {
     if (::ftruncate(file_.get(), 0) != 0) {
       fail("cannot empty the partial file");
@@ -281,13 +282,21 @@ std::optional<std::string> CPartialFile::verify(std::uint64_t size) {
   if (!hashes()) {
     return std::nullopt;
   }
-  hashWritten(size);
-  const std::string digest = hash_->finish();
-  hash_.reset();
-  if (digest != plan_.md5) {
-    return "its content has the MD5 digest " + digest + " instead of " + plan_.md5;
+  const std::string found = digest(size);
+  if (found != plan_.md5) {
+    return "its content has the MD5 digest " + found + " instead of " + plan_.md5;
   }
   return std::nullopt;
+}
+
+std::string CPartialFile::digest(std::uint64_t size) {
+  if (digest_) {
+    return *digest_;
+  }
+  hashWritten(size);
+  std::string digest = hash_->finish();
+  hash_.reset();
+  return digest;
 }
 
 void CPartialFile::settle(bool alone) {
@@ -337,6 +346,11 @@ void CPartialFile::syncFolder() const {
   if (::fsync(folder_.get()) != 0 && errno != EINVAL && errno != EROFS) {
     fail("cannot write the folder to disk");
   }
+}
+
+void CPartialFile::close() {
+  file_ = CUniqueFd();
+  folder_ = CUniqueFd();
 }
 
 bool CPartialFile::sameFolder(const CPartialFile& other) const {

@@ -7,6 +7,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "download/content_hash.h"
 #include "download/target_folder.h"
@@ -59,6 +60,9 @@ class CPartialFile {
   void hash(const char* data, std::size_t size) { openHash().add(data, size); }
   void hashWritten(std::uint64_t end) { openHash().readBack(file_.get(), end); }
 
+  // All of its content has this digest: nothing more of it is to be hashed.
+  void setDigest(std::string digest) { digest_ = std::move(digest); }
+
   // Makes what is written durable.
   void checkpoint();
   // Nothing when the content is what it should be, else what is wrong.
@@ -73,6 +77,9 @@ class CPartialFile {
   // Gives it its final name, which then is durable only after syncFolder.
   std::string publish();
   void syncFolder() const;
+
+  // It has its name, and nothing more is to be done with it.
+  void close();
 
   // It goes with this object, or at once.
   void discard() { discarded_ = true; }
@@ -95,6 +102,7 @@ class CPartialFile {
   void reserve(std::uint64_t size);
   void noteWritten(ByteSpan span);
   CContentHash& openHash();
+  std::string digest(std::uint64_t size);
   bool isThere(const std::string& name, std::uint64_t inode) const;
 
   const Plan plan_;
@@ -106,6 +114,7 @@ class CPartialFile {
   std::string name_;  // of the partial file; empty once it is published
   struct stat folderStatus_ {};
   std::optional<CContentHash> hash_;
+  std::optional<std::string> digest_;
 
   mutable std::mutex mutex_;
   DownloadResume resume_;  // its spans are guarded by mutex_ where several threads are at it

@@ -20,16 +20,6 @@ std::uint64_t withoutGap(const DownloadResume& resume) {
   return begun ? resume.written.front().end : 0;
 }
 
-template <typename Step>
-std::optional<AttemptOutcome> troubleOf(Step step) {
-  try {
-    step();
-    return std::nullopt;
-  } catch (const std::exception& error) {
-    return judgeFileTrouble(error);
-  }
-}
-
 }  // namespace
 
 CPartialWriter::CPartialWriter(const Surroundings& surroundings, JobId job,
@@ -83,6 +73,21 @@ void CPartialWriter::close() {
   post();
 }
 
+std::optional<CPartialWriter::Whole> CPartialWriter::takeWhole() {
+  const bool isWhole = !begun_ && batch_.restart && !batch_.reopen && batch_.chunks.size() <= 1 &&
+                       (batch_.chunks.empty() || batch_.chunks.front().offset == 0);
+  if (!isWhole) {
+    return std::nullopt;
+  }
+  Whole whole{.validator = std::move(batch_.restart->validator), .content = {}};
+  if (!batch_.chunks.empty()) {
+    whole.content = std::move(batch_.chunks.front());
+  }
+  listener_ = nullptr;
+  batch_ = {};
+  return whole;
+}
+
 void CPartialWriter::finish(Last last) {
   listener_ = nullptr;
   batch_.last = std::move(last);
@@ -106,6 +111,7 @@ bool CPartialWriter::mayWrite() const {
 // Every job holds this writer, so that what was handed over gets written when nobody waits for it.
 void CPartialWriter::postWrite() {
   writing_ = true;
+  begun_ = true;
   batch_.trouble = trouble_;
   auto batch = std::make_shared<Batch>(std::exchange(batch_, {}));
   if (batch->restart) {

@@ -77,6 +77,13 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   bool idle() const { return !writing_ && batch_.empty(); }
   // Nothing may follow. Closes.
   void finish(Last last);
+  // Instead of `finish`, where all of the file is in one chunk and nothing was written yet:
+  // somebody else sees to that. Closes.
+  struct Whole {
+    std::string validator;
+    Chunk content;
+  };
+  std::optional<Whole> takeWhole();
 
  private:
   // Bytes handed over and not done with.
@@ -137,6 +144,7 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   Batch batch_;
   std::size_t held_ = 0;
   bool writing_ = false;
+  bool begun_ = false;     // to write
   bool reopened_ = false;  // for the job that writes
   std::optional<AttemptOutcome> trouble_;
 

@@ -157,7 +157,9 @@ void CRangeFetch::take(const char* data, std::size_t size) {
     progress_.bytes += part;
     data += part;
     size -= part;
-    if (chunk_.size == chunk_.capacity || now - chunkBegun_ > kLongestInChunk) {
+    // The last bytes go with what follows at once, the end of the file.
+    const bool more = position_ < end_;
+    if ((chunk_.size == chunk_.capacity && more) || now - chunkBegun_ > kLongestInChunk) {
       flush();
     }
   }

@@ -13,6 +13,7 @@
 #include "engine/failure.h"
 #include "engine/file_spec.h"
 #include "engine/transfer_resume.h"
+#include "pace/clock.h"
 
 namespace zt_transfers {
 
@@ -104,6 +105,11 @@ struct AttemptOutcome {
   }
 };
 
+struct AttemptEnd {
+  JobId job = 0;
+  AttemptOutcome outcome;
+};
+
 // What attempts have left of a file, and nobody will go on with.
 struct Leftover {
   std::string folder;  // the group's; downloads only
@@ -114,7 +120,8 @@ struct Leftover {
 // Told how attempts go. Thread: any.
 class IAttemptObserver {
  public:
-  virtual void onAttemptDone(JobId job, const AttemptOutcome& outcome) = 0;
+  virtual void onAttemptsDone(const std::vector<AttemptEnd>& ends) = 0;
+  void onAttemptDone(JobId job, const AttemptOutcome& outcome) { onAttemptsDone({{job, outcome}}); }
   // Its progress has a resume that is worth to be kept. False when it was stopped meanwhile.
   virtual bool onAttemptCheckpoint(JobId job) = 0;
   // Every byte of a download has arrived, and the file is about to appear under its final name.
@@ -141,6 +148,8 @@ class IAttemptRunner {
   // changes nothing.
   virtual void stop(JobId job, bool discard) = 0;
   virtual void stopAll() = 0;
+  // Called once a turn of the network thread; gives the time at which it wants another one.
+  virtual std::optional<TimePoint> turn() { return std::nullopt; }
   // Once neither the network nor the pool runs: makes durable what stopped attempts have written,
   // and notes it in their progress. Thread: the owner's.
   virtual void settle() {}

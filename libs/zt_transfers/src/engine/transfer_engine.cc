@@ -82,8 +82,7 @@ void CTransferEngine::change(std::int32_t groupId,
       return;
     }
     change(*group);
-    planner_.list(*group);
-    book_.tell(*group);
+    goOn(*group);
   }
   wake_();
 }
@@ -239,28 +238,49 @@ CTransferEngine::Work CTransferEngine::takeWork() {
   return work;
 }
 
-void CTransferEngine::onAttemptDone(JobId id, const AttemptOutcome& outcome) {
-  const bool done = outcome.kind == AttemptOutcome::Kind::kDone;
-  std::string message;
+void CTransferEngine::onAttemptsDone(const std::vector<AttemptEnd>& ends) {
+  std::vector<std::pair<ILog::Priority, std::string>> lines;
   {
     const std::lock_guard lock(mutex_);
-    Job* job = book_.jobs().find(id);
-    if (job == nullptr) {
-      return;  // stopped in the meantime
+    CTransferGroup* touched = nullptr;
+    for (const auto& [id, outcome] : ends) {
+      Job* job = book_.jobs().find(id);
+      if (job == nullptr) {
+        continue;  // stopped in the meantime
+      }
+      const FileRef file = job->file;
+      CTransferGroup& group = *book_.find(file.groupId);
+      if (touched != nullptr && touched != &group) {
+        goOn(*touched);
+      }
+      touched = &group;
+      const bool done = outcome.kind == AttemptOutcome::Kind::kDone;
+      foldProgress(*job, group, clock_.now());
+      book_.end(*job, group, done ? CTransferBook::Rest::kForget : CTransferBook::Rest::kKeep);
+      lines.emplace_back(done ? ILog::Priority::kInformation : ILog::Priority::kWarning,
+                         planner_.settle(group, file.index, outcome));
     }
-    const FileRef file = job->file;
-    CTransferGroup& group = *book_.find(file.groupId);
-    foldProgress(*job, group, clock_.now());
-    book_.end(*job, group, done ? CTransferBook::Rest::kForget : CTransferBook::Rest::kKeep);
-    message = planner_.settle(group, file.index, outcome);
-    planner_.list(group);
-    book_.tell(group);
+    if (touched != nullptr) {
+      goOn(*touched);
+    }
   }
-  log_.write(done ? ILog::Priority::kInformation : ILog::Priority::kWarning, message);
+  for (const auto& [priority, line] : lines) {
+    log_.write(priority, line);
+  }
+}
+
+void CTransferEngine::goOn(CTransferGroup& group) {
+  planner_.list(group);
+  book_.tell(group);
 }
 
 bool CTransferEngine::onAttemptCheckpoint(JobId id) {
   const std::lock_guard lock(mutex_);
+  return keepResume(id);
+}
+
+// False when it was stopped.
+bool CTransferEngine::keepResume(JobId id) {
   const Job* job = book_.jobs().find(id);
   if (job != nullptr) {
     store_.saveResume(job->file, job->progress->resume());
@@ -282,8 +302,11 @@ bool CTransferEngine::onAttemptLanding(JobId id) {
 }
 
 void CTransferEngine::keepDurably(const std::vector<JobId>& jobs) {
-  for (const JobId job : jobs) {
-    onAttemptCheckpoint(job);
+  {
+    const std::lock_guard lock(mutex_);
+    for (const JobId job : jobs) {
+      keepResume(job);
+    }
   }
   settle_();
 }

@@ -96,7 +96,7 @@ class CTransferEngine final : public IAttemptObserver {
   // For the network thread.
   Work takeWork();
 
-  void onAttemptDone(JobId job, const AttemptOutcome& outcome) override;
+  void onAttemptsDone(const std::vector<AttemptEnd>& ends) override;
   bool onAttemptCheckpoint(JobId job) override;
   bool onAttemptLanding(JobId job) override;
   void keepDurably(const std::vector<JobId>& jobs) override;
@@ -120,6 +120,8 @@ class CTransferEngine final : public IAttemptObserver {
   // Does this to a group that is there and not cancelled.
   void change(std::int32_t groupId, const std::function<void(CTransferGroup&)>& change);
   void queueFile(CTransferGroup& group, const FileSpec& spec);
+  void goOn(CTransferGroup& group);
+  bool keepResume(JobId job);
   void requeueFile(CTransferGroup& group, std::uint32_t index, const FileSpec& spec);
 
   // Constant after construction.

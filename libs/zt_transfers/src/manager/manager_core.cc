@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <initializer_list>
 #include <thread>
 #include <utility>
 
@@ -31,6 +32,14 @@ std::uint64_t sizeOfSource(const std::string& url) {
     return 0;
   }
   return static_cast<std::uint64_t>(status.st_size);
+}
+
+std::optional<TimePoint> earliest(std::initializer_list<std::optional<TimePoint>> times) {
+  std::optional<TimePoint> first;
+  for (const auto& time : times) {
+    first = time && (!first || *time < *first) ? time : first;
+  }
+  return first;
 }
 
 std::vector<CTransferEngine::Measured> measured(
@@ -196,12 +205,12 @@ std::optional<TimePoint> CManagerCore::turn() {
     allBegun = runner_->start(std::move(order)) && allBegun;
   }
   sleepGuard_.setTransferring(engine_.isTransferring());
+  const auto attempts = runner_->turn();
   const auto report = progress_.turn();
   if (!allBegun) {
     return clock_.now();  // an attempt that could not even begin has made room for the next
   }
-  return work.nextDue && report ? std::min(*work.nextDue, *report)
-                                : (report ? report : work.nextDue);
+  return earliest({work.nextDue, attempts, report});
 }
 
 // Lets the pool find sizes, one portion at a time so that transfers get their turn there.

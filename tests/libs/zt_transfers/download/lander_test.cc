@@ -72,32 +72,41 @@ class Landing : public ::testing::Test {
     return found;
   }
 
+  std::function<void(const std::vector<AttemptEnd>&)> keepEnds() {
+    return [this](const std::vector<AttemptEnd>& told) {
+      ends.insert(ends.end(), told.begin(), told.end());
+    };
+  }
+
   CSandbox sandbox;
+  std::vector<AttemptEnd> ends;
 };
 
 TEST_F(Landing, NotesAFileAsSyncedBeforeItGetsItsName) {
   const auto progress = std::make_shared<JobProgress>();
   std::vector<JobId> noted;
-  CLander lander([&](const std::vector<JobId>& jobs) {
+  const auto note = [&](const std::vector<JobId>& jobs) {
     noted = jobs;
     EXPECT_EQ(names().at(0).front(), '.');
     EXPECT_EQ(progress->resume().download().size, 4U);
     EXPECT_THAT(progress->resume().download().durable, ElementsAre(ByteSpan{0, 4}));
-  });
-  auto outcome = Kind::kFinal;
-  lander.land({7, arrived("file"), progress, [&](const auto& how) { outcome = how.kind; }});
-  EXPECT_EQ(outcome, Kind::kDone);
+  };
+  CLander lander({.synced = note, .landed = keepEnds()});
+  lander.land({{7, arrived("file"), progress}});
+  ASSERT_EQ(ends.size(), 1U);
+  EXPECT_EQ(ends[0].job, 7U);
+  EXPECT_EQ(ends[0].outcome.kind, Kind::kDone);
   EXPECT_THAT(noted, ElementsAre(7U));
   EXPECT_THAT(names(), ElementsAre("file"));
 }
 
 TEST_F(Landing, NamesNoFileTwiceWhenItsFolderCannotBeSynced) {
-  CLander lander([](const std::vector<JobId>&) {});
+  CLander lander({.synced = [](const auto&) {}, .landed = keepEnds()});
   const auto progress = std::make_shared<JobProgress>();
-  auto outcome = Kind::kFinal;
   failingFolderSyncs = 2;
-  lander.land({1, arrived("file"), progress, [&](const auto& how) { outcome = how.kind; }});
-  EXPECT_EQ(outcome, Kind::kRetry);
+  lander.land({{1, arrived("file"), progress}});
+  ASSERT_EQ(ends.size(), 1U);
+  EXPECT_EQ(ends[0].outcome.kind, Kind::kRetry);
   EXPECT_EQ(failingFolderSyncs, 1);
   const DownloadResume rest = progress->resume().download();
   auto again = newFile("file");

@@ -3,13 +3,11 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
-#if defined(__linux__)
-#include <linux/magic.h>
-#include <sys/vfs.h>
-#endif
 
 #include <cerrno>
 #include <system_error>
+
+#include "os/memory_file_system.h"
 
 namespace zt_transfers {
 namespace {
@@ -29,13 +27,6 @@ bool diskHas(int file, std::uint64_t size) {
   return size <= has || (size - has) / disk.f_frsize <= disk.f_bavail;
 }
 
-#if defined(__linux__)
-bool liesInMemory(int file) {
-  struct statfs system {};
-  return ::fstatfs(file, &system) == 0 && system.f_type == TMPFS_MAGIC;
-}
-#endif
-
 }  // namespace
 
 void reserveRoom(int file, std::uint64_t size) {
@@ -43,12 +34,12 @@ void reserveRoom(int file, std::uint64_t size) {
   if (!diskHas(file, size)) {
     failWithoutRoom(ENOSPC);
   }
-#if defined(__linux__)
   // Memory is not reserved but allocated, page by page, and has left the processor's cache again
   // when it is written to: a fifth more of the time of all the download.
   if (liesInMemory(file)) {
     return;
   }
+#if defined(__linux__)
   if (::fallocate(file, FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(size)) != 0 &&
       (errno == ENOSPC || errno == EDQUOT || errno == EFBIG)) {
     failWithoutRoom(errno);

@@ -9,8 +9,8 @@
 namespace zt_transfers {
 namespace {
 
-constexpr long kLargeUploadBuffer = 256L * 1024;
-constexpr std::uint64_t kLargeReceiveBuffer = 256ULL * 1024;
+constexpr long kLargeUploadBuffer = 64L * 1024;
+constexpr std::uint64_t kLargeReceiveBuffer = 128ULL * 1024;
 constexpr std::uint64_t kSmallReceiveBuffer = 32ULL * 1024;
 
 // libcurl takes memory of that size for each answer and gives it back, and small pieces of memory

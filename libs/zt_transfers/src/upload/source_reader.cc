@@ -1,12 +1,14 @@
 #include "upload/source_reader.h"
 
 #include <fcntl.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <system_error>
 
+#include "os/memory_file_system.h"
 #include "upload/source_version.h"
 
 namespace zt_transfers {
@@ -14,6 +16,12 @@ namespace {
 
 std::string errorText(int error) {
   return std::generic_category().message(error);
+}
+
+void makeRoomIn(SourceChunk& chunk, std::size_t size) {
+  if (!chunk.data) {
+    chunk.data.reset(new char[std::max<std::size_t>(size, 1)]);
+  }
 }
 
 }  // namespace
@@ -41,6 +49,7 @@ std::optional<Trouble> CSourceReader::open() {
   const ByteSpan span = wish_.span.value_or(ByteSpan{0, version_.size});
   offset_ = span.begin;
   end_ = span.end;
+  inMemory_ = liesInMemory(file_.get());
   if (wish_.hash) {
     md5_.emplace();
   }
@@ -55,9 +64,7 @@ std::optional<Trouble> CSourceReader::open() {
 
 std::optional<Trouble> CSourceReader::readNext(SourceChunk& chunk) {
   const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(kChunk, end_ - offset_));
-  if (!chunk.data) {
-    chunk.data.reset(new char[std::max<std::size_t>(wanted, 1)]);
-  }
+  makeRoomIn(chunk, wanted);
   chunk.size = 0;
   while (chunk.size < wanted) {
     const ssize_t got = ::pread(file_.get(), chunk.data.get() + chunk.size, wanted - chunk.size,
@@ -85,6 +92,27 @@ std::optional<Trouble> CSourceReader::readNext(SourceChunk& chunk) {
     chunk.md5 = md5_->finish();
   }
   return changeSince(version_, wish_.path);
+}
+
+bool CSourceReader::readCached(SourceChunk& chunk) {
+#if defined(__linux__)
+  if (md5_ || end_ - offset_ <= kChunk) {
+    return false;
+  }
+  makeRoomIn(chunk, kChunk);
+  const iovec memory{chunk.data.get(), kChunk};
+  const ssize_t got =
+      ::preadv2(file_.get(), &memory, 1, static_cast<off_t>(offset_), inMemory_ ? 0 : RWF_NOWAIT);
+  if (got <= 0) {
+    return false;
+  }
+  chunk.size = static_cast<std::size_t>(got);
+  offset_ += chunk.size;
+  return true;
+#else
+  static_cast<void>(chunk);
+  return false;
+#endif
 }
 
 }  // namespace zt_transfers

@@ -38,7 +38,7 @@ struct SourceChunk {
 // Thread: one at a time; its calls block.
 class CSourceReader {
  public:
-  static constexpr std::size_t kChunk = std::size_t{512} * 1024;  // bytes
+  static constexpr std::size_t kChunk = std::size_t{256} * 1024;  // bytes
 
   explicit CSourceReader(SourceWish wish) : wish_(std::move(wish)) {}
 
@@ -46,6 +46,9 @@ class CSourceReader {
   std::optional<Trouble> open();
   // Memory that a chunk before has brought along is used again.
   std::optional<Trouble> readNext(SourceChunk& chunk);
+  // The same without blocking: false, and nothing is read, where the bytes are not in memory yet,
+  // or more than reading them is to be done.
+  bool readCached(SourceChunk& chunk);
 
   // Once it is open.
   const SourceVersion& version() const { return version_; }
@@ -54,6 +57,7 @@ class CSourceReader {
  private:
   const SourceWish wish_;
   CUniqueFd file_;
+  bool inMemory_ = false;
   std::optional<CMd5> md5_;
   SourceVersion version_;
   std::uint64_t offset_ = 0;

@@ -12,6 +12,7 @@ CUploadSource::CUploadSource(CHttpLoop& loop, CWorkerPool& pool, SourceWish wish
     : loop_(loop),
       pool_(pool),
       listener_(&listener),
+      cached_(!wish.hash),
       reader_(std::make_shared<CSourceReader>(std::move(wish))) {}
 
 void CUploadSource::open() {
@@ -59,9 +60,28 @@ bool CUploadSource::rewind() {
 }
 
 void CUploadSource::readAhead() {
-  if (!reading_ && !readAll_ && chunks_.size() < kReadAhead) {
+  if (reading_ || readAll_ || chunks_.size() >= kReadAhead) {
+    return;
+  }
+  if (chunks_.empty()) {
+    cached_ = takeCached();
+  }
+  if (!cached_) {
     post(false);
   }
+}
+
+// Spares two changes of threads for each chunk, and the processor's cache the way to another core.
+bool CUploadSource::takeCached() {
+  SourceChunk chunk;
+  chunk.data = std::move(spare_);
+  const bool taken = reader_->readCached(chunk);
+  if (taken) {
+    chunks_.push_back(std::move(chunk));
+  } else {
+    spare_ = std::move(chunk.data);
+  }
+  return taken;
 }
 
 void CUploadSource::post(bool open) {

@@ -13,7 +13,7 @@
 namespace zt_transfers {
 
 // A file, or a span of one, on its way into a request: the pool reads ahead, the network thread
-// takes what is there.
+// takes what is there. What the system has in its cache the network thread reads itself.
 //
 // Thread: the loop's, on which the listener is called, too. After close() no call follows.
 class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
@@ -63,6 +63,7 @@ class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
   static constexpr std::size_t kReadAhead = 2;  // chunks
 
   void readAhead();
+  bool takeCached();
   void post(bool open);
   void arrive(Result& result);
   void passOn();
@@ -70,7 +71,8 @@ class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
   CHttpLoop& loop_;
   CWorkerPool& pool_;
   IListener* listener_;
-  // Used by one pool job at a time; jobs hold their own reference.
+  bool cached_;  // the last read from the system's cache gave something
+  // Used by one pool job at a time, and while there is none by this; jobs hold their own reference.
   const std::shared_ptr<CSourceReader> reader_;
 
   std::deque<SourceChunk> chunks_;  // the first one is being taken

@@ -12,8 +12,8 @@
 
 namespace zt_transfers::test {
 
-CSandbox::CSandbox() {
-  std::string pattern = (std::filesystem::temp_directory_path() / "zt_test_XXXXXX").string();
+CSandbox::CSandbox(const std::filesystem::path& parent) {
+  std::string pattern = (parent / "zt_test_XXXXXX").string();
   if (::mkdtemp(pattern.data()) == nullptr) {
     throw std::runtime_error("no temporary folder for the test");
   }

@@ -8,7 +8,7 @@ namespace zt_transfers::test {
 // A folder of its own for a test, removed with all it holds when the test ends.
 class CSandbox {
  public:
-  CSandbox();
+  explicit CSandbox(const std::filesystem::path& parent = std::filesystem::temp_directory_path());
   ~CSandbox();
   CSandbox(const CSandbox&) = delete;
   CSandbox& operator=(const CSandbox&) = delete;

@@ -47,6 +47,30 @@ TEST_F(SourceReader, GivesContentAndDigestForEverySizeAroundItsChunks) {
   }
 }
 
+// Of a disk's file system it may be nothing; not every one can tell.
+TEST_F(SourceReader, GivesWhatIsCachedAtOnceButTheEndOnlyAfterItsCheck) {
+  const CSandbox memory("/dev/shm");
+  const std::string content = patternOf(3 * CSourceReader::kChunk);
+  const auto inMemory = memory.file("file", content);
+  for (const auto& path : {inMemory, sandbox.file("file", content)}) {
+    CSourceReader reader({.path = path});
+    ASSERT_FALSE(reader.open().has_value());
+    std::string cached;
+    SourceChunk chunk;
+    while (reader.readCached(chunk)) {
+      cached.append(chunk.data.get(), chunk.size);
+    }
+    EXPECT_LE(cached.size(), 2 * CSourceReader::kChunk);
+    EXPECT_TRUE(!cached.empty() || path != inMemory);
+    std::string md5;
+    EXPECT_EQ(cached + readAll(reader, md5), content) << path;
+
+    CSourceReader hashing({.path = path, .hash = true});
+    ASSERT_FALSE(hashing.open().has_value());
+    EXPECT_FALSE(hashing.readCached(chunk));
+  }
+}
+
 TEST_F(SourceReader, WithholdsTheEndOfAFileThatChanged) {
   const std::string content = patternOf(CSourceReader::kChunk + 10);
   const auto path = sandbox.file("file", content);

@@ -24,6 +24,7 @@ void CFileTable::replace(std::uint32_t at, CPackedSpec spec) {
   entry.unwritten = true;
   setDurable(entry, false);
   entry.unreadable = false;
+  entry.forgotten = false;
 }
 
 void CFileTable::remove(std::uint32_t at) {
@@ -69,6 +70,7 @@ void CFileTable::forget(std::uint32_t at) {
   Entry& entry = entries_.at(at);
   setDurable(entry, false);
   entry.spec.reset();
+  entry.forgotten = true;
 }
 
 void CFileTable::setDurable(Entry& entry, bool durable) {

@@ -53,8 +53,9 @@ class CFileTable {
   void failWrite(std::uint32_t at);
   // Gives a description away that is on disk; an empty one when it is needed here.
   CPackedSpec release(std::uint32_t at);
-  // It is needed no longer, neither here nor on disk.
+  // It is needed no longer, neither here nor on disk, until it is replaced.
   void forget(std::uint32_t at);
+  bool forgotten(std::uint32_t at) const { return entries_.at(at).forgotten; }
 
   enum class Coming { kAsked, kAlready, kUnreadable };
   Coming ask(std::uint32_t at);
@@ -77,6 +78,7 @@ class CFileTable {
     bool durable = false;          // the description in memory is also on disk
     bool coming = false;           // it was asked for
     bool unreadable = false;       // and did not come
+    bool forgotten = false;
   };
   struct IdOf {
     const std::deque<Entry>& entries;

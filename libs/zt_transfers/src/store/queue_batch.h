@@ -32,6 +32,7 @@ struct QueueChange {
 struct QueueWrite {
   QueueChange change;
   const StoredGroup* group = nullptr;  // kGroup
+  bool over = false;                   // kState: nothing else about the file is needed
   std::string_view fileId{};           // kFile
   std::string_view spec{};             // kFile and kSpec; empty: none any more
   std::string_view resume{};           // kResume; empty: none any more

@@ -235,7 +235,7 @@ void CQueueDatabase::write(const QueueWrite& write) {
       }
       break;
     case QueueChange::Kind::kState:
-      writeState(row, write.change.state);
+      writeState(row, write);
       break;
     case QueueChange::Kind::kResume:
       writeResume(row, write.resume);
@@ -268,13 +268,13 @@ void CQueueDatabase::writeGroup(const StoredGroup& group) {
       .run();
 }
 
-void CQueueDatabase::writeState(std::int64_t id, const StoredState& state) {
+void CQueueDatabase::writeState(std::int64_t id, const QueueWrite& write) {
+  const StoredState& state = write.change.state;
   statements_->setState.bind(1, id).bind(2, kept(state.phase));
   bindSize(statements_->setState, 3, state);
   statements_->setState.run();
-  if (state.phase == FilePhase::kCompleted) {
+  if (write.over) {
     statements_->removeSpec.bind(1, id).run();
-    statements_->removeResume.bind(1, id).run();
     statements_->removeFailure.bind(1, id).run();
   }
 }

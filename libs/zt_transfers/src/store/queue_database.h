@@ -58,7 +58,7 @@ class CQueueDatabase {
   void write(const QueueWrite& write);
   void writeGroup(const StoredGroup& group);
   void writeResume(std::int64_t id, std::string_view resume);
-  void writeState(std::int64_t id, const StoredState& state);
+  void writeState(std::int64_t id, const QueueWrite& write);
   void readFailures(std::int32_t groupId, const Reader& reader);
   void check(const std::string& path);
 

@@ -84,11 +84,13 @@ void CQueueStore::setState(FileRef file, const StoredState& state) {
   CFileTable& files = *tables_.at(file.groupId);
   if (state.phase == FilePhase::kCompleted) {
     files.forget(file.index);
-    resumes_.erase({file.groupId, file.index});
   } else if (state.phase == FilePhase::kFailed || !files.soon(file.index)) {
     files.release(file.index);
   }
   note(Kind::kState, file, state);
+  if (state.phase == FilePhase::kCompleted) {
+    noteResume(file, {});
+  }
 }
 
 void CQueueStore::remove(FileRef file) {
@@ -99,11 +101,15 @@ void CQueueStore::remove(FileRef file) {
 }
 
 void CQueueStore::saveResume(FileRef file, const TransferResume& resume) {
-  const Key key{file.groupId, file.index};
   const std::lock_guard lock(mutex_);
-  const bool changed = resume.begun() ? (resumes_.insert(key), true) : resumes_.erase(key) != 0;
+  noteResume(file, resume.begun() ? packed(resume) : std::string());
+}
+
+void CQueueStore::noteResume(FileRef file, std::string packed) {
+  const Key key{file.groupId, file.index};
+  const bool changed = packed.empty() ? resumes_.erase(key) != 0 : (resumes_.insert(key), true);
   if (changed && listener_) {
-    changedResumes_[key] = resume.begun() ? packed(resume) : std::string();
+    changedResumes_[key] = std::move(packed);
     note(Kind::kResume, file);
   }
 }
@@ -265,6 +271,8 @@ bool CQueueStore::fillIn(QueueWrite& write, QueueBatch& batch) {
   if (files == nullptr) {
     return false;  // gone with its group
   }
+  // What was queued again meanwhile may have its new description on disk already.
+  write.over = state.phase == FilePhase::kCompleted && files->forgotten(file.index);
   if (kind == Kind::kFile) {
     write.fileId = CTextArena::at(batch.texts.add(files->fileId(file.index)));
   }

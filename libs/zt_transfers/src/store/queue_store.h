@@ -93,6 +93,7 @@ class CQueueStore : public IQueueStore {
   static constexpr std::size_t kAtOnce = 256;
 
   CFileTable* table(std::int32_t groupId) const;
+  void noteResume(FileRef file, std::string packed);
   void note(QueueChange::Kind kind, FileRef file, const StoredState& state = {});
   void request(const Range& range);
   void collectSome(QueueBatch& batch, std::size_t most);

@@ -15,6 +15,11 @@ using ::testing::HasSubstr;
 class StoredQueue : public CStoredQueueTest {
  protected:
   void SetUp() override { disk.setFull(false); }
+  static DownloadResume partialFile(const std::string& path) {
+    DownloadResume resume;
+    resume.partialPath = path;
+    return resume;
+  }
 
   CFullDisk disk;
 };
@@ -254,18 +259,36 @@ TEST_F(StoredQueue, GoesOnInMemoryWhileTheDiskIsFull) {
   for (int number = 0; number < 3000; ++number) {
     store.append(1, spec("full" + std::to_string(number)), {});
   }
+  // One that is completed, and then another one in its place.
+  const FileRef again{1, 7};
+  FileSpec renewed = spec("full6");
+  renewed.url = "http://renewed/";
+  store.saveFailure(again, {"refused", "before"});
+  store.saveResume(again, partialFile(".before"));
+  store.setState(again, {.phase = FilePhase::kCompleted});
+  store.replace(again, renewed);
+  store.setState(again, {});
+  store.saveResume(again, partialFile(".again"));
+  store.setState(again, {.phase = FilePhase::kFailed});
+  store.saveFailure(again, {"refused", "again"});
   EXPECT_FALSE(queue->close());
   EXPECT_THAT(log.text(), HasSubstr("cannot be written to"));
   EXPECT_THAT(log.text(), HasSubstr("disk is full"));
-  for (std::uint32_t number = 0; number < 3000; ++number) {
+  for (std::uint32_t number = 10; number < 3000; ++number) {
     ASSERT_EQ(store.spec({1, number + 1})->url, "http://host/full" + std::to_string(number));
   }
   disk.setFull(false);
   EXPECT_TRUE(queue->close());
   EXPECT_THAT(log.text(), HasSubstr("can be written to again"));
-  opened();
+  const auto reopened = opened();
   ASSERT_EQ(found.groups.size(), 1U);
-  EXPECT_EQ(found.groups[0].files.size(), 3001U);
+  const auto& [kept, files, resumes, failures] = found.groups[0];
+  EXPECT_EQ(files.size(), 3001U);
+  ASSERT_EQ(resumes.size(), 1U);
+  EXPECT_EQ(resumes[0].second.download().partialPath, ".again");
+  ASSERT_EQ(failures.size(), 1U);
+  EXPECT_EQ(failures[0].second.reason, "again");
+  EXPECT_EQ(fetched(reopened->store(), again)->url, "http://renewed/");
 }
 
 TEST_F(StoredQueue, TriesLessAndLessOftenWhileTheDiskIsFull) {

@@ -16,7 +16,9 @@ bool isSuccess(const HttpAnswer& answer) {
 }  // namespace
 
 CProgressReporter::CProgressReporter(std::string direction, Parts parts)
-    : direction_(std::move(direction)), parts_(std::move(parts)) {}
+    : direction_(std::move(direction)), parts_(std::move(parts)) {
+  CReportPace::shared().join(parts_.loop);
+}
 
 void CProgressReporter::note(const GroupSnapshot& shot) {
   {
@@ -43,30 +45,42 @@ void CProgressReporter::setProxy(const std::string& proxy) {
 }
 
 std::optional<TimePoint> CProgressReporter::turn() {
-  if (CReportPace::shared().interval() == std::chrono::seconds::zero()) {
+  const std::chrono::seconds interval = CReportPace::shared().interval();
+  if (interval == std::chrono::seconds::zero()) {
     return std::nullopt;  // what has changed meanwhile is told once reports are wanted
   }
   const TimePoint now = parts_.loop.clock().now();
-  takeNotes(now);
+  takeNotes();
   giveUpLate(now);
   std::optional<TimePoint> next;
   const auto wait = [&next](TimePoint until) { next = next ? std::min(*next, until) : until; };
   for (auto& [id, group] : groups_) {
-    if (!group.request && group.due && *group.due <= now && underWay_ < kMostAtOnce) {
+    auto due = dueOf(group, interval);
+    if (!group.request && due && *due <= now && underWay_ < kMostAtOnce) {
       send(id, group, now);
+      due = dueOf(group, interval);
     }
     if (group.request) {
       wait(group.begun + kTimeLimit);
-    } else if (group.due && *group.due > now) {
-      wait(*group.due);
+    } else if (due && *due > now) {
+      wait(*due);
     }
   }
-  std::erase_if(groups_,
-                [](const auto& entry) { return !entry.second.due && !entry.second.request; });
+  std::erase_if(groups_, [&](const auto& entry) {
+    return !dueOf(entry.second, interval) && !entry.second.request;
+  });
   return next;
 }
 
-void CProgressReporter::takeNotes(TimePoint now) {
+// Nothing when there is nothing to tell.
+std::optional<TimePoint> CProgressReporter::dueOf(const Group& group, Duration interval) {
+  if (group.changed) {
+    return TimePoint{};
+  }
+  return group.repeats ? std::optional(group.begun + interval) : std::nullopt;
+}
+
+void CProgressReporter::takeNotes() {
   std::map<std::int32_t, bool> changed;
   {
     const std::lock_guard lock(mutex_);
@@ -74,7 +88,8 @@ void CProgressReporter::takeNotes(TimePoint now) {
   }
   for (const auto& [id, isThere] : changed) {
     Group& group = groups_[id];
-    group.due = isThere ? std::optional(now) : std::nullopt;
+    group.changed = isThere;
+    group.repeats = group.repeats && isThere;
     if (!isThere && std::exchange(group.request, nullptr)) {
       --underWay_;
     }
@@ -92,13 +107,12 @@ void CProgressReporter::giveUpLate(TimePoint now) {
 }
 
 void CProgressReporter::send(std::int32_t groupId, Group& group, TimePoint now) {
-  group.due.reset();
+  group.changed = false;
+  group.begun = now;
   const auto report = parts_.look(groupId);
+  group.repeats = report && report->shot.state == kGroupTransferring;
   if (!report || report->shot.state == kGroupIdle) {
     return;
-  }
-  if (report->shot.state == kGroupTransferring) {
-    group.due = now + CReportPace::shared().interval();
   }
   const auto* config = CZtTransfersGlobalConfig::getInstance();
   HttpRequest request;
@@ -120,7 +134,6 @@ void CProgressReporter::send(std::int32_t groupId, Group& group, TimePoint now) 
     failed(error.what());
     return;
   }
-  group.begun = now;
   ++underWay_;
 }
 

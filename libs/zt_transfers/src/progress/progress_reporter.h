@@ -38,6 +38,9 @@ class CProgressReporter {
 
   // `direction`: "upload" or "download".
   CProgressReporter(std::string direction, Parts parts);
+  ~CProgressReporter() { CReportPace::shared().leave(parts_.loop); }
+  CProgressReporter(const CProgressReporter&) = delete;
+  CProgressReporter& operator=(const CProgressReporter&) = delete;
 
   // A group as the program is told. Thread: any.
   void note(const GroupSnapshot& shot);
@@ -56,12 +59,14 @@ class CProgressReporter {
     bool operator==(const Standing&) const = default;
   };
   struct Group {
-    std::optional<TimePoint> due;  // nothing: nothing to tell
-    TimePoint begun{};
+    bool changed = false;  // it is to be told at once
+    bool repeats = false;  // it transfers, and is told every so often
+    TimePoint begun{};     // the last report
     std::unique_ptr<CReportRequest> request;
   };
 
-  void takeNotes(TimePoint now);
+  static std::optional<TimePoint> dueOf(const Group& group, Duration interval);
+  void takeNotes();
   void giveUpLate(TimePoint now);
   void send(std::int32_t groupId, Group& group, TimePoint now);
   void answered(std::int32_t groupId, const HttpAnswer& answer);

@@ -1,8 +1,11 @@
 #pragma once
 
-#include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <mutex>
+#include <set>
+
+#include "http/http_loop.h"
 
 namespace zt_transfers {
 
@@ -17,13 +20,20 @@ class CReportPace {
   }
 
   // 0: the service is told nothing.
-  void set(std::chrono::seconds interval) { seconds_ = interval.count(); }
-  std::chrono::seconds interval() const { return std::chrono::seconds(seconds_); }
+  void set(std::chrono::seconds interval);
+  std::chrono::seconds interval() const;
+
+  // The loops that are woken when it changes; each must leave before it ends.
+  void join(CHttpLoop& loop);
+  void leave(CHttpLoop& loop);
 
  private:
   CReportPace() = default;
 
-  std::atomic<std::int64_t> seconds_{0};
+  mutable std::mutex mutex_;
+  // Guarded by mutex_.
+  std::chrono::seconds interval_{0};
+  std::set<CHttpLoop*> loops_;
 };
 
 }  // namespace zt_transfers

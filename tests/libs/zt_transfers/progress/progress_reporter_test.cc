@@ -4,6 +4,7 @@
 #include <json/json.h>
 
 #include <chrono>
+#include <future>
 #include <memory>
 #include <thread>
 
@@ -91,7 +92,6 @@ TEST_F(ProgressReporter, TellsAfterARestartWhyFilesHadFailed) {
 }
 
 TEST_F(ProgressReporter, TellsEverySoOftenWhileSomethingIsTransferredAndWhatItWaitsFor) {
-  reportEvery(1);
   auto away = describe("away", "x");
   away.url = "http://127.0.0.1:1/away";
   upload({away});
@@ -102,6 +102,7 @@ TEST_F(ProgressReporter, TellsEverySoOftenWhileSomethingIsTransferredAndWhatItWa
   }
   EXPECT_EQ(waiting["waitingFor"]["code"].asString(), "cannot_connect");
   const std::size_t before = server.requestsTo(kPlace).size();
+  reportEvery(1);  // holds at once
   EXPECT_TRUE(server.waitForRequests(before + 2));
 }
 
@@ -154,6 +155,27 @@ TEST_F(ProgressReporter, FollowsTheIntervalOfUploadsForDownloads) {
   const Json::Value errored = report("ERRORED");
   EXPECT_EQ(errored["direction"].asString(), "download");
   EXPECT_EQ(errored["failures"][0]["code"].asString(), "unsafe_path");
+}
+
+TEST(ReportPace, HoldsAtOnceForEveryManager) {
+  const CSystemClock clock;
+  CHttpLoop loop("zt-net-test", clock);
+  std::promise<void> begun;
+  std::promise<void> changed;
+  CReportPace::shared().join(loop);
+  loop.start(
+      [&, turns = 0]() mutable {
+        if (turns++ < 2) {
+          (turns == 1 ? begun : changed).set_value();
+        }
+        return std::nullopt;
+      },
+      [] {});
+  begun.get_future().wait();
+  CReportPace::shared().set(std::chrono::seconds(7));
+  EXPECT_EQ(changed.get_future().wait_for(std::chrono::seconds(30)), std::future_status::ready);
+  CReportPace::shared().leave(loop);
+  CReportPace::shared().set({});
 }
 
 }  // namespace

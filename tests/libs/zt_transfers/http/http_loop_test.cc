@@ -39,7 +39,9 @@ class HttpLoop : public ::testing::Test, public IHttpSink {
       exchanges.push_back(std::make_unique<CHttpExchange>(
           loop, request, static_cast<IHttpSink&>(*this),
           [this, promise, at = exchanges.size()](const HttpAnswer& answer) {
-            exchanges[at].reset();
+            if (!keepsEnded) {
+              exchanges[at].reset();
+            }
             promise->set_value(answer);
           }));
     });
@@ -48,6 +50,7 @@ class HttpLoop : public ::testing::Test, public IHttpSink {
 
   CFaultServer server;
   CSleepyClock clock;
+  std::atomic<bool> keepsEnded = false;
   std::vector<std::unique_ptr<CHttpExchange>> exchanges;  // the loop's
   CHttpLoop loop{"zt-net-test", clock};
 };
@@ -64,6 +67,15 @@ TEST_F(HttpLoop, UsesNoConnectionAgainThatIsOlderThanASleep) {
   EXPECT_EQ(requests[1].connection, requests[0].connection);
   EXPECT_NE(requests[2].connection, requests[1].connection);
   EXPECT_NE(requests[3].connection, requests[1].connection);
+}
+
+TEST_F(HttpLoop, LooksNoMoreAtWhatHasEndedHoweverLongItIsKept) {
+  server.put("/file", "content");
+  keepsEnded = true;
+  for (int times = 0; times < 3; ++times) {
+    EXPECT_EQ(get("/file").get().status, 200);
+    clock.sleep(std::chrono::minutes(10));
+  }
 }
 
 TEST_F(HttpLoop, EndsWhatWasOpenDuringALongSleep) {

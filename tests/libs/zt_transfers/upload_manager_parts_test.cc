@@ -190,5 +190,20 @@ TEST_F(UploadInParts, LeavesNoSessionBehindWhenItIsCancelledOrTakenOut) {
   EXPECT_TRUE(waitForNoSession());
 }
 
+TEST_F(UploadInParts, AbortsUntilTheServerHasHeardItAlsoAfterTheNextStart) {
+  stallPart(2);
+  fault("DELETE", "uploadId=*", R"("type":"status","status":503)");
+  const int unheard = 2;  // the rule just made
+  const auto group = upload({describe("file", patternOf(3 * kPart))});
+  ASSERT_TRUE(waitForMoreThan(group, kPart));
+  manager->cancelGroup(group);
+  ASSERT_TRUE(waitUntil([&] { return counted(unheard) == 2; }));
+  manager->shutdown();
+  EXPECT_THAT(sessions(), SizeIs(1));
+  request("DELETE", "/faults");
+  restartManager();
+  EXPECT_TRUE(waitForNoSession());
+}
+
 }  // namespace
 }  // namespace zt_transfers::test

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "download/check_content.h"
+#include "download/file_trouble.h"
 
 namespace zt_transfers {
 
@@ -43,17 +44,18 @@ void CDownloadRunner::makeRoom() {
   }
 }
 
-void CDownloadRunner::stop(JobId job, bool discard) {
-  const auto attempt = attempts_.find(job);
+void CDownloadRunner::stop(const AttemptStop& stop) {
+  const auto attempt = attempts_.find(stop.job);
+  const auto landing = landing_.find(stop.job);
   if (attempt != attempts_.end()) {
-    if (discard) {
+    if (stop.discard) {
       attempt->second->discard();
     }
     release(std::move(attempt->second));
     attempts_.erase(attempt);
-  }
-  const auto landing = landing_.find(job);
-  if (landing != landing_.end() && discard) {
+  } else if (landing == landing_.end() && stop.discard) {
+    observer_.onLeftBehind(stop.leftover());
+  } else if (stop.discard) {
     // Nobody is told of its landing any more, so it is forgotten here; the pool closes it.
     landing->second.file->discard();
     pool_.post([file = std::move(landing->second.file)] {});
@@ -88,13 +90,18 @@ void CDownloadRunner::settle() {
   stopped_.clear();
 }
 
-void CDownloadRunner::discard(const Leftover& leftover) {
-  pool_.post([leftover, &log = log_] {
+void CDownloadRunner::discard(const DiscardOrder& order) {
+  pool_.post([order, &observer = observer_] {
+    AttemptOutcome outcome = AttemptOutcome::done();
     try {
-      CPartialFile::remove(leftover.folder, leftover.resume.download());
+      CPartialFile::remove(order.leftover.folder, order.leftover.resume.download());
     } catch (const std::exception& error) {
-      log.warning("A partial file stays behind: " + std::string(error.what()));
+      outcome = judgeFileTrouble(error);
     }
+    if (outcome.kind == AttemptOutcome::Kind::kFinal && outcome.code == failure::kTargetMissing) {
+      outcome = AttemptOutcome::done();  // the folder that it was in is gone
+    }
+    observer.onDiscarded(order.id, outcome);
   });
 }
 

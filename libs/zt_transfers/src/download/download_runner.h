@@ -26,11 +26,11 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
         small_(pool, lander_, chunks_, [this](const auto& ends) { landed(ends); }) {}
 
   bool start(StartOrder order) override;
-  void stop(JobId job, bool discard) override;
+  void stop(const AttemptStop& stop) override;
   void stopAll() override;
   std::optional<TimePoint> turn() override { return small_.turn(loop_.clock().now()); }
   void settle() override;
-  void discard(const Leftover& leftover) override;
+  void discard(const DiscardOrder& order) override;
 
  private:
   // What an attempt has written, and where that is noted.

@@ -12,6 +12,7 @@
 
 #include "engine/failure.h"
 #include "engine/file_spec.h"
+#include "engine/leftover.h"
 #include "engine/transfer_resume.h"
 #include "pace/clock.h"
 
@@ -110,10 +111,20 @@ struct AttemptEnd {
   AttemptOutcome outcome;
 };
 
-// What attempts have left of a file, and nobody will go on with.
-struct Leftover {
-  std::string folder;  // the group's; downloads only
-  TransferResume resume;
+// An attempt is to end.
+struct AttemptStop {
+  JobId job = 0;
+  bool discard = false;  // it is to leave nothing behind
+  std::string folder{};  // the group's; downloads only
+  std::shared_ptr<JobProgress> progress{};
+
+  Leftover leftover() const { return {.folder = folder, .resume = progress->resume()}; }
+};
+
+// What was left behind is to be cleared away.
+struct DiscardOrder {
+  LeftoverId id = 0;
+  Leftover leftover;
   std::string proxy;
 };
 
@@ -132,6 +143,10 @@ class IAttemptObserver {
   // not be told from it otherwise should the process end: downloads get their final names, a
   // server takes parts of an upload or puts them together. Blocks.
   virtual void keepDurably(const std::vector<JobId>& jobs) = 0;
+  // Nobody will go on with this: it comes back as an order to discard it.
+  virtual void onLeftBehind(Leftover leftover) = 0;
+  // How an order to discard something went.
+  virtual void onDiscarded(LeftoverId id, const AttemptOutcome& outcome) = 0;
 
  protected:
   ~IAttemptObserver() = default;
@@ -144,17 +159,17 @@ class IAttemptRunner {
   virtual ~IAttemptRunner() = default;
   // False when the attempt has ended already, with its answer given.
   virtual bool start(StartOrder order) = 0;
-  // The attempt ends without an answer. With `discard` it leaves nothing behind. An unknown job
-  // changes nothing.
-  virtual void stop(JobId job, bool discard) = 0;
+  // The attempt ends without an answer. It may have ended by itself already: then only what it left
+  // is discarded, if that is wanted.
+  virtual void stop(const AttemptStop& stop) = 0;
   virtual void stopAll() = 0;
   // Called once a turn of the network thread; gives the time at which it wants another one.
   virtual std::optional<TimePoint> turn() { return std::nullopt; }
   // Once neither the network nor the pool runs: makes durable what stopped attempts have written,
   // and notes it in their progress. Thread: the owner's.
   virtual void settle() {}
-  // Removes what an attempt that has ended left behind.
-  virtual void discard(const Leftover& leftover) = 0;
+  // Clears away what an attempt that has ended left behind; the observer is told how that went.
+  virtual void discard(const DiscardOrder& order) = 0;
 };
 
 }  // namespace zt_transfers

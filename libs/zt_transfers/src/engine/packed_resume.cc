@@ -148,4 +148,25 @@ std::optional<TransferResume> unpackedResume(std::string_view bytes) {
   return first == kSession ? unpackedSession(unpacker) : unpackedDownload(first, unpacker);
 }
 
+std::string packed(const Leftover& leftover) {
+  CPacker packer;
+  packer.number(unsignedTime(leftover.since));
+  packer.text(leftover.folder);
+  packer.text(packed(leftover.resume));
+  return packer.bytes();
+}
+
+std::optional<Leftover> unpackedLeftover(std::string_view bytes) {
+  CUnpacker unpacker(bytes);
+  Leftover leftover;
+  leftover.since = static_cast<std::int64_t>(unpacker.number());
+  leftover.folder = unpacker.text();
+  auto resume = unpackedResume(unpacker.text());
+  if (!unpacker.ok() || !resume) {
+    return std::nullopt;
+  }
+  leftover.resume = std::move(*resume);
+  return leftover;
+}
+
 }  // namespace zt_transfers

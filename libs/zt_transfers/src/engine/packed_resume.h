@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "engine/leftover.h"
 #include "engine/transfer_resume.h"
 
 namespace zt_transfers {
@@ -13,5 +14,8 @@ namespace zt_transfers {
 std::string packed(const TransferResume& resume);
 // Nothing when the bytes make no sense.
 std::optional<TransferResume> unpackedResume(std::string_view bytes);
+
+std::string packed(const Leftover& leftover);
+std::optional<Leftover> unpackedLeftover(std::string_view bytes);
 
 }  // namespace zt_transfers

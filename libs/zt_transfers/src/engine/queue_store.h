@@ -8,6 +8,7 @@
 
 #include "engine/failure.h"
 #include "engine/file_spec.h"
+#include "engine/leftover.h"
 #include "engine/transfer_group.h"
 #include "engine/transfer_resume.h"
 
@@ -37,6 +38,13 @@ struct RestoredGroup {
   std::vector<std::pair<std::uint32_t, Failure>> failures;
 };
 
+// All that was found at the start.
+struct RestoredQueue {
+  std::int32_t lastGroupId = 0;  // the highest that was ever given
+  std::vector<RestoredGroup> groups;
+  std::vector<std::pair<LeftoverId, Leftover>> leftovers;
+};
+
 // Keeps what was queued, out of the engine's way: the engine itself holds a few bytes a file.
 // Indices of a group count from 0 without gaps.
 //
@@ -63,6 +71,10 @@ class IQueueStore {
   virtual void saveResume(FileRef file, const TransferResume& resume) = 0;
   // Why the file has failed. It counts as long as the file's state is kFailed.
   virtual void saveFailure(FileRef file, const Failure& failure) = 0;
+
+  // What is to be cleared away, whatever becomes of its file and group, and that this was done.
+  virtual void saveLeftover(LeftoverId id, const Leftover& leftover) = 0;
+  virtual void removeLeftover(LeftoverId id) = 0;
 
   virtual std::string fileId(FileRef file) const = 0;
   // The file with this fileId that was appended last and not removed.

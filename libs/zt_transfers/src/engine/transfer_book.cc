@@ -28,8 +28,12 @@ FilePhase kept(FilePhase phase) {
 }  // namespace
 
 CTransferBook::CTransferBook(std::string activity, const IClock& clock, IQueueStore& store,
-                             CEventQueue& events)
-    : activity_(std::move(activity)), clock_(clock), store_(store), reporter_(events) {}
+                             CEventQueue& events, const BackoffPolicy& backoff)
+    : activity_(std::move(activity)),
+      clock_(clock),
+      store_(store),
+      leftovers_(clock, store, backoff),
+      reporter_(events) {}
 
 CTransferGroup* CTransferBook::find(std::int32_t groupId) {
   const auto found = groups_.find(groupId);
@@ -47,13 +51,13 @@ CTransferGroup* CTransferBook::create(GroupIdentity identity, bool needsMark) {
   return groups_.emplace(lastGroupId_, std::move(group)).first->second.get();
 }
 
-void CTransferBook::restore(std::int32_t lastGroupId, std::vector<RestoredGroup> groups,
-                            bool needsMark) {
+void CTransferBook::restore(RestoredQueue queue, bool needsMark) {
   groups_.clear();
   resumes_ = {};
   failures_ = {};
-  lastGroupId_ = lastGroupId;
-  for (RestoredGroup& restored : groups) {
+  lastGroupId_ = queue.lastGroupId;
+  leftovers_.restore(std::move(queue.leftovers));
+  for (RestoredGroup& restored : queue.groups) {
     restore(restored, needsMark);
     restored = {};
   }
@@ -103,7 +107,7 @@ void CTransferBook::cancel(CTransferGroup& group) {
     stop(id, group, Rest::kForget);
   }
   for (auto& [index, resume] : resumes_.takeAll(group)) {
-    leftovers_.push_back({bytesOf(group.identity().folder), std::move(resume), {}});
+    leftovers_.add({bytesOf(group.identity().folder), std::move(resume)});
   }
   failures_.forgetGroup(group.id());
   group.setCancelled();
@@ -191,8 +195,26 @@ void CTransferBook::end(const Job& job, CTransferGroup& group, Rest rest) {
 }
 
 void CTransferBook::stop(JobId id, CTransferGroup& group, Rest rest) {
-  stops_.push_back({id, rest == Rest::kForget});
-  end(*jobs_.find(id), group, rest);
+  const Job& job = *jobs_.find(id);
+  AttemptStop stop{.job = id, .discard = rest == Rest::kForget};
+  if (stop.discard) {
+    stop.folder = bytesOf(group.identity().folder);
+    stop.progress = job.progress;
+    // A partial file goes with its attempt, but a session has to be told to the server.
+    if (Leftover leftover = stop.leftover(); leftover.resume.isUpload()) {
+      leftovers_.add(std::move(leftover));
+    }
+  }
+  stops_.push_back(std::move(stop));
+  end(job, group, rest);
+}
+
+void CTransferBook::dropStops() {
+  for (const AttemptStop& stop : takeStops()) {
+    if (stop.discard && !stop.progress->resume().isUpload()) {
+      leftovers_.add(stop.leftover());
+    }
+  }
 }
 
 void CTransferBook::hold(CTransferGroup& group, FilePhase then, bool everything) {
@@ -209,7 +231,7 @@ void CTransferBook::hold(CTransferGroup& group, FilePhase then, bool everything)
 void CTransferBook::discardRest(CTransferGroup& group, std::uint32_t index) {
   TransferResume resume = resumes_.take(group, index);
   if (resume.begun()) {
-    leftovers_.push_back({bytesOf(group.identity().folder), std::move(resume), {}});
+    leftovers_.add({bytesOf(group.identity().folder), std::move(resume)});
     store_.saveResume({group.id(), index}, {});
   }
 }

@@ -9,6 +9,7 @@
 
 #include "engine/failure_book.h"
 #include "engine/job_table.h"
+#include "engine/leftover_book.h"
 #include "engine/queue_store.h"
 #include "engine/reporter.h"
 #include "engine/resume_book.h"
@@ -27,7 +28,8 @@ class CTransferBook {
   enum class Rest { kKeep, kForget };  // what becomes of what the attempt leaves
 
   // `activity`: for the log. The others must outlive it.
-  CTransferBook(std::string activity, const IClock& clock, IQueueStore& store, CEventQueue& events);
+  CTransferBook(std::string activity, const IClock& clock, IQueueStore& store, CEventQueue& events,
+                const BackoffPolicy& backoff);
 
   // Null when there is none.
   CTransferGroup* find(std::int32_t groupId);
@@ -35,7 +37,7 @@ class CTransferBook {
   // Nothing when no id is left.
   CTransferGroup* create(GroupIdentity identity, bool needsMark);
   // Takes the place of all groups there are.
-  void restore(std::int32_t lastGroupId, std::vector<RestoredGroup> groups, bool needsMark);
+  void restore(RestoredQueue queue, bool needsMark);
   void forgetCancelled();
 
   // The group's pause or mark has changed.
@@ -62,10 +64,12 @@ class CTransferBook {
   void end(const Job& job, CTransferGroup& group, Rest rest);
   // Stops what uses the network of the group, or everything; its files go on to `then`.
   void hold(CTransferGroup& group, FilePhase then, bool everything);
-  // Lets the network thread remove what attempts have left of a file.
+  // Has what attempts have left of a file cleared away.
   void discardRest(CTransferGroup& group, std::uint32_t index);
   std::vector<AttemptStop> takeStops() { return std::exchange(stops_, {}); }
-  std::vector<Leftover> takeLeftovers() { return std::exchange(leftovers_, {}); }
+  // Nothing runs any more, also not what was not stopped yet.
+  void dropStops();
+  CLeftoverBook& leftovers() { return leftovers_; }
 
   const CFailureBook& failures() const { return failures_; }
   FileState fileState(const CTransferGroup& group, std::uint32_t index) const;
@@ -86,7 +90,7 @@ class CTransferBook {
   CResumeBook resumes_;
   CFailureBook failures_;
   std::vector<AttemptStop> stops_;
-  std::vector<Leftover> leftovers_;
+  CLeftoverBook leftovers_;
   CReporter reporter_;
 };
 

@@ -12,20 +12,20 @@ CTransferEngine::CTransferEngine(Options options, const Surroundings& surroundin
       log_(surroundings.log),
       wake_([] {}),
       settle_([] {}),
-      book_(options_.activity, clock_, store_, events_),
+      book_(options_.activity, clock_, store_, events_, options_.backoff),
       planner_(book_, store_, clock_, options_.backoff) {}
 
-void CTransferEngine::restore(std::int32_t lastGroupId, std::vector<RestoredGroup> groups) {
+void CTransferEngine::restore(RestoredQueue queue) {
   const std::lock_guard lock(mutex_);
   unmeasured_.clear();
-  for (const auto& [kept, files, resumes, failures] : groups) {
+  for (const auto& [kept, files, resumes, failures] : queue.groups) {
     for (std::uint32_t index = 0; index < files.size(); ++index) {
       if (!files[index].sizeKnown && files[index].phase == FilePhase::kWaiting) {
         unmeasured_.add({kept.identity.id, index});
       }
     }
   }
-  book_.restore(lastGroupId, std::move(groups), options_.needsMark);
+  book_.restore(std::move(queue), options_.needsMark);
 }
 
 std::int32_t CTransferEngine::createGroup(GroupIdentity identity) {
@@ -222,7 +222,8 @@ void CTransferEngine::stop() {
     }
     group->pace = {};
   }
-  book_.takeStops();  // nothing runs
+  book_.dropStops();
+  book_.leftovers().stop();
 }
 
 CTransferEngine::Work CTransferEngine::takeWork() {
@@ -309,6 +310,27 @@ void CTransferEngine::keepDurably(const std::vector<JobId>& jobs) {
     }
   }
   settle_();
+}
+
+void CTransferEngine::onLeftBehind(Leftover leftover) {
+  {
+    const std::lock_guard lock(mutex_);
+    book_.leftovers().add(std::move(leftover));
+  }
+  wake_();
+}
+
+void CTransferEngine::onDiscarded(LeftoverId id, const AttemptOutcome& outcome) {
+  const bool done = outcome.kind == AttemptOutcome::Kind::kDone;
+  std::string message;
+  {
+    const std::lock_guard lock(mutex_);
+    message = book_.leftovers().settle(id, outcome);
+  }
+  if (!message.empty()) {
+    log_.write(done ? ILog::Priority::kInformation : ILog::Priority::kWarning, message);
+  }
+  wake_();
 }
 
 bool CTransferEngine::isTransferring() const {

@@ -33,7 +33,6 @@ class CTransferEngine final : public IAttemptObserver {
     BackoffPolicy backoff{};
   };
   using Settings = TransferSettings;
-  using Stop = AttemptStop;
   using Work = TransferWork;
   using Unmeasured = CUnmeasuredFiles::File;
   // A group for a report to the service.
@@ -71,7 +70,7 @@ class CTransferEngine final : public IAttemptObserver {
   void setSettle(std::function<void()> settle) { settle_ = std::move(settle); }
 
   // Takes the place of all groups there are. Between `stop` and `start` only.
-  void restore(std::int32_t lastGroupId, std::vector<RestoredGroup> groups);
+  void restore(RestoredQueue queue);
 
   // For the program; see the managers' headers.
   std::int32_t createGroup(GroupIdentity identity);
@@ -100,6 +99,8 @@ class CTransferEngine final : public IAttemptObserver {
   bool onAttemptCheckpoint(JobId job) override;
   bool onAttemptLanding(JobId job) override;
   void keepDurably(const std::vector<JobId>& jobs) override;
+  void onLeftBehind(Leftover leftover) override;
+  void onDiscarded(LeftoverId id, const AttemptOutcome& outcome) override;
 
   // For the thread that reports: adds progress that is due to the events; false when nothing is
   // under way that could make progress.

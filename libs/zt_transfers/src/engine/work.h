@@ -19,16 +19,10 @@ struct TransferSettings {
   PartPolicy parts{};
 };
 
-struct AttemptStop {
-  JobId job = 0;
-  bool discard = false;
-  bool operator==(const AttemptStop&) const = default;
-};
-
 // What the network thread is to do now, in this order.
 struct TransferWork {
   std::vector<AttemptStop> stops;
-  std::vector<Leftover> leftovers;
+  std::vector<DiscardOrder> discards;
   std::vector<StartOrder> starts;
   std::vector<std::string> failures;  // lines for the log, written already
   std::optional<TimePoint> nextDue;   // when to ask again, without another reason to

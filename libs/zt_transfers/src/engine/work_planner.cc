@@ -29,19 +29,21 @@ void CWorkPlanner::list(CTransferGroup& group) {
 TransferWork CWorkPlanner::takeWork(bool congested) {
   TransferWork work;
   work.stops = book_.takeStops();
-  work.leftovers = book_.takeLeftovers();
-  for (Leftover& leftover : work.leftovers) {
-    leftover.proxy = settings_.proxy;
-  }
   if (!running_) {
     return work;
+  }
+  work.discards = book_.leftovers().takeDue();
+  for (DiscardOrder& order : work.discards) {
+    order.proxy = settings_.proxy;
   }
   wakeRetries();
   if (!congested) {
     beginReady(work);
   }
-  if (!work.nextDue) {
-    work.nextDue = schedule_.nextDue();
+  for (const auto due : {schedule_.nextDue(), book_.leftovers().nextDue()}) {
+    if (due && (!work.nextDue || *due < *work.nextDue)) {
+      work.nextDue = due;
+    }
   }
   return work;
 }

@@ -111,7 +111,7 @@ void CManagerCore::openQueue() {
     return;
   }
   if (auto found = queue_.open(folder + "/" + options_.database)) {
-    engine_.restore(found->lastGroupId, std::move(found->groups));
+    engine_.restore(std::move(*found));
   }
 }
 
@@ -194,11 +194,11 @@ void CManagerCore::settleCompleted(const std::vector<TransferEvent>& events) {
 std::optional<TimePoint> CManagerCore::turn() {
   measureSources();
   CTransferEngine::Work work = engine_.takeWork();
-  for (const auto& [job, discard] : work.stops) {
-    runner_->stop(job, discard);
+  for (const AttemptStop& stop : work.stops) {
+    runner_->stop(stop);
   }
-  for (const Leftover& leftover : work.leftovers) {
-    runner_->discard(leftover);
+  for (const DiscardOrder& order : work.discards) {
+    runner_->discard(order);
   }
   bool allBegun = true;
   for (StartOrder& order : work.starts) {

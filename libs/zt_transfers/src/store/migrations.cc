@@ -54,10 +54,19 @@ constexpr const char* kFailures = R"(
   );
 )";
 
+constexpr const char* kLeftovers = R"(
+  -- What was left behind and is yet to be cleared away: partial files, sessions on servers.
+  CREATE TABLE leftovers(
+    id       INTEGER PRIMARY KEY,
+    leftover BLOB NOT NULL
+  );
+)";
+
 }  // namespace
 
 const std::vector<Migration>& queueMigrations() {
-  static const std::vector<Migration> migrations{{1, kFirstSchema}, {2, kResumes}, {3, kFailures}};
+  static const std::vector<Migration> migrations{
+      {1, kFirstSchema}, {2, kResumes}, {3, kFailures}, {4, kLeftovers}};
   return migrations;
 }
 

@@ -147,6 +147,9 @@ CQueueDatabase::Statements::Statements(sqlite3* connection)
                "SELECT id, code, reason FROM (SELECT * FROM failures WHERE id BETWEEN ? AND ? "
                "AND (SELECT state FROM files WHERE files.id = failures.id) = 2 "
                "ORDER BY id DESC LIMIT ?) ORDER BY id"),
+      saveLeftover(connection, "INSERT OR REPLACE INTO leftovers VALUES(?, ?)"),
+      removeLeftover(connection, "DELETE FROM leftovers WHERE id = ?"),
+      leftovers(connection, "SELECT id, leftover FROM leftovers ORDER BY id"),
       removedGroup(connection, "SELECT id FROM removed_groups LIMIT 1"),
       sweepFiles(connection,
                  "DELETE FROM files WHERE id IN "
@@ -184,6 +187,16 @@ void CQueueDatabase::read(const Reader& reader) {
       }
     }
     readFailures(id, reader);
+  }
+  readLeftovers(reader);
+}
+
+void CQueueDatabase::readLeftovers(const Reader& reader) {
+  CSqliteStatement& leftovers = statements_->leftovers;
+  while (leftovers.step()) {
+    if (const auto leftover = unpackedLeftover(leftovers.bytes(1))) {
+      reader.leftover(static_cast<LeftoverId>(leftovers.number(0)), *leftover);
+    }
   }
 }
 
@@ -252,6 +265,9 @@ void CQueueDatabase::write(const QueueWrite& write) {
       statements_->removeResume.bind(1, row).run();
       statements_->removeFailure.bind(1, row).run();
       break;
+    case QueueChange::Kind::kLeftover:
+      writeLeftover(file.index, write.leftover);
+      break;
   }
 }
 
@@ -284,6 +300,14 @@ void CQueueDatabase::writeResume(std::int64_t id, std::string_view resume) {
     statements_->removeResume.bind(1, id).run();
   } else {
     statements_->saveResume.bind(1, id).bindBytes(2, resume).run();
+  }
+}
+
+void CQueueDatabase::writeLeftover(LeftoverId id, std::string_view leftover) {
+  if (leftover.empty()) {
+    statements_->removeLeftover.bind(1, id).run();
+  } else {
+    statements_->saveLeftover.bind(1, id).bindBytes(2, leftover).run();
   }
 }
 

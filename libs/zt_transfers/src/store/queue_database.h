@@ -39,6 +39,7 @@ class CQueueDatabase {
     std::function<void(FileRef, const TransferResume&)> resume;
     // Why files of that group failed, in ascending order; the last ones only, if there are many.
     std::function<void(FileRef, const Failure&)> failure;
+    std::function<void(LeftoverId, const Leftover&)> leftover;
   };
   void read(const Reader& reader);
   // The highest id that a group ever had; 0 without one.
@@ -59,7 +60,9 @@ class CQueueDatabase {
   void writeGroup(const StoredGroup& group);
   void writeResume(std::int64_t id, std::string_view resume);
   void writeState(std::int64_t id, const QueueWrite& write);
+  void writeLeftover(LeftoverId id, std::string_view leftover);
   void readFailures(std::int32_t groupId, const Reader& reader);
+  void readLeftovers(const Reader& reader);
   void check(const std::string& path);
 
   CSqliteConnection connection_;
@@ -85,6 +88,9 @@ class CQueueDatabase {
     CSqliteStatement saveFailure;
     CSqliteStatement removeFailure;
     CSqliteStatement failures;
+    CSqliteStatement saveLeftover;
+    CSqliteStatement removeLeftover;
+    CSqliteStatement leftovers;
     CSqliteStatement removedGroup;
     CSqliteStatement sweepFiles;
     CSqliteStatement sweepSpecs;

@@ -20,6 +20,7 @@ void CQueueStore::stopRecording() {
   changedGroups_.clear();
   changedResumes_.clear();
   changedFailures_.clear();
+  changedLeftovers_.clear();
   requests_.clear();
 }
 
@@ -119,6 +120,22 @@ void CQueueStore::saveFailure(FileRef file, const Failure& failure) {
   if (listener_) {
     changedFailures_[{file.groupId, file.index}] = failure;
     note(Kind::kFailure, file);
+  }
+}
+
+void CQueueStore::saveLeftover(LeftoverId id, const Leftover& leftover) {
+  noteLeftover(id, packed(leftover));
+}
+
+void CQueueStore::removeLeftover(LeftoverId id) {
+  noteLeftover(id, {});
+}
+
+void CQueueStore::noteLeftover(LeftoverId id, std::string packed) {
+  const std::lock_guard lock(mutex_);
+  if (listener_) {
+    changedLeftovers_[id] = std::move(packed);
+    note(Kind::kLeftover, {0, id});
   }
 }
 
@@ -268,6 +285,13 @@ bool CQueueStore::fillIn(QueueWrite& write, QueueBatch& batch) {
     }
     return changed && files != nullptr;
   }
+  if (kind == Kind::kLeftover) {
+    const auto changed = changedLeftovers_.extract(file.index);
+    if (changed) {
+      write.leftover = CTextArena::at(batch.texts.add(changed.mapped()));
+    }
+    return static_cast<bool>(changed);
+  }
   if (files == nullptr) {
     return false;  // gone with its group
   }
@@ -310,6 +334,9 @@ void CQueueStore::putBack(const QueueBatch& batch) {
     }
     if (write->change.kind == Kind::kResume) {
       changedResumes_.emplace(Key{file.groupId, file.index}, write->resume);
+    }
+    if (write->change.kind == Kind::kLeftover) {
+      changedLeftovers_.emplace(file.index, write->leftover);
     }
     if (write->failure != nullptr) {
       changedFailures_.emplace(Key{file.groupId, file.index}, *write->failure);

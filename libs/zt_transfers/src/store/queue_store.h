@@ -55,6 +55,8 @@ class CQueueStore : public IQueueStore {
   void remove(FileRef file) override;
   void saveResume(FileRef file, const TransferResume& resume) override;
   void saveFailure(FileRef file, const Failure& failure) override;
+  void saveLeftover(LeftoverId id, const Leftover& leftover) override;
+  void removeLeftover(LeftoverId id) override;
   std::string fileId(FileRef file) const override;
   std::optional<std::uint32_t> find(std::int32_t groupId, const std::string& fileId) const override;
   std::optional<FileSpec> spec(FileRef file) override;
@@ -94,6 +96,7 @@ class CQueueStore : public IQueueStore {
 
   CFileTable* table(std::int32_t groupId) const;
   void noteResume(FileRef file, std::string packed);
+  void noteLeftover(LeftoverId id, std::string packed);
   void note(QueueChange::Kind kind, FileRef file, const StoredState& state = {});
   void request(const Range& range);
   void collectSome(QueueBatch& batch, std::size_t most);
@@ -105,9 +108,10 @@ class CQueueStore : public IQueueStore {
   std::size_t held_ = 0;
   std::unordered_map<std::int32_t, std::unique_ptr<CFileTable>> tables_;
   std::unordered_map<std::int32_t, StoredGroup> changedGroups_;  // not written yet
-  std::map<Key, std::string> changedResumes_;  // not written yet; empty: none any more
-  std::map<Key, Failure> changedFailures_;     // not written yet
-  std::set<Key> resumes_;                      // files that have one
+  std::map<Key, std::string> changedResumes_;           // not written yet; empty: none any more
+  std::map<Key, Failure> changedFailures_;              // not written yet
+  std::map<LeftoverId, std::string> changedLeftovers_;  // not written yet; empty: gone
+  std::set<Key> resumes_;                               // files that have one
   std::deque<QueueChange> changes_;
   std::uint64_t noted_ = 0;
   std::deque<Range> requests_;

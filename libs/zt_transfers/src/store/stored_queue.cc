@@ -18,12 +18,12 @@ CStoredQueue::~CStoredQueue() {
   abandon();
 }
 
-std::optional<CStoredQueue::Found> CStoredQueue::open(const std::string& path) {
+std::optional<RestoredQueue> CStoredQueue::open(const std::string& path) {
   file_ = CDatabaseFile::claim(path, log_);
   if (!file_) {
     return std::nullopt;
   }
-  Found found;
+  RestoredQueue found;
   auto database = file_->open([&](CQueueDatabase& opened) { load(opened, found); });
   if (!database) {
     if (!file_->isNew()) {
@@ -41,37 +41,40 @@ std::optional<CStoredQueue::Found> CStoredQueue::open(const std::string& path) {
   return found;
 }
 
-void CStoredQueue::load(CQueueDatabase& database, Found& found) {
+void CStoredQueue::load(CQueueDatabase& database, RestoredQueue& found) {
   store_.clear();
-  found = {.lastGroupId = database.lastGroupId(), .groups = {}};
-  database.read({.group =
-                     [&](const StoredGroup& group) {
-                       found.groups.push_back({group, {}, {}, {}});
-                       store_.restoreGroup(group.identity.id);
-                     },
-                 .file =
-                     [&](FileRef file, const StoredState& state, std::string_view fileId) {
-                       auto& files = found.groups.back().files;
-                       if (file.index - files.size() > kMostGap) {
-                         throw CQueueDatabase::CUnusable("a file's place makes no sense");
-                       }
-                       files.resize(file.index, {.phase = FilePhase::kRemoved});
-                       files.push_back(state);
-                       store_.restoreFile(file, fileId);
-                     },
-                 .resume =
-                     [&](FileRef file, const TransferResume& resume) {
-                       if (file.index < found.groups.back().files.size()) {
-                         found.groups.back().resumes.emplace_back(file.index, resume);
-                         store_.restoreResume(file);
-                       }
-                     },
-                 .failure =
-                     [&](FileRef file, const Failure& failure) {
-                       if (file.index < found.groups.back().files.size()) {
-                         found.groups.back().failures.emplace_back(file.index, failure);
-                       }
-                     }});
+  found = {.lastGroupId = database.lastGroupId(), .groups = {}, .leftovers = {}};
+  database.read(
+      {.group =
+           [&](const StoredGroup& group) {
+             found.groups.push_back({group, {}, {}, {}});
+             store_.restoreGroup(group.identity.id);
+           },
+       .file =
+           [&](FileRef file, const StoredState& state, std::string_view fileId) {
+             auto& files = found.groups.back().files;
+             if (file.index - files.size() > kMostGap) {
+               throw CQueueDatabase::CUnusable("a file's place makes no sense");
+             }
+             files.resize(file.index, {.phase = FilePhase::kRemoved});
+             files.push_back(state);
+             store_.restoreFile(file, fileId);
+           },
+       .resume =
+           [&](FileRef file, const TransferResume& resume) {
+             if (file.index < found.groups.back().files.size()) {
+               found.groups.back().resumes.emplace_back(file.index, resume);
+               store_.restoreResume(file);
+             }
+           },
+       .failure =
+           [&](FileRef file, const Failure& failure) {
+             if (file.index < found.groups.back().files.size()) {
+               found.groups.back().failures.emplace_back(file.index, failure);
+             }
+           },
+       .leftover = [&](LeftoverId id,
+                       const Leftover& leftover) { found.leftovers.emplace_back(id, leftover); }});
 }
 
 void CStoredQueue::settle(std::chrono::milliseconds limit) {

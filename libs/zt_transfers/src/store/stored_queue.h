@@ -21,11 +21,6 @@ namespace zt_transfers {
 // Thread: all operations by the owner; the store is used by the engine.
 class CStoredQueue {
  public:
-  struct Found {
-    std::int32_t lastGroupId = 0;  // the highest that was ever given
-    std::vector<RestoredGroup> groups;
-  };
-
   // `arrived`: see CQueueWriter.
   CStoredQueue(std::string threadName, ILog& log, std::function<void(std::int32_t)> arrived,
                const CQueueWriter::Pace& pace = {});
@@ -37,7 +32,7 @@ class CStoredQueue {
 
   // What the database at `path` holds takes the place of what the store holds. Nothing when no
   // database can be had; the store goes on as it is then. To be called while the engine rests.
-  std::optional<Found> open(const std::string& path);
+  std::optional<RestoredQueue> open(const std::string& path);
   bool isOpen() const { return writer_ != nullptr; }
   // See CQueueWriter. Thread: any, while it is open or closed and stays so.
   void settle(std::chrono::milliseconds limit);
@@ -48,7 +43,7 @@ class CStoredQueue {
   void abandon();
 
  private:
-  void load(CQueueDatabase& database, Found& found);
+  void load(CQueueDatabase& database, RestoredQueue& found);
 
   const std::string threadName_;
   ILog& log_;

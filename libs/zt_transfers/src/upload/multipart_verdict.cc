@@ -54,6 +54,11 @@ bool asksForAuthority(const HttpAnswer& answer) {
   return answer.status == 401 || answer.status == 403;
 }
 
+AttemptOutcome judgeAbort(const HttpAnswer& answer, std::int64_t now) {
+  const bool heard = answer.code == CURLE_OK && answer.status / 100 == 2;
+  return heard || saysUploadIsGone(answer) ? AttemptOutcome::done() : judgeFailure(answer, now);
+}
+
 CompletionVerdict judgeCompletion(const HttpAnswer& answer, const std::optional<std::string>& tag,
                                   std::int64_t now) {
   if (answer.code != CURLE_OK || !isSuccess(answer.status)) {

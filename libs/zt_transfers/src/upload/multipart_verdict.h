@@ -29,6 +29,9 @@ bool saysUploadIsGone(const HttpAnswer& answer);
 // Whether it may be gone on with once the page has renewed what authorises it.
 bool asksForAuthority(const HttpAnswer& answer);
 
+// The answer to an abort: done also when there was nothing to be aborted.
+AttemptOutcome judgeAbort(const HttpAnswer& answer, std::int64_t now);
+
 // The answer to the request to put the parts together. `tag`: what the object must have, if it has
 // a tag that can be compared.
 enum class Completion {

@@ -3,46 +3,35 @@
 #include <exception>
 #include <utility>
 
-#include "text/url_parts.h"
 #include "upload/multipart_request.h"
 #include "upload/multipart_verdict.h"
 
 namespace zt_transfers {
 
-void CSessionAborts::abort(const UploadSession& session, const std::string& proxy) {
-  const std::string name = "the upload in parts to " + loggableUrl(session.url);
+void CSessionAborts::abort(const DiscardOrder& order) {
   const auto place = calls_.emplace(calls_.end());
-  const auto done = [this, place, name](const HttpAnswer& answer) {
-    const bool heard =
-        answer.code == CURLE_OK && (answer.status / 100 == 2 || answer.status == 404);
-    if (heard) {
-      tools_.log.information("Aborted " + name);
-    } else {
-      tools_.log.warning("The server did not abort " + name + ", and may keep its parts: " +
-                         (answer.code == CURLE_OK ? "it answered " + std::to_string(answer.status)
-                                                  : answer.error));
-    }
+  const auto done = [this, place, id = order.id](const HttpAnswer& answer) {
+    const AttemptOutcome outcome = judgeAbort(answer, tools_.loop.clock().secondsSince1970());
     calls_.erase(place);
+    tools_.observer.onDiscarded(id, outcome);
   };
   try {
-    *place =
-        std::make_unique<CStoreCall>(tools_.loop, tools_.log, abortRequest(session, proxy), done);
+    *place = std::make_unique<CStoreCall>(
+        tools_.loop, tools_.log, abortRequest(order.leftover.resume.upload(), order.proxy), done);
   } catch (const std::exception& error) {
-    tools_.log.warning("Cannot abort " + name + ": " + error.what());
     calls_.erase(place);
+    tools_.observer.onDiscarded(order.id, AttemptOutcome::final(error.what()));
   }
 }
 
 void CSessionAborts::abortOnceBegun(std::unique_ptr<CStoreCall> initiation,
-                                    const UploadSession& session, const std::string& proxy) {
+                                    const UploadSession& session) {
   const auto place = calls_.insert(calls_.end(), std::move(initiation));
-  (*place)->setDone([this, place, session, proxy](const HttpAnswer& answer) {
+  (*place)->setDone([this, place, session](const HttpAnswer& answer) {
     UploadSession begun = session;
     begun.uploadId = judgeInitiation(answer, tools_.loop.clock().secondsSince1970()).uploadId;
-    if (begun.begun()) {
-      abort(begun, proxy);
-    }
     calls_.erase(place);
+    tools_.observer.onLeftBehind({.resume = begun});
   });
 }
 

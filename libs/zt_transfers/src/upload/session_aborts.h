@@ -2,26 +2,25 @@
 
 #include <list>
 #include <memory>
-#include <string>
 
-#include "engine/upload_session.h"
+#include "engine/attempt.h"
 #include "upload/store_call.h"
 #include "upload/upload_tools.h"
 
 namespace zt_transfers {
 
 // Tells servers that uploads in parts are not gone on with, so that they need not keep the parts.
-// It is asked once each; what a server does not hear it keeps until it clears up by itself.
+// The observer is told how that went, and gives what is to be tried again.
 //
 // Thread: the loop's.
 class CSessionAborts {
  public:
   explicit CSessionAborts(const UploadTools& tools) : tools_(tools) {}
 
-  void abort(const UploadSession& session, const std::string& proxy);
-  // Takes over a request to begin an upload; what it begins is aborted. `session` has the place.
-  void abortOnceBegun(std::unique_ptr<CStoreCall> initiation, const UploadSession& session,
-                      const std::string& proxy);
+  void abort(const DiscardOrder& order);
+  // Takes over a request to begin an upload; what it begins is left behind. `session` has the
+  // place.
+  void abortOnceBegun(std::unique_ptr<CStoreCall> initiation, const UploadSession& session);
   void clear() { calls_.clear(); }
 
  private:

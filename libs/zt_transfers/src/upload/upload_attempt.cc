@@ -124,15 +124,11 @@ void CUploadAttempt::onPartsNotOffered(bool saysSo) {
   sendWhole(kNever);
 }
 
-void CUploadAttempt::leave(bool discard) {
-  const TransferResume rest = order_.progress->resume();
-  if (discard && rest.begun() && rest.isUpload()) {
-    onSessionAbandoned(rest.upload());
-  }
+void CUploadAttempt::leave() {
   if (parts_) {
     const UploadSession session = parts_->session();
     if (auto initiation = parts_->takeInitiation()) {
-      shared_.aborts.abortOnceBegun(std::move(initiation), session, order_.proxy);
+      shared_.aborts.abortOnceBegun(std::move(initiation), session);
     }
   }
 }

@@ -46,8 +46,8 @@ class CUploadAttempt final : public CFileRequest::IListener, public CMultipartUp
 
   // May end the attempt at once.
   void begin();
-  // It is about to be destroyed; with `discard` nothing of it is to stay on the server.
-  void leave(bool discard);
+  // It is about to be destroyed; what it is only beginning on the server is not to stay there.
+  void leave();
   // There may be room for another request.
   void onSlotFree();
 
@@ -66,7 +66,7 @@ class CUploadAttempt final : public CFileRequest::IListener, public CMultipartUp
   bool takeSlot() override { return shared_.slots.takeExtra(); }
   void giveSlotBack() override { shared_.slots.giveBackExtra(); }
   void onSessionAbandoned(const UploadSession& session) override {
-    shared_.aborts.abort(session, order_.proxy);
+    shared_.tools.observer.onLeftBehind({.resume = session});
   }
   void onPartsNotOffered(bool saysSo) override;
   void onPartsEnded(const AttemptOutcome& outcome) override { finish(outcome); }

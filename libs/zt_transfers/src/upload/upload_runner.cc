@@ -19,10 +19,11 @@ bool CUploadRunner::start(StartOrder order) {
   return attempts_.count(job) != 0;
 }
 
-void CUploadRunner::stop(JobId job, bool discard) {
-  const auto attempt = attempts_.find(job);
+// What is to be discarded the engine knows: it is told of every session once that has begun.
+void CUploadRunner::stop(const AttemptStop& stop) {
+  const auto attempt = attempts_.find(stop.job);
   if (attempt != attempts_.end()) {
-    attempt->second->leave(discard);
+    attempt->second->leave();
     attempts_.erase(attempt);
   }
 }
@@ -35,10 +36,8 @@ void CUploadRunner::stopAll() {
   offering_ = false;
 }
 
-void CUploadRunner::discard(const Leftover& leftover) {
-  if (leftover.resume.isUpload()) {
-    aborts_.abort(leftover.resume.upload(), leftover.proxy);
-  }
+void CUploadRunner::discard(const DiscardOrder& order) {
+  aborts_.abort(order);
 }
 
 void CUploadRunner::onEnded(JobId job, const AttemptOutcome& outcome) {

@@ -14,9 +14,9 @@ class CUploadRunner final : public IAttemptRunner, public CUploadAttempt::IListe
   explicit CUploadRunner(const UploadTools& tools);
 
   bool start(StartOrder order) override;
-  void stop(JobId job, bool discard) override;
+  void stop(const AttemptStop& stop) override;
   void stopAll() override;
-  void discard(const Leftover& leftover) override;
+  void discard(const DiscardOrder& order) override;
 
  private:
   void onEnded(JobId job, const AttemptOutcome& outcome) override;

@@ -69,6 +69,14 @@ class TransferEngine : public ::testing::Test {
     }
     return chosen;
   }
+  using Stops = std::vector<std::pair<JobId, bool>>;  // and whether to discard what is there
+  static Stops stopsOf(const TransferWork& work) {
+    Stops stops;
+    for (const AttemptStop& stop : work.stops) {
+      stops.emplace_back(stop.job, stop.discard);
+    }
+    return stops;
+  }
   GroupStateCode stateOf(std::int32_t id) {
     return static_cast<GroupStateCode>(engine.group(id)->state);
   }
@@ -227,7 +235,7 @@ TEST_F(TransferEngine, IgnoresTheResultOfWhatItHasStopped) {
   EXPECT_EQ(engine.group(group)->bytesTransferred, 60U);
   engine.pauseGroup(group);
   EXPECT_EQ(engine.group(group)->bytesTransferred, 0U);
-  EXPECT_EQ(engine.takeWork().stops, (std::vector<CTransferEngine::Stop>{{order.job, false}}));
+  EXPECT_EQ(stopsOf(engine.takeWork()), (Stops{{order.job, false}}));
   engine.onAttemptDone(order.job, AttemptOutcome::done());
   EXPECT_EQ(stateOf(group), kGroupPaused);
   engine.resumeGroup(group);
@@ -257,6 +265,12 @@ DownloadResume halfOfAFile() {
   resume.partialPath = ".half";
   resume.written = {{0, 50}};
   return resume;
+}
+
+UploadSession sessionOf(const std::string& id) {
+  UploadSession session;
+  session.uploadId = id;
+  return session;
 }
 
 TEST_F(TransferEngine, GivesTheNextAttemptWhatTheLastOneLeftAndKeepsItsBytesCounted) {
@@ -292,12 +306,69 @@ TEST_F(TransferEngine, LetsWhatIsLeftOfFilesThatNobodyWantsBeRemoved) {
   EXPECT_EQ(engine.group(group)->bytesTransferred, 50U);
   engine.dequeueFiles(group, {order.spec.fileId});
   auto work = engine.takeWork();
-  ASSERT_EQ(work.leftovers.size(), 1U);
-  EXPECT_EQ(work.leftovers[0].resume, halfOfAFile());
+  ASSERT_EQ(work.discards.size(), 1U);
+  EXPECT_EQ(work.discards[0].leftover.resume, halfOfAFile());
+  engine.onDiscarded(work.discards[0].id, AttemptOutcome::done());
   EXPECT_EQ(engine.group(group)->bytesTransferred, 0U);
-  const JobId running = work.starts.at(0).job;
+  const auto running = work.starts.at(0);
   engine.cancelGroup(group);
-  EXPECT_EQ(engine.takeWork().stops, (std::vector<CTransferEngine::Stop>{{running, true}}));
+  work = engine.takeWork();
+  EXPECT_EQ(stopsOf(work), (Stops{{running.job, true}}));
+  EXPECT_TRUE(work.discards.empty());
+  // It had ended by itself before it could be stopped.
+  running.progress->setResume(halfOfAFile());
+  engine.onLeftBehind(work.stops[0].leftover());
+  EXPECT_EQ(engine.takeWork().discards.at(0).leftover.resume, halfOfAFile());
+}
+
+TEST_F(TransferEngine, DiscardsAfterTheNextStartWhatACancelJustBeforeTheEndHasLeft) {
+  const auto group = groupOf(2);
+  engine.start();
+  const auto orders = starts();
+  orders[0].progress->setResume(halfOfAFile());
+  orders[1].progress->setResume(sessionOf("id"));
+  engine.cancelGroup(group);
+  engine.stop();  // nobody was told to stop the attempts any more
+  engine.start();
+  const auto discards = engine.takeWork().discards;
+  ASSERT_EQ(discards.size(), 2U);
+  EXPECT_EQ(discards[0].leftover.resume, TransferResume(sessionOf("id")));
+  EXPECT_EQ(discards[1].leftover.resume, halfOfAFile());
+}
+
+TEST_F(TransferEngine, DiscardsAFewAtATimeAndRestsAfterAFailureUntilItGivesUp) {
+  engine.start();
+  for (const char* id : {"a", "b", "c", "d", "e"}) {
+    engine.onLeftBehind({.resume = sessionOf(id)});
+  }
+  auto work = engine.takeWork();
+  ASSERT_EQ(work.discards.size(), 4U);
+  EXPECT_TRUE(engine.takeWork().discards.empty());
+  for (std::size_t at = 0; at < 3; ++at) {
+    engine.onDiscarded(work.discards[at].id, AttemptOutcome::done());
+  }
+  engine.onDiscarded(work.discards[3].id, AttemptOutcome::retry("x"));
+  for (int failures = 1; failures <= 6; ++failures) {
+    work = engine.takeWork();
+    EXPECT_TRUE(work.discards.empty());
+    const auto wait = work.nextDue.value() - clock.now();
+    EXPECT_GE(wait, milliseconds(std::min(500 << (failures - 1), 4000)));
+    EXPECT_LE(wait, seconds(8));
+    clock.pass(wait);
+    work = engine.takeWork();
+    ASSERT_EQ(work.discards.size(), 2U);
+    for (const DiscardOrder& order : work.discards) {
+      engine.onDiscarded(order.id, AttemptOutcome::retry("x"));
+    }
+  }
+  clock.pass(std::chrono::hours(24 * 7));
+  for (const DiscardOrder& order : engine.takeWork().discards) {
+    engine.onDiscarded(order.id, AttemptOutcome::retry("x"));
+  }
+  clock.pass(seconds(8));
+  work = engine.takeWork();
+  EXPECT_TRUE(work.discards.empty());
+  EXPECT_FALSE(work.nextDue.has_value());
 }
 
 TEST_F(TransferEngine, LetsALandingFileMakeRoomAndNoLongerBePaused) {
@@ -308,7 +379,7 @@ TEST_F(TransferEngine, LetsALandingFileMakeRoomAndNoLongerBePaused) {
   EXPECT_TRUE(engine.onAttemptLanding(landing.job));
   const auto next = starts().at(0);
   engine.pauseGroup(group);
-  EXPECT_EQ(engine.takeWork().stops, (std::vector<CTransferEngine::Stop>{{next.job, false}}));
+  EXPECT_EQ(stopsOf(engine.takeWork()), (Stops{{next.job, false}}));
   EXPECT_FALSE(engine.onAttemptLanding(next.job));
   engine.onAttemptDone(landing.job, AttemptOutcome::done());
   EXPECT_EQ(engine.group(group)->filesCompleted, 1);

@@ -139,6 +139,30 @@ TEST_F(StoredQueue, KeepsTheSessionsOfUploadsInParts) {
   EXPECT_EQ(resumes[0].second.bytes(), 15U);
 }
 
+TEST_F(StoredQueue, KeepsWhatIsLeftBehindAlsoWithoutItsGroupUntilItIsGone) {
+  UploadSession begun;
+  begun.uploadId = "id";
+  begun.partSize = 1;
+  begun.source.size = 2;
+  const Leftover session{.resume = begun, .since = 1234};
+  const Leftover partial{.folder = "/target", .resume = partialFile(".part")};
+  {
+    auto queue = opened();
+    IQueueStore& store = queue->store();
+    store.saveGroup(group(1));
+    for (const LeftoverId id : {5, 6, 7}) {
+      store.saveLeftover(id, id == 7 ? partial : session);
+    }
+    store.removeGroup(1);
+    queue->settle(std::chrono::seconds(60));
+    store.removeLeftover(6);
+    EXPECT_TRUE(queue->close());
+  }
+  opened();
+  const std::vector<std::pair<LeftoverId, Leftover>> expected{{5, session}, {7, partial}};
+  EXPECT_EQ(found.leftovers, expected);
+}
+
 TEST_F(StoredQueue, KeepsWhyFilesFailedAsLongAsTheyHave) {
   {
     auto queue = opened();

@@ -73,7 +73,7 @@ class CStoredQueueTest : public ::testing::Test {
     auto queue = made();
     const auto result = queue->open(path());
     EXPECT_TRUE(result.has_value()) << log.text();
-    found = result.value_or(CStoredQueue::Found());
+    found = result.value_or(RestoredQueue());
     return queue;
   }
   // The description, brought from disk if need be; nothing when it cannot be read.
@@ -102,7 +102,7 @@ class CStoredQueueTest : public ::testing::Test {
 
   CSandbox sandbox;
   CTextLog log;
-  CStoredQueue::Found found;
+  RestoredQueue found;
   std::mutex mutex;
   std::condition_variable arrived;
   int arrivals = 0;  // guarded by mutex

@@ -1,0 +1,98 @@
+#include "engine/leftover_book.h"
+
+#include <algorithm>
+
+#include "text/url_parts.h"
+
+namespace zt_transfers {
+namespace {
+
+std::string textOf(const Leftover& leftover) {
+  return leftover.resume.isUpload()
+             ? "the upload in parts to " + loggableUrl(leftover.resume.upload().url)
+             : "the partial file " + leftover.folder + "/" + leftover.resume.download().partialPath;
+}
+
+}  // namespace
+
+void CLeftoverBook::restore(std::vector<std::pair<LeftoverId, Leftover>> kept) {
+  entries_.clear();
+  for (auto& [id, leftover] : kept) {
+    last_ = std::max(last_, id);
+    entries_.emplace(id, Entry{std::move(leftover)});
+  }
+  stop();
+}
+
+void CLeftoverBook::add(Leftover leftover) {
+  if (!leftover.resume.begun()) {
+    return;
+  }
+  if (leftover.resume.isUpload()) {
+    leftover.resume.upload().parts.clear();  // thousands, maybe, and of no use any more
+  }
+  leftover.since = clock_.secondsSince1970();
+  store_.saveLeftover(++last_, leftover);
+  waiting_.push_back(last_);
+  entries_.emplace(last_, Entry{std::move(leftover)});
+}
+
+std::vector<DiscardOrder> CLeftoverBook::takeDue() {
+  std::vector<DiscardOrder> due;
+  if (notBefore_ > clock_.now()) {
+    return due;
+  }
+  while (!waiting_.empty() && entries_.size() - waiting_.size() < kMostAtOnce) {
+    const LeftoverId id = waiting_.front();
+    waiting_.pop_front();
+    due.push_back({id, entries_.at(id).leftover, {}});
+  }
+  return due;
+}
+
+std::optional<TimePoint> CLeftoverBook::nextDue() const {
+  return waiting_.empty() || notBefore_ <= clock_.now() ? std::nullopt : std::optional(notBefore_);
+}
+
+std::string CLeftoverBook::settle(LeftoverId id, const AttemptOutcome& outcome) {
+  const auto found = entries_.find(id);
+  if (found == entries_.end()) {
+    return {};
+  }
+  const std::string text = textOf(found->second.leftover);
+  const bool done = outcome.kind == AttemptOutcome::Kind::kDone;
+  const bool old = clock_.secondsSince1970() - found->second.leftover.since > kLongest.count();
+  if (outcome.kind == AttemptOutcome::Kind::kRetry && !old) {
+    rest(outcome);
+    waiting_.push_back(id);
+    return std::exchange(found->second.failedBefore, true)
+               ? ""
+               : "Cannot discard " + text + " now, it is tried again: " + outcome.reason;
+  }
+  if (done) {
+    troubles_ = 0;
+  }
+  store_.removeLeftover(id);
+  entries_.erase(found);
+  return done ? "Discarded " + text
+              : "Cannot discard " + text + ", and tries no more: " + outcome.reason;
+}
+
+// Failures during a rest were under way when it began and do not lengthen it.
+void CLeftoverBook::rest(const AttemptOutcome& outcome) {
+  const TimePoint now = clock_.now();
+  if (notBefore_ <= now) {
+    notBefore_ = now + retries_.delay(++troubles_, outcome);
+  }
+}
+
+void CLeftoverBook::stop() {
+  waiting_.clear();
+  for (const auto& [id, entry] : entries_) {
+    waiting_.push_back(id);
+  }
+  troubles_ = 0;
+  notBefore_ = TimePoint{};
+}
+
+}  // namespace zt_transfers

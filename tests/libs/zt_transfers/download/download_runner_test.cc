@@ -1,0 +1,80 @@
+#include "download/download_runner.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <future>
+#include <utility>
+
+#include "sandbox.h"
+
+namespace zt_transfers::test {
+namespace {
+
+class CNoLog : public ILog {
+ public:
+  void write(Priority, std::string_view) noexcept override {}
+};
+
+class CObserver final : public IAttemptObserver {
+ public:
+  void onAttemptsDone(const std::vector<AttemptEnd>&) override {}
+  bool onAttemptCheckpoint(JobId) override { return true; }
+  bool onAttemptLanding(JobId) override { return true; }
+  void keepDurably(const std::vector<JobId>&) override {}
+  void onLeftBehind(Leftover leftover) override { left.push_back(std::move(leftover)); }
+  void onDiscarded(LeftoverId, const AttemptOutcome& outcome) override {
+    discarded.set_value(outcome.kind);
+  }
+
+  std::vector<Leftover> left;
+  std::promise<AttemptOutcome::Kind> discarded;
+};
+
+class DownloadRunner : public ::testing::Test {
+ protected:
+  void SetUp() override { pool.start(1); }
+  void TearDown() override { pool.stop(); }
+  // As it is when an attempt has ended by itself, and left this.
+  AttemptStop stopOfEnded(const std::string& name) {
+    DownloadResume resume;
+    resume.partialPath = name;
+    struct stat status {};
+    ::stat(sandbox.file(name, "some").c_str(), &status);
+    resume.inode = status.st_ino;
+    auto progress = std::make_shared<JobProgress>();
+    progress->setResume(resume);
+    return {.job = 7, .discard = true, .folder = sandbox.folder().string(), .progress = progress};
+  }
+  AttemptOutcome::Kind discard(const Leftover& leftover) {
+    observer.discarded = {};
+    runner.discard({1, leftover, {}});
+    return observer.discarded.get_future().get();
+  }
+
+  CSandbox sandbox;
+  CSystemClock clock;
+  CNoLog log;
+  CObserver observer;
+  CHttpLoop loop{"zt-net-test", clock};
+  CWorkerPool pool{"zt-disk-test"};
+  CDownloadRunner runner{loop, pool, log, observer};
+};
+
+TEST_F(DownloadRunner, ClearsAwayWhatAnAttemptHasLeftThatEndedJustBeforeItWasStopped) {
+  AttemptStop stop = stopOfEnded(".kept.part");
+  stop.discard = false;
+  runner.stop(stop);
+  EXPECT_TRUE(observer.left.empty());
+  runner.stop(stopOfEnded(".a.part"));
+  ASSERT_EQ(observer.left.size(), 1U);
+  EXPECT_EQ(discard(observer.left[0]), AttemptOutcome::Kind::kDone);
+  EXPECT_FALSE(std::filesystem::exists(sandbox.folder() / ".a.part"));
+  EXPECT_TRUE(std::filesystem::exists(sandbox.folder() / ".kept.part"));
+  EXPECT_EQ(discard(observer.left[0]), AttemptOutcome::Kind::kDone);
+  observer.left[0].folder += "/missing";  // a disk that is not mounted
+  EXPECT_EQ(discard(observer.left[0]), AttemptOutcome::Kind::kRetry);
+}
+
+}  // namespace
+}  // namespace zt_transfers::test

@@ -71,7 +71,7 @@ void CHttpLoop::stop() {
 void CHttpLoop::wake() {
   if (std::this_thread::get_id() == loopThread_.load()) {
     again_ = true;
-  } else if (!woken_.exchange(true)) {
+  } else if (!woken_.exchange(true) && sleeping_) {
     curl_multi_wakeup(multi_.get());
   }
 }
@@ -208,8 +208,12 @@ void CHttpLoop::waitForTraffic(std::optional<TimePoint> due, bool atOnce) {
   if (atOnce) {
     limit = Duration::zero();
   }
-  const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(limit).count();
+  sleeping_ = true;
+  // Who called before that has not woken it.
+  const auto milliseconds =
+      woken_ ? 0 : std::chrono::ceil<std::chrono::milliseconds>(limit).count();
   curl_multi_poll(multi_.get(), nullptr, 0, static_cast<int>(milliseconds), nullptr);
+  sleeping_ = false;
 }
 
 CurlEasy CHttpLoop::takeEasy() {

@@ -67,7 +67,8 @@ class CHttpLoop {
   const CurlMulti multi_;
   std::thread thread_;
   std::atomic<std::thread::id> loopThread_{};
-  std::atomic<bool> woken_ = false;  // and has not got to it yet
+  std::atomic<bool> sleeping_ = false;  // only then somebody has to wake it
+  std::atomic<bool> woken_ = false;     // and has not got to it yet
 
   std::mutex mutex_;
   // Guarded by mutex_.

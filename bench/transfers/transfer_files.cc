@@ -127,6 +127,7 @@ void download(const Job& job) {
 }
 
 std::vector<Entry> readList() {
+  std::ios::sync_with_stdio(false);
   std::vector<Entry> entries;
   Entry entry;
   while (std::cin >> entry.size >> entry.md5 && std::getline(std::cin >> std::ws, entry.path)) {

@@ -47,6 +47,9 @@ TEST_F(UploadManager, SendsOnePutWithItsHeadersALengthAndNoExpectation) {
   EXPECT_EQ(headers.at("user-agent"), "Zantrio-Test/1.0");
   EXPECT_EQ(headers.count("expect"), 0U);
   EXPECT_EQ(headers.count("transfer-encoding"), 0U);
+  const auto untyped = upload({describe("untyped", "content")});
+  ASSERT_TRUE(recorder.waitForGroupState(untyped, kGroupCompleted));
+  EXPECT_EQ(server.requests().back().headers.count("content-type"), 0U);
 }
 
 TEST_F(UploadManager, SendsEmptyFilesAndReportsTheirGroupAtHundredPercent) {

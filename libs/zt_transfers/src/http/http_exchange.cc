@@ -9,6 +9,9 @@
 namespace zt_transfers {
 namespace {
 
+// libcurl sends no larger body together with the head.
+constexpr std::uint64_t kMostWithHead = 64ULL * 1024 - 1;
+
 constexpr long kLargeUploadBuffer = 64L * 1024;
 constexpr std::uint64_t kLargeReceiveBuffer = 128ULL * 1024;
 constexpr std::uint64_t kSmallReceiveBuffer = 32ULL * 1024;
@@ -134,6 +137,12 @@ void CHttpExchange::setUp(const HttpRequest& request) {
 }
 
 void CHttpExchange::setUpBody(const HttpRequest& request) {
+  if (request.bodySize <= kMostWithHead) {
+    if (const std::string_view content = body_->takeAll(); !content.empty()) {
+      setUpSmallBody(request, content);
+      return;
+    }
+  }
   CURL* easy = easy_.get();
   curl_easy_setopt(easy, CURLOPT_UPLOAD, 1L);
   curl_easy_setopt(easy, CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(request.bodySize));
@@ -145,6 +154,20 @@ void CHttpExchange::setUpBody(const HttpRequest& request) {
   if (request.bodySize > static_cast<std::uint64_t>(kLargeUploadBuffer)) {
     curl_easy_setopt(easy, CURLOPT_UPLOAD_BUFFERSIZE, kLargeUploadBuffer);
   }
+}
+
+// As the fields of a form, but for the method and the type.
+void CHttpExchange::setUpSmallBody(const HttpRequest& request, std::string_view content) {
+  const bool typed = std::any_of(
+      request.headers.begin(), request.headers.end(),
+      [](const auto& header) { return equalsIgnoringCase(header.first, "content-type"); });
+  if (!typed) {
+    append(headers_, "Content-Type:");
+    curl_easy_setopt(easy_.get(), CURLOPT_HTTPHEADER, headers_.get());
+  }
+  curl_easy_setopt(easy_.get(), CURLOPT_POSTFIELDSIZE_LARGE,
+                   static_cast<curl_off_t>(content.size()));
+  curl_easy_setopt(easy_.get(), CURLOPT_POSTFIELDS, content.data());
 }
 
 void CHttpExchange::resumeBody() {

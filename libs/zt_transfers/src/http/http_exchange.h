@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -35,6 +36,9 @@ class IHttpBody {
   // Copies up to `room` bytes to `to` and gives their number in `copied`. After kLater the body
   // calls CHttpExchange::resumeBody when it has more; kBroken ends the exchange.
   virtual Read read(char* to, std::size_t room, std::size_t& copied) = 0;
+  // All of it, where it is in memory: goes out together with the head, and must stay there until
+  // the exchange is gone. Nothing: it is read.
+  virtual std::string_view takeAll() { return {}; }
   // Begins again from the first byte, if it can: libcurl needs that when a connection that was
   // kept open turns out to be dead.
   virtual bool rewind() = 0;
@@ -90,6 +94,7 @@ class CHttpExchange {
                 Done done);
   void setUp(const HttpRequest& request);
   void setUpBody(const HttpRequest& request);
+  void setUpSmallBody(const HttpRequest& request, std::string_view content);
   void setUpHeaders(const HttpRequest& request);
   void takeHeaderLine(std::string_view line);
   std::size_t takeContent(const char* data, std::size_t size);

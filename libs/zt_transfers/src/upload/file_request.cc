@@ -83,6 +83,18 @@ IHttpBody::Read CFileRequest::read(char* to, std::size_t room, std::size_t& copi
   return Read::kData;
 }
 
+std::string_view CFileRequest::takeAll() {
+  if (tools_.loop.throttle().limited()) {
+    return {};
+  }
+  const std::string_view content = source_->takeAll();
+  if (!content.empty()) {
+    sent_ = content.size();
+    listener_.onRequestMoved(*this);
+  }
+  return content;
+}
+
 bool CFileRequest::rewind() {
   if (!source_->rewind()) {
     return false;

@@ -70,6 +70,7 @@ class CFileRequest final : public CUploadSource::IListener,
   void onSourceReady() override;
   void onSourceFailed(const Trouble& trouble) override;
   Read read(char* to, std::size_t room, std::size_t& copied) override;
+  std::string_view takeAll() override;
   bool rewind() override;
   void onThrottleOpen() override { exchange_->resumeBody(); }
 

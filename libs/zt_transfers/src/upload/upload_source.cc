@@ -34,6 +34,15 @@ std::size_t CUploadSource::take(char* to, std::size_t room) {
   return taken;
 }
 
+std::string_view CUploadSource::takeAll() {
+  if (offset_ != 0 || !inFirstChunk_ || chunks_.empty() || !chunks_.front().last) {
+    return {};
+  }
+  const SourceChunk& chunk = chunks_.front();
+  offset_ = chunk.size;
+  return {chunk.data.get(), chunk.size};
+}
+
 void CUploadSource::skip() {
   while (available() != 0) {
     offset_ = chunks_.front().size;

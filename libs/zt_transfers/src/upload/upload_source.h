@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "http/http_loop.h"
 #include "threads/worker_pool.h"
@@ -41,6 +42,8 @@ class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
   std::size_t available() const;
   // Takes at most `room` bytes and gives their number.
   std::size_t take(char* to, std::size_t room);
+  // All of it, if none was taken and it is one chunk; stays valid as long as this source.
+  std::string_view takeAll();
   // Passes over what is there.
   void skip();
   // Back to the first byte; only as long as the first chunk is the current one.

@@ -1,29 +1,20 @@
 #include "download/partial_file.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <system_error>
-#include <thread>
 
-#include "download/counted_name.h"
 #include "download/file_trouble.h"
-#include "download/publish.h"
 #include "download/reserve_room.h"
 #include "download/target_folder.h"
 
 namespace zt_transfers {
 namespace {
 
-constexpr mode_t kAllThatTheUmaskLeaves = 0666;
-constexpr int kOpenPartial = O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
-constexpr int kMostNames = 16;
-constexpr unsigned kMostCounted = 10'000;
 constexpr std::uint64_t kReserveFrom = 1024 * 1024;  // smaller files are written at once
 
 [[noreturn]] void fail(const std::string& what) {
@@ -36,23 +27,6 @@ struct stat statusOf(int file) {
     fail("cannot read the partial file's status");
   }
   return status;
-}
-
-// A partial file belongs to one attempt at a time. The one before may still be ending.
-bool lock(int file) {
-  constexpr std::chrono::seconds kLimit{10};
-  constexpr std::chrono::milliseconds kPause{5};
-  const auto until = std::chrono::steady_clock::now() + kLimit;
-  while (::flock(file, LOCK_EX | LOCK_NB) != 0) {
-    if (errno != EWOULDBLOCK) {
-      return true;  // a file system without locks
-    }
-    if (std::chrono::steady_clock::now() > until) {
-      return false;
-    }
-    std::this_thread::sleep_for(kPause);
-  }
-  return true;
 }
 
 void syncData(int file) {
@@ -83,11 +57,6 @@ void beginWriteback(int file, std::uint64_t begin, std::uint64_t end) {
 #endif
 }
 
-std::string parentOf(const std::string& path) {
-  const auto slash = path.rfind('/');
-  return slash == std::string::npos ? "" : path.substr(0, slash + 1);
-}
-
 }  // namespace
 
 void CPartialFile::remove(const std::string& groupFolder, const DownloadResume& resume) {
@@ -105,47 +74,34 @@ void CPartialFile::remove(const std::string& groupFolder, const DownloadResume& 
 CPartialFile::~CPartialFile() {
   // Nothing worth keeping is in an empty one.
   if (discarded_ || resume_.written.empty()) {
-    unlink();
+    place_.unlink();
   }
 }
 
 void CPartialFile::discardNow() {
   discarded_ = true;
-  unlink();
-}
-
-void CPartialFile::unlink() {
-  if (file_.valid() && !name_.empty() && isThere(name_, resume_.inode)) {
-    ::unlinkat(folder_.get(), name_.c_str(), 0);
-  }
+  place_.unlink();
 }
 
 CPartialFile::Found CPartialFile::reopen(const DownloadResume& resume) {
-  if (parentOf(resume.partialPath) != partialPath("")) {
+  if (!place_.contains(resume.partialPath)) {
     return Found::kNothing;
   }
   resume_ = resume;
-  if (!openFolder(MissingFolders::kFail)) {
+  if (!place_.openFolder(MissingFolders::kFail)) {
     resume_ = {};
     return Found::kNothing;
   }
-  std::string name = resume.partialPath.substr(partialPath("").size());
-  CUniqueFd file(::openat(folder_.get(), name.c_str(), kOpenPartial));
-  if (!file.valid() && landedAlready(resume)) {
-    syncFolder();
+  CUniqueFd file = place_.reopen(resume);
+  if (!file.valid() && place_.hasLanded(resume)) {
+    place_.syncFolder();
     return Found::kLanded;
   }
   resume_ = {};
   if (!file.valid()) {
     return Found::kNothing;
   }
-  const struct stat status = statusOf(file.get());
-  // The attempt before may have removed it before it gave it free.
-  if (!S_ISREG(status.st_mode) || status.st_ino != resume.inode || !lock(file.get()) ||
-      !isThere(name, status.st_ino)) {
-    return Found::kNothing;
-  }
-  adopt(std::move(file), std::move(name));
+  adopt(std::move(file));
   resume_.validator = resume.validator;
   resume_.size = resume.size;
   const auto there = static_cast<std::uint64_t>(statusOf(file_.get()).st_size);
@@ -162,46 +118,15 @@ void CPartialFile::create(std::uint64_t size) {
   if (file_.valid()) {
     return;
   }
-  openFolder(MissingFolders::kMake);
-  for (int number = 0; number < kMostNames; ++number) {
-    const std::string key = plan_.key + '\0' + std::to_string(number);
-    std::string name = partialName(plan_.target.name, key);
-    CUniqueFd file(::openat(folder_.get(), name.c_str(), kOpenPartial | O_CREAT | O_EXCL,
-                            kAllThatTheUmaskLeaves));
-    if (file.valid()) {
-      ::flock(file.get(), LOCK_EX | LOCK_NB);
-      adopt(std::move(file), std::move(name));
-      reserve(size);
-      return;
-    }
-    if (errno != EEXIST) {
-      fail("cannot make the file in its folder");
-    }
-    if (takeExisting(name)) {
-      reserve(size);
-      return;
-    }
-  }
-  errno = EEXIST;
-  fail("cannot make the file in its folder");
+  place_.openFolder(MissingFolders::kMake);
+  adopt(place_.make());
+  reserve(size);
 }
 
-// What an earlier run of the program has left under this file's own hidden name; nobody knows
-// how good its content is.
-bool CPartialFile::takeExisting(const std::string& name) {
-  CUniqueFd file(::openat(folder_.get(), name.c_str(), kOpenPartial));
-  if (!file.valid()) {
-    return false;
-  }
-  const struct stat status = statusOf(file.get());
-  const bool plain =
-      S_ISREG(status.st_mode) && status.st_nlink == 1 && status.st_uid == ::geteuid();
-  if (!plain || ::flock(file.get(), LOCK_EX | LOCK_NB) != 0 || !isThere(name, status.st_ino) ||
-      ::ftruncate(file.get(), 0) != 0) {
-    return false;
-  }
-  adopt(std::move(file), name);
-  return true;
+void CPartialFile::adopt(CUniqueFd file) {
+  file_ = std::move(file);
+  resume_.partialPath = place_.path();
+  resume_.inode = place_.inode();
 }
 
 void CPartialFile::restart(const std::string& validator, std::uint64_t size) {
@@ -310,7 +235,7 @@ void CPartialFile::settle(bool alone) {
     // A file system that cannot keep such a time is no reason to lose the file.
     ::futimens(file_.get(), times.data());
   }
-  if (alone && foldersMade_) {
+  if (alone && place_.foldersMade()) {
     syncFileSystem();
   } else if (alone && ::fsync(file_.get()) != 0) {
     fail("cannot write the file to disk");
@@ -331,92 +256,9 @@ bool CPartialFile::syncFileSystem() const {
 #endif
 }
 
-std::string CPartialFile::publish() {
-  if (!isThere(name_, resume_.inode)) {
-    errno = ENOENT;
-    fail("the partial file was replaced");
-  }
-  std::string name = zt_transfers::publish(folder_.get(), name_, plan_.target.name);
-  name_.clear();
-  return name;
-}
-
-void CPartialFile::syncFolder() const {
-  // Some file systems do not offer it; then the file's own sync has to do.
-  if (::fsync(folder_.get()) != 0 && errno != EINVAL && errno != EROFS) {
-    fail("cannot write the folder to disk");
-  }
-}
-
 void CPartialFile::close() {
   file_ = CUniqueFd();
-  folder_ = CUniqueFd();
-}
-
-bool CPartialFile::sameFolder(const CPartialFile& other) const {
-  return folderStatus_.st_dev == other.folderStatus_.st_dev &&
-         folderStatus_.st_ino == other.folderStatus_.st_ino;
-}
-
-bool CPartialFile::sameFileSystem(const CPartialFile& other) const {
-  return folderStatus_.st_dev == other.folderStatus_.st_dev;
-}
-
-std::string CPartialFile::partialPath(const std::string& name) const {
-  std::string path;
-  for (const std::string& folder : plan_.target.folders) {
-    path += folder + '/';
-  }
-  return path + name;
-}
-
-// False when it is not there.
-bool CPartialFile::openFolder(MissingFolders missing) {
-  if (folder_.valid()) {
-    return true;
-  }
-  try {
-    TargetFolder target = openTargetFolder(plan_.folder, plan_.target.folders, missing);
-    folder_ = std::move(target.folder);
-    foldersMade_ = target.made;
-  } catch (const std::system_error& error) {
-    const bool gone = dynamic_cast<const CFolderGone*>(&error) != nullptr;
-    if (missing == MissingFolders::kFail && !gone && error.code().value() == ENOENT) {
-      return false;
-    }
-    throw;
-  }
-  if (::fstat(folder_.get(), &folderStatus_) != 0) {
-    fail("cannot read the folder's status");
-  }
-  return true;
-}
-
-void CPartialFile::adopt(CUniqueFd file, std::string name) {
-  file_ = std::move(file);
-  name_ = std::move(name);
-  resume_.partialPath = partialPath(name_);
-  resume_.inode = statusOf(file_.get()).st_ino;
-}
-
-// A program that ended between the renaming and the note of it left its file under its final
-// name.
-bool CPartialFile::landedAlready(const DownloadResume& resume) const {
-  const auto isWhole = [&](std::uint64_t size) {
-    return resume.size == DownloadResume::kUnknown ? size >= lengthOf(resume.written)
-                                                   : size == resume.size;
-  };
-  for (unsigned count = 0; count <= kMostCounted; ++count) {
-    struct stat status {};
-    const std::string name = countedName(plan_.target.name, count);
-    if (::fstatat(folder_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
-      return false;
-    }
-    if (status.st_ino == resume.inode && S_ISREG(status.st_mode)) {
-      return isWhole(static_cast<std::uint64_t>(status.st_size));
-    }
-  }
-  return false;
+  place_.close();
 }
 
 void CPartialFile::reserve(std::uint64_t size) {
@@ -432,12 +274,6 @@ void CPartialFile::reserve(std::uint64_t size) {
     throw CNoRoomForClaim(error.code(), "cannot make room for the " + std::to_string(size) +
                                             " bytes that the server announces");
   }
-}
-
-bool CPartialFile::isThere(const std::string& name, std::uint64_t inode) const {
-  struct stat status {};
-  return ::fstatat(folder_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
-         status.st_ino == inode && S_ISREG(status.st_mode);
 }
 
 }  // namespace zt_transfers

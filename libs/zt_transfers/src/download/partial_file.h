@@ -1,7 +1,5 @@
 #pragma once
 
-#include <sys/stat.h>
-
 #include <atomic>
 #include <cstdint>
 #include <mutex>
@@ -10,7 +8,7 @@
 #include <utility>
 
 #include "download/content_hash.h"
-#include "download/target_folder.h"
+#include "download/partial_place.h"
 #include "download/target_path.h"
 #include "engine/download_resume.h"
 #include "os/unique_fd.h"
@@ -37,7 +35,8 @@ class CPartialFile {
   // Removes what is left of an earlier attempt.
   static void remove(const std::string& groupFolder, const DownloadResume& resume);
 
-  explicit CPartialFile(Plan plan) : plan_(std::move(plan)) {}
+  explicit CPartialFile(Plan plan)
+      : plan_(std::move(plan)), place_(plan_.folder, plan_.target, plan_.key) {}
   ~CPartialFile();
   CPartialFile(const CPartialFile&) = delete;
   CPartialFile& operator=(const CPartialFile&) = delete;
@@ -75,8 +74,8 @@ class CPartialFile {
   // does, where there is no such operation.
   bool syncFileSystem() const;
   // Gives it its final name, which then is durable only after syncFolder.
-  std::string publish();
-  void syncFolder() const;
+  std::string publish() { return place_.publish(); }
+  void syncFolder() const { place_.syncFolder(); }
 
   // It has its name, and nothing more is to be done with it.
   void close();
@@ -89,30 +88,23 @@ class CPartialFile {
   bool open() const { return file_.valid(); }
   DownloadResume resume() const;
   // Valid once they are open.
-  bool sameFolder(const CPartialFile& other) const;
-  bool sameFileSystem(const CPartialFile& other) const;
+  bool sameFolder(const CPartialFile& other) const { return place_.sameFolder(other.place_); }
+  bool sameFileSystem(const CPartialFile& other) const {
+    return place_.sameFileSystem(other.place_);
+  }
 
  private:
-  void unlink();
-  std::string partialPath(const std::string& name) const;
-  bool openFolder(MissingFolders missing);
-  void adopt(CUniqueFd file, std::string name);
-  bool takeExisting(const std::string& name);
-  bool landedAlready(const DownloadResume& resume) const;
+  void adopt(CUniqueFd file);
   void reserve(std::uint64_t size);
   void noteWritten(ByteSpan span);
   CContentHash& openHash();
   std::string digest(std::uint64_t size);
-  bool isThere(const std::string& name, std::uint64_t inode) const;
 
   const Plan plan_;
   std::atomic<bool> discarded_{false};
 
-  CUniqueFd folder_;
-  bool foldersMade_ = false;
+  CPartialPlace place_;
   CUniqueFd file_;
-  std::string name_;  // of the partial file; empty once it is published
-  struct stat folderStatus_ {};
   std::optional<CContentHash> hash_;
   std::optional<std::string> digest_;
 

@@ -1,0 +1,214 @@
+#include "download/partial_place.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "download/counted_name.h"
+#include "download/publish.h"
+
+namespace zt_transfers {
+namespace {
+
+constexpr mode_t kAllThatTheUmaskLeaves = 0666;
+constexpr int kOpenPartial = O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
+constexpr int kMostNames = 16;
+constexpr unsigned kMostCounted = 10'000;
+
+[[noreturn]] void fail(const std::string& what) {
+  throw std::system_error(errno, std::generic_category(), what);
+}
+
+struct stat statusOf(int file) {
+  struct stat status {};
+  if (::fstat(file, &status) != 0) {
+    fail("cannot read the partial file's status");
+  }
+  return status;
+}
+
+bool tryLock(int file) {
+  return ::flock(file, LOCK_EX | LOCK_NB) == 0;
+}
+
+// A partial file belongs to one attempt at a time. The one before may still be ending.
+bool lock(int file) {
+  constexpr std::chrono::seconds kLimit{10};
+  constexpr std::chrono::milliseconds kPause{5};
+  const auto until = std::chrono::steady_clock::now() + kLimit;
+  while (!tryLock(file)) {
+    if (errno != EWOULDBLOCK) {
+      return true;  // a file system without locks
+    }
+    if (std::chrono::steady_clock::now() > until) {
+      return false;
+    }
+    std::this_thread::sleep_for(kPause);
+  }
+  return true;
+}
+
+}  // namespace
+
+bool CPartialPlace::openFolder(MissingFolders missing) {
+  if (folder_.valid()) {
+    return true;
+  }
+  try {
+    TargetFolder target = openTargetFolder(groupFolder_, target_.folders, missing);
+    folder_ = std::move(target.folder);
+    foldersMade_ = target.made;
+  } catch (const std::system_error& error) {
+    const bool gone = dynamic_cast<const CFolderGone*>(&error) != nullptr;
+    if (missing == MissingFolders::kFail && !gone && error.code().value() == ENOENT) {
+      return false;
+    }
+    throw;
+  }
+  if (::fstat(folder_.get(), &folderStatus_) != 0) {
+    fail("cannot read the folder's status");
+  }
+  return true;
+}
+
+CUniqueFd CPartialPlace::reopen(const DownloadResume& resume) {
+  const std::string name = resume.partialPath.substr(pathOf("").size());
+  CUniqueFd file = open(name);
+  if (!file.valid()) {
+    return file;
+  }
+  const struct stat status = statusOf(file.get());
+  // The attempt before may have removed it before it gave it free.
+  if (!S_ISREG(status.st_mode) || status.st_ino != resume.inode || !lock(file.get()) ||
+      !isThere(name, status.st_ino)) {
+    return {};
+  }
+  take(name, status.st_ino);
+  return file;
+}
+
+CUniqueFd CPartialPlace::make() {
+  for (int number = 0; number < kMostNames; ++number) {
+    const std::string name = partialName(target_.name, key_ + '\0' + std::to_string(number));
+    CUniqueFd file(::openat(folder_.get(), name.c_str(), kOpenPartial | O_CREAT | O_EXCL,
+                            kAllThatTheUmaskLeaves));
+    if (file.valid()) {
+      tryLock(file.get());
+      take(name, statusOf(file.get()).st_ino);
+      return file;
+    }
+    if (errno != EEXIST) {
+      fail("cannot make the file in its folder");
+    }
+    file = takeExisting(name);
+    if (file.valid()) {
+      return file;
+    }
+  }
+  errno = EEXIST;
+  fail("cannot make the file in its folder");
+}
+
+// Nobody knows how good its content is.
+CUniqueFd CPartialPlace::takeExisting(const std::string& name) {
+  CUniqueFd file = open(name);
+  if (!file.valid()) {
+    return file;
+  }
+  const struct stat status = statusOf(file.get());
+  const bool plain =
+      S_ISREG(status.st_mode) && status.st_nlink == 1 && status.st_uid == ::geteuid();
+  if (!plain || !tryLock(file.get()) || !isThere(name, status.st_ino) ||
+      ::ftruncate(file.get(), 0) != 0) {
+    return {};
+  }
+  take(name, status.st_ino);
+  return file;
+}
+
+bool CPartialPlace::hasLanded(const DownloadResume& resume) const {
+  const auto isWhole = [&](std::uint64_t size) {
+    return resume.size == DownloadResume::kUnknown ? size >= lengthOf(resume.written)
+                                                   : size == resume.size;
+  };
+  for (unsigned count = 0; count <= kMostCounted; ++count) {
+    struct stat status {};
+    const std::string name = countedName(target_.name, count);
+    if (::fstatat(folder_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+      return false;
+    }
+    if (status.st_ino == resume.inode && S_ISREG(status.st_mode)) {
+      return isWhole(static_cast<std::uint64_t>(status.st_size));
+    }
+  }
+  return false;
+}
+
+std::string CPartialPlace::publish() {
+  if (!isThere(name_, inode_)) {
+    errno = ENOENT;
+    fail("the partial file was replaced");
+  }
+  std::string name = zt_transfers::publish(folder_.get(), name_, target_.name);
+  name_.clear();
+  return name;
+}
+
+void CPartialPlace::unlink() {
+  if (!name_.empty() && isThere(name_, inode_)) {
+    ::unlinkat(folder_.get(), name_.c_str(), 0);
+  }
+}
+
+void CPartialPlace::syncFolder() const {
+  // Some file systems do not offer it; then the file's own sync has to do.
+  if (::fsync(folder_.get()) != 0 && errno != EINVAL && errno != EROFS) {
+    fail("cannot write the folder to disk");
+  }
+}
+
+bool CPartialPlace::sameFolder(const CPartialPlace& other) const {
+  return folderStatus_.st_dev == other.folderStatus_.st_dev &&
+         folderStatus_.st_ino == other.folderStatus_.st_ino;
+}
+
+bool CPartialPlace::sameFileSystem(const CPartialPlace& other) const {
+  return folderStatus_.st_dev == other.folderStatus_.st_dev;
+}
+
+bool CPartialPlace::contains(const std::string& path) const {
+  const std::string folder = pathOf("");
+  return path.size() > folder.size() && path.compare(0, folder.size(), folder) == 0 &&
+         path.find('/', folder.size()) == std::string::npos;
+}
+
+std::string CPartialPlace::pathOf(const std::string& name) const {
+  std::string path;
+  for (const std::string& folder : target_.folders) {
+    path += folder + '/';
+  }
+  return path + name;
+}
+
+CUniqueFd CPartialPlace::open(const std::string& name) const {
+  return CUniqueFd(::openat(folder_.get(), name.c_str(), kOpenPartial));
+}
+
+void CPartialPlace::take(const std::string& name, std::uint64_t inode) {
+  name_ = name;
+  inode_ = inode;
+}
+
+bool CPartialPlace::isThere(const std::string& name, std::uint64_t inode) const {
+  struct stat status {};
+  return ::fstatat(folder_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+         status.st_ino == inode && S_ISREG(status.st_mode);
+}
+
+}  // namespace zt_transfers

@@ -102,6 +102,39 @@ TEST(OffScreen, TakesClicksMovesAndWheels) {
   EXPECT_TRUE(page.becomes("Math.round(scrollY)", "100"));
 }
 
+TEST(OffScreen, TellsTheClientOfCursorsThatArePictures) {
+  OffScreenPage shown(R"(<style>body { margin: 0 }</style><script>
+    const picture = Object.assign(document.createElement('canvas'), { width: 24, height: 12 });
+    const brush = picture.getContext('2d');
+    brush.fillStyle = '#ff8000';
+    brush.fillRect(0, 0, 24, 12);
+    document.documentElement.style.cursor = `url(${picture.toDataURL()}) 3 5, pointer`;
+    </script>)");
+  Screen& screen = shown.screen();
+  ASSERT_TRUE(shown.page().becomes("document.readyState", "complete"));
+  ASSERT_TRUE(runUntil([&] { return !screen.paints.empty(); }));
+  const auto becomes = [&](int width) {
+    return runUntil([&] {
+      shown.move(20, 30);
+      return screen.cursor == CT_CUSTOM && screen.cursorInfo.size.width == width;
+    });
+  };
+  ASSERT_TRUE(becomes(24));
+  EXPECT_EQ(screen.cursorInfo.size.height, 12);
+  EXPECT_EQ(screen.cursorInfo.hotspot.x, 3);
+  EXPECT_EQ(screen.cursorInfo.hotspot.y, 5);
+  EXPECT_EQ(screen.cursorInfo.image_scale_factor, 1);
+  EXPECT_EQ(screen.cursorPixel, 0xffff8000);
+  shown.page().run("document.documentElement.style.cursor = 'grab'");
+  EXPECT_TRUE(runUntil([&] { return screen.cursor == CT_GRAB; }));  // without a movement
+  // Qt has no shape for this one.
+  shown.page().run("document.documentElement.style.cursor = 'zoom-in'");
+  EXPECT_TRUE(runUntil([&] {
+    shown.move(20, 30);
+    return screen.cursor == CT_CUSTOM && screen.cursorInfo.size.width > 0;
+  }));
+}
+
 TEST(OffScreen, CountsClicksAsTheClientDoes) {
   OffScreenPage shown(R"(<body style='margin: 0'><script>counts = [];
     addEventListener('click', event => counts.push(event.detail));</script>)");

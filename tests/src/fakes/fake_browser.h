@@ -65,6 +65,13 @@ class FakeHost : public CefBrowserHost {
   void SendMouseMoveEvent(const CefMouseEvent& /*event*/, bool /*mouseLeave*/) override {}
   void SendMouseWheelEvent(const CefMouseEvent& /*event*/, int /*deltaX*/,
                            int /*deltaY*/) override {}
+  void ImeSetComposition(const CefString& /*text*/,
+                         const std::vector<CefCompositionUnderline>& /*underlines*/,
+                         const CefRange& /*replaced*/, const CefRange& /*selected*/) override {}
+  void ImeCommitText(const CefString& /*text*/, const CefRange& /*replaced*/,
+                     int /*cursor*/) override {}
+  void ImeFinishComposingText(bool /*keepSelection*/) override {}
+  void ImeCancelComposition() override {}
   void DragTargetDragEnter(CefRefPtr<CefDragData> /*data*/, const CefMouseEvent& /*event*/,
                            DragOperationsMask /*allowed*/) override {}
   void DragTargetDragOver(const CefMouseEvent& /*event*/, DragOperationsMask /*allowed*/) override {

@@ -2,6 +2,8 @@
 #ifndef CEF_INCLUDE_CEF_BROWSER_H_
 #define CEF_INCLUDE_CEF_BROWSER_H_
 
+#include <vector>
+
 #include "include/cef_base.h"
 #include "include/cef_drag_data.h"
 #include "include/cef_frame.h"
@@ -61,6 +63,20 @@ class CefBrowserHost : public virtual CefBaseRefCounted {
                                    int clickCount) = 0;
   virtual void SendMouseMoveEvent(const CefMouseEvent& event, bool mouseLeave) = 0;
   virtual void SendMouseWheelEvent(const CefMouseEvent& event, int deltaX, int deltaY) = 0;
+  // Text of an input method that is not finished: shown in the focused field, in place of the
+  // composition before it, or of `replacement_range`. `selection_range` is in the text.
+  virtual void ImeSetComposition(const CefString& text,
+                                 const std::vector<CefCompositionUnderline>& underlines,
+                                 const CefRange& replacement_range,
+                                 const CefRange& selection_range) = 0;
+  // Finished text, in place of the composition, of `replacement_range`, or of what is selected. The
+  // caret goes behind it, and `relative_cursor_pos` further.
+  virtual void ImeCommitText(const CefString& text, const CefRange& replacement_range,
+                             int relative_cursor_pos) = 0;
+  // The composition stays in the field as text.
+  virtual void ImeFinishComposingText(bool keep_selection) = 0;
+  // The composition goes without a trace.
+  virtual void ImeCancelComposition() = 0;
   virtual void DragTargetDragEnter(CefRefPtr<CefDragData> drag_data, const CefMouseEvent& event,
                                    DragOperationsMask allowed_ops) = 0;
   virtual void DragTargetDragOver(const CefMouseEvent& event, DragOperationsMask allowed_ops) = 0;

@@ -15,6 +15,7 @@ class CefRenderHandler : public virtual CefBaseRefCounted {
   using DragOperationsMask = cef_drag_operations_mask_t;
   using PaintElementType = cef_paint_element_type_t;
   using RectList = std::vector<CefRect>;
+  using TextInputMode = cef_text_input_mode_t;
 
   virtual bool GetRootScreenRect(CefRefPtr<CefBrowser> /*browser*/, CefRect& /*rect*/) {
     return false;
@@ -42,6 +43,18 @@ class CefRenderHandler : public virtual CefBaseRefCounted {
   virtual void UpdateDragCursor(CefRefPtr<CefBrowser> /*browser*/, DragOperation /*operation*/) {}
   virtual void OnScrollOffsetChanged(CefRefPtr<CefBrowser> /*browser*/, double /*x*/,
                                      double /*y*/) {}
+  // The composition, or the caret where there is none, lies elsewhere: the range of the field's
+  // text, and where its characters are in the view.
+  virtual void OnImeCompositionRangeChanged(CefRefPtr<CefBrowser> /*browser*/,
+                                            const CefRange& /*selected_range*/,
+                                            const RectList& /*character_bounds*/) {}
+  // What is selected in the focused field.
+  virtual void OnTextSelectionChanged(CefRefPtr<CefBrowser> /*browser*/,
+                                      const CefString& /*selected_text*/,
+                                      const CefRange& /*selected_range*/) {}
+  // Another kind of field has the focus; none: input methods and keyboards on the screen rest.
+  virtual void OnVirtualKeyboardRequested(CefRefPtr<CefBrowser> /*browser*/,
+                                          TextInputMode /*input_mode*/) {}
 };
 
 #endif  // CEF_INCLUDE_CEF_RENDER_HANDLER_H_

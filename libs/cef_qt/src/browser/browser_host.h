@@ -26,6 +26,14 @@ class BrowserHost final : public CefBrowserHost {
                            int clickCount) override;
   void SendMouseMoveEvent(const CefMouseEvent& event, bool mouseLeave) override;
   void SendMouseWheelEvent(const CefMouseEvent& event, int deltaX, int deltaY) override;
+  void ImeSetComposition(const CefString& text,
+                         const std::vector<CefCompositionUnderline>& underlines,
+                         const CefRange& replacement_range,
+                         const CefRange& selection_range) override;
+  void ImeCommitText(const CefString& text, const CefRange& replacement_range,
+                     int relative_cursor_pos) override;
+  void ImeFinishComposingText(bool keep_selection) override;
+  void ImeCancelComposition() override;
   void DragTargetDragEnter(CefRefPtr<CefDragData> data, const CefMouseEvent& event,
                            DragOperationsMask allowed) override;
   void DragTargetDragOver(const CefMouseEvent& event, DragOperationsMask allowed) override;

@@ -1,4 +1,5 @@
 // What a browser's host does for an off-screen browser.
+#include "base/qt_text.h"
 #include "browser/browser_host.h"
 #include "browser/browser_window.h"
 #include "osr/off_screen_browser.h"
@@ -51,6 +52,30 @@ void BrowserHost::SendMouseMoveEvent(const CefMouseEvent& event, bool mouseLeave
 
 void BrowserHost::SendMouseWheelEvent(const CefMouseEvent& event, int deltaX, int deltaY) {
   withOffScreen(browser_, [=](auto& target) { target.input().wheel(event, deltaX, deltaY); });
+}
+
+void BrowserHost::ImeSetComposition(const CefString& text,
+                                    const std::vector<CefCompositionUnderline>& underlines,
+                                    const CefRange& replacement_range,
+                                    const CefRange& selection_range) {
+  withOffScreen(browser_, [=](auto& target) {
+    target.textInput().compose(toQt(text), underlines, replacement_range, selection_range);
+  });
+}
+
+// Qt leaves the caret behind the text.
+void BrowserHost::ImeCommitText(const CefString& text, const CefRange& replacement_range,
+                                int /*relative_cursor_pos*/) {
+  withOffScreen(browser_,
+                [=](auto& target) { target.textInput().commit(toQt(text), replacement_range); });
+}
+
+void BrowserHost::ImeFinishComposingText(bool /*keep_selection*/) {
+  withOffScreen(browser_, [](auto& target) { target.textInput().finish(); });
+}
+
+void BrowserHost::ImeCancelComposition() {
+  withOffScreen(browser_, [](auto& target) { target.textInput().cancel(); });
 }
 
 void BrowserHost::DragTargetDragEnter(CefRefPtr<CefDragData> data, const CefMouseEvent& event,

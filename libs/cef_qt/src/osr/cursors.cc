@@ -1,5 +1,8 @@
 #include "osr/cursors.h"
 
+#include <QPixmap>
+#include <QPointF>
+
 namespace cef_qt {
 
 cef_cursor_type_t cursorTypeOf(Qt::CursorShape shape) {
@@ -48,6 +51,22 @@ cef_cursor_type_t cursorTypeOf(Qt::CursorShape shape) {
     default:
       return CT_POINTER;
   }
+}
+
+QImage pictureOf(const QCursor& cursor) {
+  return cursor.pixmap().toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+}
+
+CefCursorInfo cursorInfoOf(const QCursor& cursor, const QImage& picture) {
+  CefCursorInfo info;
+  if (!picture.isNull()) {
+    const QPointF hotspot = QPointF(cursor.hotSpot()) * picture.devicePixelRatio();
+    info.hotspot = {qRound(hotspot.x()), qRound(hotspot.y())};
+    info.image_scale_factor = static_cast<float>(picture.devicePixelRatio());
+    info.buffer = picture.constBits();
+    info.size = {picture.width(), picture.height()};
+  }
+  return info;
 }
 
 }  // namespace cef_qt

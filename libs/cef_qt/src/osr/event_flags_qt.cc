@@ -31,4 +31,9 @@ Qt::KeyboardModifiers keyboardModifiersOf(uint32_t flags) {
   return modifiers;
 }
 
+quint32 nativeModifiersOf(uint32_t flags) {
+  constexpr quint32 kLock = 1U << 1U;  // by xkb
+  return (flags & EVENTFLAG_CAPS_LOCK_ON) != 0 ? kLock : 0;
+}
+
 }  // namespace cef_qt

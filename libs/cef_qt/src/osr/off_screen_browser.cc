@@ -21,6 +21,7 @@ namespace {
 constexpr int kDefaultRate = 30;
 constexpr int kHighestRate = 60;
 constexpr int kCursorMs = 30;
+constexpr int kIdleCursorMs = 200;
 constexpr int kCursorChecks = 20;
 // A page that is busy for longer is not waited for.
 constexpr int kLongestAnswerMs = 300;
@@ -31,14 +32,14 @@ QList<OffScreenBrowser*>& all() {
 }
 
 // The cursor of the item that the page is drawn in; other items have none.
-Qt::CursorShape cursorBelow(const QQuickItem& item) {
-  Qt::CursorShape shape = item.cursor().shape();
+QCursor cursorBelow(const QQuickItem& item) {
+  QCursor cursor = item.cursor();
   for (const QQuickItem* const child : item.childItems()) {
-    if (shape == Qt::ArrowCursor) {
-      shape = cursorBelow(*child);
+    if (cursor.shape() == Qt::ArrowCursor) {
+      cursor = cursorBelow(*child);
     }
   }
-  return shape;
+  return cursor;
 }
 
 int rateOf(int wanted) {
@@ -52,7 +53,8 @@ OffScreenBrowser::OffScreenBrowser(Browser* browser, QWebEngineView* view, int f
       view_(view),
       framesPerSecond_(rateOf(framesPerSecond)),
       input_(*this),
-      drag_(*this) {
+      drag_(*this),
+      textInput_(*this) {
   all().append(this);
   view_->setAttribute(Qt::WA_DontShowOnScreen);
   // Not a window that dialogs would open over, and without a frame around the page.
@@ -94,8 +96,11 @@ void OffScreenBrowser::attach() {
   if (!current || (page_ && page_->widget() == current)) {
     return;
   }
-  page_ = std::make_unique<PaintedWidget>(
-      current, framesPerSecond_, [this](const FrameBuffer& frame) { paint(PET_VIEW, frame); });
+  page_ =
+      std::make_unique<PaintedWidget>(current, framesPerSecond_, [this](const FrameBuffer& frame) {
+        paint(PET_VIEW, frame);
+        textInput_.report();  // the field may have moved
+      });
   // Qt's own windows over the view, as suggestions for a field, pass their keys on to what has the
   // focus in it.
   current->setFocus();
@@ -203,24 +208,29 @@ bool OffScreenBrowser::eventFilter(QObject* watched, QEvent* event) {
 
 void OffScreenBrowser::watchCursor() {
   cursorChecks_ = kCursorChecks;
-  if (!cursorTimer_.isActive()) {
+  if (!cursorTimer_.isActive() || cursorTimer_.interval() != kCursorMs) {
     cursorTimer_.start(kCursorMs);
   }
 }
 
+void OffScreenBrowser::ignoreCursor() {
+  cursorTimer_.stop();
+}
+
 void OffScreenBrowser::reportCursor() {
   if (--cursorChecks_ <= 0) {
-    cursorTimer_.stop();
+    cursorTimer_.setInterval(kIdleCursorMs);  // a page may change it without input
   }
   const QQuickWidget* const shown = page();
-  const Qt::CursorShape now =
-      shown ? cursorBelow(*shown->quickWindow()->contentItem()) : Qt::ArrowCursor;
+  const QCursor now = shown ? cursorBelow(*shown->quickWindow()->contentItem()) : QCursor();
   if (std::exchange(cursor_, now) == now) {
     return;
   }
   const CefRefPtr<CefClient> client = browser_->client();
   if (const auto display = client ? client->GetDisplayHandler() : nullptr) {
-    display->OnCursorChange(browser_, 0, cursorTypeOf(cursor_), CefCursorInfo());
+    const QImage picture = pictureOf(cursor_);
+    display->OnCursorChange(browser_, 0, cursorTypeOf(cursor_.shape()),
+                            cursorInfoOf(cursor_, picture));
   }
 }
 

@@ -1,6 +1,7 @@
 // A browser that is drawn off screen.
 #pragma once
 
+#include <QCursor>
 #include <QPointer>
 #include <QTimer>
 #include <QWebEngineView>
@@ -10,6 +11,7 @@
 #include "browser/browser_impl.h"
 #include "osr/off_screen_drag.h"
 #include "osr/off_screen_input.h"
+#include "osr/off_screen_text_input.h"
 #include "osr/painted_widget.h"
 
 namespace cef_qt {
@@ -36,6 +38,7 @@ class OffScreenBrowser final : public QObject {
 
   OffScreenInput& input() { return input_; }
   OffScreenDrag& drag() { return drag_; }
+  OffScreenTextInput& textInput() { return textInput_; }
 
   Browser* browser() const { return browser_; }
   QWebEngineView* view() const { return view_; }
@@ -46,8 +49,10 @@ class OffScreenBrowser final : public QObject {
   QQuickWidget* page() const;
   // The open pop-up under a point of the view, in the view's own coordinates; null when none.
   QQuickWidget* popupAt(const QPoint& point) const;
-  // Input was sent that may change the cursor.
+  // Looks for changes of the cursor from now on, most often right after the call.
   void watchCursor();
+  // The pointer has left the view.
+  void ignoreCursor();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -75,10 +80,11 @@ class OffScreenBrowser final : public QObject {
   bool focused_ = false;
   // Chromium sets the cursor some time after a movement, and Qt tells nobody.
   QTimer cursorTimer_;
-  int cursorChecks_ = 0;  // that are still to be made
-  Qt::CursorShape cursor_ = Qt::ArrowCursor;
+  int cursorChecks_ = 0;  // that are still to be made quickly
+  QCursor cursor_;        // that the client was told of
   OffScreenInput input_;
   OffScreenDrag drag_;
+  OffScreenTextInput textInput_;
   std::unique_ptr<PaintedWidget> page_;
   std::unique_ptr<PaintedWidget> popup_;
   bool popupTold_ = false;  // the client knows of popup_

@@ -121,6 +121,7 @@ void OffScreenInput::move(const CefMouseEvent& event, bool leaves) {
     return;
   }
   if (leaves) {
+    browser_.ignoreCursor();
     QEvent sent(QEvent::Leave);
     QApplication::sendEvent(target->widget, &sent);
     return;
@@ -196,7 +197,7 @@ void OffScreenInput::sendKey(const CefKeyEvent& event, bool press, char16_t char
   const QString text = character == 0 ? QString() : QString(QChar(character));
   QKeyEvent sent(press ? QEvent::KeyPress : QEvent::KeyRelease, key,
                  keyboardModifiersOf(event.modifiers), static_cast<quint32>(event.native_key_code),
-                 0, 0, text);
+                 0, nativeModifiersOf(event.modifiers), text);
   QApplication::sendEvent(target, &sent);
 }
 

@@ -71,8 +71,11 @@ bool Screen::StartDragging(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefDragD
 }
 
 bool Screen::OnCursorChange(CefRefPtr<CefBrowser> /*browser*/, CefCursorHandle /*cursor*/,
-                            cef_cursor_type_t type, const CefCursorInfo& /*info*/) {
+                            cef_cursor_type_t type, const CefCursorInfo& info) {
   cursor = type;
+  cursorInfo = info;
+  cursorInfo.buffer = nullptr;
+  cursorPixel = info.buffer ? *static_cast<const uint32_t*>(info.buffer) : 0;
   return true;
 }
 

@@ -45,6 +45,19 @@ class Screen final : public CefRenderHandler, public CefDisplayHandler {
   bool OnCursorChange(CefRefPtr<CefBrowser> browser, CefCursorHandle cursor, cef_cursor_type_t type,
                       const CefCursorInfo& info) override;
 
+  void OnImeCompositionRangeChanged(CefRefPtr<CefBrowser> /*browser*/, const CefRange& /*range*/,
+                                    const RectList& bounds) override {
+    caret = bounds.at(0);
+  }
+  void OnTextSelectionChanged(CefRefPtr<CefBrowser> /*browser*/, const CefString& text,
+                              const CefRange& range) override {
+    selectedText = text.ToString();
+    selection = range;
+  }
+  void OnVirtualKeyboardRequested(CefRefPtr<CefBrowser> /*browser*/, TextInputMode mode) override {
+    textMode = mode;
+  }
+
   // "rrggbb" of a pixel; empty outside the picture.
   std::string colorAt(int x, int y) const;
   bool becomes(int x, int y, const std::string& color) const;
@@ -57,6 +70,12 @@ class Screen final : public CefRenderHandler, public CefDisplayHandler {
   int popupCount = 0;  // that were shown
   CefRect popupRect;
   cef_cursor_type_t cursor = CT_POINTER;
+  CefCursorInfo cursorInfo;  // without its picture
+  uint32_t cursorPixel = 0;  // the picture's first
+  cef_text_input_mode_t textMode = CEF_TEXT_INPUT_MODE_NONE;
+  CefRect caret;
+  std::string selectedText;
+  CefRange selection;
   DragOperation dragOperation = DRAG_OPERATION_NONE;
   CefRefPtr<CefDragData> dragged;  // of a drag that the page began
   bool takesDrags = true;

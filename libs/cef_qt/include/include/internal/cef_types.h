@@ -159,6 +159,35 @@ enum cef_cursor_type_t {
   CT_CUSTOM
 };
 
+// What is typed into a page's field.
+enum cef_text_input_mode_t {
+  CEF_TEXT_INPUT_MODE_DEFAULT = 0,
+  CEF_TEXT_INPUT_MODE_NONE,  // nothing
+  CEF_TEXT_INPUT_MODE_TEXT,
+  CEF_TEXT_INPUT_MODE_TEL,
+  CEF_TEXT_INPUT_MODE_URL,
+  CEF_TEXT_INPUT_MODE_EMAIL,
+  CEF_TEXT_INPUT_MODE_NUMERIC,
+  CEF_TEXT_INPUT_MODE_DECIMAL,
+  CEF_TEXT_INPUT_MODE_SEARCH
+};
+
+enum cef_composition_underline_style_t {
+  CEF_CUS_SOLID = 0,
+  CEF_CUS_DOT,
+  CEF_CUS_DASH,
+  CEF_CUS_NONE
+};
+
+// Red, green, blue and alpha; the last in the highest bits.
+using cef_color_t = uint32_t;
+
+// UTF-16 units of a text. Both ends UINT32_MAX: none.
+struct cef_range_t {
+  uint32_t from = 0;
+  uint32_t to = 0;
+};
+
 struct cef_point_t {
   int x = 0;
   int y = 0;

@@ -45,6 +45,26 @@ inline bool operator==(const CefRect& a, const CefRect& b) {
   return a.x == b.x && a.y == b.y && a.width == b.width && a.height == b.height;
 }
 
+class CefRange : public cef_range_t {
+ public:
+  CefRange() = default;
+  CefRange(uint32_t from_value, uint32_t to_value) : cef_range_t{from_value, to_value} {}
+  void Set(uint32_t from_value, uint32_t to_value) { *this = CefRange(from_value, to_value); }
+};
+
+inline bool operator==(const CefRange& a, const CefRange& b) {
+  return a.from == b.from && a.to == b.to;
+}
+
+// How a part of a composition is drawn; a colour of 0 is the text's own.
+struct CefCompositionUnderline {
+  cef_range_t range;
+  cef_color_t color = 0;
+  cef_color_t background_color = 0;
+  int thick = 0;
+  cef_composition_underline_style_t style = CEF_CUS_SOLID;
+};
+
 struct CefScreenInfo {
   float device_scale_factor = 0;
   int depth = 0;
@@ -81,7 +101,7 @@ struct CefKeyEvent {
   int focus_on_editable_field = 0;
 };
 
-// An image cursor: BGRA pixels, valid during the call.
+// An image cursor: premultiplied BGRA pixels, valid during the call. Hot spot and size in pixels.
 struct CefCursorInfo {
   cef_point_t hotspot;
   float image_scale_factor = 0;

@@ -18,6 +18,7 @@ struct Span {
 Span visibleSpan(int position, int length, int room) {
   const int skipped = position < 0 ? -position : 0;
   const int start = std::max(position, 0);
+  // A row is read from behind what is skipped: its full length would reach into the next one.
   return {start, std::min(length - skipped, room - start), skipped};
 }
 

@@ -10,10 +10,6 @@ bool exists(const std::string& path) {
   return std::filesystem::exists(path, error);
 }
 
-bool hasFileContents(CefDragData& data) {
-  return !data.GetFileName().empty() && data.GetFileContents(nullptr) > 0;
-}
-
 }  // namespace
 
 void populateDropData(CefDragData& data, const DroppedItems& items) {
@@ -28,7 +24,7 @@ void populateDropData(CefDragData& data, const DroppedItems& items) {
 }
 
 DragKinds kindsOf(CefDragData& data) {
-  return {data.IsLink(), hasFileContents(data), !data.GetFragmentText().empty()};
+  return {data.IsLink(), data.GetFileContents(nullptr) > 0, !data.GetFragmentText().empty()};
 }
 
 CefRefPtr<BytesWriteHandler> fileContentsOf(CefDragData& data) {
@@ -38,6 +34,7 @@ CefRefPtr<BytesWriteHandler> fileContentsOf(CefDragData& data) {
   }
   const CefRefPtr<BytesWriteHandler> bytes(new BytesWriteHandler(size));
   data.GetFileContents(CefStreamWriter::CreateForHandler(bytes));
+  // There are fewer when memory ran out. A file that is cut short would pass for a whole one.
   return bytes->size() == static_cast<int64_t>(size) ? bytes : nullptr;
 }
 

@@ -15,6 +15,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// The page chose the name: it must not lead out of the folder, and there may be none.
+fs::path nameOf(CefDragData& data) {
+  const fs::path name = fs::path(data.GetFileName().ToString()).filename();
+  return name.empty() || name == "." || name == ".." ? fs::path("file") : name;
+}
+
 // "name.txt", "name 2.txt", …
 fs::path counted(const fs::path& name, int number) {
   if (number == 1) {
@@ -69,10 +75,9 @@ bool fill(int file, const BytesWriteHandler& bytes) {
 }  // namespace
 
 std::optional<std::string> writePromisedFile(CefDragData& data, const std::string& folder) {
-  // The page chose the name: it must not lead out of the folder.
-  const fs::path name = fs::path(data.GetFileName().ToString()).filename();
+  const fs::path name = nameOf(data);
   const CefRefPtr<BytesWriteHandler> bytes = fileContentsOf(data);
-  if (!bytes || name.empty() || name == "." || name == "..") {
+  if (!bytes) {
     return std::nullopt;
   }
   fs::path path;

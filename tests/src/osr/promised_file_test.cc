@@ -57,8 +57,9 @@ TEST_F(PromisedFileTest, ReplacesNothingThatIsThere) {
 TEST_F(PromisedFileTest, StaysInTheFolderWhateverThePageCallsTheFile) {
   EXPECT_EQ(write("../out.txt", "text"), "out.txt");
   EXPECT_EQ(write("/etc/out.txt", "text"), "out 2.txt");
-  EXPECT_FALSE(write("..", "text"));
-  EXPECT_FALSE(write("a/", "text"));
+  EXPECT_EQ(write("..", "text"), "file");
+  EXPECT_EQ(write("a/", "text"), "file 2");
+  EXPECT_EQ(write("", "text"), "file 3");
 }
 
 TEST_F(PromisedFileTest, IsNoneWithoutContentsOrWhereItCannotBeWritten) {

@@ -3,6 +3,13 @@
 #include <utility>
 
 namespace client {
+namespace {
+
+bool isEnd(const SystemEvent& event) {
+  return event.phase == ScrollPhase::kEnded || event.phase == ScrollPhase::kCancelled;
+}
+
+}  // namespace
 
 ScrollGesture::ScrollGesture(Monitor monitor, Send send)
     : monitor_(std::move(monitor)), send_(std::move(send)) {}
@@ -17,13 +24,19 @@ void ScrollGesture::watchFrom(const SystemEvent& event) {
 void ScrollGesture::scrollWheel(const SystemEvent& event) {
   watchFrom(event);
   send_(event);
+  if (isEnd(event)) {
+    stopWatching();
+  }
 }
 
 void ScrollGesture::shortCircuit(const SystemEvent& event) {
-  if (event.phase != ScrollPhase::kEnded && event.phase != ScrollPhase::kCancelled) {
-    return;
+  if (isEnd(event)) {
+    send_(event);
+    stopWatching();
   }
-  send_(event);
+}
+
+void ScrollGesture::stopWatching() {
   if (std::exchange(watching_, false)) {
     monitor_.remove();
   }

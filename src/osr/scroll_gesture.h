@@ -23,14 +23,17 @@ class ScrollGesture {
 
   // Watches from now on when a gesture begins with the event, which is not sent.
   void watchFrom(const SystemEvent& event);
-  // A scroll event in the view: watches, and sends it.
+  // A scroll event in the view: watches until the gesture's end, and sends it.
   void scrollWheel(const SystemEvent& event);
-  // A scroll event that the monitor saw.
+  // A scroll event that the monitor saw, of which only a gesture's end is sent. Where the view gets
+  // that itself, the monitor leaves it to `scrollWheel`.
   void shortCircuit(const SystemEvent& event);
 
   bool isWatching() const { return watching_; }
 
  private:
+  void stopWatching();
+
   const Monitor monitor_;
   const Send send_;
   bool watching_ = false;

@@ -3,6 +3,7 @@
 #include "app/guarded.h"
 #include "include/wrapper/cef_helpers.h"
 #include "osr/osr_renderer.h"
+#include "osr/text_input.h"
 
 namespace client {
 
@@ -155,6 +156,37 @@ void ClientOSRHandler::UpdateDragCursor(CefRefPtr<CefBrowser> /*browser*/,
 
 void ClientOSRHandler::OnScrollOffsetChanged(CefRefPtr<CefBrowser> /*browser*/, double /*x*/,
                                              double /*y*/) {}
+
+void ClientOSRHandler::OnImeCompositionRangeChanged(CefRefPtr<CefBrowser> /*browser*/,
+                                                    const CefRange& /*range*/,
+                                                    const RectList& characters) {
+  CEF_REQUIRE_UI_THREAD();
+  guarded("OnImeCompositionRangeChanged", [&] {
+    if (const auto view = view_.lock()) {
+      view->textInput().setPlaces(characters);
+    }
+  });
+}
+
+void ClientOSRHandler::OnTextSelectionChanged(CefRefPtr<CefBrowser> /*browser*/,
+                                              const CefString& text, const CefRange& range) {
+  CEF_REQUIRE_UI_THREAD();
+  guarded("OnTextSelectionChanged", [&] {
+    if (const auto view = view_.lock()) {
+      view->textInput().setSelection(text, range);
+    }
+  });
+}
+
+void ClientOSRHandler::OnVirtualKeyboardRequested(CefRefPtr<CefBrowser> /*browser*/,
+                                                  TextInputMode mode) {
+  CEF_REQUIRE_UI_THREAD();
+  guarded("OnVirtualKeyboardRequested", [&] {
+    if (const auto view = view_.lock()) {
+      view->textInput().setMode(mode);
+    }
+  });
+}
 
 void ClientOSRHandler::OnBeforeClose(CefRefPtr<CefBrowser> /*browser*/) {
   CEF_REQUIRE_UI_THREAD();

@@ -8,8 +8,8 @@
 namespace client {
 
 // Serves an off-screen browser from a view: answers the engine's questions about it, and passes
-// paints, cursors and drags on to it. Without the view, queries answer false and the rest does
-// nothing.
+// paints, cursors, drags and what input methods need on to it. Without the view, queries answer
+// false and the rest does nothing.
 //
 // Ownership: held by the browser's client; the view is held weakly. Thread: UI. Errors: an
 // exception of the view is logged under the operation's name and does not reach the engine.
@@ -35,6 +35,11 @@ class ClientOSRHandler : public RenderHandler {
                      DragOperationsMask allowedOps, int x, int y) override;
   void UpdateDragCursor(CefRefPtr<CefBrowser> browser, DragOperation operation) override;
   void OnScrollOffsetChanged(CefRefPtr<CefBrowser> browser, double x, double y) override;
+  void OnImeCompositionRangeChanged(CefRefPtr<CefBrowser> browser, const CefRange& range,
+                                    const RectList& characters) override;
+  void OnTextSelectionChanged(CefRefPtr<CefBrowser> browser, const CefString& text,
+                              const CefRange& range) override;
+  void OnVirtualKeyboardRequested(CefRefPtr<CefBrowser> browser, TextInputMode mode) override;
   void OnBeforeClose(CefRefPtr<CefBrowser> browser) override;
 
  protected:

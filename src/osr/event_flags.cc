@@ -113,6 +113,21 @@ bool isKeyUpEvent(const SystemEvent& event) {
   return modifier != 0 && (event.modifiers & modifier) == 0;
 }
 
+std::u16string charactersWithoutControl(const SystemEvent& event) {
+  const auto isBetween = [code = event.windowsKeyCode](int first, int last) {
+    return code >= first && code <= last;
+  };
+  const bool shift = (event.modifiers & kShift) != 0;
+  if ((event.modifiers & kControl) != 0 && isBetween('A', 'Z')) {
+    const int toLower = shift ? 0 : 'a' - 'A';
+    return {static_cast<char16_t>(event.windowsKeyCode + toLower)};
+  }
+  if ((event.modifiers & kControl) != 0 && !shift && isBetween('0', '9')) {
+    return {static_cast<char16_t>(event.windowsKeyCode)};
+  }
+  return event.characters;
+}
+
 void getKeyEvent(CefKeyEvent& keyEvent, const SystemEvent& event) {
   if (event.kind == EventKind::kKeyDown || event.kind == EventKind::kKeyUp) {
     keyEvent.character = firstUnit(event.characters);

@@ -14,6 +14,10 @@ bool isKeyPadEvent(const SystemEvent& event);
 // Whether a key event, or a change of the modifier keys, is a key's release.
 bool isKeyUpEvent(const SystemEvent& event);
 
+// What the key would type without Control, for systems that do not tell: Control turns letters into
+// control characters.
+std::u16string charactersWithoutControl(const SystemEvent& event);
+
 // Fills all but the event's type.
 void getKeyEvent(CefKeyEvent& keyEvent, const SystemEvent& event);
 

@@ -34,6 +34,17 @@ void KeyInput::sendKeyDown(const SystemEvent& event) {
   }
 }
 
+void KeyInput::sendUsedUpKeyDown(const SystemEvent& event) {
+  constexpr int kUsedUpKey = 0xE5;  // as the browser's engine knows it on all systems
+  if (const CefRefPtr<CefBrowserHost> target = host()) {
+    CefKeyEvent record = recordOf(event, KEYEVENT_RAWKEYDOWN);
+    record.windows_key_code = kUsedUpKey;
+    record.character = 0;
+    record.unmodified_character = 0;
+    target->SendKeyEvent(record);
+  }
+}
+
 void KeyInput::sendKeyUp(const SystemEvent& event) {
   if (const CefRefPtr<CefBrowserHost> target = host()) {
     target->SendKeyEvent(recordOf(event, KEYEVENT_KEYUP));
@@ -45,20 +56,6 @@ void KeyInput::sendFlagsChanged(const SystemEvent& event) {
     sendKeyUp(event);
   } else {
     sendKeyDown(event);
-  }
-}
-
-void KeyInput::sendText(const std::u16string& text) {
-  const CefRefPtr<CefBrowserHost> target = host();
-  if (!target) {
-    return;
-  }
-  for (const char16_t unit : text) {
-    CefKeyEvent record;
-    record.type = KEYEVENT_CHAR;
-    record.character = unit;
-    record.unmodified_character = unit;
-    target->SendKeyEvent(record);
   }
 }
 

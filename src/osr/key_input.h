@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 #include "osr/system_event.h"
 
 namespace client {
@@ -16,11 +14,11 @@ class KeyInput {
 
   // A press: a raw press, and the character that it types, if any.
   void sendKeyDown(const SystemEvent& event);
+  // A press that an input method used up: only that there was one.
+  void sendUsedUpKeyDown(const SystemEvent& event);
   void sendKeyUp(const SystemEvent& event);
   // A change of the modifier keys: a press or a release, by the key and the state after it.
   void sendFlagsChanged(const SystemEvent& event);
-  // Text without keys, as input methods give.
-  void sendText(const std::u16string& text);
 
  private:
   // Null without a browser.

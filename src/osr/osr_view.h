@@ -8,6 +8,7 @@
 namespace client {
 
 class OsrRenderer;
+class TextInput;
 
 // In view points, from the view's left upper corner unless said.
 struct OsrPoint {
@@ -39,6 +40,7 @@ class OsrView {
   virtual ~OsrView() = default;
 
   virtual OsrRenderer& renderer() = 0;
+  virtual TextInput& textInput() = 0;
   // Null before the browser exists and once it is closed.
   virtual CefRefPtr<CefBrowser> browser() const = 0;
   virtual void forgetBrowser() = 0;
@@ -60,6 +62,8 @@ class OsrView {
 
   virtual void setCursor(CefCursorHandle cursor, cef_cursor_type_t type,
                          const CefCursorInfo& custom) = 0;
+  // The system's input method has to ask `textInput` again.
+  virtual void textInputChanged() = 0;
   // False when the drag cannot be started.
   virtual bool startDragging(CefRefPtr<CefBrowser> browser, CefRefPtr<CefDragData> data,
                              cef_drag_operations_mask_t allowed, int x, int y) = 0;

@@ -103,6 +103,17 @@ class OffScreen(Sandbox):
         self.point("key", "Undo")
         page.wait_for("document.querySelector('textarea').value === 'alpha beta'")
 
+        # A dead key is an input method's; caps lock is told with the keys.
+        page.evaluate("addEventListener('keydown', event => "
+                      "window.locked = (window.locked ?? '') + event.key + event.getModifierState('CapsLock'))")
+        self.type_into(page, "#subject", "Caf")
+        self.point("key", "dead_acute", "e")
+        page.wait_for("document.querySelector('#subject').value.endsWith('Caf\u00e9')")
+        self.point("key", "Caps_Lock", "b", "Caps_Lock")
+        page.wait_for("document.querySelector('#subject').value.endsWith('Caf\u00e9B')")
+        self.point("key", "c")
+        page.wait_for("window.locked.endsWith('cfalse') && window.locked.includes('Btrue')")
+
         page.evaluate("""(() => {
           const list = document.createElement('datalist');
           list.id = 'words';

@@ -15,6 +15,13 @@ using namespace zantrio::mac_test;
   [super dealloc];
 }
 
+- (void)interpretKeyEvents:(NSArray*)events {
+  (void)events;
+  if (views().inputMethod) {
+    views().inputMethod();
+  }
+}
+
 - (BOOL)inLiveResize {
   return views().resizing;
 }

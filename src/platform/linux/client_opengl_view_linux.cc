@@ -8,10 +8,7 @@
 #include <QWindow>
 #include <algorithm>
 
-#include "osr/event_flags.h"
 #include "osr/view_scale.h"
-#include "platform/linux/drag_linux.h"
-#include "platform/linux/system_event_linux.h"
 
 namespace client {
 namespace {
@@ -22,12 +19,6 @@ CefRect toRect(const QRect& rect) {
 
 QRect toQRect(const CefRect& rect) {
   return {rect.x, rect.y, rect.width, rect.height};
-}
-
-CefMouseEvent recordOf(const QDropEvent& event) {
-  SystemEvent shared;
-  shared.modifiers = toSystemModifiers(event.modifiers());
-  return mouseEventAt({event.position().x(), event.position().y()}, getModifiersForEvent(shared));
 }
 
 }  // namespace
@@ -59,7 +50,6 @@ ClientOpenGLView::ClientOpenGLView(const OffScreenViewOptions& options,
   setWindowTitle(QString::fromStdString(options.title));
   setGeometry(options.bounds.x, options.bounds.y, options.bounds.width, options.bounds.height);
   setAttribute(Qt::WA_OpaquePaintEvent);
-  setAttribute(Qt::WA_InputMethodEnabled);
   setMouseTracking(true);
   setFocusPolicy(Qt::StrongFocus);
   setAcceptDrops(true);
@@ -197,162 +187,6 @@ void ClientOpenGLView::closeEvent(QCloseEvent* event) {
     event->ignore();
     target->CloseBrowser(false);
   }
-}
-
-void ClientOpenGLView::setCursor(CefCursorHandle /*cursor*/, cef_cursor_type_t type,
-                                 const CefCursorInfo& /*custom*/) {
-  QWidget::setCursor(toCursorShape(type));
-}
-
-bool ClientOpenGLView::event(QEvent* event) {
-  if (event->type() == QEvent::ShortcutOverride) {
-    event->accept();  // keys are the page's
-    return true;
-  }
-  return QWidget::event(event);
-}
-
-bool ClientOpenGLView::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::Wheel && watched->isWidgetType()) {
-    const auto& wheel = *static_cast<QWheelEvent*>(event);
-    SystemEvent shared = toSystemEvent(wheel);
-    const QPointF here = mapFromGlobal(wheel.globalPosition());  // it may be another widget's event
-    shared.point = {here.x(), here.y()};
-    scroll_.shortCircuit(shared);
-  }
-  return QWidget::eventFilter(watched, event);
-}
-
-bool ClientOpenGLView::focusNextPrevChild(bool /*next*/) {
-  return false;  // Tab is the page's
-}
-
-void ClientOpenGLView::handleMouse(const QMouseEvent& event, int clickCount) {
-  mouse_.handle(toSystemEvent(event, clickCount));
-}
-
-void ClientOpenGLView::mousePressEvent(QMouseEvent* event) {
-  clicks_.pressed({static_cast<int>(event->button()),
-                   {event->position().x(), event->position().y()},
-                   static_cast<int64_t>(event->timestamp())});
-  handleMouse(*event, clicks_.count());
-}
-
-// To Qt, every other press is one.
-void ClientOpenGLView::mouseDoubleClickEvent(QMouseEvent* event) {
-  mousePressEvent(event);
-}
-
-void ClientOpenGLView::mouseReleaseEvent(QMouseEvent* event) {
-  handleMouse(*event, clicks_.count());
-}
-
-void ClientOpenGLView::mouseMoveEvent(QMouseEvent* event) {
-  handleMouse(*event, 0);
-}
-
-void ClientOpenGLView::enterEvent(QEnterEvent* event) {
-  handleCrossing(EventKind::kEntered, event->position());
-}
-
-void ClientOpenGLView::leaveEvent(QEvent* /*event*/) {
-  handleCrossing(EventKind::kExited, mapFromGlobal(QPointF(QCursor::pos())));
-}
-
-void ClientOpenGLView::handleCrossing(EventKind kind, const QPointF& point) {
-  SystemEvent shared;
-  shared.kind = kind;
-  shared.modifiers = toSystemModifiers(QGuiApplication::keyboardModifiers());
-  shared.point = {point.x(), point.y()};
-  mouse_.handle(shared);
-}
-
-void ClientOpenGLView::wheelEvent(QWheelEvent* event) {
-  scroll_.scrollWheel(toSystemEvent(*event));
-  event->accept();
-}
-
-void ClientOpenGLView::keyPressEvent(QKeyEvent* event) {
-  if (const std::optional<EditCommand> command = editCommandOf(*event)) {
-    runEditCommand(*this, *command);
-  } else {
-    keys_.sendKeyDown(toSystemEvent(*event));
-  }
-}
-
-void ClientOpenGLView::keyReleaseEvent(QKeyEvent* event) {
-  if (!event->isAutoRepeat()) {
-    keys_.sendKeyUp(toSystemEvent(*event));
-  }
-}
-
-void ClientOpenGLView::inputMethodEvent(QInputMethodEvent* event) {
-  keys_.sendText(event->commitString().toStdU16String());
-  event->accept();
-}
-
-void ClientOpenGLView::focusInEvent(QFocusEvent* /*event*/) {
-  setFocusOfBrowser(true);
-}
-
-void ClientOpenGLView::focusOutEvent(QFocusEvent* event) {
-  // A menu takes the keys, and the page still has what is selected.
-  if (event->reason() != Qt::PopupFocusReason) {
-    setFocusOfBrowser(false);
-  }
-}
-
-void ClientOpenGLView::setFocusOfBrowser(bool focus) {
-  if (const CefRefPtr<CefBrowserHost> target = host()) {
-    target->SetFocus(focus);
-  }
-}
-
-bool ClientOpenGLView::startDragging(CefRefPtr<CefBrowser> /*browser*/,
-                                     CefRefPtr<CefDragData> dragged,
-                                     cef_drag_operations_mask_t allowed, int /*x*/, int /*y*/) {
-  drags_.begin(dragged, allowed);
-  // From the loop: the drag runs a loop of its own until it ends.
-  QMetaObject::invokeMethod(this, &ClientOpenGLView::runDrag, Qt::QueuedConnection);
-  return true;
-}
-
-void ClientOpenGLView::runDrag() {
-  const CefRefPtr<CefDragData> dragged = drags_.currentDragData();
-  if (!dragged) {
-    return;
-  }
-  const std::shared_ptr<ClientOpenGLView> alive = self_;
-  const Qt::DropAction action = dragOut(this, *dragged, toDropActions(drags_.currentAllowedOps()));
-  const QPointF end = mapFromGlobal(QPointF(QCursor::pos()));
-  drags_.endedAt({end.x(), end.y()}, toDragOperations(action));
-}
-
-void ClientOpenGLView::setCurrentDragOperation(cef_drag_operations_mask_t operation) {
-  drags_.setCurrentDragOp(operation);
-}
-
-void ClientOpenGLView::dragEnterEvent(QDragEnterEvent* event) {
-  drags_.entered(recordOf(*event), toDroppedItems(*event->mimeData()),
-                 toDragOperations(event->possibleActions()));
-  // Refusing would end the moves too, and a page may want the drag only at some places.
-  event->acceptProposedAction();
-}
-
-void ClientOpenGLView::dragMoveEvent(QDragMoveEvent* event) {
-  const cef_drag_operations_mask_t operation =
-      drags_.moved(recordOf(*event), toDragOperations(event->possibleActions()));
-  event->setDropAction(toDropAction(operation));
-  event->setAccepted(operation != DRAG_OPERATION_NONE);
-}
-
-void ClientOpenGLView::dragLeaveEvent(QDragLeaveEvent* /*event*/) {
-  drags_.exited();
-}
-
-void ClientOpenGLView::dropEvent(QDropEvent* event) {
-  event->setDropAction(toDropAction(drags_.currentDragOp()));
-  event->setAccepted(drags_.performed(recordOf(*event)));
 }
 
 std::shared_ptr<OsrView> createOffScreenView(const OffScreenViewOptions& options,

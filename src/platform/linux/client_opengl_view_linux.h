@@ -10,6 +10,7 @@
 #include "osr/off_screen_view.h"
 #include "osr/osr_renderer.h"
 #include "osr/scroll_gesture.h"
+#include "osr/text_input.h"
 #include "platform/linux/egl_canvas_linux.h"
 
 namespace client {
@@ -26,6 +27,7 @@ class ClientOpenGLView final : public QWidget, public OsrView {
   ~ClientOpenGLView() override;
 
   OsrRenderer& renderer() override { return *renderer_; }
+  TextInput& textInput() override { return text_; }
   CefRefPtr<CefBrowser> browser() const override;
   void forgetBrowser() override;
   OsrSize bounds() const override;
@@ -41,6 +43,7 @@ class ClientOpenGLView final : public QWidget, public OsrView {
   void flushContext() override;
   void setCursor(CefCursorHandle cursor, cef_cursor_type_t type,
                  const CefCursorInfo& custom) override;
+  void textInputChanged() override;
   bool startDragging(CefRefPtr<CefBrowser> browser, CefRefPtr<CefDragData> data,
                      cef_drag_operations_mask_t allowed, int x, int y) override;
   void setCurrentDragOperation(cef_drag_operations_mask_t operation) override;
@@ -63,6 +66,7 @@ class ClientOpenGLView final : public QWidget, public OsrView {
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;
   void inputMethodEvent(QInputMethodEvent* event) override;
+  QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
@@ -86,6 +90,7 @@ class ClientOpenGLView final : public QWidget, public OsrView {
   std::unique_ptr<EglCanvas> canvas_;
   std::unique_ptr<OsrRenderer> renderer_;
   KeyInput keys_{*this};
+  TextInput text_{*this};
   MouseInput mouse_{*this};
   DragSession drags_{*this};
   ScrollGesture scroll_;

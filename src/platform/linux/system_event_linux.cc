@@ -5,6 +5,8 @@
 #include <QUrl>
 #include <algorithm>
 
+#include "osr/event_flags.h"
+
 namespace client {
 namespace {
 
@@ -128,6 +130,12 @@ int windowsKeyCodeOf(const QKeyEvent& event) {
   return 0;
 }
 
+// Qt has no modifier for caps lock; X11's and Wayland's keyboards have.
+uint32_t lockModifiersOf(const QKeyEvent& event) {
+  constexpr quint32 kLock = 1U << 1U;
+  return (event.nativeModifiers() & kLock) != 0 ? uint32_t{kCapsLock} : 0;
+}
+
 bool isNamedBy(const QString& line, const QUrl& url) {
   return line == url.toString() || line == url.toString(QUrl::FullyEncoded) ||
          line == url.toLocalFile();
@@ -178,10 +186,10 @@ SystemEvent toSystemEvent(const QWheelEvent& event) {
 SystemEvent toSystemEvent(const QKeyEvent& event) {
   SystemEvent result;
   result.kind = event.type() == QEvent::KeyRelease ? EventKind::kKeyUp : EventKind::kKeyDown;
-  result.modifiers = toSystemModifiers(event.modifiers());
+  result.modifiers = toSystemModifiers(event.modifiers()) | lockModifiersOf(event);
   result.characters = event.text().toStdU16String();
-  result.charactersIgnoringModifiers = result.characters;
   result.windowsKeyCode = windowsKeyCodeOf(event);
+  result.charactersIgnoringModifiers = charactersWithoutControl(result);
   result.nativeKeyCode = static_cast<int>(event.nativeScanCode());
   return result;
 }
@@ -239,60 +247,6 @@ Qt::DropAction toDropAction(cef_drag_operations_mask_t operation) {
     }
   }
   return Qt::IgnoreAction;
-}
-
-Qt::CursorShape toCursorShape(cef_cursor_type_t type) {
-  switch (type) {
-    case CT_CROSS:
-      return Qt::CrossCursor;
-    case CT_HAND:
-      return Qt::PointingHandCursor;
-    case CT_IBEAM:
-      return Qt::IBeamCursor;
-    case CT_WAIT:
-      return Qt::WaitCursor;
-    case CT_PROGRESS:
-      return Qt::BusyCursor;
-    case CT_HELP:
-      return Qt::WhatsThisCursor;
-    case CT_NORTHRESIZE:
-    case CT_SOUTHRESIZE:
-    case CT_NORTHSOUTHRESIZE:
-      return Qt::SizeVerCursor;
-    case CT_EASTRESIZE:
-    case CT_WESTRESIZE:
-    case CT_EASTWESTRESIZE:
-      return Qt::SizeHorCursor;
-    case CT_NORTHEASTRESIZE:
-    case CT_SOUTHWESTRESIZE:
-    case CT_NORTHEASTSOUTHWESTRESIZE:
-      return Qt::SizeBDiagCursor;
-    case CT_NORTHWESTRESIZE:
-    case CT_SOUTHEASTRESIZE:
-    case CT_NORTHWESTSOUTHEASTRESIZE:
-      return Qt::SizeFDiagCursor;
-    case CT_COLUMNRESIZE:
-      return Qt::SplitHCursor;
-    case CT_ROWRESIZE:
-      return Qt::SplitVCursor;
-    case CT_MOVE:
-      return Qt::SizeAllCursor;
-    case CT_NONE:
-      return Qt::BlankCursor;
-    case CT_NODROP:
-    case CT_NOTALLOWED:
-      return Qt::ForbiddenCursor;
-    case CT_GRAB:
-      return Qt::OpenHandCursor;
-    case CT_GRABBING:
-      return Qt::ClosedHandCursor;
-    case CT_COPY:
-      return Qt::DragCopyCursor;
-    case CT_ALIAS:
-      return Qt::DragLinkCursor;
-    default:
-      return Qt::ArrowCursor;
-  }
 }
 
 }  // namespace client

@@ -29,6 +29,4 @@ Qt::DropActions toDropActions(cef_drag_operations_mask_t operations);
 // The action of one operation; ignore for none.
 Qt::DropAction toDropAction(cef_drag_operations_mask_t operation);
 
-Qt::CursorShape toCursorShape(cef_cursor_type_t type);
-
 }  // namespace client

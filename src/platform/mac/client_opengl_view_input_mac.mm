@@ -112,7 +112,11 @@ using zantrio::guardedCall;
 // Keyboard
 
 - (void)keyDown:(NSEvent*)event {
-  guardedCall("keyDown", [&] { parts_->keys.sendKeyDown(toSystemEvent(event, self)); });
+  guardedCall("keyDown", [&] {
+    parts_->presses.press(toSystemEvent(event, self), [self, event] {
+      [self interpretKeyEvents:[NSArray arrayWithObject:event]];
+    });
+  });
 }
 
 - (void)keyUp:(NSEvent*)event {

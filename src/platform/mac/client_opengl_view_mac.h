@@ -70,6 +70,10 @@ class ViewParts;
 
 @end
 
+// Takes text of the system's input methods, dead keys among them. Ranges count UTF-16 units.
+@interface ClientOpenGLView (Text) <NSTextInputClient>
+@end
+
 @interface ClientOpenGLView (Drags) <NSDraggingSource>
 
 // `point` is in the view, from its left upper corner. False when the drag cannot be started. The

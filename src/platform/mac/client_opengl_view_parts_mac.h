@@ -2,7 +2,7 @@
 #pragma once
 
 #include "osr/drag_session.h"
-#include "osr/key_input.h"
+#include "osr/interpreted_keys.h"
 #include "osr/mouse_input.h"
 #include "osr/scroll_gesture.h"
 #include "platform/mac/osr_view_mac.h"
@@ -23,6 +23,7 @@ class ViewParts {
   const std::shared_ptr<OsrViewMac> osr;
   MouseInput mouse{*osr};
   KeyInput keys{*osr};
+  InterpretedKeys presses{keys, osr->textInput()};
   DragSession drags{*osr};
   ScrollGesture scroll;
 };

@@ -6,6 +6,7 @@
 
 #include "osr/off_screen_view.h"
 #include "osr/osr_renderer.h"
+#include "osr/text_input.h"
 
 @class ClientOpenGLView;
 
@@ -26,6 +27,7 @@ class OsrViewMac final : public OsrView {
   void setBrowserProvider(BrowserProvider provider) { browserProvider_ = std::move(provider); }
 
   OsrRenderer& renderer() override { return *renderer_; }
+  TextInput& textInput() override { return text_; }
   CefRefPtr<CefBrowser> browser() const override;
   void forgetBrowser() override;
   OsrSize bounds() const override;
@@ -41,6 +43,7 @@ class OsrViewMac final : public OsrView {
   void flushContext() override;
   void setCursor(CefCursorHandle cursor, cef_cursor_type_t type,
                  const CefCursorInfo& custom) override;
+  void textInputChanged() override;
   bool startDragging(CefRefPtr<CefBrowser> browser, CefRefPtr<CefDragData> data,
                      cef_drag_operations_mask_t allowed, int x, int y) override;
   void setCurrentDragOperation(cef_drag_operations_mask_t operation) override;
@@ -49,6 +52,7 @@ class OsrViewMac final : public OsrView {
   ClientOpenGLView* view_;
   BrowserProvider browserProvider_;
   std::unique_ptr<OsrRenderer> renderer_;
+  TextInput text_{*this};
 };
 
 }  // namespace client

@@ -112,6 +112,13 @@ void OsrViewMac::setCursor(CefCursorHandle cursor, cef_cursor_type_t /*type*/,
   [(NSCursor*)cursor set];
 }
 
+void OsrViewMac::textInputChanged() {
+  if (!text_.isWanted()) {
+    [[view_ inputContext] discardMarkedText];
+  }
+  [[view_ inputContext] invalidateCharacterCoordinates];
+}
+
 bool OsrViewMac::startDragging(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefDragData> data,
                                cef_drag_operations_mask_t allowed, int x, int y) {
   return [view_ startDragging:data allowed_ops:allowed point:NSMakePoint(x, y)];

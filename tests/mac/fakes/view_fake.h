@@ -2,6 +2,7 @@
 
 #import <AppKit/AppKit.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -22,6 +23,8 @@ struct ViewFake {
   NSEventMask monitored = 0;
   int liveViews = 0;      // of TestView
   bool resizing = false;  // in TestView's window
+  // What an input method makes of a press in TestView.
+  std::function<void()> inputMethod;
 
   // The last drag of an image.
   bool dragRaises = false;

@@ -19,7 +19,25 @@ NSString* const NSWindowDidChangeBackingPropertiesNotification =
     @"NSWindowDidChangeBackingPropertiesNotification";
 NSString* const NSBackingPropertyOldScaleFactorKey = @"NSBackingPropertyOldScaleFactorKey";
 
+// Records what an input method is told.
+@interface RecordingInputContext : NSObject
+@end
+
+@implementation RecordingInputContext
+- (void)discardMarkedText {
+  recordCall("discard marked text");
+}
+
+- (void)invalidateCharacterCoordinates {
+  recordCall("places changed");
+}
+@end
+
 @implementation NSView (LackingParts)
+- (NSTextInputContext*)inputContext {
+  return (NSTextInputContext*)[[[RecordingInputContext alloc] init] autorelease];
+}
+
 - (void)addTrackingArea:(NSTrackingArea*)area {
   (void)area;
   ++views().trackingAreas;

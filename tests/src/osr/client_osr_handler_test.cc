@@ -68,6 +68,9 @@ TEST_F(ClientOSRHandlerTest, AnswersFalseAndDoesNothingWithoutAView) {
   EXPECT_FALSE(handler_->GetScreenInfo(browser, info));
   EXPECT_FALSE(handler_->StartDragging(browser, nullptr, DRAG_OPERATION_COPY, 1, 1));
   EXPECT_FALSE(handler_->OnCursorChange(browser, 0, CT_HAND, {}));
+  handler_->OnTextSelectionChanged(browser, "", CefRange(0, 0));
+  handler_->OnImeCompositionRangeChanged(browser, CefRange(0, 0), {});
+  handler_->OnVirtualKeyboardRequested(browser, CEF_TEXT_INPUT_MODE_TEXT);
   handler_->OnPopupShow(browser, false);
   handler_->OnPopupSize(browser, {1, 1, 1, 1});
   handler_->OnPaint(browser, PET_VIEW, {page_.rect()}, page_.data(), 100, 60);
@@ -112,7 +115,14 @@ TEST_F(ClientOSRHandlerTest, HasAnOpenPopupPaintedOverEveryFreshView) {
   EXPECT_TRUE(view_->osrRenderer.givenPopupRect().IsEmpty());
 }
 
-TEST_F(ClientOSRHandlerTest, PassesCursorsAndDragsOn) {
+TEST_F(ClientOSRHandlerTest, PassesCursorsInputMethodsAndDragsOn) {
+  handler_->OnTextSelectionChanged(browser(), "b", CefRange(1, 2));
+  handler_->OnImeCompositionRangeChanged(browser(), CefRange(1, 2), {CefRect(1, 2, 3, 4)});
+  handler_->OnVirtualKeyboardRequested(browser(), CEF_TEXT_INPUT_MODE_URL);
+  EXPECT_EQ(view_->text.selectedText().ToString(), "b");
+  EXPECT_EQ(view_->text.placeOf(0), CefRect(1, 2, 3, 4));
+  EXPECT_EQ(view_->text.mode(), CEF_TEXT_INPUT_MODE_URL);
+  view_->lines.clear();
   EXPECT_TRUE(handler_->OnCursorChange(browser(), 0, CT_HAND, {}));
   EXPECT_EQ(view_->cursor, CT_HAND);
   EXPECT_TRUE(handler_->StartDragging(browser(), nullptr, DRAG_OPERATION_COPY, 1, 1));

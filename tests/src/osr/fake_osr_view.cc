@@ -10,6 +10,11 @@ std::string at(const CefMouseEvent& event) {
          std::to_string(event.modifiers);
 }
 
+std::string spanOf(const cef_range_t& range) {
+  const bool none = range.from == UINT32_MAX && range.to == UINT32_MAX;
+  return none ? "none" : std::to_string(range.from) + "-" + std::to_string(range.to);
+}
+
 }  // namespace
 
 void RecordingHost::Invalidate(PaintElementType type) {
@@ -40,6 +45,20 @@ void RecordingHost::SendMouseMoveEvent(const CefMouseEvent& event, bool mouseLea
 void RecordingHost::SendMouseWheelEvent(const CefMouseEvent& event, int deltaX, int deltaY) {
   lines.push_back("wheel " + at(event) + " by " + std::to_string(deltaX) + "," +
                   std::to_string(deltaY));
+}
+
+void RecordingHost::ImeSetComposition(const CefString& text,
+                                      const std::vector<CefCompositionUnderline>& underlines,
+                                      const CefRange& replaced, const CefRange& selected) {
+  std::string line = "compose '" + text.ToString() + "'";
+  for (const CefCompositionUnderline& underline : underlines) {
+    line += (underline.thick ? " thick " : " thin ") + spanOf(underline.range);
+  }
+  lines.push_back(line + " selected " + spanOf(selected) + " for " + spanOf(replaced));
+}
+
+void RecordingHost::ImeCommitText(const CefString& text, const CefRange& replaced, int /*cursor*/) {
+  lines.push_back("commit '" + text.ToString() + "' for " + spanOf(replaced));
 }
 
 void RecordingHost::DragTargetDragEnter(CefRefPtr<CefDragData> data, const CefMouseEvent& event,

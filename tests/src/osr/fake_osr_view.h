@@ -7,6 +7,7 @@
 
 #include "osr/osr_renderer.h"
 #include "osr/osr_view.h"
+#include "osr/text_input.h"
 #include "src/fakes/fake_browser.h"
 
 namespace client::test {
@@ -24,6 +25,12 @@ class RecordingHost : public FakeHost {
                            int clickCount) override;
   void SendMouseMoveEvent(const CefMouseEvent& event, bool mouseLeave) override;
   void SendMouseWheelEvent(const CefMouseEvent& event, int deltaX, int deltaY) override;
+  void ImeSetComposition(const CefString& text,
+                         const std::vector<CefCompositionUnderline>& underlines,
+                         const CefRange& replaced, const CefRange& selected) override;
+  void ImeCommitText(const CefString& text, const CefRange& replaced, int cursor) override;
+  void ImeFinishComposingText(bool /*keepSelection*/) override { lines.emplace_back("finish"); }
+  void ImeCancelComposition() override { lines.emplace_back("cancel"); }
   void DragTargetDragEnter(CefRefPtr<CefDragData> data, const CefMouseEvent& event,
                            DragOperationsMask allowed) override;
   void DragTargetDragOver(const CefMouseEvent& event, DragOperationsMask allowed) override;
@@ -43,6 +50,7 @@ class FakeOsrView : public OsrView {
   FakeOsrView() { fakeBrowser->host = host; }
 
   OsrRenderer& renderer() override { return osrRenderer; }
+  TextInput& textInput() override { return text; }
   CefRefPtr<CefBrowser> browser() const override { return hasBrowser ? fakeBrowser : nullptr; }
   void forgetBrowser() override { hasBrowser = false; }
   OsrSize bounds() const override { return size; }
@@ -65,6 +73,7 @@ class FakeOsrView : public OsrView {
   void setCursor(CefCursorHandle, cef_cursor_type_t type, const CefCursorInfo&) override {
     cursor = type;
   }
+  void textInputChanged() override { lines.emplace_back("text input changed"); }
   bool startDragging(CefRefPtr<CefBrowser>, CefRefPtr<CefDragData>, cef_drag_operations_mask_t,
                      int x, int y) override {
     return x > 0 && y > 0;
@@ -80,6 +89,7 @@ class FakeOsrView : public OsrView {
   CefRefPtr<FakeBrowser> fakeBrowser = new FakeBrowser;
   bool hasBrowser = true;
   OsrRenderer osrRenderer{false, false};
+  TextInput text{*this};
   OsrSize size{200.7, 100.2};
   std::optional<OsrScreen> osrScreen;
   cef_cursor_type_t cursor = CT_POINTER;

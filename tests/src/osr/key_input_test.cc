@@ -55,17 +55,10 @@ TEST_F(KeyInputTest, TellsPressesAndReleasesOfModifierKeysByTheStateAfterThem) {
   EXPECT_THAT(lines(), ElementsAre("raw down 65/56 types 0 flags 2", "up 65/56 types 0 flags 0"));
 }
 
-TEST_F(KeyInputTest, SendsTextWithoutKeysUnitByUnit) {
-  keys_.sendText(u"\u00e9\U0001F600");
-  EXPECT_THAT(lines(), ElementsAre("char 0/0 types 233 flags 0", "char 0/0 types 55357 flags 0",
-                                   "char 0/0 types 56832 flags 0"));
-}
-
 TEST_F(KeyInputTest, SendsNothingWithoutABrowser) {
   view_.hasBrowser = false;
   keys_.sendKeyDown(press_);
   keys_.sendKeyUp(press_);
-  keys_.sendText(u"a");
   runEditCommand(view_, EditCommand::kCut);
   EXPECT_THAT(lines(), IsEmpty());
   EXPECT_THAT(view_.fakeBrowser->frame->edits, IsEmpty());

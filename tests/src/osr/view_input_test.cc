@@ -56,6 +56,21 @@ TEST(EventFlags, MapsEveryModifierAndTheButtonOfTheEvent) {
   EXPECT_EQ(flags(EventKind::kScroll, kNumericPad), 0u);
 }
 
+TEST(EventFlags, KnowsWhatAKeyTypesWithoutControl) {
+  const auto without = [](uint32_t modifiers, int windowsKeyCode, const char16_t* typed) {
+    SystemEvent event = eventOf(EventKind::kKeyDown, {}, modifiers);
+    event.windowsKeyCode = windowsKeyCode;
+    event.characters = typed;
+    return charactersWithoutControl(event);
+  };
+  EXPECT_EQ(without(kControl, 'C', u"\x03"), u"c");
+  EXPECT_EQ(without(kControl | kShift, 'C', u"\x03"), u"C");
+  EXPECT_EQ(without(kControl, '3', u"\x1b"), u"3");
+  EXPECT_EQ(without(kControl | kShift, '3', u"#"), u"#");
+  EXPECT_EQ(without(kControl, 0x0D, u"\r"), u"\r");
+  EXPECT_EQ(without(kShift, 'C', u"C"), u"C");
+}
+
 TEST(EventFlags, KnowsTheKeysOfTheKeyPad) {
   const std::set<int> pad{65, 67, 69, 71, 75, 76, 78, 81, 82, 83, 84, 85, 86, 87, 88, 89, 91, 92};
   for (int code = 0; code < 130; ++code) {
@@ -220,6 +235,13 @@ TEST(ScrollGesture, WatchesFromTheBeginningToTheEndOfAGesture) {
                                    "send " + std::to_string(static_cast<int>(end)), "remove"));
     EXPECT_FALSE(gesture.isWatching());
   }
+  // An end that the view gets.
+  lines.clear();
+  event.phase = ScrollPhase::kBegan;
+  gesture.scrollWheel(event);
+  event.phase = ScrollPhase::kEnded;
+  gesture.scrollWheel(event);
+  EXPECT_THAT(lines, ElementsAre("install", "send 1", "send 3", "remove"));
 }
 
 TEST(ViewScale, TakesTheBackingScaleElseTheUserSpaceScaleElseOne) {

@@ -10,6 +10,7 @@
 - (void)setWantsBestResolutionOpenGLSurface:(BOOL)flag;
 - (NSRect)convertRectToBacking:(NSRect)rect;
 - (NSRect)convertRectFromBacking:(NSRect)rect;
+- (NSTextInputContext*)inputContext;
 @end
 
 @interface NSEvent (LackingParts)

@@ -114,7 +114,7 @@ struct AttemptEnd {
 // An attempt is to end.
 struct AttemptStop {
   JobId job = 0;
-  bool discard = false;  // it is to leave nothing behind
+  bool discard = false;  // it is to leave nothing behind: nobody would find it
   std::string folder{};  // the group's; downloads only
   std::shared_ptr<JobProgress> progress{};
 

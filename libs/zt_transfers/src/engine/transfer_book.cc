@@ -185,28 +185,36 @@ StartOrder CTransferBook::begin(CTransferGroup& group, std::uint32_t index, File
 }
 
 void CTransferBook::end(const Job& job, CTransferGroup& group, Rest rest) {
-  group.removeInFlight(job.counted);
   if (rest == Rest::kKeep) {
-    const TransferResume resume = job.progress->resume();
-    resumes_.keep(group, job.file.index, resume);
-    store_.saveResume(job.file, resume);
+    keepRest(job, group, job.progress->resume());
   }
+  leave(job, group);
+}
+
+void CTransferBook::keepRest(const Job& job, CTransferGroup& group, const TransferResume& resume) {
+  resumes_.keep(group, job.file.index, resume);
+  store_.saveResume(job.file, resume);
+}
+
+void CTransferBook::leave(const Job& job, CTransferGroup& group) {
+  group.removeInFlight(job.counted);
   jobs_.erase(job.id);
 }
 
 void CTransferBook::stop(JobId id, CTransferGroup& group, Rest rest) {
   const Job& job = *jobs_.find(id);
-  AttemptStop stop{.job = id, .discard = rest == Rest::kForget};
-  if (stop.discard) {
-    stop.folder = bytesOf(group.identity().folder);
-    stop.progress = job.progress;
-    // A partial file goes with its attempt, but a session has to be told to the server.
-    if (Leftover leftover = stop.leftover(); leftover.resume.isUpload()) {
-      leftovers_.add(std::move(leftover));
-    }
-  }
+  AttemptStop stop{.job = id, .folder = bytesOf(group.identity().folder), .progress = job.progress};
+  Leftover leftover = stop.leftover();
+  // What it begins only now, before it hears of its stop, is unknown here.
+  stop.discard = rest == Rest::kForget || !leftover.resume.begun();
   stops_.push_back(std::move(stop));
-  end(job, group, rest);
+  if (rest == Rest::kKeep) {
+    keepRest(job, group, leftover.resume);
+  } else if (leftover.resume.isUpload()) {
+    // A partial file goes with its attempt, but a session has to be told to the server.
+    leftovers_.add(std::move(leftover));
+  }
+  leave(job, group);
 }
 
 void CTransferBook::dropStops() {

@@ -80,6 +80,8 @@ class CTransferBook {
   void keepFile(const CTransferGroup& group, std::uint32_t index);
   void restore(RestoredGroup& restored, bool needsMark);
   void stop(JobId id, CTransferGroup& group, Rest rest);
+  void keepRest(const Job& job, CTransferGroup& group, const TransferResume& resume);
+  void leave(const Job& job, CTransferGroup& group);
 
   const std::string activity_;
   const IClock& clock_;

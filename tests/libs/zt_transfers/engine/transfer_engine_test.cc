@@ -235,7 +235,7 @@ TEST_F(TransferEngine, IgnoresTheResultOfWhatItHasStopped) {
   EXPECT_EQ(engine.group(group)->bytesTransferred, 60U);
   engine.pauseGroup(group);
   EXPECT_EQ(engine.group(group)->bytesTransferred, 0U);
-  EXPECT_EQ(stopsOf(engine.takeWork()), (Stops{{order.job, false}}));
+  EXPECT_EQ(stopsOf(engine.takeWork()), (Stops{{order.job, true}}));
   engine.onAttemptDone(order.job, AttemptOutcome::done());
   EXPECT_EQ(stateOf(group), kGroupPaused);
   engine.resumeGroup(group);
@@ -281,6 +281,7 @@ TEST_F(TransferEngine, GivesTheNextAttemptWhatTheLastOneLeftAndKeepsItsBytesCoun
   order.progress->bytes = 60;
   order.progress->setResume(halfOfAFile());
   engine.pauseGroup(group);
+  EXPECT_EQ(stopsOf(engine.takeWork()), (Stops{{order.job, false}}));
   EXPECT_EQ(engine.group(group)->bytesTransferred, 50U);
   engine.resumeGroup(group);
   const auto next = starts().at(0);
@@ -379,7 +380,7 @@ TEST_F(TransferEngine, LetsALandingFileMakeRoomAndNoLongerBePaused) {
   EXPECT_TRUE(engine.onAttemptLanding(landing.job));
   const auto next = starts().at(0);
   engine.pauseGroup(group);
-  EXPECT_EQ(stopsOf(engine.takeWork()), (Stops{{next.job, false}}));
+  EXPECT_EQ(stopsOf(engine.takeWork()), (Stops{{next.job, true}}));
   EXPECT_FALSE(engine.onAttemptLanding(next.job));
   engine.onAttemptDone(landing.job, AttemptOutcome::done());
   EXPECT_EQ(engine.group(group)->filesCompleted, 1);

@@ -23,8 +23,6 @@ endif()
 if(ZANTRIO_SANITIZE)
   add_compile_options(-fsanitize=${ZANTRIO_SANITIZE} -fno-omit-frame-pointer -g)
   add_link_options(-fsanitize=${ZANTRIO_SANITIZE})
-  # The instrumentation makes GCC take empty optionals for uninitialised ones.
-  add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   if(ZANTRIO_SANITIZE MATCHES "undefined")
     add_compile_options(-fno-sanitize-recover=undefined)
   endif()

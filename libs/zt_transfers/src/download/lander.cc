@@ -23,7 +23,7 @@ constexpr std::chrono::milliseconds kGatherLimit{4};
 void CLander::land(std::vector<Arrival> arrivals) {
   std::unique_lock lock(mutex_);
   for (Arrival& arrival : arrivals) {
-    waiting_.push_back({std::move(arrival)});
+    waiting_.emplace_back(std::move(arrival));
   }
   if (landing_) {
     if (waiting_.size() >= kWorthASync) {

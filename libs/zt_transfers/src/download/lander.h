@@ -42,6 +42,8 @@ class CLander {
 
  private:
   struct Landing : Arrival {
+    explicit Landing(Arrival arrival) : Arrival(std::move(arrival)) {}
+
     bool syncedAll = false;  // its sync was one of the whole file system
     // Why it goes no further, or how the sync of its folder went.
     std::optional<AttemptOutcome> trouble{};

@@ -4,7 +4,6 @@
 #include <exception>
 #include <utility>
 
-#include "download/missing_spans.h"
 #include "http/answer_verdict.h"
 #include "text/ascii.h"
 #include "text/url_parts.h"
@@ -13,13 +12,7 @@
 namespace zt_transfers {
 namespace {
 
-constexpr std::uint64_t kNoEnd = CRangeFetch::kNoEnd;
 constexpr std::uint64_t kMebibyte = 1024 * 1024;
-
-// Small enough that the hash, which goes through the file in order, does not fall far behind.
-constexpr std::uint64_t kLeastPiece = 8 * kMebibyte;
-constexpr std::uint64_t kMostPiece = 32 * kMebibyte;
-constexpr std::uint64_t kPieces = 8;
 
 // One request that brings so much a second is not held up by its line, and more would only cost.
 constexpr double kQuick = 200e6;
@@ -51,9 +44,10 @@ CDownloadAttempt::CDownloadAttempt(const CPartialWriter::Surroundings& surroundi
       loop_(surroundings.loop),
       log_(log),
       order_(std::move(order)),
-      listener_(listener) {
-  forgetVersion();
-}
+      listener_(listener),
+      missing_({.size = order_.spec.size,
+                .piecesFrom = order_.parts.from,
+                .pieceSize = order_.parts.size}) {}
 
 CDownloadAttempt::~CDownloadAttempt() {
   fetches_.clear();
@@ -91,7 +85,7 @@ void CDownloadAttempt::discard() {
 
 void CDownloadAttempt::narrow() {
   if (fetches_.size() > 1) {
-    giveBack(*fetches_.back());
+    missing_.giveBack(fetches_.back()->rest());
     fetches_.pop_back();
   }
 }
@@ -111,59 +105,24 @@ void CDownloadAttempt::onReopened(CPartialFile::Found found, const DownloadResum
       arrive(resume.size);
       return;
     }
-    takeUp(resume, there);
+    missing_.takeUp(resume, there);
+    order_.progress->bytes = lengthOf(there);
   }
   fetchNext();
 }
 
-void CDownloadAttempt::takeUp(const DownloadResume& resume, const ByteSpans& there) {
-  begun_ = true;
-  validator_ = resume.validator;
-  if (resume.size != DownloadResume::kUnknown) {
-    size_ = resume.size;
-  }
-  missing_ = missingSpans(there, size_.value_or(kNoEnd));
-  order_.progress->bytes = lengthOf(there);
-}
-
-void CDownloadAttempt::forgetVersion() {
-  begun_ = false;
-  validator_.clear();
-  size_.reset();
-  missing_ = {{0, kNoEnd}};
-}
-
 // Asks for the first bytes that nobody fetches. False when that has ended the attempt.
 bool CDownloadAttempt::fetchNext() {
-  // Without a name for the version nobody can tell whether the rest would be of the same.
-  if (begun_ && validator_.empty()) {
-    forgetVersion();
-  }
   try {
-    const std::uint64_t most = order_.spec.size != 0 ? order_.spec.size : kNoEnd;
+    const std::uint64_t most = order_.spec.size != 0 ? order_.spec.size : CRangeFetch::kNoEnd;
     fetches_.push_back(std::make_unique<CRangeFetch>(
         CRangeFetch::Surroundings{loop_, log_, *writer_, *order_.progress, *this}, request(),
-        nextAsk(), most));
+        missing_.take(), most));
     return true;
   } catch (const std::exception& error) {
     finish(AttemptOutcome::final(error.what(), failure::kBadRequest));
     return false;
   }
-}
-
-FetchAsk CDownloadAttempt::nextAsk() {
-  const ByteSpan span = takeFirst(missing_, takesPieces() ? pieceSize() : kNoEnd);
-  FetchAsk ask;
-  ask.begin = span.begin;
-  ask.ranged = begun_ || takesPieces();
-  if (begun_) {
-    ask.validator = validator_;
-    ask.size = size_;
-  }
-  if (ask.ranged && span.end != size_.value_or(kNoEnd)) {
-    ask.end = span.end;
-  }
-  return ask;
 }
 
 HttpRequest CDownloadAttempt::request() const {
@@ -178,23 +137,11 @@ HttpRequest CDownloadAttempt::request() const {
   return request;
 }
 
-bool CDownloadAttempt::takesPieces() const {
-  const std::uint64_t size = size_.value_or(order_.spec.size);
-  return offersRanges_ && !refusesRanges_ && size != 0 && size >= order_.parts.from &&
-         (!begun_ || isExact(validator_));
-}
-
-std::uint64_t CDownloadAttempt::pieceSize() const {
-  const std::uint64_t size = size_.value_or(order_.spec.size);
-  return order_.parts.size != 0 ? order_.parts.size
-                                : std::clamp(size / kPieces, kLeastPiece, kMostPiece);
-}
-
 // Begins further requests as long as each of them is likely to pay.
 void CDownloadAttempt::widen() {
-  while (begun_ && takesPieces() && !fetches_.empty() && fetches_.size() < mostFetches_ &&
-         worthMore() && listener_.hasRoom()) {
-    if ((missing_.empty() && !splitLargest()) || !fetchNext()) {
+  while (missing_.begun() && missing_.takesPieces() && !fetches_.empty() &&
+         fetches_.size() < mostFetches_ && worthMore() && listener_.hasRoom()) {
+    if ((missing_.none() && !splitLargest()) || !fetchNext()) {
       return;
     }
   }
@@ -217,22 +164,13 @@ bool CDownloadAttempt::splitLargest() {
                                           return restOf(*left).length() < restOf(*right).length();
                                         });
   const ByteSpan rest = restOf(**largest);
-  if (!size_ || rest.length() < 2 * pieceSize()) {
+  if (!missing_.size() || rest.length() < 2 * missing_.pieceSize()) {
     return false;
   }
-  const std::uint64_t stop = rest.begin + pieceSize();
+  const std::uint64_t stop = rest.begin + missing_.pieceSize();
   (*largest)->stopAt(stop);
-  addSpan(missing_, {stop, rest.end});
+  missing_.giveBack({stop, rest.end});
   return true;
-}
-
-ByteSpan CDownloadAttempt::restOf(const CRangeFetch& fetch) const {
-  const ByteSpan rest = fetch.rest();
-  return {rest.begin, std::max(rest.begin, std::min(rest.end, size_.value_or(kNoEnd)))};
-}
-
-void CDownloadAttempt::giveBack(const CRangeFetch& fetch) {
-  addSpan(missing_, restOf(fetch));
 }
 
 std::unique_ptr<CRangeFetch> CDownloadAttempt::takeOut(CRangeFetch& fetch) {
@@ -254,22 +192,20 @@ bool CDownloadAttempt::onHead(CRangeFetch& fetch, const FetchPlan& plan) {
         failure::kWrongSize);
     return false;
   }
-  offersRanges_ = plan.offersRanges;
-  refusesRanges_ = refusesRanges_ || (fetch.ask().ranged && !plan.partial);
+  missing_.noteServer(fetch.ask(), plan);
   if (!plan.partial && fetches_.size() > 1) {
     return false;  // the others are of another version, or the last to be had
   }
-  if (!plan.partial || !begun_) {
+  if (!plan.partial || !missing_.begun()) {
     if (plan.partial && !plan.offersRanges) {
       return false;
     }
-    beginVersion(plan);
-    missing_ = plan.partial ? missingSpans({restOf(fetch)}, size_.value_or(kNoEnd)) : ByteSpans();
+    beginVersion(fetch, plan);
   } else {
-    noteSize(plan);
+    missing_.noteSize(plan);
   }
-  if (size_) {
-    order_.progress->size = *size_;
+  if (const auto size = missing_.size()) {
+    order_.progress->size = *size;
   }
   if (!firstByte_) {
     firstByte_ = loop_.clock().now();
@@ -279,26 +215,15 @@ bool CDownloadAttempt::onHead(CRangeFetch& fetch, const FetchPlan& plan) {
 }
 
 // Its first bytes come now.
-void CDownloadAttempt::beginVersion(const FetchPlan& plan) {
-  if (begun_) {
+void CDownloadAttempt::beginVersion(const CRangeFetch& fetch, const FetchPlan& plan) {
+  if (missing_.begun()) {
     log_.information("Starting over with " + loggableUrl(order_.spec.url) +
                      ": the server sends all of it, or another version");
   }
-  begun_ = true;
-  validator_ = plan.validator;
-  size_.reset();
-  noteSize(plan);
-  writer_->restart(validator_, size_.value_or(DownloadResume::kUnknown));
+  missing_.beginVersion(plan, fetch.rest());
+  writer_->restart(missing_.validator(), missing_.size().value_or(DownloadResume::kUnknown));
   order_.progress->bytes = 0;
   firstByte_.reset();
-}
-
-void CDownloadAttempt::noteSize(const FetchPlan& plan) {
-  if (plan.size) {
-    size_ = plan.size;
-  } else if (plan.partial && order_.spec.size != 0) {
-    size_ = order_.spec.size;
-  }
 }
 
 void CDownloadAttempt::onFetched(CRangeFetch& fetch, const HttpAnswer& answer) {
@@ -333,8 +258,8 @@ void CDownloadAttempt::startOver(std::string reason) {
   startedOver_ = true;
   log_.warning("Starting over with " + loggableUrl(order_.spec.url) + ": " + reason);
   fetches_.clear();
-  forgetVersion();
-  offersRanges_ = false;
+  missing_.forgetVersion();
+  missing_.refuseRanges();
   fetchNext();
 }
 
@@ -347,7 +272,7 @@ void CDownloadAttempt::judgeFailed(CRangeFetch& fetch, const AttemptOutcome& out
   log_.information("One of " + text(fetches_.size()) + " requests for " +
                    loggableUrl(order_.spec.url) +
                    " failed, the others fetch its part: " + outcome.reason);
-  giveBack(fetch);
+  missing_.giveBack(fetch.rest());
   takeOut(fetch);
   mostFetches_ = fetches_.size();
 }
@@ -383,7 +308,8 @@ void CDownloadAttempt::judgeBody(CRangeFetch& fetch, const HttpAnswer& answer) {
   // A server may send less of a range than it was asked for, and need not say how much there is.
   const bool mayBeMore = fetch.stopped() || (fetch.plan()->partial && arrived > fetch.ask().begin);
   const std::uint64_t expected = order_.spec.size;
-  const auto size = size_ ? size_ : (expected != 0 ? std::optional(expected) : std::nullopt);
+  const auto size =
+      missing_.size() ? missing_.size() : (expected != 0 ? std::optional(expected) : std::nullopt);
   if (!mayBeMore && size && arrived < *size) {
     finish(AttemptOutcome::retry(
         "the answer ended after " + text(arrived) + " of " + text(*size) + " bytes",
@@ -399,17 +325,17 @@ void CDownloadAttempt::goOnAfter(std::unique_ptr<CRangeFetch> fetch, bool mayBeM
     arrive(fetch->rest().begin);
     return;
   }
-  giveBack(*fetch);
+  missing_.giveBack(fetch->rest());
   mostFetches_ = std::min(mostFetches_ + 1, kMostFetches);
-  if (missing_.empty() && fetches_.empty()) {
+  if (missing_.none() && fetches_.empty()) {
     fetch->add();
-    arrive(*size_);
+    arrive(*missing_.size());
     return;
   }
   fetch.reset();
   // Under a limit one request does as much as several.
   const bool enough = loop_.throttle().limited() && !fetches_.empty();
-  if (!missing_.empty() && !enough && fetchNext()) {
+  if (!missing_.none() && !enough && fetchNext()) {
     widen();
   }
 }

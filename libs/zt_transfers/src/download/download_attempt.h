@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "download/answer_plan.h"
+#include "download/missing_bytes.h"
 #include "download/partial_writer.h"
 #include "download/range_fetch.h"
 #include "engine/attempt.h"
@@ -65,23 +66,16 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
  private:
   using Fetches = std::vector<std::unique_ptr<CRangeFetch>>;
 
-  void takeUp(const DownloadResume& resume, const ByteSpans& there);
   bool fetchNext();
-  FetchAsk nextAsk();
   HttpRequest request() const;
-  bool takesPieces() const;
-  std::uint64_t pieceSize() const;
-  void beginVersion(const FetchPlan& plan);
-  void noteSize(const FetchPlan& plan);
+  void beginVersion(const CRangeFetch& fetch, const FetchPlan& plan);
   void widen();
   bool worthMore() const;
   bool splitLargest();
 
-  ByteSpan restOf(const CRangeFetch& fetch) const;
-  void giveBack(const CRangeFetch& fetch);
+  ByteSpan restOf(const CRangeFetch& fetch) const { return missing_.within(fetch.rest()); }
   std::unique_ptr<CRangeFetch> takeOut(CRangeFetch& fetch);
   void startOver(std::string reason);
-  void forgetVersion();
   void judgeFailed(CRangeFetch& fetch, const AttemptOutcome& outcome);
   void judgeComplete(CRangeFetch& fetch);
   void judgeBody(CRangeFetch& fetch, const HttpAnswer& answer);
@@ -109,13 +103,7 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   std::size_t mostFetches_ = kMostFetches;  // less after some have failed
   bool startedOver_ = false;
 
-  // Of the version of which there are bytes; without any, none has been begun.
-  bool begun_ = false;
-  std::string validator_;
-  std::optional<std::uint64_t> size_;
-  bool offersRanges_ = true;  // until the server shows otherwise
-  bool refusesRanges_ = false;
-  ByteSpans missing_;  // and asked for by no fetch
+  CMissingBytes missing_;
 
   std::optional<TimePoint> firstByte_;     // of this attempt
   std::uint64_t bytesBefore_ = 0;          // that were there by then

@@ -66,7 +66,7 @@ bool CHashLine::idle() const {
   return !atWork_ && waiting_.empty();
 }
 
-std::deque<CHashLine::Piece> CHashLine::clear() {
+std::list<CHashLine::Piece> CHashLine::clear() {
   const std::lock_guard lock(mutex_);
   return std::exchange(waiting_, {});
 }

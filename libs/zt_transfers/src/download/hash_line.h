@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
+#include <list>
 #include <mutex>
 #include <vector>
 
@@ -36,7 +36,7 @@ class CHashLine {
   // Nobody is at it, and nobody needs to be.
   bool idle() const;
   // Gives up what waits; what is at work goes on. `close`: nothing is added any more.
-  std::deque<Piece> clear();
+  std::list<Piece> clear();
   void close();
   // For another version, from the first byte; it must be idle.
   void restart();
@@ -46,7 +46,7 @@ class CHashLine {
 
   mutable std::mutex mutex_;
   // Guarded by mutex_.
-  std::deque<Piece> waiting_;
+  std::list<Piece> waiting_;
   std::uint64_t lined_ = 0;  // up to here it is hashed or waits
   std::uint64_t taken_ = 0;  // up to here it is hashed, or somebody is at it
   bool atWork_ = false;

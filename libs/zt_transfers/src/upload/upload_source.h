@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
+#include <list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -78,9 +78,9 @@ class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
   // Used by one pool job at a time, and while there is none by this; jobs hold their own reference.
   const std::shared_ptr<CSourceReader> reader_;
 
-  std::deque<SourceChunk> chunks_;  // the first one is being taken
-  std::size_t offset_ = 0;          // in the first one
-  std::unique_ptr<char[]> spare_;   // memory of a chunk, for the next one
+  std::list<SourceChunk> chunks_;  // the first one is being taken
+  std::size_t offset_ = 0;         // in the first one
+  std::unique_ptr<char[]> spare_;  // memory of a chunk, for the next one
   bool inFirstChunk_ = true;
   bool reading_ = false;
   bool readAll_ = false;

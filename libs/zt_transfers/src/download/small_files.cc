@@ -12,8 +12,8 @@
 namespace zt_transfers {
 namespace {
 
-// As many as are hashed together, twice.
-constexpr std::size_t kMostFiles = 2 * kMd5Lanes;
+// A multiple of those that are hashed together.
+constexpr std::size_t kMostFiles = 4 * kMd5Lanes;
 constexpr std::size_t kMostBytes = kMd5Lanes * CChunkPool::kLargest;
 constexpr std::chrono::milliseconds kGatherLimit{2};
 

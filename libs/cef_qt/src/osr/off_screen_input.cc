@@ -4,7 +4,9 @@
 #include <QFocusEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QQuickItem>
 #include <QQuickWidget>
+#include <QQuickWindow>
 #include <QStyleHints>
 #include <QWheelEvent>
 #include <algorithm>
@@ -28,6 +30,15 @@ constexpr double kPixelsOfALine = 20;
 QPoint angleOf(int deltaX, int deltaY) {
   const double factor = 120 / (kPixelsOfALine * QApplication::wheelScrollLines());
   return {qRound(deltaX * factor), qRound(deltaY * factor)};
+}
+
+// The item that the page is drawn in; null when there is none.
+QQuickItem* focusItemBelow(const QQuickItem& item) {
+  QQuickItem* found = nullptr;
+  for (QQuickItem* const child : item.childItems()) {
+    found = found ? found : child->hasFocus() ? child : focusItemBelow(*child);
+  }
+  return found;
 }
 
 }  // namespace
@@ -202,15 +213,24 @@ void OffScreenInput::sendKey(const CefKeyEvent& event, bool press, char16_t char
 }
 
 void OffScreenInput::setFocus(bool focus) {
-  QWidget* const target = browser_.page();
+  QQuickWidget* const target = browser_.page();
   if (!target) {
     return;
   }
   if (focus) {
     last = this;
   }
-  QFocusEvent sent(focus ? QEvent::FocusIn : QEvent::FocusOut, Qt::OtherFocusReason);
-  QApplication::sendEvent(target, &sent);
+  // Qt hands it on to the page's item only while no other window of the application has the focus,
+  // and the client's view has.
+  const QPointer<QQuickItem> item = focusItemBelow(*target->quickWindow()->contentItem());
+  const auto send = [focus](QObject* receiver) {
+    QFocusEvent sent(focus ? QEvent::FocusIn : QEvent::FocusOut, Qt::OtherFocusReason);
+    QApplication::sendEvent(receiver, &sent);
+  };
+  send(target);
+  if (item) {
+    send(item);
+  }
 }
 
 }  // namespace cef_qt

@@ -1,8 +1,11 @@
 #include "platform/linux/drag_linux.h"
 
 #include <QDrag>
+#include <QFontMetrics>
 #include <QMimeData>
 #include <QMimeDatabase>
+#include <QPainter>
+#include <QPixmap>
 #include <QUrl>
 #include <QWidget>
 
@@ -10,6 +13,9 @@
 
 namespace client {
 namespace {
+
+// Up and left of it, so that the pointer and what is below it can be seen.
+constexpr QPoint kPointerInPicture(-12, -12);
 
 QString toText(const CefString& text) {
   return QString::fromStdU16String(text.ToString16());
@@ -27,6 +33,27 @@ void addFileContents(CefDragData& data, QMimeData& mime) {
           .name();
   mime.setData(type, QByteArray(static_cast<const char*>(bytes->data()),
                                 static_cast<qsizetype>(bytes->size())));
+}
+
+// What goes with the pointer; Qt shows a dot else.
+QString shownTextOf(CefDragData& data) {
+  const QString text = toText(data.IsLink() ? data.GetLinkTitle() : data.GetFragmentText());
+  return text.simplified();
+}
+
+QPixmap pictureOf(const QString& text, const QWidget& view) {
+  constexpr int kMostWidth = 240;
+  constexpr int kMargin = 4;
+  const QFontMetrics metrics(view.font());
+  const QString shown = metrics.elidedText(text, Qt::ElideRight, kMostWidth);
+  const QSize size(metrics.horizontalAdvance(shown) + 2 * kMargin, metrics.height() + 2 * kMargin);
+  QPixmap picture(size * view.devicePixelRatioF());
+  picture.setDevicePixelRatio(view.devicePixelRatioF());
+  picture.fill(view.palette().color(QPalette::ToolTipBase));
+  QPainter painter(&picture);
+  painter.setPen(view.palette().color(QPalette::ToolTipText));
+  painter.drawText(QRect(QPoint(), size), Qt::AlignCenter, shown);
+  return picture;
 }
 
 }  // namespace
@@ -48,6 +75,10 @@ Qt::DropAction dragOut(QWidget* view, CefDragData& data, Qt::DropActions allowed
   }
   auto* const drag = new QDrag(view);  // deletes itself and what it carries
   drag->setMimeData(mime);
+  if (const QString text = shownTextOf(data); !text.isEmpty()) {
+    drag->setPixmap(pictureOf(text, *view));
+    drag->setHotSpot(kPointerInPicture);
+  }
   return drag->exec(allowed);
 }
 

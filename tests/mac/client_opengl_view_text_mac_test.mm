@@ -42,6 +42,9 @@ TEST_F(ClientOpenGLViewTextMac, ComposesWithDeadKeysAndInputMethods) {
   EXPECT_EQ(press([this] { [view_ doCommandBySelector:@selector(moveLeft:)]; }),
             (Lines{"raw down 0/14 types 101 flags 0", "char 0/14 types 101 flags 0"}));
 
+  EXPECT_EQ(press([] { [NSException raise:@"Failure" format:@"of the input method"]; }),
+            (Lines{"raw down 0/14 types 101 flags 0", "char 0/14 types 101 flags 0"}));
+
   NSMutableAttributedString* const clauses =
       [[[NSMutableAttributedString alloc] initWithString:@"abc"] autorelease];
   [clauses addAttribute:NSUnderlineStyleAttributeName value:@1 range:NSMakeRange(0, 1)];

@@ -1,4 +1,5 @@
 #include "app/guarded_call.h"
+#include "bridge/platform_exceptions.h"
 #include "osr/edit_commands.h"
 #include "platform/mac/client_opengl_view_mac.h"
 #include "platform/mac/client_opengl_view_parts_mac.h"
@@ -113,8 +114,10 @@ using zantrio::guardedCall;
 
 - (void)keyDown:(NSEvent*)event {
   guardedCall("keyDown", [&] {
+    // A press that the input method fails at is a key as any other.
     parts_->presses.press(toSystemEvent(event, self), [self, event] {
-      [self interpretKeyEvents:[NSArray arrayWithObject:event]];
+      zantrio::callCatchingPlatformExceptions(
+          [&] { [self interpretKeyEvents:[NSArray arrayWithObject:event]]; });
     });
   });
 }

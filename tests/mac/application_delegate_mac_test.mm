@@ -56,6 +56,15 @@ TEST_F(ApplicationDelegateMac, LeavesOutANameThatIsNoTextInUnicode) {
                             "open /b", "replyToOpenOrPrint: 0"}));
 }
 
+TEST_F(ApplicationDelegateMac, FailsWhenItCanReadNoneOfTheNames) {
+  const std::string line = "log: An item of a list was left out, as it is no text in Unicode.";
+  [delegate_ application:NSApp openFiles:@[ [HalfPair string] ]];
+  EXPECT_EQ(calls(), (Calls{line, "replyToOpenOrPrint: 2"}));
+  calls().clear();
+  EXPECT_EQ(send(@[ [HalfPair string] ]), "The names of the files cannot be read.");
+  EXPECT_EQ(calls(), Calls{line});
+}
+
 TEST_F(ApplicationDelegateMac, TheMenusCommandsAreTheApplications) {
   [delegate_ newMessage:nil];
   [delegate_ newShare:nil];

@@ -18,7 +18,12 @@
 }
 
 - (void)application:(NSApplication*)application openFiles:(NSArray*)filenames {
-  _commands->openFiles(zantrio::toUtf8List(filenames));
+  const std::vector<std::string> paths = zantrio::toUtf8List(filenames);
+  if (paths.empty()) {
+    [application replyToOpenOrPrint:NSApplicationDelegateReplyFailure];
+    return;
+  }
+  _commands->openFiles(paths);
   [application replyToOpenOrPrint:NSApplicationDelegateReplySuccess];
 }
 
@@ -43,8 +48,13 @@
     *error = @"There are no files to send.";
     return;
   }
+  const std::vector<std::string> paths = zantrio::toUtf8List(filenames);
+  if (paths.empty()) {
+    *error = @"The names of the files cannot be read.";
+    return;
+  }
   [NSApp activateIgnoringOtherApps:YES];
-  _commands->openFiles(zantrio::toUtf8List(filenames));
+  _commands->openFiles(paths);
 }
 
 @end

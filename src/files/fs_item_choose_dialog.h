@@ -9,7 +9,8 @@ class IFsItemChooseDialog {
  public:
   virtual ~IFsItemChooseDialog() = default;
 
-  // The text of the title bar, UTF-8.
+  // The text of the title bar. Linux takes its bytes for UTF-8, macOS for the system's default
+  // encoding, so it should be ASCII.
   virtual void setTitle(const std::string& title) = 0;
 };
 

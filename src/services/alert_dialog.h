@@ -11,8 +11,9 @@ class IAlertDialog {
  public:
   virtual ~IAlertDialog() = default;
 
-  // Shows `text` (UTF-8) and returns at once; the notice stays until the user dismisses it, and
-  // several may stand at the same time. A notice that cannot be shown is dropped.
+  // Shows `text` and returns at once; the notice stays until the user dismisses it, and several may
+  // stand at the same time. A notice that cannot be shown is dropped. Linux takes the bytes of
+  // `text` for UTF-8, macOS takes them for Mac Roman.
   virtual void show(const std::string& text) = 0;
 };
 

@@ -15,8 +15,9 @@ class IConfirmDialog {
 
   virtual ~IConfirmDialog() = default;
 
-  // Shows `text` (UTF-8) and blocks until the user answers, without a time limit. True for "Yes",
-  // and also when the question cannot be shown.
+  // Shows `text` and blocks until the user answers, without a time limit. True for "Yes", and also
+  // when the question cannot be shown. Linux takes the bytes of `text` for UTF-8, macOS takes them
+  // for Mac Roman.
   virtual bool ask(const std::string& text, int kind) = 0;
 };
 

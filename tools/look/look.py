@@ -2,7 +2,7 @@
 """Takes a picture of the web application in the product's own browser engine, with mocked bridges.
 
     zantrio-devservice --port 8080 --data /tmp/data --web webapp &
-    tests/webapp/look.py http://127.0.0.1:8080/app out.png --dark --size 480x860 --options '{"files": 5000}' \
+    tools/look/look.py http://127.0.0.1:8080/app out.png --dark --size 480x860 --options '{"files": 5000}' \
         "js:document.querySelector('#choose-files').click()" "wait:document.querySelector('.file-row')"
 
 Steps: js:SCRIPT (prints its value), wait:EXPRESSION, sleep:MILLISECONDS, shot:FILE. Needs python3-pyqt6.qtwebengine.

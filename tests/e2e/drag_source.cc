@@ -1,8 +1,4 @@
-// A window from which the given files can be dragged, as from a file manager, or a text, as from an
-// editor.
-//
-//   drag_source FILE...
-//   drag_source --text TEXT
+// A window from which the given files can be dragged, as from a file manager: drag_source FILE...
 //
 // It prints "ready" once it is shown in the display's upper left corner, during a drag the action
 // that the target offers when it changes ("offered 1" is a copy, "offered 0" a refusal), and after
@@ -41,10 +37,6 @@ class DragSource : public QLabel {
  private:
   QMimeData* makeContent() const {
     auto* content = new QMimeData;
-    if (arguments_.value(0) == "--text") {
-      content->setText(arguments_.value(1));
-      return content;
-    }
     QList<QUrl> urls;
     for (const QString& path : arguments_) {
       urls << QUrl::fromLocalFile(path);

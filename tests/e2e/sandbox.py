@@ -122,14 +122,10 @@ class Sandbox(unittest.TestCase):
         wait_until(lambda: not display.windows(self.environment, f"^{title}$"), 30,
                    f'the end of the window "{title}"')
 
-    def start_drag(self, *arguments):
-        """Begins to drag with the pointer from another program's window into the client's.
-
-        Gives the queue of what the other program says.
-        """
+    def drag_to_window(self, path):
+        """Drags the path from another program's window with the pointer and drops it on the client's."""
         screen = self.environment
-        source = process.start([BUILD / "bin/drag_source", *arguments], env=screen, text=True,
-                               stdout=subprocess.PIPE)
+        source = process.start([BUILD / "bin/drag_source", path], env=screen, text=True, stdout=subprocess.PIPE)
         self.addCleanup(source.stdout.close)
         said = queue.SimpleQueue()
         reader = threading.Thread(target=lambda: [said.put(line.strip()) for line in source.stdout])
@@ -140,15 +136,10 @@ class Sandbox(unittest.TestCase):
         for step in (["mousemove", 50, 30], ["mousedown", 1], ["mousemove", 60, 35],
                      ["mousemove", 200, 200], ["mousemove", 600, 400]):
             display.xdotool(screen, *step)
-        return said
-
-    def drag_to_window(self, path):
-        """Drags the path from another program's window and drops it on the client's."""
-        said = self.start_drag(path)
         # The window answers each movement; it takes some until the page behind it has been asked.
-        wait_until(lambda: display.xdotool(self.environment, "mousemove_relative", 1, 0) == ""
+        wait_until(lambda: display.xdotool(screen, "mousemove_relative", 1, 0) == ""
                    and not said.empty() and said.get() == "offered 1", 30, "the page's consent")
-        display.xdotool(self.environment, "mouseup", 1)
+        display.xdotool(screen, "mouseup", 1)
         self.assertEqual(said.get(timeout=30), "dropped 1")
 
     def assert_arrived(self, service, *sent):

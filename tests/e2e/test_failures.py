@@ -9,24 +9,6 @@ from sandbox import Sandbox
 
 
 class Failures(Sandbox):
-    def assert_refuses_to_start(self, bundle, expected):
-        client = self.start_client(bundle)
-        self.assertEqual(client.wait(60), 1)
-        output = self.client_output.read_text(errors="replace")
-        self.assertIn(expected, output)
-        self.assertEqual(len([line for line in output.splitlines() if "zantrio" in line]), 1, output)
-        self.assertIn(expected, client.log())
-
-    def test_says_that_the_information_dictionary_is_missing(self):
-        bundle = self.make_bundle("http://127.0.0.1:1")
-        (bundle / "Info.plist").unlink()
-        self.assert_refuses_to_start(bundle, "Info.plist")
-
-    def test_says_that_the_information_dictionary_is_malformed(self):
-        bundle = self.make_bundle("http://127.0.0.1:1")
-        (bundle / "Info.plist").write_text("<plist><dict><key>CFBundle")
-        self.assert_refuses_to_start(bundle, "Info.plist")
-
     def test_opens_the_web_application_also_without_a_loading_page(self):
         service = self.start_service()
         bundle = self.make_bundle(service.url)
@@ -35,14 +17,6 @@ class Failures(Sandbox):
         page = SendPage(client.page())
         page.wait_until_ready()
         self.assert_leaves_cleanly(client, page)
-
-    def test_says_that_its_data_folder_cannot_be_written(self):
-        (self.home / "Library").write_text("a file where a folder should be")
-        client = self.start_client(self.make_bundle("http://127.0.0.1:1"))
-        self.assertEqual(client.wait(60), 1)
-        self.assertRegex(self.client_output.read_text(errors="replace"),
-                         r"^zantrio: The data folder .*/Library/Application Support/Zantrio CEF/ "
-                         r"cannot be written: Not a directory\n$")
 
     def test_says_that_there_is_no_display(self):
         bundle = self.make_bundle("http://127.0.0.1:1")

@@ -36,14 +36,6 @@ class Received(Sandbox):
                  for path in folder.rglob("*") if path.is_file()}
         self.assertEqual(found, expected)
 
-    def test_the_samples_can_be_downloaded_at_once(self):
-        self.start_page()
-        self.received.open(WELCOME)
-        self.received.download()
-        self.received.wait_for_state("COMPLETED")
-        self.assert_downloaded(self.automatic / "Welcome files to try", self.offered(WELCOME))
-        self.assert_leaves_cleanly(self.client, self.page)
-
     def test_some_files_are_chosen_with_the_keyboard_and_go_where_the_user_wants(self):
         self.start_page()
         self.received.open(WELCOME)

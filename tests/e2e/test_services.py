@@ -4,7 +4,6 @@ import json
 import subprocess
 import unittest
 
-from harness import display
 from harness.wait import wait_until
 from sandbox import Sandbox
 
@@ -70,15 +69,6 @@ class Services(Sandbox):
                                   capture_output=True, text=True)
         return json.loads(done.stdout)["data"][0]
 
-    def test_notification_without_a_service_on_the_desktop_is_dropped(self):
-        self.start_session_bus()
-        page = self.start_page()
-        self.assertEqual(page.query("eventNotificationBridge_IPC", "handleEvent"),
-                         ["success", "null\n"])
-        self.assertEqual(page.query("eventNotificationBridge_IPC", "handleEvent",
-                                    {"properties": "text"})[:2], ["failure", -1])
-        self.assert_leaves_cleanly(self.client, page)
-
     def test_alert_of_the_page_stays_while_the_page_goes_on(self):
         page = self.start_page()
         self.assertEqual(page.evaluate("alert('Grüße <b>& more</b>'); 'went on'"), "went on")
@@ -105,21 +95,6 @@ class Services(Sandbox):
                              ["success", "null\n"])
         wait_until(opened, 30, "the opener's start")
         self.assertEqual(opened(), ["https://example.test/?a=$(touch%20x)&b='c'"])
-        self.assert_leaves_cleanly(self.client, page)
-
-    def test_drag_of_a_text_is_refused_and_the_page_sees_nothing_of_it(self):
-        page = self.start_page()
-        page.evaluate("window.drags = 0; for (const name of ['dragenter', 'dragover', 'drop'])"
-                      " addEventListener(name, () => { drags += 1; }, true)")
-        said = self.start_drag("--text", "no file")
-        wait_until(lambda: display.xdotool(self.environment, "mousemove_relative", 1, 0) == ""
-                   and "Drag data type: 0" in self.client.messages(), 30, "the drag's arrival")
-        display.xdotool(self.environment, "mousemove_relative", 20, 0)
-        display.xdotool(self.environment, "mouseup", 1)
-        self.assertEqual(said.get(timeout=30), "dropped 0")
-        self.assertEqual(page.evaluate("drags"), 0)
-        self.assertEqual(page.query("fileHandleChooserBridge_IPC", "handleDrop"),
-                         ["success", "null\n"])
         self.assert_leaves_cleanly(self.client, page)
 
 

@@ -47,15 +47,6 @@ class Uploads(Sandbox):
         self.assertIn("Drag data type: 1", client.messages())
         self.assert_leaves_cleanly(client, page)
 
-    def test_sends_a_folder_given_on_the_command_line(self):
-        folder = self.make_files(self.folder / "given", 40, 5_000)
-        service, client, page = self.start_all(folder)
-        page.wait_for_files(40)
-        self.assertIn("Initial files container has 1 files in it!", client.messages())
-        self.send(page, limit_seconds=120)
-        self.assert_arrived(service, folder)
-        self.assert_leaves_cleanly(client, page)
-
     def test_reports_a_file_that_vanished_before_sending_and_sends_the_rest(self):
         folder = self.make_files(self.folder / "given", 5, 5_000)
         gone = next(folder.rglob("*00003*"))

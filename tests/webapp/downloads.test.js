@@ -1,15 +1,9 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
-import './libraries.js';
+import { stored } from './libraries.js';
 import {
-  connection, FakeService, FakeUploads, groupEvent, settled,
+  connection, FakeService, FakeUploads, fileEvent, groupEvent, settled,
 } from './fakes.js';
-
-globalThis.requestAnimationFrame = () => {};
-const stored = new Map();
-globalThis.localStorage = {
-  getItem: (key) => stored.get(key) ?? null, setItem: (key, value) => stored.set(key, value),
-};
 
 const { Downloads } = await import('../../webapp/js/models/downloads.js');
 const { DownloadFlow } = await import('../../webapp/js/download_flow.js');
@@ -32,10 +26,6 @@ async function begin({ flow }, wanted, options = { automatic: true, whole: true 
   await flow.fill(begun, MESSAGE, wanted);
   return begun.transfer;
 }
-
-const fileEvent = (fileId, type) => ({
-  id: '1', bucketId: 'b1', fileId, type, state: { type, bytesTransfered: 0, bytesTotal: 10, percentTransferred: 0 },
-});
 
 test('creates the group with the token of the addresses and a safe folder name', async () => {
   const all = make();

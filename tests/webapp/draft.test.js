@@ -1,7 +1,7 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
 import './libraries.js';
-import { records } from './records.js';
+import { records } from './fakes.js';
 
 const { Draft } = await import('../../webapp/js/models/draft.js');
 

@@ -99,4 +99,18 @@ export function groupEvent(id, changes) {
   return { id, bucketId: state.bucketId, type: state.type, state };
 }
 
+/** A file event of group 1, whose files have ten bytes. */
+export function fileEvent(fileId, type, done = 0) {
+  return {
+    id: '1', bucketId: 'b1', fileId, type, state: { type, bytesTransfered: done, bytesTotal: 10, percentTransferred: 0 },
+  };
+}
+
+/** File records as the native side gives them. */
+export function records(count, folder = 'd') {
+  return Array.from({ length: count }, (_, i) => ({
+    fileURL: `file:///home/ann/${folder}/${i}.txt`, name: `${i}.txt`, path: null, size: 10, created: 0, modified: 5,
+  }));
+}
+
 export const settled = () => new Promise((resolve) => { setTimeout(resolve, 5); });

@@ -1,7 +1,7 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
 import { FileList } from '../../webapp/js/file_list.js';
-import { records } from './records.js';
+import { records } from './fakes.js';
 
 test('keeps files in order with their totals', () => {
   const list = new FileList();

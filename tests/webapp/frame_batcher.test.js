@@ -2,16 +2,6 @@ import assert from 'node:assert/strict';
 import { test } from 'node:test';
 import { FrameBatcher } from '../../webapp/js/frame_batcher.js';
 
-test('hands everything over once a frame, however often it changed', () => {
-  const frames = [];
-  const flushed = [];
-  const batcher = new FrameBatcher((changed) => flushed.push([...changed]), (frame) => frames.push(frame));
-  for (let i = 0; i < 100_000; i += 1) batcher.mark(i % 2 ? 'a' : 'b');
-  assert.equal(frames.length, 1);
-  frames.shift()();
-  assert.deepEqual(flushed, [['b', 'a']]);
-});
-
 test('what changes while it is handed over comes with the next frame', () => {
   const frames = [];
   const flushed = [];

@@ -1,4 +1,5 @@
-// Loads Debian's Underscore and Backbone as the page does: as classic scripts with global names.
+// What the page has around it: Debian's Underscore and Backbone, loaded as classic scripts with global names, a storage
+// and frames.
 
 import { readFileSync } from 'node:fs';
 import { runInThisContext } from 'node:vm';
@@ -6,3 +7,11 @@ import { runInThisContext } from 'node:vm';
 for (const library of ['underscore/underscore.js', 'backbone/backbone.js']) {
   runInThisContext(readFileSync(`/usr/share/javascript/${library}`, 'utf8'), { filename: library });
 }
+
+export const stored = new Map();
+globalThis.localStorage = {
+  getItem: (key) => stored.get(key) ?? null, setItem: (key, value) => stored.set(key, value),
+};
+
+export const frames = [];
+globalThis.requestAnimationFrame = (frame) => frames.push(frame);

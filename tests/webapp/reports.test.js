@@ -2,19 +2,13 @@ import assert from 'node:assert/strict';
 import { test } from 'node:test';
 import './libraries.js';
 import {
-  connection, FakeService, FakeUploads, groupEvent, settled,
+  connection, FakeService, FakeUploads, fileEvent, groupEvent, settled,
 } from './fakes.js';
-
-globalThis.requestAnimationFrame = () => {};
-globalThis.localStorage = { getItem: () => null, setItem() {} };
 
 const { Downloads } = await import('../../webapp/js/models/downloads.js');
 const { TransferReports } = await import('../../webapp/js/transfer_reports.js');
 const { commonReason, failedFileWords, waitingWords } = await import('../../webapp/js/reason_words.js');
 
-const failedFile = (fileId, type = 'ERRORED') => ({
-  id: '1', bucketId: 'b1', fileId, type, state: { type, bytesTransfered: 0, bytesTotal: 10, percentTransferred: 0 },
-});
 const failure = (fileId, code) => ({ fileId, code, reason: `sentence of ${code}` });
 
 function make(pauses = [0, 0, 0]) {
@@ -31,19 +25,19 @@ function make(pauses = [0, 0, 0]) {
 test('learns why files failed from what the library told the service, and asks no more than it needs', async () => {
   const { service, downloads, transfer, asked } = make();
   service.reports = { download: { state: 'ERRORED', waitingFor: null, failures: [failure('a', 'wrong_digest'), failure('b', 'disk_trouble')] } };
-  downloads.fileChanged(failedFile('a'));
-  downloads.fileChanged(failedFile('b'));
+  downloads.fileChanged(fileEvent('a', 'ERRORED'));
+  downloads.fileChanged(fileEvent('b', 'ERRORED'));
   await settled();
   assert.equal(transfer.reasons.get('a').code, 'wrong_digest');
   assert.equal(transfer.reasons.get('b').reason, 'sentence of disk_trouble');
   assert.equal(asked(), 1);
-  downloads.fileChanged(failedFile('a', 'TRANSFERRING'));
+  downloads.fileChanged(fileEvent('a', 'TRANSFERRING'));
   assert.equal(transfer.reasons.has('a'), false);
 });
 
 test('asks at once, and again, when the transfer has come to its end meanwhile', async () => {
   const { service, downloads, transfer, asked } = make([1, 4000]);
-  downloads.fileChanged(failedFile('a'));
+  downloads.fileChanged(fileEvent('a', 'ERRORED'));
   for (let turn = 0; turn < 1000 && asked() < 1; turn += 1) await settled();
   service.reports = { download: { state: 'ERRORED', failures: [failure('a', 'wrong_size')] } };
   downloads.groupChanged(groupEvent('1', { type: 'ERRORED' }));
@@ -56,7 +50,7 @@ test('gives up where there are no reports, or none of this file', async () => {
     const { service, downloads, transfer, asked } = make();
     service.reports = reports ?? undefined;
     if (reports === null) service.progressOf = async () => { service.calls.push(['progressOf']); throw new Error('404'); };
-    downloads.fileChanged(failedFile('a'));
+    downloads.fileChanged(fileEvent('a', 'ERRORED'));
     for (let turn = 0; turn < 1000 && asked() < 3; turn += 1) await settled();
     await settled();
     assert.equal(transfer.reasons.size, 0);
@@ -70,8 +64,8 @@ test('asks for new addresses of refused files once, and of expired ones more oft
     const renewed = () => service.calls.filter(([name]) => name === 'requestDownloads').length;
     service.reports = { download: { state: 'ERRORED', failures: [failure('a', code)] } };
     for (let times = 0; times < 5; times += 1) {
-      downloads.fileChanged(failedFile('a', 'TRANSFERRING'));
-      downloads.fileChanged(failedFile('a'));
+      downloads.fileChanged(fileEvent('a', 'TRANSFERRING'));
+      downloads.fileChanged(fileEvent('a', 'ERRORED'));
       await settled();
       if (transfer.renewal) {
         clearTimeout(transfer.renewal);

@@ -1,10 +1,6 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
-
-const stored = new Map();
-globalThis.localStorage = {
-  getItem: (key) => stored.get(key) ?? null, setItem: (key, value) => stored.set(key, value),
-};
+import { stored } from './libraries.js';
 
 const { applySavedSettings, changeSettings, saveSettings } = await import('../../webapp/js/saved_settings.js');
 

@@ -1,10 +1,10 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
 import './libraries.js';
-import { connection, FakeService, FakeUploads, groupEvent } from './fakes.js';
-import { records } from './records.js';
+import {
+  connection, FakeService, FakeUploads, groupEvent, records,
+} from './fakes.js';
 
-globalThis.requestAnimationFrame = () => {};
 const { Transfers } = await import('../../webapp/js/models/transfers.js');
 const { SendFlow } = await import('../../webapp/js/send_flow.js');
 

@@ -1,21 +1,14 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
-import './libraries.js';
+import { frames, stored } from './libraries.js';
 import {
-  connection, FakeService, FakeUploads, group, groupEvent, settled,
+  connection, FakeService, FakeUploads, fileEvent, group, groupEvent, settled,
 } from './fakes.js';
-
-const frames = [];
-globalThis.requestAnimationFrame = (frame) => frames.push(frame);
-const cleared = new Map();
-globalThis.localStorage = {
-  getItem: (key) => cleared.get(key) ?? null, setItem: (key, value) => cleared.set(key, value),
-};
 
 const { Transfers } = await import('../../webapp/js/models/transfers.js');
 
 function make() {
-  cleared.clear();
+  stored.clear();
   const uploads = new FakeUploads();
   const service = new FakeService();
   const transfers = new Transfers([], { manager: uploads, service, connection });
@@ -25,10 +18,6 @@ function make() {
 function running(transfers, id = '1') {
   return transfers.add({ id, bucketId: 'b1', subject: 'Film', phase: 'running' });
 }
-
-const fileEvent = (fileId, type, done) => ({
-  id: '1', bucketId: 'b1', fileId, type, state: { type, bytesTransfered: done, bytesTotal: 10, percentTransferred: 0 },
-});
 
 test('takes group events as the native side writes them', () => {
   const { transfers } = make();

@@ -1,7 +1,5 @@
 #include "devservice/dev_server.h"
 
-#include <Poco/Net/HTTPRequest.h>
-
 #include <stdexcept>
 #include <thread>
 
@@ -22,14 +20,14 @@ TEST_F(DevServerTest, GoesOnWithItsMessagesAfterARestart) {
   options_.port = server_->port();
   restart();
 
-  const Json::Value files = request("GET", "/api/messages/" + bucket_ + "/files").json()["files"];
+  const Json::Value files = askMessage("GET", "/files").json()["files"];
   ASSERT_EQ(files.size(), 2U);
   EXPECT_TRUE(files[0]["arrived"].asBool());
   EXPECT_EQ(files[0]["md5"], "9dd4e461268c8034f5c8564e155c67a6");
   EXPECT_EQ(request("PUT", waiting, "y", token()).status, 200);
   EXPECT_NE(announce("d", "sent"), sent);
   request("PUT", "/storage/" + bucket_ + "/d/sent%20%282%29", "z", token());
-  EXPECT_EQ(request("POST", "/api/messages/" + bucket_ + "/complete").status, 200);
+  EXPECT_EQ(askMessage("POST", "/complete").status, 200);
   restart();
   EXPECT_EQ(request("GET", "/api/messages/" + bucket_).json()["state"], "completed");
 }
@@ -43,21 +41,17 @@ TEST_F(DevServerTest, IgnoresAJournalLineThatACrashCutShort) {
   restart();
   EXPECT_EQ(announce("", "b"), "/storage/" + bucket_ + "/b");
   restart();
-  const Json::Value files = request("GET", "/api/messages/" + bucket_ + "/files").json()["files"];
+  const Json::Value files = askMessage("GET", "/files").json()["files"];
   ASSERT_EQ(files.size(), 2U);
   EXPECT_EQ(files[1]["path"], "b");
 }
 
-TEST_F(DevServerTest, RefusesPortsAndFoldersThatItCannotUse) {
-  Options taken = options_;
-  taken.port = server_->port();
-  taken.data = folder_.path() / "other";
-  EXPECT_THROW(CDevServer{taken}, std::runtime_error);
+TEST_F(DevServerTest, RefusesFoldersThatItCannotUse) {
   Options unwritable = options_;
-  unwritable.data = folder_.path() / "web/index.html";
+  unwritable.data = folder_.path() + "/web/index.html";
   EXPECT_THROW(CDevServer{unwritable}, std::runtime_error);
   Options noPage = options_;
-  noPage.web = folder_.path() / "javascript";
+  noPage.web = folder_.path() + "/javascript";
   EXPECT_THROW(CDevServer{noPage}, std::runtime_error);
 }
 
@@ -73,17 +67,8 @@ TEST_F(DevServerTest, ServesManyConnectionsAtOnceWithoutMixingTheirFilesUp) {
     std::vector<std::jthread> clients;
     for (int client = 0; client < kClients; ++client) {
       clients.emplace_back([&, client] {
-        Poco::Net::HTTPClientSession session("127.0.0.1", server_->port());
-        session.setKeepAlive(true);
         for (int i = client; i < kClients * kFiles; i += kClients) {
-          Poco::Net::HTTPRequest put("PUT", urls[static_cast<std::size_t>(i)], "HTTP/1.1");
-          put.set("X-Zantrio-Token", token_);
-          const std::string body = "content " + std::to_string(i);
-          put.setContentLength64(static_cast<Poco::Int64>(body.size()));
-          session.sendRequest(put) << body;
-          Poco::Net::HTTPResponse response;
-          session.receiveResponse(response);
-          EXPECT_EQ(response.getStatus(), 200);
+          putAlone(urls[static_cast<std::size_t>(i)], "content " + std::to_string(i));
         }
       });
     }
@@ -91,7 +76,7 @@ TEST_F(DevServerTest, ServesManyConnectionsAtOnceWithoutMixingTheirFilesUp) {
   for (int i = 0; i < kClients * kFiles; ++i) {
     EXPECT_EQ(readFile(arrivedFile("many/" + std::to_string(i))), "content " + std::to_string(i));
   }
-  EXPECT_EQ(request("POST", "/api/messages/" + bucket_ + "/complete").status, 200);
+  EXPECT_EQ(askMessage("POST", "/complete").status, 200);
 }
 
 }  // namespace zantrio::devservice

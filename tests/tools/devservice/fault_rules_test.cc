@@ -2,15 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "devservice/http_error.h"
 
 namespace zantrio::devservice {
 
 namespace {
 
-Json::Value rule(const std::string& type) {
+Json::Value parsed(const std::string& text) {
   Json::Value value;
-  value["type"] = type;
+  std::istringstream(text) >> value;
   return value;
 }
 
@@ -28,12 +30,7 @@ TEST(MatchesPattern, TakesStarsForAnyTextAndQuestionMarksForOneByte) {
 
 TEST(FaultRules, HitsTheRequestsBetweenSkipAndCount) {
   CFaultRules rules;
-  Json::Value value = rule("reset");
-  value["method"] = "PUT";
-  value["path"] = "*.jpg";
-  value["skip"] = 1;
-  value["count"] = 2;
-  rules.add(value);
+  rules.add(parsed(R"({"type":"reset","method":"PUT","path":"*.jpg","skip":1,"count":2})"));
   std::vector<bool> hits;
   for (int i = 0; i < 5; ++i) {
     EXPECT_EQ(rules.match("GET", "/a.jpg").type, Fault::Type::kNone);
@@ -46,10 +43,8 @@ TEST(FaultRules, HitsTheRequestsBetweenSkipAndCount) {
 
 TEST(FaultRules, AppliesTheOldestRuleThatIsNotUsedUp) {
   CFaultRules rules;
-  Json::Value once = rule("status");
-  once["count"] = 1;
-  const int first = rules.add(once)["id"].asInt();
-  rules.add(rule("stall"));
+  const int first = rules.add(parsed(R"({"type":"status","count":1})"))["id"].asInt();
+  rules.add(parsed(R"({"type":"stall"})"));
   EXPECT_EQ(rules.match("GET", "/").type, Fault::Type::kStatus);
   EXPECT_EQ(rules.match("GET", "/").type, Fault::Type::kStall);
   EXPECT_TRUE(rules.remove(first));
@@ -60,16 +55,11 @@ TEST(FaultRules, AppliesTheOldestRuleThatIsNotUsedUp) {
 
 TEST(FaultRules, RefusesRulesThatMakeNoSense) {
   CFaultRules rules;
-  Json::Value badStatus = rule("status");
-  badStatus["status"] = 42;
-  Json::Value noRate = rule("rate");
-  noRate["bytesPerSecond"] = 0;
-  Json::Value negative = rule("reset");
-  negative["afterBytes"] = -1;
-  for (const Json::Value& value :
-       {Json::Value("text"), Json::Value(Json::objectValue), rule("explode"), rule("delay"),
-        rule("rate"), badStatus, noRate, negative}) {
-    EXPECT_THROW(rules.add(value), CHttpError) << value.toStyledString();
+  for (const char* text :
+       {R"("text")", "{}", R"({"type":"explode"})", R"({"type":"delay"})", R"({"type":"rate"})",
+        R"({"type":"status","status":42})", R"({"type":"rate","bytesPerSecond":0})",
+        R"({"type":"reset","afterBytes":-1})"}) {
+    EXPECT_THROW(rules.add(parsed(text)), CHttpError) << text;
   }
   EXPECT_EQ(rules.list().size(), 0U);
 }

@@ -13,16 +13,15 @@ namespace {
 
 class MainTest : public testing::Test {
  protected:
-  MainTest() { writeFile(folder_.path() / "web/index.html", "page"); }
+  MainTest() { folder_.makeFile("web/index.html", "page"); }
 
   Poco::ProcessHandle launch(const std::string& port) {
     out_ = Poco::Pipe();
     err_ = Poco::Pipe();
-    return Poco::Process::launch(
-        ZANTRIO_DEVSERVICE,
-        {"--port", port, "--data", (folder_.path() / "data").string(), "--web",
-         (folder_.path() / "web").string(), "--javascript", folder_.path().string()},
-        nullptr, &out_, &err_);
+    return Poco::Process::launch(ZANTRIO_DEVSERVICE,
+                                 {"--port", port, "--data", folder_.path() + "/data", "--web",
+                                  folder_.path() + "/web", "--javascript", folder_.path()},
+                                 nullptr, &out_, &err_);
   }
   static std::string firstLine(Poco::Pipe& pipe) {
     Poco::PipeInputStream stream(pipe);
@@ -31,7 +30,7 @@ class MainTest : public testing::Test {
     return line;
   }
 
-  CTestFolder folder_;
+  const test::TemporaryFolder folder_;
   Poco::Pipe out_;
   Poco::Pipe err_;
 };

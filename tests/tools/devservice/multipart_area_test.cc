@@ -1,9 +1,5 @@
 #include "devservice/multipart_area.h"
 
-#include <Poco/Net/HTTPRequest.h>
-
-#include <thread>
-
 #include "devservice/md5.h"
 #include "tools/devservice/service_fixture.h"
 
@@ -95,7 +91,7 @@ TEST_F(MultipartAreaTest, PutsPartsTogetherThatCameInAnyOrderAndTellsTheComposit
   EXPECT_EQ(between(answer.body, "<Key>", "</Key>"), "d/large &amp; &lt;odd&gt;.bin");
   EXPECT_EQ(readFile(arrivedFile("d/large & <odd>.bin")), first + second);
   EXPECT_EQ(request("HEAD", url_, "", token()).response.get("ETag"), '"' + etag + '"');
-  const Json::Value file = request("GET", "/api/messages/" + bucket_ + "/files").json()["files"][0];
+  const Json::Value file = askMessage("GET", "/files").json()["files"][0];
   EXPECT_EQ(file["md5"], md5Of(first + second));
   EXPECT_EQ(code(complete({{2, md5Of(first)}, {7, md5Of(second)}})), "NoSuchUpload");
   EXPECT_EQ(uploadFolders(), 0U);
@@ -174,34 +170,8 @@ TEST_F(MultipartAreaTest, AbortingForgetsThePartsAndSoDoesCancellingTheMessage) 
   EXPECT_EQ(uploadFolders(), 0U);
   initiate();
   put(1, "x");
-  EXPECT_EQ(request("DELETE", "/api/messages/" + bucket_).status, 204);
+  EXPECT_EQ(askMessage("DELETE", "").status, 204);
   EXPECT_EQ(uploadFolders(), 0U);
-}
-
-TEST_F(MultipartAreaTest, TakesPartsFromManyConnectionsAtOnce) {
-  initiate();
-  constexpr int kParts = 24;
-  std::vector<Part> parts;
-  std::string whole;
-  std::vector<std::jthread> clients;
-  for (int number = 1; number <= kParts; ++number) {
-    const std::string content(100'000, static_cast<char>('a' + number));
-    parts.push_back({number, md5Of(content)});
-    whole += content;
-    clients.emplace_back([this, number, content] {
-      Poco::Net::HTTPClientSession session("127.0.0.1", server_->port());
-      Poco::Net::HTTPRequest put("PUT", partUrl(number), "HTTP/1.1");
-      put.set("X-Zantrio-Token", token_);
-      put.setContentLength64(static_cast<Poco::Int64>(content.size()));
-      session.sendRequest(put) << content;
-      Poco::Net::HTTPResponse response;
-      session.receiveResponse(response);
-      EXPECT_EQ(response.getStatus(), 200);
-    });
-  }
-  clients.clear();
-  EXPECT_EQ(complete(parts).status, 200);
-  EXPECT_EQ(readFile(arrivedFile("d/large & <odd>.bin")), whole);
 }
 
 TEST_F(MultipartAreaTest, EnforcesASmallestPartAndOffersNothingWhereToldSo) {
@@ -221,13 +191,8 @@ TEST_F(MultipartAreaTest, EnforcesASmallestPartAndOffersNothingWhereToldSo) {
 TEST_F(MultipartAreaTest, MeetsTheFailuresThatWereAskedFor) {
   initiate();
   const std::string body = "<Error><Code>InternalError</Code><Message>Try again</Message></Error>";
-  Json::Value rule;
-  rule["type"] = "status";
-  rule["method"] = "POST";
-  rule["status"] = 200;
-  rule["body"] = body;
-  rule["count"] = 1;
-  requestJson("POST", "/faults", rule);
+  request("POST", "/faults",
+          R"({"type":"status","method":"POST","status":200,"count":1,"body":")" + body + "\"}");
   put(1, "x");
   EXPECT_EQ(complete({{1, md5Of("x")}}).body, body);
   request("POST", "/faults", R"({"type":"status","query":"partNumber=2&*"})");

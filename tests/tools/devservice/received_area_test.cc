@@ -1,9 +1,7 @@
 #include "devservice/received_area.h"
 
-#include <chrono>
 #include <ctime>
 #include <set>
-#include <thread>
 
 #include "devservice/md5.h"
 #include "tools/devservice/service_fixture.h"
@@ -16,7 +14,7 @@ class ReceivedAreaTest : public ServiceTest {
   void receive(const std::string& folder, const std::string& name, const std::string& content) {
     createMessage();
     request("PUT", announce(folder, name), content, token());
-    ASSERT_EQ(request("POST", "/api/messages/" + bucket_ + "/complete").status, 200);
+    ASSERT_EQ(askMessage("POST", "/complete").status, 200);
   }
   Json::Value messages() { return request("GET", "/api/received").json()["messages"]; }
   Json::Value download(const std::string& bucket, const std::string& id) {
@@ -26,11 +24,6 @@ class ReceivedAreaTest : public ServiceTest {
   // The path and query of a download's address.
   std::string target(const Json::Value& downloads) const {
     return downloads["files"][0]["downloadDetails"]["url"].asString().substr(server_->url().size());
-  }
-  void waitUntilPast(std::uint64_t second) {
-    while (static_cast<std::uint64_t>(std::time(nullptr)) <= second) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    }
   }
 };
 
@@ -43,7 +36,7 @@ TEST_F(ReceivedAreaTest, DeliversWhatWasSentToOneselfOnceItIsComplete) {
   request("PUT", url, "hello", token());
   EXPECT_EQ(messages().size(), 0U);
   EXPECT_EQ(request("GET", "/api/received/" + bucket_).code(), "no_such_message");
-  request("POST", "/api/messages/" + bucket_ + "/complete");
+  askMessage("POST", "/complete");
 
   const Json::Value message = messages()[0];
   EXPECT_EQ(message["bucketId"], bucket_);
@@ -79,19 +72,17 @@ TEST_F(ReceivedAreaTest, AddressesAreGoodForOneFileAndForAWhileAndNotForWriting)
   later.replace(later.find("expires=") + 8, 1, "9");
   EXPECT_EQ(request("GET", later).code(), "wrong_signature");
   EXPECT_EQ(request("DELETE", url).status, 409) << "a complete message stays as it is";
-  waitUntilPast(downloads["files"][0]["downloadDetails"]["expires"].asUInt64());
+  waitUntilPast(downloads["files"][0]["downloadDetails"]["expires"].asInt64());
   EXPECT_EQ(request("GET", url).status, 403);
   EXPECT_EQ(request("GET", url).code(), "url_expired");
   EXPECT_EQ(request("GET", target(download(bucket_, "1"))).body, "second");
 }
 
 TEST_F(ReceivedAreaTest, ExpiredMessagesAreListedButGiveNothing) {
-  const Json::Value created = request("POST", "/api/messages", R"({"lifetimeSeconds":0})").json();
-  bucket_ = created["bucketId"].asString();
-  token_ = created["token"].asString();
+  createMessage(R"({"lifetimeSeconds":0})");
   request("PUT", announce("", "a"), "x", token());
-  request("POST", "/api/messages/" + bucket_ + "/complete");
-  waitUntilPast(created["expires"].asUInt64());
+  askMessage("POST", "/complete");
+  waitUntilPast(expires_);
   EXPECT_EQ(messages()[0]["bucketId"], bucket_);
   const Answer refused =
       request("POST", "/api/received/" + bucket_ + "/downloads", R"({"files":["1"]})");

@@ -4,28 +4,15 @@
 #include <Poco/StreamCopier.h>
 #include <Poco/URI.h>
 
-#include <cstdlib>
+#include <chrono>
+#include <ctime>
 #include <fstream>
 #include <sstream>
+#include <thread>
 
 namespace zantrio::devservice {
 
 namespace fs = std::filesystem;
-
-CTestFolder::CTestFolder() {
-  std::string name = (fs::temp_directory_path() / "zantrio-devservice-XXXXXX").string();
-  path_ = ::mkdtemp(name.data());
-}
-
-CTestFolder::~CTestFolder() {
-  std::error_code ignored;
-  fs::remove_all(path_, ignored);
-}
-
-void writeFile(const fs::path& path, const std::string& content) {
-  fs::create_directories(path.parent_path());
-  std::ofstream(path, std::ios::binary) << content;
-}
 
 std::string readFile(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
@@ -45,13 +32,13 @@ std::string Answer::code() const {
 }
 
 ServiceTest::ServiceTest() {
-  options_.data = folder_.path() / "data";
-  options_.web = folder_.path() / "web";
-  options_.javascript = folder_.path() / "javascript";
-  writeFile(folder_.path() / "web/index.html", "<h1>page</h1>");
-  writeFile(folder_.path() / "web/js/main.js", "start();");
-  writeFile(folder_.path() / "javascript/jquery/jquery.min.js", "$");
-  writeFile(folder_.path() / "secret.txt", "secret");
+  options_.data = folder_.path() + "/data";
+  options_.web = folder_.path() + "/web";
+  options_.javascript = folder_.path() + "/javascript";
+  folder_.makeFile("web/index.html", "<h1>page</h1>");
+  folder_.makeFile("web/js/main.js", "start();");
+  folder_.makeFile("javascript/jquery/jquery.min.js", "$");
+  folder_.makeFile("secret.txt", "secret");
   restart();
 }
 
@@ -81,27 +68,36 @@ Answer ServiceTest::request(const std::string& method, const std::string& path,
   return answer;
 }
 
-Answer ServiceTest::requestJson(const std::string& method, const std::string& path,
-                                const Json::Value& body, const Headers& headers) {
-  return request(method, path, body.toStyledString(), headers);
+void ServiceTest::putAlone(const std::string& url, const std::string& content) const {
+  Poco::Net::HTTPClientSession session("127.0.0.1", server_->port());
+  Poco::Net::HTTPRequest put("PUT", url, Poco::Net::HTTPMessage::HTTP_1_1);
+  put.set("X-Zantrio-Token", token_);
+  put.setContentLength64(static_cast<Poco::Int64>(content.size()));
+  session.sendRequest(put) << content;
+  Poco::Net::HTTPResponse response;
+  session.receiveResponse(response);
+  EXPECT_EQ(response.getStatus(), 200);
 }
 
-void ServiceTest::createMessage() {
-  Json::Value message;
-  message["subject"] = "Holiday";
-  message["recipients"].append("ann@example.org");
-  const Json::Value created = requestJson("POST", "/api/messages", message).json();
+void ServiceTest::createMessage(const std::string& description) {
+  const Json::Value created = request("POST", "/api/messages", description).json();
   bucket_ = created["bucketId"].asString();
   token_ = created["token"].asString();
+  expires_ = created["expires"].asInt64();
+  tokenExpires_ = created["tokenExpires"].asInt64();
+}
+
+void ServiceTest::waitUntilPast(std::int64_t second) {
+  while (std::time(nullptr) <= second) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
 }
 
 std::string ServiceTest::announce(const std::string& folder, const std::string& name) {
-  Json::Value file;
-  file["name"] = name;
-  file["path"] = folder;
   Json::Value body;
-  body["files"].append(file);
-  const Answer answer = requestJson("POST", "/api/messages/" + bucket_ + "/files", body, token());
+  body["files"][0]["name"] = name;
+  body["files"][0]["path"] = folder;
+  const Answer answer = askMessage("POST", "/files", body.toStyledString());
   const std::string url = answer.json()["files"][0]["uploadDetails"]["url"].asString();
   EXPECT_EQ(url.rfind(server_->url(), 0), 0U) << answer.body;
   return url.substr(std::min(url.size(), server_->url().size()));

@@ -11,24 +11,10 @@
 #include <string>
 
 #include "devservice/dev_server.h"
+#include "src/files/temporary_folder.h"
 
 namespace zantrio::devservice {
 
-// A folder for one test, removed with everything in it.
-class CTestFolder {
- public:
-  CTestFolder();
-  ~CTestFolder();
-  CTestFolder(const CTestFolder&) = delete;
-  CTestFolder& operator=(const CTestFolder&) = delete;
-
-  const std::filesystem::path& path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
-};
-
-void writeFile(const std::filesystem::path& path, const std::string& content);
 std::string readFile(const std::filesystem::path& path);
 
 struct Answer {
@@ -51,23 +37,33 @@ class ServiceTest : public testing::Test {
   void restart();
   Answer request(const std::string& method, const std::string& path, const std::string& body = "",
                  const Headers& headers = {});
-  Answer requestJson(const std::string& method, const std::string& path, const Json::Value& body,
-                     const Headers& headers = {});
 
   // Creates a message and keeps its bucket and token for what follows.
-  void createMessage();
+  void createMessage(
+      const std::string& description = R"({"subject":"Holiday","recipients":["ann@example.org"]})");
+  // Waits for the end of that second since 1970.
+  static void waitUntilPast(std::int64_t second);
   // Announces a file; gives the path of its upload URL.
   std::string announce(const std::string& folder, const std::string& name);
   Headers token() const { return {{"X-Zantrio-Token", token_}}; }
+  // What this path of the message's in the API answers, asked for or changed.
+  Answer askMessage(const std::string& method, const std::string& rest,
+                    const std::string& body = "") {
+    return request(method, "/api/messages/" + bucket_ + rest, body, token());
+  }
+  // Sends the content over a connection of its own; may be called from any thread.
+  void putAlone(const std::string& url, const std::string& content) const;
   std::filesystem::path arrivedFile(const std::string& path) const;
   std::size_t filesOnTheWay() const;
 
-  CTestFolder folder_;
+  const test::TemporaryFolder folder_;
   Options options_;
   std::unique_ptr<CDevServer> server_;
   std::unique_ptr<Poco::Net::HTTPClientSession> session_;
   std::string bucket_;
   std::string token_;
+  std::int64_t expires_ = 0;
+  std::int64_t tokenExpires_ = 0;
 };
 
 }  // namespace zantrio::devservice

@@ -2,10 +2,6 @@
 
 #include <Poco/Net/StreamSocket.h>
 
-#include <chrono>
-#include <ctime>
-#include <thread>
-
 #include "tools/devservice/service_fixture.h"
 
 namespace zantrio::devservice {
@@ -44,14 +40,8 @@ TEST_F(StorageAreaTest, RefusesWrongTokensAndWhatWasNotAnnounced) {
 }
 
 TEST_F(StorageAreaTest, RefusesExpiredTokens) {
-  const Json::Value created =
-      request("POST", "/api/messages", R"({"tokenLifetimeSeconds":0})").json();
-  bucket_ = created["bucketId"].asString();
-  token_ = created["token"].asString();
-  const auto expires = created["tokenExpires"].asInt64();
-  while (std::time(nullptr) <= expires) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
+  createMessage(R"({"tokenLifetimeSeconds":0})");
+  waitUntilPast(tokenExpires_);
   EXPECT_EQ(request("PUT", "/storage/" + bucket_ + "/a", "x", token()).code(), "token_expired");
 }
 

@@ -1,15 +1,14 @@
 // The real application object, delegate and menu, on a display of the test's own.
 #include "platform/mac/application_mac.h"
 
-#include "mac/display.h"
 #include "mac/fakes/calls.h"
 #include "mac/fakes/client_fake.h"
 #include "mac/fakes/core_foundation_fake.h"
-#include "mac/fakes/framework_fake.h"
 #include "mac/mac_fixture.h"
 #include "platform/mac/application_delegate_mac.h"
 #include "platform/mac/main_mac.h"
 #include "platform/mac/zantrio_application_mac.h"
+#include "src/fakes/server_process.h"
 
 namespace zantrio::mac_test {
 namespace {
@@ -29,10 +28,7 @@ class NoticingCommands : public RecordingCommands {
 
 class ApplicationMac : public MacTest {
  protected:
-  ApplicationMac() {
-    client() = {};
-    framework() = {};
-  }
+  ApplicationMac() { client() = {}; }
 
   static NSMenu* menu(NSString* title) { return [[[NSApp mainMenu] itemWithTitle:title] submenu]; }
 
@@ -126,7 +122,7 @@ TEST_F(MainMac, LoadsTheFrameworkBeforeTheBrowserProcessAndUnloadsItAfter) {
 }
 
 TEST_F(MainMac, AFrameworkThatCannotBeLoadedIsTheEnd) {
-  framework().loads = false;
+  client().loadsFramework = false;
   EXPECT_EQ(runApplication(2, arguments_), 1);
   EXPECT_EQ(calls(),
             (Calls{"LoadInMain",
@@ -148,14 +144,14 @@ TEST_F(MainMac, TheHelperEntersTheSandboxBeforeItLoadsTheFramework) {
 }
 
 TEST_F(MainMac, TheHelperRunsNeitherOutsideTheSandboxNorWithoutTheFramework) {
-  framework().entersSandbox = false;
+  client().entersSandbox = false;
   EXPECT_EQ(runHelper(2, arguments_), 1);
   EXPECT_EQ(calls(), (Calls{"enter sandbox 2 Zantrio",
                             "log: Zantrio Helper cannot run: the sandbox cannot be entered",
                             "leave sandbox"}));
   calls().clear();
-  framework().entersSandbox = true;
-  framework().loads = false;
+  client().entersSandbox = true;
+  client().loadsFramework = false;
   EXPECT_EQ(runHelper(2, arguments_), 1);
   EXPECT_EQ(calls()[1], "LoadInHelper");
   EXPECT_EQ(calls()[3], "unload framework");
@@ -169,7 +165,7 @@ int main(int argc, char** argv) {
   if (testing::GTEST_FLAG(list_tests)) {
     return RUN_ALL_TESTS();
   }
-  const zantrio::mac_test::Display display;
+  const zantrio::test::VirtualDisplay display;
   @autoreleasepool {
     // The first one lets GNUstep log what it finds of the display.
     const zantrio::CApplicationMac first(std::make_unique<zantrio::mac_test::RecordingCommands>());

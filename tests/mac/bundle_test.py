@@ -60,6 +60,7 @@ class Bundle(unittest.TestCase):
             "FRAMEWORK": inputs / "Chromium Embedded Framework.framework",
             "CRASH_SDK": inputs / "HockeySDK.framework",
         }
+        self.laid_out()
 
     def lay_out(self):
         return subprocess.run(
@@ -79,7 +80,6 @@ class Bundle(unittest.TestCase):
         self.assertTrue(os.access(path, os.X_OK), path)
 
     def test_holds_every_part_and_nothing_else(self):
-        self.laid_out()
         self.assertEqual({entry.name for entry in self.contents.iterdir()},
                          {"Info.plist", "PkgInfo", "MacOS", "Resources", "Frameworks"})
         self.assert_runnable(self.contents / "MacOS" / "Zantrio", "application")
@@ -94,7 +94,6 @@ class Bundle(unittest.TestCase):
                          {f"Zantrio Helper{variant}.app" for variant in VARIANTS})
 
     def test_keeps_the_links_in_frameworks(self):
-        self.laid_out()
         for name in "Chromium Embedded Framework", "HockeySDK":
             framework = self.frameworks / f"{name}.framework"
             self.assertEqual(os.readlink(framework / "Versions" / "Current"), "A")
@@ -103,7 +102,6 @@ class Bundle(unittest.TestCase):
             self.assertEqual((framework / "Resources" / "Info.plist").read_text(), "framework")
 
     def test_tells_the_system_about_the_application(self):
-        self.laid_out()
         information = self.information(self.contents)
         for key, value in {"CFBundleName": "Zantrio", "CFBundleExecutable": "Zantrio",
                            "CFBundleIdentifier": "com.zantrio.client",
@@ -121,7 +119,6 @@ class Bundle(unittest.TestCase):
         self.assertEqual(service["NSSendTypes"], ["NSFilenamesPboardType"])
 
     def test_has_a_helper_for_every_kind_of_process(self):
-        self.laid_out()
         for variant, end in VARIANTS.items():
             name = f"Zantrio Helper{variant}"
             contents = self.frameworks / f"{name}.app" / "Contents"
@@ -133,7 +130,6 @@ class Bundle(unittest.TestCase):
             self.assertEqual(information["LSUIElement"], "1")
 
     def test_the_icon_file_holds_images_of_the_sizes_that_it_names(self):
-        self.laid_out()
         icon = (self.contents / "Resources" / "Zantrio.icns").read_bytes()
         self.assertEqual(icon[:8], b"icns" + struct.pack(">I", len(icon)))
         sizes = {}
@@ -147,7 +143,6 @@ class Bundle(unittest.TestCase):
         self.assertEqual(sizes, {b"icp4": (16, 16), b"icp5": (32, 32), b"ic11": (32, 32)})
 
     def test_replaces_an_older_bundle(self):
-        self.laid_out()
         (self.contents / "Resources" / "stale").write_text("old")
         self.inputs["VERSION"] = "2.0.0"
         self.laid_out()
@@ -155,7 +150,6 @@ class Bundle(unittest.TestCase):
         self.assertEqual(self.information(self.contents)["CFBundleVersion"], "2.0.0")
 
     def test_a_missing_part_is_told_and_leaves_the_old_bundle(self):
-        self.laid_out()
         for part in "EXECUTABLE", "FRAMEWORK", "CRASH_SDK", "VERSION":
             given = self.inputs.pop(part)
             result = self.lay_out()

@@ -1,8 +1,94 @@
+#import <AppKit/AppKit.h>
+
+#include <map>
+
 #include "files/file_choose_dialog.h"
 #include "files/folder_choose_dialog.h"
 #include "mac/fakes/calls.h"
-#include "mac/fakes/open_panel_fake.h"
+#include "mac/fakes/core_foundation_fake.h"
+#include "mac/fakes/method_swap.h"
 #include "mac/mac_fixture.h"
+
+using namespace zantrio::mac_test;
+
+namespace {
+
+// What the open panel that stands in for the system's answers, and what was set on it.
+struct OpenPanel {
+  long answer = 1;
+  std::vector<std::string> urls;
+  std::string raisesIn;  // the name of a message that raises an exception
+
+  std::map<std::string, bool> flags;
+  std::string title;
+  bool hasDirectory = true;
+};
+
+OpenPanel panel;
+
+void called(const std::string& message) {
+  recordCall(message);
+  if (panel.raisesIn == message) {
+    [NSException raise:NSInternalInconsistencyException format:@"%s", message.c_str()];
+  }
+}
+
+void setFlag(const std::string& message, BOOL value) {
+  called(message);
+  panel.flags[message] = value;
+}
+
+}  // namespace
+
+@interface RecordingOpenPanel : NSObject
+@end
+
+@implementation RecordingOpenPanel
++ (id)openPanel {
+  called("openPanel");
+  return [[[RecordingOpenPanel alloc] init] autorelease];
+}
+
+- (void)setAllowsMultipleSelection:(BOOL)flag {
+  setFlag("setAllowsMultipleSelection:", flag);
+}
+
+- (void)setCanChooseFiles:(BOOL)flag {
+  setFlag("setCanChooseFiles:", flag);
+}
+
+- (void)setCanChooseDirectories:(BOOL)flag {
+  setFlag("setCanChooseDirectories:", flag);
+}
+
+- (void)setCanCreateDirectories:(BOOL)flag {
+  setFlag("setCanCreateDirectories:", flag);
+}
+
+- (void)setTitle:(NSString*)title {
+  called("setTitle:");
+  panel.title = textOf(title);
+}
+
+- (void)setDirectoryURL:(NSURL*)url {
+  called("setDirectoryURL:");
+  panel.hasDirectory = url != nil;
+}
+
+- (NSInteger)runModal {
+  called("runModal");
+  return panel.answer;
+}
+
+- (NSArray*)URLs {
+  called("URLs");
+  NSMutableArray* const urls = [NSMutableArray array];
+  for (const std::string& url : panel.urls) {
+    [urls addObject:[NSURL URLWithString:[NSString stringWithUTF8String:url.c_str()]]];
+  }
+  return urls;
+}
+@end
 
 namespace zantrio::mac_test {
 namespace {
@@ -12,60 +98,58 @@ using Flags = std::map<std::string, bool>;
 
 class ChooseDialogsMac : public MacTest {
  protected:
-  const std::unique_ptr<ClassMethodSwap> panelInPlace_ = putOpenPanelInPlace();
+  ChooseDialogsMac() { panel = {}; }
+
+  const ClassMethodSwap panelInPlace_ {
+    [NSOpenPanel class], [RecordingOpenPanel class], @selector(openPanel)
+  };
 };
 
-TEST_F(ChooseDialogsMac, TheFilesPanelTakesSeveralFilesAndNoFolders) {
-  openPanel().urls = {"file:///tmp/a%20b.txt", "file:///tmp/Zo%C3%AB"};
+TEST_F(ChooseDialogsMac, TheFilesPanelIsSetUpToTakeSeveralFilesAndNoFoldersBeforeItRuns) {
+  panel.urls = {"file:///tmp/a%20b.txt", "file:///tmp/Zo%C3%AB"};
   const auto dialog = createFileChooseDialog();
   dialog->setTitle("Choose files");
   Urls chosen = {"before"};
   EXPECT_TRUE(dialog->show(chosen));
 
   EXPECT_EQ(chosen, (Urls{"before", "file:///tmp/a%20b.txt", "file:///tmp/Zo%C3%AB"}));
-  EXPECT_EQ(openPanel().flags, (Flags{{"setAllowsMultipleSelection:", true},
-                                      {"setCanChooseFiles:", true},
-                                      {"setCanChooseDirectories:", false}}));
-  EXPECT_EQ(openPanel().title, "Choose files");
-  EXPECT_FALSE(openPanel().hasDirectory);
+  EXPECT_EQ(calls(), (Urls{"openPanel", "setAllowsMultipleSelection:", "setCanChooseFiles:",
+                           "setCanChooseDirectories:", "setTitle:", "setDirectoryURL:", "runModal",
+                           "URLs"}));
+  EXPECT_EQ(panel.flags, (Flags{{"setAllowsMultipleSelection:", true},
+                                {"setCanChooseFiles:", true},
+                                {"setCanChooseDirectories:", false}}));
+  EXPECT_EQ(panel.title, "Choose files");
+  EXPECT_FALSE(panel.hasDirectory);
 }
 
 TEST_F(ChooseDialogsMac, TheFolderPanelTakesOneFolderAndMayMakeIt) {
-  openPanel().urls = {"file:///tmp/folder/"};
+  panel.urls = {"file:///tmp/folder/"};
   const auto dialog = createFolderChooseDialog();
   dialog->setTitle("Choose folder");
   Urls chosen;
   EXPECT_TRUE(dialog->show(chosen));
 
   EXPECT_EQ(chosen, (Urls{"file:///tmp/folder/"}));
-  EXPECT_EQ(openPanel().flags, (Flags{{"setAllowsMultipleSelection:", false},
-                                      {"setCanChooseFiles:", false},
-                                      {"setCanChooseDirectories:", true},
-                                      {"setCanCreateDirectories:", true}}));
-  EXPECT_EQ(openPanel().title, "Choose folder");
-  EXPECT_FALSE(openPanel().hasDirectory);
-}
-
-TEST_F(ChooseDialogsMac, SetsThePanelUpBeforeItRuns) {
-  openPanel().urls = {"file:///tmp/a"};
-  Urls chosen;
-  createFileChooseDialog()->show(chosen);
-  EXPECT_EQ(calls(), (Urls{"openPanel", "setAllowsMultipleSelection:", "setCanChooseFiles:",
-                           "setCanChooseDirectories:", "setTitle:", "setDirectoryURL:", "runModal",
-                           "URLs"}));
+  EXPECT_EQ(panel.flags, (Flags{{"setAllowsMultipleSelection:", false},
+                                {"setCanChooseFiles:", false},
+                                {"setCanChooseDirectories:", true},
+                                {"setCanCreateDirectories:", true}}));
+  EXPECT_EQ(panel.title, "Choose folder");
+  EXPECT_FALSE(panel.hasDirectory);
 }
 
 TEST_F(ChooseDialogsMac, EveryAnswerButOkAndAnEmptyChoiceLeaveTheListAsItWas) {
   const Urls before = {"before"};
   for (const long answer : {0L, -1L, 2L, 1000L}) {
-    openPanel() = {};
-    openPanel().answer = answer;
-    openPanel().urls = {"file:///tmp/a"};
+    panel = {};
+    panel.answer = answer;
+    panel.urls = {"file:///tmp/a"};
     Urls chosen = before;
     EXPECT_FALSE(createFileChooseDialog()->show(chosen)) << answer;
     EXPECT_EQ(chosen, before);
   }
-  openPanel() = {};
+  panel = {};
   Urls chosen = before;
   EXPECT_FALSE(createFolderChooseDialog()->show(chosen));
   EXPECT_EQ(chosen, before);
@@ -76,9 +160,9 @@ TEST_F(ChooseDialogsMac, AnExceptionAtAnyStepIsTheSameAsACancel) {
                            "setCanChooseDirectories:", "setCanCreateDirectories:", "setTitle:",
                            "setDirectoryURL:", "runModal", "URLs"}) {
     calls().clear();
-    openPanel() = {};
-    openPanel().urls = {"file:///tmp/folder/"};
-    openPanel().raisesIn = step;
+    panel = {};
+    panel.urls = {"file:///tmp/folder/"};
+    panel.raisesIn = step;
     Urls chosen;
     EXPECT_FALSE(createFolderChooseDialog()->show(chosen)) << step;
     EXPECT_TRUE(chosen.empty());

@@ -59,11 +59,6 @@ TEST_F(CrashManagerDelegateMac, WithoutAHomeFolderThereAreNoLogs) {
   EXPECT_EQ(textOf([delegate_ getBrowserLogPath]), "");
 }
 
-TEST_F(CrashManagerDelegateMac, WithoutLogsTheTextIsTheFourHeaders) {
-  EXPECT_EQ(log(), header("zt_app.log") + "\n\n" + header("zt_transfers.log") + "\n\n" +
-                       header("zt_transfers.log.0") + "\n\n" + header("cef_browser.log"));
-}
-
 TEST_F(CrashManagerDelegateMac, JoinsTheEndsOfTheLogs) {
   writeLog("zt_app.log", "Zo\xC3\xAB started\n");
   writeLog("zt_transfers.log", std::string(9280, 'a') + std::string(30720, 'b'));

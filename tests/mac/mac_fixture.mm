@@ -2,13 +2,8 @@
 
 #include "mac/fakes/calls.h"
 #include "mac/fakes/core_foundation_fake.h"
-#include "mac/fakes/crash_sdk_fake.h"
-#include "mac/fakes/open_panel_fake.h"
-#include "mac/fakes/system_log.h"
 #include "mac/fakes/system_services_fake.h"
-#include "mac/fakes/user_notification_fake.h"
 #include "mac/fakes/view_fake.h"
-#include "mac/fakes/workspace_fake.h"
 
 @implementation HalfPair
 + (id)string {
@@ -35,19 +30,14 @@ void MacTest::SetUp() {
   pool_ = [[NSAutoreleasePool alloc] init];
   calls().clear();
   coreFoundation() = {};
-  crashSdk() = {};
-  openPanel() = {};
   systemServices() = {};
-  userNotifications() = {};
   views() = {};
-  workspace() = {};
   recordSystemLog();
 }
 
 void MacTest::TearDown() {
   [pool_ drain];
   EXPECT_EQ(coreFoundation().ownedObjects, 0) << "objects of the system kept or released too often";
-  EXPECT_EQ(userNotifications().liveNotifications, 0);
 }
 
 }  // namespace zantrio::mac_test

@@ -1,28 +1,64 @@
+#import <AppKit/AppKit.h>
+
 #include "mac/fakes/calls.h"
 #include "mac/fakes/core_foundation_fake.h"
+#include "mac/fakes/method_swap.h"
 #include "mac/fakes/system_services_fake.h"
-#include "mac/fakes/workspace_fake.h"
 #include "mac/mac_fixture.h"
 #include "services/os_file_explorer.h"
+
+namespace {
+
+// What was handed to the workspace that stands in for the system's, and what it does.
+struct Workspace {
+  std::string openedUrl;
+  bool raises = false;
+  bool opens = true;
+};
+
+Workspace workspace;
+
+}  // namespace
+
+@interface RecordingWorkspace : NSObject
+@end
+
+@implementation RecordingWorkspace
++ (id)sharedWorkspace {
+  return [[[RecordingWorkspace alloc] init] autorelease];
+}
+
+- (BOOL)openURL:(NSURL*)url {
+  workspace.openedUrl = zantrio::mac_test::textOf([url absoluteString]);
+  if (workspace.raises) {
+    [NSException raise:NSGenericException format:@"workspace"];
+  }
+  return workspace.opens;
+}
+@end
 
 namespace zantrio::mac_test {
 namespace {
 
 class OsFileExplorerMac : public MacTest {
  protected:
-  const std::unique_ptr<ClassMethodSwap> workspaceInPlace_ = putWorkspaceInPlace();
+  OsFileExplorerMac() { workspace = {}; }
+
+  const ClassMethodSwap workspaceInPlace_ {
+    [NSWorkspace class], [RecordingWorkspace class], @selector(sharedWorkspace)
+  };
 };
 
 TEST_F(OsFileExplorerMac, FoldersAreOpenedByTheWorkspaceAsUtf8DirectoryUrls) {
   EXPECT_TRUE(createOsFileExplorer()->openFolder("/nowhere/My Fil\xC3\xABs"));
-  EXPECT_EQ(workspace().openedUrl, "file:///nowhere/My%20Fil%C3%ABs/");
+  EXPECT_EQ(workspace.openedUrl, "file:///nowhere/My%20Fil%C3%ABs/");
 
-  workspace().opens = false;
+  workspace.opens = false;
   EXPECT_TRUE(createOsFileExplorer()->openFolder("/nowhere")) << "the answer is not checked";
 }
 
 TEST_F(OsFileExplorerMac, AnExceptionWhileOpeningAFolderIsAFailure) {
-  workspace().raises = true;
+  workspace.raises = true;
   EXPECT_FALSE(createOsFileExplorer()->openFolder("/nowhere"));
 }
 

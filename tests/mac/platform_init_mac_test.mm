@@ -1,9 +1,71 @@
+#import <HockeySDK/HockeySDK.h>
+
 #include "mac/fakes/application_fake.h"
 #include "mac/fakes/calls.h"
-#include "mac/fakes/crash_sdk_fake.h"
+#include "mac/fakes/core_foundation_fake.h"
 #include "mac/mac_fixture.h"
 #include "platform/mac/crash_manager_delegate_mac.h"
 #include "services/platform_init.h"
+
+using namespace zantrio::mac_test;
+
+namespace {
+
+// What was handed to the crash-reporting SDK.
+struct CrashSdk {
+  std::string raisesIn;  // the name of a message that raises an exception
+  std::string identifier;
+  bool submitsAutomatically = false;
+  id<BITCrashManagerDelegate> delegate = nil;  // not owned, as in the SDK
+};
+
+CrashSdk sdk;
+
+void called(const std::string& message) {
+  recordCall(message);
+  if (sdk.raisesIn == message) {
+    @throw [NSException exceptionWithName:@"CrashSdk"
+                                   reason:@"refused"
+                                 userInfo:@{@"why" : @"test"}];
+  }
+}
+
+}  // namespace
+
+@implementation BITCrashManager
+@dynamic autoSubmitCrashReport, delegate;
+
+- (void)setAutoSubmitCrashReport:(BOOL)automatically {
+  called("setAutoSubmitCrashReport:");
+  sdk.submitsAutomatically = automatically;
+}
+
+- (void)setDelegate:(id<BITCrashManagerDelegate>)delegate {
+  called("setDelegate:");
+  sdk.delegate = delegate;
+}
+@end
+
+@implementation BITHockeyManager
++ (BITHockeyManager*)sharedHockeyManager {
+  static BITHockeyManager* const manager = [[BITHockeyManager alloc] init];
+  return manager;
+}
+
+- (BITCrashManager*)crashManager {
+  static BITCrashManager* const crashManager = [[BITCrashManager alloc] init];
+  return crashManager;
+}
+
+- (void)configureWithIdentifier:(NSString*)appIdentifier {
+  called("configureWithIdentifier:");
+  sdk.identifier = textOf(appIdentifier);
+}
+
+- (void)startManager {
+  called("startManager");
+}
+@end
 
 namespace zantrio::mac_test {
 namespace {
@@ -15,6 +77,8 @@ const Calls kServices = {"log: Initializing Service Provider",
 
 class PlatformInitMac : public MacTest {
  protected:
+  PlatformInitMac() { sdk = {}; }
+
   const ApplicationInPlace application_;
 };
 
@@ -29,23 +93,23 @@ TEST_F(PlatformInitMac, StartsTheCrashReporterAndThenOffersTheServices) {
                     "log: Done initializing BITHockeyManager..."};
   expected.insert(expected.end(), kServices.begin(), kServices.end());
   EXPECT_EQ(calls(), expected);
-  EXPECT_EQ(crashSdk().identifier, "5f0c2e9a7b3d41e68a2c9d7f0b4e1a36");
-  EXPECT_TRUE(crashSdk().submitsAutomatically);
+  EXPECT_EQ(sdk.identifier, "5f0c2e9a7b3d41e68a2c9d7f0b4e1a36");
+  EXPECT_TRUE(sdk.submitsAutomatically);
   EXPECT_NE(application_.servicesProvider(), nil);
   EXPECT_EQ(application_.servicesProvider(), application_.delegate());
 }
 
 TEST_F(PlatformInitMac, TheCrashManagersDelegateOutlivesTheInitialiser) {
   createPlatformInit()->init();
-  ASSERT_TRUE([crashSdk().delegate isKindOfClass:[CrashManagerDelegate class]]);
-  EXPECT_EQ([crashSdk().delegate retainCount], 1U);
+  ASSERT_TRUE([sdk.delegate isKindOfClass:[CrashManagerDelegate class]]);
+  EXPECT_EQ([sdk.delegate retainCount], 1U);
 }
 
 TEST_F(PlatformInitMac, AnExceptionOfTheCrashReporterIsLoggedAndTheServicesFollow) {
   for (const char* step :
        {"configureWithIdentifier:", "setAutoSubmitCrashReport:", "setDelegate:", "startManager"}) {
     calls().clear();
-    crashSdk().raisesIn = step;
+    sdk.raisesIn = step;
     createPlatformInit()->init();
 
     ASSERT_GE(calls().size(), 5U);

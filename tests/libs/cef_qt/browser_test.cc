@@ -16,9 +16,8 @@ namespace {
 
 using Events = std::vector<std::string>;
 
-// Render processes that this process started.
-std::vector<pid_t> renderProcesses() {
-  std::vector<pid_t> found;
+// Kills the render processes that this process started.
+void killRenderProcesses() {
   for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
     std::ifstream commandLine(entry.path() / "cmdline");
     std::ifstream status(entry.path() / "stat");
@@ -27,10 +26,9 @@ std::vector<pid_t> renderProcesses() {
     pid_t parent = 0;
     status >> pid >> name >> state >> parent;
     if (parent == getpid() && words.find("--type=renderer") != std::string::npos) {
-      found.push_back(std::stoi(pid));
+      kill(std::stoi(pid), SIGKILL);
     }
   }
-  return found;
 }
 
 TEST(Browser, TellsOfItsCreationBeforeAnyQueryAndKnowsItself) {
@@ -99,8 +97,7 @@ TEST(Browser, OpensPopUpsThatShareTheClientAndCloseAlone) {
 }
 
 TEST(Frame, ExecutesScriptsInOrderEachOnItsOwn) {
-  TestBrowser page("<script>window.seen = []; testQuery({request: 'up'})</script>");
-  ASSERT_TRUE(page.waitFor("up"));
+  TestBrowser page("<script>window.seen = []</script>");
   for (int i = 0; i < 300; ++i) {
     page.run(i % 10 == 3 ? "this is no script (" : "seen.push(" + std::to_string(i) + ") // end");
   }
@@ -117,21 +114,19 @@ TEST(Frame, ShowsScriptsAndAnswersInTheOrderTheyWereGiven) {
   TestBrowser page(
       "<script>window.seen = ''; testQuery({request: 'order', onSuccess: r => "
       "seen += r})</script>");
-  page.client().onQuery = [](const Query& query) {
-    if (query.request == "order") {
-      query.frame->ExecuteJavaScript("seen += 'a'", "", 0);
-      query.callback->Success("b");
-      query.frame->ExecuteJavaScript("seen += 'c'; testQuery({request: 'end'})", "", 0);
-    }
+  page.client().onRequest("order", [](const Query& query) {
+    query.frame->ExecuteJavaScript("seen += 'a'", "", 0);
+    query.callback->Success("b");
+    query.frame->ExecuteJavaScript("seen += 'c'; testQuery({request: 'end'})", "", 0);
     return true;
-  };
+  });
   ASSERT_TRUE(page.waitFor("end"));
   EXPECT_EQ(page.evaluate("seen"), "abc");
 }
 
 TEST(Frame, NamesTheScriptsUrlAndLineInErrors) {
-  TestBrowser page("<script>testQuery({request: 'up'})</script>");
-  ASSERT_TRUE(page.waitFor("up"));
+  TestBrowser page("");
+  EXPECT_EQ(page.evaluate("'up'"), "up");
   page.frame()->ExecuteJavaScript("window.trace = new Error('x').stack // no newline at the end",
                                   "http://127.0.0.1/a b.js", 7);
   EXPECT_NE(page.evaluate("trace").find("http://127.0.0.1/a%20b.js:7:"), std::string::npos)
@@ -139,8 +134,7 @@ TEST(Frame, NamesTheScriptsUrlAndLineInErrors) {
 }
 
 TEST(Frame, EditsWhatHasTheFocus) {
-  TestBrowser page("<input value=word><script>testQuery({request: 'up'})</script>");
-  ASSERT_TRUE(page.waitFor("up"));
+  TestBrowser page("<input value=word>");
   EXPECT_EQ(page.evaluate("(document.querySelector('input').focus(), 'focused')"), "focused");
   page.frame()->SelectAll();
   EXPECT_TRUE(page.becomes("String(getSelection())", "word"));
@@ -160,9 +154,7 @@ TEST(Browser, ReportsTheEndOfItsRenderProcessAndServesAgainAfterAReload) {
   };
   page.run("testQuery({request: 'pending'})");
   ASSERT_TRUE(page.waitFor("pending"));
-  for (const pid_t process : renderProcesses()) {
-    kill(process, SIGKILL);
-  }
+  killRenderProcesses();
   ASSERT_TRUE(runUntil([&] { return !page.client().terminations.empty(); }));
   EXPECT_EQ(page.client().terminations.front(), TS_PROCESS_WAS_KILLED);
   EXPECT_EQ(page.client().canceled.size(), 1u);
@@ -176,9 +168,7 @@ TEST(Browser, LoadsAPageAgainWhoseProcessEndedWhenTheClientDoesNotCare) {
   page.client().leavesRequestsToFramework = true;
   ASSERT_TRUE(page.waitFor("up"));
   page.client().requests.clear();
-  for (const pid_t process : renderProcesses()) {
-    kill(process, SIGKILL);
-  }
+  killRenderProcesses();
   EXPECT_TRUE(page.waitFor("up"));
 }
 
@@ -187,9 +177,7 @@ TEST(Browser, ClosesWhenItsRenderProcessEndsInsteadOfAnswering) {
   page.client().leavesRequestsToFramework = true;
   ASSERT_TRUE(page.waitFor("up"));
   page.evaluate("addEventListener('beforeunload', event => event.preventDefault())");
-  for (const pid_t process : renderProcesses()) {
-    kill(process, SIGKILL);
-  }
+  killRenderProcesses();
   page.browser()->GetHost()->CloseBrowser(false);
   EXPECT_TRUE(page.waitForEvent("closed"));
 }

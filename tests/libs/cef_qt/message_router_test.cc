@@ -12,22 +12,12 @@
 namespace cef_test {
 namespace {
 
-using Callback = CefMessageRouterBrowserSideCallback;
-
 // A page function `ask(request)`: the answer, or "code: message".
 constexpr char kAsk[] = R"(<script>
   const ask = (request, persistent) => new Promise(done => window.testQuery({
     request, persistent: !!persistent, onSuccess: done,
     onFailure: (code, message) => done(code + ': ' + message)}));
 </script>)";
-
-TEST(MessageRouter, AnswersQueriesThatAreSentBeforeThePagesOwnScriptsEnd) {
-  TestBrowser page(
-      "<script>testQuery({request: 'at once', onSuccess: r => window.got = r});"
-      "</script>");
-  EXPECT_TRUE(page.waitFor("at once"));
-  EXPECT_EQ(page.evaluate("got"), "at once");
-}
 
 TEST(MessageRouter, CarriesQueriesAsMessagesOfTheirNameThroughTheClient) {
   TestBrowser page(kAsk);
@@ -71,58 +61,29 @@ TEST(MessageRouter, RejectsFaultyArgumentsInThePage) {
             0u);
 }
 
-TEST(MessageRouter, FailsQueriesThatNoHandlerTakes) {
+TEST(MessageRouter, FailsQueriesThatNobodyTakesOrAnswersAndPassesFailures) {
   TestBrowser page(kAsk);
   page.client().onQuery = [](const Query& query) {
-    if (query.request == "unknown") {
-      return false;
+    if (query.request == "failing") {
+      query.callback->Failure(-7, "no such thing");
     }
-    query.callback->Success(query.request);
-    return true;
+    return query.request != "unknown";
   };
+  EXPECT_EQ(page.evaluate("ask('failing')"), "-7: no such thing");
   EXPECT_EQ(page.evaluate("ask('unknown')"), "-1: The query has been canceled");
-}
-
-TEST(MessageRouter, FailsQueriesWhoseCallbackIsReleasedUnanswered) {
-  TestBrowser page(kAsk);
-  page.client().onQuery = [](const Query& query) {
-    if (query.request != "forgotten") {
-      query.callback->Success(query.request);
-    }
-    return true;
-  };
   EXPECT_EQ(page.evaluate("ask('forgotten')"), "-1: The query has been canceled");
   EXPECT_EQ(page.client().pendingQueries(), 0);
 }
 
-TEST(MessageRouter, PassesFailuresWithCodeAndText) {
-  TestBrowser page(kAsk);
-  page.client().onQuery = [](const Query& query) {
-    if (query.request == "fail") {
-      query.callback->Failure(-7, "no such thing");
-    } else {
-      query.callback->Success(query.request);
-    }
-    return true;
-  };
-  EXPECT_EQ(page.evaluate("ask('fail')"), "-7: no such thing");
-}
-
 TEST(MessageRouter, TakesAnswersFromAnyThreadAndCountsOnlyTheFirst) {
   TestBrowser page(kAsk);
-  std::thread worker;
-  page.client().onQuery = [&](const Query& query) {
-    if (query.request == "from a thread") {
-      worker = std::thread([callback = query.callback] {
-        callback->Success("first");
-        callback->Failure(1, "second");
-      });
-      worker.join();
-    } else {
-      query.callback->Success(query.request);
-    }
+  page.client().onRequest("from a thread", [](const Query& query) {
+    std::jthread([callback = query.callback] {
+      callback->Success("first");
+      callback->Failure(1, "second");
+    });
     return true;
-  };
+  });
   EXPECT_EQ(page.evaluate("ask('from a thread')"), "first");
 }
 
@@ -147,18 +108,15 @@ TEST(MessageRouter, CarriesTwentyMegabytesBothWays) {
 
 TEST(MessageRouter, AnswersPersistentQueriesRepeatedlyUntilTheyFail) {
   TestBrowser page(kAsk);
-  page.client().onQuery = [](const Query& query) {
-    if (query.persistent) {
-      for (const char* answer : {"1", "2", "3"}) {
-        query.callback->Success(answer);
-      }
-      query.callback->Failure(9, "end");
-      query.callback->Success("late");
-    } else {
-      query.callback->Success(query.request);
+  page.client().onRequest("p", [](const Query& query) {
+    EXPECT_TRUE(query.persistent);
+    for (const char* answer : {"1", "2", "3"}) {
+      query.callback->Success(answer);
     }
+    query.callback->Failure(9, "end");
+    query.callback->Success("late");
     return true;
-  };
+  });
   EXPECT_EQ(page.evaluate("(async () => { let all = ''; await new Promise(done => testQuery({"
                           "request: 'p', persistent: true, onSuccess: r => all += r + ' ',"
                           "onFailure: (c, m) => { all += c + m; done(); }}));"
@@ -166,22 +124,26 @@ TEST(MessageRouter, AnswersPersistentQueriesRepeatedlyUntilTheyFail) {
             "1 2 3 9end");
 }
 
-TEST(MessageRouter, CancelsQueriesOnThePagesWish) {
-  TestBrowser page(kAsk);
-  QueryCallback kept;
-  page.client().onQuery = [&](const Query& query) {
-    if (query.request == "slow") {
+// A page with a query that is not answered.
+class PendingQuery : public testing::Test {
+ protected:
+  PendingQuery() {
+    page.client().onRequest("pending", [this](const Query& query) {
       kept = query.callback;
-    } else {
-      query.callback->Success(query.request);
-    }
-    return true;
-  };
-  page.run(
-      "window.outcome = ''; window.id = testQuery({request: 'slow', "
-      "onSuccess: r => outcome += r, onFailure: (c, m) => outcome += c + m})");
-  ASSERT_TRUE(page.waitFor("slow"));
-  EXPECT_EQ(page.client().pendingQueries(), 1);
+      return true;
+    });
+    page.run(
+        "window.outcome = ''; window.id = testQuery({request: 'pending', "
+        "onSuccess: r => outcome += r, onFailure: (c, m) => outcome += c + m})");
+    EXPECT_TRUE(page.waitFor("pending"));
+    EXPECT_EQ(page.client().pendingQueries(), 1);
+  }
+
+  TestBrowser page{kAsk};
+  QueryCallback kept;
+};
+
+TEST_F(PendingQuery, IsCanceledOnThePagesWish) {
   EXPECT_EQ(page.evaluate("String(cefQueryCancel(id)) + cefQueryCancel(id) + cefQueryCancel(999)"),
             "truefalsefalse");
   ASSERT_TRUE(runUntil([&] { return page.client().canceled.size() == 1; }));
@@ -190,53 +152,25 @@ TEST(MessageRouter, CancelsQueriesOnThePagesWish) {
   EXPECT_EQ(page.client().pendingQueries(), 0);
 }
 
-TEST(MessageRouter, CancelsPendingQueriesWhenThePageIsLeft) {
-  TestBrowser page(kAsk);
-  QueryCallback kept;
-  page.client().onQuery = [&](const Query& query) {
-    kept = query.callback;
-    return true;
-  };
-  page.run("ask('pending')");
-  ASSERT_TRUE(page.waitFor("pending"));
+TEST_F(PendingQuery, IsCanceledWhenThePageIsLeft) {
   page.frame()->LoadURL(writePage("next.html", "<script>testQuery({request: 'next'})</script>"));
   ASSERT_TRUE(page.waitFor("next"));
   EXPECT_TRUE(runUntil([&] { return page.client().canceled.size() == 1; }));
 }
 
-TEST(MessageRouter, CancelsPendingQueriesWhenTheBrowserIsClosed) {
-  TestBrowser page(kAsk);
-  QueryCallback kept;
-  page.client().onQuery = [&](const Query& query) {
-    kept = query.callback;
-    return true;
-  };
-  page.run("ask('pending')");
-  ASSERT_TRUE(page.waitFor("pending"));
+TEST_F(PendingQuery, IsCanceledWhenTheBrowserIsClosed) {
   closeAll(page.client());
   EXPECT_EQ(page.client().canceled.size(), 1u);
   kept->Success("into the void");
 }
 
-TEST(MessageRouter, RemovingAHandlerFailsItsQueries) {
-  TestBrowser page(kAsk);
-  QueryCallback kept;
-  page.client().onQuery = [&](const Query& query) {
-    kept = query.callback;
-    return true;
-  };
-  page.run("window.outcome = ask('pending')");
-  ASSERT_TRUE(page.waitFor("pending"));
+TEST_F(PendingQuery, FailsWhenItsHandlerIsRemoved) {
   EXPECT_FALSE(page.client().router()->AddHandler(&page.client(), true));
   EXPECT_TRUE(page.client().router()->RemoveHandler(&page.client()));
   EXPECT_FALSE(page.client().router()->RemoveHandler(&page.client()));
   EXPECT_EQ(page.client().canceled.size(), 1u);
-  page.client().onQuery = [](const Query& query) {
-    query.callback->Success("");
-    return true;
-  };
   page.client().router()->AddHandler(&page.client(), false);
-  EXPECT_EQ(page.evaluate("outcome"), "-1: The query has been canceled");
+  EXPECT_EQ(page.evaluate("outcome"), "-1The query has been canceled");
 }
 
 TEST(MessageRouter, ServesFramesAlsoOfOtherOriginsAndAfterTheyNavigate) {
@@ -262,16 +196,13 @@ TEST(MessageRouter, ExecutesScriptsInTheFrameThatAsked) {
   TestBrowser page(
       "<script>window.place = 'top'</script><iframe name=inner srcdoc=\"<script>"
       "window.place = 'frame'; testQuery({request: 'frame'})</script>\"></iframe>");
-  page.client().onQuery = [](const Query& query) {
-    if (query.request == "frame") {
-      EXPECT_FALSE(query.frame->IsMain());
-      EXPECT_EQ(query.frame->GetName(), "inner");
-      EXPECT_EQ(query.frame->GetURL(), "about:srcdoc");
-      query.frame->ExecuteJavaScript("testQuery({request: 'in ' + place})", "", 0);
-    }
-    query.callback->Success("");
+  page.client().onRequest("frame", [](const Query& query) {
+    EXPECT_FALSE(query.frame->IsMain());
+    EXPECT_EQ(query.frame->GetName(), "inner");
+    EXPECT_EQ(query.frame->GetURL(), "about:srcdoc");
+    query.frame->ExecuteJavaScript("testQuery({request: 'in ' + place})", "", 0);
     return true;
-  };
+  });
   EXPECT_TRUE(page.waitFor("in frame"));
 }
 

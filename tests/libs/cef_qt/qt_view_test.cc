@@ -111,18 +111,13 @@ TEST(View, HidesCanceledDragsFromThePage) {
   }
 }
 
-TEST(View, HasTheGivenTitleAndFitsIntoTheScreen) {
+TEST(View, HasTheGivenTitleAndSizeAndItsClosingIsTheBrowsers) {
   TestBrowser page("<title>the page's</title><script>testQuery({request: 'up'})</script>");
   ASSERT_TRUE(page.waitFor("up"));
   const QWebEngineView* view = viewOf(page.browser());
   EXPECT_EQ(view->windowTitle(), "Test");
   EXPECT_EQ(view->size(), QSize(640, 480));
   EXPECT_TRUE(view->isVisible());
-}
-
-TEST(View, TurnsTheWindowsClosingIntoTheBrowsers) {
-  TestBrowser page("<script>testQuery({request: 'up'})</script>");
-  ASSERT_TRUE(page.waitFor("up"));
   page.client().doClose = [] { return true; };
   viewOf(page.browser())->close();
   ASSERT_TRUE(page.waitForEvent("doClose"));

@@ -10,4 +10,8 @@ std::vector<std::string>& calls();
 
 void recordCall(const std::string& call);
 
+// From now on the system's log (NSLog) is recorded too, each line as "log: " and its text, and no
+// longer written.
+void recordSystemLog();
+
 }  // namespace zantrio::mac_test

@@ -1,10 +1,13 @@
-// Linked instead of the client.
+// Linked instead of the client and the framework.
 #include "mac/fakes/client_fake.h"
 
 #include <stdexcept>
 
 #include "app/browser_process.h"
 #include "app/sub_process.h"
+#include "include/cef_sandbox_mac.h"
+#include "include/cef_task.h"
+#include "include/wrapper/cef_library_loader.h"
 #include "mac/fakes/calls.h"
 
 namespace zantrio {
@@ -72,3 +75,37 @@ int runSubProcess(int argc, char** argv) {
 }
 
 }  // namespace zantrio
+
+using zantrio::mac_test::recordCall;
+
+CefScopedLibraryLoader::CefScopedLibraryLoader() = default;
+
+CefScopedLibraryLoader::~CefScopedLibraryLoader() {
+  recordCall("unload framework");
+}
+
+bool CefScopedLibraryLoader::LoadInMain() {
+  recordCall("LoadInMain");
+  return zantrio::mac_test::client().loadsFramework;
+}
+
+bool CefScopedLibraryLoader::LoadInHelper() {
+  recordCall("LoadInHelper");
+  return zantrio::mac_test::client().loadsFramework;
+}
+
+CefScopedSandboxContext::CefScopedSandboxContext() = default;
+
+CefScopedSandboxContext::~CefScopedSandboxContext() {
+  recordCall("leave sandbox");
+}
+
+bool CefScopedSandboxContext::Initialize(int argc, char** argv) {
+  recordCall("enter sandbox " + std::to_string(argc) + " " + argv[0]);
+  return zantrio::mac_test::client().entersSandbox;
+}
+
+// Tests have one thread.
+bool CefCurrentlyOn(CefThreadId thread) {
+  return thread == TID_UI;
+}

@@ -7,8 +7,11 @@
 
 namespace zantrio::mac_test {
 
-// How the browser process and the sub-process, which stand in for the client's, end.
+// How the browser process and the sub-process, which stand in for the client's, end, and what the
+// framework's loader and sandbox answer.
 struct ClientFake {
+  bool loadsFramework = true;
+  bool entersSandbox = true;
   int exitCode = 0;
   std::string failure;  // what they throw, if anything
   std::vector<std::string> arguments;

@@ -131,7 +131,7 @@ TEST(MainBundle, SaysWhatIsWrongWithItsInformationFile) {
   TestBundle folder;
   EXPECT_NE(CMainBundle(folder.folder()).error().find("cannot be opened"), std::string::npos);
   for (const char* text : {"", "no property list", "<plist version=\"1.0\"><array/></plist>"}) {
-    folder.writeFile("Info.plist", text);
+    folder.makeFile("Info.plist", text);
     const CMainBundle bundle(folder.folder());
     EXPECT_NE(bundle.error().find("is not a property list dictionary"), std::string::npos) << text;
     EXPECT_FALSE(bundle.hasEntry("AppPath"));

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "src/fakes/ask_bridge.h"
+#include "src/fakes/fake_query_callback.h"
 #include "src/fakes/fake_services.h"
 
 namespace zantrio {

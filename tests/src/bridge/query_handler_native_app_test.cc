@@ -11,7 +11,6 @@
 namespace zantrio {
 namespace {
 
-using test::FakeQueryCallback;
 using test::FakeServices;
 using test::LogCapture;
 
@@ -26,20 +25,17 @@ class NativeAppBridge : public testing::Test {
  protected:
   NativeAppBridge() { FakeServices::instance().reset(); }
 
-  std::vector<std::string> answer(const std::string& request) {
-    const CefRefPtr<FakeQueryCallback> callback(new FakeQueryCallback);
-    handler.OnQuery(nullptr, nullptr, 1, request, false, callback);
-    return callback->failures.empty() ? callback->successes : callback->failures;
+  std::string answer(const std::string& method, const std::string& parameters = "null") {
+    return test::askBridge(handler, method, parameters);
   }
 
-  const std::vector<std::string> null{"null\n"};
   LogCapture log;
   CQueryHandlerNativeApp handler;
 };
 
 TEST_F(NativeAppBridge, OnlyLogsBeforeTheBrowserClientIsKnown) {
-  EXPECT_EQ(answer(R"({"method":"onAppReady"})"), null);
-  EXPECT_EQ(answer(R"({"method":"onAppExit"})"), null);
+  EXPECT_EQ(answer("onAppReady"), "null\n");
+  EXPECT_EQ(answer("onAppExit"), "null\n");
   EXPECT_TRUE(log.contains("information QueryHandlerNativeApp: App ready"));
   EXPECT_TRUE(log.contains("information QueryHandlerNativeApp: onAppExit called"));
 }
@@ -52,40 +48,38 @@ TEST_F(NativeAppBridge, PassesReadinessAndExitOnToTheLastContextsCallback) {
   handler.setHandlerData(context);
   context.lifeCycleCallback = &second;
   handler.setHandlerData(context);
-  answer(R"({"method":"onAppReady"})");
-  answer(R"({"method":"onAppExit"})");
+  answer("onAppReady");
+  answer("onAppExit");
   EXPECT_EQ(second.startups, 1);
   EXPECT_EQ(second.shutdowns, 1);
   EXPECT_EQ(first.startups + first.shutdowns, 0);
 }
 
 TEST_F(NativeAppBridge, HandsUrlsAndTextsToThePlatform) {
-  EXPECT_EQ(answer(R"({"method":"openURL","parameters":{"url":"http://a/b"}})"), null);
-  EXPECT_EQ(answer(R"({"method":"copyToClipboard","parameters":{"value":"x ä"}})"), null);
-  EXPECT_EQ(answer(R"({"method":"openURL"})"), null);
+  EXPECT_EQ(answer("openURL", R"({"url":"http://a/b"})"), "null\n");
+  EXPECT_EQ(answer("copyToClipboard", R"({"value":"x ä"})"), "null\n");
+  EXPECT_EQ(answer("openURL"), "null\n");
   EXPECT_EQ(FakeServices::instance().calls,
             (std::vector<std::string>{"url http://a/b", "copy x ä", "url "}));
 }
 
 TEST_F(NativeAppBridge, AnswersAFailureForAValueThatIsNoText) {
-  const auto failures = answer(R"({"method":"copyToClipboard","parameters":{"value":{}}})");
-  ASSERT_EQ(failures.size(), 1U);
-  EXPECT_EQ(failures[0].find("-1 Exception caught when executing query handler: "), 0U);
+  EXPECT_EQ(answer("copyToClipboard", R"({"value":{}})")
+                .find("-1 Exception caught when executing query handler: "),
+            0U);
   EXPECT_TRUE(FakeServices::instance().calls.empty());
 }
 
 TEST_F(NativeAppBridge, AnswersNullWhenThePlatformHasNoService) {
   FakeServices::instance().available = false;
-  EXPECT_EQ(answer(R"({"method":"openURL","parameters":{"url":"http://a/b"}})"), null);
-  EXPECT_EQ(answer(R"({"method":"copyToClipboard"})"), null);
+  EXPECT_EQ(answer("openURL", R"({"url":"http://a/b"})"), "null\n");
+  EXPECT_EQ(answer("copyToClipboard"), "null\n");
 }
 
 TEST_F(NativeAppBridge, ListsItsMethods) {
   EXPECT_EQ(
-      answer(R"({"method":"supportedMethods"})"),
-      (std::vector<std::string>{
-          "[\"copyToClipboard\",\"onAppExit\",\"onAppReady\",\"openURL\",\"supportedMethods\"]"
-          "\n"}));
+      answer("supportedMethods"),
+      "[\"copyToClipboard\",\"onAppExit\",\"onAppReady\",\"openURL\",\"supportedMethods\"]\n");
 }
 
 }  // namespace

@@ -16,11 +16,12 @@ TEST_F(ApplicationCommands, MovesTheWebApplicationToItsRoutes) {
   const auto browser = openBrowser();
   commands_.newMessage();
   commands_.newShare();
-  ASSERT_EQ(browser->frame->scripts.size(), 2U);
-  EXPECT_EQ(browser->frame->scripts[0].code,
-            "Backbone.history.navigate('/message/new', { trigger: true });");
-  EXPECT_EQ(browser->frame->scripts[1].code,
-            "Backbone.history.navigate('/share/new', { trigger: true });");
+  const auto& scripts = browser->frame->scripts;
+  ASSERT_EQ(scripts.size(), 2U);
+  EXPECT_EQ(scripts[0].code, "Backbone.history.navigate('/message/new', { trigger: true });");
+  EXPECT_EQ(scripts[1].code, "Backbone.history.navigate('/share/new', { trigger: true });");
+  EXPECT_EQ(scripts[0].url, browser->frame->url);
+  EXPECT_EQ(scripts[0].line, 0);
 }
 
 TEST_F(ApplicationCommands, KeepsFilesUntilTheWebApplicationIsReady) {

@@ -1,16 +1,12 @@
 #include "browser/http_probe.h"
 
-#include <Poco/Net/HTTPRequestHandler.h>
-#include <Poco/Net/HTTPRequestHandlerFactory.h>
-#include <Poco/Net/HTTPServer.h>
-#include <Poco/Net/HTTPServerRequest.h>
-#include <Poco/Net/HTTPServerResponse.h>
-#include <Poco/Net/ServerSocket.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <chrono>
 #include <thread>
+
+#include "src/fakes/http_service.h"
 
 namespace zantrio {
 namespace {
@@ -18,37 +14,21 @@ namespace {
 namespace net = Poco::Net;
 
 // Answers the path "/500" with the status 500, and so on.
-class StatusHandler : public net::HTTPRequestHandler {
-  void handleRequest(net::HTTPServerRequest& request, net::HTTPServerResponse& response) override {
-    const int status = std::stoi(request.getURI().substr(1));
-    response.setStatus(static_cast<net::HTTPResponse::HTTPStatus>(status));
-    if (status == 302) {
-      response.set("Location", "/200");
-    }
-    const std::string body = "<p>a page</p>";
-    response.sendBuffer(body.data(), body.size());
+void answerWithStatus(net::HTTPServerRequest& request, net::HTTPServerResponse& response) {
+  const int status = std::stoi(request.getURI().substr(1));
+  response.setStatus(static_cast<net::HTTPResponse::HTTPStatus>(status));
+  if (status == 302) {
+    response.set("Location", "/200");
   }
-};
-
-class StatusHandlerFactory : public net::HTTPRequestHandlerFactory {
-  net::HTTPRequestHandler* createRequestHandler(const net::HTTPServerRequest&) override {
-    return new StatusHandler;
-  }
-};
+  response.send() << "<p>a page</p>";
+}
 
 class HttpProbe : public testing::Test {
  protected:
-  HttpProbe() { server_.start(); }
-  ~HttpProbe() override { server_.stopAll(true); }
-
-  bool probe(const std::string& path) const {
-    return probeWithHttp("http://127.0.0.1:" + std::to_string(server_.port()) + path, {});
-  }
+  bool probe(const std::string& path) const { return probeWithHttp(service_.url(path), {}); }
 
  private:
-  net::HTTPServer server_{new StatusHandlerFactory,
-                          net::ServerSocket(net::SocketAddress("127.0.0.1", 0)),
-                          new net::HTTPServerParams};
+  const test::HttpService service_{answerWithStatus};
 };
 
 TEST_F(HttpProbe, TrustsAnswersThatPromiseAPage) {

@@ -45,7 +45,7 @@ CefRefPtr<FakeBrowser> ZtCefHandlerTest::openBrowser(int identifier) {
 
 bool ZtCefHandlerTest::sendMessage(const CefRefPtr<FakeBrowser>& browser) {
   return client->OnProcessMessageReceived(browser, browser->frame, PID_RENDERER,
-                                          new FakeProcessMessage("message"));
+                                          CefProcessMessage::Create("message"));
 }
 
 }  // namespace zantrio::test

@@ -144,20 +144,4 @@ class FakeDragData : public CefDragData {
   IMPLEMENT_REFCOUNTING(FakeDragData);
 };
 
-class FakeProcessMessage : public CefProcessMessage {
- public:
-  explicit FakeProcessMessage(std::string name) : name_(std::move(name)) {}
-
-  bool IsValid() override { return true; }
-  bool IsReadOnly() override { return true; }
-  CefRefPtr<CefProcessMessage> Copy() override { return this; }
-  CefString GetName() override { return name_; }
-  CefRefPtr<CefListValue> GetArgumentList() override { return nullptr; }
-
- private:
-  const std::string name_;
-
-  IMPLEMENT_REFCOUNTING(FakeProcessMessage);
-};
-
 }  // namespace zantrio::test

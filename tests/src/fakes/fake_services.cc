@@ -83,29 +83,38 @@ class FakeUserNotificationHandler : public IUserNotificationHandler {
   }
 };
 
-class FakeFolderChooseDialog : public IFolderChooseDialog, public CFsItemChooseDialogBase {
+template <class Interface>
+class FakeChooseDialog : public Interface, public CFsItemChooseDialogBase {
  public:
+  explicit FakeChooseDialog(std::string kind) : kind_(std::move(kind)) { ++fake().openDialogs; }
+  ~FakeChooseDialog() override { --fake().openDialogs; }
+
   bool show(std::vector<std::string>& chosenUrls) override {
-    record("choose " + title());
-    if (fake().chosenFolders.empty()) {
+    record(kind_ + ": " + title());
+    if (fake().choices.empty()) {
       return false;
     }
-    chosenUrls.push_back(fake().chosenFolders.front());
-    fake().chosenFolders.pop_front();
+    const auto& choice = fake().choices.front();
+    chosenUrls.insert(chosenUrls.end(), choice.begin(), choice.end());
+    fake().choices.pop_front();
     return true;
   }
+
+ private:
+  const std::string kind_;
 };
 
 class FakeFilePermissionsRetriever : public IFilePermissionsRetriever {
  public:
   int getPermissions(const std::string& path) override {
-    return fake().readOnlyPaths.contains(path) ? kRead : kRead + kWrite;
+    const auto known = fake().permissionsOf.find(path);
+    return known != fake().permissionsOf.end() ? known->second : fake().permissions;
   }
 };
 
-template <class Interface, class Fake>
-std::unique_ptr<Interface> create() {
-  return fake().available ? std::make_unique<Fake>() : nullptr;
+template <class Interface, class Fake, class... Arguments>
+std::unique_ptr<Interface> create(Arguments... arguments) {
+  return fake().available ? std::make_unique<Fake>(arguments...) : nullptr;
 }
 
 }  // namespace
@@ -138,15 +147,13 @@ std::unique_ptr<IUserNotificationHandler> createUserNotificationHandler() {
   return test::create<IUserNotificationHandler, test::FakeUserNotificationHandler>();
 }
 std::unique_ptr<IFolderChooseDialog> createFolderChooseDialog() {
-  return test::create<IFolderChooseDialog, test::FakeFolderChooseDialog>();
+  return test::create<IFolderChooseDialog, test::FakeChooseDialog<IFolderChooseDialog>>("folder");
 }
 std::unique_ptr<IFilePermissionsRetriever> createFilePermissionsRetriever() {
   return test::create<IFilePermissionsRetriever, test::FakeFilePermissionsRetriever>();
 }
-
-// No test here chooses files.
 std::unique_ptr<IFileChooseDialog> createFileChooseDialog() {
-  return nullptr;
+  return test::create<IFileChooseDialog, test::FakeChooseDialog<IFileChooseDialog>>("files");
 }
 
 }  // namespace zantrio

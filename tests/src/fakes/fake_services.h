@@ -2,11 +2,12 @@
 
 #include <deque>
 #include <functional>
-#include <set>
+#include <map>
 #include <string>
 #include <vector>
 
 #include "services/contact_entry.h"
+#include "services/file_permissions_retriever.h"
 
 namespace zantrio::test {
 
@@ -22,9 +23,11 @@ struct FakeServices {
   std::function<void()> duringConfirm;
   bool hasAddressBook = true;
   ContactEntries contacts;  // what a search finds
-  // The URLs that the user chooses, dialog by dialog; with none left every dialog is cancelled.
-  std::deque<std::string> chosenFolders;
-  std::set<std::string> readOnlyPaths;
+  // What the user chooses, dialog by dialog, as URLs; with none left every dialog is cancelled.
+  std::deque<std::vector<std::string>> choices;
+  int openDialogs = 0;  // choose dialogs that were not destroyed yet
+  int permissions = IFilePermissionsRetriever::kRead + IFilePermissionsRetriever::kWrite;
+  std::map<std::string, int> permissionsOf;  // of paths that have others
 };
 
 }  // namespace zantrio::test

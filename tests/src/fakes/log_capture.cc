@@ -4,6 +4,7 @@
 #include <Poco/Message.h>
 
 #include <algorithm>
+#include <map>
 #include <mutex>
 
 #include "app/logger.h"
@@ -11,18 +12,10 @@
 namespace zantrio::test {
 namespace {
 
-std::string priorityName(const Poco::Message& message) {
-  switch (message.getPriority()) {
-    case Poco::Message::PRIO_INFORMATION:
-      return "information";
-    case Poco::Message::PRIO_WARNING:
-      return "warning";
-    case Poco::Message::PRIO_ERROR:
-      return "error";
-    default:
-      return "other";
-  }
-}
+const std::map<Poco::Message::Priority, std::string> kPriorities = {
+    {Poco::Message::PRIO_INFORMATION, "information "},
+    {Poco::Message::PRIO_WARNING, "warning "},
+    {Poco::Message::PRIO_ERROR, "error "}};
 
 Poco::Logger& applicationLogger() {
   return Poco::Logger::get("ZantrioLogger");
@@ -34,7 +27,7 @@ class LogCapture::Recorder : public Poco::Channel {
  public:
   void log(const Poco::Message& message) override {
     const std::lock_guard lock(mutex_);
-    lines_.push_back(priorityName(message) + " " + message.getText());
+    lines_.push_back(kPriorities.at(message.getPriority()) + message.getText());
   }
 
   std::vector<std::string> lines() const {

@@ -1,7 +1,6 @@
 #include "src/fakes/test_bundle.h"
 
 #include <cstdlib>
-#include <fstream>
 
 namespace zantrio::test {
 namespace {
@@ -16,17 +15,9 @@ void setHome(const char* home) {
 
 }  // namespace
 
-TestBundle::TestBundle() {
-  folder_.createDirectories();
-}
-
-void TestBundle::writeFile(const std::string& name, const std::string& text) const {
-  std::ofstream(folder() + "/" + name, std::ios::binary) << text;
-}
-
 void TestBundle::writeInfo(const std::string& entries) const {
-  writeFile("Info.plist", R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0"><dict>)" +
-                              entries + "</dict></plist>");
+  makeFile("Info.plist", R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0"><dict>)" +
+                             entries + "</dict></plist>");
 }
 
 ScopedHome::ScopedHome(const char* home) {

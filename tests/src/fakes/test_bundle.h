@@ -1,23 +1,17 @@
 #pragma once
 
-#include <Poco/TemporaryFile.h>
-
 #include <string>
+
+#include "src/files/temporary_folder.h"
 
 namespace zantrio::test {
 
-// A folder of its own, with whatever files a test puts there; removed at the end.
-class TestBundle {
+// A folder of its own that a test can make a bundle.
+class TestBundle : public TemporaryFolder {
  public:
-  TestBundle();
-
-  std::string folder() const { return folder_.path(); }
-  void writeFile(const std::string& name, const std::string& text) const;
+  std::string folder() const { return path(); }
   // Writes Info.plist with these entries in its dictionary.
   void writeInfo(const std::string& entries) const;
-
- private:
-  Poco::TemporaryFile folder_;
 };
 
 // Sets HOME while it lives, or takes it away (null).

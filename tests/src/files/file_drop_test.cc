@@ -5,30 +5,25 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <set>
 
 #include "src/fakes/log_capture.h"
+#include "src/files/places.h"
 #include "src/files/temporary_folder.h"
 
 namespace zantrio {
 namespace {
 
 using test::LogCapture;
+using test::placesOf;
 using test::TemporaryFolder;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
+// The answer for these dropped items.
 Json::Value drop(const std::vector<std::string>& paths) {
   return CFileDrop(std::vector<Poco::Path>(paths.begin(), paths.end())).describe();
-}
-
-std::vector<std::string> placesOf(const Json::Value& answer) {
-  std::vector<std::string> places;
-  for (const Json::Value& file : answer["files"]) {
-    const Json::Value& path = file["path"];
-    places.push_back((path.isNull() ? "null" : path.asString()) + "/" + file["name"].asString());
-  }
-  return places;
 }
 
 void expectCommonFolder(const Json::Value& answer, const std::string& name) {
@@ -52,7 +47,7 @@ TEST_F(FileDrop, TakesAFolderOnceWithWhatLiesInside) {
   const std::string outer = folder_.path() + "/d";
   for (const auto& paths : {std::vector{outer, inside}, std::vector{inside, outer}}) {
     const LogCapture log;
-    EXPECT_THAT(placesOf(drop(paths)), ElementsAre("null/x.txt"));
+    EXPECT_THAT(placesOf(drop(paths)["files"]), ElementsAre("null/x.txt"));
     EXPECT_THAT(log.lines(), ElementsAre("warning Handling files drop: Item " + inside +
                                          " is a child of another item."));
   }
@@ -61,7 +56,7 @@ TEST_F(FileDrop, TakesAFolderOnceWithWhatLiesInside) {
 TEST_F(FileDrop, TakesAnItemWhoseNameOnlyBeginsLikeATakenFolder) {
   folder_.makeFile("d/x.txt");
   const std::string file = folder_.makeFile("dd/y.txt");
-  EXPECT_THAT(placesOf(drop({folder_.path() + "/d", file})),
+  EXPECT_THAT(placesOf(drop({folder_.path() + "/d", file})["files"]),
               ElementsAre("null/x.txt", "null/y.txt"));
   EXPECT_THAT(log_.lines(), IsEmpty());
 }
@@ -71,7 +66,8 @@ TEST_F(FileDrop, BeginsThePathsOfSeveralFoldersWithTheirNames) {
   folder_.makeFile("p/A/sub/deep.txt");
   folder_.makeFile("p/B/b.txt");
   const Json::Value answer = drop({folder_.path() + "/p/A", folder_.path() + "/p/B"});
-  EXPECT_THAT(placesOf(answer), UnorderedElementsAre("A/direct.txt", "A/sub/deep.txt", "B/b.txt"));
+  EXPECT_THAT(placesOf(answer["files"]),
+              UnorderedElementsAre("A/direct.txt", "A/sub/deep.txt", "B/b.txt"));
   expectCommonFolder(answer, "p");
 }
 
@@ -79,7 +75,7 @@ TEST_F(FileDrop, MakesThePathsOfOneFolderRelativeToIt) {
   folder_.makeFile("p/A/direct.txt");
   folder_.makeFile("p/A/sub/deep.txt");
   const Json::Value answer = drop({folder_.path() + "/p/A"});
-  EXPECT_THAT(placesOf(answer), UnorderedElementsAre("null/direct.txt", "sub/deep.txt"));
+  EXPECT_THAT(placesOf(answer["files"]), UnorderedElementsAre("null/direct.txt", "sub/deep.txt"));
   expectCommonFolder(answer, "A");
 }
 
@@ -110,7 +106,7 @@ TEST_F(FileDrop, ReportsMissingItemsInBothPassesAndTakesTheRest) {
   const std::string gone = folder_.path() + "/gone";
   const std::string line = "error FileHandleChooser: handleDrop is not able to locate file " + gone;
   const Json::Value answer = drop({gone, folder_.makeFile("there.txt")});
-  EXPECT_THAT(placesOf(answer), ElementsAre("null/there.txt"));
+  EXPECT_THAT(placesOf(answer["files"]), ElementsAre("null/there.txt"));
   EXPECT_THAT(log_.lines(), ElementsAre(line, line));
 }
 
@@ -123,8 +119,8 @@ TEST_F(FileDrop, KeepsTheNameOfASingleItemThatIsGone) {
 TEST_F(FileDrop, DescribesADroppedHiddenFileEvenInsideATakenFolder) {
   folder_.makeFile("d/x.txt");
   const std::string hidden = folder_.makeFile("d/.secret");
-  EXPECT_THAT(placesOf(drop({hidden})), ElementsAre("null/.secret"));
-  EXPECT_THAT(placesOf(drop({folder_.path() + "/d", hidden})),
+  EXPECT_THAT(placesOf(drop({hidden})["files"]), ElementsAre("null/.secret"));
+  EXPECT_THAT(placesOf(drop({folder_.path() + "/d", hidden})["files"]),
               ElementsAre("null/x.txt", "null/.secret"));
   EXPECT_THAT(log_.lines(), IsEmpty());
 }
@@ -132,8 +128,8 @@ TEST_F(FileDrop, DescribesADroppedHiddenFileEvenInsideATakenFolder) {
 TEST_F(FileDrop, WalksADroppedHiddenFolderOnlyWhenItIsAlone) {
   folder_.makeFile(".h/x.txt");
   folder_.makeFile("v/y.txt");
-  EXPECT_THAT(placesOf(drop({folder_.path() + "/.h"})), ElementsAre("null/x.txt"));
-  EXPECT_THAT(placesOf(drop({folder_.path() + "/.h", folder_.path() + "/v"})),
+  EXPECT_THAT(placesOf(drop({folder_.path() + "/.h"})["files"]), ElementsAre("null/x.txt"));
+  EXPECT_THAT(placesOf(drop({folder_.path() + "/.h", folder_.path() + "/v"})["files"]),
               ElementsAre("v/y.txt"));
 }
 
@@ -152,20 +148,20 @@ TEST_F(FileDrop, ShowsANameThatIsNoUtf8AsTheCommonFolder) {
 }
 
 TEST_F(FileDrop, TakesAHundredThousandItemsWithTheFoldersThatHoldThem) {
-  constexpr int kFolders = 1000;
-  constexpr int kItemsEach = 100;
   const TemporaryFolder large(TemporaryFolder::Place::kMemory);
   std::vector<std::string> items;
-  for (int i = 0; i < kFolders; ++i) {
-    const std::string one = large.makeFolder("folder" + std::to_string(i));
-    items.push_back(one);
-    for (int j = 0; j < kItemsEach; ++j) {
-      items.push_back(one + "/file" + std::to_string(j));
-      ASSERT_EQ(mknod(items.back().c_str(), S_IFREG | 0600, 0), 0);
+  for (int number = 0; number < 100'000; ++number) {
+    if (number % 100 == 0) {
+      items.push_back(large.makeFolder("folder" + std::to_string(number)));
     }
+    items.push_back(large.path() + "/folder" + std::to_string(number / 100 * 100) + "/file" +
+                    std::to_string(number));
+    ASSERT_EQ(mknod(items.back().c_str(), S_IFREG | 0600, 0), 0);
   }
   std::reverse(items.begin(), items.end());
-  EXPECT_EQ(drop(items)["files"].size(), 100'000U);
+  const auto places = placesOf(drop(items)["files"]);
+  EXPECT_EQ(places.size(), 100'000U);
+  EXPECT_EQ(std::set(places.begin(), places.end()).size(), 100'000U);
 }
 
 }  // namespace

@@ -27,8 +27,12 @@ Json::Value writtenAndReadAgain(const Json::Value& value) {
   return read;
 }
 
-TEST(FileItemJson, DescribesAFile) {
+class FileItemJson : public testing::Test {
+ protected:
   const TemporaryFolder folder;
+};
+
+TEST_F(FileItemJson, DescribesAFileWithTheUrlOfTheCallerIfThereIsOne) {
   const std::string path = folder.makeFile("sub/report 1.pdf", "12345");
   const Json::Value record = recordOf(path);
   EXPECT_EQ(record["fileURL"], "file://" + folder.path() + "/sub/report%201.pdf");
@@ -37,15 +41,10 @@ TEST(FileItemJson, DescribesAFile) {
   EXPECT_EQ(record["size"], Json::Value(Json::UInt64(5)));
   EXPECT_EQ(record.getMemberNames(),
             (std::vector<std::string>{"created", "fileURL", "modified", "name", "path", "size"}));
+  EXPECT_EQ(recordOf(path, "", "zt://a%20b")["fileURL"], "zt://a%20b");
 }
 
-TEST(FileItemJson, KeepsTheUrlOfTheCaller) {
-  const TemporaryFolder folder;
-  EXPECT_EQ(recordOf(folder.makeFile("a"), "", "zt://a%20b")["fileURL"], "zt://a%20b");
-}
-
-TEST(FileItemJson, LeavesTheRecordUntouchedForAMissingItem) {
-  const TemporaryFolder folder;
+TEST_F(FileItemJson, LeavesTheRecordUntouchedForAMissingItem) {
   Json::Value record = "before";
   EXPECT_FALSE(fillFileItemJson(record, folder.path() + "/gone", "", ""));
   EXPECT_FALSE(fillFileItemJson(record, "", "", ""));
@@ -53,15 +52,13 @@ TEST(FileItemJson, LeavesTheRecordUntouchedForAMissingItem) {
   EXPECT_EQ(record, "before");
 }
 
-TEST(FileItemJson, HasAnUnsignedZeroForAnEmptyFile) {
-  const TemporaryFolder folder;
+TEST_F(FileItemJson, HasAnUnsignedZeroForAnEmptyFile) {
   const Json::Value size = recordOf(folder.makeFile("empty"))["size"];
   EXPECT_EQ(size.type(), Json::uintValue);
   EXPECT_EQ(size.asUInt64(), 0U);
 }
 
-TEST(FileItemJson, CutsTimesTowardZero) {
-  const TemporaryFolder folder;
+TEST_F(FileItemJson, CutsTimesTowardZero) {
   const std::string path = folder.makeFile("file");
   test::setModified(path, 1'999'999'999);
   EXPECT_EQ(recordOf(path)["modified"].asInt64(), 1999);
@@ -71,10 +68,9 @@ TEST(FileItemJson, CutsTimesTowardZero) {
   EXPECT_EQ(recordOf(path)["modified"].asInt64(), 0);
 }
 
-TEST(FileItemJson, TakesTheCreationFromTheFileAndNotFromItsModification) {
+TEST_F(FileItemJson, TakesTheCreationFromTheFileAndNotFromItsModification) {
   using std::chrono::duration_cast;
   using std::chrono::milliseconds;
-  const TemporaryFolder folder;
   const auto now = [] {
     return duration_cast<milliseconds>(std::chrono::system_clock::now().time_since_epoch()).count();
   };
@@ -87,7 +83,7 @@ TEST(FileItemJson, TakesTheCreationFromTheFileAndNotFromItsModification) {
   EXPECT_LE(created, now());
 }
 
-TEST(FileItemJson, SaturatesTimesThatCannotBeCounted) {
+TEST_F(FileItemJson, SaturatesTimesThatCannotBeCounted) {
   EXPECT_EQ(toMicroseconds(std::numeric_limits<std::int64_t>::max(), 0),
             std::numeric_limits<std::int64_t>::max());
   EXPECT_EQ(toMicroseconds(std::numeric_limits<std::int64_t>::min(), 0),
@@ -95,7 +91,7 @@ TEST(FileItemJson, SaturatesTimesThatCannotBeCounted) {
   EXPECT_EQ(toMicroseconds(-1, 999'999'999), -1);
 }
 
-TEST(FileItemJson, MakesThePathRelativeToTheRoot) {
+TEST_F(FileItemJson, MakesThePathRelativeToTheRoot) {
   EXPECT_EQ(relativeFolder("/r/a/b/x.txt", "/r"), "a/b");
   EXPECT_EQ(relativeFolder("/r/a/b/x.txt", "/r/"), "a/b");
   EXPECT_EQ(relativeFolder("/r/x.txt", "/r"), "");
@@ -106,21 +102,19 @@ TEST(FileItemJson, MakesThePathRelativeToTheRoot) {
   EXPECT_EQ(relativeFolder("/other/a/x.txt", "/r"), "");
 }
 
-TEST(FileItemJson, ComparesTheRootAsTextOnly) {
+TEST_F(FileItemJson, ComparesTheRootAsTextOnly) {
   EXPECT_EQ(relativeFolder("/a/bc/x.txt", "/a/b"), "");
   EXPECT_EQ(relativeFolder("/a/bc/de/x.txt", "/a/b"), "/de");
   EXPECT_EQ(relativeFolder("/a/b\\c/x.txt", "/a/b\\"), "c");
 }
 
-TEST(FileItemJson, ReportsAFileThatIsItsOwnRoot) {
-  const TemporaryFolder folder;
+TEST_F(FileItemJson, ReportsAFileThatIsItsOwnRoot) {
   const std::string path = folder.makeFile("file.txt");
   Json::Value record;
   EXPECT_FALSE(fillFileItemJson(record, path, "", path));
 }
 
-TEST(FileItemJson, ShowsEveryNameAndLosesNoneInTheUrl) {
-  const TemporaryFolder folder;
+TEST_F(FileItemJson, ShowsEveryNameAndLosesNoneInTheUrl) {
   const std::string longName(250, 'n');
   for (const auto& [name, encoded, shown] :
        {std::tuple<std::string, std::string, std::string>{"100% done", "100%25%20done",

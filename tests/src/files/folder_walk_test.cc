@@ -7,19 +7,19 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <filesystem>
-#include <set>
 
 #include "files/folder_listing.h"
 #include "src/fakes/log_capture.h"
 #include "src/files/file_query_counter.h"
+#include "src/files/places.h"
 #include "src/files/temporary_folder.h"
 
 namespace zantrio {
 namespace {
 
 using test::LogCapture;
+using test::placesOf;
 using test::TemporaryFolder;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -35,18 +35,12 @@ Json::Value walk(const std::string& folder) {
   return walk(folder, folder);
 }
 
-// "path/name" of each record, "null/name" for a file in the root.
-std::vector<std::string> placesOf(const Json::Value& files) {
-  std::vector<std::string> places;
-  for (const Json::Value& file : files) {
-    const Json::Value& path = file["path"];
-    places.push_back((path.isNull() ? "null" : path.asString()) + "/" + file["name"].asString());
-  }
-  return places;
-}
-
-TEST(FolderWalk, DescribesTheFilesOfAllFolders) {
+class FolderWalk : public testing::Test {
+ protected:
   const TemporaryFolder folder;
+};
+
+TEST_F(FolderWalk, DescribesTheFilesOfAllFolders) {
   folder.makeFile("a.txt");
   folder.makeFile("sub/b.txt");
   folder.makeFile("sub/inner/c.txt");
@@ -55,15 +49,7 @@ TEST(FolderWalk, DescribesTheFilesOfAllFolders) {
               UnorderedElementsAre("null/a.txt", "sub/b.txt", "sub/inner/c.txt"));
 }
 
-TEST(FolderWalk, GivesTheSamePathsForARootWithAndWithoutASlash) {
-  const TemporaryFolder folder;
-  folder.makeFile("a.txt");
-  folder.makeFile("sub/b.txt");
-  EXPECT_EQ(walk(folder.path()), walk(folder.path() + "/"));
-}
-
-TEST(FolderWalk, KeepsTheOrderOfTheFileSystem) {
-  const TemporaryFolder folder;
+TEST_F(FolderWalk, KeepsTheOrderOfTheFileSystem) {
   for (int i = 0; i < 100; ++i) {
     folder.makeFile("file" + std::to_string(i * 7919 % 100));
   }
@@ -74,8 +60,7 @@ TEST(FolderWalk, KeepsTheOrderOfTheFileSystem) {
   EXPECT_EQ(walked, CFolderListing(folder.path()).takeNames());
 }
 
-TEST(FolderWalk, LeavesOutHiddenItemsButNotAHiddenRoot) {
-  const TemporaryFolder folder;
+TEST_F(FolderWalk, LeavesOutHiddenItemsButNotAHiddenRoot) {
   const std::string hidden = folder.makeFolder(".hidden");
   folder.makeFile(".hidden/seen.txt");
   folder.makeFile(".hidden/.file");
@@ -85,10 +70,9 @@ TEST(FolderWalk, LeavesOutHiddenItemsButNotAHiddenRoot) {
   EXPECT_THAT(placesOf(walk(hidden, folder.path() + "/")), IsEmpty());
 }
 
-TEST(FolderWalk, TakesLinksForWhatTheyLeadTo) {
+TEST_F(FolderWalk, TakesLinksForWhatTheyLeadTo) {
   const TemporaryFolder outside;
   outside.makeFile("there.txt", "1234");
-  const TemporaryFolder folder;
   folder.makeLink("folder", outside.path());
   folder.makeLink("file", outside.path() + "/there.txt");
   folder.makeLink("dangling", "nothing");
@@ -99,8 +83,7 @@ TEST(FolderWalk, TakesLinksForWhatTheyLeadTo) {
   }
 }
 
-TEST(FolderWalk, LeavesOutLinksThatLeadBackToTheirFolder) {
-  const TemporaryFolder folder;
+TEST_F(FolderWalk, LeavesOutLinksThatLeadBackToTheirFolder) {
   folder.makeFile("one/a.txt");
   folder.makeFile("two/b.txt");
   folder.makeLink("one/up", "..");
@@ -116,21 +99,18 @@ TEST(FolderWalk, LeavesOutLinksThatLeadBackToTheirFolder) {
                                 "/one/up: it leads back to a folder that holds it"));
 }
 
-TEST(FolderWalk, LeavesOutWhatIsNeitherFileNorFolder) {
-  const TemporaryFolder folder;
+TEST_F(FolderWalk, LeavesOutWhatIsNeitherFileNorFolder) {
   folder.makeFile("file");
   ASSERT_EQ(mkfifo((folder.path() + "/pipe").c_str(), 0600), 0);
   EXPECT_THAT(placesOf(walk(folder.path())), ElementsAre("null/file"));
 }
 
-TEST(FolderWalk, AddsNothingForAMissingFolderOrAFile) {
-  const TemporaryFolder folder;
+TEST_F(FolderWalk, AddsNothingForAMissingFolderOrAFile) {
   EXPECT_THAT(placesOf(walk(folder.path() + "/gone")), IsEmpty());
   EXPECT_THAT(placesOf(walk(folder.makeFile("file"))), IsEmpty());
 }
 
-TEST(FolderWalk, GoesOnBehindFoldersThatAreTooDeepForAnyPath) {
-  const TemporaryFolder folder;
+TEST_F(FolderWalk, GoesOnBehindFoldersThatAreTooDeepForAnyPath) {
   const std::string name(200, 'd');
   folder.makeFile("shallow.txt");
   const std::filesystem::path before = std::filesystem::current_path();
@@ -148,8 +128,7 @@ TEST(FolderWalk, GoesOnBehindFoldersThatAreTooDeepForAnyPath) {
   ASSERT_EQ(std::system(("rm -rf '" + folder.path() + "/" + name + "'").c_str()), 0);
 }
 
-TEST(FolderWalk, DescribesFilesInFoldersOfAnyDepth) {
-  const TemporaryFolder folder;
+TEST_F(FolderWalk, DescribesFilesInFoldersOfAnyDepth) {
   std::string deep = "d";
   for (int level = 1; level < 600; ++level) {
     deep += "/d";
@@ -160,8 +139,7 @@ TEST(FolderWalk, DescribesFilesInFoldersOfAnyDepth) {
               UnorderedElementsAre(deep + "/bottom.txt", "d/top.txt"));
 }
 
-TEST(FolderWalk, DescribesNamesThatAreNoUtf8InValidJson) {
-  const TemporaryFolder folder;
+TEST_F(FolderWalk, DescribesNamesThatAreNoUtf8InValidJson) {
   folder.makeFile("d\xE9j\xE0/vu\xFF");
   Json::Value read;
   ASSERT_TRUE(Json::Reader().parse(Json::FastWriter().write(walk(folder.path())), read));
@@ -170,8 +148,7 @@ TEST(FolderWalk, DescribesNamesThatAreNoUtf8InValidJson) {
   EXPECT_EQ(read[0]["fileURL"], "file://" + folder.path() + "/d%E9j%E0/vu%FF");
 }
 
-TEST(FolderWalk, AsksTheFileSystemOnceForEachVisibleEntry) {
-  const TemporaryFolder folder;
+TEST_F(FolderWalk, AsksTheFileSystemOnceForEachVisibleEntry) {
   for (int i = 0; i < 50; ++i) {
     folder.makeFile("sub/file" + std::to_string(i));
     folder.makeFile("sub/.hidden" + std::to_string(i));
@@ -183,25 +160,6 @@ TEST(FolderWalk, AsksTheFileSystemOnceForEachVisibleEntry) {
   EXPECT_EQ(files.size(), 100U);
   // The root, "sub", "link", and the fifty files by either way.
   EXPECT_EQ(asked, 1 + 2 + 100);
-}
-
-TEST(FolderWalk, DescribesAHundredThousandFiles) {
-  constexpr int kFolders = 100;
-  constexpr int kFilesEach = 1000;
-  const TemporaryFolder folder(TemporaryFolder::Place::kMemory);
-  for (int i = 0; i < kFolders; ++i) {
-    const std::string prefix = folder.makeFolder("folder" + std::to_string(i)) + "/file";
-    for (int j = 0; j < kFilesEach; ++j) {
-      ASSERT_EQ(mknod((prefix + std::to_string(j)).c_str(), S_IFREG | 0600, 0), 0);
-    }
-  }
-  const Json::Value files = walk(folder.path());
-  std::set<std::string> urls;
-  for (const Json::Value& file : files) {
-    urls.insert(file["fileURL"].asString());
-  }
-  EXPECT_EQ(files.size(), 100'000U);
-  EXPECT_EQ(urls.size(), 100'000U);
 }
 
 }  // namespace

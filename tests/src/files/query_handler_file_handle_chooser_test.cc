@@ -8,20 +8,23 @@
 #include "files/file_data.h"
 #include "src/fakes/fake_browser.h"
 #include "src/fakes/fake_query_callback.h"
+#include "src/fakes/fake_services.h"
 #include "src/fakes/log_capture.h"
-#include "src/files/fake_platform.h"
 #include "src/files/temporary_folder.h"
 
 namespace zantrio {
 namespace {
 
-using test::FakePlatform;
+using test::FakeServices;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 class FileHandleChooser : public testing::Test {
  protected:
-  void SetUp() override { FakePlatform::instance() = {}; }
+  FileHandleChooser() {
+    services_.reset();
+    services_.permissions = IFilePermissionsRetriever::kRead;
+  }
 
   CefRefPtr<test::FakeQueryCallback> ask(const std::string& method) {
     CefRefPtr<test::FakeQueryCallback> answer = new test::FakeQueryCallback;
@@ -62,7 +65,7 @@ class FileHandleChooser : public testing::Test {
 
   std::string urlOf(const std::string& path) const { return "file://" + path; }
 
-  FakePlatform& platform_ = FakePlatform::instance();
+  FakeServices& services_ = FakeServices::instance();
   const test::TemporaryFolder folder_;
   const test::LogCapture log_;
   const CefRefPtr<test::FakeBrowser> browser_ = new test::FakeBrowser;
@@ -92,18 +95,18 @@ TEST_F(FileHandleChooser, OffersADragHandlerOnly) {
 TEST_F(FileHandleChooser, AnswersNullForACancelledOrMissingDialog) {
   EXPECT_EQ(query("selectFiles"), "null\n");
   EXPECT_EQ(query("selectFolder"), "null\n");
-  EXPECT_THAT(platform_.shownDialogs, ElementsAre("files: Choose files", "folder: Choose folder"));
-  platform_.makesDialogs = false;
+  EXPECT_THAT(services_.calls, ElementsAre("files: Choose files", "folder: Choose folder"));
+  services_.available = false;
   EXPECT_EQ(query("selectFiles"), "null\n");
   EXPECT_EQ(query("selectFolder"), "null\n");
-  EXPECT_EQ(platform_.openDialogs, 0);
+  EXPECT_EQ(services_.openDialogs, 0);
   EXPECT_THAT(log_.lines(), testing::Each(testing::HasSubstr("Received query: ")));
 }
 
 TEST_F(FileHandleChooser, DescribesOneChosenFile) {
   const std::string path = folder_.makeFile("q/my 1.txt", "abc");
   const std::string url = urlOf(folder_.path() + "/q/my%201.txt");
-  platform_.answers = {{url}};
+  services_.choices = {{url}};
   const Json::Value answer = queryJson("selectFiles");
   ASSERT_EQ(answer["files"].size(), 1U);
   EXPECT_EQ(answer["files"][0]["fileURL"], url);
@@ -121,7 +124,7 @@ TEST_F(FileHandleChooser, NamesTheFolderThatAllChosenFilesShare) {
   const std::string one = urlOf(folder_.makeFile("a/x/1"));
   const std::string two = urlOf(folder_.makeFile("b/x/2"));
   const std::string other = urlOf(folder_.makeFile("y/3"));
-  platform_.answers = {{one, two}, {one, other, two}};
+  services_.choices = {{one, two}, {one, other, two}};
   Json::Value answer = queryJson("selectFiles");
   EXPECT_EQ(answer["directoryName"], "x");
   EXPECT_EQ(answer["summary"], "x");
@@ -132,12 +135,12 @@ TEST_F(FileHandleChooser, NamesTheFolderThatAllChosenFilesShare) {
 }
 
 TEST_F(FileHandleChooser, SkipsAChosenFileThatIsGone) {
-  platform_.answers = {{urlOf(folder_.path() + "/gone"), urlOf(folder_.makeFile("there"))}};
+  services_.choices = {{urlOf(folder_.path() + "/gone"), urlOf(folder_.makeFile("there"))}};
   EXPECT_THAT(namesOf(queryJson("selectFiles")), ElementsAre("there"));
 }
 
 TEST_F(FileHandleChooser, AnswersAnEmptyListWhenNothingWasChosen) {
-  platform_.answers = {{}, {}};
+  services_.choices = {{}, {}};
   const Json::Value answer = queryJson("selectFiles");
   EXPECT_EQ(answer["files"], Json::Value(Json::arrayValue));
   EXPECT_TRUE(answer["directoryName"].isNull());
@@ -149,29 +152,31 @@ TEST_F(FileHandleChooser, TellsOfEveryUnreadableItemAndAsksAgain) {
   const std::string good = folder_.makeFile("good");
   const std::string bad1 = folder_.makeFile("bad 1");
   const std::string bad2 = folder_.makeFile("bad2");
-  platform_.unreadablePaths = {bad1, bad2};
-  platform_.answers = {
+  services_.permissionsOf = {{bad1, IFilePermissionsRetriever::kWrite}, {bad2, 0}};
+  services_.choices = {
       {urlOf(folder_.path() + "/bad%201"), urlOf(good), urlOf(bad2)}, {urlOf(bad2)}, {urlOf(good)}};
   EXPECT_THAT(namesOf(queryJson("selectFiles")), ElementsAre("good"));
   const auto alertFor = [](const std::string& path) {
-    return "Zantrio does not have read permissions to " + path + ". Please select another item.";
+    return "alert Zantrio does not have read permissions to " + path +
+           ". Please select another item.";
   };
-  EXPECT_THAT(platform_.alerts, ElementsAre(alertFor(bad1), alertFor(bad2), alertFor(bad2)));
-  EXPECT_EQ(platform_.shownDialogs.size(), 3U);
+  const std::string ask = "files: Choose files";
+  EXPECT_THAT(services_.calls,
+              ElementsAre(ask, alertFor(bad1), alertFor(bad2), ask, alertFor(bad2), ask));
 }
 
 TEST_F(FileHandleChooser, AnswersNullWhenTheUserGivesUpOnUnreadableItems) {
   const std::string bad = folder_.makeFolder("bad");
-  platform_.unreadablePaths = {bad};
-  platform_.answers = {{urlOf(bad)}};
+  services_.permissionsOf = {{bad, 0}};
+  services_.choices = {{urlOf(bad)}};
   EXPECT_EQ(query("selectFolder"), "null\n");
-  EXPECT_EQ(platform_.alerts.size(), 1U);
+  EXPECT_EQ(services_.calls.size(), 3U);  // the dialog, an alert, and the dialog again
 }
 
 TEST_F(FileHandleChooser, WalksTheChosenFolder) {
   folder_.makeFile("Photos.2019/sub/1.jpg");
   const std::string url = urlOf(folder_.path() + "/Photos.2019");
-  platform_.answers = {{url}, {url + "/"}};
+  services_.choices = {{url}, {url + "/"}};
   Json::Value answer = queryJson("selectFolder");
   EXPECT_THAT(namesOf(answer), ElementsAre("1.jpg"));
   EXPECT_EQ(answer["files"][0]["path"], "sub");
@@ -188,7 +193,7 @@ TEST_F(FileHandleChooser, WalksTheChosenFolder) {
 }
 
 TEST_F(FileHandleChooser, AnswersAFailureWhenADialogGivesNoUrl) {
-  platform_.answers = {{"file:///a%zz"}};
+  services_.choices = {{"file:///a%zz"}};
   EXPECT_THAT(
       ask("selectFiles")->failures,
       ElementsAre(testing::StartsWith("-1 Exception caught when executing query handler: ")));

@@ -110,25 +110,16 @@ TEST(ChooseDialogsLinux, OffersFilesForOneAndFoldersForTheOther) {
   });
 }
 
-TEST(ChooseDialogsLinux, OpensWhereTheLastOneWasLeft) {
-  const TemporaryFolder folder;
-  Urls urls;
-  showFiles(urls, [&](QFileDialog& panel) {
-    panel.setDirectory(QString::fromStdString(folder.path()));
-    panel.reject();
-  });
-  showFolder(urls, [&](QFileDialog& panel) {
-    EXPECT_EQ(panel.directory().path().toStdString(), folder.path());
-    panel.reject();
-  });
-}
-
-TEST(ChooseDialogsLinux, OpensAtHomeWhenTheLastFolderIsGone) {
+TEST(ChooseDialogsLinux, OpensWhereTheLastOneWasLeftAndAtHomeWhenThatIsGone) {
   Urls urls;
   {
     const TemporaryFolder folder;
     showFiles(urls, [&](QFileDialog& panel) {
       panel.setDirectory(QString::fromStdString(folder.path()));
+      panel.reject();
+    });
+    showFolder(urls, [&](QFileDialog& panel) {
+      EXPECT_EQ(panel.directory().path().toStdString(), folder.path());
       panel.reject();
     });
   }

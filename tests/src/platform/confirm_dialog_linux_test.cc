@@ -1,5 +1,6 @@
 #include "platform/linux/confirm_dialog_linux.h"
 
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
@@ -27,17 +28,11 @@ void click(QMessageBox& question, const QString& button) {
   question.close();
 }
 
-TEST(ConfirmDialogLinux, IsTrueForYesOnly) {
+TEST(ConfirmDialogLinux, IsTrueForYesOnlyHoweverItIsAnswered) {
   EXPECT_TRUE(ask(0, [](QMessageBox& question) { click(question, "Yes"); }));
   EXPECT_FALSE(ask(0, [](QMessageBox& question) { click(question, "No"); }));
-}
-
-TEST(ConfirmDialogLinux, TakesTheKeysForYesAndNo) {
   EXPECT_TRUE(ask(0, [](QMessageBox& question) { QTest::keyClick(&question, Qt::Key_Return); }));
   EXPECT_FALSE(ask(0, [](QMessageBox& question) { QTest::keyClick(&question, Qt::Key_Escape); }));
-}
-
-TEST(ConfirmDialogLinux, CountsAClosedQuestionAsNo) {
   EXPECT_FALSE(ask(0, [](QMessageBox& question) { question.close(); }));
 }
 
@@ -65,6 +60,17 @@ TEST(ConfirmDialogLinux, LooksAsSeriousAsItsKind) {
   EXPECT_EQ(iconOf(IConfirmDialog::kPlain), QMessageBox::Information);
   EXPECT_EQ(iconOf(7), QMessageBox::Critical);
   EXPECT_EQ(iconOf(-1), QMessageBox::Critical);
+}
+
+TEST(ConfirmDialogLinux, ShowsEveryAmpersandOfTheText) {
+  const std::string text = "R" + std::string(20, '&') + "D";
+  whenModal<QMessageBox>([&text](QMessageBox& question) {
+    const auto* label = question.findChild<QLabel*>("qt_msgbox_label");
+    const int whole = label->fontMetrics().horizontalAdvance(QString::fromStdString(text));
+    EXPECT_GE(label->sizeHint().width(), whole);
+    question.close();
+  });
+  createConfirmDialog()->ask(text, 0);
 }
 
 TEST(ConfirmDialogLinux, ShowsThePlainTextWithTwoButtonsAndAnEmptyHeader) {

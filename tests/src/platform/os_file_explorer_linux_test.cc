@@ -33,24 +33,23 @@ TEST_F(OsFileExplorerLinux, AsksTheFileManagerToShowTheFolder) {
   EXPECT_EQ(opener_.waitForStarts(1), QStringList("1: https://example.test/"));
 }
 
-TEST_F(OsFileExplorerLinux, StartsTheOpenerWhenThereIsNoFileManager) {
+TEST_F(OsFileExplorerLinux, StartsTheOpenerWhenThereIsNoFileManagerOrItRefuses) {
+  const QString url = QString::fromStdString("1: file://" + folder_.path() + "/a%20b/");
   EXPECT_TRUE(createOsFileExplorer()->openFolder(folder_.makeFolder("a b")));
-  EXPECT_EQ(opener_.waitForStarts(1),
-            QStringList(QString::fromStdString("1: file://" + folder_.path() + "/a%20b/")));
-}
-
-TEST_F(OsFileExplorerLinux, StartsTheOpenerWhenTheFileManagerRefuses) {
+  EXPECT_EQ(opener_.waitForStarts(1), QStringList(url));
   test::RecordedService fileManager(kFileManager, kFileManagerPath);
   fileManager.refuse("ShowFolders");
-  EXPECT_TRUE(createOsFileExplorer()->openFolder(folder_.makeFolder("x")));
-  EXPECT_EQ(opener_.waitForStarts(1),
-            QStringList(QString::fromStdString("1: file://" + folder_.path() + "/x/")));
+  EXPECT_TRUE(createOsFileExplorer()->openFolder(folder_.path() + "/a b"));
+  EXPECT_EQ(opener_.waitForStarts(2), (QStringList{url, url}));
 }
 
-TEST_F(OsFileExplorerLinux, OpensNothingThatIsNoFolder) {
+TEST_F(OsFileExplorerLinux, OpensNothingThatIsNoFolderAndNoOpenableUrl) {
   EXPECT_FALSE(createOsFileExplorer()->openFolder(folder_.path() + "/gone"));
   EXPECT_FALSE(createOsFileExplorer()->openFolder(folder_.makeFile("program.desktop")));
   EXPECT_FALSE(createOsFileExplorer()->openFolder(""));
+  EXPECT_FALSE(createOsFileExplorer()->openURL(""));
+  EXPECT_FALSE(createOsFileExplorer()->openURL("--help"));
+  EXPECT_FALSE(createOsFileExplorer()->openURL("file:///usr/bin/true"));
   EXPECT_TRUE(createOsFileExplorer()->openURL("mailto:a@example.test"));
   EXPECT_EQ(opener_.waitForStarts(1), QStringList("1: mailto:a@example.test"));
 }
@@ -75,14 +74,6 @@ TEST_F(OsFileExplorerLinux, KeepsTheFrameworksVariablesFromOtherPrograms) {
        {"QTWEBENGINE_CHROMIUM_FLAGS", "QT_QUICK_BACKEND", "ZANTRIO_TEST_VARIABLE"}) {
     qunsetenv(variable);
   }
-}
-
-TEST_F(OsFileExplorerLinux, RefusesWhatIsNoOpenableUrl) {
-  EXPECT_FALSE(createOsFileExplorer()->openURL(""));
-  EXPECT_FALSE(createOsFileExplorer()->openURL("--help"));
-  EXPECT_FALSE(createOsFileExplorer()->openURL("file:///usr/bin/true"));
-  EXPECT_TRUE(createOsFileExplorer()->openURL("http://example.test/"));
-  EXPECT_EQ(opener_.waitForStarts(1), QStringList("1: http://example.test/"));
 }
 
 }  // namespace

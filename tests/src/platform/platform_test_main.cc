@@ -3,8 +3,8 @@
 #include <QApplication>
 #include <QStandardPaths>
 
+#include "src/fakes/server_process.h"
 #include "src/files/temporary_folder.h"
-#include "src/platform/session_bus.h"
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);

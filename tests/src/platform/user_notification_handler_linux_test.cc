@@ -17,6 +17,8 @@ const QString kServerPath = "/org/freedesktop/Notifications";
 
 class UserNotificationHandlerLinux : public testing::Test {
  protected:
+  UserNotificationHandlerLinux() { server_.answer("GetCapabilities", QStringList{"body"}); }
+
   static void show(const UserNotification& notification) {
     createUserNotificationHandler()->show(notification);
   }
@@ -30,7 +32,6 @@ class UserNotificationHandlerLinux : public testing::Test {
 };
 
 TEST_F(UserNotificationHandlerLinux, HandsOnAllFields) {
-  server_.answer("GetCapabilities", QStringList{"body"});
   show({"Fertig: gr\u00FC\u00DFe \u65E5\u672C", "2 files", "https://example.test/t/1"});
   const QDBusMessage call = server_.waitForCall("Notify");
   EXPECT_EQ(call.interface(), kServer);
@@ -51,7 +52,6 @@ TEST_F(UserNotificationHandlerLinux, HandsOnAllFields) {
 
 TEST_F(UserNotificationHandlerLinux, HandsOnTheDrawnIconWhereNoneIsInstalled) {
   ASSERT_FALSE(QIcon::hasThemeIcon("zantrio"));
-  server_.answer("GetCapabilities", QStringList{"body"});
   show({"title", "", ""});
   const auto hints = qdbus_cast<QVariantMap>(server_.waitForCall("Notify").arguments().value(6));
   const auto image = hints["image-data"].value<QDBusArgument>();
@@ -81,28 +81,23 @@ TEST_F(UserNotificationHandlerLinux, EscapesTheMessageForServersThatReadMarkup) 
 }
 
 TEST_F(UserNotificationHandlerLinux, LeavesTheMessageAsItIsForOtherServers) {
-  server_.answer("GetCapabilities", QStringList{"body"});
   EXPECT_EQ(shownMessage("<b>a</b> & b"), "<b>a</b> & b");
 }
 
 TEST_F(UserNotificationHandlerLinux, ShowsWhatNoMessageOfTheBusMayHold) {
-  server_.answer("GetCapabilities", QStringList{"body"});
   EXPECT_EQ(shownMessage(std::string("a\0b\xFF", 4)), QString::fromUtf8("a\uFFFDb\uFFFD"));
 }
 
 TEST_F(UserNotificationHandlerLinux, CutsATextWithoutMeasure) {
-  server_.answer("GetCapabilities", QStringList{"body"});
   EXPECT_EQ(shownMessage(std::string(5'000'000, 'x')).size(), 10'001);
 }
 
 TEST_F(UserNotificationHandlerLinux, NeverCutsACharacterInTwo) {
-  server_.answer("GetCapabilities", QStringList{"body"});
   const std::string kept(9'999, 'x');
   EXPECT_EQ(shownMessage(kept + "😀 and more").toStdString(), kept + "…");
 }
 
 TEST_F(UserNotificationHandlerLinux, ShowsANotificationWithoutAnyText) {
-  server_.answer("GetCapabilities", QStringList{"body"});
   show({});
   EXPECT_EQ(server_.waitForCall("Notify").arguments().value(3).toString(), "");
 }

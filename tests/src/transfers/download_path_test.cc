@@ -44,7 +44,7 @@ class DownloadPath : public testing::Test {
   // A folder whose name a URL has to encode.
   std::string makeChoice() {
     const std::string path = folder.makeFolder("my ünit 100%");
-    services.chosenFolders.push_back("file://" + folder.path() + "/my%20%C3%BCnit%20100%25/");
+    services.choices.push_back({"file://" + folder.path() + "/my%20%C3%BCnit%20100%25/"});
     return path + "/";
   }
 
@@ -70,29 +70,24 @@ TEST_F(DownloadPath, IsAskedForWhenThePageWantsTheQuestion) {
     const std::string choice = makeChoice();
     EXPECT_EQ(resolve(parameters), choice + "s");
   }
-  EXPECT_EQ(services.calls, std::vector<std::string>(3, "choose Choose a folder"));
+  const std::string choice = makeChoice();
+  EXPECT_EQ(resolve(R"({"summary":""})"), choice);
+  EXPECT_EQ(services.calls, std::vector<std::string>(4, "folder: Choose a folder"));
   EXPECT_FALSE(fs::exists(folder.path() + "/Downloads/Zantrio"));
   EXPECT_TRUE(log.lines().empty());
 }
 
-TEST_F(DownloadPath, IsTheChosenFolderItselfWithoutASummary) {
-  const std::string choice = makeChoice();
-  EXPECT_EQ(resolve(R"({"summary":""})"), choice);
-}
-
-TEST_F(DownloadPath, IsAskedForWithoutADownloadsFolderWhichIsNotMade) {
-  const std::string choice = makeChoice();
-  EXPECT_EQ(resolve(R"({"autoDownload":true,"summary":"s"})"), choice + "s");
+TEST_F(DownloadPath, IsAskedForWithoutADownloadsFolderWhichIsNotMadeOrWithoutAHomeFolder) {
+  const std::string parameters = R"({"autoDownload":true,"summary":"s"})";
+  std::string choice = makeChoice();
+  EXPECT_EQ(resolve(parameters), choice + "s");
   EXPECT_FALSE(fs::exists(folder.path() + "/Downloads"));
   EXPECT_TRUE(toldOfAutoDownload());
-}
-
-TEST_F(DownloadPath, IsAskedForWithoutAHomeFolder) {
   folder.makeFolder("Downloads");
   const ScopedHome none("");
-  const std::string choice = makeChoice();
-  EXPECT_EQ(resolve(R"({"autoDownload":true,"summary":"s"})"), choice + "s");
-  EXPECT_TRUE(toldOfAutoDownload());
+  choice = makeChoice();
+  EXPECT_EQ(resolve(parameters), choice + "s");
+  EXPECT_EQ(log.lines().size(), 2U);
 }
 
 TEST_F(DownloadPath, IsAskedForWhenTheAutomaticFolderCannotBeMade) {
@@ -106,10 +101,11 @@ TEST_F(DownloadPath, IsAskedForWhenTheAutomaticFolderCannotBeMade) {
 }
 
 TEST_F(DownloadPath, IsAskedForAgainAsLongAsTheFolderCannotBeWritten) {
-  services.readOnlyPaths = {"/a b", "/c"};
-  services.chosenFolders = {"file:///a%20b", "file:///c"};
+  services.permissionsOf = {{"/a b", IFilePermissionsRetriever::kRead},
+                            {"/c", IFilePermissionsRetriever::kRead}};
+  services.choices = {{"file:///a%20b"}, {"file:///c"}};
   EXPECT_EQ(resolve(R"({"summary":"s"})"), "none");
-  const std::string ask = "choose Choose a folder";
+  const std::string ask = "folder: Choose a folder";
   EXPECT_EQ(services.calls,
             (std::vector<std::string>{ask,
                                       "alert Zantrio does not have permissions to write to folder "
@@ -118,7 +114,7 @@ TEST_F(DownloadPath, IsAskedForAgainAsLongAsTheFolderCannotBeWritten) {
                                       "alert Zantrio does not have permissions to write to folder "
                                       "/c. Please select another folder.",
                                       ask}));
-  services.chosenFolders = {"file:///c"};
+  services.choices = {{"file:///c"}};
   const std::string choice = makeChoice();
   EXPECT_EQ(resolve(R"({"summary":"s"})"), choice + "s");
 }

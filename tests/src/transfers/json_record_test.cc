@@ -67,15 +67,11 @@ TEST(UploadFileFromJson, ReadsDetailsAndSkipsHeadersThatAreNoText) {
             (std::vector<std::pair<std::string, std::string>>{{"A", "1"}, {"B", "2"}}));
 }
 
-TEST(UploadFileFromJson, SucceedsWithoutDetails) {
+TEST(UploadFileFromJson, NeedsNoDetailsAndWidensTheUrlByteByByte) {
   CUploadManager::FileDesc file;
   EXPECT_TRUE(fromJson(json("{}"), file));
   EXPECT_EQ(file.fileId, "");
   EXPECT_TRUE(file.headers.empty());
-}
-
-TEST(UploadFileFromJson, WidensByteByByte) {
-  CUploadManager::FileDesc file;
   ASSERT_TRUE(fromJson(json(R"({"fileURL":"é"})"), file));
   ASSERT_EQ(file.fileURL.size(), 2U);
   EXPECT_EQ(file.fileURL[0] & 0xFF, 0xC3);

@@ -14,7 +14,6 @@ namespace {
 
 using test::FakeBrowser;
 using test::FakeFramework;
-using test::FakeProcessMessage;
 using test::FakeServices;
 using test::FakeTransfers;
 using zt_transfers::CDownloadManager;
@@ -158,7 +157,7 @@ TEST_F(EventRelays, UnsubscribeWhenTheyAreReleasedAndFinishWhatTheyHavePosted) {
 }
 
 TEST_F(EventRelays, TakeNoProcessMessages) {
-  EXPECT_FALSE(relays.onMessage(new FakeProcessMessage("nativeAppBridge_IPCMsg")));
+  EXPECT_FALSE(relays.onMessage(CefProcessMessage::Create("nativeAppBridge_IPCMsg")));
 }
 
 }  // namespace

@@ -22,14 +22,22 @@ bool contains(const Values& values, const Value& value) {
   return std::find(values.begin(), values.end(), value) != values.end();
 }
 
+bool answerWithItself(const Query& query) {
+  query.callback->Success(query.request);
+  return true;
+}
+
 }  // namespace
 
 TestClient::TestClient() : router_(makeRouter(kQuery)), otherRouter_(makeRouter(kOtherQuery)) {
   router_->AddHandler(this, false);
   otherRouter_->AddHandler(this, false);
-  onQuery = [](const Query& query) {
-    query.callback->Success(query.request);
-    return true;
+  onQuery = answerWithItself;
+}
+
+void TestClient::onRequest(const std::string& request, std::function<bool(const Query&)> handle) {
+  onQuery = [request, handle = std::move(handle)](const Query& query) {
+    return query.request == request ? handle(query) : answerWithItself(query);
   };
 }
 

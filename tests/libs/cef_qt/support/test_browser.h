@@ -34,6 +34,8 @@ class TestClient final : public CefClient,
 
   // True when the query was taken; by default it is answered with its own request.
   std::function<bool(const Query&)> onQuery;
+  // Lets `handle` deal with this request; the others are answered with themselves.
+  void onRequest(const std::string& request, std::function<bool(const Query&)> handle);
   std::function<bool(CefRefPtr<CefProcessMessage>)> dropMessage = [](auto) { return false; };
   std::function<bool(JSDialogType, const CefString&, const CefString&,
                      CefRefPtr<CefJSDialogCallback>)>

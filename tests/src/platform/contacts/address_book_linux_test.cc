@@ -98,8 +98,9 @@ class AddressBookLinux : public testing::Test {
   ContactsSession session;
 };
 
-TEST_F(AddressBookLinux, SearchesAllEnabledBooks) {
-  session.add("friends", person("1", "Ann", "Lee", {"ann@example.org"}));
+TEST_F(AddressBookLinux, SearchesAllEnabledBooksInEveryScript) {
+  session.add("friends", person("1", "Ann", "Lee", {"ann@example.org"}) +
+                             person("2", "太郎", "Каренина", {"taro@例え.jp"}));
   session.add("work", person("1", "Anna", "Berg", {"anna@example.org"}));
   session.add("hidden", person("1", "Anneli", "Hidden", {"anneli@example.org"}));
   const auto book = openBook();
@@ -108,17 +109,9 @@ TEST_F(AddressBookLinux, SearchesAllEnabledBooks) {
   EXPECT_EQ(search(*book, "berg"), (ContactEntries{{"Anna", "Berg", "anna@example.org"}}));
   EXPECT_EQ(search(*book, "ANN@EX"), (ContactEntries{{"Ann", "Lee", "ann@example.org"}}));
   EXPECT_EQ(search(*book, "nobody"), ContactEntries{});
-}
-
-TEST_F(AddressBookLinux, FindsNamesInEveryScriptWhateverTheirCase) {
-  session.add("friends", person("1", "Анна", "Каренина") + person("2", "Ólafur", "Straße") +
-                             person("3", "太郎", "山田", {"taro@例え.jp"}));
-  const auto book = openBook();
-  EXPECT_EQ(search(*book, "аННА"), (ContactEntries{{"Анна", "Каренина", ""}}));
-  EXPECT_EQ(search(*book, "óLAF"), (ContactEntries{{"Ólafur", "Straße", ""}}));
-  EXPECT_EQ(search(*book, "STRASSE"), (ContactEntries{{"Ólafur", "Straße", ""}}));
-  EXPECT_EQ(search(*book, "山"), (ContactEntries{{"太郎", "山田", "taro@例え.jp"}}));
-  EXPECT_EQ(search(*book, "例え"), (ContactEntries{{"太郎", "山田", "taro@例え.jp"}}));
+  for (const char* query : {"КАРЕ", "太", "例え"}) {
+    EXPECT_EQ(search(*book, query), (ContactEntries{{"太郎", "Каренина", "taro@例え.jp"}}));
+  }
 }
 
 TEST_F(AddressBookLinux, GivesAnEntryForEachAddress) {
@@ -195,13 +188,9 @@ TEST_F(AddressBookLinux, OpensTheBooksAgainAfterTheirServerHasCrashed) {
   EXPECT_TRUE(comesTrue([&] { return search(*book, "ann").size() == 2; }));
 }
 
-TEST(AddressBookLinuxWithoutServer, CannotBeHad) {
-  const ContactsSession session(ContactsSession::Services::kNone);
-  EXPECT_THROW(CAddressBookLinux(), IAddressBook::CAddressBookObtainError);
-}
-
-TEST(AddressBookLinuxWithoutServer, CannotBeHadWithoutASessionBus) {
+TEST(AddressBookLinuxWithoutServer, CannotBeHadWithOrWithoutASessionBus) {
   ContactsSession session(ContactsSession::Services::kNone);
+  EXPECT_THROW(CAddressBookLinux(), IAddressBook::CAddressBookObtainError);
   session.endBus();
   EXPECT_THROW(CAddressBookLinux(), IAddressBook::CAddressBookObtainError);
 }

@@ -99,23 +99,12 @@ void ContactsSession::startBus(Services services) {
                       "</servicedir><policy context=\"default\">"
                       "<allow send_destination=\"*\" eavesdrop=\"true\"/>"
                       "<allow eavesdrop=\"true\"/><allow own=\"*\"/></policy></busconfig>");
-  Poco::Pipe output;
-  bus_ = std::make_unique<Poco::ProcessHandle>(Poco::Process::launch(
-      "dbus-daemon", {"--config-file=" + config, "--nofork", "--print-address=1"}, nullptr, &output,
-      nullptr));
-  Poco::PipeInputStream stream(output);
-  std::string address;
-  if (!std::getline(stream, address)) {
-    throw std::runtime_error("dbus-daemon does not start");
-  }
-  Poco::Environment::set("DBUS_SESSION_BUS_ADDRESS", address);
+  bus_ = std::make_unique<SessionBus>("--config-file=" + config);
 }
 
 void ContactsSession::endBus() {
   if (bus_) {
     const std::vector<int> services = servicesWithHome(folder_.path());
-    kill(bus_->id(), SIGTERM);
-    bus_->wait();
     bus_.reset();
     // Most end with their bus.
     for (const int service : services) {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "src/fakes/server_process.h"
 #include "src/files/temporary_folder.h"
 
 namespace zantrio::test {
@@ -39,7 +40,7 @@ class ContactsSession {
   void runTool(const Poco::Process::Args& arguments, const std::string& input) const;
 
   TemporaryFolder folder_;
-  std::unique_ptr<Poco::ProcessHandle> bus_;
+  std::unique_ptr<SessionBus> bus_;
 };
 
 }  // namespace zantrio::test

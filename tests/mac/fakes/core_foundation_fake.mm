@@ -45,13 +45,16 @@ NSString* decoded(const UInt8* bytes, CFIndex length, CFStringEncoding encoding)
 }
 
 void recordDialog(const char* function, CFTimeInterval timeout, CFOptionFlags flags,
-                  CFStringRef header, CFStringRef message) {
+                  CFStringRef header, CFStringRef message, CFStringRef defaultButton,
+                  bool hasOtherParts) {
   CoreFoundationFake& fake = coreFoundation();
   recordCall(function);
   fake.timeout = timeout;
   fake.flags = flags;
   fake.header = textOf(header);
   fake.message = textOf(message);
+  fake.defaultButton = textOf(defaultButton);
+  fake.hasOtherParts = hasOtherParts;
 }
 
 }  // namespace
@@ -145,11 +148,9 @@ SInt32 CFUserNotificationDisplayNotice(CFTimeInterval timeout, CFOptionFlags fla
                                        CFURLRef iconURL, CFURLRef soundURL,
                                        CFURLRef localizationURL, CFStringRef alertHeader,
                                        CFStringRef alertMessage, CFStringRef defaultButtonTitle) {
-  recordDialog("CFUserNotificationDisplayNotice", timeout, flags, alertHeader, alertMessage);
-  CoreFoundationFake& fake = coreFoundation();
-  fake.defaultButton = textOf(defaultButtonTitle);
-  fake.hasOtherParts = iconURL || soundURL || localizationURL;
-  return fake.displayResult;
+  recordDialog("CFUserNotificationDisplayNotice", timeout, flags, alertHeader, alertMessage,
+               defaultButtonTitle, iconURL || soundURL || localizationURL);
+  return coreFoundation().displayResult;
 }
 
 SInt32 CFUserNotificationDisplayAlert(CFTimeInterval timeout, CFOptionFlags flags, CFURLRef iconURL,
@@ -158,11 +159,10 @@ SInt32 CFUserNotificationDisplayAlert(CFTimeInterval timeout, CFOptionFlags flag
                                       CFStringRef defaultButtonTitle,
                                       CFStringRef alternateButtonTitle,
                                       CFStringRef otherButtonTitle, CFOptionFlags* responseFlags) {
-  recordDialog("CFUserNotificationDisplayAlert", timeout, flags, alertHeader, alertMessage);
+  recordDialog("CFUserNotificationDisplayAlert", timeout, flags, alertHeader, alertMessage,
+               defaultButtonTitle, iconURL || soundURL || localizationURL || otherButtonTitle);
   CoreFoundationFake& fake = coreFoundation();
-  fake.defaultButton = textOf(defaultButtonTitle);
   fake.alternateButton = textOf(alternateButtonTitle);
-  fake.hasOtherParts = iconURL || soundURL || localizationURL || otherButtonTitle;
   if (fake.answers) {
     *responseFlags = fake.response;
   }

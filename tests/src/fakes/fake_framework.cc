@@ -106,35 +106,6 @@ bool FakeRouter::AddHandler(Handler* handler, bool first) {
   return true;
 }
 
-bool FakeRouter::RemoveHandler(Handler* handler) {
-  return std::erase(handlers, handler) > 0;
-}
-
-void FakeRouter::CancelPending(CefRefPtr<CefBrowser> /*browser*/, Handler* /*handler*/) {}
-
-int FakeRouter::GetPendingCount(CefRefPtr<CefBrowser> /*browser*/, Handler* /*handler*/) {
-  return 0;
-}
-
-void FakeRouter::OnBeforeClose(CefRefPtr<CefBrowser> /*browser*/) {
-  ++closed;
-}
-
-void FakeRouter::OnRenderProcessTerminated(CefRefPtr<CefBrowser> /*browser*/) {
-  ++terminated;
-}
-
-void FakeRouter::OnBeforeBrowse(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> /*frame*/) {
-  ++browsed;
-}
-
-bool FakeRouter::OnProcessMessageReceived(CefRefPtr<CefBrowser> /*browser*/,
-                                          CefRefPtr<CefFrame> /*frame*/, CefProcessId /*source*/,
-                                          CefRefPtr<CefProcessMessage> /*message*/) {
-  ++messages;
-  return handlesMessages;
-}
-
 }  // namespace zantrio::test
 
 using zantrio::test::FakeFramework;

@@ -73,15 +73,22 @@ class FakeRouter : public CefMessageRouterBrowserSide {
   explicit FakeRouter(const CefMessageRouterConfig& config) : config_(config) {}
 
   bool AddHandler(Handler* handler, bool first) override;
-  bool RemoveHandler(Handler* handler) override;
-  void CancelPending(CefRefPtr<CefBrowser> browser, Handler* handler) override;
-  int GetPendingCount(CefRefPtr<CefBrowser> browser, Handler* handler) override;
-  void OnBeforeClose(CefRefPtr<CefBrowser> browser) override;
-  void OnRenderProcessTerminated(CefRefPtr<CefBrowser> browser) override;
-  void OnBeforeBrowse(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame) override;
-  bool OnProcessMessageReceived(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
-                                CefProcessId source_process,
-                                CefRefPtr<CefProcessMessage> message) override;
+  bool RemoveHandler(Handler* handler) override { return std::erase(handlers, handler) > 0; }
+  void CancelPending(CefRefPtr<CefBrowser> /*browser*/, Handler* /*handler*/) override {}
+  int GetPendingCount(CefRefPtr<CefBrowser> /*browser*/, Handler* /*handler*/) override {
+    return 0;
+  }
+  void OnBeforeClose(CefRefPtr<CefBrowser> /*browser*/) override { ++closed; }
+  void OnRenderProcessTerminated(CefRefPtr<CefBrowser> /*browser*/) override { ++terminated; }
+  void OnBeforeBrowse(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> /*frame*/) override {
+    ++browsed;
+  }
+  bool OnProcessMessageReceived(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> /*frame*/,
+                                CefProcessId /*source*/,
+                                CefRefPtr<CefProcessMessage> /*message*/) override {
+    ++messages;
+    return handlesMessages;
+  }
 
   const CefMessageRouterConfig& config() const { return config_; }
 

@@ -18,7 +18,7 @@ class InterpretedKeysTest : public testing::Test {
     SystemEvent event;
     event.kind = EventKind::kKeyDown;
     event.keyCode = 14;
-    event.characters = u"e";
+    event.characters.assign(1, u'e');
     view_.host->lines.clear();
     presses_.press(event, interpret);
     return view_.host->lines;

@@ -94,7 +94,10 @@ void CDownloadRunner::discard(const DiscardOrder& order) {
   pool_.post([order, &observer = observer_] {
     AttemptOutcome outcome = AttemptOutcome::done();
     try {
-      CPartialFile::remove(order.leftover.folder, order.leftover.resume.download());
+      CPartialPlace::remove(order.leftover.folder, order.leftover.resume.download());
+    } catch (const CPartialFileInUse&) {
+      // By an attempt that ends and removes it, or by one that has taken it over.
+      outcome = AttemptOutcome::retry("", failure::kDiskTrouble);
     } catch (const std::exception& error) {
       outcome = judgeFileTrouble(error);
     }

@@ -59,18 +59,6 @@ void beginWriteback(int file, std::uint64_t begin, std::uint64_t end) {
 
 }  // namespace
 
-void CPartialFile::remove(const std::string& groupFolder, const DownloadResume& resume) {
-  const TargetPath path = parseTargetPath(resume.partialPath);
-  const CUniqueFd folder =
-      openTargetFolder(groupFolder, path.folders, MissingFolders::kFail).folder;
-  struct stat status {};
-  const bool isIt = ::fstatat(folder.get(), path.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
-                    status.st_ino == resume.inode;
-  if (isIt && ::unlinkat(folder.get(), path.name.c_str(), 0) != 0) {
-    fail("cannot remove it");
-  }
-}
-
 CPartialFile::~CPartialFile() {
   // Nothing worth keeping is in an empty one.
   if (discarded_ || resume_.written.empty()) {

@@ -32,9 +32,6 @@ class CPartialFile {
   };
   enum class Found { kNothing, kPartial, kLanded };
 
-  // Removes what is left of an earlier attempt.
-  static void remove(const std::string& groupFolder, const DownloadResume& resume);
-
   explicit CPartialFile(Plan plan)
       : plan_(std::move(plan)), place_(plan_.folder, plan_.target, plan_.key) {}
   ~CPartialFile();

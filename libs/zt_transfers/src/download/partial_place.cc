@@ -56,6 +56,29 @@ bool lock(int file) {
 
 }  // namespace
 
+// Who has taken over the file since holds its lock.
+void CPartialPlace::remove(const std::string& groupFolder, const DownloadResume& resume) {
+  const TargetPath path = parseTargetPath(resume.partialPath);
+  const CUniqueFd folder =
+      openTargetFolder(groupFolder, path.folders, MissingFolders::kFail).folder;
+  const CUniqueFd file(::openat(folder.get(), path.name.c_str(), kOpenPartial));
+  if (!file.valid()) {
+    if (errno == ENOENT || errno == ELOOP) {
+      return;
+    }
+    fail("cannot open it");
+  }
+  if (statusOf(file.get()).st_ino != resume.inode) {
+    return;
+  }
+  if (!tryLock(file.get()) && errno == EWOULDBLOCK) {
+    throw CPartialFileInUse("a download is at it");
+  }
+  if (::unlinkat(folder.get(), path.name.c_str(), 0) != 0 && errno != ENOENT) {
+    fail("cannot remove it");
+  }
+}
+
 bool CPartialPlace::openFolder(MissingFolders missing) {
   if (folder_.valid()) {
     return true;
@@ -152,7 +175,7 @@ bool CPartialPlace::hasLanded(const DownloadResume& resume) const {
 
 std::string CPartialPlace::publish() {
   if (!isThere(name_, inode_)) {
-    errno = ENOENT;
+    errno = ESTALE;
     fail("the partial file was replaced");
   }
   std::string name = zt_transfers::publish(folder_.get(), name_, target_.name);

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <cstdint>
+#include <stdexcept>
 #include <string>
 
 #include "download/target_folder.h"
@@ -11,6 +12,12 @@
 #include "os/unique_fd.h"
 
 namespace zt_transfers {
+
+// An attempt is at it.
+class CPartialFileInUse : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
 
 // Where a partial file lies: its folder, which stays open, and its hidden name there until it gets
 // the final one. A file that has taken the name meanwhile is not touched.
@@ -21,6 +28,9 @@ class CPartialPlace {
   // `key` names this file of this group, and no other.
   CPartialPlace(std::string groupFolder, TargetPath target, std::string key)
       : groupFolder_(std::move(groupFolder)), target_(std::move(target)), key_(std::move(key)) {}
+
+  // Removes what is left of an earlier attempt, if it is there. CPartialFileInUse: not now.
+  static void remove(const std::string& groupFolder, const DownloadResume& resume);
 
   // False when it is not there, and was not to be made.
   bool openFolder(MissingFolders missing);

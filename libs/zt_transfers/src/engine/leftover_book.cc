@@ -37,6 +37,27 @@ void CLeftoverBook::add(Leftover leftover) {
   entries_.emplace(last_, Entry{std::move(leftover)});
 }
 
+void CLeftoverBook::addOnce(Leftover leftover) {
+  const bool known = std::any_of(entries_.begin(), entries_.end(), [&](const auto& entry) {
+    return sameThing(leftover, entry.second.leftover);
+  });
+  if (!known) {
+    add(std::move(leftover));
+  }
+}
+
+void CLeftoverBook::forget(const Leftover& used) {
+  for (auto entry = entries_.begin(); entry != entries_.end();) {
+    if (sameThing(used, entry->second.leftover)) {
+      waiting_.erase(std::remove(waiting_.begin(), waiting_.end(), entry->first), waiting_.end());
+      store_.removeLeftover(entry->first);
+      entry = entries_.erase(entry);
+    } else {
+      ++entry;
+    }
+  }
+}
+
 std::vector<DiscardOrder> CLeftoverBook::takeDue() {
   std::vector<DiscardOrder> due;
   if (notBefore_ > clock_.now()) {
@@ -65,9 +86,8 @@ std::string CLeftoverBook::settle(LeftoverId id, const AttemptOutcome& outcome) 
   if (outcome.kind == AttemptOutcome::Kind::kRetry && !old) {
     rest(outcome);
     waiting_.push_back(id);
-    return std::exchange(found->second.failedBefore, true)
-               ? ""
-               : "Cannot discard " + text + " now, it is tried again: " + outcome.reason;
+    const bool known = std::exchange(found->second.failedBefore, true) || outcome.reason.empty();
+    return known ? "" : "Cannot discard " + text + " now, it is tried again: " + outcome.reason;
   }
   if (done) {
     troubles_ = 0;
@@ -76,6 +96,19 @@ std::string CLeftoverBook::settle(LeftoverId id, const AttemptOutcome& outcome) 
   entries_.erase(found);
   return done ? "Discarded " + text
               : "Cannot discard " + text + ", and tries no more: " + outcome.reason;
+}
+
+// A download's new attempt takes over the partial file that an earlier one has left.
+bool CLeftoverBook::sameThing(const Leftover& one, const Leftover& other) {
+  if (!one.resume.begun() || one.resume.isUpload() != other.resume.isUpload()) {
+    return false;
+  }
+  if (one.resume.isUpload()) {
+    return one.resume.upload().uploadId == other.resume.upload().uploadId &&
+           one.resume.upload().url == other.resume.upload().url;
+  }
+  return one.folder == other.folder &&
+         one.resume.download().partialPath == other.resume.download().partialPath;
 }
 
 // Failures during a rest were under way when it began and do not lengthen it.

@@ -35,8 +35,12 @@ class CLeftoverBook {
 
   // Takes the place of all there are.
   void restore(std::vector<std::pair<LeftoverId, Leftover>> kept);
-  // Nothing begun is left out.
+  // What was not begun is left out.
   void add(Leftover leftover);
+  // The same, unless it is there already.
+  void addOnce(Leftover leftover);
+  // A file goes on with this after all.
+  void forget(const Leftover& used);
   // The next ones, which are under way from here on.
   std::vector<DiscardOrder> takeDue();
   // When there may be more, unless something else happens before.
@@ -52,6 +56,7 @@ class CLeftoverBook {
     bool failedBefore = false;
   };
 
+  static bool sameThing(const Leftover& one, const Leftover& other);
   void rest(const AttemptOutcome& outcome);
 
   const IClock& clock_;

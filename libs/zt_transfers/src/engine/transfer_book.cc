@@ -193,6 +193,19 @@ void CTransferBook::end(const Job& job, CTransferGroup& group, Rest rest) {
 
 void CTransferBook::keepRest(const Job& job, CTransferGroup& group, const TransferResume& resume) {
   resumes_.keep(group, job.file.index, resume);
+  save(job, group, resume);
+}
+
+void CTransferBook::keepResume(const Job& job) {
+  if (const CTransferGroup* group = find(job.file.groupId)) {
+    save(job, *group, job.progress->resume());
+  }
+}
+
+// What is gone on with is not left behind, though it may have been once.
+void CTransferBook::save(const Job& job, const CTransferGroup& group,
+                         const TransferResume& resume) {
+  leftovers_.forget({bytesOf(group.identity().folder), resume});
   store_.saveResume(job.file, resume);
 }
 
@@ -210,8 +223,8 @@ void CTransferBook::stop(JobId id, CTransferGroup& group, Rest rest) {
   stops_.push_back(std::move(stop));
   if (rest == Rest::kKeep) {
     keepRest(job, group, leftover.resume);
-  } else if (leftover.resume.isUpload()) {
-    // A partial file goes with its attempt, but a session has to be told to the server.
+  } else {
+    // An attempt removes its partial file itself, if nothing comes in between.
     leftovers_.add(std::move(leftover));
   }
   leave(job, group);
@@ -220,7 +233,7 @@ void CTransferBook::stop(JobId id, CTransferGroup& group, Rest rest) {
 void CTransferBook::dropStops() {
   for (const AttemptStop& stop : takeStops()) {
     if (stop.discard && !stop.progress->resume().isUpload()) {
-      leftovers_.add(stop.leftover());
+      leftovers_.addOnce(stop.leftover());
     }
   }
 }

@@ -60,6 +60,8 @@ class CTransferBook {
   const CJobTable& jobs() const { return jobs_; }
   // The order to begin a file, which runs from here on.
   StartOrder begin(CTransferGroup& group, std::uint32_t index, FileSpec spec);
+  // What the attempt would leave now.
+  void keepResume(const Job& job);
   // The attempt has ended.
   void end(const Job& job, CTransferGroup& group, Rest rest);
   // Stops what uses the network of the group, or everything; its files go on to `then`.
@@ -81,6 +83,7 @@ class CTransferBook {
   void restore(RestoredGroup& restored, bool needsMark);
   void stop(JobId id, CTransferGroup& group, Rest rest);
   void keepRest(const Job& job, CTransferGroup& group, const TransferResume& resume);
+  void save(const Job& job, const CTransferGroup& group, const TransferResume& resume);
   void leave(const Job& job, CTransferGroup& group);
 
   const std::string activity_;

@@ -284,7 +284,7 @@ bool CTransferEngine::onAttemptCheckpoint(JobId id) {
 bool CTransferEngine::keepResume(JobId id) {
   const Job* job = book_.jobs().find(id);
   if (job != nullptr) {
-    store_.saveResume(job->file, job->progress->resume());
+    book_.keepResume(*job);
   }
   return job != nullptr;
 }
@@ -315,7 +315,7 @@ void CTransferEngine::keepDurably(const std::vector<JobId>& jobs) {
 void CTransferEngine::onLeftBehind(Leftover leftover) {
   {
     const std::lock_guard lock(mutex_);
-    book_.leftovers().add(std::move(leftover));
+    book_.leftovers().addOnce(std::move(leftover));
   }
   wake_();
 }

@@ -1,11 +1,14 @@
 #include "download/download_runner.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 
 #include <future>
 #include <utility>
 
+#include "os/unique_fd.h"
 #include "sandbox.h"
 
 namespace zt_transfers::test {
@@ -74,6 +77,21 @@ TEST_F(DownloadRunner, ClearsAwayWhatAnAttemptHasLeftThatEndedJustBeforeItWasSto
   EXPECT_EQ(discard(observer.left[0]), AttemptOutcome::Kind::kDone);
   observer.left[0].folder += "/missing";  // a disk that is not mounted
   EXPECT_EQ(discard(observer.left[0]), AttemptOutcome::Kind::kRetry);
+}
+
+TEST_F(DownloadRunner, ClearsAwayNothingThatIsInUseOrAnotherFile) {
+  const Leftover leftover = stopOfEnded(".a.part").leftover();
+  const auto path = sandbox.folder() / ".a.part";
+  {
+    const CUniqueFd attempt(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    ASSERT_EQ(::flock(attempt.get(), LOCK_EX | LOCK_NB), 0);
+    EXPECT_EQ(discard(leftover), AttemptOutcome::Kind::kRetry);
+  }
+  EXPECT_TRUE(std::filesystem::exists(path));
+  std::filesystem::rename(path, sandbox.folder() / "published");
+  sandbox.file(".a.part", "of another attempt");
+  EXPECT_EQ(discard(leftover), AttemptOutcome::Kind::kDone);
+  EXPECT_TRUE(std::filesystem::exists(path));
 }
 
 }  // namespace

@@ -333,8 +333,25 @@ TEST_F(TransferEngine, DiscardsAfterTheNextStartWhatACancelJustBeforeTheEndHasLe
   engine.start();
   const auto discards = engine.takeWork().discards;
   ASSERT_EQ(discards.size(), 2U);
-  EXPECT_EQ(discards[0].leftover.resume, TransferResume(sessionOf("id")));
-  EXPECT_EQ(discards[1].leftover.resume, halfOfAFile());
+  EXPECT_EQ(discards[0].leftover.resume, halfOfAFile());
+  EXPECT_EQ(discards[1].leftover.resume, TransferResume(sessionOf("id")));
+}
+
+TEST_F(TransferEngine, LeavesAloneWhatANewAttemptForTheSameFileHasTakenOver) {
+  const auto group = groupOf(1);
+  engine.start();
+  const auto order = starts().at(0);
+  order.progress->setResume(halfOfAFile());
+  engine.onAttemptDone(order.job, AttemptOutcome::final("x"));
+  engine.dequeueFiles(group, {order.spec.fileId});
+  engine.onDiscarded(engine.takeWork().discards.at(0).id, AttemptOutcome::retry("disk gone"));
+  engine.queueFiles(group, {order.spec});
+  const auto next = starts().at(0);
+  EXPECT_FALSE(next.resume.begun());
+  next.progress->setResume(halfOfAFile());
+  engine.onAttemptCheckpoint(next.job);
+  clock.pass(std::chrono::hours(1));
+  EXPECT_TRUE(engine.takeWork().discards.empty());
 }
 
 TEST_F(TransferEngine, DiscardsAFewAtATimeAndRestsAfterAFailureUntilItGivesUp) {

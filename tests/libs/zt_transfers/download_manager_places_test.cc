@@ -183,6 +183,21 @@ TEST_F(DownloadPlaces, SaysWhyAFileCouldNotBeWrittenAndGoesOnWhenItCan) {
   EXPECT_EQ(contentOf(target / "file"), content);
 }
 
+TEST_F(DownloadPlaces, LeavesNothingOfASmallFileThatCouldOnlyBeBegun) {
+  std::int32_t group = -1;
+  {
+    const CFileSizeLimit limit(150'000);
+    group = downloadAll({offer("file", patternOf(200'000))});
+  }
+  EXPECT_EQ(recorder.file("file").state, kFileErrored);
+  ASSERT_EQ(namesThere().size(), 1U);
+  EXPECT_EQ(namesThere()[0].front(), '.');
+  manager.cancelGroup(group);
+  downloadAll({offer("last", "x")});
+  manager.shutdown();
+  EXPECT_THAT(namesThere(), ElementsAre("last"));
+}
+
 // A disk of its own with this much room.
 class CSmallDisk {
  public:

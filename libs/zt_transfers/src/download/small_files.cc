@@ -17,13 +17,16 @@ constexpr std::size_t kMostFiles = 4 * kMd5Lanes;
 constexpr std::size_t kMostBytes = kMd5Lanes * CChunkPool::kLargest;
 constexpr std::chrono::milliseconds kGatherLimit{2};
 
-std::optional<AttemptOutcome> write(const CSmallFiles::Arrived& file) {
-  return troubleOf([&] {
-    file.landing.file->restart(file.validator, file.size);
+void write(CSmallFiles::Arrived& file) {
+  CPartialFile& partial = *file.landing.file;
+  file.trouble = troubleOf([&] {
+    partial.restart(file.validator, file.size);
     if (file.content.size != 0) {
-      file.landing.file->write(0, file.content.data.get(), file.content.size);
+      partial.write(0, file.content.data.get(), file.content.size);
     }
   });
+  // Also of what could only be begun, so that it is found again.
+  file.landing.progress->setResume(partial.resume());
 }
 
 }  // namespace
@@ -61,7 +64,7 @@ void CSmallFiles::begin() {
 void CSmallFiles::finish(Batch batch) {
   std::vector<std::string_view> contents;
   for (Arrived& file : batch) {
-    file.trouble = write(file);
+    write(file);
     contents.emplace_back(file.content.data.get(), file.content.size);
   }
   std::vector<std::string> digests = CMd5::ofEach(contents);

@@ -1,9 +1,11 @@
 #include "download/small_files.h"
 
+#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <numeric>
 #include <string_view>
+#include <utility>
 
 #include "download/check_content.h"
 #include "download/file_trouble.h"
@@ -27,6 +29,21 @@ void write(CSmallFiles::Arrived& file) {
   });
   // Also of what could only be begun, so that it is found again.
   file.landing.progress->setResume(partial.resume());
+}
+
+void hashAll(std::vector<CSmallFiles::Arrived>& files) {
+  std::vector<CPartialFile*> hashed;
+  std::vector<std::string_view> contents;
+  for (const CSmallFiles::Arrived& file : files) {
+    if (!file.trouble && file.landing.file->hashes()) {
+      hashed.push_back(file.landing.file.get());
+      contents.emplace_back(file.content.data.get(), file.content.size);
+    }
+  }
+  std::vector<std::string> digests = CMd5::ofEach(contents);
+  for (std::size_t at = 0; at < hashed.size(); ++at) {
+    hashed[at]->setDigest(std::move(digests[at]));
+  }
 }
 
 }  // namespace
@@ -62,19 +79,19 @@ void CSmallFiles::begin() {
 }
 
 void CSmallFiles::finish(Batch batch) {
-  std::vector<std::string_view> contents;
+  // Nobody is told of those that were discarded.
+  batch.erase(std::remove_if(batch.begin(), batch.end(),
+                             [](const Arrived& file) { return file.landing.file->discarded(); }),
+              batch.end());
   for (Arrived& file : batch) {
     write(file);
-    contents.emplace_back(file.content.data.get(), file.content.size);
   }
-  std::vector<std::string> digests = CMd5::ofEach(contents);
+  hashAll(batch);
   std::vector<AttemptEnd> failed;
   std::vector<CLander::Arrival> landing;
-  for (std::size_t at = 0; at < batch.size(); ++at) {
-    Arrived& file = batch[at];
+  for (Arrived& file : batch) {
     chunks_.giveBack(std::move(file.content));
     if (!file.trouble) {
-      file.landing.file->setDigest(std::move(digests[at]));
       file.trouble = checkContent(*file.landing.file, *file.landing.progress, file.size);
     }
     if (file.trouble) {

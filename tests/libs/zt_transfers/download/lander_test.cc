@@ -9,11 +9,13 @@
 #include <atomic>
 #include <cerrno>
 #include <filesystem>
+#include <future>
 #include <memory>
 #include <thread>
 #include <vector>
 
 #include "download/file_trouble.h"
+#include "download/small_files.h"
 #include "download/target_folder.h"
 #include "sandbox.h"
 
@@ -114,6 +116,28 @@ TEST_F(Landing, NamesNoFileTwiceWhenItsFolderCannotBeSynced) {
   EXPECT_EQ(again->resume(), rest);  // for the next attempt
   EXPECT_EQ(newFile("file")->reopen(rest), CPartialFile::Found::kLanded);
   EXPECT_THAT(names(), ElementsAre("file"));
+}
+
+TEST_F(Landing, MakesNoSmallFileThatWasDiscardedMeanwhile) {
+  CLander lander({.synced = [](const auto&) {}, .landed = keepEnds()});
+  CWorkerPool pool("zt-disk-test");
+  CChunkPool chunks;
+  CSmallFiles small(pool, lander, chunks, keepEnds());
+  const auto progress = std::make_shared<JobProgress>();
+  const auto file = newFile("folder/file");
+  small.add({.landing = {1, file, progress}, .validator = {}, .content = {}}, TimePoint{});
+  small.add({.landing = {2, newFile("other"), progress}, .validator = {}, .content = {}},
+            TimePoint{});
+  file->discard();
+  pool.start(1);
+  EXPECT_EQ(small.turn(TimePoint::max()), std::nullopt);
+  std::promise<void> through;
+  pool.post([&through] { through.set_value(); });
+  through.get_future().wait();
+  pool.stop();
+  EXPECT_THAT(names(), ElementsAre("other"));
+  ASSERT_EQ(ends.size(), 1U);
+  EXPECT_EQ(ends[0].job, 2U);
 }
 
 TEST_F(Landing, FindsAFileOfUnknownSizeUnderItsNameAfterACrash) {

@@ -268,8 +268,14 @@ TEST_F(UploadFaults, GoesOnByItselfOnceAServerThatWentAwayIsBack) {
   gone->planForAll(fault::stall());
   auto file = describe("file", "content");
   file.url = gone->url("/file");
-  const auto group = upload({file});
+  server.plan("/slow", {fault::slow(4'000'000)});
+  const auto group = upload({file, describe("slow", patternOf(1'500'000))});
   ASSERT_TRUE(gone->waitForRequests(1));
+  // By then it was told how far the other file is, too.
+  ASSERT_TRUE(recorder.waitForFileState("slow", kFileCompleted));
+  for (const auto& shot : recorder.filesOf("file")) {
+    EXPECT_EQ(shot.bytesTransferred, 0U);
+  }
   gone.reset();
   // Longer than the first wait.
   ASSERT_TRUE(waitForLog("until it can go on"));

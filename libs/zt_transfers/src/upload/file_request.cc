@@ -87,12 +87,7 @@ std::string_view CFileRequest::takeAll() {
   if (tools_.loop.throttle().limited()) {
     return {};
   }
-  const std::string_view content = source_->takeAll();
-  if (!content.empty()) {
-    sent_ = content.size();
-    listener_.onRequestMoved(*this);
-  }
-  return content;
+  return source_->takeAll();
 }
 
 bool CFileRequest::rewind() {
@@ -106,6 +101,10 @@ bool CFileRequest::rewind() {
 
 void CFileRequest::onAnswer(const HttpAnswer& answer) {
   if (!place_.follow(answer, tools_.log)) {
+    if (answer.code == CURLE_OK) {
+      sent_ = answer.bytesSent;  // what was taken as a whole was not counted before
+      listener_.onRequestMoved(*this);
+    }
     listener_.onRequestAnswered(*this, answer);
     return;
   }

@@ -58,6 +58,7 @@ class CFileRequest final : public CUploadSource::IListener,
   // Whether a file of this size is not read.
   bool onlyLooks(std::uint64_t size) const { return size >= order_.source.onlyLookFrom; }
   std::uint64_t size() const { return size_; }  // of the body, once it is open
+  // Bytes of it; a small body, which goes out with the head, counts once it was answered.
   std::uint64_t sent() const { return sent_; }
   // Of what was sent, once it was answered; empty when not asked for.
   const std::string& md5() const { return source_->md5(); }

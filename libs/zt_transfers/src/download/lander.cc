@@ -93,6 +93,7 @@ void CLander::settleAll(Batch& batch) {
       return other.syncedAll && other.file->sameFileSystem(*landing->file);
     });
     tryStep(*landing, [&] { landing->syncedAll = !synced && landing->file->syncFileSystem(); });
+    tryStep(*landing, [&] { landing->file->checkWritten(); });
   }
 }
 

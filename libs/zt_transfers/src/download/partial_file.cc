@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "download/file_trouble.h"
+#include "download/new_folders.h"
 #include "download/reserve_room.h"
 #include "download/target_folder.h"
 
@@ -223,8 +224,9 @@ void CPartialFile::settle(bool alone) {
     // A file system that cannot keep such a time is no reason to lose the file.
     ::futimens(file_.get(), times.data());
   }
-  if (alone && place_.foldersMade()) {
+  if (alone && CNewFolders::shared().latest(statusOf(file_.get()).st_dev) != 0) {
     syncFileSystem();
+    checkWritten();
   } else if (alone && ::fsync(file_.get()) != 0) {
     fail("cannot write the file to disk");
   }
@@ -232,15 +234,28 @@ void CPartialFile::settle(bool alone) {
 
 bool CPartialFile::syncFileSystem() const {
 #if defined(__linux__)
+  CNewFolders& folders = CNewFolders::shared();
+  const dev_t device = statusOf(file_.get()).st_dev;
+  const std::uint64_t made = folders.latest(device);
   if (::syncfs(file_.get()) != 0) {
     fail("cannot write the file to disk");
   }
+  folders.noteSynced(device, made);
   return true;
 #else
   if (::fsync(file_.get()) != 0) {
     fail("cannot write the file to disk");
   }
   return false;
+#endif
+}
+
+void CPartialFile::checkWritten() const {
+#if defined(__linux__)
+  // Once all is written there is nothing to wait for.
+  if (::sync_file_range(file_.get(), 0, 0, SYNC_FILE_RANGE_WAIT_BEFORE) != 0) {
+    fail("cannot write the file to disk");
+  }
 #endif
 }
 

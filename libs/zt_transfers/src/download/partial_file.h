@@ -63,13 +63,17 @@ class CPartialFile {
   void checkpoint();
   // Nothing when the content is what it should be, else what is wrong.
   std::optional<std::string> verify(std::uint64_t size);
-  // Sets its times; with `alone` it and new folders above it become durable.
+  // Sets its times; with `alone` it becomes durable, with all new folders of its file system.
   void settle(bool alone);
   // What is written is durable, whoever made it so.
   void noteSynced();
-  // All of what has been written to its file system becomes durable; false, and only the file
-  // does, where there is no such operation.
+  // All of what has been written to its file system becomes durable, with new folders; false, and
+  // only the file does, where there is no such operation.
   bool syncFileSystem() const;
+  // After a sync of the file system: throws if any of its bytes could not be written since it was
+  // last synced. Such a sync tells only what has failed since the file was opened that it is
+  // called with.
+  void checkWritten() const;
   // Gives it its final name, which then is durable only after syncFolder.
   std::string publish() { return place_.publish(); }
   void syncFolder() const { place_.syncFolder(); }

@@ -6,6 +6,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include "download/new_folders.h"
+
 namespace zt_transfers {
 namespace {
 
@@ -21,6 +23,14 @@ constexpr mode_t kAllThatTheUmaskLeaves = 0777;
                     "the group's folder is not there; its disk may not be mounted");
 }
 
+// The new folder is on the same file system as this one, or is this one.
+void noteMade(int folder) {
+  struct stat status {};
+  if (::fstat(folder, &status) == 0) {
+    CNewFolders::shared().noteMade(status.st_dev);
+  }
+}
+
 CUniqueFd openGroupFolder(const std::string& path, bool mayMake, bool& made) {
   CUniqueFd folder(::open(path.c_str(), kOpenFolder));
   if (!folder.valid() && errno == ENOENT && mayMake) {
@@ -30,6 +40,9 @@ CUniqueFd openGroupFolder(const std::string& path, bool mayMake, bool& made) {
       fail("cannot make the group's folder");
     }
     folder = CUniqueFd(::open(path.c_str(), kOpenFolder));
+    if (made && folder.valid()) {
+      noteMade(folder.get());
+    }
   }
   if (!folder.valid() && errno == ENOENT) {
     failGone();
@@ -43,6 +56,7 @@ CUniqueFd openGroupFolder(const std::string& path, bool mayMake, bool& made) {
 // True when it was made, false when it was there.
 bool make(int parent, const std::string& name) {
   if (::mkdirat(parent, name.c_str(), kAllThatTheUmaskLeaves) == 0) {
+    noteMade(parent);
     return true;
   }
   if (errno != EEXIST) {

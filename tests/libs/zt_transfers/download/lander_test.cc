@@ -1,5 +1,6 @@
 #include "download/lander.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -22,16 +23,40 @@
 namespace {
 
 std::atomic<int> failingFolderSyncs{0};
+std::atomic<ino_t> lostFile{0};  // whose bytes could not be written
+std::atomic<int> fileSystemSyncs{0};
 
 bool isFolder(int file) {
   struct stat status {};
   return ::fstat(file, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
+bool isLost(int file) {
+  struct stat status {};
+  return lostFile != 0 && ::fstat(file, &status) == 0 && status.st_ino == lostFile;
+}
+
 }  // namespace
 
 // In the place of the system's, so that a disk can fail at the right moment.
+extern "C" int sync_file_range(int file, off64_t offset, off64_t size, unsigned int flags) {
+  if (isLost(file)) {
+    errno = EIO;
+    return -1;
+  }
+  return static_cast<int>(::syscall(SYS_sync_file_range, file, offset, size, flags));
+}
+
+extern "C" int syncfs(int file) noexcept {
+  ++fileSystemSyncs;
+  return static_cast<int>(::syscall(SYS_syncfs, file));
+}
+
 extern "C" int fsync(int file) {
+  if (isLost(file)) {
+    errno = EIO;
+    return -1;
+  }
   if (failingFolderSyncs > 0 && isFolder(file)) {
     --failingFolderSyncs;
     errno = EIO;
@@ -49,7 +74,10 @@ using ::testing::IsEmpty;
 
 class Landing : public ::testing::Test {
  protected:
-  void TearDown() override { failingFolderSyncs = 0; }
+  void TearDown() override {
+    failingFolderSyncs = 0;
+    lostFile = 0;
+  }
 
   std::shared_ptr<CPartialFile> newFile(const std::string& name) {
     CPartialFile::Plan plan;
@@ -116,6 +144,37 @@ TEST_F(Landing, NamesNoFileTwiceWhenItsFolderCannotBeSynced) {
   EXPECT_EQ(again->resume(), rest);  // for the next attempt
   EXPECT_EQ(newFile("file")->reopen(rest), CPartialFile::Found::kLanded);
   EXPECT_THAT(names(), ElementsAre("file"));
+}
+
+TEST_F(Landing, NoticesWhichOfManyFilesCouldNotBeWrittenBeforeTheSyncOfAll) {
+  CLander lander({.synced = [](const auto&) {}, .landed = keepEnds()});
+  std::vector<CLander::Arrival> arrivals;
+  for (const char* name : {"a", "b", "c", "lost"}) {
+    arrivals.push_back({arrivals.size(), arrived(name), std::make_shared<JobProgress>()});
+  }
+  lostFile = arrivals.back().file->resume().inode;
+  lander.land(std::move(arrivals));
+  ASSERT_EQ(ends.size(), 4U);
+  EXPECT_EQ(std::count_if(ends.begin(), ends.end(),
+                          [](const auto& end) { return end.outcome.kind == Kind::kDone; }),
+            3);
+  EXPECT_EQ(ends[3].outcome.kind, Kind::kRetry);
+  EXPECT_THAT(names(), ElementsAre(::testing::StartsWith(".lost"), "a", "b", "c"));
+}
+
+TEST_F(Landing, KeepsNewFoldersOnceWhoeverMadeThem) {
+  CLander lander({.synced = [](const auto&) {}, .landed = keepEnds()});
+  const auto progress = std::make_shared<JobProgress>();
+  lander.land({{1, arrived("before"), progress}});
+  const auto slow = arrived("folder/slow");
+  const int before = fileSystemSyncs;
+  lander.land({{2, arrived("folder/quick"), progress}});
+  EXPECT_EQ(fileSystemSyncs, before + 1);
+  lander.land({{3, slow, progress}});
+  EXPECT_EQ(fileSystemSyncs, before + 1);
+  newFile("third/file")->create(1);
+  lander.land({{4, arrived("third/again"), progress}});
+  EXPECT_EQ(fileSystemSyncs, before + 2);
 }
 
 TEST_F(Landing, MakesNoSmallFileThatWasDiscardedMeanwhile) {

@@ -28,9 +28,9 @@ class CMissingBytes {
   void takeUp(const DownloadResume& resume, const ByteSpans& there);
   // There are no bytes of any version.
   void forgetVersion();
-  // An answer to a ranged or another request shows what the server does; `refuseRanges`: from now
-  // on all is asked for.
+  // An answer to a ranged or another request shows what the server does.
   void noteServer(const FetchAsk& ask, const FetchPlan& plan);
+  // All of a version is asked for at once, until an answer shows anew what the server does.
   void refuseRanges() { offersRanges_ = false; }
   // The first answer of a version, which brings this much of it.
   void beginVersion(const FetchPlan& plan, ByteSpan fetched);

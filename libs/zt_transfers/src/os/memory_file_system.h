@@ -7,7 +7,8 @@
 
 namespace zt_transfers {
 
-// Whether the file's content is in memory only, so that no access to it waits for a disk.
+// Whether the file's content has no disk of its own (tmpfs). An access to it waits only where pages
+// were swapped out, and nothing tells that before.
 inline bool liesInMemory(int file) {
 #if defined(__linux__)
   struct statfs system {};

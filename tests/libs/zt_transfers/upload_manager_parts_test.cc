@@ -197,7 +197,7 @@ TEST_F(UploadInParts, AbortsUntilTheServerHasHeardItAlsoAfterTheNextStart) {
   const auto group = upload({describe("file", patternOf(3 * kPart))});
   ASSERT_TRUE(waitForMoreThan(group, kPart));
   manager->cancelGroup(group);
-  ASSERT_TRUE(waitUntil([&] { return counted(unheard) == 2; }));
+  ASSERT_TRUE(eventually([&] { return counted(unheard) == 2; }));
   manager->shutdown();
   EXPECT_THAT(sessions(), SizeIs(1));
   request("DELETE", "/faults");

@@ -122,9 +122,9 @@ TEST_F(UploadSession, SeesThatThePartsWerePutTogetherAlthoughNoAnswerCame) {
   const int completions = 3;  // the rule just made
   pause();
   manager->resumeGroup(group_);
-  ASSERT_TRUE(waitUntil([&] { return counted(completions) == 1; }));
+  ASSERT_TRUE(eventually([&] { return counted(completions) == 1; }));
   pause();
-  ASSERT_TRUE(waitUntil([&] { return fs::exists(arrivedFile("file")); }));
+  ASSERT_TRUE(eventually([&] { return fs::exists(arrivedFile("file")); }));
   manager->resumeGroup(group_);
   expectCompleted(patternOf(8 * kPart), 8);
 }

@@ -59,8 +59,7 @@ bool lock(int file) {
 // Who has taken over the file since holds its lock.
 void CPartialPlace::remove(const std::string& groupFolder, const DownloadResume& resume) {
   const TargetPath path = parseTargetPath(resume.partialPath);
-  const CUniqueFd folder =
-      openTargetFolder(groupFolder, path.folders, MissingFolders::kFail).folder;
+  const CUniqueFd folder = openTargetFolder(groupFolder, path.folders, MissingFolders::kFail);
   const CUniqueFd file(::openat(folder.get(), path.name.c_str(), kOpenPartial));
   if (!file.valid()) {
     if (errno == ENOENT || errno == ELOOP) {
@@ -84,9 +83,7 @@ bool CPartialPlace::openFolder(MissingFolders missing) {
     return true;
   }
   try {
-    TargetFolder target = openTargetFolder(groupFolder_, target_.folders, missing);
-    folder_ = std::move(target.folder);
-    foldersMade_ = target.made;
+    folder_ = openTargetFolder(groupFolder_, target_.folders, missing);
   } catch (const std::system_error& error) {
     const bool gone = dynamic_cast<const CFolderGone*>(&error) != nullptr;
     if (missing == MissingFolders::kFail && !gone && error.code().value() == ENOENT) {

@@ -53,7 +53,6 @@ class CPartialPlace {
   // Of the partial file, below the group's folder.
   std::string path() const { return pathOf(name_); }
   std::uint64_t inode() const { return inode_; }
-  bool foldersMade() const { return foldersMade_; }
   bool sameFolder(const CPartialPlace& other) const;
   bool sameFileSystem(const CPartialPlace& other) const;
   // Of this path, it would lie in this folder.
@@ -74,7 +73,6 @@ class CPartialPlace {
 
   CUniqueFd folder_;
   struct stat folderStatus_ {};
-  bool foldersMade_ = false;
   std::string name_;  // of the partial file; empty: there is none, or it is published
   std::uint64_t inode_ = 0;
 };

@@ -31,12 +31,11 @@ void noteMade(int folder) {
   }
 }
 
-CUniqueFd openGroupFolder(const std::string& path, bool mayMake, bool& made) {
+CUniqueFd openGroupFolder(const std::string& path, bool mayMake) {
   CUniqueFd folder(::open(path.c_str(), kOpenFolder));
   if (!folder.valid() && errno == ENOENT && mayMake) {
-    if (::mkdir(path.c_str(), kAllThatTheUmaskLeaves) == 0) {
-      made = true;
-    } else if (errno != EEXIST && errno != ENOENT) {
+    const bool made = ::mkdir(path.c_str(), kAllThatTheUmaskLeaves) == 0;
+    if (!made && errno != EEXIST && errno != ENOENT) {
       fail("cannot make the group's folder");
     }
     folder = CUniqueFd(::open(path.c_str(), kOpenFolder));
@@ -53,38 +52,33 @@ CUniqueFd openGroupFolder(const std::string& path, bool mayMake, bool& made) {
   return folder;
 }
 
-// True when it was made, false when it was there.
-bool make(int parent, const std::string& name) {
+void make(int parent, const std::string& name) {
   if (::mkdirat(parent, name.c_str(), kAllThatTheUmaskLeaves) == 0) {
     noteMade(parent);
-    return true;
-  }
-  if (errno != EEXIST) {
+  } else if (errno != EEXIST) {
     fail("cannot make the folder \"" + name + "\"");
   }
-  return false;
 }
 
 }  // namespace
 
-TargetFolder openTargetFolder(const std::string& groupFolder,
-                              const std::vector<std::string>& folders, MissingFolders missing) {
+CUniqueFd openTargetFolder(const std::string& groupFolder, const std::vector<std::string>& folders,
+                           MissingFolders missing) {
   const bool mayMake = missing == MissingFolders::kMake;
-  TargetFolder target;
-  target.folder = openGroupFolder(groupFolder, mayMake, target.made);
+  CUniqueFd folder = openGroupFolder(groupFolder, mayMake);
   for (const std::string& name : folders) {
-    const int parent = target.folder.get();
+    const int parent = folder.get();
     CUniqueFd next(::openat(parent, name.c_str(), kOpenFolder | O_NOFOLLOW));
     if (!next.valid() && errno == ENOENT && mayMake) {
-      target.made = make(parent, name) || target.made;
+      make(parent, name);
       next = CUniqueFd(::openat(parent, name.c_str(), kOpenFolder | O_NOFOLLOW));
     }
     if (!next.valid()) {
       fail("cannot open the folder \"" + name + "\" below the group's");
     }
-    target.folder = std::move(next);
+    folder = std::move(next);
   }
-  return target;
+  return folder;
 }
 
 }  // namespace zt_transfers

@@ -7,6 +7,8 @@
 namespace zt_transfers {
 namespace {
 
+constexpr std::chrono::milliseconds kUntilItIsFree{50};
+
 std::string textOf(const Leftover& leftover) {
   return leftover.resume.isUpload()
              ? "the upload in parts to " + loggableUrl(leftover.resume.upload().url)
@@ -82,11 +84,16 @@ std::string CLeftoverBook::settle(LeftoverId id, const AttemptOutcome& outcome) 
   }
   const std::string text = textOf(found->second.leftover);
   const bool done = outcome.kind == AttemptOutcome::Kind::kDone;
+  if (outcome.kind == AttemptOutcome::Kind::kRetry && outcome.reason.empty()) {
+    waiting_.push_back(id);
+    notBefore_ = std::max(notBefore_, clock_.now() + kUntilItIsFree);
+    return {};
+  }
   const bool old = clock_.secondsSince1970() - found->second.leftover.since > kLongest.count();
   if (outcome.kind == AttemptOutcome::Kind::kRetry && !old) {
     rest(outcome);
     waiting_.push_back(id);
-    const bool known = std::exchange(found->second.failedBefore, true) || outcome.reason.empty();
+    const bool known = std::exchange(found->second.failedBefore, true);
     return known ? "" : "Cannot discard " + text + " now, it is tried again: " + outcome.reason;
   }
   if (done) {

@@ -45,7 +45,8 @@ class CLeftoverBook {
   std::vector<DiscardOrder> takeDue();
   // When there may be more, unless something else happens before.
   std::optional<TimePoint> nextDue() const;
-  // Gives the line for the log; an empty one is not worth it.
+  // Gives the line for the log; an empty one is not worth it. To be tried again without a reason:
+  // an attempt is still at it, which is no trouble.
   std::string settle(LeftoverId id, const AttemptOutcome& outcome);
   // Nothing is under way any more.
   void stop();

@@ -136,15 +136,7 @@ std::string CDownloadTest::log() const {
 }
 
 bool CDownloadTest::waitForLog(const std::string& text) const {
-  constexpr std::chrono::milliseconds kPause{5};
-  const auto until = std::chrono::steady_clock::now() + kLongWait;
-  while (log().find(text) == std::string::npos) {
-    if (std::chrono::steady_clock::now() > until) {
-      return false;
-    }
-    std::this_thread::sleep_for(kPause);
-  }
-  return true;
+  return eventually([&] { return log().find(text) != std::string::npos; });
 }
 
 std::vector<std::string> CDownloadTest::namesThere() const {

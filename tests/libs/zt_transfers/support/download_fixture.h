@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "eventually.h"
 #include "fault_server.h"
 #include "sandbox.h"
 #include "zt_transfers/download_manager.h"

@@ -103,17 +103,6 @@ std::vector<std::string> CPartsTest::sessions() const {
   return ids;
 }
 
-bool CPartsTest::waitUntil(const std::function<bool()>& holds) {
-  const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-  while (!holds()) {
-    if (std::chrono::steady_clock::now() > end) {
-      return false;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  return true;
-}
-
 std::string CPartsTest::log() const {
   return contentOf(sandbox.folder() / "zt_transfers.log");
 }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "eventually.h"
 #include "tools/devservice/service_fixture.h"
 #include "upload_fixture.h"
 
@@ -44,9 +45,8 @@ class CPartsTest : public zantrio::devservice::ServiceTest {
   std::string arrived(const std::string& name) const;
   std::vector<std::string> sessions() const;
   // Asks again and again; false when that takes longer than a minute.
-  static bool waitUntil(const std::function<bool()>& holds);
   bool waitForNoSession() const {
-    return waitUntil([this] { return sessions().empty(); });
+    return eventually([this] { return sessions().empty(); });
   }
   std::string log() const;
 

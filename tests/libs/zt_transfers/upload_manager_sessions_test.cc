@@ -150,7 +150,7 @@ TEST_F(CPartsTest, ReadsTheListOfPartsPageByPage) {
   const int sent = count("PUT", kAnyPart);
   const int pages = count("GET", "*uploadId=*");
   const auto group = upload({describe("file", patternOf(kParts * kSmall))});
-  ASSERT_TRUE(waitForMoreThan(group, (kParts - 4) * kSmall));
+  ASSERT_TRUE(waitForMoreThan(group, (kParts - 4) * kSmall - 1));
   restartManager();
   ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
   EXPECT_TRUE(arrived("file") == patternOf(kParts * kSmall));

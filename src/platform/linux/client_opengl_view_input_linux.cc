@@ -7,6 +7,23 @@
 #include "platform/linux/system_event_linux.h"
 
 namespace client {
+namespace {
+
+// Others have no place among the page's events; as in an ordinary window, two of them navigate.
+bool isOfPage(Qt::MouseButton button) {
+  return button == Qt::LeftButton || button == Qt::RightButton || button == Qt::MiddleButton;
+}
+
+void navigate(const CefRefPtr<CefBrowser>& browser, Qt::MouseButton button) {
+  const CefRefPtr<CefFrame> frame = browser ? browser->GetMainFrame() : nullptr;
+  if (frame && button == Qt::BackButton) {
+    frame->ExecuteJavaScript("history.back()", CefString(), 0);
+  } else if (frame && button == Qt::ForwardButton) {
+    frame->ExecuteJavaScript("history.forward()", CefString(), 0);
+  }
+}
+
+}  // namespace
 
 bool ClientOpenGLView::event(QEvent* event) {
   if (event->type() == QEvent::ShortcutOverride) {
@@ -37,6 +54,10 @@ void ClientOpenGLView::handleMouse(const QMouseEvent& event, int clickCount) {
 }
 
 void ClientOpenGLView::mousePressEvent(QMouseEvent* event) {
+  if (!isOfPage(event->button())) {
+    navigate(browser(), event->button());
+    return;
+  }
   clicks_.pressed({static_cast<int>(event->button()),
                    {event->position().x(), event->position().y()},
                    static_cast<int64_t>(event->timestamp())});
@@ -49,7 +70,9 @@ void ClientOpenGLView::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void ClientOpenGLView::mouseReleaseEvent(QMouseEvent* event) {
-  handleMouse(*event, clicks_.count());
+  if (isOfPage(event->button())) {
+    handleMouse(*event, clicks_.count());
+  }
 }
 
 void ClientOpenGLView::mouseMoveEvent(QMouseEvent* event) {

@@ -47,7 +47,7 @@ EventKind moveOf(Qt::MouseButtons held) {
   if (held & Qt::RightButton) {
     return EventKind::kRightDragged;
   }
-  return held ? EventKind::kOtherDragged : EventKind::kMoved;
+  return held & Qt::MiddleButton ? EventKind::kOtherDragged : EventKind::kMoved;
 }
 
 EventKind kindOf(const QMouseEvent& event) {

@@ -170,6 +170,25 @@ TEST(ClientOpenGLViewLinux, ShowsTheCursorsOfThePage) {
       becomes([](const QCursor& cursor) { return cursor.shape() == Qt::ClosedHandCursor; }));
 }
 
+TEST(ClientOpenGLViewLinux, GoesBackAndForwardByTheButtonsOfTheMouse) {
+  ShownPage shown(R"(<script>seen = [];
+    for (const name of ['mousedown', 'mouseup', 'click', 'auxclick'])
+      addEventListener(name, event => seen.push(name + event.button));
+    addEventListener('mousedown', () => { if (!location.hash) location.hash = 'next'; });
+    </script>)");
+  TestBrowser& page = shown.page();
+  shown.click({20, 30});
+  ASSERT_TRUE(page.becomes("location.hash + ' ' + seen", "#next mousedown0,mouseup0,click0"));
+  const auto press = [&](Qt::MouseButton button) {
+    QTest::mouseClick(&shown.view(), button, {}, {20, 30});
+  };
+  press(Qt::BackButton);
+  EXPECT_TRUE(page.becomes("location.hash", ""));
+  press(Qt::ForwardButton);
+  EXPECT_TRUE(page.becomes("location.hash", "#next"));
+  EXPECT_EQ(page.evaluate("seen.join()"), "mousedown0,mouseup0,click0");
+}
+
 TEST(ClientOpenGLViewLinux, ScrollsOnceForEachPartOfAGesture) {
   ShownPage shown("<body style='height: 3000px'>");
   QWidget other;

@@ -1,6 +1,7 @@
 #include "osr/key_input.h"
 
 #include "osr/event_flags.h"
+#include "osr/text_input.h"
 
 namespace client {
 namespace {
@@ -12,10 +13,19 @@ bool typesText(char16_t character) {
   return character != 0 && (character < kFirstFunctionKey || character > kLastFunctionKey);
 }
 
+// A key's record has room for one UTF-16 unit.
+bool isMoreThanAKeyTells(const SystemEvent& event) {
+  return event.characters.size() > 1;
+}
+
 CefKeyEvent recordOf(const SystemEvent& event, cef_key_event_type_t type) {
   CefKeyEvent record;
   record.type = type;
   getKeyEvent(record, event);
+  if (isMoreThanAKeyTells(event)) {
+    record.character = 0;
+    record.unmodified_character = 0;
+  }
   return record;
 }
 
@@ -28,7 +38,9 @@ void KeyInput::sendKeyDown(const SystemEvent& event) {
   }
   CefKeyEvent record = recordOf(event, KEYEVENT_RAWKEYDOWN);
   target->SendKeyEvent(record);
-  if (typesText(record.character)) {
+  if (event.kind == EventKind::kKeyDown && isMoreThanAKeyTells(event)) {
+    view_.textInput().commit(event.characters);
+  } else if (typesText(record.character)) {
     record.type = KEYEVENT_CHAR;
     target->SendKeyEvent(record);
   }

@@ -12,7 +12,8 @@ class KeyInput {
   KeyInput(const KeyInput&) = delete;
   KeyInput& operator=(const KeyInput&) = delete;
 
-  // A press: a raw press, and the character that it types, if any.
+  // A press: a raw press, and the character that it types, if any; a text of more than one UTF-16
+  // unit follows as an input method's.
   void sendKeyDown(const SystemEvent& event);
   // A press that an input method used up: only that there was one.
   void sendUsedUpKeyDown(const SystemEvent& event);

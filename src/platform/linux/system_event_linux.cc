@@ -105,6 +105,13 @@ constexpr KeyPair kKeys[] = {
     {Qt::Key_Slash, 0xBF},      {Qt::Key_QuoteLeft, 0xC0},    {Qt::Key_BracketLeft, 0xDB},
     {Qt::Key_Backslash, 0xDC},  {Qt::Key_BracketRight, 0xDD}, {Qt::Key_Apostrophe, 0xDE},
     {Qt::Key_Meta, 0x5B},       {Qt::Key_AltGr, 0xE1},
+    {Qt::Key_Back, 0xA6}, {Qt::Key_Forward, 0xA7}, {Qt::Key_Refresh, 0xA8}, {Qt::Key_Reload, 0xA8},
+    {Qt::Key_Stop, 0xA9}, {Qt::Key_Search, 0xAA}, {Qt::Key_Favorites, 0xAB},
+    {Qt::Key_HomePage, 0xAC}, {Qt::Key_VolumeMute, 0xAD}, {Qt::Key_VolumeDown, 0xAE},
+    {Qt::Key_VolumeUp, 0xAF}, {Qt::Key_MediaNext, 0xB0}, {Qt::Key_MediaPrevious, 0xB1},
+    {Qt::Key_MediaStop, 0xB2}, {Qt::Key_MediaPlay, 0xB3}, {Qt::Key_MediaPause, 0xB3},
+    {Qt::Key_MediaTogglePlayPause, 0xB3}, {Qt::Key_LaunchMail, 0xB4},
+    {Qt::Key_LaunchMedia, 0xB5}, {Qt::Key_Launch0, 0xB6}, {Qt::Key_Launch1, 0xB7},
 };
 
 bool isBetween(int key, int first, int last) {

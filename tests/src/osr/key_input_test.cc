@@ -46,6 +46,16 @@ TEST_F(KeyInputTest, SendsNoCharacterOfKeysThatTypeNone) {
   }
 }
 
+TEST_F(KeyInputTest, CommitsTextThatDoesNotFitInAKey) {
+  press_.characters = u"\U0001F600";
+  press_.charactersIgnoringModifiers = press_.characters;
+  keys_.sendKeyDown(press_);
+  press_.kind = EventKind::kKeyUp;
+  keys_.sendKeyUp(press_);
+  EXPECT_THAT(lines(), ElementsAre("raw down 65/38 types 0 flags 2", "commit '\U0001F600' for none",
+                                   "up 65/38 types 0 flags 2"));
+}
+
 TEST_F(KeyInputTest, TellsPressesAndReleasesOfModifierKeysByTheStateAfterThem) {
   press_.kind = EventKind::kFlagsChanged;
   press_.keyCode = 56;

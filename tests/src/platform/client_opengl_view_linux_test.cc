@@ -132,6 +132,28 @@ TEST(ClientOpenGLViewLinux, ComposesTextWhereTheCaretIs) {
   EXPECT_TRUE(runUntil([&] { return !method.ask(Qt::ImEnabled).toBool(); }));
 }
 
+TEST(ClientOpenGLViewLinux, TypesTheKeysThatItsKeyboardHas) {
+  ShownPage shown(std::string(kFields) + "<script>addEventListener('keydown', "
+                  "event => seen.push(event.key))</script>");
+  TestBrowser& page = shown.page();
+  shown.click({100, 40});
+  ASSERT_TRUE(page.becomes("document.activeElement.id", "field"));
+  const auto type = [&](int key, const QString& text) {
+    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+      QKeyEvent event(type, key, Qt::NoModifier, text);
+      QApplication::sendEvent(&shown.view(), &event);
+    }
+  };
+  type(Qt::Key_X, "x");
+  type(Qt::Key_Back, "");
+  type(Qt::Key_VolumeUp, "");
+  type(Qt::Key_Launch9, "");
+  EXPECT_TRUE(page.becomes("seen.join()", "x,BrowserBack,AudioVolumeUp,Unidentified"))
+      << page.evaluate("JSON.stringify(seen)");
+  type(Qt::Key_unknown, "\U0001F600");
+  EXPECT_TRUE(page.becomes("field.value", "x\U0001F600")) << page.evaluate("field.value");
+}
+
 TEST(ClientOpenGLViewLinux, HasTheFocusOfItsWindow) {
   ShownPage shown(kFields);
   TestBrowser& page = shown.page();

@@ -26,7 +26,13 @@ constexpr KeyPair kKeys[] = {
     {0xBC, Qt::Key_Comma},      {0xBD, Qt::Key_Minus},        {0xBE, Qt::Key_Period},
     {0xBF, Qt::Key_Slash},      {0xC0, Qt::Key_QuoteLeft},    {0xDB, Qt::Key_BracketLeft},
     {0xDC, Qt::Key_Backslash},  {0xDD, Qt::Key_BracketRight}, {0xDE, Qt::Key_Apostrophe},
-    {0xE1, Qt::Key_AltGr},
+    {0xE1, Qt::Key_AltGr},      {0xA6, Qt::Key_Back}, {0xA7, Qt::Key_Forward},
+    {0xA8, Qt::Key_Refresh}, {0xA9, Qt::Key_Stop}, {0xAA, Qt::Key_Search},
+    {0xAB, Qt::Key_Favorites}, {0xAC, Qt::Key_HomePage}, {0xAD, Qt::Key_VolumeMute},
+    {0xAE, Qt::Key_VolumeDown}, {0xAF, Qt::Key_VolumeUp}, {0xB0, Qt::Key_MediaNext},
+    {0xB1, Qt::Key_MediaPrevious}, {0xB2, Qt::Key_MediaStop},
+    {0xB3, Qt::Key_MediaTogglePlayPause}, {0xB4, Qt::Key_LaunchMail},
+    {0xB5, Qt::Key_LaunchMedia}, {0xB6, Qt::Key_Launch0}, {0xB7, Qt::Key_Launch1},
 };
 
 bool isBetween(int code, int first, int last) {
@@ -51,7 +57,7 @@ int qtKeyOf(int windowsKeyCode, char16_t character) {
       return pair.qt;
     }
   }
-  return character < 0x20 ? 0 : QChar(character).toUpper().unicode();
+  return character < 0x20 ? int{Qt::Key_unknown} : QChar(character).toUpper().unicode();
 }
 
 }  // namespace cef_qt

@@ -5,7 +5,7 @@
 
 namespace cef_qt {
 
-// Qt's key; `character` helps with keys whose code depends on the keyboard. 0 when unknown.
+// Qt's key, or Qt::Key_unknown; `character` helps with keys whose code depends on the keyboard.
 int qtKeyOf(int windowsKeyCode, char16_t character);
 
 }  // namespace cef_qt

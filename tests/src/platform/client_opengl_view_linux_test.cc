@@ -133,14 +133,15 @@ TEST(ClientOpenGLViewLinux, ComposesTextWhereTheCaretIs) {
 }
 
 TEST(ClientOpenGLViewLinux, TypesTheKeysThatItsKeyboardHas) {
-  ShownPage shown(std::string(kFields) + "<script>addEventListener('keydown', "
+  ShownPage shown(std::string(kFields) +
+                  "<script>addEventListener('keydown', "
                   "event => seen.push(event.key))</script>");
   TestBrowser& page = shown.page();
   shown.click({100, 40});
   ASSERT_TRUE(page.becomes("document.activeElement.id", "field"));
   const auto type = [&](int key, const QString& text) {
-    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-      QKeyEvent event(type, key, Qt::NoModifier, text);
+    for (const QEvent::Type kind : {QEvent::KeyPress, QEvent::KeyRelease}) {
+      QKeyEvent event(kind, key, Qt::NoModifier, text);
       QApplication::sendEvent(&shown.view(), &event);
     }
   };

@@ -39,6 +39,9 @@ class OffScreenInput {
   // The point in the hidden view.
   QPointF toView(const CefMouseEvent& event) const;
 
+  // A press is held back for its character; what must not come before it asks for it.
+  void sendWaitingKey();
+
  private:
   struct Target {
     QWidget* widget;
@@ -54,7 +57,6 @@ class OffScreenInput {
   quint64 timeOfPress(Qt::MouseButton button, const QPoint& point, int clickCount);
   std::optional<Target> targetOf(const CefMouseEvent& event);
   void sendKey(const CefKeyEvent& event, bool press, char16_t character);
-  void sendWaitingKey();
   void used();
 
   OffScreenBrowser& browser_;

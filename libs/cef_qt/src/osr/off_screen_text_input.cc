@@ -134,6 +134,7 @@ void OffScreenTextInput::cancel() {
 }
 
 void OffScreenTextInput::send(QInputMethodEvent& event) {
+  browser_.input().sendWaitingKey();
   if (QWidget* const page = browser_.page()) {
     QApplication::sendEvent(page, &event);
   }

@@ -57,6 +57,9 @@ bool TextInput::endComposition() {
 
 void TextInput::setMode(cef_text_input_mode_t mode) {
   mode_ = mode;
+  if (!isWanted()) {
+    endComposition();  // its field has lost the focus, and the page has ended it
+  }
   view_.textInputChanged();
 }
 

@@ -1,5 +1,6 @@
 // What the view makes of pointer, keys and input methods.
 #include <QApplication>
+#include <QInputMethod>
 
 #include "platform/linux/client_opengl_view_linux.h"
 #include "platform/linux/cursor_linux.h"
@@ -58,6 +59,7 @@ void ClientOpenGLView::mousePressEvent(QMouseEvent* event) {
     navigate(browser(), event->button());
     return;
   }
+  finishComposition();
   clicks_.pressed({static_cast<int>(event->button()),
                    {event->position().x(), event->position().y()},
                    static_cast<int64_t>(event->timestamp())});
@@ -142,7 +144,16 @@ void ClientOpenGLView::focusInEvent(QFocusEvent* /*event*/) {
 void ClientOpenGLView::focusOutEvent(QFocusEvent* event) {
   // A menu takes the keys, and the page still has what is selected.
   if (event->reason() != Qt::PopupFocusReason) {
+    finishComposition();
     setFocusOfBrowser(false);
+  }
+}
+
+// The page's focus may go elsewhere: the text stays in its field.
+void ClientOpenGLView::finishComposition() {
+  if (text_.isComposing()) {
+    QGuiApplication::inputMethod()->commit();
+    text_.finish();  // when the input method had nothing to commit
   }
 }
 

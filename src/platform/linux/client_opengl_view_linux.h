@@ -82,6 +82,7 @@ class ClientOpenGLView final : public QWidget, public OsrView {
   void handleMouse(const QMouseEvent& event, int clickCount);
   void handleCrossing(EventKind kind, const QPointF& point);
   void setFocusOfBrowser(bool focus);
+  void finishComposition();
   void scaleMayHaveChanged();
   void runDrag();
 

@@ -45,6 +45,15 @@ TEST_F(TextInputTest, HandsOnWhatIsComposedUntilItIsFinishedOrTakenBack) {
   EXPECT_THAT(lines(), IsEmpty());
 }
 
+TEST_F(TextInputTest, ForgetsTheCompositionOfAFieldThatLostTheFocus) {
+  text_.setMode(CEF_TEXT_INPUT_MODE_TEXT);
+  text_.compose(u"ni", {}, CefRange(2, 2));
+  text_.setMode(CEF_TEXT_INPUT_MODE_TEXT);
+  EXPECT_TRUE(text_.isComposing());
+  text_.setMode(CEF_TEXT_INPUT_MODE_NONE);
+  EXPECT_FALSE(text_.isComposing());
+}
+
 TEST_F(TextInputTest, KeepsWhatTheBrowserTellsOfTheFocusedField) {
   EXPECT_FALSE(text_.isWanted());
   EXPECT_TRUE(text_.placeOf(0).IsEmpty());

@@ -132,6 +132,27 @@ TEST(ClientOpenGLViewLinux, ComposesTextWhereTheCaretIs) {
   EXPECT_TRUE(runUntil([&] { return !method.ask(Qt::ImEnabled).toBool(); }));
 }
 
+TEST(ClientOpenGLViewLinux, LeavesWhatIsComposedInItsField) {
+  ShownPage shown(kFields);
+  TestBrowser& page = shown.page();
+  InputMethod method(shown.view());
+  shown.click({100, 40});
+  ASSERT_TRUE(runUntil([&] { return method.ask(Qt::ImEnabled).toBool(); }));
+  method.compose("ni", 2);
+  ASSERT_TRUE(page.becomes("field.value", "ni"));
+  shown.click({100, 70});
+  EXPECT_TRUE(page.becomes("document.activeElement.id", "mail"));
+  EXPECT_FALSE(shown.view().textInput().isComposing());
+  EXPECT_EQ(page.evaluate("field.value + ',' + mail.value + ',' + seen.at(-1)"), "ni,,end ni");
+
+  method.compose("a", 1);
+  ASSERT_TRUE(page.becomes("mail.value", "a"));
+  QFocusEvent out(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+  QApplication::sendEvent(&shown.view(), &out);
+  EXPECT_FALSE(shown.view().textInput().isComposing());
+  EXPECT_TRUE(page.becomes("mail.value + seen.at(-1)", "aend a"));
+}
+
 TEST(ClientOpenGLViewLinux, TypesTheKeysThatItsKeyboardHas) {
   ShownPage shown(std::string(kFields) +
                   "<script>addEventListener('keydown', "

@@ -20,10 +20,16 @@ uint32_t toPosition(int position) {
 // A part that stands out, as the one that is being chosen, has a background.
 CefCompositionUnderline underlineOf(const Attribute& attribute) {
   CefCompositionUnderline underline;
-  underline.range =
-      CefRange(toPosition(attribute.start), toPosition(attribute.start + attribute.length));
-  const QTextFormat format = attribute.value.value<QTextFormat>();
-  underline.thick = format.hasProperty(QTextFormat::BackgroundBrush) ? 1 : 0;
+  const auto [first, last] = std::minmax({attribute.start, attribute.start + attribute.length});
+  underline.range = CefRange(toPosition(first), toPosition(last));
+  const QTextCharFormat format = attribute.value.value<QTextFormat>().toCharFormat();
+  if (format.underlineColor().isValid()) {
+    underline.color = format.underlineColor().rgba();
+  }
+  if (format.background().style() != Qt::NoBrush) {
+    underline.background_color = format.background().color().rgba();
+    underline.thick = 1;
+  }
   return underline;
 }
 

@@ -77,6 +77,14 @@ class InputMethod {
                                    {QInputMethodEvent::Cursor, caret, 1, QVariant()}});
     QApplication::sendEvent(&view_, &event);
   }
+  // Only the clause before the end stands out; some methods count back to its beginning.
+  void composeWithClause(const QString& text, int length) {
+    QTextCharFormat format;
+    format.setBackground(Qt::green);
+    const int end = static_cast<int>(text.size());
+    QInputMethodEvent event(text, {{QInputMethodEvent::TextFormat, end, -length, format}});
+    QApplication::sendEvent(&view_, &event);
+  }
   void commit(const QString& text, int from = 0, int length = 0) {
     QInputMethodEvent event;
     event.setCommitString(text, from, length);
@@ -91,6 +99,26 @@ class InputMethod {
  private:
   ClientOpenGLView& view_;
 };
+
+TEST(ClientOpenGLViewLinux, ShowsWhichClauseOfACompositionStandsOut) {
+  ShownPage shown(kFields);
+  InputMethod method(shown.view());
+  EXPECT_FALSE(method.ask(Qt::ImEnabled).toBool());
+  shown.click({100, 40});
+  ASSERT_TRUE(runUntil([&] { return method.ask(Qt::ImEnabled).toBool(); }));
+  method.composeWithClause("WWWWWWWWWW", 5);
+  // Where the line below the text begins.
+  const auto clause = [&] {
+    const QImage line = shown.view().grab({20, 49, 200, 1}).toImage();
+    int first = line.width();
+    for (int x = line.width() - 1; x >= 0; --x) {
+      first = line.pixelColor(x, 0).lightness() < 50 ? x : first;
+    }
+    return first;
+  };
+  EXPECT_TRUE(runUntil([&] { return clause() < 200; }));
+  EXPECT_GT(clause(), 30);  // the other clause comes first
+}
 
 TEST(ClientOpenGLViewLinux, ComposesTextWhereTheCaretIs) {
   ShownPage shown(kFields);

@@ -73,6 +73,9 @@ QTextCharFormat formatOf(const CefCompositionUnderline& underline) {
     format.setUnderlineStyle(QTextCharFormat::SingleUnderline);
     format.setUnderlineColor(QColor::fromRgba(underline.color));
   }
+  if (underline.background_color != 0) {
+    format.setBackground(QColor::fromRgba(underline.background_color));
+  }
   return format;
 }
 

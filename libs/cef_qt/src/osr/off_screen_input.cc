@@ -223,7 +223,7 @@ void OffScreenInput::setFocus(bool focus) {
   }
   // Qt hands it on to the page's item only while no other window of the application has the focus,
   // and the client's view has.
-  const QPointer<QQuickItem> item = focusItemBelow(*target->quickWindow()->contentItem());
+  const QPointer<QObject> item = focusItemBelow(*target->quickWindow()->contentItem());
   const auto send = [focus](QObject* receiver) {
     QFocusEvent sent(focus ? QEvent::FocusIn : QEvent::FocusOut, Qt::OtherFocusReason);
     QApplication::sendEvent(receiver, &sent);

@@ -12,23 +12,13 @@
 #include "download/new_folders.h"
 #include "download/reserve_room.h"
 #include "download/target_folder.h"
+#include "os/file_status.h"
+#include "os/system_failure.h"
 
 namespace zt_transfers {
 namespace {
 
 constexpr std::uint64_t kReserveFrom = 1024 * 1024;  // smaller files are written at once
-
-[[noreturn]] void fail(const std::string& what) {
-  throw std::system_error(errno, std::generic_category(), what);
-}
-
-struct stat statusOf(int file) {
-  struct stat status {};
-  if (::fstat(file, &status) != 0) {
-    fail("cannot read the partial file's status");
-  }
-  return status;
-}
 
 void syncData(int file) {
 #if defined(__APPLE__)
@@ -37,7 +27,7 @@ void syncData(int file) {
   const int failed = ::fdatasync(file);
 #endif
   if (failed != 0) {
-    fail("cannot write the file to disk");
+    failWithErrno("cannot write the file to disk");
   }
 }
 
@@ -127,7 +117,7 @@ void CPartialFile::restart(const std::string& validator, std::uint64_t size) {
   digest_.reset();
   if (file_.valid()) {
     if (::ftruncate(file_.get(), 0) != 0) {
-      fail("cannot empty the partial file");
+      failWithErrno("cannot empty the partial file");
     }
     reserve(size);
   }
@@ -144,7 +134,7 @@ void CPartialFile::write(std::uint64_t offset, const char* data, std::size_t siz
     }
     if (put <= 0) {
       noteWritten({offset, offset + done});
-      fail("cannot write to the file");
+      failWithErrno("cannot write to the file");
     }
     done += static_cast<std::size_t>(put);
   }
@@ -228,7 +218,7 @@ void CPartialFile::settle(bool alone) {
     syncFileSystem();
     checkWritten();
   } else if (alone && ::fsync(file_.get()) != 0) {
-    fail("cannot write the file to disk");
+    failWithErrno("cannot write the file to disk");
   }
 }
 
@@ -238,13 +228,13 @@ bool CPartialFile::syncFileSystem() const {
   const dev_t device = statusOf(file_.get()).st_dev;
   const std::uint64_t made = folders.latest(device);
   if (::syncfs(file_.get()) != 0) {
-    fail("cannot write the file to disk");
+    failWithErrno("cannot write the file to disk");
   }
   folders.noteSynced(device, made);
   return true;
 #else
   if (::fsync(file_.get()) != 0) {
-    fail("cannot write the file to disk");
+    failWithErrno("cannot write the file to disk");
   }
   return false;
 #endif
@@ -254,7 +244,7 @@ void CPartialFile::checkWritten() const {
 #if defined(__linux__)
   // Once all is written there is nothing to wait for.
   if (::sync_file_range(file_.get(), 0, 0, SYNC_FILE_RANGE_WAIT_BEFORE) != 0) {
-    fail("cannot write the file to disk");
+    failWithErrno("cannot write the file to disk");
   }
 #endif
 }

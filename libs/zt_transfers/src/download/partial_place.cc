@@ -12,6 +12,8 @@
 
 #include "download/counted_name.h"
 #include "download/publish.h"
+#include "os/file_status.h"
+#include "os/system_failure.h"
 
 namespace zt_transfers {
 namespace {
@@ -20,18 +22,6 @@ constexpr mode_t kAllThatTheUmaskLeaves = 0666;
 constexpr int kOpenPartial = O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
 constexpr int kMostNames = 16;
 constexpr unsigned kMostCounted = 10'000;
-
-[[noreturn]] void fail(const std::string& what) {
-  throw std::system_error(errno, std::generic_category(), what);
-}
-
-struct stat statusOf(int file) {
-  struct stat status {};
-  if (::fstat(file, &status) != 0) {
-    fail("cannot read the partial file's status");
-  }
-  return status;
-}
 
 bool tryLock(int file) {
   return ::flock(file, LOCK_EX | LOCK_NB) == 0;
@@ -65,7 +55,7 @@ void CPartialPlace::remove(const std::string& groupFolder, const DownloadResume&
     if (errno == ENOENT || errno == ELOOP) {
       return;
     }
-    fail("cannot open it");
+    failWithErrno("cannot open it");
   }
   if (statusOf(file.get()).st_ino != resume.inode) {
     return;
@@ -74,7 +64,7 @@ void CPartialPlace::remove(const std::string& groupFolder, const DownloadResume&
     throw CPartialFileInUse("a download is at it");
   }
   if (::unlinkat(folder.get(), path.name.c_str(), 0) != 0 && errno != ENOENT) {
-    fail("cannot remove it");
+    failWithErrno("cannot remove it");
   }
 }
 
@@ -92,7 +82,7 @@ bool CPartialPlace::openFolder(MissingFolders missing) {
     throw;
   }
   if (::fstat(folder_.get(), &folderStatus_) != 0) {
-    fail("cannot read the folder's status");
+    failWithErrno("cannot read the folder's status");
   }
   return true;
 }
@@ -124,7 +114,7 @@ CUniqueFd CPartialPlace::make() {
       return file;
     }
     if (errno != EEXIST) {
-      fail("cannot make the file in its folder");
+      failWithErrno("cannot make the file in its folder");
     }
     file = takeExisting(name);
     if (file.valid()) {
@@ -132,7 +122,7 @@ CUniqueFd CPartialPlace::make() {
     }
   }
   errno = EEXIST;
-  fail("cannot make the file in its folder");
+  failWithErrno("cannot make the file in its folder");
 }
 
 // Nobody knows how good its content is.
@@ -173,7 +163,7 @@ bool CPartialPlace::hasLanded(const DownloadResume& resume) const {
 std::string CPartialPlace::publish() {
   if (!isThere(name_, inode_)) {
     errno = ESTALE;
-    fail("the partial file was replaced");
+    failWithErrno("the partial file was replaced");
   }
   std::string name = zt_transfers::publish(folder_.get(), name_, target_.name);
   name_.clear();
@@ -189,7 +179,7 @@ void CPartialPlace::unlink() {
 void CPartialPlace::syncFolder() const {
   // Some file systems do not offer it; then the file's own sync has to do.
   if (::fsync(folder_.get()) != 0 && errno != EINVAL && errno != EROFS) {
-    fail("cannot write the folder to disk");
+    failWithErrno("cannot write the folder to disk");
   }
 }
 

@@ -7,16 +7,13 @@
 #include <system_error>
 
 #include "download/new_folders.h"
+#include "os/system_failure.h"
 
 namespace zt_transfers {
 namespace {
 
 constexpr int kOpenFolder = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 constexpr mode_t kAllThatTheUmaskLeaves = 0777;
-
-[[noreturn]] void fail(const std::string& what) {
-  throw std::system_error(errno, std::generic_category(), what);
-}
 
 [[noreturn]] void failGone() {
   throw CFolderGone(ENOENT, std::generic_category(),
@@ -36,7 +33,7 @@ CUniqueFd openGroupFolder(const std::string& path, bool mayMake) {
   if (!folder.valid() && errno == ENOENT && mayMake) {
     const bool made = ::mkdir(path.c_str(), kAllThatTheUmaskLeaves) == 0;
     if (!made && errno != EEXIST && errno != ENOENT) {
-      fail("cannot make the group's folder");
+      failWithErrno("cannot make the group's folder");
     }
     folder = CUniqueFd(::open(path.c_str(), kOpenFolder));
     if (made && folder.valid()) {
@@ -47,7 +44,7 @@ CUniqueFd openGroupFolder(const std::string& path, bool mayMake) {
     failGone();
   }
   if (!folder.valid()) {
-    fail("cannot open the group's folder");
+    failWithErrno("cannot open the group's folder");
   }
   return folder;
 }
@@ -56,7 +53,7 @@ void make(int parent, const std::string& name) {
   if (::mkdirat(parent, name.c_str(), kAllThatTheUmaskLeaves) == 0) {
     noteMade(parent);
   } else if (errno != EEXIST) {
-    fail("cannot make the folder \"" + name + "\"");
+    failWithErrno("cannot make the folder \"" + name + "\"");
   }
 }
 
@@ -74,7 +71,7 @@ CUniqueFd openTargetFolder(const std::string& groupFolder, const std::vector<std
       next = CUniqueFd(::openat(parent, name.c_str(), kOpenFolder | O_NOFOLLOW));
     }
     if (!next.valid()) {
-      fail("cannot open the folder \"" + name + "\" below the group's");
+      failWithErrno("cannot open the folder \"" + name + "\" below the group's");
     }
     folder = std::move(next);
   }

@@ -2,7 +2,7 @@
 #include <cctype>
 
 #include "base/command_line_impl.h"
-#include "process/framework.h"
+#include "base/framework_state.h"
 
 namespace cef_qt {
 namespace {
@@ -107,5 +107,5 @@ CefRefPtr<CefCommandLine> CefCommandLine::CreateCommandLine() {
 }
 
 CefRefPtr<CefCommandLine> CefCommandLine::GetGlobalCommandLine() {
-  return cef_qt::Framework::commandLine();
+  return cef_qt::FrameworkState::commandLine();
 }

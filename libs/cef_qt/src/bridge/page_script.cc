@@ -6,7 +6,6 @@
 #include <QUuid>
 
 #include "bridge/page_channel.h"
-#include "browser/dialog_scheme.h"
 #include "page_script_text.h"
 
 namespace cef_qt {
@@ -33,13 +32,14 @@ QString toJson(const RouterNameList& routers) {
   return QString::fromUtf8(QJsonDocument(toArray(routers)).toJson(QJsonDocument::Compact));
 }
 
-QString pageScript(int version, const RouterNameList& top, const RouterNameList& frames) {
+QString pageScript(int version, const QString& dialogScheme, const RouterNameList& top,
+                   const RouterNameList& frames) {
   const QJsonObject setup{{"version", version},
                           {"object", PageChannel::objectName()},
                           {"property", PageChannel::propertyIndex()},
                           {"signal", PageChannel::signalIndex()},
                           {"greeting", greeting()},
-                          {"dialogScheme", DialogScheme::name()},
+                          {"dialogScheme", dialogScheme},
                           {"topRouters", toArray(top)},
                           {"frameRouters", toArray(frames)}};
   return QString::fromUtf8(kPageScript) + '(' +

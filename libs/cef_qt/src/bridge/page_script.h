@@ -17,6 +17,7 @@ QString toJson(const RouterNameList& routers);
 // The script's text. A document tells the version of the script it got. The lists are the functions
 // that top documents and documents in frames are expected to get; a document whose list proves
 // different is corrected.
-QString pageScript(int version, const RouterNameList& top, const RouterNameList& frames);
+QString pageScript(int version, const QString& dialogScheme, const RouterNameList& top,
+                   const RouterNameList& frames);
 
 }  // namespace cef_qt

@@ -4,7 +4,7 @@
 
 #include "base/qt_text.h"
 #include "browser/browser_window.h"
-#include "process/framework.h"
+#include "browser/off_screen.h"
 #include "threads/threads.h"
 
 namespace cef_qt {
@@ -42,7 +42,7 @@ bool CefBrowserHost::CreateBrowser(const CefWindowInfo& window_info, CefRefPtr<C
   options.bounds = window_info.bounds;
   options.isOffScreen = window_info.windowless_rendering_enabled != 0;
   options.parentWindow = window_info.parent_window;
-  if (options.isOffScreen && !cef_qt::Framework::servesOffScreen()) {
+  if (options.isOffScreen && !cef_qt::offScreenFactory()) {
     std::fprintf(stderr,
                  "Off-screen browsers need windowless_rendering_enabled in the settings.\n");
     return false;

@@ -6,6 +6,7 @@
 #include "browser/browser_list.h"
 #include "browser/browser_window.h"
 #include "browser/frame_impl.h"
+#include "browser/off_screen.h"
 #include "threads/threads.h"
 
 namespace cef_qt {
@@ -19,7 +20,10 @@ int nextId() {
 }  // namespace
 
 Browser::Browser(const Options& options)
-    : id_(nextId()), isPopup_(options.isPopup), client_(options.client) {}
+    : id_(nextId()),
+      isPopup_(options.isPopup),
+      isOffScreen_(options.isOffScreen),
+      client_(options.client) {}
 
 Browser::~Browser() = default;
 
@@ -33,6 +37,9 @@ CefRefPtr<Browser> Browser::create(const Options& options) {
 }
 
 CefRefPtr<CefBrowserHost> Browser::GetHost() {
+  if (isOffScreen_) {
+    return offScreenFactory()->createHost(this);
+  }
   return new BrowserHost(this);
 }
 

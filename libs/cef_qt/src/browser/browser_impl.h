@@ -5,7 +5,7 @@
 #include <memory>
 #include <mutex>
 
-#include "bridge/documents.h"
+#include "browser/documents.h"
 #include "include/cef_browser.h"
 #include "include/cef_client.h"
 
@@ -70,6 +70,7 @@ class Browser final : public CefBrowser {
 
   const int id_;
   const bool isPopup_;
+  const bool isOffScreen_;
   std::unique_ptr<BrowserWindow> window_;
   std::unique_ptr<Documents> documents_;
   bool closeQueued_ = false;

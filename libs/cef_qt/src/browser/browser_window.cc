@@ -5,11 +5,11 @@
 #include <QUrl>
 #include <QWebEngineSettings>
 
-#include "bridge/render_side.h"
+#include "browser/off_screen.h"
 #include "browser/page.h"
+#include "browser/profile.h"
+#include "browser/render_side.h"
 #include "browser/view.h"
-#include "osr/off_screen_browser.h"
-#include "process/profile.h"
 
 namespace cef_qt {
 namespace {
@@ -63,8 +63,8 @@ BrowserWindow::BrowserWindow(Browser* browser, const Browser::Options& options)
   view_->setPage(page_.get());
   view_->setTitle(options.title);
   if (options.isOffScreen) {
-    offScreen_ = std::make_unique<OffScreenBrowser>(browser, view_.get(),
-                                                    options.settings.windowless_frame_rate);
+    offScreen_ = offScreenFactory()->createPart(browser, view_.get(),
+                                                options.settings.windowless_frame_rate);
   } else {
     setGeometry(options.bounds);
   }

@@ -13,7 +13,7 @@ class QWidget;
 
 namespace cef_qt {
 
-class OffScreenBrowser;
+class OffScreenPart;
 class Page;
 class View;
 
@@ -30,7 +30,7 @@ class BrowserWindow {
   // What the browser's dialogs open over; null: nothing.
   QWidget* widget();
   // Null for a browser on the screen.
-  OffScreenBrowser* offScreen() { return offScreen_.get(); }
+  OffScreenPart* offScreen() { return offScreen_.get(); }
 
   void show();
   void hide();
@@ -63,7 +63,7 @@ class BrowserWindow {
   PageChannel channel_;
   std::unique_ptr<View> view_;
   std::unique_ptr<Page> page_;  // deleted before its view
-  std::unique_ptr<OffScreenBrowser> offScreen_;
+  std::unique_ptr<OffScreenPart> offScreen_;
   const CefWindowHandle parentWindow_;
 };
 

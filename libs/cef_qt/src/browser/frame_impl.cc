@@ -4,10 +4,10 @@
 
 #include "base/process_message_impl.h"
 #include "base/qt_text.h"
-#include "bridge/render_side.h"
 #include "bridge/script_context.h"
 #include "browser/browser_impl.h"
 #include "browser/browser_window.h"
+#include "browser/render_side.h"
 #include "browser/script_text.h"
 #include "threads/threads.h"
 

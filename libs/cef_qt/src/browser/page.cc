@@ -10,14 +10,14 @@
 #include <QWebEngineView>
 #include <chrono>
 
+#include "base/browser_log.h"
 #include "base/qt_text.h"
 #include "browser/browser_list.h"
 #include "browser/browser_window.h"
 #include "browser/default_dialog.h"
 #include "browser/frame_impl.h"
+#include "browser/profile.h"
 #include "browser/request_impl.h"
-#include "process/browser_log.h"
-#include "process/profile.h"
 #include "threads/threads.h"
 
 namespace cef_qt {

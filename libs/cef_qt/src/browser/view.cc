@@ -6,7 +6,7 @@
 #include "browser/browser_impl.h"
 #include "browser/browser_window.h"
 #include "browser/dragged.h"
-#include "osr/off_screen_browser.h"
+#include "browser/off_screen.h"
 
 namespace cef_qt {
 
@@ -30,7 +30,7 @@ void View::closeEvent(QCloseEvent* event) {
 bool View::isOwnDrag(const QDragEnterEvent& event) const {
   BrowserWindow* const window = browser_ ? browser_->window() : nullptr;
   if (window && window->offScreen()) {
-    return window->offScreen()->drag().isRunning();
+    return window->offScreen()->isDragRunning();
   }
   const auto* const source = qobject_cast<const QWidget*>(event.source());
   return source && (source == this || isAncestorOf(source));

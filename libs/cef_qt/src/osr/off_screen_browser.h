@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "browser/browser_impl.h"
+#include "browser/off_screen.h"
 #include "osr/off_screen_drag.h"
 #include "osr/off_screen_input.h"
 #include "osr/off_screen_text_input.h"
@@ -20,7 +21,7 @@ namespace cef_qt {
 // passes frames, pop-ups and cursors to that handler. Ownership: the browser's window, which
 // outlives neither its view nor its browser. UI thread. A paint that is asked for
 // (`invalidate`) comes inside the call.
-class OffScreenBrowser final : public QObject {
+class OffScreenBrowser final : public QObject, public OffScreenPart {
   Q_OBJECT
 
  public:
@@ -34,7 +35,8 @@ class OffScreenBrowser final : public QObject {
   void wasHidden(bool hidden);
   void screenInfoChanged();
   void invalidate(cef_paint_element_type_t type);
-  void setFocus(bool focus);
+  void setFocus(bool focus) override;
+  bool isDragRunning() const override { return drag_.isRunning(); }
 
   OffScreenInput& input() { return input_; }
   OffScreenDrag& drag() { return drag_; }

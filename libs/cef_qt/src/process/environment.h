@@ -3,7 +3,7 @@
 
 #include <QStringList>
 
-#include "process/options.h"
+#include "base/options.h"
 
 namespace cef_qt {
 

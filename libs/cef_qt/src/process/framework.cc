@@ -5,20 +5,21 @@
 #include <QStringList>
 #include <atomic>
 #include <memory>
-#include <mutex>
 #include <vector>
 
+#include "base/browser_log.h"
 #include "base/command_line_impl.h"
+#include "base/framework_state.h"
+#include "base/options.h"
 #include "base/qt_text.h"
-#include "bridge/render_side.h"
 #include "browser/browser_list.h"
 #include "browser/dialog_scheme.h"
-#include "process/browser_log.h"
+#include "browser/profile.h"
+#include "browser/render_side.h"
+#include "osr/off_screen_browser_host.h"
 #include "process/display.h"
 #include "process/environment.h"
 #include "process/instance_lock.h"
-#include "process/options.h"
-#include "process/profile.h"
 #include "threads/threads.h"
 #include "threads/ui_task_runner.h"
 
@@ -38,13 +39,8 @@ struct Running {
 
 struct State {
   bool wasStarted = false;
-  std::atomic<bool> servesOffScreen{false};
   std::atomic<int> exitCode{CEF_RESULT_CODE_NORMAL_EXIT};
   std::unique_ptr<Running> running;
-
-  std::mutex mutex;
-  CefRefPtr<CefApp> app;                  // guarded by mutex
-  CefRefPtr<CefCommandLine> commandLine;  // guarded by mutex
 };
 
 State& state() {
@@ -82,12 +78,6 @@ QStringList switchesAddedBy(const CefRefPtr<CefApp>& app, const CefRefPtr<Comman
   return added;
 }
 
-void setApp(const CefRefPtr<CefApp>& app, const CefRefPtr<CefCommandLine>& line) {
-  const std::lock_guard lock(state().mutex);
-  state().app = app;
-  state().commandLine = line;
-}
-
 void makeApplication(Running& running, const CefMainArgs& args) {
   for (int i = 0; i < args.argc; ++i) {
     running.words.emplace_back(args.argv[i]);
@@ -116,14 +106,14 @@ void logSetUp(const Options& options) {
 }
 
 void contextInitialized() {
-  const CefRefPtr<CefApp> app = Framework::app();
+  const CefRefPtr<CefApp> app = FrameworkState::app();
   if (const auto handler = app ? app->GetBrowserProcessHandler() : nullptr) {
     handler->OnContextInitialized();
   }
 }
 
 void relaunched(const InstanceLock::Relaunch& relaunch) {
-  const CefRefPtr<CefApp> app = Framework::app();
+  const CefRefPtr<CefApp> app = FrameworkState::app();
   const auto handler = app ? app->GetBrowserProcessHandler() : nullptr;
   if (!handler) {
     return;
@@ -176,12 +166,14 @@ bool Framework::start(const CefMainArgs& args, const CefSettings& settings,
     return fail();
   }
   state().wasStarted = true;
-  state().servesOffScreen = options.offScreen;
+  if (options.offScreen) {
+    enableOffScreenBrowsers();
+  }
 
   const CefRefPtr<CommandLine> line = commandLineOf(args);
   prepareEnvironment(options, switchesAddedBy(app, line));
   line->setReadOnly();
-  setApp(app, line);
+  FrameworkState::set(app, line);
   if (app) {
     CefSchemeRegistrar registrar;
     app->OnRegisterCustomSchemes(&registrar);
@@ -203,10 +195,6 @@ int Framework::exitCode() {
   return state().exitCode;
 }
 
-bool Framework::servesOffScreen() {
-  return state().servesOffScreen;
-}
-
 void Framework::run() {
   if (state().running) {
     QApplication::exec();
@@ -226,20 +214,10 @@ void Framework::stop() {
   }
   BrowserList::instance().destroyAll();
   Threads::instance().stop();
-  setApp(nullptr, nullptr);
+  FrameworkState::set(nullptr, nullptr);
   Profile::destroy();
   state().running.reset();
   BrowserLog::instance().close();
-}
-
-CefRefPtr<CefApp> Framework::app() {
-  const std::lock_guard lock(state().mutex);
-  return state().app;
-}
-
-CefRefPtr<CefCommandLine> Framework::commandLine() {
-  const std::lock_guard lock(state().mutex);
-  return state().commandLine;
 }
 
 }  // namespace cef_qt

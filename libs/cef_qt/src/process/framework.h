@@ -5,7 +5,7 @@
 
 namespace cef_qt {
 
-// The functions of include/cef_app.h; see there. UI thread but for the two getters.
+// The functions of include/cef_app.h; see there. UI thread.
 class Framework {
  public:
   static bool start(const CefMainArgs& args, const CefSettings& settings,
@@ -14,12 +14,6 @@ class Framework {
   static void run();
   static void quit();
   static void stop();
-
-  // Whether browsers can be drawn off screen.
-  static bool servesOffScreen();
-  // Null when the framework is not running.
-  static CefRefPtr<CefApp> app();
-  static CefRefPtr<CefCommandLine> commandLine();
 };
 
 }  // namespace cef_qt

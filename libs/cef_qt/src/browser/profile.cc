@@ -1,4 +1,4 @@
-#include "process/profile.h"
+#include "browser/profile.h"
 
 #include <QWebEngineProfile>
 #include <QWebEngineScript>

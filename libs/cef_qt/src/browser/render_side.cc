@@ -1,9 +1,10 @@
-#include "bridge/render_side.h"
+#include "browser/render_side.h"
 
 #include <optional>
 
-#include "process/framework.h"
-#include "process/profile.h"
+#include "base/framework_state.h"
+#include "browser/dialog_scheme.h"
+#include "browser/profile.h"
 #include "threads/threads.h"
 
 namespace cef_qt {
@@ -25,7 +26,7 @@ Forecast& forecast() {
 }  // namespace
 
 CefRefPtr<CefRenderProcessHandler> RenderSide::handler() {
-  const CefRefPtr<CefApp> app = Framework::app();
+  const CefRefPtr<CefApp> app = FrameworkState::app();
   return app ? app->GetRenderProcessHandler() : nullptr;
 }
 
@@ -58,7 +59,7 @@ bool RenderSide::matches(bool isTop, const RouterNameList& given, int scriptVers
 
 QString RenderSide::currentScript() {
   const Forecast& current = forecast();
-  return pageScript(current.version, current.top, current.of(false));
+  return pageScript(current.version, DialogScheme::name(), current.top, current.of(false));
 }
 
 }  // namespace cef_qt

@@ -3,7 +3,7 @@
 
 #include <QString>
 
-#include "process/options.h"
+#include "base/options.h"
 
 class QWebEngineProfile;
 class QWebEngineScript;

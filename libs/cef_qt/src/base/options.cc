@@ -1,4 +1,4 @@
-#include "process/options.h"
+#include "base/options.h"
 
 #include <unistd.h>
 

@@ -1,10 +1,10 @@
-#include "bridge/documents.h"
+#include "browser/documents.h"
 
 #include "base/qt_text.h"
-#include "bridge/render_side.h"
 #include "browser/browser_impl.h"
 #include "browser/dialog_scheme.h"
 #include "browser/frame_impl.h"
+#include "browser/render_side.h"
 #include "threads/threads.h"
 
 namespace cef_qt {

@@ -1,4 +1,4 @@
-#include "process/browser_log.h"
+#include "base/browser_log.h"
 
 #include <unistd.h>
 

@@ -50,7 +50,7 @@ double bytesOf(const CefRenderHandler::RectList& rects) {
 void copy(const CefRenderHandler::RectList& rects, const uint32_t* from, uint32_t* to) {
   for (const CefRect& rect : rects) {
     for (int y = rect.y; y < rect.y + rect.height; ++y) {
-      const auto start = static_cast<std::size_t>(y * kWidth + rect.x);
+      const auto start = static_cast<std::size_t>(y) * kWidth + static_cast<std::size_t>(rect.x);
       std::memcpy(to + start, from + start,
                   sizeof(uint32_t) * static_cast<std::size_t>(rect.width));
     }

@@ -96,7 +96,7 @@ void CMultipartUploads::load(const fs::path& folder) {
 }
 
 std::string CMultipartUploads::create(const std::string& bucketId, const std::string& path) {
-  const std::string id = randomHex(16);
+  std::string id = randomHex(16);
   Json::Value json;
   json["bucketId"] = bucketId;
   json["path"] = path;

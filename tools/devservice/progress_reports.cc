@@ -9,7 +9,7 @@ constexpr Json::ArrayIndex kMostFailures = 100;
 constexpr std::size_t kLongestText = 500;  // bytes
 
 std::string shortTextOf(const Json::Value& object, const char* key) {
-  const std::string text = textOf(object, key);
+  std::string text = textOf(object, key);
   if (text.size() > kLongestText) {
     refuse(std::string("\"") + key + "\" is too long.");
   }

@@ -11,7 +11,7 @@ from lint.unit_checks import Check
 THREAD_SAFETY_FOLDER = 'libs/zt_transfers/src/'
 THREAD_SAFETY_OPTIONS = ['-fsyntax-only', '-w', '-Wthread-safety', '-Wthread-safety-beta',
                          '-Werror=thread-safety', '-Werror=thread-safety-beta']
-TIDY_CONFIGURATIONS = ('.clang-tidy', 'tests/.clang-tidy')
+TIDY_CONFIGURATIONS = ('.clang-tidy', 'tests/.clang-tidy', 'bench/.clang-tidy')
 TIDY_OPTIONS = [
     # The default of 225000 triples the time; what the analyzer finds, it mostly finds at once.
     '-Xclang', '-analyzer-config', '-Xclang', 'max-nodes=50000',

@@ -177,6 +177,7 @@ CefString& CefString::operator=(const CefString& other) {
   }
   return *this;
 }
+// NOLINTNEXTLINE(performance-noexcept-move-constructor)
 CefString& CefString::operator=(CefString&& other) {
   if (text_ == &own_ && other.text_ == &other.own_) {
     std::swap(own_, other.own_);

@@ -37,6 +37,8 @@ class CefString {
   ~CefString();
 
   CefString& operator=(const CefString& other);
+  // Copies, and may run out of memory, where one of both is a structure's field.
+  // NOLINTNEXTLINE(performance-noexcept-move-constructor)
   CefString& operator=(CefString&& other);
   CefString& operator=(const std::string& utf8);
   CefString& operator=(const char* utf8);

@@ -2,20 +2,28 @@
 #ifndef CEF_INCLUDE_INTERNAL_CEF_TYPES_WRAPPERS_H_
 #define CEF_INCLUDE_INTERNAL_CEF_TYPES_WRAPPERS_H_
 
+#include <iterator>
+
 #include "include/internal/cef_string.h"
 #include "include/internal/cef_types.h"
 
 class CefPoint : public cef_point_t {
  public:
   CefPoint() = default;
-  CefPoint(int x_value, int y_value) : cef_point_t{x_value, y_value} {}
+  CefPoint(int x_value, int y_value) {
+    x = x_value;
+    y = y_value;
+  }
   void Set(int x_value, int y_value) { *this = CefPoint(x_value, y_value); }
 };
 
 class CefSize : public cef_size_t {
  public:
   CefSize() = default;
-  CefSize(int width_value, int height_value) : cef_size_t{width_value, height_value} {}
+  CefSize(int width_value, int height_value) {
+    width = width_value;
+    height = height_value;
+  }
   void Set(int width_value, int height_value) { *this = CefSize(width_value, height_value); }
 };
 
@@ -23,8 +31,12 @@ class CefRect : public cef_rect_t {
  public:
   CefRect() = default;
   CefRect(const cef_rect_t& rect) : cef_rect_t(rect) {}  // NOLINT(google-explicit-constructor)
-  CefRect(int x_value, int y_value, int width_value, int height_value)
-      : cef_rect_t{x_value, y_value, width_value, height_value} {}
+  CefRect(int x_value, int y_value, int width_value, int height_value) {
+    x = x_value;
+    y = y_value;
+    width = width_value;
+    height = height_value;
+  }
 
   bool IsEmpty() const { return width <= 0 || height <= 0; }
   void Set(int x_value, int y_value, int width_value, int height_value) {
@@ -48,7 +60,10 @@ inline bool operator==(const CefRect& a, const CefRect& b) {
 class CefRange : public cef_range_t {
  public:
   CefRange() = default;
-  CefRange(uint32_t from_value, uint32_t to_value) : cef_range_t{from_value, to_value} {}
+  CefRange(uint32_t from_value, uint32_t to_value) {
+    from = from_value;
+    to = to_value;
+  }
   void Set(uint32_t from_value, uint32_t to_value) { *this = CefRange(from_value, to_value); }
 };
 
@@ -150,7 +165,7 @@ class CefStructWithText : public Fields {
 
  private:
   void copyFrom(const CefStructWithText& other) {
-    constexpr std::size_t kCount = sizeof(Fields::kTextFields) / sizeof(Fields::kTextFields[0]);
+    constexpr std::size_t kCount = std::size(Fields::kTextFields);
     cef_string_t texts[kCount];
     for (std::size_t i = 0; i < kCount; ++i) {
       texts[i] = this->*Fields::kTextFields[i];

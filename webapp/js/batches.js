@@ -1,4 +1,4 @@
-// Work on long lists in pieces, so that the page can draw and answer in between.
+// Processes long lists in batches, so that the page can draw and react in between.
 
 export function* inBatches(items, size) {
   for (let begin = 0; begin < items.length; begin += size) {
@@ -6,7 +6,7 @@ export function* inBatches(items, size) {
   }
 }
 
-/** Resolves in a later task, after the page has had its turn. */
+/** Resolves in a later task, after the page could draw. */
 export function nextTurn() {
   return new Promise((resolve) => {
     setTimeout(resolve, 0);

@@ -1,5 +1,5 @@
-// Queries to the native side. Every bridge is one function of the window, given by the application;
-// in an ordinary browser there is none.
+// Queries to the native side. Every bridge is one function of the window, defined by the application;
+// in an ordinary browser they do not exist.
 
 export const BRIDGES = {
   app: 'nativeAppBridge_IPC',
@@ -22,7 +22,7 @@ export function isAvailable(bridge, root = globalThis) {
   return typeof root[bridge] === 'function';
 }
 
-/** Asks a bridge; gives the answer's value. Rejects with a BridgeError. */
+/** Queries a bridge; returns the answer's value. Rejects with a BridgeError. */
 export function query(bridge, method, parameters, root = globalThis) {
   return new Promise((resolve, reject) => {
     if (!isAvailable(bridge, root)) {

@@ -15,12 +15,12 @@ export function el(tag, attributes = {}, ...children) {
   return element;
 }
 
-/** Sets a text only when it differs, so that nothing is laid out or read out again in vain. */
+/** Sets a text only if it differs, so that nothing is laid out or read out again needlessly. */
 export function setText(element, text) {
   if (element.textContent !== text) element.textContent = text;
 }
 
-/** Tells users of a screen reader what happened. */
+/** Announces a text to users of a screen reader. */
 export function announce(text) {
   setText(document.getElementById('announcer'), text);
 }

@@ -1,6 +1,6 @@
-// From chosen files of a message to a download that has all of them: addresses from the service → group at the
-// library → files in batches. The group is paused until it has all of its files: with some of them it would
-// call itself complete, and its folder would open too early.
+// Turns chosen files of a message into a download: URLs from the service → group in the
+// library → files in batches. The group is paused until it has all of its files: with only some it would
+// be complete, and its folder would open too early.
 
 import { inBatches, nextTurn } from './batches.js';
 import { rememberDownload, rememberFilled } from './download_memory.js';
@@ -53,7 +53,7 @@ export class DownloadFlow {
     return { transfer, first };
   }
 
-  /** Hands all files over. Ends early, without an error, when the download is cancelled meanwhile. */
+  /** Queues all files. Ends early, without an error, if the download is cancelled meanwhile. */
   async fill({ transfer, first }, message, files) {
     const inPieces = files.length > BATCH;
     if (inPieces) await this.#manager.pause(transfer.id);
@@ -69,7 +69,7 @@ export class DownloadFlow {
     transfer.set('phase', 'running');
     rememberFilled(transfer);
     if (inPieces) await this.#manager.resume(transfer.id);
-    // It may have come to its end before it was known to be full.
+    // It may have ended before all of its files were known to be queued.
     if (transfer.get('state') === 'COMPLETED') this.#transfers.completed(transfer);
   }
 

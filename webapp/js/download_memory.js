@@ -1,5 +1,5 @@
-// What the page remembers of downloads for later sessions: the library keeps the group and its files, but does
-// not tell which files they are. Kept in the browser's own storage.
+// The page's record of downloads for later sessions: the library keeps the group and its files, but does
+// not report which files they are. Kept in the browser's own storage.
 
 import { fromRanges, toRanges } from './id_ranges.js';
 
@@ -16,12 +16,12 @@ function readAll() {
   }
 }
 
-/** `ids`: of the files that were chosen, null for all files of the message. They are not all handed over yet. */
+/** `ids`: of the chosen files, null for all files of the message. Not all of them are queued yet. */
 export function rememberDownload(transfer, ids) {
   write(transfer, { ...known(transfer), files: ids && toRanges(ids), filled: false });
 }
 
-/** From now on the library has all files. */
+/** The library has all files. */
 export function rememberFilled(transfer) {
   const entry = readAll()[keyOf(transfer.attributes)];
   if (entry) write(transfer, { ...entry, ...known(transfer), filled: true });
@@ -38,13 +38,13 @@ function write(transfer, entry) {
   try {
     localStorage.setItem(PLACE, JSON.stringify(Object.fromEntries(kept)));
   } catch {
-    // The storage is full: the download itself needs none of it.
+    // The storage is full; the download does not depend on it.
   }
 }
 
 /**
- * {attributes, files}: what to set, and the set of the chosen files' ids or null; null when forgotten. Its phase is
- * "interrupted" where the page was loaded anew before all files were handed over.
+ * {attributes, files}: the attributes to set, and the chosen files' ids or null; null if forgotten. The phase is
+ * "interrupted" if the page was reloaded before all files were queued.
  */
 export function rememberedDownload(group) {
   const found = readAll()[keyOf(group)];

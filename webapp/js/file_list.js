@@ -1,5 +1,5 @@
-// The files that are chosen for sending: ordered, without duplicates, with running totals.
-// Pure model; every change of one file costs the same however many there are, except that a
+// The files chosen for sending: ordered, without duplicates, with running totals.
+// Pure model; a change of one file takes the same time for any number of files, except that a
 // removal moves the entries behind it.
 
 export class FileList {

@@ -1,4 +1,4 @@
-// A message's title as a folder's name. Pure.
+// Turns a message's title into a folder name. Pure.
 
 const LONGEST = 120;  // bytes of UTF-8; file systems take 255 a name
 const LONE_SURROGATES = /[\ud800-\udbff](?![\udc00-\udfff])|(?<![\ud800-\udbff])[\udc00-\udfff]/g;
@@ -16,7 +16,7 @@ function shorten(text) {
   return text.slice(0, length);
 }
 
-/** Never empty, hidden, or a path of its own. */
+/** Never empty, hidden, or a path. */
 export function folderName(title) {
   const oneName = title.replace(LONE_SURROGATES, '').replace(/[/\\:\s\u0000-\u001f\u007f]+/g, ' ').replace(/^[\s.]+/, '');
   return shorten(oneName).replace(/[\s.]+$/, '') || 'Message';

@@ -1,8 +1,8 @@
-// Sizes, rates, times and names as a person reads them. Pure functions.
+// Sizes, rates, times and names for display. Pure functions.
 
 const UNITS = ['bytes', 'KB', 'MB', 'GB', 'TB', 'PB'];
 
-/** 1 KB is 1000 bytes, as the system's file manager counts. */
+/** 1 KB is 1000 bytes, as in the system's file manager. */
 export function formatSize(bytes) {
   if (!Number.isFinite(bytes) || bytes < 0) return '–';
   if (bytes === 1) return '1 byte';
@@ -16,12 +16,12 @@ export function formatSize(bytes) {
   return `${value.toFixed(digits)} ${UNITS[unit]}`;
 }
 
-/** An empty text where nothing moves. */
+/** Empty if nothing is transferring. */
 export function formatRate(bytesPerSecond) {
   return bytesPerSecond > 0 ? `${formatSize(bytesPerSecond)}/s` : '';
 }
 
-/** Time left, coarser the longer it is; an empty text where it is not known. */
+/** Remaining time, coarser the longer it is; empty if unknown. */
 export function formatTimeLeft(seconds) {
   if (!Number.isFinite(seconds) || seconds <= 0) return '';
   if (seconds < 60) return `${Math.ceil(seconds)} s left`;
@@ -64,7 +64,7 @@ export function formatDate(milliseconds, now = Date.now()) {
 
 const MONTHS = ['Jan', 'Feb', 'Mar', 'Apr', 'May', 'Jun', 'Jul', 'Aug', 'Sep', 'Oct', 'Nov', 'Dec'];
 
-/** When something expires, in seconds since 1970 (0: never; an empty text). */
+/** The text for an expiry in seconds since 1970; empty for 0, which means never. */
 export function formatExpiry(seconds, now = Date.now()) {
   if (!(seconds > 0)) return '';
   const left = seconds * 1000 - now;

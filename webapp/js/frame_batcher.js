@@ -1,6 +1,6 @@
-// Collects what changed and hands it over once a frame, however often it changed.
+// Collects changed items and passes them on once per frame.
 
-/** Calls back at the next frame, or soon when frames are not drawn (a hidden window). */
+/** Calls back at the next frame, or soon if no frames are drawn (a hidden window). */
 export function atNextFrame(callback, limit = 250) {
   let done = false;
   const once = () => {
@@ -18,7 +18,7 @@ export class FrameBatcher {
   #flush;
   #schedule;
 
-  /** `flush(set)` gets everything that was marked since the last frame. */
+  /** `flush(set)` gets all items marked since the last frame. */
   constructor(flush, schedule = atNextFrame) {
     this.#flush = flush;
     this.#schedule = schedule;

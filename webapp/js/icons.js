@@ -27,13 +27,13 @@ const PATHS = {
   cloud: 'M5.800 15.200a3.400 3.400 0 0 1-.3-6.800 4.700 4.700 0 0 1 9-.5 3.700 3.700 0 0 1-.3 7.300zM10 13V9M8.300 10.500 10 8.800l1.700 1.700',
 };
 
-/** Shows another drawing in an icon that is there already. */
+/** Replaces the drawing of an existing icon. */
 export function changeIcon(svg, name) {
   svg.setAttribute('class', `icon icon-${name}`);
   svg.firstChild.setAttribute('d', PATHS[name]);
 }
 
-/** A decorative icon; what it means is told by text beside it. */
+/** A decorative icon; text beside it states its meaning. */
 export function icon(name) {
   const svg = document.createElementNS('http://www.w3.org/2000/svg', 'svg');
   svg.setAttribute('viewBox', '0 0 20 20');

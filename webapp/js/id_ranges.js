@@ -1,4 +1,4 @@
-// Sets of ids as a short text: "1-500,702,x7". Pure.
+// Converts sets of ids to a short text and back: "1-500,702,x7". Pure.
 
 const isNumber = (id) => /^[1-9]\d{0,14}$/.test(id);
 

@@ -3,8 +3,8 @@ import { formatCount } from './format.js';
 import { chooser } from './native.js';
 
 /**
- * The ways by which files come into the draft. Triggers "outcome" with {kind, text} for the user, and
- * "busy" with a boolean while the native side is asked.
+ * Adds files to the draft. Triggers "outcome" with {kind, text} for the user, and
+ * "busy" with a boolean around queries to the native side.
  */
 export class Intake {
   constructor(draft) {

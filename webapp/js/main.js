@@ -44,7 +44,7 @@ setInterval(() => {
 }, STANDSTILL_CHECK_MS);
 
 async function start() {
-  // Before transfers of an earlier session go on: the settings are theirs, too.
+  // Before transfers of an earlier session continue, because the settings apply to them too.
   await applySavedSettings().catch((error) => shell.notify({ kind: 'error', text: error.message }));
   await app.ready();
   await transfers.load();

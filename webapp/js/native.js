@@ -1,4 +1,4 @@
-// What the application offers, by subject.
+// The application's bridges, by subject.
 
 import { BRIDGES, isAvailable, query } from './bridge.js';
 
@@ -8,7 +8,7 @@ export const app = {
   exit: () => query(BRIDGES.app, 'onAppExit'),
 };
 
-/** Each gives {files, directoryName, summary}, or null when nothing was chosen. */
+/** Each returns {files, directoryName, summary}, or null if nothing was chosen. */
 export const chooser = {
   isThere: () => isAvailable(BRIDGES.files),
   selectFiles: () => query(BRIDGES.files, 'selectFiles'),
@@ -16,7 +16,7 @@ export const chooser = {
   handleDrop: () => query(BRIDGES.files, 'handleDrop'),
 };
 
-/** What both transfer managers offer. */
+/** The methods of both transfer managers. */
 function manager(bridge) {
   return {
     isThere: () => isAvailable(bridge),
@@ -37,7 +37,7 @@ export const uploads = {
   markQueue: (groupId) => query(BRIDGES.upload, 'markQueue', { groupId }),
 };
 
-/** `createGroup` gives null when the user chose no folder. */
+/** `createGroup` returns null if the user chose no folder. */
 export const downloads = manager(BRIDGES.download);
 
 export const notifications = {
@@ -45,7 +45,7 @@ export const notifications = {
   show: (properties) => query(BRIDGES.notification, 'handleEvent', { properties }),
 };
 
-/** `search` gives an array of {email, name}, each of which may be missing, with null elements. */
+/** `search` returns an array of {email, name}, both optional, and null elements. */
 export const addressBook = {
   isThere: () => isAvailable(BRIDGES.addressBook),
   search: (text) => query(BRIDGES.addressBook, 'search', { query: text }),

@@ -1,9 +1,9 @@
-// One notification of the system for each transfer that comes to its end.
+// One desktop notification for each transfer that ends.
 
 import { formatCount, formatNumber } from './format.js';
 import { senderName } from './sender_name.js';
 
-/** The texts for a transfer that is over. Pure. */
+/** The texts for a transfer that has ended. Pure. */
 export function notificationWords(transfer) {
   const { direction, state, subject, recipients, sender, fileCount, phase } = transfer.attributes;
   const sent = direction === 'upload';
@@ -26,7 +26,7 @@ export class Notifier {
     Object.assign(this, { notifications, address });
   }
 
-  /** Tells of what comes to its end in a collection of transfers. */
+  /** Notifies about the ends of a collection's transfers. */
   watch(transfers) {
     transfers.on('over', (transfer) => this.#tell(transfer));
   }
@@ -36,7 +36,7 @@ export class Notifier {
     try {
       await this.notifications.show({ ...notificationWords(transfer), url: this.address });
     } catch {
-      // The page itself shows how every transfer ended.
+      // The page shows the end of every transfer anyway.
     }
   }
 }

@@ -1,4 +1,4 @@
-// Why something failed or waits, in words for people. The codes are the transfer library's
+// Sentences for the reasons of failures and waits. The codes are the transfer library's
 // (docs/transfers.md); its own sentence is the detail. Pure functions.
 
 const FILE = {
@@ -36,20 +36,20 @@ const WAITING = {
   server_busy: 'The server is busy. It goes on by itself when the server has time.',
 };
 
-/** A few words for a failed file; empty where no reason is known. */
+/** A short text for a failed file; empty if no reason is known. */
 export function failedFileWords(reason, direction) {
   if (!reason) return '';
   if (reason.code === 'refused') return REFUSED[direction] ?? REFUSED.upload;
   return FILE[reason.code] ?? reason.reason;
 }
 
-/** Why a transfer rests and what will end that; empty where it does not, or nobody knows. */
+/** Why a transfer waits and what ends the wait; empty if it does not wait or the reason is unknown. */
 export function waitingWords(reason) {
   if (!reason) return '';
   return WAITING[reason.code] ?? `It waits and goes on by itself: ${reason.reason}.`;
 }
 
-/** Why files failed, in one sentence; empty where no reason is known. */
+/** Why files failed, in one sentence; empty if no reason is known. */
 export function commonReason(reasons, direction) {
   const words = new Set(reasons.map((reason) => failedFileWords(reason, direction)));
   if (words.size > 1) return 'The list of files says why.';

@@ -1,5 +1,5 @@
-// The files of a received message: which of them are shown, and which are chosen. Pure model; choosing one costs
-// the same however many there are.
+// The files of a received message, and which are shown and chosen. Pure model; choosing one takes
+// the same time for any number of files.
 
 import { splitPath } from './paths.js';
 
@@ -23,7 +23,7 @@ export class ReceivedFiles {
     return this.#bytes;
   }
 
-  /** How many are shown. */
+  /** The number of shown files. */
   get count() {
     return this.#shown ? this.#shown.length : this.#files.length;
   }
@@ -36,12 +36,12 @@ export class ReceivedFiles {
     return this.#chosenBytes;
   }
 
-  /** The file at a position of what is shown. */
+  /** The file at a position of the shown list. */
   at(position) {
     return this.#files[this.#indexAt(position)];
   }
 
-  /** Shows only the files whose path has all words of the text; an empty text shows all. */
+  /** Shows only files whose path contains all words of the text; an empty text shows all. */
   filter(text) {
     const words = text.toLocaleLowerCase().split(/\s+/).filter(Boolean);
     if (words.length === 0) {
@@ -63,17 +63,17 @@ export class ReceivedFiles {
     this.#set(this.#indexAt(position), chosen);
   }
 
-  /** All positions from one to the other, both included. */
+  /** Chooses a range of positions, both ends included. */
   chooseRange(from, to, chosen) {
     for (let at = Math.min(from, to); at <= Math.max(from, to); at += 1) this.choose(at, chosen);
   }
 
-  /** Everything that is shown. */
+  /** Chooses all shown files. */
   chooseShown(chosen) {
     if (this.count > 0) this.chooseRange(0, this.count - 1, chosen);
   }
 
-  /** "all", "some" or "none" of what is shown. */
+  /** Whether "all", "some" or "none" of the shown files are chosen. */
   chosenOfShown() {
     if (this.#chosen.size === 0) return 'none';
     const count = this.#shown
@@ -83,7 +83,7 @@ export class ReceivedFiles {
     return count === this.count ? 'all' : 'some';
   }
 
-  /** What is to be downloaded, in the message's order: the chosen files, or all when none is chosen. */
+  /** The files to download, in the message's order: the chosen ones, or all if none is chosen. */
   wanted() {
     if (this.#chosen.size === 0) return this.#files;
     return [...this.#chosen].sort((a, b) => a - b).map((index) => this.#files[index]);

@@ -1,4 +1,4 @@
-// The recipient that is being typed among those that are there, and putting a suggestion in its place. Pure.
+// Finds the recipient being typed and replaces it by a suggestion. Pure.
 
 const SEPARATORS = /[,;\n]/;
 
@@ -11,13 +11,13 @@ export function entryAt(text, caret) {
   return { begin, end, text: text.slice(begin, caret).trim() };
 }
 
-/** "Ann Lee <ann@example.org>"; what would break the entry is left out of the name. */
+/** "Ann Lee <ann@example.org>"; characters that would break the entry are removed from the name. */
 export function recipientText({ name, email }) {
   const plain = (name ?? '').replace(/[,;<>"\s]+/g, ' ').trim();
   return plain && plain !== email ? `${plain} <${email}>` : email;
 }
 
-/** Replaces the entry at the caret; gives the new {text, caret}, ready for the next entry. */
+/** Replaces the entry at the caret; returns the new {text, caret}, ready for the next entry. */
 export function replaceEntry(text, caret, person) {
   const { begin, end } = entryAt(text, caret);
   const before = text.slice(0, begin).trimEnd();
@@ -26,7 +26,7 @@ export function replaceEntry(text, caret, person) {
   return { text: head + rest, caret: head.length };
 }
 
-/** Those of a search's answer that can be suggested: with an address, each once, none that is there already. */
+/** The search results to suggest: with an address, each once, without recipients already entered. */
 export function usableSuggestions(answer, taken, most) {
   const known = new Set(taken.map((address) => address.toLowerCase()));
   const people = [];

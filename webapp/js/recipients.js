@@ -1,4 +1,4 @@
-// Reading the recipients field. Pure functions.
+// Parses the recipients field. Pure functions.
 
 const ADDRESS = /^[^\s@<>(),;:"]+@[^\s@<>(),;:"]+\.?[^\s@<>(),;:".]$/;
 
@@ -8,7 +8,7 @@ function addressOf(entry) {
   return (bracketed ? bracketed[1] : entry).trim();
 }
 
-/** Splits at commas, semicolons and line ends; gives {addresses, invalid}, without duplicates. */
+/** Splits at commas, semicolons and line ends; returns {addresses, invalid}, without duplicates. */
 export function parseRecipients(text) {
   const addresses = new Map();
   const invalid = [];

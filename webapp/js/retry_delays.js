@@ -1,8 +1,8 @@
-// How long to wait before asking an unreachable service again. Pure.
+// The waits between tries to reach the service. Pure.
 
 const SECONDS = [3, 5, 10, 20, 30];
 
-/** Seconds before the attempt with that number, counted from 0. */
+/** Seconds before the try with that number, counted from 0. */
 export function secondsBefore(attempt) {
   return SECONDS[Math.min(attempt, SECONDS.length - 1)];
 }

@@ -1,6 +1,6 @@
-// Which rows of a long list are to be in the document. Pure functions.
+// Which rows of a long list belong in the document. Pure functions.
 
-/** The half-open range of rows to render for a scroll position, with some to spare on both sides. */
+/** The half-open range of rows to render for a scroll position, with a margin on both sides. */
 export function rowWindow({ scrollTop, viewHeight, rowHeight, count, spare = 6 }) {
   const first = Math.floor(Math.max(0, scrollTop) / rowHeight) - spare;
   const last = Math.ceil((Math.max(0, scrollTop) + viewHeight) / rowHeight) + spare;

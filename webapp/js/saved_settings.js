@@ -1,20 +1,20 @@
-// The settings that were saved last, for the library begins every session with its own defaults. They hold
-// for sending and for downloading, but for the limits of their rates.
+// The last saved settings, because the library begins every session with its defaults. They apply
+// to uploads and downloads, except the rate limits, which are separate.
 
 import { downloads, uploads } from './native.js';
 
 const PLACE = 'zantrio.settings';
 
-// Seconds between reports to the service, until somebody chooses: without them nobody could say why a file failed.
+// Default seconds between reports to the service; without reports the reasons for failures are unknown.
 const USUAL_INTERVAL = 10;
 
-/** Hands changes to both managers; gives the configurations after them, {upload, download}. */
+/** Applies changes to both managers; returns the new configurations, {upload, download}. */
 export async function changeSettings({ common, upload, download, interval }) {
   const before = await uploads.getConfiguration();
   const rate = upload?.throttleBytesPerSecond ?? before.throttleBytesPerSecond;
   const wanted = [{ ...common, ...upload, throttleBytesPerSecond: rate }];
-  // The native side takes the interval of progress reports from the rate's place, so the rate follows it: both are
-  // asked for in one turn, so that no transfer ever gets to know that rate.
+  // The native side reads the interval of progress reports from the rate's key, so the rate follows in a
+  // second query. Both are sent in one turn, so that no transfer uses the interval as its rate.
   if (interval !== undefined && interval !== before.serverTransferProgressInterval) {
     wanted.unshift({ serverTransferProgressInterval: interval, throttleBytesPerSecond: interval });
   }
@@ -41,7 +41,7 @@ export async function applySavedSettings() {
   try {
     saved = JSON.parse(localStorage.getItem(PLACE));
   } catch {
-    // Something else wrote there; the defaults hold.
+    // The stored text is not ours; the defaults apply.
   }
   if (uploads.isThere()) await changeSettings({ interval: USUAL_INTERVAL, ...saved });
 }

@@ -1,6 +1,6 @@
-// From a written message to a transfer that has all of its files:
-// message at the service → group at the library → files in batches (announced at the service, queued
-// at the library) → the queue is marked as complete.
+// Turns a written message into a transfer:
+// message at the service → group in the library → files in batches (announced at the service, queued
+// in the library) → the queue is marked as complete.
 
 import { inBatches, nextTurn } from './batches.js';
 import { splitPath } from './paths.js';
@@ -20,7 +20,7 @@ export class SendFlow {
     this.#transfers = transfers;
   }
 
-  /** Creates the transfer of the draft's content; gives it before its files are handed over. */
+  /** Creates the transfer of the draft's content; returns it before its files are queued. */
   async begin(content) {
     const message = await this.#connection.persistently(() => this.#service.createMessage({
       subject: content.subject, text: content.text, recipients: content.recipients,
@@ -47,7 +47,7 @@ export class SendFlow {
     return { transfer, token: message.token };
   }
 
-  /** Hands all files over. Ends early, without an error, when the transfer is cancelled meanwhile. */
+  /** Queues all files. Ends early, without an error, if the transfer is cancelled meanwhile. */
   async fill(transfer, token, files) {
     let queueing = Promise.resolve();
     for (const batch of inBatches(files, BATCH)) {

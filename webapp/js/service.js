@@ -1,6 +1,6 @@
 // The service's JSON API.
 
-/** The service cannot be reached, or is too busy to answer: worth trying again. */
+/** The service is unreachable or too busy; a retry may help. */
 export class ServiceUnreachable extends Error {
   constructor(message = 'The service cannot be reached.') {
     super(message);
@@ -8,7 +8,7 @@ export class ServiceUnreachable extends Error {
   }
 }
 
-/** The service has answered no; the message says why. */
+/** The service refused the request; the message says why. */
 export class ServiceRefused extends Error {
   constructor(message, status, code) {
     super(message);
@@ -50,7 +50,7 @@ async function refusal(answer) {
   try {
     error = (await answer.json()).error ?? {};
   } catch {
-    // Not the service's own words; the status has to do.
+    // Not a response of the service itself; the status is the only reason.
   }
   return new ServiceRefused(
     error.message ?? `The service refused (${answer.status}).`, answer.status, error.code);
@@ -81,7 +81,7 @@ export const service = {
   requestDownloads: (bucketId, ids) =>
     call('POST', `${receivedPath(bucketId)}/downloads`, { body: { files: ids } }),
 
-  /** The files of a message, in pieces, so that the page can draw in between. */
+  /** The files of a message, in batches, so that the page can draw in between. */
   async allReceivedFiles(bucketId, onProgress = () => {}) {
     const all = [];
     for (let after = '0'; after !== null;) {

@@ -1,8 +1,8 @@
-// Between the transfer configurations and what the settings page shows. Pure functions.
+// Converts between transfer configurations and the settings page's fields. Pure functions.
 
 const MEGABYTE = 1000 * 1000;
 
-/** What the form's fields show for the configurations {upload, download}; download may be null. */
+/** The form's fields for the configurations {upload, download}; download may be null. */
 export function toForm({ upload, download }) {
   return {
     maxConcurrentTransfers: String(upload.maxConcurrentTransfers),
@@ -22,7 +22,7 @@ function rateFields(limited, throttle, configuration) {
 }
 
 /**
- * The changes that a filled form asks for: {changes, problems}, problems being texts by field. `changes` is
+ * The changes of a filled form: {changes, problems}; problems are texts by field. `changes` is
  * {common, upload, download, interval}: for both managers, for each, and the seconds between reports.
  */
 export function fromForm(form) {

@@ -5,19 +5,19 @@ const PAUSE_MS = 150;
 const MOST = 8;
 
 /**
- * Asks the address book while somebody types: not for every letter, and an answer counts only while nothing
- * newer was asked. Where there is no address book nothing is found, without a word.
+ * Searches the address book while the user types: not for every letter, and an answer counts only if no
+ * newer search has begun. Without an address book nothing is found.
  */
 export class SuggestionSearch {
   #latest = 0;
   #timer = null;
 
-  /** `found(people)` gets the people for the latest text; an empty array for an empty one, at once. */
+  /** `found(people)` gets the people for the latest text; for an empty text an empty array, at once. */
   constructor({ addressBook, found }) {
     Object.assign(this, { addressBook, found });
   }
 
-  /** `recipients`: the whole field's text; who is in it already is not suggested. */
+  /** `recipients`: the whole field's text; recipients in it are not suggested. */
   ask(text, recipients) {
     this.stop();
     if (!text || !this.addressBook.isThere()) {
@@ -28,7 +28,7 @@ export class SuggestionSearch {
     this.#timer = setTimeout(() => this.#search(number, text, recipients), PAUSE_MS);
   }
 
-  /** What was asked is not wanted any more. */
+  /** Discards a running search. */
   stop() {
     clearTimeout(this.#timer);
     this.#latest += 1;
@@ -39,7 +39,7 @@ export class SuggestionSearch {
     try {
       answer = await this.addressBook.search(text);
     } catch {
-      // There is no address book.
+      // No address book exists.
     }
     if (number !== this.#latest) return;
     this.found(usableSuggestions(answer, parseRecipients(recipients).addresses, MOST));

@@ -1,5 +1,5 @@
-// The files of one transfer and their states. Pure model; an event costs the same however many
-// files there are.
+// The files of one transfer and their states. Pure model; an event takes the same time for any number
+// of files.
 
 export const FILE_STATES = ['UNKNWON', 'TRANSFERRING', 'COMPLETED', 'ERRORED', 'PAUSED'];
 
@@ -15,17 +15,17 @@ export class TransferFiles {
     return this.#files.length;
   }
 
-  /** How many files are to arrive. */
+  /** The number of files to transfer. */
   get wanted() {
     return this.#files.length - this.#leftOut;
   }
 
-  /** Sizes of all files as they were announced. */
+  /** The announced size of all files. */
   get bytes() {
     return this.#bytes;
   }
 
-  /** Bytes of all files that have been sent. */
+  /** The size of all completed files. */
   get bytesDone() {
     return this.#done;
   }
@@ -42,7 +42,7 @@ export class TransferFiles {
     return this.#files[this.#byId.get(id)];
   }
 
-  /** The indices of the files in a state, in the files' order; null stands for all files. */
+  /** The indices of the files in a state, in the files' order; null means all files. */
   indicesIn(state) {
     if (!state) return null;
     return [...this.#inState.get(state)].sort((a, b) => a - b);
@@ -58,7 +58,7 @@ export class TransferFiles {
     return files;
   }
 
-  /** Adds files, or tells more of those that events have named already. */
+  /** Adds files, or completes the data of files that events named already. */
   describe(descriptions) {
     for (const { id, name, folder, size, state } of descriptions) {
       const file = this.#fetch(id);
@@ -69,7 +69,7 @@ export class TransferFiles {
     }
   }
 
-  /** Takes in what the native side says of a file. Gives whether anything changed. */
+  /** Applies a file event of the native side. Returns whether anything changed. */
   update(id, state, done, total) {
     const file = this.#fetch(id);
     const known = this.#inState.has(state) ? state : 'UNKNWON';
@@ -83,7 +83,7 @@ export class TransferFiles {
     return true;
   }
 
-  /** All files that nothing is known of are done. */
+  /** Marks all files of unknown state as done. */
   completeRest() {
     for (const index of [...this.#inState.get('UNKNWON')]) {
       const file = this.#files[index];
@@ -92,7 +92,7 @@ export class TransferFiles {
     }
   }
 
-  /** Forgets a file that is not to be sent any more. Its index stays, its row says so. */
+  /** Leaves a file out. Its index stays, and its row says so. */
   leaveOut(id) {
     const file = this.byId(id);
     if (!file || file.leftOut) return;

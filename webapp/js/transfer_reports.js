@@ -1,7 +1,7 @@
-// What the transfer library has reported to the service of a transfer's troubles: the events of the native
-// side tell that a file failed, but not why. Everything works without reports, only with fewer words.
+// The transfer library's reports to the service about a transfer's problems. The events of the native
+// side say that a file failed, but not why. Without reports everything works, with less precise texts.
 
-// The report comes a moment after the event, and the next one an interval later.
+// The report arrives shortly after the event, the next one an interval later.
 const PAUSES_MS = [400, 1500, 5000, 15000];
 
 export class TransferReports {
@@ -14,20 +14,20 @@ export class TransferReports {
     this.#pauses = pauses;
   }
 
-  /** Finds out why files of a transfer failed, soon and all together. */
+  /** Requests the reasons for a transfer's failures, with a short delay that collects several. */
   wanted(transfer) {
     const asking = this.#asking.get(transfer);
     if (asking) asking.again = true;
     else this.#askInTurn(transfer);
   }
 
-  /** The same, for a transfer that has just come to its end: the library reports that at once. */
+  /** The same for a transfer that has just ended; the library reports an end at once. */
   wantedNow(transfer) {
     this.#asking.delete(transfer);
     this.#askInTurn(transfer);
   }
 
-  /** Asks once. */
+  /** Sends one request. */
   async ask(transfer) {
     const { bucketId, direction } = transfer.attributes;
     if (!bucketId) return;
@@ -35,7 +35,7 @@ export class TransferReports {
       const reports = await this.#service.progressOf(bucketId, transfer.id);
       if (reports[direction]) transfer.takeReport(reports[direction]);
     } catch {
-      // A service without reports, or none at all just now.
+      // The service has no reports, or is unreachable.
     }
   }
 

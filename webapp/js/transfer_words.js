@@ -1,4 +1,4 @@
-// What a transfer and its files are called in front of a person. Pure functions.
+// Texts for transfers and their files. Pure functions.
 
 import {
   formatCount, formatNumber, formatPercent, formatRate, formatSize, formatTimeLeft,
@@ -42,7 +42,7 @@ export function groupWords({ direction, phase, state, waitingFor = null }) {
 
 const FILE = { ERRORED: 'Failed', PAUSED: 'Paused', UNKNWON: 'Waiting' };
 
-/** A file's state; `known` is false where nobody has told it yet. */
+/** A file's state; `known` is false if it has not been reported yet. */
 export function fileWords(file, { direction = 'upload', known = true } = {}) {
   if (file.leftOut) return 'Left out';
   if (file.state === 'TRANSFERRING') return formatPercent(file.done, file.size);
@@ -51,26 +51,26 @@ export function fileWords(file, { direction = 'upload', known = true } = {}) {
   return FILE[file.state] ?? FILE.UNKNWON;
 }
 
-/** What the filters of a transfer's files are called. */
+/** The labels of the file filters. */
 export function filterLabels(direction) {
   const { moving, done } = wordsOf(direction);
   return { all: 'All', moving, waiting: 'Waiting', done, failed: 'Failed' };
 }
 
-/** "12 of 5,000 files, 45 MB of 1.2 GB"; without the files where `known` is false. */
+/** "12 of 5,000 files, 45 MB of 1.2 GB"; without the files if `known` is false. */
 export function progressWords({ done, count, bytesDone, bytesTotal, finished, known = true }) {
   if (finished) return `${formatCount(count, 'file')}, ${formatSize(bytesTotal)}`;
   const bytes = `${formatSize(bytesDone)} of ${formatSize(bytesTotal)}`;
   return known ? `${formatNumber(done)} of ${formatCount(count, 'file')}, ${bytes}` : bytes;
 }
 
-/** "12.3 MB/s, 3 min left"; empty while nothing moves. */
+/** "12.3 MB/s, 3 min left"; empty if nothing is transferring. */
 export function paceWords({ state, rate, secondsLeft }) {
   if (state !== 'TRANSFERRING') return '';
   return [formatRate(rate), formatTimeLeft(secondsLeft)].filter(Boolean).join(', ');
 }
 
-/** What failed and what one can do about it; an empty text when nothing did. */
+/** The failure and a remedy; empty if nothing failed. */
 export function failureWords({ direction, names, total, phase, reachable = true, outOfTime = false, reason = '' }) {
   const words = wordsOf(direction);
   if (phase === 'interrupted') return words.interrupted;

@@ -3,8 +3,8 @@ import { secondsBefore } from '../retry_delays.js';
 import { service, ServiceUnreachable } from '../service.js';
 
 /**
- * Whether the service can be reached. Once a call failed it counts down, asks again, and so on;
- * what waits for the service goes on as soon as it answers.
+ * Whether the service is reachable. After a failed call it counts down and tries again, repeatedly;
+ * waiting calls continue as soon as the service responds.
  *
  * Attributes: reachable, trying, secondsLeft, reason.
  */
@@ -16,7 +16,7 @@ export const Connection = Backbone.Model.extend({
     this.waiting = [];
   },
 
-  /** Runs a call of the service again and again until the service has answered it. */
+  /** Repeats a call of the service until the service responds. */
   async persistently(call) {
     for (;;) {
       try {
@@ -31,7 +31,7 @@ export const Connection = Backbone.Model.extend({
     }
   },
 
-  /** To be told by who met an unreachable service. */
+  /** Reports that a call could not reach the service. */
   lost(reason) {
     if (!this.get('reachable') && (this.timer || this.get('trying'))) return;
     this.set({ reachable: false, reason });

@@ -5,18 +5,18 @@ import { TransferGroups } from './transfer_groups.js';
 
 export const ADDRESS_BATCH = 2000;
 const RENEWALS = 3;
-// Where the library says that this is why a file failed, another address may help; the service knows how often.
+// For these failure codes a new URL may help.
 const RENEWALS_BY_REASON = { url_expired: RENEWALS, refused: 1 };
 const RENEWAL_PAUSE_MS = 300;
 
-/** Everything that is being downloaded. */
+/** All downloads. */
 export const Downloads = TransferGroups.extend({
   hidingPlace: 'zantrio.clearedDownloads',
   hidingKey: ({ id, bucketId }) => `${id}:${bucketId}`,
 
   restored: (group) => ({ direction: 'download', phase: 'running', ...rememberedDownload(group)?.attributes }),
 
-  /** Learns from the service what a download of an earlier session was about. */
+  /** Asks the service for the message of an earlier session's download. */
   async recall(transfer) {
     const bucketId = transfer.get('bucketId');
     try {
@@ -32,7 +32,7 @@ export const Downloads = TransferGroups.extend({
     }
   },
 
-  /** What became of the files in an earlier session is not told; only of a complete one all are there. */
+  /** The library does not report files of an earlier session; only a complete download has all of them. */
   describe(transfer, files) {
     const state = transfer.get('state') === 'COMPLETED' ? 'COMPLETED' : null;
     transfer.files.describe(files.map((file) => ({
@@ -52,7 +52,7 @@ export const Downloads = TransferGroups.extend({
     this.on('reasons', (transfer) => this.renewForReasons(transfer));
   },
 
-  /** The clocks of this computer and of the servers may differ, so that a refusal can mean an old address. */
+  /** The clocks of this computer and the servers may differ, so a refusal can mean an expired URL. */
   renewForReasons(transfer) {
     for (const [fileId, { code }] of transfer.reasons) {
       const most = RENEWALS_BY_REASON[code] ?? 0;
@@ -60,7 +60,7 @@ export const Downloads = TransferGroups.extend({
     }
   },
 
-  /** The service gives addresses for a while only: a file whose address is too old gets a new one. */
+  /** URLs expire: a file with an expired URL gets a new one. */
   renewSoon(transfer, fileId) {
     if (!transfer.addressIsOld(fileId) || (transfer.renewals.get(fileId) ?? 0) >= RENEWALS) return;
     this.addRenewal(transfer, fileId);
@@ -85,7 +85,7 @@ export const Downloads = TransferGroups.extend({
     }
   },
 
-  /** Queues files again, with new addresses. */
+  /** Queues files again, with new URLs. */
   async queueAnew(transfer, ids) {
     for (const batch of inBatches(ids, ADDRESS_BATCH)) {
       const { files } = await this.connection.persistently(
@@ -104,12 +104,12 @@ export const Downloads = TransferGroups.extend({
     this.sayItIsOver(transfer);
   },
 
-  /** Files that are given new addresses have not failed for good. */
+  /** Files that get new URLs have not failed permanently. */
   failed(transfer) {
     return transfer.renewal ? null : TransferGroups.prototype.failed.call(this, transfer);
   },
 
-  /** Hands over all files of a download that was being filled when the page was loaded anew. */
+  /** Queues all files of a download that was being filled when the page was reloaded. */
   async finishInterrupted(transfer) {
     const { count } = transfer.files;
     if (count === 0) throw new Error('The files of this message are not known.');
@@ -119,7 +119,7 @@ export const Downloads = TransferGroups.extend({
     await this.resume(transfer);
   },
 
-  /** Tries again what has failed, with new addresses where the service gives them. */
+  /** Retries failed files, with new URLs if the service returns them. */
   async retry(transfer) {
     const failed = transfer.files.indicesIn('ERRORED').map((index) => transfer.files.at(index).id);
     transfer.renewals.clear();

@@ -3,7 +3,7 @@ import { FileList } from '../file_list.js';
 import { parseRecipients } from '../recipients.js';
 
 /**
- * The message that is being written. `files` is its list of files; "files" is triggered when the
+ * The message being written. `files` is its list of files; "files" is triggered when the
  * list changes.
  */
 export const Draft = Backbone.Model.extend({
@@ -13,7 +13,7 @@ export const Draft = Backbone.Model.extend({
     this.files = new FileList();
   },
 
-  /** Takes in a result of the native side; gives how many files were added, known or unusable. */
+  /** Adds a result of the native side; returns how many files were added, known or unusable. */
   addFiles(result) {
     const outcome = this.files.add(result.files ?? [], null);
     if (outcome.added > 0 && !this.get('subject') && result.summary) {
@@ -34,7 +34,7 @@ export const Draft = Backbone.Model.extend({
     this.trigger('files');
   },
 
-  /** What keeps the message from being sent: [{field, text}]. */
+  /** The reasons why the message cannot be sent: [{field, text}]. */
   problems() {
     const problems = [];
     if (this.files.count === 0) {
@@ -49,7 +49,7 @@ export const Draft = Backbone.Model.extend({
     return problems;
   },
 
-  /** What is to be sent. */
+  /** The content to be sent. */
   content() {
     return {
       kind: this.get('kind'),
@@ -61,7 +61,7 @@ export const Draft = Backbone.Model.extend({
     };
   },
 
-  /** Forgets what was sent; files that came in meanwhile stay. */
+  /** Removes the sent content; files added meanwhile stay. */
   forget(content) {
     this.files.removeAll(content.files);
     this.suggestedSubject = null;
@@ -69,7 +69,7 @@ export const Draft = Backbone.Model.extend({
     this.trigger('files');
   },
 
-  /** The title of a message that was given none. */
+  /** The title of a message without one. */
   defaultSubject() {
     if (this.suggestedSubject) return this.suggestedSubject;
     const count = this.files.count;

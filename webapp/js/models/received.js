@@ -3,8 +3,8 @@ import { ReceivedFiles } from '../received_files.js';
 import { ServiceRefused } from '../service.js';
 
 /**
- * A message that one has received. `files` is null until they are loaded; "files" is triggered then, and
- * when loading goes on (attributes loading, loaded, problem).
+ * A received message. `files` is null until they are loaded; "files" is triggered then, and
+ * while loading progresses (attributes loading, loaded, problem).
  */
 export const ReceivedMessage = Backbone.Model.extend({
   idAttribute: 'bucketId',
@@ -39,7 +39,7 @@ export const ReceivedMessage = Backbone.Model.extend({
   },
 });
 
-/** All received messages, the newest first. `loaded` is whether they have been asked for in vain or not. */
+/** All received messages, the newest first. `loaded`: a request for them has ended, successfully or not. */
 export const ReceivedMessages = Backbone.Collection.extend({
   model: ReceivedMessage,
   comparator: (message) => -message.get('created'),
@@ -48,7 +48,7 @@ export const ReceivedMessages = Backbone.Collection.extend({
     Object.assign(this, { service, connection, loaded: false, problem: '' });
   },
 
-  /** Asks the service; messages that are there stay the same objects. */
+  /** Asks the service; known messages stay the same objects. */
   load() {
     this.loading ??= this.ask().finally(() => { this.loading = null; });
     return this.loading;

@@ -4,19 +4,19 @@ import { TransferFiles } from '../transfer_files.js';
 const MOST_REASONS = 100;
 
 /**
- * One group of the transfer library: a message on its way, out (direction "upload") or in ("download").
+ * One group of the transfer library: a message being sent (direction "upload") or received ("download").
  *
- * `phase` tells what the page itself does with it:
- *   filling      files are being handed over, `handedOver` of `fileCount` so far
- *   interrupted  it was being filled when the page was loaded anew; not all files are there
- *   running      the library has everything
+ * `phase` is the page's own state of it:
+ *   filling      files are being queued, `handedOver` of `fileCount` so far
+ *   interrupted  the page was reloaded while it was being filled; some files are missing
+ *   running      the library has all files
  *   undelivered  the library is done, but the service does not accept the message
  *   delivered    the service has confirmed that the message is complete (uploads only)
  *   cancelled
- * `state` is the library's word for the group. `files` holds its files; `filesKnown` is false while
- * nobody has told their states. `place` says in words where a download goes, `addressesExpire` when the first of its
- * files' addresses expires (seconds since 1970; 0: never, or not known). `waitingFor` is what keeps it from
- * going on, {code, reason} or null.
+ * `state` is the library's state of the group. `files` contains its files; `filesKnown` is false while
+ * their states are unknown. `place` names a download's folder for display, `addressesExpire` is when the first of its
+ * files' URLs expires (seconds since 1970; 0: never, or unknown). `waitingFor` is the reason for a
+ * wait, {code, reason}, or null.
  */
 export const Transfer = Backbone.Model.extend({
   defaults: {
@@ -28,16 +28,16 @@ export const Transfer = Backbone.Model.extend({
 
   initialize() {
     this.files = new TransferFiles();
-    // Whether it has been seen on its way, so that its end is news.
+    // Whether it was seen unfinished in this session, so that its end is reported.
     this.running = this.get('phase') === 'filling';
-    // Of downloads, by file: when its address expires (seconds since 1970), how often it was renewed.
+    // Downloads, by file: when its URL expires (seconds since 1970), and how often it was renewed.
     this.expiries = new Map();
     this.renewals = new Map();
-    // Of failed files, by file: {code, reason}.
+    // Failed files, by file: {code, reason}.
     this.reasons = new Map();
   },
 
-  /** Takes in a group object of the library. */
+  /** Applies a group object of the library. */
   takeGroup(group) {
     this.set({
       bucketId: group.bucketId,
@@ -53,7 +53,7 @@ export const Transfer = Backbone.Model.extend({
     if (group.cancelled) this.set('phase', 'cancelled');
   },
 
-  /** Takes in what the library has reported to the service. */
+  /** Applies the library's report to the service. */
   takeReport({ state, waitingFor, failures }) {
     const rests = state === 'TRANSFERRING' && this.get('state') === 'TRANSFERRING';
     this.set('waitingFor', rests ? waitingFor : null);
@@ -63,12 +63,12 @@ export const Transfer = Backbone.Model.extend({
     this.trigger('reasons', this);
   },
 
-  /** A report has only the newest hundred; of the others nothing more is to be learned. */
+  /** A report contains only the newest hundred failures; the others stay without a reason. */
   knowsAllReasons() {
     return this.reasons.size >= Math.min(this.files.countIn('ERRORED'), MOST_REASONS);
   },
 
-  /** Notes until when the addresses of files can be used. */
+  /** Records when the files' URLs expire. */
   takeAddresses(files) {
     for (const { id, downloadDetails: { expires } } of files) {
       this.expiries.set(id, expires);
@@ -76,7 +76,7 @@ export const Transfer = Backbone.Model.extend({
     }
   },
 
-  /** Whether a file's address has expired; of an earlier session only the first expiry of all is known. */
+  /** Whether a file's URL has expired; of an earlier session only the earliest expiry is known. */
   addressIsOld(fileId, now = Date.now()) {
     const expires = this.expiries.get(fileId) ?? this.get('addressesExpire');
     return expires > 0 && expires * 1000 <= now;
@@ -91,23 +91,23 @@ export const Transfer = Backbone.Model.extend({
     return !this.isFinished() && this.get('phase') !== 'interrupted';
   },
 
-  /** Whether quitting now would keep files from arriving. */
+  /** Whether quitting now would leave files untransferred. */
   isUnfinished() {
     return this.isActive() && this.get('state') !== 'ERRORED';
   },
 
-  /** All bytes that the transfer will have, also while it is being filled. */
+  /** The transfer's total bytes, also while it is being filled. */
   totalBytes() {
     const planned = this.get('phase') === 'filling' ? this.get('plannedBytes') : 0;
     return Math.max(this.get('bytesTotal'), this.files.bytes, planned);
   },
 
-  /** Reports of the group and of its files come at different times; the later one counts. */
+  /** Events of the group and of its files come at different times; the later one counts. */
   bytesDone() {
     return Math.max(this.get('bytesTransferred'), this.files.bytesDone);
   },
 
-  /** In seconds; the library's own estimate leaves out what it has not been handed yet. */
+  /** In seconds; the library's own estimate does not include files that are not queued yet. */
   timeLeft() {
     const { phase, rate, secondsLeft } = this.attributes;
     if (phase !== 'filling') return secondsLeft;

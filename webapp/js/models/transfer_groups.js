@@ -3,12 +3,12 @@ import { FrameBatcher } from '../frame_batcher.js';
 import { Transfer } from './transfer.js';
 
 /**
- * All groups of one of the transfer library's managers, the newest first: what sending and downloading have
- * in common. Takes in the library's events and triggers
- *   "moved"    with a transfer, at most once a frame, however many events there were
- *   "state"    with a transfer whose state has changed
- *   "over"     with a transfer that came to its end in this session, well or with failures; once each time
- * `manager` is the native side's (native.js); `reports`, which may be missing, tells why something failed.
+ * All groups of one of the transfer library's managers, the newest first; the common base of uploads and
+ * downloads. Applies the library's events and triggers
+ *   "moved"    with a transfer that changed, at most once per frame
+ *   "state"    with a transfer whose state changed
+ *   "over"     with a transfer that ended in this session, with or without failures; once each time
+ * `manager` is the native side's (native.js); the optional `reports` provides the reasons for failures.
  */
 export const TransferGroups = Backbone.Collection.extend({
   model: Transfer,
@@ -22,7 +22,7 @@ export const TransferGroups = Backbone.Collection.extend({
     }));
   },
 
-  /** Finds out about all groups that the library knows. */
+  /** Loads all groups of the library. */
   async load() {
     const groups = await this.manager.fetchGroups();
     groups.forEach((group) => this.takeGroup(group));
@@ -32,7 +32,7 @@ export const TransferGroups = Backbone.Collection.extend({
     this.takeGroup(event.state);
   },
 
-  /** Gives the transfer whose file has changed, or null. */
+  /** Returns the transfer whose file changed, or null. */
   fileChanged(event) {
     const transfer = this.get(event.id);
     if (!transfer) return null;
@@ -68,20 +68,20 @@ export const TransferGroups = Backbone.Collection.extend({
     this.trigger('state', transfer);
   },
 
-  /** Says that a transfer is over, unless that was so before this session, or was said already. */
+  /** Triggers "over", unless the transfer ended before this session or it was triggered already. */
   sayItIsOver(transfer) {
     if (!transfer.running) return;
     transfer.running = false;
     this.trigger('over', transfer);
   },
 
-  /** A failure counts only where the service is there: else the transfer goes on by itself later. */
+  /** A failure counts only if the service is reachable; otherwise the transfer continues automatically later. */
   async failed(transfer) {
     await this.checkService();
     if (transfer.get('state') === 'ERRORED' && this.connection.get('reachable')) this.sayItIsOver(transfer);
   },
 
-  /** A failed transfer may mean that the service is away: then it goes on when the service is back. */
+  /** A failed transfer may mean that the service is unreachable; then it continues when the service is back. */
   checkService() {
     this.checking ??= this.askService().finally(() => { this.checking = null; });
     return this.checking;
@@ -93,13 +93,13 @@ export const TransferGroups = Backbone.Collection.extend({
     } catch (error) {
       this.connection.lost(error.message);
       await this.connection.persistently(() => this.service.status());
-      // What failed gets another chance; what rests need not wait until its rest is over.
+      // Retries failed files and ends waits.
       await Promise.all(this.filter((transfer) => ['ERRORED', 'TRANSFERRING'].includes(transfer.get('state')))
         .map((transfer) => this.resume(transfer)));
     }
   },
 
-  /** To be called every few seconds: where nothing moves any more the service may be away. */
+  /** Called every few seconds: if nothing moves any more, the service may be unreachable. */
   lookForStandstill() {
     const moving = this.filter((transfer) => transfer.get('state') === 'TRANSFERRING');
     const still = moving.filter((transfer) => !this.hasMoved(transfer));
@@ -107,7 +107,7 @@ export const TransferGroups = Backbone.Collection.extend({
     still.forEach((transfer) => this.reports?.ask(transfer));
   },
 
-  /** Whether it got further since the last look. */
+  /** Whether it progressed since the last check. */
   hasMoved(transfer) {
     const bytes = transfer.bytesDone();
     const moved = bytes !== transfer.bytesAtLastLook;
@@ -124,7 +124,7 @@ export const TransferGroups = Backbone.Collection.extend({
     return this.manager.resume(transfer.id);
   },
 
-  /** Gives false where it is too late: everything was done while the user was asked. */
+  /** Returns false if the transfer was complete before the user answered. */
   async cancel(transfer) {
     if (transfer.isFinished()) return false;
     await this.manager.cancel(transfer.id);
@@ -133,7 +133,7 @@ export const TransferGroups = Backbone.Collection.extend({
     return true;
   },
 
-  /** Goes on without a file that failed. */
+  /** Continues without a failed file. */
   async leaveOut(transfer, fileId) {
     await this.manager.dequeueFiles(transfer.id, [{ id: fileId }]);
     transfer.files.leaveOut(fileId);
@@ -141,7 +141,7 @@ export const TransferGroups = Backbone.Collection.extend({
     this.batcher.mark(transfer);
   },
 
-  /** Takes what is finished from the list, also for later sessions. */
+  /** Removes finished transfers from the list, also for later sessions. */
   clearFinished() {
     const finished = this.filter((transfer) => transfer.isFinished());
     const keys = finished.map((transfer) => this.hidingKey(transfer.attributes));

@@ -1,7 +1,7 @@
 import { splitPath } from '../paths.js';
 import { TransferGroups } from './transfer_groups.js';
 
-/** Everything that is being sent. */
+/** All uploads. */
 export const Transfers = TransferGroups.extend({
   hidingPlace: 'zantrio.cleared',
   hidingKey: ({ bucketId }) => bucketId,
@@ -10,7 +10,7 @@ export const Transfers = TransferGroups.extend({
     direction: 'upload', phase: group.marked || group.cancelled ? 'running' : 'interrupted',
   }),
 
-  /** Learns from the service what a transfer of an earlier session was about. */
+  /** Asks the service for the message of an earlier session's transfer. */
   async recall(transfer) {
     if (!transfer.get('bucketId')) return;
     try {
@@ -37,7 +37,7 @@ export const Transfers = TransferGroups.extend({
     return this.deliver(transfer);
   },
 
-  /** Tells the service that everything has arrived. */
+  /** Tells the service that all files have arrived. */
   async deliver(transfer) {
     if (!['running', 'undelivered'].includes(transfer.get('phase'))) return;
     transfer.set({ phase: 'running', problem: '' });
@@ -55,7 +55,7 @@ export const Transfers = TransferGroups.extend({
     this.sayItIsOver(transfer);
   },
 
-  /** Tries again what has failed, be it files or the delivery of all of them. */
+  /** Retries failed files, or the delivery of the message. */
   retry(transfer) {
     return transfer.get('phase') === 'undelivered' ? this.deliver(transfer) : this.resume(transfer);
   },
@@ -65,12 +65,12 @@ export const Transfers = TransferGroups.extend({
     try {
       await this.service.cancelMessage(transfer.get('bucketId'));
     } catch {
-      // A message that is not completed reaches nobody.
+      // An incomplete message is not delivered.
     }
     return true;
   },
 
-  /** Sends an interrupted transfer with the files that it has. */
+  /** Sends an interrupted transfer with the files it has. */
   async finishInterrupted(transfer) {
     await this.manager.markQueue(transfer.id);
     transfer.set('phase', 'running');

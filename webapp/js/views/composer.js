@@ -5,7 +5,7 @@ import { icon } from '../icons.js';
 import { uploads } from '../native.js';
 import { RecipientsField } from './recipients_field.js';
 
-/** Title, recipients, message, and the button that sends it all. */
+/** Title, recipients, message, and the send button. */
 export const Composer = Backbone.View.extend({
   tagName: 'form',
   className: 'panel composer',

@@ -2,7 +2,7 @@ import { Backbone } from '../lib.js';
 import { el, setText } from '../dom.js';
 import { icon } from '../icons.js';
 
-/** Says that the service cannot be reached and when it is asked again. */
+/** Shows that the service is unreachable and when the next try follows. */
 export const ConnectionBanner = Backbone.View.extend({
   className: 'banner banner-warning',
   id: 'connection-banner',

@@ -2,7 +2,7 @@ import { el } from '../dom.js';
 
 let lastId = 0;
 
-/** Asks a question over the page; gives whether the answer was yes. Escape is a no. */
+/** Asks a question over the page; returns whether the answer was yes. Escape means no. */
 export class ConfirmDialog {
   constructor({ yes, no, dangerous = false, test }) {
     lastId += 1;

@@ -2,7 +2,7 @@ import { el } from '../dom.js';
 import { icon } from '../icons.js';
 import { chooser } from '../native.js';
 
-/** Takes files that are dropped anywhere on the page, and shows that it would. */
+/** Accepts files dropped anywhere on the page, and shows that during a drag. */
 export class DropOverlay {
   constructor({ intake }) {
     this.intake = intake;
@@ -28,7 +28,7 @@ export class DropOverlay {
     on('drop', () => this.#drop());
   }
 
-  // Entering a child counts before leaving its parent.
+  // The event for entering a child comes before the one for leaving its parent.
   #move(step) {
     this.depth = Math.max(0, this.depth + step);
     this.el.hidden = this.depth === 0;

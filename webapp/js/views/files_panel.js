@@ -11,7 +11,7 @@ const TYPE_ICONS = {
   Spreadsheet: 'text', Presentation: 'text', Code: 'text',
 };
 
-/** The chosen files, and the ways to choose more. */
+/** The chosen files, and the buttons to choose more. */
 export const FilesPanel = Backbone.View.extend({
   tagName: 'section',
   className: 'panel files-panel',

@@ -14,7 +14,7 @@ export class MessageList {
       id: 'message-list', label: 'Received messages', rowHeight: ROW_HEIGHT,
       makeRow: () => this.#makeRow(), fillRow: (row, index) => this.#fillRow(row, index),
     });
-    // Its rows are links: they are what one tabs to.
+    // The rows are links, so Tab stops at each of them and not at the list.
     this.list.element.removeAttribute('tabindex');
     this.el = this.list.element;
   }

@@ -9,7 +9,7 @@ import { TransferCard } from './transfer_card.js';
 
 const ROW_HEIGHT = 48;
 
-/** One received message: its files to choose from, the buttons to download them, and how that goes. */
+/** One received message: its files to choose from, the download buttons, and the download's progress. */
 export const MessagePanel = Backbone.View.extend({
   tagName: 'section',
   className: 'message-panel',
@@ -151,7 +151,7 @@ export const MessagePanel = Backbone.View.extend({
     this.updateSum();
   },
 
-  /** Begins a download of what is chosen, into the automatic folder or one that the user chooses. */
+  /** Begins a download of the chosen files, into the automatic folder or one that the user chooses. */
   async download(automatic) {
     const { files } = this.model;
     const wanted = files.wanted();

@@ -1,7 +1,7 @@
 import { app } from '../native.js';
 import { ConfirmDialog } from './dialog.js';
 
-/** Ends the application; asks first while transfers are running. */
+/** Quits the application; asks first while transfers are running. */
 export class QuitDialog {
   constructor({ collections, notify }) {
     Object.assign(this, { collections, notify });

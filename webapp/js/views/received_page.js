@@ -7,7 +7,7 @@ import { MessagePanel } from './message_panel.js';
 
 const REFRESH_MS = 30000;
 
-/** What one has received: the messages, and beside them the files of the one that is open. */
+/** The received messages, and beside them the files of the open one. */
 export const ReceivedPage = Backbone.View.extend({
   className: 'page received-page',
 
@@ -73,7 +73,7 @@ export const ReceivedPage = Backbone.View.extend({
     this.empty.hidden = some || !received.loaded;
     this.columns.hidden = !some;
     if (!some) return;
-    // Where there is room, something is open in any case; what comes in does not take its place.
+    // If there is space, a message is always open; a new message does not replace it.
     const shown = received.get(this.wanted) ?? received.get(this.panel?.model) ?? received.first();
     this.columns.classList.toggle('has-open', Boolean(this.wanted));
     this.messageList.refresh(shown.id);

@@ -3,7 +3,7 @@ import { addressBook } from '../native.js';
 import { entryAt, replaceEntry } from '../recipient_entry.js';
 import { SuggestionSearch } from '../suggestion_search.js';
 
-/** The recipients' input, with people of the address book to choose from while one types. */
+/** The recipients' input, with suggestions of the address book while the user types. */
 export class RecipientsField {
   #people = [];
   #active = -1;
@@ -11,7 +11,7 @@ export class RecipientsField {
   constructor() {
     this.list = el('ul', {
       id: 'recipient-suggestions', class: 'suggestions', role: 'listbox', 'aria-label': 'People', hidden: true,
-      // A press must not take the focus from the input before its click comes.
+      // A press must not take the focus from the input before its click arrives.
       onmousedown: (event) => event.preventDefault(),
       onclick: (event) => this.#clicked(event),
     });
@@ -65,7 +65,7 @@ export class RecipientsField {
       Enter: () => this.#take(this.#active),
     };
     const action = actions[event.key];
-    // Without a choice Enter sends the message, as in any field.
+    // Without a selected suggestion Enter sends the message, as in any field.
     if (!action || (event.key === 'Enter' && this.#active < 0)) return;
     event.preventDefault();
     event.stopPropagation();
@@ -83,7 +83,7 @@ export class RecipientsField {
     this.input.setSelectionRange(caret, caret);
     this.input.scrollLeft = this.input.scrollWidth;
     this.#leave();
-    // The form learns of it as of anything that is typed; nothing is asked for the empty entry that follows.
+    // The form handles it like typed text; the empty entry that follows starts no search.
     this.input.dispatchEvent(new Event('input', { bubbles: true }));
   }
 

@@ -2,11 +2,11 @@ import { announce } from '../dom.js';
 import { VirtualList } from './virtual_list.js';
 
 /**
- * A virtual list in which entries are chosen, with the mouse or the keyboard: arrows, Page Up and Down, Home and
+ * A virtual list whose entries are chosen with the mouse or the keyboard: arrows, Page Up and Down, Home and
  * End move, Space chooses, Shift extends, Ctrl+A chooses all. It is one stop of the Tab key.
  *
- * `model` gives count, isChosen(i), choose(i, chosen), chooseRange(i, j, chosen), chooseShown(chosen);
- * `fillRow(row, index, chosen)` draws an entry, `changed()` is told of every choice.
+ * `model` provides count, isChosen(i), choose(i, chosen), chooseRange(i, j, chosen), chooseShown(chosen);
+ * `fillRow(row, index, chosen)` draws an entry; `changed()` is called after every choice.
  */
 export class SelectionList {
   #active = 0;
@@ -26,7 +26,7 @@ export class SelectionList {
     this.el.addEventListener('focus', () => this.#pointTo(this.#active));
   }
 
-  /** Shows another list of entries from its beginning. */
+  /** Shows a different list of entries from its beginning. */
   setModel(model) {
     this.model = model;
     this.#active = 0;
@@ -101,7 +101,7 @@ export class SelectionList {
     else if (this.el.scrollTop < bottom) this.el.scrollTop = bottom;
   }
 
-  /** Tells screen readers which entry is meant; only what is in the document can be pointed to. */
+  /** Tells screen readers the current entry; it must be in the document. */
   #pointTo(index) {
     const row = this.list.rowAt(index);
     if (row) this.el.setAttribute('aria-activedescendant', row.id);

@@ -4,7 +4,7 @@ import { uploads } from '../native.js';
 import { Composer } from './composer.js';
 import { FilesPanel } from './files_panel.js';
 
-/** Choosing files and writing the message that they go with. */
+/** The page for choosing files and writing their message. */
 export const SendPage = Backbone.View.extend({
   className: 'page send-page',
 
@@ -31,12 +31,12 @@ export const SendPage = Backbone.View.extend({
     setText(this.title, this.draft.get('kind') === 'share' ? 'New share' : 'Send files');
   },
 
-  /** Creates the transfer, then fills it while the transfers page shows how it goes. */
+  /** Creates the transfer, then queues its files while the transfers page shows the progress. */
   async send() {
     const { sendFlow, draft, transfers } = this;
     if (!uploads.isThere()) throw new Error('Sending needs the Zantrio application.');
     const content = draft.content();
-    // What is being sent cannot be edited any more; files can still be dropped for the next message.
+    // A message being sent cannot be edited; files can still be dropped for the next message.
     this.filesPanel.el.inert = true;
     const { transfer, token } = await sendFlow.begin(content).finally(() => {
       this.filesPanel.el.inert = false;

@@ -4,7 +4,7 @@ import { downloads, uploads } from '../native.js';
 import { changeSettings, readSettings, saveSettings } from '../saved_settings.js';
 import { fromForm, toForm } from '../settings_values.js';
 
-/** How the application transfers files. */
+/** The transfer settings. */
 export const SettingsPage = Backbone.View.extend({
   className: 'page settings-page',
 

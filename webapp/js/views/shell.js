@@ -18,7 +18,7 @@ const NAVIGATION = [
   { page: 'settings', route: 'settings', label: 'Settings', icon: 'settings' },
 ];
 
-/** The frame around all pages: navigation, banners, what pops up. Pages are made once and kept. */
+/** The frame around all pages: navigation, banners, dialogs. Pages are created once and kept. */
 export const Shell = Backbone.View.extend({
   initialize(options) {
     Object.assign(this, options);
@@ -79,7 +79,7 @@ export const Shell = Backbone.View.extend({
         ' Sending and downloading files needs the Zantrio application.'));
   },
 
-  /** Shows a page; `detail` is for the page to show what of it. */
+  /** Shows a page; `detail` selects the part of it. */
   show(name, detail = null) {
     if (!this.pages[name]) {
       this.pages[name] = new this.makers[name](this.context);
@@ -89,7 +89,7 @@ export const Shell = Backbone.View.extend({
     this.shown = this.pages[name];
     this.main.replaceChildren(this.shown.el);
     this.shown.trigger('show', detail);
-    // The focus must not get lost with the page that had it.
+    // The focus must not disappear with the hidden page.
     if (focusWasInside) this.main.focus({ preventScroll: true });
     NAVIGATION.forEach((entry, index) => {
       if (entry.page === name) this.links[index].setAttribute('aria-current', 'page');

@@ -11,12 +11,12 @@ import { TransferFilesView } from './transfer_files_view.js';
 const NAMED_FAILURES = 3;
 let lastCard = 0;
 
-/** One transfer: how far it is, what went wrong, and what one can do. */
+/** One transfer: progress, problems, and actions. */
 export const TransferCard = Backbone.View.extend({
   tagName: 'article',
   className: 'panel card',
 
-  /** `compact`: as a part of another view, without its files and head line. */
+  /** `compact`: as a part of another view, without files and header. */
   initialize({ transfers, connection, notify, compact = false }) {
     Object.assign(this, { transfers, connection, notify, compact });
     this.listenTo(connection, 'change:reachable', this.update);
@@ -111,7 +111,7 @@ export const TransferCard = Backbone.View.extend({
   },
 
   update() {
-    // What is not on screen is drawn when it is shown.
+    // A hidden card is drawn when it is shown.
     if (!this.el.isConnected && this.drawn) return;
     this.drawn = true;
     this.updateTexts();

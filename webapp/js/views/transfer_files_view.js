@@ -15,7 +15,7 @@ const FILTERS = [
   { name: 'failed', label: 'failed', state: 'ERRORED' },
 ];
 
-/** The files of a transfer, all or those in one state. Costs nothing while it is closed. */
+/** The files of a transfer, all or those in one state. Does no work while it is closed. */
 export class TransferFilesView {
   constructor({ model, transfers, run }) {
     Object.assign(this, { model, transfers, run });

@@ -3,7 +3,7 @@ import { el } from '../dom.js';
 import { icon } from '../icons.js';
 import { TransferCard } from './transfer_card.js';
 
-/** Everything on its way, out and in, each on a card, the newest first. */
+/** All uploads and downloads, one card each, the newest first. */
 export const TransfersPage = Backbone.View.extend({
   className: 'page transfers-page',
 
@@ -54,7 +54,7 @@ export const TransfersPage = Backbone.View.extend({
     this.cards.delete(transfer.cid);
   },
 
-  /** Moves only the cards that are not in their place, so that nobody loses the focus. */
+  /** Moves only misplaced cards, so that the focus is kept. */
   arrange() {
     const wanted = [...this.cards.values()].sort((a, b) => newestFirst(a.model, b.model));
     wanted.forEach((card, place) => {

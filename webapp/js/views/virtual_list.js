@@ -3,10 +3,10 @@ import { atNextFrame } from '../frame_batcher.js';
 import { rowWindow } from '../row_window.js';
 
 /**
- * A list of any length of which only the visible rows are in the document. All rows have one height.
+ * A list of any length that has only its visible rows in the document. All rows have the same height.
  *
- * `makeRow()` builds an empty row, `fillRow(row, index)` shows an entry in it: rows are used again
- * for other entries as the list scrolls.
+ * `makeRow()` builds an empty row, `fillRow(row, index)` shows an entry in it. Rows are reused
+ * for different entries as the list scrolls.
  */
 export class VirtualList {
   #rows = new Map();
@@ -25,11 +25,11 @@ export class VirtualList {
     this.observer.observe(this.element);
   }
 
-  /** Shows that many entries, all of which may have changed. */
+  /** Shows the given number of entries; all of them may have changed. */
   refresh(count) {
     this.#count = count;
     this.canvas.style.height = `${count * this.rowHeight}px`;
-    // For lists that are only as high as their rows.
+    // For lists whose height follows their rows.
     this.element.style.setProperty('--rows-height', `${count * this.rowHeight}px`);
     this.#draw(true);
   }
@@ -66,7 +66,7 @@ export class VirtualList {
       row.remove();
       this.#spare.push(row);
     }
-    // From the last to the first, so that each row finds the one to stand before.
+    // From the last to the first, so that each row finds its successor in place.
     for (let index = end - 1; index >= begin; index -= 1) {
       const present = this.#rows.get(index);
       if (!present) this.#insert(index);
@@ -80,7 +80,7 @@ export class VirtualList {
     row.style.transform = `translateY(${index * this.rowHeight}px)`;
     this.#rows.set(index, row);
     this.#fill(row, index);
-    // Document order is reading order, also for the keyboard.
+    // Document order is reading and Tab order.
     this.canvas.insertBefore(row, this.#rows.get(index + 1) ?? null);
   }
 

@@ -10,7 +10,7 @@ namespace {
 constexpr std::uint64_t kWeek = 7ULL * 24 * 3600;
 constexpr std::uint64_t kTwoWeeks = 2 * kWeek;
 constexpr const char* kSender = "You <you@localhost>";
-constexpr Json::ArrayIndex kLargestBatch = 20000;
+constexpr Json::ArrayIndex kMaxBatch = 20000;
 
 Json::Value recipients(const Json::Value& body) {
   const Json::Value& list = body["recipients"];
@@ -45,7 +45,7 @@ Announcement parseAnnouncement(const Json::Value& file) {
   announcement.size = numberOf(file, "size", 0);
   const Json::Value& modified = file["modified"];
   announcement.modified = modified.isInt64() ? modified.asInt64() : 0;
-  if (const std::string why = whyUnusable(announcement.path); !why.empty()) {
+  if (const std::string why = pathProblem(announcement.path); !why.empty()) {
     throw CHttpError(
         400, "bad_name",
         "The file \"" + printable(announcement.path) + "\" cannot be taken: " + why + ".");
@@ -84,15 +84,15 @@ void CApiArea::handle(CExchange& exchange) {
     return files(exchange, path[2]);
   }
   if (path.size() == 5 && path[1] == "messages" && path[3] == "files") {
-    need(exchange, "DELETE");
+    requireMethod(exchange, "DELETE");
     store_.removeFile(path[2], path[4]);
-    return exchange.answerEmpty(204);
+    return exchange.respondEmpty(204);
   }
   if (path.size() == 4 && path[1] == "messages" && path[3] == "complete") {
-    need(exchange, "POST");
+    requireMethod(exchange, "POST");
     const Json::Value completed = store_.complete(path[2]);
     uploads_.removeAllOf(path[2]);
-    return exchange.answer(200, completed);
+    return exchange.respond(200, completed);
   }
   if (path.size() == 4 && path[1] == "messages" && path[3] == "progress") {
     return progress(exchange, path[2]);
@@ -101,7 +101,7 @@ void CApiArea::handle(CExchange& exchange) {
 }
 
 void CApiArea::status(CExchange& exchange) {
-  need(exchange, "GET");
+  requireMethod(exchange, "GET");
   std::size_t count = 0;
   const CMessage::Totals totals = store_.totals(count);
   Json::Value json;
@@ -111,16 +111,16 @@ void CApiArea::status(CExchange& exchange) {
   json["bytes"] = Json::UInt64(totals.bytes);
   json["arrivedFiles"] = Json::UInt64(totals.arrivedFiles);
   json["arrivedBytes"] = Json::UInt64(totals.arrivedBytes);
-  exchange.answer(200, json);
+  exchange.respond(200, json);
 }
 
 void CApiArea::messages(CExchange& exchange) {
   if (exchange.method() == "GET") {
     Json::Value json;
     json["messages"] = store_.list();
-    return exchange.answer(200, json);
+    return exchange.respond(200, json);
   }
-  need(exchange, "POST");
+  requireMethod(exchange, "POST");
   createMessage(exchange);
 }
 
@@ -132,37 +132,37 @@ void CApiArea::createMessage(CExchange& exchange) {
                      numberOf(body, "lifetimeSeconds", kTwoWeeks)});
   Json::Value json = toJson(message);
   json["token"] = message.token;
-  exchange.answer(201, json);
+  exchange.respond(201, json);
 }
 
 void CApiArea::message(CExchange& exchange, const std::string& bucketId) {
   if (exchange.method() == "DELETE") {
     store_.cancel(bucketId);
     uploads_.removeAllOf(bucketId);
-    return exchange.answerEmpty(204);
+    return exchange.respondEmpty(204);
   }
-  need(exchange, "GET");
-  exchange.answer(200, store_.describe(bucketId));
+  requireMethod(exchange, "GET");
+  exchange.respond(200, store_.describe(bucketId));
 }
 
 void CApiArea::files(CExchange& exchange, const std::string& bucketId) {
   if (exchange.method() == "POST") {
     return announceFiles(exchange, bucketId);
   }
-  need(exchange, "GET");
+  requireMethod(exchange, "GET");
   Json::Value json;
   json["files"] = Json::arrayValue;
   for (const MessageFile& file : store_.files(bucketId)) {
     json["files"].append(toJson(file));
   }
-  exchange.answer(200, json);
+  exchange.respond(200, json);
 }
 
 void CApiArea::announceFiles(CExchange& exchange, const std::string& bucketId) {
   const Json::Value body = readObject(exchange);
   const Json::Value& list = body["files"];
-  if (!list.isArray() || list.empty() || list.size() > kLargestBatch) {
-    refuse("\"files\" must be an array of 1 to " + std::to_string(kLargestBatch) + " files.");
+  if (!list.isArray() || list.empty() || list.size() > kMaxBatch) {
+    refuse("\"files\" must be an array of 1 to " + std::to_string(kMaxBatch) + " files.");
   }
   const std::string token = exchange.header("X-Zantrio-Token");
   store_.authorize(bucketId, token, true);
@@ -178,21 +178,21 @@ void CApiArea::announceFiles(CExchange& exchange, const std::string& bucketId) {
     described["uploadDetails"] = uploadDetails(exchange, bucketId, token, file);
     json["files"].append(std::move(described));
   }
-  exchange.answer(200, json);
+  exchange.respond(200, json);
 }
 
-// Of those who send the message and of those who fetch it.
+// A token of the message's sender or of a recipient.
 void CApiArea::progress(CExchange& exchange, const std::string& bucketId) {
   if (exchange.method() == "GET") {
-    return exchange.answer(200, reports_.describe(bucketId, exchange.query("group")));
+    return exchange.respond(200, reports_.describe(bucketId, exchange.query("group")));
   }
-  need(exchange, "POST");
+  requireMethod(exchange, "POST");
   const std::string token = exchange.header("X-Zantrio-Token");
   if (!signer_.isToken(bucketId, token)) {
     store_.authorize(bucketId, token, false);
   }
-  reports_.take(bucketId, readObject(exchange));
-  exchange.answerEmpty(204);
+  reports_.add(bucketId, readObject(exchange));
+  exchange.respondEmpty(204);
 }
 
 }  // namespace zantrio::devservice

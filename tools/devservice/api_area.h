@@ -10,7 +10,7 @@
 
 namespace zantrio::devservice {
 
-// The JSON API of sending, below /api, see docs/service-api.md. Thread: any.
+// The JSON API of sending, below /api; see docs/service-api.md. Thread: any.
 class CApiArea {
  public:
   CApiArea(CMessageStore& store, CMultipartUploads& uploads, CProgressReports& reports,

@@ -15,7 +15,7 @@ CBackgroundMd5::~CBackgroundMd5() {
 
 std::span<char> CBackgroundMd5::nextBuffer() {
   free_.acquire();
-  free_.release();  // taken by hash(); a buffer that is never handed over stays free
+  free_.release();  // acquired by hash(); a buffer that is never passed to it stays free
   return buffers_[handedOver_ % kBuffers];
 }
 

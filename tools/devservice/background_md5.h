@@ -13,10 +13,10 @@
 
 namespace zantrio::devservice {
 
-// MD5 on a thread of its own, so that it goes on while its user reads and writes: for large bodies
-// it is the slowest part. The user fills one buffer after the other:
-//   auto buffer = md5.nextBuffer();  ...fill it...  md5.hash(the part that was filled);
-// A buffer that was handed over may still be read until the next call of nextBuffer.
+// Computes MD5 on a thread of its own while its user reads and writes, because for large bodies the
+// digest takes longest. The user fills one buffer after the other:
+//   auto buffer = md5.nextBuffer();  ...fill it...  md5.hash(the filled part);
+// A buffer passed to hash may still be read until the next call of nextBuffer.
 // Thread: one user. Destruction ends the thread, whether finished or not.
 class CBackgroundMd5 {
  public:
@@ -25,10 +25,10 @@ class CBackgroundMd5 {
   CBackgroundMd5(const CBackgroundMd5&) = delete;
   CBackgroundMd5& operator=(const CBackgroundMd5&) = delete;
 
-  // Waits while all buffers are still to be hashed.
+  // Blocks while all buffers wait to be hashed.
   std::span<char> nextBuffer();
   void hash(std::span<const char> filled);
-  // The digest of everything, as 16 raw bytes. Once, at the end.
+  // The digest of all data, as 16 raw bytes. Called once, at the end.
   std::string finish();
 
  private:
@@ -42,7 +42,7 @@ class CBackgroundMd5 {
   std::counting_semaphore<kBuffers> free_{kBuffers};
   std::counting_semaphore<kBuffers + 1> waiting_{0};
   std::atomic<std::size_t> handedOver_ = 0;
-  CMd5 md5_;  // the thread's, the user's again once it has ended
+  CMd5 md5_;  // used by the thread until it ends, then by the user
   std::jthread thread_;
 };
 

@@ -12,11 +12,11 @@ namespace zantrio::devservice {
 namespace {
 
 constexpr std::uint64_t kStepsPerSecond = 20;
-constexpr std::uint64_t kForEver = 24ULL * 3600 * 1000;
+constexpr std::uint64_t kForever = 24ULL * 3600 * 1000;
 
 }  // namespace
 
-CBodyReader::CBodyReader(CExchange& exchange, std::uint64_t largest) : exchange_(exchange) {
+CBodyReader::CBodyReader(CExchange& exchange, std::uint64_t maxSize) : exchange_(exchange) {
   auto& request = exchange.request;
   if (request.getChunkedTransferEncoding()) {
     throw CHttpError(411, "length_required", "The request needs a Content-Length.");
@@ -29,30 +29,30 @@ CBodyReader::CBodyReader(CExchange& exchange, std::uint64_t largest) : exchange_
     return;
   }
   const auto length = request.getContentLength64();
-  if (length < 0 || static_cast<std::uint64_t>(length) > largest) {
+  if (length < 0 || static_cast<std::uint64_t>(length) > maxSize) {
     throw CHttpError(413, "too_large",
-                     "The body may have at most " + std::to_string(largest) + " bytes.");
+                     "The body may have at most " + std::to_string(maxSize) + " bytes.");
   }
   size_ = static_cast<std::uint64_t>(length);
   exchange.bodyWasRead();
-  request.session().drainBuffer(ahead_);
-  if (ahead_.size() > size_) {
-    // A pipelined request: whoever sends one must be ready to send it again.
+  request.session().drainBuffer(prefetched_);
+  if (prefetched_.size() > size_) {
+    // A pipelined request, which its client must be ready to send again.
     exchange.response.setKeepAlive(false);
   }
 }
 
 std::span<const char> CBodyReader::read(std::span<char> buffer) {
   const std::size_t wanted =
-      allowed(static_cast<std::size_t>(std::min<std::uint64_t>(buffer.size(), size_ - done_)));
+      allowance(static_cast<std::size_t>(std::min<std::uint64_t>(buffer.size(), size_ - done_)));
   if (wanted == 0) {
     return {};
   }
   std::size_t count = 0;
-  if (aheadUsed_ < ahead_.size()) {
-    count = std::min(wanted, ahead_.size() - aheadUsed_);
-    std::memcpy(buffer.data(), ahead_.begin() + aheadUsed_, count);
-    aheadUsed_ += count;
+  if (prefetchedUsed_ < prefetched_.size()) {
+    count = std::min(wanted, prefetched_.size() - prefetchedUsed_);
+    std::memcpy(buffer.data(), prefetched_.begin() + prefetchedUsed_, count);
+    prefetchedUsed_ += count;
   } else {
     const int received =
         exchange_.request.session().socket().receiveBytes(buffer.data(), static_cast<int>(wanted));
@@ -62,7 +62,7 @@ std::span<const char> CBodyReader::read(std::span<char> buffer) {
     count = static_cast<std::size_t>(received);
   }
   done_ += count;
-  pace(count);
+  throttle(count);
   return buffer.first(count);
 }
 
@@ -78,8 +78,8 @@ std::string CBodyReader::readAll() {
   }
 }
 
-// How much of the wanted bytes may be read before the fault happens; makes it happen when due.
-std::size_t CBodyReader::allowed(std::size_t wanted) {
+// The number of wanted bytes that may be read before the fault; applies the fault when it is due.
+std::size_t CBodyReader::allowance(std::size_t wanted) {
   Fault& fault = exchange_.fault;
   if (fault.type == Fault::Type::kRate) {
     const std::uint64_t step = std::max<std::uint64_t>(1, fault.bytesPerSecond / kStepsPerSecond);
@@ -96,11 +96,11 @@ std::size_t CBodyReader::allowed(std::size_t wanted) {
     exchange_.reset();
   }
   fault.type = Fault::Type::kNone;
-  exchange_.wait(fault.milliseconds > 0 ? fault.milliseconds : kForEver);
+  exchange_.wait(fault.milliseconds > 0 ? fault.milliseconds : kForever);
   return wanted;
 }
 
-void CBodyReader::pace(std::size_t count) {
+void CBodyReader::throttle(std::size_t count) {
   const Fault& fault = exchange_.fault;
   if (fault.type == Fault::Type::kRate) {
     exchange_.wait(count * 1000 / fault.bytesPerSecond);

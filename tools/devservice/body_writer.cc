@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kPiece = 256UL * 1024;
 constexpr std::uint64_t kStepsPerSecond = 20;
-constexpr std::uint64_t kForEver = 24ULL * 3600 * 1000;
+constexpr std::uint64_t kForever = 24ULL * 3600 * 1000;
 
 class CPartSender {
  public:
@@ -24,7 +24,7 @@ class CPartSender {
   void run() {
     std::vector<char> buffer(kPiece);
     while (done_ < size_) {
-      const std::size_t wanted = allowed(std::min<std::uint64_t>(buffer.size(), size_ - done_));
+      const std::size_t wanted = allowance(std::min<std::uint64_t>(buffer.size(), size_ - done_));
       if (wanted == 0) {
         return;
       }
@@ -39,8 +39,9 @@ class CPartSender {
   }
 
  private:
-  // How much may be sent before the fault happens; makes it happen when due. 0: nothing more.
-  std::size_t allowed(std::uint64_t wanted) {
+  // The number of bytes that may be sent before the fault; applies the fault when it is due.
+  // 0: the body ends here.
+  std::size_t allowance(std::uint64_t wanted) {
     Fault& fault = exchange_.fault;
     if (fault.type == Fault::Type::kRate) {
       const std::uint64_t step = std::max<std::uint64_t>(1, fault.bytesPerSecond / kStepsPerSecond);
@@ -61,7 +62,7 @@ class CPartSender {
       return 0;
     }
     fault.type = Fault::Type::kNone;
-    exchange_.wait(fault.milliseconds > 0 ? fault.milliseconds : kForEver);
+    exchange_.wait(fault.milliseconds > 0 ? fault.milliseconds : kForever);
     return wanted;
   }
 

@@ -8,8 +8,8 @@
 
 namespace zantrio::devservice {
 
-// Sends a part of a content as the answer's body, straight to the socket, and lets the request's
-// fault happen on the way. The answer's header, with the part's length, must be filled already.
+// Sends a part of a content as the response's body directly to the socket and applies the request's
+// fault meanwhile. The response's header, with the part's length, must be set before.
 void sendPart(CExchange& exchange, const IContent& content, const ByteRange& part);
 
 }  // namespace zantrio::devservice

@@ -14,11 +14,11 @@ class IContent {
  public:
   virtual ~IContent() = default;
 
-  // Reads up to the buffer's size at an offset; gives the number of bytes, 0 at the end.
+  // Reads up to the buffer's size at an offset; returns the number of bytes, 0 at the end.
   virtual std::size_t readAt(std::span<char> buffer, std::uint64_t offset) const = 0;
 };
 
-// A file of the disk.
+// A file on disk.
 class CFileContent : public IContent {
  public:
   explicit CFileContent(CFile file) : file_(std::move(file)) {}

@@ -12,11 +12,11 @@ namespace zantrio::devservice {
 
 namespace {
 
-constexpr int kFewestThreads = 16;
-constexpr int kMostConnections = 512;
+constexpr int kMinThreads = 16;
+constexpr int kMaxConnections = 512;
 constexpr int kBacklog = 512;
-const Poco::Timespan kSilence(60, 0);
-const Poco::Timespan kIdleConnection(75, 0);
+const Poco::Timespan kReceiveTimeout(60, 0);
+const Poco::Timespan kKeepAliveTimeout(75, 0);
 
 Poco::Net::ServerSocket listenOn(std::uint16_t port) {
   try {
@@ -32,12 +32,12 @@ Poco::Net::ServerSocket listenOn(std::uint16_t port) {
 
 Poco::Net::HTTPServerParams::Ptr parameters() {
   Poco::Net::HTTPServerParams::Ptr params = new Poco::Net::HTTPServerParams;
-  params->setMaxThreads(kMostConnections);
-  params->setMaxQueued(kMostConnections);
+  params->setMaxThreads(kMaxConnections);
+  params->setMaxQueued(kMaxConnections);
   params->setKeepAlive(true);
   params->setMaxKeepAliveRequests(0);
-  params->setKeepAliveTimeout(kIdleConnection);
-  params->setTimeout(kSilence);
+  params->setKeepAliveTimeout(kKeepAliveTimeout);
+  params->setTimeout(kReceiveTimeout);
   return params;
 }
 
@@ -55,7 +55,7 @@ const Options& checked(const Options& options) {
 
 CDevServer::CDevServer(const Options& options)
     : store_(checked(options).data),
-      uploads_(std::filesystem::path(options.data) / "multipart", options.smallestPart),
+      uploads_(std::filesystem::path(options.data) / "multipart", options.minPartSize),
       samples_(options.samples),
       received_(store_, samples_),
       signer_(std::filesystem::path(options.data) / "signing-key"),
@@ -67,7 +67,7 @@ CDevServer::CDevServer(const Options& options)
              CFaultArea(faults_),
              faults_,
              stopping_},
-      threads_(kFewestThreads, kMostConnections),
+      threads_(kMinThreads, kMaxConnections),
       server_(std::make_unique<Poco::Net::HTTPServer>(new CDispatcherFactory(areas_), threads_,
                                                       listenOn(options.port), parameters())) {
   server_->start();

@@ -15,11 +15,12 @@
 
 namespace zantrio::devservice {
 
-// The whole service on 127.0.0.1. Serves from construction to `stop`, with a thread for each
+// The whole service on 127.0.0.1. Serves from construction to `stop`, with one thread per
 // connection.
 class CDevServer {
  public:
-  // Throws std::runtime_error with one line for the user: a port in use, unusable folders.
+  // Throws std::runtime_error with one line for the user if the port is in use or a folder
+  // unusable.
   explicit CDevServer(const Options& options);
   ~CDevServer();
   CDevServer(const CDevServer&) = delete;

@@ -18,17 +18,17 @@ Json::Value errorBody(const std::string& code, const std::string& message) {
   return body;
 }
 
-void answerError(CExchange& exchange, int status, const std::string& code,
-                 const std::string& message) {
+void respondError(CExchange& exchange, int status, const std::string& code,
+                  const std::string& message) {
   if (!exchange.response.sent()) {
-    exchange.answer(status, errorBody(code, message));
+    exchange.respond(status, errorBody(code, message));
   }
 }
 
-void answerFault(CExchange& exchange) {
+void respondFault(CExchange& exchange) {
   const Fault& fault = exchange.fault;
   if (fault.body.empty()) {
-    return exchange.answer(fault.status, errorBody("fault", "This failure was asked for."));
+    return exchange.respond(fault.status, errorBody("fault", "This failure was asked for."));
   }
   exchange.discardBody();
   exchange.response.setStatusAndReason(
@@ -37,8 +37,8 @@ void answerFault(CExchange& exchange) {
   exchange.response.sendBuffer(fault.body.data(), fault.body.size());
 }
 
-// Pages of other sites, open in the user's own browser, reach 127.0.0.1 too; they must not change
-// anything here.
+// Pages of other sites in the user's browser can reach 127.0.0.1 too; they must not change
+// anything.
 void refuseForeignPages(const CExchange& exchange) {
   const std::string& method = exchange.method();
   const std::string origin = exchange.header("Origin");
@@ -55,7 +55,7 @@ void closeConnection(Poco::Net::HTTPServerRequestImpl& request,
   try {
     request.session().socket().close();
   } catch (const Poco::Exception&) {
-    // It is closed either way.
+    // The connection is closed in either case.
   }
 }
 
@@ -78,7 +78,7 @@ void CDispatcher::handleRequest(Poco::Net::HTTPServerRequest& baseRequest,
     }
   } catch (const CConnectionLost&) {
     closeConnection(request, response);
-  } catch (const Poco::IOException&) {  // the network's, resets and time-outs included
+  } catch (const Poco::IOException&) {  // network errors, including resets and time-outs
     closeConnection(request, response);
   } catch (const Poco::TimeoutException&) {
     closeConnection(request, response);
@@ -89,7 +89,7 @@ void CDispatcher::handle(CExchange& exchange) {
   try {
     route(exchange);
   } catch (const CHttpError& error) {
-    answerError(exchange, error.status(), error.code(), error.what());
+    respondError(exchange, error.status(), error.code(), error.what());
   } catch (const CConnectionLost&) {
     throw;
   } catch (const Poco::Exception&) {
@@ -98,13 +98,13 @@ void CDispatcher::handle(CExchange& exchange) {
     const bool full = error.code() == std::errc::no_space_on_device;
     std::cerr << "zantrio-devservice: " << exchange.method() << " " << exchange.path() << ": "
               << error.what() << std::endl;
-    answerError(exchange, full ? 507 : 500, full ? "disk_full" : "storage_failed",
-                full ? "The service's disk is full."
-                     : "The service could not use its disk: " + error.code().message() + ".");
+    respondError(exchange, full ? 507 : 500, full ? "disk_full" : "storage_failed",
+                 full ? "The service's disk is full."
+                      : "The service could not use its disk: " + error.code().message() + ".");
   } catch (const std::exception& error) {
     std::cerr << "zantrio-devservice: " << exchange.method() << " " << exchange.path() << ": "
               << error.what() << std::endl;
-    answerError(exchange, 500, "internal", "Something went wrong in the service.");
+    respondError(exchange, 500, "internal", "Something went wrong in the service.");
   }
 }
 
@@ -129,7 +129,7 @@ void CDispatcher::route(CExchange& exchange) {
     areas_.web.handle(exchange);
   } else if (area.empty()) {
     exchange.response.set("Location", "/app");
-    exchange.answerEmpty(302);
+    exchange.respondEmpty(302);
   } else {
     throw CHttpError(404, "not_found", "There is nothing at " + printable(exchange.path()) + ".");
   }
@@ -142,7 +142,7 @@ bool CDispatcher::fail(CExchange& exchange) {
       if (fault.retryAfter) {
         exchange.response.set("Retry-After", std::to_string(*fault.retryAfter));
       }
-      answerFault(exchange);
+      respondFault(exchange);
       return true;
     case Fault::Type::kDelay:
       exchange.wait(fault.milliseconds);

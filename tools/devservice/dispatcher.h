@@ -12,7 +12,7 @@
 
 namespace zantrio::devservice {
 
-// Everything that requests are handed to. Thread: any.
+// The areas that handle requests. Thread: any.
 struct Areas {
   CApiArea api;
   CReceivedArea received;
@@ -23,8 +23,7 @@ struct Areas {
   Poco::Event& stopping;
 };
 
-// Hands each request to its area and answers what an area throws: the one place where failures
-// become answers.
+// Passes each request to its area and turns the area's exceptions into responses.
 class CDispatcher : public Poco::Net::HTTPRequestHandler {
  public:
   explicit CDispatcher(Areas& areas) : areas_(areas) {}
@@ -35,7 +34,7 @@ class CDispatcher : public Poco::Net::HTTPRequestHandler {
  private:
   void handle(CExchange& exchange);
   void route(CExchange& exchange);
-  // Lets faults happen that need no area; true when the request is answered by it.
+  // Applies faults that need no area; true if the fault was the response.
   bool fail(CExchange& exchange);
 
   Areas& areas_;

@@ -14,12 +14,12 @@ namespace zantrio::devservice {
 
 namespace {
 
-constexpr std::uint64_t kLargestJson = 64ULL * 1024 * 1024;
-// What is worth reading only to keep a connection.
-constexpr std::uint64_t kLargestDiscarded = 1024ULL * 1024;
+constexpr std::uint64_t kMaxJson = 64ULL * 1024 * 1024;
+// The largest rest of a body that is read only to keep a connection.
+constexpr std::uint64_t kMaxDiscarded = 1024ULL * 1024;
 constexpr std::size_t kLingerBuffer = 256UL * 1024;
 const Poco::Timespan kLingerPause(1, 0);
-const Poco::Timespan kLongestLinger(5, 0);
+const Poco::Timespan kMaxLinger(5, 0);
 
 std::vector<std::string> decodeSegments(const std::string& rawPath) {
   std::vector<std::string> segments;
@@ -81,7 +81,7 @@ std::string CExchange::header(const std::string& name) const {
 }
 
 Json::Value CExchange::readJson() {
-  CBodyReader body(*this, kLargestJson);
+  CBodyReader body(*this, kMaxJson);
   const std::string text = body.readAll();
   if (text.empty()) {
     return {};
@@ -104,7 +104,7 @@ Json::Value CExchange::readJson() {
   return value;
 }
 
-void CExchange::answer(int status, const Json::Value& body) {
+void CExchange::respond(int status, const Json::Value& body) {
   discardBody();
   Json::StreamWriterBuilder builder;
   builder["indentation"] = "";
@@ -117,7 +117,7 @@ void CExchange::answer(int status, const Json::Value& body) {
   response.send().write(text.data(), static_cast<std::streamsize>(text.size())).flush();
 }
 
-void CExchange::answerEmpty(int status) {
+void CExchange::respondEmpty(int status) {
   discardBody();
   response.setStatusAndReason(static_cast<Poco::Net::HTTPResponse::HTTPStatus>(status));
   response.setContentLength(0);
@@ -131,13 +131,13 @@ void CExchange::discardBody() {
     }
     return;
   }
-  if (request.getContentLength64() > static_cast<Poco::Int64>(kLargestDiscarded)) {
+  if (request.getContentLength64() > static_cast<Poco::Int64>(kMaxDiscarded)) {
     bodyRead_ = true;
     lingers_ = true;
     response.setKeepAlive(false);
     return;
   }
-  CBodyReader body(*this, kLargestDiscarded);
+  CBodyReader body(*this, kMaxDiscarded);
   body.readAll();
 }
 
@@ -150,7 +150,7 @@ void CExchange::linger() {
   socket.setReceiveTimeout(kLingerPause);
   std::vector<char> buffer(kLingerBuffer);
   const Poco::Timestamp begun;
-  while (!begun.isElapsed(kLongestLinger.totalMicroseconds()) && !stopping.tryWait(0) &&
+  while (!begun.isElapsed(kMaxLinger.totalMicroseconds()) && !stopping.tryWait(0) &&
          socket.receiveBytes(buffer.data(), static_cast<int>(buffer.size())) > 0) {
   }
 }

@@ -13,17 +13,17 @@
 
 namespace zantrio::devservice {
 
-// Thrown when a connection ends in the middle of a request: there is nobody left to answer.
+// Thrown if a connection ends during a request, so that no response is possible.
 class CConnectionLost : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// One request and its answer, with what was parsed of it once for everyone.
+// One request and its response, with the parsed URL.
 // Thread: the connection's. Lives as long as the request.
 class CExchange {
  public:
-  // Throws CHttpError (400) when the URL cannot be decoded.
+  // Throws CHttpError (400) if the URL cannot be decoded.
   CExchange(Poco::Net::HTTPServerRequestImpl& request, Poco::Net::HTTPServerResponse& response,
             Poco::Event& stopping);
 
@@ -37,33 +37,33 @@ class CExchange {
   const std::vector<std::string>& segments() const { return segments_; }
   // The decoded path, which fault rules match.
   const std::string& path() const { return path_; }
-  // The query as it came, without its question mark.
+  // The raw query without its question mark.
   const std::string& rawQuery() const { return rawQuery_; }
-  // Whether the URL's query has that name, and its value.
+  // Whether the URL's query contains the name, and its value.
   bool hasQuery(const std::string& name) const;
   std::string query(const std::string& name) const;
-  // The service's address as this client calls it, "http://127.0.0.1:8080".
+  // The service's address as used by this client, "http://127.0.0.1:8080".
   std::string baseUrl() const;
 
-  // The request's header, empty when it is missing.
+  // A header of the request; empty if it is missing.
   std::string header(const std::string& name) const;
-  // The body as JSON; null when it is empty. Throws CHttpError (400, 413).
+  // The body as JSON; null if it is empty. Throws CHttpError (400, 413).
   Json::Value readJson();
 
-  void answer(int status, const Json::Value& body);
-  void answerEmpty(int status);
-  // Throws away what is left of the body, or ends the connection after this answer when that is
-  // too much to wait for.
+  void respond(int status, const Json::Value& body);
+  void respondEmpty(int status);
+  // Reads and drops the rest of the body, or ends the connection after this response if the rest is
+  // too large.
   void discardBody();
-  // To be called after the answer: takes in what a client that was refused still sends, for a
-  // while, so that it gets to see the answer instead of a reset.
+  // Called after the response: reads for a while what a refused client still sends, so that it sees
+  // the response instead of a reset.
   void linger();
   // Ends the connection at once with a TCP reset.
   [[noreturn]] void reset();
-  // Waits; throws CConnectionLost when the service ends meanwhile.
+  // Waits; throws CConnectionLost if the service ends meanwhile.
   void wait(std::uint64_t milliseconds);
 
-  // To be told by who reads the body.
+  // Called by the reader of the body.
   void bodyWasRead() { bodyRead_ = true; }
 
  private:

@@ -13,10 +13,10 @@ namespace {
   throw CHttpError(400, "bad_rule", why);
 }
 
-std::uint64_t number(const Json::Value& rule, const char* key, std::uint64_t otherwise) {
+std::uint64_t number(const Json::Value& rule, const char* key, std::uint64_t fallback) {
   const Json::Value& value = rule[key];
   if (value.isNull()) {
-    return otherwise;
+    return fallback;
   }
   if (!value.isUInt64()) {
     refuse(std::string("\"") + key + "\" must be a whole number, not negative");
@@ -24,10 +24,10 @@ std::uint64_t number(const Json::Value& rule, const char* key, std::uint64_t oth
   return value.asUInt64();
 }
 
-std::string text(const Json::Value& rule, const char* key, const char* otherwise) {
+std::string text(const Json::Value& rule, const char* key, const char* fallback) {
   const Json::Value& value = rule[key];
   if (value.isNull()) {
-    return otherwise;
+    return fallback;
   }
   if (!value.isString()) {
     refuse(std::string("\"") + key + "\" must be a text");

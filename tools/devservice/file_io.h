@@ -7,8 +7,8 @@
 
 namespace zantrio::devservice {
 
-// An open file; closed at the end of its life. Every failure throws std::system_error whose text
-// names the file.
+// An open file, closed by destruction. Every failure throws std::system_error whose text names the
+// file.
 class CFile {
  public:
   static CFile create(const std::filesystem::path& path);  // must not exist
@@ -20,10 +20,10 @@ class CFile {
   ~CFile();
 
   void write(std::span<const char> data);
-  // Reads up to the buffer's size at an offset; gives the number of bytes, 0 at the end.
+  // Reads up to the buffer's size at an offset; returns the number of bytes, 0 at the end.
   std::size_t readAt(std::span<char> buffer, std::uint64_t offset) const;
   std::uint64_t size() const;
-  // Reports what the system kept back, for example that the disk is full.
+  // Reports delayed errors, for example a full disk.
   void close();
 
  private:
@@ -33,7 +33,7 @@ class CFile {
   std::filesystem::path path_;
 };
 
-// The file's text; empty when it does not exist.
+// The file's text; empty if it does not exist.
 std::string readText(const std::filesystem::path& path);
 // Replaces the file's text in one step.
 void replaceText(const std::filesystem::path& path, const std::string& text);

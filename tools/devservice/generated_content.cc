@@ -40,7 +40,7 @@ Colour mix(const Colour& a, const Colour& b, double share) {
   return {a[0] + (b[0] - a[0]) * share, a[1] + (b[1] - a[1]) * share, a[2] + (b[2] - a[2]) * share};
 }
 
-// The colour at a place of the picture, both coordinates from 0 to 1.
+// The colour at a point of the picture; both coordinates are from 0 to 1.
 Colour seascape(double x, double y, double timeOfDay) {
   const Colour zenith = mix({34, 40, 92}, {52, 128, 205}, timeOfDay);
   const Colour horizon = mix({250, 150, 96}, {196, 226, 244}, timeOfDay);
@@ -58,7 +58,7 @@ Colour seascape(double x, double y, double timeOfDay) {
   return distance < 0.055 ? sun : mix(sun, sky, 0.35 + 2.2 * distance);
 }
 
-// A well mixed number for every index (the finaliser of SplitMix64).
+// A pseudo-random number for every index (the finaliser of SplitMix64).
 std::uint64_t noise(std::uint64_t index) {
   std::uint64_t value = (index + 1) * 0x9E3779B97F4A7C15ULL;
   value = (value ^ (value >> 30)) * 0xBF58476D1CE4E5B9ULL;

@@ -7,7 +7,7 @@
 
 namespace zantrio::devservice {
 
-// Content that is in memory.
+// Content in memory.
 class CTextContent : public IContent {
  public:
   explicit CTextContent(std::string text) : text_(std::move(text)) {}
@@ -18,8 +18,8 @@ class CTextContent : public IContent {
   std::string text_;
 };
 
-// `size` bytes that cannot be compressed, always the same, made where they are read: a large file
-// that takes no room.
+// `size` incompressible bytes, always the same, generated when they are read: a large file without
+// disk space.
 class CNoiseContent : public IContent {
  public:
   explicit CNoiseContent(std::uint64_t size) : size_(size) {}

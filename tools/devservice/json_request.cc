@@ -8,7 +8,7 @@ void refuse(const std::string& why) {
   throw CHttpError(400, "bad_request", why);
 }
 
-void need(const CExchange& exchange, const char* method) {
+void requireMethod(const CExchange& exchange, const char* method) {
   if (exchange.method() != method) {
     throw CHttpError(405, "not_supported",
                      exchange.method() + " is not possible here, only " + method + ".");
@@ -23,10 +23,10 @@ Json::Value readObject(CExchange& exchange) {
   return body;
 }
 
-std::string textOf(const Json::Value& object, const char* key, const char* otherwise) {
+std::string textOf(const Json::Value& object, const char* key, const char* fallback) {
   const Json::Value& value = object[key];
   if (value.isNull()) {
-    return otherwise;
+    return fallback;
   }
   if (!value.isString()) {
     refuse(std::string("\"") + key + "\" must be a text.");
@@ -34,10 +34,10 @@ std::string textOf(const Json::Value& object, const char* key, const char* other
   return value.asString();
 }
 
-std::uint64_t numberOf(const Json::Value& object, const char* key, std::uint64_t otherwise) {
+std::uint64_t numberOf(const Json::Value& object, const char* key, std::uint64_t fallback) {
   const Json::Value& value = object[key];
   if (value.isNull()) {
-    return otherwise;
+    return fallback;
   }
   if (!value.isUInt64()) {
     refuse(std::string("\"") + key + "\" must be a whole number, not negative.");

@@ -9,14 +9,14 @@
 
 namespace zantrio::devservice {
 
-// Reading the requests of the JSON API; what makes no sense is refused with CHttpError.
+// Reads the requests of the JSON API; invalid ones are refused with CHttpError.
 
 [[noreturn]] void refuse(const std::string& why);  // 400
-// The method must be the one that the address knows (405).
-void need(const CExchange& exchange, const char* method);
+// Throws (405) unless the request has this method.
+void requireMethod(const CExchange& exchange, const char* method);
 Json::Value readObject(CExchange& exchange);
-// The text or number of a key that may be missing or null.
-std::string textOf(const Json::Value& object, const char* key, const char* otherwise = "");
-std::uint64_t numberOf(const Json::Value& object, const char* key, std::uint64_t otherwise);
+// The text or number of a key; `fallback` if it is missing or null.
+std::string textOf(const Json::Value& object, const char* key, const char* fallback = "");
+std::uint64_t numberOf(const Json::Value& object, const char* key, std::uint64_t fallback);
 
 }  // namespace zantrio::devservice

@@ -9,7 +9,7 @@
 
 namespace {
 
-// Every thread inherits the mask, so the signals wait for the main thread to fetch them.
+// Every thread inherits the mask, so that only the main thread receives the signals.
 sigset_t blockEndSignals() {
   sigset_t signals;
   sigemptyset(&signals);

@@ -26,11 +26,11 @@ class CMd5 {
 
 // Lower-case hexadecimal.
 std::string toHex(const std::string& bytes);
-// The raw bytes of hexadecimal text, whose length is even; empty when it is none.
+// The raw bytes of hexadecimal text of even length; empty if it is invalid.
 std::string fromHex(const std::string& text);
-// The raw bytes of base64 text; empty when it is none.
+// The raw bytes of base64 text; empty if it is invalid.
 std::string fromBase64(const std::string& text);
-// `size` random bytes in hexadecimal, fit for tokens.
+// `size` random bytes in hexadecimal, suitable for tokens.
 std::string randomHex(std::size_t size);
 
 }  // namespace zantrio::devservice

@@ -11,7 +11,7 @@ MessageFile& CMessage::announce(const std::string& wanted, std::uint64_t size,
                                 std::int64_t modified) {
   MessageFile file;
   file.id = std::to_string(files_.size() + 1);
-  file.path = places_.take(wanted);
+  file.path = allocator_.allocate(wanted);
   file.size = size;
   file.modified = modified;
   byPath_[file.path] = files_.size();
@@ -20,7 +20,7 @@ MessageFile& CMessage::announce(const std::string& wanted, std::uint64_t size,
 
 void CMessage::restore(MessageFile file) {
   file.id = std::to_string(files_.size() + 1);
-  places_.mark(file.path);
+  allocator_.reserve(file.path);
   byPath_[file.path] = files_.size();
   files_.push_back(std::move(file));
 }
@@ -40,7 +40,7 @@ MessageFile* CMessage::byId(const std::string& fileId) {
   return &files_[number - 1];
 }
 
-std::vector<MessageFile> CMessage::filesBehind(std::size_t after, std::size_t count) const {
+std::vector<MessageFile> CMessage::filesAfter(std::size_t after, std::size_t count) const {
   std::vector<MessageFile> found;
   for (std::size_t i = after; i < files_.size() && found.size() < count; ++i) {
     if (!files_[i].removed) {

@@ -102,7 +102,7 @@ void CMessageJournal::deleted(const MessageFile& file) {
 
 void CMessageJournal::append(const std::string& lines) {
   if (!file_) {
-    // Begins with a line end: what a crash cut short must not swallow the next line.
+    // Begins with a line end, so that a line truncated by a crash does not swallow the next one.
     file_ = std::make_unique<CFile>(CFile::openForAppending(folder_ / kJournalFile));
     file_->write(std::string("\n"));
   }

@@ -10,10 +10,10 @@
 
 namespace zantrio::devservice {
 
-// Keeps a message in its folder, so that a restarted service goes on where it stopped:
-//   message.json    what does not concern its files; replaced on every change
-//   journal.jsonl   one line for each thing that happened to a file; only ever appended to
-// A line that a crash cut short is ignored. Throws std::system_error.
+// Keeps a message in its folder, so that a restarted service continues where it stopped:
+//   message.json    everything except the files; replaced on every change
+//   journal.jsonl   one line per event of a file; only appended to
+// A line that a crash truncated is ignored. Throws std::system_error.
 class CMessageJournal {
  public:
   explicit CMessageJournal(std::filesystem::path folder);
@@ -24,7 +24,7 @@ class CMessageJournal {
   void removed(const MessageFile& file);
   void deleted(const MessageFile& file);
 
-  // The message as it was written; null when the folder has none.
+  // The stored message; null if the folder has none.
   static std::unique_ptr<CMessage> load(const std::filesystem::path& folder);
 
  private:

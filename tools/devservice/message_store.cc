@@ -26,7 +26,7 @@ std::int64_t nowMilliseconds() {
 void prepare(const fs::path& folder) {
   try {
     fs::create_directories(folder / "messages");
-    fs::remove_all(folder / "incoming");  // what a service that was killed left behind
+    fs::remove_all(folder / "incoming");  // left by a killed service
     fs::create_directories(folder / "incoming");
     const fs::path probe = folder / "incoming/probe";
     CFile::create(probe).close();
@@ -109,10 +109,10 @@ std::vector<MessageFile> CMessageStore::files(const std::string& bucketId) const
   return files;
 }
 
-std::vector<MessageFile> CMessageStore::filesBehind(const std::string& bucketId, std::size_t after,
-                                                    std::size_t count) const {
+std::vector<MessageFile> CMessageStore::filesAfter(const std::string& bucketId, std::size_t after,
+                                                   std::size_t count) const {
   const std::lock_guard lock(mutex_);
-  return find(bucketId).message.filesBehind(after, count);
+  return find(bucketId).message.filesAfter(after, count);
 }
 
 std::vector<MessageFile> CMessageStore::filesWithIds(const std::string& bucketId,
@@ -189,7 +189,7 @@ void CMessageStore::authorize(const std::string& bucketId, const std::string& to
   }
 }
 
-void CMessageStore::expectReceived(const std::string& bucketId) const {
+void CMessageStore::requireReceived(const std::string& bucketId) const {
   const std::lock_guard lock(mutex_);
   const CMessage& message = find(bucketId).message;
   if (message.state != CMessage::State::kCompleted) {
@@ -211,7 +211,7 @@ std::pair<fs::path, MessageFile> CMessageStore::arrivedFile(const std::string& b
   return {folderOf(bucketId) / "files" / path, *file};
 }
 
-void CMessageStore::expectFile(const std::string& bucketId, const std::string& path) const {
+void CMessageStore::requireAnnounced(const std::string& bucketId, const std::string& path) const {
   const std::lock_guard lock(mutex_);
   if (!findOpen(bucketId).message.byPath(path)) {
     noSuchFile(path);

@@ -16,7 +16,7 @@
 
 namespace zantrio::devservice {
 
-// What a sender says of a message.
+// A sender's description of a message.
 struct NewMessage {
   std::string subject;
   std::string text;
@@ -26,64 +26,64 @@ struct NewMessage {
   std::uint64_t lifetimeSeconds = 0;  // of its files
 };
 
-// Content of a file that has arrived.
+// The received content of a file.
 struct ArrivedContent {
   std::uint64_t size = 0;
   std::string md5;   // hexadecimal
   std::string etag;  // without its quotes
 };
 
-// What a sender announces of a file.
+// A sender's announcement of a file.
 struct Announcement {
-  std::string path;  // where it wants to be, with its name at the end
+  std::string path;  // the wanted path, with the file's name at the end
   std::uint64_t size = 0;
   std::int64_t modified = 0;
 };
 
 // All messages, in memory and on disk:
-//   DIR/messages/<bucket>/files/<path>   what arrived, under the senders' own names
-//   DIR/incoming/                        what is arriving
+//   DIR/messages/<bucket>/files/<path>   received files, under the senders' own names
+//   DIR/incoming/                        incomplete bodies
 //
-// Thread: any. Operations on what is not there throw CHttpError with the status to answer.
+// Thread: any. Operations on missing messages or files throw CHttpError with the status to respond.
 class CMessageStore {
  public:
-  // Loads what is there. Throws std::runtime_error with one line for the user when the folder
-  // cannot be used.
+  // Loads the folder. Throws std::runtime_error with one line for the user if the folder cannot be
+  // used.
   explicit CMessageStore(std::filesystem::path folder);
 
-  // Gives the message with its token.
+  // Returns the message with its token.
   CMessage create(const NewMessage& wanted);
   Json::Value list() const;
-  // The messages that are complete, each as `describe` gives it.
+  // The complete messages, each as `describe` returns it.
   Json::Value listReceived() const;
   Json::Value describe(const std::string& bucketId) const;
   std::vector<MessageFile> files(const std::string& bucketId) const;
-  // As CMessage gives them.
-  std::vector<MessageFile> filesBehind(const std::string& bucketId, std::size_t after,
-                                       std::size_t count) const;
+  // As in CMessage.
+  std::vector<MessageFile> filesAfter(const std::string& bucketId, std::size_t after,
+                                      std::size_t count) const;
   std::vector<MessageFile> filesWithIds(const std::string& bucketId,
                                         const std::vector<std::string>& ids) const;
-  // Gives the files in the same order, each with its id and its place.
+  // Returns the files in the same order, each with its id and its path.
   std::vector<MessageFile> announce(const std::string& bucketId,
                                     const std::vector<Announcement>& announcements);
   void removeFile(const std::string& bucketId, const std::string& fileId);
-  // Completes the message once all files are there; throws (409) while some are missing.
+  // Completes the message; throws (409) while files are missing.
   Json::Value complete(const std::string& bucketId);
-  // Forgets the files that arrived; nothing more is taken in.
+  // Removes the received files; no more are accepted.
   void cancel(const std::string& bucketId);
 
-  // Throws unless it is the token of the message. `forWriting`: only while it is open.
+  // Throws unless `token` is the message's. `forWriting`: also throws unless the message is open.
   void authorize(const std::string& bucketId, const std::string& token, bool forWriting) const;
-  // Throws unless the message is complete and its files can still be fetched.
-  void expectReceived(const std::string& bucketId) const;
-  // Where a file is that has arrived, and its record.
+  // Throws unless the message is complete and its files have not expired.
+  void requireReceived(const std::string& bucketId) const;
+  // The place of a received file, and its record.
   std::pair<std::filesystem::path, MessageFile> arrivedFile(const std::string& bucketId,
                                                             const std::string& path) const;
-  // Throws unless the message expects a file at that path.
-  void expectFile(const std::string& bucketId, const std::string& path) const;
-  // A name of its own for a file that begins to arrive.
+  // Throws unless a file was announced at that path.
+  void requireAnnounced(const std::string& bucketId, const std::string& path) const;
+  // A unique name for an incoming body.
   std::filesystem::path incomingPath();
-  // Takes over a file that has arrived completely; replaces an earlier one.
+  // Moves a complete incoming file to its place; replaces an earlier one.
   void accept(const std::string& bucketId, const std::string& path,
               const std::filesystem::path& incoming, const ArrivedContent& content);
   void deleteArrived(const std::string& bucketId, const std::string& path);
@@ -94,7 +94,7 @@ class CMessageStore {
   struct Entry {
     CMessage message;
     CMessageJournal journal;
-    std::set<std::string> folders;  // that are known to exist
+    std::set<std::string> folders;  // known to exist
   };
 
   std::filesystem::path folderOf(const std::string& bucketId) const;

@@ -8,21 +8,21 @@
 
 namespace zantrio::devservice {
 
-// Uploads in parts, as object stores offer them, for a file of the object storage:
-//   POST ?uploads                            begins one
-//   PUT ?partNumber=N&uploadId=ID            a part
-//   GET ?uploadId=ID                         lists the parts that are there
-//   POST ?uploadId=ID                        puts the listed parts together
+// Multipart uploads, as of object stores, for a file of the object storage:
+//   POST ?uploads                            initiates one
+//   PUT ?partNumber=N&uploadId=ID            uploads a part
+//   GET ?uploadId=ID                         lists the received parts
+//   POST ?uploadId=ID                        completes with the listed parts
 //   DELETE ?uploadId=ID                      aborts
-// Answers and failures are XML with the codes that clients of object stores know.
-// Thread: any. The caller has checked that the client may do this to the file.
+// Responses and failures are XML with the codes of object stores.
+// Thread: any. The caller has authorised the client for the file.
 class CMultipartArea {
  public:
   CMultipartArea(CMessageStore& store, CMultipartUploads& uploads)
       : store_(store), uploads_(uploads) {}
 
-  // Whether the request is about an upload in parts.
-  static bool concerns(const CExchange& exchange);
+  // Whether the request belongs to a multipart upload.
+  static bool isMultipart(const CExchange& exchange);
 
   void handle(CExchange& exchange, const std::string& bucketId, const std::string& path);
 

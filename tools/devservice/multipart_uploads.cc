@@ -35,7 +35,7 @@ unsigned partNumber(const std::string& name) {
   return error == std::errc() && end != name.data() + name.size() && *end == '-' ? number : 0;
 }
 
-// Appends a part to the target; `md5` is that of the whole target.
+// Appends a part to the target and to `md5`, the digest of the whole target.
 void append(const fs::path& path, CFile& target, CBackgroundMd5& md5) {
   const CFile part = CFile::openForReading(path);
   for (std::uint64_t offset = 0;;) {
@@ -51,27 +51,27 @@ void append(const fs::path& path, CFile& target, CBackgroundMd5& md5) {
 }
 
 AssembledFile assemble(const fs::path& folder, const std::map<unsigned, UploadedPart>& parts,
-                       const std::vector<PartClaim>& claims, CFile& target) {
+                       const std::vector<ListedPart>& listedParts, CFile& target) {
   AssembledFile assembled;
   CBackgroundMd5 md5(kPiece);
   CMd5 md5OfMd5s;
-  for (const PartClaim& claim : claims) {
-    const UploadedPart& part = parts.at(claim.number);
-    append(folder / partName(claim.number, part), target, md5);
+  for (const ListedPart& listed : listedParts) {
+    const UploadedPart& part = parts.at(listed.number);
+    append(folder / partName(listed.number, part), target, md5);
     const std::string digest = fromHex(part.md5);
     md5OfMd5s.update(digest.data(), digest.size());
     assembled.size += part.size;
   }
   target.close();
   assembled.md5 = toHex(md5.finish());
-  assembled.etag = toHex(md5OfMd5s.finish()) + "-" + std::to_string(claims.size());
+  assembled.etag = toHex(md5OfMd5s.finish()) + "-" + std::to_string(listedParts.size());
   return assembled;
 }
 
 }  // namespace
 
-CMultipartUploads::CMultipartUploads(fs::path folder, std::uint64_t smallestPart)
-    : folder_(std::move(folder)), smallestPart_(smallestPart) {
+CMultipartUploads::CMultipartUploads(fs::path folder, std::uint64_t minPartSize)
+    : folder_(std::move(folder)), minPartSize_(minPartSize) {
   fs::create_directories(folder_);
   for (const auto& entry : fs::directory_iterator(folder_)) {
     load(entry.path());
@@ -82,7 +82,7 @@ void CMultipartUploads::load(const fs::path& folder) {
   Json::Value json;
   std::istringstream text(readText(folder / kUploadFile));
   if (!Json::parseFromStream(Json::CharReaderBuilder(), text, &json, nullptr) || !json.isObject()) {
-    fs::remove_all(folder);  // killed while it was being created: nobody knows its id
+    fs::remove_all(folder);  // the service was killed during its creation; no client knows its id
     return;
   }
   Upload upload{json["bucketId"].asString(), json["path"].asString(), {}, false};
@@ -107,8 +107,8 @@ std::string CMultipartUploads::create(const std::string& bucketId, const std::st
   return id;
 }
 
-void CMultipartUploads::expect(const std::string& uploadId, const std::string& bucketId,
-                               const std::string& path) const {
+void CMultipartUploads::requireUpload(const std::string& uploadId, const std::string& bucketId,
+                                      const std::string& path) const {
   const std::lock_guard lock(mutex_);
   const Upload& upload = find(uploadId);
   if (upload.bucketId != bucketId || upload.path != path) {
@@ -133,12 +133,12 @@ CMultipartUploads::Parts CMultipartUploads::parts(const std::string& uploadId) c
   return find(uploadId).parts;
 }
 
-void CMultipartUploads::complete(const std::string& uploadId, const std::vector<PartClaim>& claims,
-                                 CFile& target,
-                                 const std::function<void(const AssembledFile&)>& take) {
-  const auto parts = begin(uploadId, claims);
+void CMultipartUploads::complete(const std::string& uploadId,
+                                 const std::vector<ListedPart>& listedParts, CFile& target,
+                                 const std::function<void(const AssembledFile&)>& onAssembled) {
+  const auto parts = begin(uploadId, listedParts);
   try {
-    take(assemble(folderOf(uploadId), parts, claims, target));
+    onAssembled(assemble(folderOf(uploadId), parts, listedParts, target));
     remove(uploadId);
   } catch (...) {
     const std::lock_guard lock(mutex_);
@@ -150,34 +150,35 @@ void CMultipartUploads::complete(const std::string& uploadId, const std::vector<
 }
 
 CMultipartUploads::Parts CMultipartUploads::begin(const std::string& uploadId,
-                                                  const std::vector<PartClaim>& claims) {
+                                                  const std::vector<ListedPart>& listedParts) {
   const std::lock_guard lock(mutex_);
   Upload& upload = find(uploadId);
-  check(upload.parts, claims);
+  check(upload.parts, listedParts);
   upload.completing = true;
   return upload.parts;
 }
 
-void CMultipartUploads::check(const Parts& parts, const std::vector<PartClaim>& claims) const {
+void CMultipartUploads::check(const Parts& parts,
+                              const std::vector<ListedPart>& listedParts) const {
   unsigned last = 0;
-  for (const PartClaim& claim : claims) {
-    if (claim.number <= last) {
+  for (const ListedPart& listed : listedParts) {
+    if (listed.number <= last) {
       throw CHttpError(400, "InvalidPartOrder", "The parts must be listed in ascending order.");
     }
-    last = claim.number;
-    const auto part = parts.find(claim.number);
-    if (part == parts.end() || part->second.md5 != claim.etag) {
+    last = listed.number;
+    const auto part = parts.find(listed.number);
+    if (part == parts.end() || part->second.md5 != listed.etag) {
       throw CHttpError(400, "InvalidPart",
-                       "Part number " + std::to_string(claim.number) +
+                       "Part number " + std::to_string(listed.number) +
                            " has not arrived, or has another ETag than the list says.");
     }
-    if (part->second.size < smallestPart_ && claim.number != claims.back().number) {
+    if (part->second.size < minPartSize_ && listed.number != listedParts.back().number) {
       throw CHttpError(400, "EntityTooSmall",
-                       "Part number " + std::to_string(claim.number) + " has only " +
+                       "Part number " + std::to_string(listed.number) + " has only " +
                            std::to_string(part->second.size) +
                            " bytes; only the last may have less "
                            "than " +
-                           std::to_string(smallestPart_) + ".");
+                           std::to_string(minPartSize_) + ".");
     }
   }
 }

@@ -70,21 +70,21 @@ std::string childText(const Poco::XML::Element& parent, const std::string& name)
   return child->innerText();
 }
 
-PartClaim parseClaim(const Poco::XML::Element& part) {
+ListedPart parseListedPart(const Poco::XML::Element& part) {
   const std::string number = childText(part, "PartNumber");
-  PartClaim claim{0, withoutQuotes(childText(part, "ETag"))};
+  ListedPart listed{0, withoutQuotes(childText(part, "ETag"))};
   const auto [end, error] =
-      std::from_chars(number.data(), number.data() + number.size(), claim.number);
+      std::from_chars(number.data(), number.data() + number.size(), listed.number);
   if (error != std::errc() || end != number.data() + number.size()) {
     malformed("a part's number is none");
   }
-  return claim;
+  return listed;
 }
 
 }  // namespace
 
-std::vector<PartClaim> parseCompletion(const std::string& xml) {
-  std::vector<PartClaim> claims;
+std::vector<ListedPart> parseCompletion(const std::string& xml) {
+  std::vector<ListedPart> listedParts;
   try {
     Poco::XML::DOMParser parser;
     const Poco::AutoPtr<Poco::XML::Document> parsed = parser.parseString(xml);
@@ -94,16 +94,16 @@ std::vector<PartClaim> parseCompletion(const std::string& xml) {
     for (auto* node = parsed->documentElement()->firstChild(); node != nullptr;
          node = node->nextSibling()) {
       if (node->localName() == "Part") {
-        claims.push_back(parseClaim(dynamic_cast<const Poco::XML::Element&>(*node)));
+        listedParts.push_back(parseListedPart(dynamic_cast<const Poco::XML::Element&>(*node)));
       }
     }
   } catch (const Poco::Exception& error) {
     malformed(error.displayText());
   }
-  if (claims.empty()) {
+  if (listedParts.empty()) {
     malformed("it is empty");
   }
-  return claims;
+  return listedParts;
 }
 
 std::string initiatedXml(const std::string& bucketId, const std::string& path,
@@ -119,7 +119,7 @@ std::string partsXml(const std::string& bucketId, const std::string& path,
   unsigned count = 0;
   unsigned last = page.after;
   auto part = parts.upper_bound(page.after);
-  for (; part != parts.end() && count < page.most; ++part, ++count) {
+  for (; part != parts.end() && count < page.maxParts; ++part, ++count) {
     last = part->first;
     listed += "<Part>" + element("PartNumber", std::to_string(part->first)) +
               element("ETag", '"' + part->second.md5 + '"') +
@@ -129,7 +129,7 @@ std::string partsXml(const std::string& bucketId, const std::string& path,
                   place(bucketId, path) + element("UploadId", uploadId) +
                       element("PartNumberMarker", std::to_string(page.after)) +
                       element("NextPartNumberMarker", std::to_string(last)) +
-                      element("MaxParts", std::to_string(page.most)) +
+                      element("MaxParts", std::to_string(page.maxParts)) +
                       element("IsTruncated", part == parts.end() ? "false" : "true") + listed);
 }
 

@@ -7,17 +7,17 @@
 
 namespace zantrio::devservice {
 
-// The list of parts in a client's request to complete an upload, ETags without their quotes.
+// Parses the list of parts in a completion request; ETags without their quotes.
 // Throws CHttpError (400 MalformedXML).
-std::vector<PartClaim> parseCompletion(const std::string& xml);
+std::vector<ListedPart> parseCompletion(const std::string& xml);
 
-// Which of an upload's parts to list.
+// The part of an upload's list to return.
 struct PartsPage {
   unsigned after = 0;  // parts with larger numbers
-  unsigned most = 1000;
+  unsigned maxParts = 1000;
 };
 
-// What the storage answers; texts are escaped.
+// The storage's responses; texts are escaped.
 std::string initiatedXml(const std::string& bucketId, const std::string& path,
                          const std::string& uploadId);
 std::string partsXml(const std::string& bucketId, const std::string& path,

@@ -9,9 +9,9 @@ namespace zantrio::devservice {
 
 namespace {
 
-constexpr std::size_t kLongestName = 255;
-constexpr std::size_t kLongestPath = 3000;
-constexpr std::size_t kLongestShown = 120;
+constexpr std::size_t kMaxName = 255;
+constexpr std::size_t kMaxPath = 3000;
+constexpr std::size_t kMaxShown = 120;
 
 bool isUtf8(std::string_view text) {
   const Poco::UTF8Encoding encoding;
@@ -27,14 +27,14 @@ bool isUtf8(std::string_view text) {
   return true;
 }
 
-std::string whyNameUnusable(std::string_view name) {
+std::string nameProblem(std::string_view name) {
   if (name.empty()) {
     return "a name in it is empty";
   }
   if (name == "." || name == "..") {
     return "it leaves its folder";
   }
-  if (name.size() > kLongestName) {
+  if (name.size() > kMaxName) {
     return "a name in it is longer than 255 bytes";
   }
   return {};
@@ -47,8 +47,8 @@ std::string counted(const std::string& name, int count) {
   std::string stem = hasExtension ? name.substr(0, dot) : name;
   const std::string tail =
       " (" + std::to_string(count) + ")" + (hasExtension ? name.substr(dot) : std::string());
-  while (!stem.empty() && stem.size() + tail.size() > kLongestName) {
-    // Whole characters only: continuation bytes go together with their first byte.
+  while (!stem.empty() && stem.size() + tail.size() > kMaxName) {
+    // Removes whole characters: continuation bytes together with their first byte.
     while ((static_cast<unsigned char>(stem.back()) & 0xC0) == 0x80) {
       stem.pop_back();
     }
@@ -59,14 +59,14 @@ std::string counted(const std::string& name, int count) {
 
 }  // namespace
 
-std::string whyUnusable(std::string_view path) {
+std::string pathProblem(std::string_view path) {
   if (path.empty()) {
     return "it is empty";
   }
   if (path.front() == '/') {
     return "it is absolute";
   }
-  if (path.size() > kLongestPath) {
+  if (path.size() > kMaxPath) {
     return "it is longer than 3000 bytes";
   }
   if (path.find('\0') != std::string_view::npos) {
@@ -77,7 +77,7 @@ std::string whyUnusable(std::string_view path) {
   }
   for (std::size_t begin = 0; begin <= path.size();) {
     const std::size_t end = std::min(path.find('/', begin), path.size());
-    if (std::string why = whyNameUnusable(path.substr(begin, end - begin)); !why.empty()) {
+    if (std::string why = nameProblem(path.substr(begin, end - begin)); !why.empty()) {
       return why;
     }
     begin = end + 1;
@@ -86,7 +86,7 @@ std::string whyUnusable(std::string_view path) {
 }
 
 std::string printable(std::string_view text) {
-  std::string shown(text.substr(0, kLongestShown));
+  std::string shown(text.substr(0, kMaxShown));
   for (char& character : shown) {
     if (static_cast<unsigned char>(character) < 0x20 || character == 0x7F) {
       character = '?';
@@ -96,7 +96,7 @@ std::string printable(std::string_view text) {
     std::replace_if(
         shown.begin(), shown.end(), [](char c) { return (c & 0x80) != 0; }, '?');
   }
-  return text.size() > kLongestShown ? shown + "..." : shown;
+  return text.size() > kMaxShown ? shown + "..." : shown;
 }
 
 std::string encodePath(std::string_view path) {
@@ -118,7 +118,7 @@ std::string encodePath(std::string_view path) {
   return encoded;
 }
 
-std::string CPlaces::take(const std::string& wanted) {
+std::string CPathAllocator::allocate(const std::string& wanted) {
   std::string folder;
   std::size_t begin = 0;
   for (std::size_t slash; (slash = wanted.find('/', begin)) != std::string::npos;
@@ -126,11 +126,11 @@ std::string CPlaces::take(const std::string& wanted) {
     folder += freeName(folder, wanted.substr(begin, slash - begin), Kind::kFolder) + '/';
   }
   std::string path = folder + freeName(folder, wanted.substr(begin), Kind::kFile);
-  mark(path);
+  reserve(path);
   return path;
 }
 
-void CPlaces::mark(const std::string& path) {
+void CPathAllocator::reserve(const std::string& path) {
   taken_[path] = Kind::kFile;
   for (auto slash = path.rfind('/'); slash != std::string::npos && slash > 0;
        slash = path.rfind('/', slash - 1)) {
@@ -140,16 +140,17 @@ void CPlaces::mark(const std::string& path) {
   }
 }
 
-bool CPlaces::fits(const std::string& path, Kind kind) const {
+bool CPathAllocator::fits(const std::string& path, Kind kind) const {
   const auto found = taken_.find(path);
   return found == taken_.end() || (kind == Kind::kFolder && found->second == Kind::kFolder);
 }
 
-std::string CPlaces::freeName(const std::string& folder, const std::string& name, Kind kind) {
+std::string CPathAllocator::freeName(const std::string& folder, const std::string& name,
+                                     Kind kind) {
   if (fits(folder + name, kind)) {
     return name;
   }
-  // A folder must find the same counted name again, so only files go on where they stopped.
+  // A folder must find the same numbered name again, so only files continue from the last number.
   int fromTheStart = 1;
   int& count =
       kind == Kind::kFile ? lastCount_.try_emplace(folder + name, 1).first->second : fromTheStart;

@@ -8,15 +8,15 @@ namespace zantrio::devservice {
 
 const char* const kUsage =
     "usage: zantrio-devservice --port N --data DIR --web DIR [OPTION...]\n"
-    "A local stand-in for the service, on 127.0.0.1 only.\n"
+    "Runs a local stand-in for the service, on 127.0.0.1 only.\n"
     "  --port N           port to listen on, 0 for a free one\n"
-    "  --data DIR         where messages and the files that arrive are kept; created if missing\n"
+    "  --data DIR         folder for messages and received files; created if missing\n"
     "  --web DIR          folder of the web application, served under /app\n"
     "  --javascript DIR   folder of jQuery, Underscore and Backbone (/usr/share/javascript)\n"
-    "  --url-lifetime S   seconds for which an address for a download is valid (3600)\n"
-    "  --min-part-size N  bytes that every part of an upload but its last must have (0)\n"
-    "  --no-multipart     refuse uploads in parts\n"
-    "  --no-samples       no sample messages to download\n";
+    "  --url-lifetime S   seconds for which a download URL is valid (3600)\n"
+    "  --min-part-size N  minimum bytes of every part of an upload except the last (0)\n"
+    "  --no-multipart     refuse multipart uploads\n"
+    "  --no-samples       offer no sample messages\n";
 
 namespace {
 
@@ -44,13 +44,13 @@ Options parseOptions(const std::vector<std::string>& arguments) {
   Options options;
   std::string port;
   std::string urlLifetime = std::to_string(options.urlLifetime);
-  std::string smallestPart = std::to_string(options.smallestPart);
+  std::string minPartSize = std::to_string(options.minPartSize);
   const std::map<std::string, std::string*> targets = {{"--port", &port},
                                                        {"--data", &options.data},
                                                        {"--web", &options.web},
                                                        {"--javascript", &options.javascript},
                                                        {"--url-lifetime", &urlLifetime},
-                                                       {"--min-part-size", &smallestPart}};
+                                                       {"--min-part-size", &minPartSize}};
   const std::map<std::string, bool*> switches = {{"--no-multipart", &options.multipart},
                                                  {"--no-samples", &options.samples}};
   for (std::size_t i = 0; i < arguments.size(); ++i) {
@@ -73,7 +73,7 @@ Options parseOptions(const std::vector<std::string>& arguments) {
   }
   options.port = parsePort(port);
   options.urlLifetime = parseNumber("--url-lifetime", urlLifetime);
-  options.smallestPart = parseNumber("--min-part-size", smallestPart);
+  options.minPartSize = parseNumber("--min-part-size", minPartSize);
   if (options.data.empty() || options.web.empty()) {
     throw std::runtime_error("--data and --web are needed; --help explains them");
   }

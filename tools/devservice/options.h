@@ -8,13 +8,13 @@ namespace zantrio::devservice {
 
 struct Options {
   std::uint16_t port = 0;                            // 0: a free one
-  std::string data;                                  // folder of what arrives
+  std::string data;                                  // folder of received files
   std::string web;                                   // folder of the web application
   std::string javascript = "/usr/share/javascript";  // Debian's JavaScript libraries
-  std::uint64_t urlLifetime = 3600;                  // of addresses for downloads, seconds
-  std::uint64_t smallestPart = 0;  // bytes that all parts but the last of an upload must have
-  bool multipart = true;           // whether uploads in parts are offered
-  bool samples = true;             // whether there are messages to fetch from the beginning
+  std::uint64_t urlLifetime = 3600;                  // of download URLs, seconds
+  std::uint64_t minPartSize = 0;  // minimum bytes of every part of an upload except the last
+  bool multipart = true;          // whether multipart uploads are offered
+  bool samples = true;            // whether sample messages are offered
   bool help = false;
 };
 

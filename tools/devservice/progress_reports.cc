@@ -5,12 +5,12 @@
 namespace zantrio::devservice {
 namespace {
 
-constexpr Json::ArrayIndex kMostFailures = 100;
-constexpr std::size_t kLongestText = 500;  // bytes
+constexpr Json::ArrayIndex kMaxFailures = 100;
+constexpr std::size_t kMaxText = 500;  // bytes
 
 std::string shortTextOf(const Json::Value& object, const char* key) {
   std::string text = textOf(object, key);
-  if (text.size() > kLongestText) {
+  if (text.size() > kMaxText) {
     refuse(std::string("\"") + key + "\" is too long.");
   }
   return text;
@@ -30,8 +30,8 @@ Json::Value reasonOf(const Json::Value& given) {
 Json::Value failuresOf(const Json::Value& report) {
   Json::Value failures(Json::arrayValue);
   const Json::Value& given = report["failures"];
-  if (!given.isNull() && (!given.isArray() || given.size() > kMostFailures)) {
-    refuse("\"failures\" must be an array of at most " + std::to_string(kMostFailures) + ".");
+  if (!given.isNull() && (!given.isArray() || given.size() > kMaxFailures)) {
+    refuse("\"failures\" must be an array of at most " + std::to_string(kMaxFailures) + ".");
   }
   for (const Json::Value& one : given) {
     Json::Value failure = reasonOf(one);
@@ -41,34 +41,34 @@ Json::Value failuresOf(const Json::Value& report) {
   return failures;
 }
 
-Json::Value takenOf(const Json::Value& report) {
-  Json::Value taken;
+Json::Value readReport(const Json::Value& report) {
+  Json::Value read;
   for (const char* key :
        {"bytesTransferred", "bytesTotal", "bytesTransferredPerSecond", "filesFailed"}) {
-    taken[key] = Json::UInt64(numberOf(report, key, 0));
+    read[key] = Json::UInt64(numberOf(report, key, 0));
   }
-  taken["group"] = shortTextOf(report, "group");
-  taken["state"] = shortTextOf(report, "state");
-  taken["waitingFor"] =
+  read["group"] = shortTextOf(report, "group");
+  read["state"] = shortTextOf(report, "state");
+  read["waitingFor"] =
       report["waitingFor"].isNull() ? Json::Value() : reasonOf(report["waitingFor"]);
-  taken["failures"] = failuresOf(report);
-  return taken;
+  read["failures"] = failuresOf(report);
+  return read;
 }
 
 }  // namespace
 
-void CProgressReports::take(const std::string& bucketId, const Json::Value& report) {
+void CProgressReports::add(const std::string& bucketId, const Json::Value& report) {
   const std::string direction = textOf(report, "direction");
   if (direction != "upload" && direction != "download") {
     refuse("\"direction\" must be \"upload\" or \"download\".");
   }
-  Json::Value taken = takenOf(report);
-  const std::string group = taken["group"].asString();
+  Json::Value read = readReport(report);
+  const std::string group = read["group"].asString();
   const std::lock_guard lock(mutex_);
   Direction& known = last_[{bucketId, direction}];
   Json::Value& last = known.groups[group];
-  taken["reports"] = last["reports"].asUInt() + 1;
-  last = std::move(taken);
+  read["reports"] = last["reports"].asUInt() + 1;
+  last = std::move(read);
   known.newest = group;
 }
 

@@ -9,12 +9,12 @@
 
 namespace zantrio::devservice {
 
-// What clients last reported of their transfers; kept in memory only. Thread: any.
+// The clients' last progress reports; in memory only. Thread: any.
 class CProgressReports {
  public:
-  // Takes a report; throws CHttpError (400) for one that makes no sense.
-  void take(const std::string& bucketId, const Json::Value& report);
-  // The last report of each direction, with how many there were; with a `group`, of that group of
+  // Stores a report; throws CHttpError (400) for an invalid one.
+  void add(const std::string& bucketId, const Json::Value& report);
+  // The last report of each direction with the number of reports; with a `group`, of that group of
   // the client's.
   Json::Value describe(const std::string& bucketId, const std::string& group = "") const;
 

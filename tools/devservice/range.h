@@ -18,8 +18,8 @@ struct RangeRequest {
   ByteRange part;
 };
 
-// What a Range header asks of a file of that size. Several ranges, other units and malformed
-// headers are served with the whole file, as HTTP allows.
+// The range that a header requests of a file of that size. Several ranges, other units and
+// malformed headers get the whole file, as HTTP allows.
 RangeRequest parseRange(const std::string& header, std::uint64_t size);
 
 }  // namespace zantrio::devservice

@@ -12,14 +12,14 @@ namespace zantrio::devservice {
 
 namespace {
 
-constexpr std::size_t kLargestBatch = 20'000;
+constexpr std::size_t kMaxBatch = 20'000;
 constexpr std::uint64_t kWeek = 7ULL * 24 * 3600;
 
 std::uint64_t now() {
   return static_cast<std::uint64_t>(std::time(nullptr));
 }
 
-// In the words of the client's download bridge.
+// With the keys of the client's download bridge.
 Json::Value describe(const MessageFile& file) {
   Json::Value json;
   json["id"] = file.id;
@@ -30,9 +30,9 @@ Json::Value describe(const MessageFile& file) {
   return json;
 }
 
-std::size_t queryNumber(const CExchange& exchange, const char* name, std::size_t otherwise) {
+std::size_t queryNumber(const CExchange& exchange, const char* name, std::size_t fallback) {
   const std::string text = exchange.query(name);
-  std::size_t number = otherwise;
+  std::size_t number = fallback;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (!text.empty() && (error != std::errc() || end != text.data() + text.size())) {
     refuse(std::string("\"") + name + "\" must be a whole number, not negative.");
@@ -41,8 +41,8 @@ std::size_t queryNumber(const CExchange& exchange, const char* name, std::size_t
 }
 
 std::vector<std::string> parseIds(const Json::Value& list) {
-  if (!list.isArray() || list.empty() || list.size() > kLargestBatch) {
-    refuse("\"files\" must be an array of 1 to " + std::to_string(kLargestBatch) + " ids.");
+  if (!list.isArray() || list.empty() || list.size() > kMaxBatch) {
+    refuse("\"files\" must be an array of 1 to " + std::to_string(kMaxBatch) + " ids.");
   }
   std::vector<std::string> ids;
   ids.reserve(list.size());
@@ -67,8 +67,8 @@ void CReceivedArea::handle(CExchange& exchange) {
     return list(exchange);
   }
   if (path.size() == 3) {
-    need(exchange, "GET");
-    return exchange.answer(200, messages_.describe(path[2]));
+    requireMethod(exchange, "GET");
+    return exchange.respond(200, messages_.describe(path[2]));
   }
   if (path.size() == 4 && path[3] == "files") {
     return files(exchange, path[2]);
@@ -80,16 +80,16 @@ void CReceivedArea::handle(CExchange& exchange) {
 }
 
 void CReceivedArea::list(CExchange& exchange) {
-  need(exchange, "GET");
+  requireMethod(exchange, "GET");
   Json::Value json;
   json["messages"] = messages_.list();
-  exchange.answer(200, json);
+  exchange.respond(200, json);
 }
 
 void CReceivedArea::files(CExchange& exchange, const std::string& bucketId) {
-  need(exchange, "GET");
+  requireMethod(exchange, "GET");
   const std::size_t after = queryNumber(exchange, "after", 0);
-  const std::size_t count = std::min(queryNumber(exchange, "count", kLargestBatch), kLargestBatch);
+  const std::size_t count = std::min(queryNumber(exchange, "count", kMaxBatch), kMaxBatch);
   Json::Value json;
   json["files"] = Json::arrayValue;
   const auto listed = messages_.files(bucketId, after, count);
@@ -98,11 +98,11 @@ void CReceivedArea::files(CExchange& exchange, const std::string& bucketId) {
   }
   json["next"] =
       listed.size() == count && count > 0 ? Json::Value(listed.back().id) : Json::Value();
-  exchange.answer(200, json);
+  exchange.respond(200, json);
 }
 
 void CReceivedArea::downloads(CExchange& exchange, const std::string& bucketId) {
-  need(exchange, "POST");
+  requireMethod(exchange, "POST");
   const auto ids = parseIds(readObject(exchange)["files"]);
   Json::Value json;
   json["files"] = Json::arrayValue;
@@ -115,7 +115,7 @@ void CReceivedArea::downloads(CExchange& exchange, const std::string& bucketId) 
   const std::uint64_t tokenExpires = expires == 0 ? now() + kWeek : expires;
   json["token"] = signer_.makeToken(bucketId, tokenExpires);
   json["tokenExpires"] = Json::UInt64(tokenExpires);
-  exchange.answer(200, json);
+  exchange.respond(200, json);
 }
 
 Json::Value CReceivedArea::downloadDetails(const CExchange& exchange, const std::string& bucketId,

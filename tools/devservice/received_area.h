@@ -8,11 +8,10 @@
 
 namespace zantrio::devservice {
 
-// The JSON API of the messages that one has received, below /api/received, see
-// docs/service-api.md. Thread: any.
+// The JSON API of received messages, below /api/received; see docs/service-api.md. Thread: any.
 class CReceivedArea {
  public:
-  // `urlLifetime`: how long an address for a download is valid, seconds.
+  // `urlLifetime`: how long a download URL is valid, seconds.
   CReceivedArea(CReceivedMessages& messages, const CUrlSigner& signer, std::uint64_t urlLifetime)
       : messages_(messages), signer_(signer), urlLifetime_(urlLifetime) {}
 

@@ -34,7 +34,7 @@ Json::Value CReceivedMessages::describe(const std::string& bucketId) {
   if (const CMessage* sample = samples_.find(bucketId)) {
     return toJson(*sample);
   }
-  store_.expectReceived(bucketId);
+  store_.requireReceived(bucketId);
   return store_.describe(bucketId);
 }
 
@@ -45,10 +45,10 @@ std::uint64_t CReceivedMessages::expires(const std::string& bucketId) {
 std::vector<MessageFile> CReceivedMessages::files(const std::string& bucketId, std::size_t after,
                                                   std::size_t count) {
   if (CMessage* sample = samples_.find(bucketId)) {
-    return sample->filesBehind(after, count);
+    return sample->filesAfter(after, count);
   }
-  store_.expectReceived(bucketId);
-  return store_.filesBehind(bucketId, after, count);
+  store_.requireReceived(bucketId);
+  return store_.filesAfter(bucketId, after, count);
 }
 
 std::vector<MessageFile> CReceivedMessages::files(const std::string& bucketId,
@@ -56,7 +56,7 @@ std::vector<MessageFile> CReceivedMessages::files(const std::string& bucketId,
   if (CMessage* sample = samples_.find(bucketId)) {
     return sample->filesWithIds(ids);
   }
-  store_.expectReceived(bucketId);
+  store_.requireReceived(bucketId);
   return store_.filesWithIds(bucketId, ids);
 }
 

@@ -12,8 +12,8 @@
 
 namespace zantrio::devservice {
 
-// What a recipient sees: the messages that are complete (this service delivers everything to
-// oneself) and the samples. Thread: any. Operations on what is not there throw CHttpError.
+// A recipient's messages: the complete ones (this service delivers everything to its sender) and
+// the samples. Thread: any. Operations on missing messages or files throw CHttpError.
 class CReceivedMessages {
  public:
   CReceivedMessages(CMessageStore& store, CSamples& samples) : store_(store), samples_(samples) {}
@@ -21,9 +21,9 @@ class CReceivedMessages {
   // The newest first.
   Json::Value list();
   Json::Value describe(const std::string& bucketId);
-  // When the message's files can no longer be fetched, seconds since 1970; 0: always.
+  // The end of the files' availability, seconds since 1970; 0: unlimited.
   std::uint64_t expires(const std::string& bucketId);
-  // At most `count` files behind the one with the id `after` (0: from the beginning).
+  // At most `count` files after the one with the id `after` (0: from the beginning).
   std::vector<MessageFile> files(const std::string& bucketId, std::size_t after, std::size_t count);
   std::vector<MessageFile> files(const std::string& bucketId, const std::vector<std::string>& ids);
 
@@ -31,7 +31,7 @@ class CReceivedMessages {
     MessageFile record;
     std::unique_ptr<IContent> content;
   };
-  // A file that has arrived, also of a message that is not complete yet.
+  // A received file, also of a message that is not complete yet.
   StoredFile open(const std::string& bucketId, const std::string& path);
   bool isSample(const std::string& bucketId) { return samples_.find(bucketId) != nullptr; }
 

@@ -10,7 +10,7 @@ namespace zantrio::devservice {
 namespace {
 
 constexpr const char* kSender = "Zantrio <welcome@zantrio.example>";
-constexpr std::int64_t kModified = 1'767'600'000'000;  // a fixed day, so that it can be checked
+constexpr std::int64_t kModified = 1'767'600'000'000;  // fixed, so that tests can check it
 constexpr std::int64_t kHour = 3'600'000;
 constexpr std::uint64_t kLargeFile = 48'000'000;
 constexpr int kManyFiles = 10'000;
@@ -27,8 +27,8 @@ constexpr const char* kWelcome =
     "\n"
     "Whatever you send on the page \"Send\" arrives under \"Received\", too.\n";
 
-// Reads everything once, for its size and checksum.
-void measure(const IContent& content, MessageFile& file) {
+// Reads the content once for its size and checksum.
+void fillSizeAndDigest(const IContent& content, MessageFile& file) {
   std::vector<char> buffer(256UL * 1024);
   CMd5 md5;
   std::uint64_t size = 0;
@@ -76,7 +76,7 @@ std::unique_ptr<IContent> CSamples::open(const std::string& bucketId, const std:
 void CSamples::make() {
   std::call_once(made_, [this] {
     if (offered_) {
-      makeTour();
+      makeWelcome();
       makeManyFiles();
     }
   });
@@ -97,30 +97,30 @@ CSamples::Sample& CSamples::addMessage(const std::string& id, const std::string&
 
 void CSamples::addFile(Sample& sample, const std::string& path, Maker maker) {
   const auto number = static_cast<std::int64_t>(sample.contents.size());
-  measure(*maker(), sample.message.announce(path, 0, kModified + number * kHour));
+  fillSizeAndDigest(*maker(), sample.message.announce(path, 0, kModified + number * kHour));
   sample.contents[path] = std::move(maker);
 }
 
-void CSamples::makeTour() {
-  Sample& tour = addMessage("sample-welcome", "Welcome: files to try",
-                            "A few files of several kinds, for a first download.");
-  addFile(tour, "Read me first.txt", text(kWelcome));
-  addFile(tour, "Pictures/Dawn.png", picture(0));
-  addFile(tour, "Pictures/Vormittag über dem Meer.png", picture(0.5));
-  addFile(tour, "Pictures/Μεσημέρι.png", picture(1));
-  addFile(tour, "Folders/one/two/three/deep down.txt", text("Three folders deep.\n"));
-  addFile(tour, "Folders/日本語/読んでください.txt", text("こんにちは\n"));
-  addFile(tour, "Folders/100% & more #1.txt",
+void CSamples::makeWelcome() {
+  Sample& welcome = addMessage("sample-welcome", "Welcome: files to try",
+                               "A few files of several kinds, for a first download.");
+  addFile(welcome, "Read me first.txt", text(kWelcome));
+  addFile(welcome, "Pictures/Dawn.png", picture(0));
+  addFile(welcome, "Pictures/Vormittag über dem Meer.png", picture(0.5));
+  addFile(welcome, "Pictures/Μεσημέρι.png", picture(1));
+  addFile(welcome, "Folders/one/two/three/deep down.txt", text("Three folders deep.\n"));
+  addFile(welcome, "Folders/日本語/読んでください.txt", text("こんにちは\n"));
+  addFile(welcome, "Folders/100% & more #1.txt",
           text("A name that has to be escaped in addresses.\n"));
-  addFile(tour, "Folders/empty.txt", text(""));
-  addFile(tour, "Large/48 MB of noise.bin",
+  addFile(welcome, "Folders/empty.txt", text(""));
+  addFile(welcome, "Large/48 MB of noise.bin",
           [] { return std::make_unique<CNoiseContent>(kLargeFile); });
 }
 
 void CSamples::makeManyFiles() {
   Sample& many =
       addMessage("sample-many", "10,000 small files", "To see that their number is no matter.");
-  many.message.created -= kHour;  // so that the tour stands first
+  many.message.created -= kHour;  // so that the other sample comes first
   for (int i = 1; i <= kManyFiles; ++i) {
     const std::string number = std::to_string(i);
     const std::string folder = "Folder " + std::to_string((i - 1) / 500 + 1);

@@ -12,18 +12,18 @@
 
 namespace zantrio::devservice {
 
-// Messages that are there from the beginning, for who has nothing to fetch yet. Their files are
-// made by code whenever they are read; nothing of them is on the disk.
-// Thread: any. They are made at the first use.
+// Sample messages for users without received ones. Their files are generated whenever they are read
+// and are not on disk.
+// Thread: any. They are created at the first use.
 class CSamples {
  public:
-  // `offered`: false for none at all.
+  // `offered`: false for no samples.
   explicit CSamples(bool offered) : offered_(offered) {}
 
   std::vector<const CMessage*> messages();
-  // Null when there is none.
+  // Null if there is none.
   CMessage* find(const std::string& bucketId);
-  // Content of a file that is there.
+  // Content of an existing file.
   std::unique_ptr<IContent> open(const std::string& bucketId, const std::string& path);
 
  private:
@@ -36,12 +36,12 @@ class CSamples {
   void make();
   Sample& addMessage(const std::string& id, const std::string& subject, const std::string& text);
   static void addFile(Sample& sample, const std::string& path, Maker maker);
-  void makeTour();
+  void makeWelcome();
   void makeManyFiles();
 
   const bool offered_;
   std::once_flag made_;
-  std::map<std::string, Sample> samples_;  // by bucket; only read once they are made
+  std::map<std::string, Sample> samples_;  // by bucket; read-only after their creation
 };
 
 }  // namespace zantrio::devservice

@@ -7,7 +7,7 @@
 #include "devservice/body_reader.h"
 #include "devservice/body_writer.h"
 #include "devservice/http_error.h"
-#include "devservice/object_intake.h"
+#include "devservice/object_upload.h"
 
 namespace zantrio::devservice {
 
@@ -18,7 +18,7 @@ std::string httpDate(std::int64_t milliseconds) {
                                          Poco::DateTimeFormat::HTTP_FORMAT);
 }
 
-// A Range counts only while the file is still the one that If-Range names.
+// A Range applies only if the file is the version that If-Range names.
 RangeRequest rangeOf(const CExchange& exchange, const MessageFile& file, const std::string& etag) {
   const std::string condition = exchange.header("If-Range");
   if (!condition.empty() && condition != etag && condition != httpDate(file.modified)) {
@@ -32,14 +32,14 @@ RangeRequest rangeOf(const CExchange& exchange, const MessageFile& file, const s
 void CStorageArea::handle(CExchange& exchange) {
   const Target target = parseTarget(exchange);
   const std::string& method = exchange.method();
-  const bool inParts = multipart_ != nullptr && CMultipartArea::concerns(exchange);
+  const bool multipart = multipart_ != nullptr && CMultipartArea::isMultipart(exchange);
   const bool reading = method == "GET" || method == "HEAD";
-  if (!inParts && !reading && method != "PUT" && method != "DELETE") {
+  if (!multipart && !reading && method != "PUT" && method != "DELETE") {
     throw CHttpError(method == "POST" ? 501 : 405, "not_supported",
                      "The storage knows GET, HEAD, PUT and DELETE.");
   }
   authorize(exchange, target, !reading);
-  if (inParts) {
+  if (multipart) {
     multipart_->handle(exchange, target.bucketId, target.path);
   } else if (reading) {
     get(exchange, target);
@@ -47,11 +47,11 @@ void CStorageArea::handle(CExchange& exchange) {
     put(exchange, target);
   } else {
     store_.deleteArrived(target.bucketId, target.path);
-    exchange.answerEmpty(204);
+    exchange.respondEmpty(204);
   }
 }
 
-// By the message's token, or for reading by a signature in the address.
+// By the message's token, or for reading by a signature in the URL.
 void CStorageArea::authorize(const CExchange& exchange, const Target& target, bool forWriting) {
   if (!forWriting && exchange.hasQuery("signature")) {
     return signer_.verify(target.bucketId, target.path, exchange.query("expires"),
@@ -68,13 +68,13 @@ CStorageArea::Target CStorageArea::parseTarget(const CExchange& exchange) {
   }
   Target target{segments[1], {}};
   for (std::size_t i = 2; i < segments.size(); ++i) {
-    // A decoded "/" would make two names of one.
+    // A decoded "/" would split one name into two.
     if (segments[i].find('/') != std::string::npos) {
       throw CHttpError(400, "bad_name", "A name in the path contains a \"/\".");
     }
     target.path += (i > 2 ? "/" : "") + segments[i];
   }
-  if (const std::string why = whyUnusable(target.path); !why.empty()) {
+  if (const std::string why = pathProblem(target.path); !why.empty()) {
     throw CHttpError(400, "bad_name",
                      "The path \"" + printable(target.path) + "\" cannot be used: " + why + ".");
   }
@@ -82,13 +82,13 @@ CStorageArea::Target CStorageArea::parseTarget(const CExchange& exchange) {
 }
 
 void CStorageArea::put(CExchange& exchange, const Target& target) {
-  store_.expectFile(target.bucketId, target.path);
-  CBodyReader body(exchange, kLargestObject);
+  store_.requireAnnounced(target.bucketId, target.path);
+  CBodyReader body(exchange, kMaxObject);
   CIncomingFile incoming(store_.incomingPath());
   const std::string md5 = receiveObject(exchange, body, incoming.file());
   store_.accept(target.bucketId, target.path, incoming.path(), {body.size(), md5, md5});
   exchange.response.set("ETag", etagHeader(exchange, md5));
-  exchange.answerEmpty(200);
+  exchange.respondEmpty(200);
 }
 
 void CStorageArea::get(CExchange& exchange, const Target& target) {
@@ -104,7 +104,7 @@ void CStorageArea::get(CExchange& exchange, const Target& target) {
   const RangeRequest range = rangeOf(exchange, record, etag);
   if (range.kind == RangeRequest::Kind::kUnsatisfiable) {
     response.set("Content-Range", "bytes */" + std::to_string(size));
-    exchange.answerEmpty(416);
+    exchange.respondEmpty(416);
     return;
   }
   const bool whole = range.kind == RangeRequest::Kind::kWhole;

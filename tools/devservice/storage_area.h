@@ -10,12 +10,12 @@
 
 namespace zantrio::devservice {
 
-// The object storage, /storage/<bucket>/<path>: PUT, GET, HEAD and DELETE of a message's files,
-// for who has the message's token (header X-Zantrio-Token, or "token" in the URL's query); GET and
-// HEAD also for who has a signed address. Thread: any.
+// The object storage, /storage/<bucket>/<path>: PUT, GET, HEAD and DELETE of a message's files with
+// the message's token (header X-Zantrio-Token, or "token" in the URL's query); GET and HEAD also
+// with a signed URL. Thread: any.
 class CStorageArea {
  public:
-  // `multipart` may be null: uploads in parts are not offered then.
+  // `multipart` may be null: then there are no multipart uploads.
   CStorageArea(CMessageStore& store, CReceivedMessages& received, const CUrlSigner& signer,
                CMultipartArea* multipart)
       : store_(store), received_(received), signer_(signer), multipart_(multipart) {}

@@ -37,7 +37,7 @@ CUrlSigner::CUrlSigner(const std::filesystem::path& keyFile) : key_(readOrMakeKe
 
 std::string CUrlSigner::sign(const std::string& bucketId, const std::string& path,
                              std::uint64_t expires) const {
-  // Buckets have no slash and paths no NUL, so different files give different texts.
+  // Buckets have no slash and paths no NUL, so different files have different texts.
   const std::string text = bucketId + "/" + path + '\0' + std::to_string(expires);
   std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
   unsigned size = 0;

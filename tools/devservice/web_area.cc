@@ -1,10 +1,11 @@
 #include "devservice/web_area.h"
 
 #include <algorithm>
+#include <string_view>
+#include <unordered_map>
 
 #include "devservice/file_io.h"
 #include "devservice/http_error.h"
-#include "devservice/mime_types.h"
 #include "devservice/names.h"
 
 namespace zantrio::devservice {
@@ -13,10 +14,34 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// The page needs nothing from elsewhere.
+// The page loads nothing from other sites.
 constexpr const char* kContentPolicy =
     "default-src 'self'; img-src 'self' data:; "
     "base-uri 'none'; form-action 'none'; frame-ancestors 'none'";
+
+// The media type of a file, by its extension.
+std::string mimeType(std::string_view fileName) {
+  static const std::unordered_map<std::string_view, std::string> kTypes = {
+      {"html", "text/html; charset=utf-8"},
+      {"css", "text/css; charset=utf-8"},
+      {"js", "text/javascript; charset=utf-8"},
+      {"json", "application/json; charset=utf-8"},
+      {"map", "application/json; charset=utf-8"},
+      {"txt", "text/plain; charset=utf-8"},
+      {"svg", "image/svg+xml"},
+      {"png", "image/png"},
+      {"jpg", "image/jpeg"},
+      {"ico", "image/x-icon"},
+      {"woff2", "font/woff2"},
+  };
+  const auto dot = fileName.rfind('.');
+  if (dot != std::string_view::npos) {
+    if (const auto type = kTypes.find(fileName.substr(dot + 1)); type != kTypes.end()) {
+      return type->second;
+    }
+  }
+  return "application/octet-stream";
+}
 
 [[noreturn]] void notFound(const CExchange& exchange) {
   throw CHttpError(404, "not_found", "There is nothing at " + printable(exchange.path()) + ".");
@@ -28,7 +53,7 @@ bool liesBelow(const fs::path& path, const fs::path& folder) {
 }
 
 fs::path fileBelow(const fs::path& folder, const std::string& relative, const CExchange& exchange) {
-  if (!whyUnusable(relative).empty()) {
+  if (!pathProblem(relative).empty()) {
     notFound(exchange);
   }
   std::error_code error;
@@ -69,7 +94,7 @@ fs::path CWebArea::find(const CExchange& exchange) const {
   for (std::size_t i = 1; i < segments.size(); ++i) {
     relative += (i > 1 ? "/" : "") + segments[i];
   }
-  // Debian keeps every library in a folder of its own: jquery.min.js in jquery/.
+  // Debian keeps each library in its own folder: jquery.min.js in jquery/.
   if (segments.size() == 3 && segments[1] == "lib") {
     const std::string library = segments[2].substr(0, segments[2].find('.'));
     return fileBelow(javascript_, library + "/" + segments[2], exchange);

@@ -6,8 +6,8 @@
 
 namespace zantrio::devservice {
 
-// The web application: /app is its page, /app/lib/ holds Debian's JavaScript libraries, anything
-// else below /app/ is a file of the web folder. Nothing outside the two folders is ever served.
+// The web application: /app is its page, /app/lib/ Debian's JavaScript libraries, all other paths
+// below /app/ are files of the web folder. Nothing outside the two folders is served.
 // Thread: any.
 class CWebArea {
  public:

@@ -175,7 +175,7 @@ TEST_F(MultipartAreaTest, AbortingForgetsThePartsAndSoDoesCancellingTheMessage) 
 }
 
 TEST_F(MultipartAreaTest, EnforcesASmallestPartAndOffersNothingWhereToldSo) {
-  options_.smallestPart = 5;
+  options_.minPartSize = 5;
   restart();
   initiate();
   put(1, "four");

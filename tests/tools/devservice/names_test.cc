@@ -11,7 +11,7 @@ namespace zantrio::devservice {
 TEST(WhyUnusable, FindsNothingWrongWithLegalNamesHoweverOdd) {
   for (const std::string& path : {"a"s, "a/b/c.txt"s, "日本.jpg"s, "...hidden"s, "a\\b"s,
                                   "100%?#.txt"s, " "s, "line\nbreak"s, std::string(255, 'x')}) {
-    EXPECT_EQ(whyUnusable(path), "") << path;
+    EXPECT_EQ(pathProblem(path), "") << path;
   }
 }
 
@@ -19,7 +19,7 @@ TEST(WhyUnusable, RefusesWhatLeavesTheFolderOrIsNoName) {
   for (const std::string& path :
        {""s, "/etc/passwd"s, ".."s, "../x"s, "a/../../x"s, "a/."s, "a//b"s, "a/"s, "a\0b"s,
         std::string(256, 'x'), "\xff"s, "\xc3"s, "\xed\xa0\x80"s}) {
-    EXPECT_NE(whyUnusable(path), "") << testing::PrintToString(path);
+    EXPECT_NE(pathProblem(path), "") << testing::PrintToString(path);
   }
 }
 
@@ -27,7 +27,7 @@ TEST(Printable, HidesControlCharactersAndShortensWithoutBreakingUtf8) {
   EXPECT_EQ(printable("a\nb\x1b[31m"), "a?b?[31m");
   const std::string longName = "x" + std::string(119, 'y') + "ü";
   EXPECT_EQ(printable(longName).rfind("xyyy", 0), 0U);
-  EXPECT_EQ(whyUnusable(printable("x" + std::string(118, 'y') + "üü")), "");
+  EXPECT_EQ(pathProblem(printable("x" + std::string(118, 'y') + "üü")), "");
 }
 
 TEST(EncodePath, KeepsSlashesAndEncodesWhatAnUrlCannotHold) {
@@ -35,30 +35,30 @@ TEST(EncodePath, KeepsSlashesAndEncodesWhatAnUrlCannotHold) {
 }
 
 TEST(Places, GivesEveryFileOfTheSameNameAPlaceOfItsOwn) {
-  CPlaces places;
-  EXPECT_EQ(places.take("d/a.tar.gz"), "d/a.tar.gz");
-  EXPECT_EQ(places.take("d/a.tar.gz"), "d/a.tar (2).gz");
-  EXPECT_EQ(places.take("d/a.tar.gz"), "d/a.tar (3).gz");
-  EXPECT_EQ(places.take("d/a.tar (2).gz"), "d/a.tar (2) (2).gz");
-  EXPECT_EQ(places.take("d/.profile"), "d/.profile");
-  EXPECT_EQ(places.take("d/.profile"), "d/.profile (2)");
+  CPathAllocator places;
+  EXPECT_EQ(places.allocate("d/a.tar.gz"), "d/a.tar.gz");
+  EXPECT_EQ(places.allocate("d/a.tar.gz"), "d/a.tar (2).gz");
+  EXPECT_EQ(places.allocate("d/a.tar.gz"), "d/a.tar (3).gz");
+  EXPECT_EQ(places.allocate("d/a.tar (2).gz"), "d/a.tar (2) (2).gz");
+  EXPECT_EQ(places.allocate("d/.profile"), "d/.profile");
+  EXPECT_EQ(places.allocate("d/.profile"), "d/.profile (2)");
 }
 
 TEST(Places, NeverUsesOneNameForAFileAndAFolder) {
-  CPlaces places;
-  EXPECT_EQ(places.take("a"), "a");
-  EXPECT_EQ(places.take("a/b"), "a (2)/b");
-  EXPECT_EQ(places.take("a/c"), "a (2)/c");
-  EXPECT_EQ(places.take("a (2)"), "a (2) (2)");
+  CPathAllocator places;
+  EXPECT_EQ(places.allocate("a"), "a");
+  EXPECT_EQ(places.allocate("a/b"), "a (2)/b");
+  EXPECT_EQ(places.allocate("a/c"), "a (2)/c");
+  EXPECT_EQ(places.allocate("a (2)"), "a (2) (2)");
 }
 
 TEST(Places, KeepsCountedNamesWithinTheLimitAndWhole) {
-  CPlaces places;
+  CPathAllocator places;
   const std::string name = "ü" + std::string(250, 'x') + "ü";  // 254 bytes
-  places.take(name);
-  const std::string second = places.take(name);
+  places.allocate(name);
+  const std::string second = places.allocate(name);
   EXPECT_LE(second.size(), 255U);
-  EXPECT_EQ(whyUnusable(second), "");
+  EXPECT_EQ(pathProblem(second), "");
   EXPECT_NE(second, name);
 }
 

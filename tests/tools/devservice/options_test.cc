@@ -18,7 +18,7 @@ TEST(Options, ReadsTheCommandLine) {
                     "--url-lifetime", "5", "--min-part-size", "5242880"});
   EXPECT_FALSE(special.multipart || special.samples);
   EXPECT_EQ(special.urlLifetime, 5U);
-  EXPECT_EQ(special.smallestPart, 5'242'880U);
+  EXPECT_EQ(special.minPartSize, 5'242'880U);
 }
 
 TEST(Options, RefusesWhatItDoesNotUnderstandAndSaysWhat) {

@@ -1,4 +1,4 @@
-#include "devservice/object_intake.h"
+#include "devservice/object_upload.h"
 
 #include <algorithm>
 #include <vector>
@@ -11,11 +11,11 @@ namespace zantrio::devservice {
 
 namespace {
 
-constexpr std::uint64_t kLargestBuffer = 256ULL * 1024;
+constexpr std::uint64_t kMaxBuffer = 256ULL * 1024;
 constexpr std::uint64_t kWorthAThread = 4ULL * 1024 * 1024;
 
 std::string receiveLarge(CBodyReader& body, CFile& file) {
-  CBackgroundMd5 md5(kLargestBuffer);
+  CBackgroundMd5 md5(kMaxBuffer);
   while (true) {
     const auto piece = body.read(md5.nextBuffer());
     if (piece.empty()) {
@@ -32,7 +32,7 @@ std::string receive(CBodyReader& body, CFile& file) {
   if (body.size() >= kWorthAThread) {
     return receiveLarge(body, file);
   }
-  std::vector<char> buffer(std::clamp<std::uint64_t>(body.size(), 1, kLargestBuffer));
+  std::vector<char> buffer(std::clamp<std::uint64_t>(body.size(), 1, kMaxBuffer));
   CMd5 md5;
   for (auto piece = body.read(buffer); !piece.empty(); piece = body.read(buffer)) {
     md5.update(piece.data(), piece.size());

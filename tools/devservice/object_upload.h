@@ -9,7 +9,7 @@
 
 namespace zantrio::devservice {
 
-// A file on its way in; what does not arrive completely leaves nothing behind.
+// An incoming file; destruction deletes it unless it was moved.
 class CIncomingFile {
  public:
   explicit CIncomingFile(std::filesystem::path path);
@@ -25,14 +25,14 @@ class CIncomingFile {
   CFile file_;
 };
 
-// Writes the request's body to the file and closes it; gives its MD5 in hexadecimal.
-// Throws CHttpError (400) when the body does not have the MD5 that Content-MD5 states.
+// Writes the request's body to the file and closes it; returns its MD5 in hexadecimal.
+// Throws CHttpError (400) if the body does not have the MD5 that Content-MD5 states.
 std::string receiveObject(CExchange& exchange, CBodyReader& body, CFile& file);
 
-// The ETag header for what has that checksum, or the wrong one that a fault asks for.
+// The ETag header for that checksum, or the wrong one of a fault.
 std::string etagHeader(const CExchange& exchange, const std::string& etag);
 
-// The largest object or part that is taken, bytes.
-inline constexpr std::uint64_t kLargestObject = 1ULL << 42;
+// The largest accepted object or part, bytes.
+inline constexpr std::uint64_t kMaxObject = 1ULL << 42;
 
 }  // namespace zantrio::devservice

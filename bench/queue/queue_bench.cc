@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "sandbox.h"
-#include "text/wide_bytes.h"
+#include "base/wide_bytes.h"
 #include "zt_transfers/download_manager.h"
 #include "zt_transfers/global_config.h"
 

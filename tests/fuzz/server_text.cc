@@ -7,12 +7,12 @@
 #include <string_view>
 
 #include "download/content_range.h"
-#include "engine/packed_resume.h"
+#include "store/packed_resume.h"
 #include "http/error_document.h"
 #include "http/etag.h"
 #include "http/redirect.h"
 #include "http/retry_after.h"
-#include "text/url_parts.h"
+#include "base/url_parts.h"
 #include "upload/multipart_messages.h"
 
 namespace zt_transfers {

@@ -3,7 +3,7 @@
 #include <charconv>
 #include <limits>
 
-#include "text/ascii.h"
+#include "base/ascii.h"
 
 namespace zt_transfers {
 

@@ -4,9 +4,9 @@
 #include <exception>
 #include <utility>
 
-#include "http/answer_verdict.h"
-#include "text/ascii.h"
-#include "text/url_parts.h"
+#include "engine/response_verdict.h"
+#include "base/ascii.h"
+#include "base/url_parts.h"
 #include "zt_transfers/global_config.h"
 
 namespace zt_transfers {

@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "download/answer_plan.h"
-#include "download/missing_bytes.h"
+#include "download/response_plan.h"
+#include "download/range_planner.h"
 #include "download/partial_writer.h"
 #include "download/range_fetch.h"
 #include "engine/attempt.h"
-#include "log/log.h"
+#include "base/log.h"
 
 namespace zt_transfers {
 

@@ -6,7 +6,7 @@
 
 #include "download/chunk_pool.h"
 #include "download/download_attempt.h"
-#include "download/lander.h"
+#include "download/finalizer.h"
 #include "download/small_files.h"
 #include "engine/attempt.h"
 

@@ -12,8 +12,8 @@
 #include "download/new_folders.h"
 #include "download/reserve_room.h"
 #include "download/target_folder.h"
-#include "os/file_status.h"
-#include "os/system_failure.h"
+#include "base/file_status.h"
+#include "base/system_failure.h"
 
 namespace zt_transfers {
 namespace {

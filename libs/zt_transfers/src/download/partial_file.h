@@ -11,7 +11,7 @@
 #include "download/partial_place.h"
 #include "download/target_path.h"
 #include "engine/download_resume.h"
-#include "os/unique_fd.h"
+#include "base/unique_fd.h"
 
 namespace zt_transfers {
 

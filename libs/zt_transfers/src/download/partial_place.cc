@@ -12,8 +12,8 @@
 
 #include "download/counted_name.h"
 #include "download/publish.h"
-#include "os/file_status.h"
-#include "os/system_failure.h"
+#include "base/file_status.h"
+#include "base/system_failure.h"
 
 namespace zt_transfers {
 namespace {

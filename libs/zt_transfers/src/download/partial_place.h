@@ -9,7 +9,7 @@
 #include "download/target_folder.h"
 #include "download/target_path.h"
 #include "engine/download_resume.h"
-#include "os/unique_fd.h"
+#include "base/unique_fd.h"
 
 namespace zt_transfers {
 

@@ -9,11 +9,11 @@
 #include <vector>
 
 #include "download/chunk_pool.h"
-#include "download/hash_line.h"
+#include "download/hash_queue.h"
 #include "download/partial_file.h"
 #include "engine/attempt.h"
 #include "http/http_loop.h"
-#include "threads/worker_pool.h"
+#include "base/worker_pool.h"
 
 namespace zt_transfers {
 

@@ -9,7 +9,7 @@
 #include <system_error>
 
 #include "download/counted_name.h"
-#include "os/unique_fd.h"
+#include "base/unique_fd.h"
 
 namespace zt_transfers {
 namespace {

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "http/redirect.h"
-#include "text/url_parts.h"
+#include "base/url_parts.h"
 
 namespace zt_transfers {
 namespace {

@@ -6,12 +6,12 @@
 #include <optional>
 #include <string>
 
-#include "download/answer_plan.h"
+#include "download/response_plan.h"
 #include "download/partial_writer.h"
 #include "engine/attempt.h"
 #include "http/http_exchange.h"
 #include "http/throttle.h"
-#include "log/log.h"
+#include "base/log.h"
 
 namespace zt_transfers {
 

@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "os/memory_file_system.h"
+#include "base/memory_file_system.h"
 
 namespace zt_transfers {
 namespace {

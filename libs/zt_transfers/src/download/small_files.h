@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "download/chunk_pool.h"
-#include "download/lander.h"
+#include "download/finalizer.h"
 #include "engine/attempt.h"
-#include "pace/clock.h"
-#include "threads/worker_pool.h"
+#include "base/clock.h"
+#include "base/worker_pool.h"
 
 namespace zt_transfers {
 

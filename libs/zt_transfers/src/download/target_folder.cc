@@ -7,7 +7,7 @@
 #include <system_error>
 
 #include "download/new_folders.h"
-#include "os/system_failure.h"
+#include "base/system_failure.h"
 
 namespace zt_transfers {
 namespace {

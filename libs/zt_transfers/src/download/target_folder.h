@@ -4,7 +4,7 @@
 #include <system_error>
 #include <vector>
 
-#include "os/unique_fd.h"
+#include "base/unique_fd.h"
 
 namespace zt_transfers {
 

@@ -12,9 +12,9 @@
 
 #include "engine/failure.h"
 #include "engine/file_spec.h"
-#include "engine/leftover.h"
+#include "engine/orphan.h"
 #include "engine/transfer_resume.h"
-#include "pace/clock.h"
+#include "base/clock.h"
 
 namespace zt_transfers {
 

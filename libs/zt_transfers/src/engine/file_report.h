@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "engine/job_table.h"
+#include "engine/attempt_table.h"
 #include "engine/transfer_group.h"
 
 namespace zt_transfers {

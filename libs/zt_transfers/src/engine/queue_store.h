@@ -8,7 +8,7 @@
 
 #include "engine/failure.h"
 #include "engine/file_spec.h"
-#include "engine/leftover.h"
+#include "engine/orphan.h"
 #include "engine/transfer_group.h"
 #include "engine/transfer_resume.h"
 

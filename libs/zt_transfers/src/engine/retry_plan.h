@@ -5,7 +5,7 @@
 
 #include "engine/attempt.h"
 #include "engine/transfer_group.h"
-#include "pace/backoff.h"
+#include "engine/backoff.h"
 
 namespace zt_transfers {
 

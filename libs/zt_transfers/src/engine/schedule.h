@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "engine/file_spec.h"
-#include "pace/clock.h"
+#include "base/clock.h"
 
 namespace zt_transfers {
 

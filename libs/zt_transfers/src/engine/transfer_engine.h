@@ -9,12 +9,12 @@
 
 #include "engine/attempt.h"
 #include "engine/queue_store.h"
-#include "engine/transfer_book.h"
+#include "engine/transfer_table.h"
 #include "engine/transfer_group.h"
-#include "engine/unmeasured_files.h"
+#include "engine/pending_sizes.h"
 #include "engine/work.h"
 #include "engine/work_planner.h"
-#include "log/log.h"
+#include "base/log.h"
 
 namespace zt_transfers {
 

@@ -11,8 +11,8 @@
 
 #include "engine/failure.h"
 #include "engine/file_phase.h"
-#include "pace/clock.h"
-#include "pace/rate_meter.h"
+#include "base/clock.h"
+#include "engine/rate_meter.h"
 #include "zt_transfers/transfer_records.h"
 
 namespace zt_transfers {

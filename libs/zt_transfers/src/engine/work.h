@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "engine/attempt.h"
-#include "pace/clock.h"
+#include "base/clock.h"
 
 namespace zt_transfers {
 

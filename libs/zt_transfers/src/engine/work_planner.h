@@ -6,7 +6,7 @@
 
 #include "engine/retry_plan.h"
 #include "engine/schedule.h"
-#include "engine/transfer_book.h"
+#include "engine/transfer_table.h"
 #include "engine/work.h"
 
 namespace zt_transfers {

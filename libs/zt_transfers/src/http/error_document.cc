@@ -1,7 +1,7 @@
 #include "http/error_document.h"
 
 #include "http/xml_text.h"
-#include "text/ascii.h"
+#include "base/ascii.h"
 
 namespace zt_transfers {
 namespace {

@@ -4,7 +4,7 @@
 #include <array>
 #include <stdexcept>
 
-#include "text/ascii.h"
+#include "base/ascii.h"
 
 namespace zt_transfers {
 namespace {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "http/curl_handles.h"
-#include "http/http_answer.h"
+#include "http/http_response.h"
 #include "http/http_loop.h"
 
 namespace zt_transfers {

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "http/http_exchange.h"
-#include "os/thread_name.h"
+#include "base/thread_name.h"
 
 namespace zt_transfers {
 namespace {

@@ -13,7 +13,7 @@
 
 #include "http/curl_handles.h"
 #include "http/throttle.h"
-#include "pace/clock.h"
+#include "base/clock.h"
 
 namespace zt_transfers {
 

@@ -5,8 +5,8 @@
 #include <array>
 #include <memory>
 
-#include "text/ascii.h"
-#include "text/url_parts.h"
+#include "base/ascii.h"
+#include "base/url_parts.h"
 
 namespace zt_transfers {
 namespace {

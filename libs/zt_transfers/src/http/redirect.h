@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "http/http_answer.h"
+#include "http/http_response.h"
 
 namespace zt_transfers {
 

@@ -1,6 +1,6 @@
 #include "http/request_place.h"
 
-#include "text/url_parts.h"
+#include "base/url_parts.h"
 
 namespace zt_transfers {
 

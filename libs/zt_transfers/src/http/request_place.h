@@ -3,9 +3,9 @@
 #include <string>
 #include <utility>
 
-#include "http/http_answer.h"
+#include "http/http_response.h"
 #include "http/redirect.h"
-#include "log/log.h"
+#include "base/log.h"
 
 namespace zt_transfers {
 

@@ -6,7 +6,7 @@
 #include <charconv>
 #include <string>
 
-#include "text/ascii.h"
+#include "base/ascii.h"
 
 namespace zt_transfers {
 namespace {

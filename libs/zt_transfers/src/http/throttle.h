@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "pace/token_bucket.h"
+#include "http/token_bucket.h"
 
 namespace zt_transfers {
 

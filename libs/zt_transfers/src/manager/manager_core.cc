@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "hash/md5_blocks.h"
-#include "log/transfer_log.h"
-#include "text/file_url.h"
+#include "base/transfer_log.h"
+#include "base/file_url.h"
 #include "zt_transfers/global_config.h"
 
 namespace zt_transfers {

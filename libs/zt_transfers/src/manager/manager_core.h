@@ -9,12 +9,12 @@
 #include "engine/event_queue.h"
 #include "engine/transfer_engine.h"
 #include "http/http_loop.h"
-#include "log/log.h"
-#include "manager/notifier.h"
+#include "base/log.h"
+#include "manager/event_dispatcher.h"
 #include "power/sleep_guard.h"
-#include "progress/progress_reporter.h"
+#include "reports/progress_reporter.h"
 #include "store/stored_queue.h"
-#include "threads/worker_pool.h"
+#include "base/worker_pool.h"
 #include "zt_transfers/transfer_manager_base.h"
 
 namespace zt_transfers {

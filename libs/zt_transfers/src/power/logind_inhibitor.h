@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "os/unique_fd.h"
+#include "base/unique_fd.h"
 #include "power/sleep_inhibitor.h"
 
 namespace zt_transfers {

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "os/thread_name.h"
+#include "base/thread_name.h"
 
 namespace zt_transfers {
 

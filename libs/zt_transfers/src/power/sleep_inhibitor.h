@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "log/log.h"
+#include "base/log.h"
 
 namespace zt_transfers {
 

@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "log/log.h"
+#include "base/log.h"
 #include "store/database_lock.h"
 #include "store/queue_database.h"
 

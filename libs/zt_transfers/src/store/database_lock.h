@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "os/unique_fd.h"
+#include "base/unique_fd.h"
 
 namespace zt_transfers {
 

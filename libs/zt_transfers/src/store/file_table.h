@@ -7,8 +7,8 @@
 #include <string_view>
 #include <utility>
 
-#include "engine/id_index.h"
-#include "engine/packed_spec.h"
+#include "store/id_index.h"
+#include "store/packed_spec.h"
 #include "store/text_arena.h"
 
 namespace zt_transfers {

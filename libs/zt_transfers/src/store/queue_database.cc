@@ -4,9 +4,9 @@
 
 #include <algorithm>
 
-#include "engine/failure_book.h"
-#include "engine/packed_resume.h"
-#include "engine/packing.h"
+#include "engine/failure_log.h"
+#include "store/packed_resume.h"
+#include "store/packing.h"
 
 namespace zt_transfers {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "os/thread_name.h"
+#include "base/thread_name.h"
 
 namespace zt_transfers {
 namespace {

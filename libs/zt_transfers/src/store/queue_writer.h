@@ -10,10 +10,10 @@
 #include <string>
 #include <thread>
 
-#include "log/log.h"
-#include "pace/clock.h"
+#include "base/log.h"
+#include "base/clock.h"
 #include "store/database_file.h"
-#include "store/queue_store.h"
+#include "store/queue_cache.h"
 
 namespace zt_transfers {
 

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "log/log.h"
+#include "base/log.h"
 #include "store/database_file.h"
-#include "store/queue_store.h"
+#include "store/queue_cache.h"
 #include "store/queue_writer.h"
 
 namespace zt_transfers {

@@ -3,7 +3,7 @@
 #include <set>
 #include <string>
 
-#include "text/url_parts.h"
+#include "base/url_parts.h"
 
 namespace zt_transfers {
 

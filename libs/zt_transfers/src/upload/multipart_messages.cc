@@ -7,7 +7,7 @@
 #include "hash/md5.h"
 #include "http/etag.h"
 #include "http/xml_text.h"
-#include "text/ascii.h"
+#include "base/ascii.h"
 
 namespace zt_transfers {
 namespace {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "text/ascii.h"
-#include "text/url_parts.h"
+#include "base/ascii.h"
+#include "base/url_parts.h"
 #include "upload/multipart_messages.h"
 
 namespace zt_transfers {

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "engine/upload_session.h"
-#include "upload/store_call.h"
+#include "upload/store_request.h"
 
 namespace zt_transfers {
 

@@ -4,7 +4,7 @@
 #include <set>
 #include <utility>
 
-#include "text/url_parts.h"
+#include "base/url_parts.h"
 #include "upload/multipart_request.h"
 #include "upload/multipart_verdict.h"
 #include "upload/part_plan.h"

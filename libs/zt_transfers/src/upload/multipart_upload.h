@@ -7,8 +7,8 @@
 #include "engine/attempt.h"
 #include "upload/file_request.h"
 #include "upload/part_sender.h"
-#include "upload/session_survey.h"
-#include "upload/store_call.h"
+#include "upload/multipart_recovery.h"
+#include "upload/store_request.h"
 #include "upload/upload_tools.h"
 
 namespace zt_transfers {

@@ -1,6 +1,6 @@
 #include "upload/multipart_verdict.h"
 
-#include "http/answer_verdict.h"
+#include "engine/response_verdict.h"
 #include "http/error_document.h"
 #include "http/etag.h"
 #include "upload/multipart_messages.h"

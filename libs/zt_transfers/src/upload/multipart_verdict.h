@@ -5,7 +5,7 @@
 #include <string>
 
 #include "engine/attempt.h"
-#include "http/http_answer.h"
+#include "http/http_response.h"
 
 namespace zt_transfers {
 

@@ -9,7 +9,7 @@
 #include "engine/failure.h"
 #include "engine/upload_session.h"
 #include "hash/md5.h"
-#include "os/unique_fd.h"
+#include "base/unique_fd.h"
 
 namespace zt_transfers {
 

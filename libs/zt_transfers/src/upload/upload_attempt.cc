@@ -3,8 +3,8 @@
 #include <limits>
 #include <utility>
 
-#include "text/file_url.h"
-#include "text/url_parts.h"
+#include "base/file_url.h"
+#include "base/url_parts.h"
 #include "upload/upload_verdict.h"
 
 namespace zt_transfers {

@@ -10,7 +10,7 @@
 #include "upload/multipart_support.h"
 #include "upload/multipart_upload.h"
 #include "upload/request_slots.h"
-#include "upload/session_aborts.h"
+#include "upload/multipart_aborter.h"
 #include "upload/source_digest.h"
 #include "upload/upload_tools.h"
 

@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "http/http_loop.h"
-#include "threads/worker_pool.h"
+#include "base/worker_pool.h"
 #include "upload/source_reader.h"
 
 namespace zt_transfers {

@@ -2,8 +2,8 @@
 
 #include "engine/attempt.h"
 #include "http/http_loop.h"
-#include "log/log.h"
-#include "threads/worker_pool.h"
+#include "base/log.h"
+#include "base/worker_pool.h"
 
 namespace zt_transfers {
 

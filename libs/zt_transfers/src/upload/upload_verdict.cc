@@ -1,9 +1,9 @@
 #include "upload/upload_verdict.h"
 
-#include "http/answer_verdict.h"
+#include "engine/response_verdict.h"
 #include "http/error_document.h"
 #include "http/etag.h"
-#include "text/ascii.h"
+#include "base/ascii.h"
 
 namespace zt_transfers {
 namespace {

@@ -8,7 +8,7 @@
 #include <future>
 #include <utility>
 
-#include "os/unique_fd.h"
+#include "base/unique_fd.h"
 #include "sandbox.h"
 
 namespace zt_transfers::test {

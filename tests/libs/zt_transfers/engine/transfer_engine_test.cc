@@ -4,7 +4,7 @@
 
 #include <variant>
 
-#include "store/queue_store.h"
+#include "store/queue_cache.h"
 
 namespace zt_transfers::test {
 namespace {

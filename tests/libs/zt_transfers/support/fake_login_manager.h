@@ -12,7 +12,7 @@
 #include <thread>
 #include <vector>
 
-#include "os/unique_fd.h"
+#include "base/unique_fd.h"
 #include "sandbox.h"
 
 namespace zt_transfers::test {

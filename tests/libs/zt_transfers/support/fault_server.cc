@@ -11,7 +11,7 @@
 #include "loopback.h"
 #include "object_reply.h"
 #include "sandbox.h"
-#include "text/ascii.h"
+#include "base/ascii.h"
 
 namespace zt_transfers::test {
 namespace {

@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "os/unique_fd.h"
+#include "base/unique_fd.h"
 
 namespace zt_transfers::test {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "os/unique_fd.h"
+#include "base/unique_fd.h"
 
 namespace zt_transfers::test {
 

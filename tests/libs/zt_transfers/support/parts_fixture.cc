@@ -5,7 +5,7 @@
 #include <sstream>
 #include <thread>
 
-#include "text/wide_bytes.h"
+#include "base/wide_bytes.h"
 #include "zt_transfers/global_config.h"
 
 namespace zt_transfers::test {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "os/unique_fd.h"
+#include "base/unique_fd.h"
 
 namespace zt_transfers::test {
 

@@ -8,7 +8,7 @@
 #include <stdexcept>
 
 #include "hash/md5.h"
-#include "text/wide_bytes.h"
+#include "base/wide_bytes.h"
 
 namespace zt_transfers::test {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <thread>
 
-#include "os/unique_fd.h"
+#include "base/unique_fd.h"
 
 namespace zt_transfers::test {
 

@@ -4,7 +4,7 @@
 #include <chrono>
 #include <thread>
 
-#include "text/wide_bytes.h"
+#include "base/wide_bytes.h"
 #include "zt_transfers/global_config.h"
 
 namespace zt_transfers::test {

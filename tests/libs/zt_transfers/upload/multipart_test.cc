@@ -4,7 +4,7 @@
 
 #include "http/etag.h"
 #include "sandbox.h"
-#include "text/url_parts.h"
+#include "base/url_parts.h"
 #include "upload/multipart_messages.h"
 #include "upload/multipart_request.h"
 #include "upload/multipart_verdict.h"

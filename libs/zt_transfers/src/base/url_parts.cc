@@ -1,0 +1,98 @@
+#include "base/url_parts.h"
+
+#include "base/ascii.h"
+
+namespace zt_transfers {
+namespace {
+
+struct UrlPieces {
+  std::string_view scheme;
+  std::string_view authority;  // without user information
+  std::string_view path;       // without query and fragment
+};
+
+UrlPieces piecesOf(std::string_view url) {
+  UrlPieces pieces;
+  url = url.substr(0, url.find_first_of("?#"));
+  const auto schemeEnd = url.find("://");
+  if (schemeEnd == std::string_view::npos) {
+    pieces.path = url;
+    return pieces;
+  }
+  pieces.scheme = url.substr(0, schemeEnd);
+  url.remove_prefix(schemeEnd + 3);
+  const auto authorityEnd = url.find_first_of("/\\");
+  pieces.authority = url.substr(0, authorityEnd);
+  if (authorityEnd != std::string_view::npos) {
+    pieces.path = url.substr(authorityEnd);
+  }
+  const auto userEnd = pieces.authority.rfind('@');
+  if (userEnd != std::string_view::npos) {
+    pieces.authority.remove_prefix(userEnd + 1);
+  }
+  return pieces;
+}
+
+bool hasPort(std::string_view authority) {
+  const auto colon = authority.rfind(':');
+  const auto bracket = authority.rfind(']');
+  return colon != std::string_view::npos && (bracket == std::string_view::npos || colon > bracket);
+}
+
+}  // namespace
+
+std::string loggableUrl(std::string_view url) {
+  const UrlPieces pieces = piecesOf(url);
+  std::string text;
+  if (!pieces.scheme.empty()) {
+    text.append(pieces.scheme).append("://").append(pieces.authority);
+  }
+  text.append(pieces.path);
+  for (char& character : text) {
+    if (static_cast<unsigned char>(character) < 0x20 || character == 0x7F) {
+      character = '?';
+    }
+  }
+  return text;
+}
+
+std::string originOf(std::string_view url) {
+  const UrlPieces pieces = piecesOf(url);
+  const std::string scheme = loweredAscii(pieces.scheme);
+  if ((scheme != "http" && scheme != "https") || pieces.authority.empty()) {
+    return {};
+  }
+  std::string origin = scheme + "://" + loweredAscii(pieces.authority);
+  if (!hasPort(pieces.authority)) {
+    origin += scheme == "http" ? ":80" : ":443";
+  }
+  return origin;
+}
+
+std::string withQuery(std::string_view url, std::string_view query) {
+  std::string longer(url.substr(0, url.find('#')));
+  if (longer.find('?') == std::string::npos) {
+    longer += '?';
+  } else if (longer.back() != '?' && longer.back() != '&') {
+    longer += '&';
+  }
+  return longer.append(query);
+}
+
+std::string percentEncoded(std::string_view text) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string encoded;
+  for (const char character : text) {
+    const char lower = lowerAscii(character);
+    if ((lower >= 'a' && lower <= 'z') || (lower >= '0' && lower <= '9') ||
+        std::string_view("-._~").find(character) != std::string_view::npos) {
+      encoded += character;
+    } else {
+      const auto byte = static_cast<unsigned char>(character);
+      encoded.append({'%', kDigits[byte >> 4], kDigits[byte & 0xF]});
+    }
+  }
+  return encoded;
+}
+
+}  // namespace zt_transfers

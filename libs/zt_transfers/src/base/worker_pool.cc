@@ -1,0 +1,65 @@
+#include "base/worker_pool.h"
+
+#include <utility>
+
+#include "base/thread_name.h"
+
+namespace zt_transfers {
+
+void CWorkerPool::start(unsigned threads) {
+  {
+    const std::lock_guard lock(mutex_);
+    if (running_) {
+      return;
+    }
+    running_ = true;
+  }
+  for (unsigned count = 0; count < threads; ++count) {
+    threads_.emplace_back([this] {
+      nameThisThread(name_);
+      run();
+    });
+  }
+}
+
+void CWorkerPool::stop() {
+  std::deque<std::function<void()>> dropped;
+  {
+    const std::lock_guard lock(mutex_);
+    running_ = false;
+    dropped.swap(jobs_);
+  }
+  posted_.notify_all();
+  for (std::thread& thread : threads_) {
+    thread.join();
+  }
+  threads_.clear();
+}
+
+void CWorkerPool::post(std::function<void()> job) {
+  {
+    const std::lock_guard lock(mutex_);
+    if (!running_) {
+      return;
+    }
+    jobs_.push_back(std::move(job));
+  }
+  posted_.notify_one();
+}
+
+void CWorkerPool::run() {
+  std::unique_lock lock(mutex_);
+  for (;;) {
+    posted_.wait(lock, [this] { return !running_ || !jobs_.empty(); });
+    if (!running_) {
+      return;
+    }
+    const std::function<void()> job = std::move(jobs_.front());
+    jobs_.pop_front();
+    lock.unlock();
+    job();
+    lock.lock();
+  }
+}
+
+}  // namespace zt_transfers

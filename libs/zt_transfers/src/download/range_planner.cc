@@ -1,0 +1,94 @@
+#include "download/range_planner.h"
+
+#include <algorithm>
+
+#include "download/missing_spans.h"
+
+namespace zt_transfers {
+namespace {
+
+constexpr std::uint64_t kMebibyte = 1024 * 1024;
+
+// Small enough that the hash, which goes through the file in order, does not fall far behind.
+constexpr std::uint64_t kLeastPiece = 8 * kMebibyte;
+constexpr std::uint64_t kMostPiece = 32 * kMebibyte;
+constexpr std::uint64_t kPieces = 8;
+
+}  // namespace
+
+void CMissingBytes::takeUp(const DownloadResume& resume, const ByteSpans& there) {
+  begun_ = true;
+  validator_ = resume.validator;
+  if (resume.size != DownloadResume::kUnknown) {
+    size_ = resume.size;
+  }
+  missing_ = missingSpans(there, size_.value_or(kNoEnd));
+}
+
+void CMissingBytes::forgetVersion() {
+  begun_ = false;
+  validator_.clear();
+  size_.reset();
+  missing_ = {{0, kNoEnd}};
+}
+
+void CMissingBytes::noteServer(const FetchAsk& ask, const FetchPlan& plan) {
+  offersRanges_ = plan.offersRanges;
+  refusesRanges_ = refusesRanges_ || (ask.ranged && !plan.partial);
+}
+
+void CMissingBytes::beginVersion(const FetchPlan& plan, ByteSpan fetched) {
+  begun_ = true;
+  validator_ = plan.validator;
+  size_.reset();
+  noteSize(plan);
+  missing_ = plan.partial ? missingSpans({within(fetched)}, size_.value_or(kNoEnd)) : ByteSpans();
+}
+
+void CMissingBytes::noteSize(const FetchPlan& plan) {
+  if (plan.size) {
+    size_ = plan.size;
+  } else if (plan.partial && file_.size != 0) {
+    size_ = file_.size;
+  }
+}
+
+bool CMissingBytes::takesPieces() const {
+  const std::uint64_t size = expectedSize();
+  return offersRanges_ && !refusesRanges_ && size != 0 && size >= file_.piecesFrom &&
+         (!begun_ || isExact(validator_));
+}
+
+std::uint64_t CMissingBytes::pieceSize() const {
+  return file_.pieceSize != 0 ? file_.pieceSize
+                              : std::clamp(expectedSize() / kPieces, kLeastPiece, kMostPiece);
+}
+
+FetchAsk CMissingBytes::take() {
+  // Without a name for the version nobody can tell whether the rest would be of the same.
+  if (begun_ && validator_.empty()) {
+    forgetVersion();
+  }
+  const ByteSpan span = takeFirst(missing_, takesPieces() ? pieceSize() : kNoEnd);
+  FetchAsk ask;
+  ask.begin = span.begin;
+  ask.ranged = begun_ || takesPieces();
+  if (begun_) {
+    ask.validator = validator_;
+    ask.size = size_;
+  }
+  if (ask.ranged && span.end != size_.value_or(kNoEnd)) {
+    ask.end = span.end;
+  }
+  return ask;
+}
+
+void CMissingBytes::giveBack(ByteSpan span) {
+  addSpan(missing_, within(span));
+}
+
+ByteSpan CMissingBytes::within(ByteSpan span) const {
+  return {span.begin, std::max(span.begin, std::min(span.end, size_.value_or(kNoEnd)))};
+}
+
+}  // namespace zt_transfers

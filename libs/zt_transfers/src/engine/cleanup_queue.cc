@@ -1,0 +1,138 @@
+#include "engine/cleanup_queue.h"
+
+#include <algorithm>
+
+#include "base/url_parts.h"
+
+namespace zt_transfers {
+namespace {
+
+constexpr std::chrono::milliseconds kUntilItIsFree{50};
+
+std::string textOf(const Leftover& leftover) {
+  return leftover.resume.isUpload()
+             ? "the upload in parts to " + loggableUrl(leftover.resume.upload().url)
+             : "the partial file " + leftover.folder + "/" + leftover.resume.download().partialPath;
+}
+
+}  // namespace
+
+void CLeftoverBook::restore(std::vector<std::pair<LeftoverId, Leftover>> kept) {
+  entries_.clear();
+  for (auto& [id, leftover] : kept) {
+    last_ = std::max(last_, id);
+    entries_.emplace(id, Entry{std::move(leftover)});
+  }
+  stop();
+}
+
+void CLeftoverBook::add(Leftover leftover) {
+  if (!leftover.resume.begun()) {
+    return;
+  }
+  if (leftover.resume.isUpload()) {
+    leftover.resume.upload().parts.clear();  // thousands, maybe, and of no use any more
+  }
+  leftover.since = clock_.secondsSince1970();
+  store_.saveLeftover(++last_, leftover);
+  waiting_.push_back(last_);
+  entries_.emplace(last_, Entry{std::move(leftover)});
+}
+
+void CLeftoverBook::addOnce(Leftover leftover) {
+  const bool known = std::any_of(entries_.begin(), entries_.end(), [&](const auto& entry) {
+    return sameThing(leftover, entry.second.leftover);
+  });
+  if (!known) {
+    add(std::move(leftover));
+  }
+}
+
+void CLeftoverBook::forget(const Leftover& used) {
+  for (auto entry = entries_.begin(); entry != entries_.end();) {
+    if (sameThing(used, entry->second.leftover)) {
+      waiting_.erase(std::remove(waiting_.begin(), waiting_.end(), entry->first), waiting_.end());
+      store_.removeLeftover(entry->first);
+      entry = entries_.erase(entry);
+    } else {
+      ++entry;
+    }
+  }
+}
+
+std::vector<DiscardOrder> CLeftoverBook::takeDue() {
+  std::vector<DiscardOrder> due;
+  if (notBefore_ > clock_.now()) {
+    return due;
+  }
+  while (!waiting_.empty() && entries_.size() - waiting_.size() < kMostAtOnce) {
+    const LeftoverId id = waiting_.front();
+    waiting_.pop_front();
+    due.push_back({id, entries_.at(id).leftover, {}});
+  }
+  return due;
+}
+
+std::optional<TimePoint> CLeftoverBook::nextDue() const {
+  return waiting_.empty() || notBefore_ <= clock_.now() ? std::nullopt : std::optional(notBefore_);
+}
+
+std::string CLeftoverBook::settle(LeftoverId id, const AttemptOutcome& outcome) {
+  const auto found = entries_.find(id);
+  if (found == entries_.end()) {
+    return {};
+  }
+  const std::string text = textOf(found->second.leftover);
+  const bool done = outcome.kind == AttemptOutcome::Kind::kDone;
+  if (outcome.kind == AttemptOutcome::Kind::kRetry && outcome.reason.empty()) {
+    waiting_.push_back(id);
+    notBefore_ = std::max(notBefore_, clock_.now() + kUntilItIsFree);
+    return {};
+  }
+  const bool old = clock_.secondsSince1970() - found->second.leftover.since > kLongest.count();
+  if (outcome.kind == AttemptOutcome::Kind::kRetry && !old) {
+    rest(outcome);
+    waiting_.push_back(id);
+    const bool known = std::exchange(found->second.failedBefore, true);
+    return known ? "" : "Cannot discard " + text + " now, it is tried again: " + outcome.reason;
+  }
+  if (done) {
+    troubles_ = 0;
+  }
+  store_.removeLeftover(id);
+  entries_.erase(found);
+  return done ? "Discarded " + text
+              : "Cannot discard " + text + ", and tries no more: " + outcome.reason;
+}
+
+// A download's new attempt takes over the partial file that an earlier one has left.
+bool CLeftoverBook::sameThing(const Leftover& one, const Leftover& other) {
+  if (!one.resume.begun() || one.resume.isUpload() != other.resume.isUpload()) {
+    return false;
+  }
+  if (one.resume.isUpload()) {
+    return one.resume.upload().uploadId == other.resume.upload().uploadId &&
+           one.resume.upload().url == other.resume.upload().url;
+  }
+  return one.folder == other.folder &&
+         one.resume.download().partialPath == other.resume.download().partialPath;
+}
+
+// Failures during a rest were under way when it began and do not lengthen it.
+void CLeftoverBook::rest(const AttemptOutcome& outcome) {
+  const TimePoint now = clock_.now();
+  if (notBefore_ <= now) {
+    notBefore_ = now + retries_.delay(++troubles_, outcome);
+  }
+}
+
+void CLeftoverBook::stop() {
+  waiting_.clear();
+  for (const auto& [id, entry] : entries_) {
+    waiting_.push_back(id);
+  }
+  troubles_ = 0;
+  notBefore_ = TimePoint{};
+}
+
+}  // namespace zt_transfers

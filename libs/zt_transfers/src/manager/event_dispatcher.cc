@@ -1,0 +1,73 @@
+#include "manager/event_dispatcher.h"
+
+#include <optional>
+#include <utility>
+
+#include "engine/event_throttle.h"
+#include "base/thread_name.h"
+
+namespace zt_transfers {
+
+CNotifier::CNotifier(std::string name, CEventQueue& events, Calls calls)
+    : name_(std::move(name)), events_(events), calls_(std::move(calls)) {}
+
+void CNotifier::start() {
+  if (!thread_.joinable()) {
+    stopping_ = false;
+    thread_ = std::thread([this] {
+      nameThisThread(name_);
+      run();
+    });
+  }
+}
+
+void CNotifier::stop() {
+  if (thread_.joinable()) {
+    {
+      const std::lock_guard lock(mutex_);
+      stopping_ = true;
+    }
+    stopped_.notify_all();
+    events_.poke();
+    thread_.join();
+  }
+}
+
+// So that a burst of events costs one change of threads and not one each.
+bool CNotifier::rest() {
+  constexpr std::chrono::milliseconds kRest{4};
+  std::unique_lock lock(mutex_);
+  return !stopped_.wait_for(lock, kRest, [this] { return stopping_; });
+}
+
+void CNotifier::run() {
+  bool progressing = true;
+  bool last = false;
+  TimePoint collected{};
+  for (;;) {
+    const auto events = events_.take(last          ? std::optional<Duration>(Duration::zero())
+                                     : progressing ? std::optional<Duration>(CReporter::kInterval)
+                                                   : std::nullopt);
+    calls_.prepare(events);
+    for (const TransferEvent& event : events) {
+      calls_.deliver(event);
+    }
+    if (events.size() > CEventQueue::kCongestion) {
+      calls_.caughtUp();
+    }
+    if (last) {
+      return;
+    }
+    const TimePoint now = std::chrono::steady_clock::now();
+    if (now - collected >= CReporter::kInterval) {
+      collected = now;
+      progressing = calls_.collectProgress();
+    } else {
+      // Something happened just now; see again in a moment what becomes of it.
+      progressing = true;
+    }
+    last = !rest();
+  }
+}
+
+}  // namespace zt_transfers

@@ -1,0 +1,168 @@
+#include "reports/progress_reporter.h"
+
+#include <exception>
+#include <utility>
+
+#include "reports/report_text.h"
+#include "zt_transfers/global_config.h"
+
+namespace zt_transfers {
+namespace {
+
+bool isSuccess(const HttpAnswer& answer) {
+  return answer.code == CURLE_OK && answer.status >= 200 && answer.status < 300;
+}
+
+}  // namespace
+
+CProgressReporter::CProgressReporter(std::string direction, Parts parts)
+    : direction_(std::move(direction)), parts_(std::move(parts)) {
+  CReportPace::shared().join(parts_.loop);
+}
+
+void CProgressReporter::note(const GroupSnapshot& shot) {
+  {
+    const std::lock_guard lock(mutex_);
+    if (shot.cancelled) {
+      standings_.erase(shot.id);
+      changed_[shot.id] = false;
+      return;
+    }
+    Standing now{shot.state, shot.waitingFor};
+    Standing& known = standings_[shot.id];
+    if (known == now) {
+      return;
+    }
+    known = std::move(now);
+    changed_[shot.id] = true;
+  }
+  parts_.loop.wake();
+}
+
+void CProgressReporter::setProxy(const std::string& proxy) {
+  const std::lock_guard lock(mutex_);
+  proxy_ = proxy;
+}
+
+std::optional<TimePoint> CProgressReporter::turn() {
+  const std::chrono::seconds interval = CReportPace::shared().interval();
+  if (interval == std::chrono::seconds::zero()) {
+    return std::nullopt;  // what has changed meanwhile is told once reports are wanted
+  }
+  const TimePoint now = parts_.loop.clock().now();
+  takeNotes();
+  giveUpLate(now);
+  std::optional<TimePoint> next;
+  const auto wait = [&next](TimePoint until) { next = next ? std::min(*next, until) : until; };
+  for (auto& [id, group] : groups_) {
+    auto due = dueOf(group, interval);
+    if (!group.request && due && *due <= now && underWay_ < kMostAtOnce) {
+      send(id, group, now);
+      due = dueOf(group, interval);
+    }
+    if (group.request) {
+      wait(group.begun + kTimeLimit);
+    } else if (due && *due > now) {
+      wait(*due);
+    }
+  }
+  std::erase_if(groups_, [&](const auto& entry) {
+    return !dueOf(entry.second, interval) && !entry.second.request;
+  });
+  return next;
+}
+
+// Nothing when there is nothing to tell.
+std::optional<TimePoint> CProgressReporter::dueOf(const Group& group, Duration interval) {
+  if (group.changed) {
+    return TimePoint{};
+  }
+  return group.repeats ? std::optional(group.begun + interval) : std::nullopt;
+}
+
+void CProgressReporter::takeNotes() {
+  std::map<std::int32_t, bool> changed;
+  {
+    const std::lock_guard lock(mutex_);
+    changed.swap(changed_);
+  }
+  for (const auto& [id, isThere] : changed) {
+    Group& group = groups_[id];
+    group.changed = isThere;
+    group.repeats = group.repeats && isThere;
+    if (!isThere && std::exchange(group.request, nullptr)) {
+      --underWay_;
+    }
+  }
+}
+
+void CProgressReporter::giveUpLate(TimePoint now) {
+  for (auto& [id, group] : groups_) {
+    if (group.request && now - group.begun >= kTimeLimit) {
+      group.request.reset();
+      --underWay_;
+      failed("no answer");
+    }
+  }
+}
+
+void CProgressReporter::send(std::int32_t groupId, Group& group, TimePoint now) {
+  group.changed = false;
+  group.begun = now;
+  const auto report = parts_.look(groupId);
+  group.repeats = report && report->shot.state == kGroupTransferring;
+  if (!report || report->shot.state == kGroupIdle) {
+    return;
+  }
+  const auto* config = CZtTransfersGlobalConfig::getInstance();
+  HttpRequest request;
+  request.url = reportUrl(config->restEndPointUrl(), report->shot.bucketId);
+  request.userAgent = config->userAgent();
+  request.headers.emplace_back("X-Zantrio-Token", report->token);
+  {
+    const std::lock_guard lock(mutex_);
+    request.proxy = proxy_;
+  }
+  if (request.url.empty()) {
+    return;
+  }
+  try {
+    group.request = std::make_unique<CReportRequest>(
+        parts_.loop, std::move(request), reportText(direction_, *report),
+        [this, groupId](const HttpAnswer& answer) { answered(groupId, answer); });
+  } catch (const std::exception& error) {
+    failed(error.what());
+    return;
+  }
+  ++underWay_;
+}
+
+void CProgressReporter::answered(std::int32_t groupId, const HttpAnswer& answer) {
+  const auto group = groups_.find(groupId);
+  group->second.request.reset();
+  --underWay_;
+  if (isSuccess(answer)) {
+    failing_ = false;
+    return;
+  }
+  failed(answer.code != CURLE_OK ? answer.error
+                                 : "the service answered " + std::to_string(answer.status));
+}
+
+// Said once until a report arrives again; nobody needs a line for each.
+void CProgressReporter::failed(const std::string& why) {
+  if (!std::exchange(failing_, true)) {
+    parts_.log.warning("The service cannot be told how far " + direction_ + "s are: " + why +
+                       "; they go on, and it is tried again with the next report");
+  }
+}
+
+void CProgressReporter::stop() {
+  groups_.clear();
+  underWay_ = 0;
+  const std::lock_guard lock(mutex_);
+  standings_.clear();  // after the next start all is told anew
+  changed_.clear();
+}
+
+}  // namespace zt_transfers

@@ -1,0 +1,31 @@
+#include "reports/report_interval.h"
+
+namespace zt_transfers {
+
+void CReportPace::set(std::chrono::seconds interval) {
+  const std::lock_guard lock(mutex_);
+  if (interval_ == interval) {
+    return;
+  }
+  interval_ = interval;
+  for (CHttpLoop* loop : loops_) {
+    loop->wake();  // which calls nobody
+  }
+}
+
+std::chrono::seconds CReportPace::interval() const {
+  const std::lock_guard lock(mutex_);
+  return interval_;
+}
+
+void CReportPace::join(CHttpLoop& loop) {
+  const std::lock_guard lock(mutex_);
+  loops_.insert(&loop);
+}
+
+void CReportPace::leave(CHttpLoop& loop) {
+  const std::lock_guard lock(mutex_);
+  loops_.erase(&loop);
+}
+
+}  // namespace zt_transfers

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "http/http_exchange.h"
+#include "http/request_place.h"
+#include "base/log.h"
+
+namespace zt_transfers {
+
+// A small request to an object store, whose answer is a text; follows redirects. Destruction ends
+// it without an answer.
+//
+// Thread: the loop's. `done` is never called from within the constructor and may destroy the call.
+class CStoreCall final : public IHttpBody, public IHttpSink {
+ public:
+  static constexpr std::size_t kMostText = std::size_t{4} * 1024 * 1024;  // bytes of an answer
+
+  struct Request {
+    std::string method;  // POST has a body, the others have none
+    std::string url;
+    HttpHeaders headers;
+    std::string body{};
+    std::string proxy{};
+    // How long the server may think about it.
+    std::chrono::seconds patience = kUsualPatience;
+  };
+  using Done = std::function<void(const HttpAnswer&)>;
+
+  // Throws std::invalid_argument for a request that cannot be sent.
+  CStoreCall(CHttpLoop& loop, ILog& log, Request request, Done done);
+
+  // Somebody else takes over and wants the answer.
+  void setDone(Done done) { done_ = std::move(done); }
+
+ private:
+  void send();
+  void onAnswer(HttpAnswer answer);
+
+  Read read(char* to, std::size_t room, std::size_t& copied) override;
+  bool rewind() override;
+  Write write(const HttpAnswer& head, const char* data, std::size_t size) override;
+
+  CHttpLoop& loop_;
+  ILog& log_;
+  const Request request_;
+  Done done_;
+  CRequestPlace place_;
+  std::size_t sent_ = 0;
+  std::string text_;
+  std::unique_ptr<CHttpExchange> exchange_;
+};
+
+}  // namespace zt_transfers

@@ -1,0 +1,250 @@
+#include "download/finalizer.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <filesystem>
+#include <future>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include "download/file_trouble.h"
+#include "download/small_files.h"
+#include "download/target_folder.h"
+#include "sandbox.h"
+
+namespace {
+
+std::atomic<int> failingFolderSyncs{0};
+std::atomic<ino_t> lostFile{0};  // whose bytes could not be written
+std::atomic<int> fileSystemSyncs{0};
+
+bool isFolder(int file) {
+  struct stat status {};
+  return ::fstat(file, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool isLost(int file) {
+  struct stat status {};
+  return lostFile != 0 && ::fstat(file, &status) == 0 && status.st_ino == lostFile;
+}
+
+}  // namespace
+
+// In the place of the system's, so that a disk can fail at the right moment.
+extern "C" int sync_file_range(int file, off64_t offset, off64_t size, unsigned int flags) {
+  if (isLost(file)) {
+    errno = EIO;
+    return -1;
+  }
+  return static_cast<int>(::syscall(SYS_sync_file_range, file, offset, size, flags));
+}
+
+extern "C" int syncfs(int file) noexcept {
+  ++fileSystemSyncs;
+  return static_cast<int>(::syscall(SYS_syncfs, file));
+}
+
+extern "C" int fsync(int file) {
+  if (isLost(file)) {
+    errno = EIO;
+    return -1;
+  }
+  if (failingFolderSyncs > 0 && isFolder(file)) {
+    --failingFolderSyncs;
+    errno = EIO;
+    return -1;
+  }
+  return static_cast<int>(::syscall(SYS_fsync, file));
+}
+
+namespace zt_transfers::test {
+namespace {
+
+using Kind = AttemptOutcome::Kind;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class Landing : public ::testing::Test {
+ protected:
+  void TearDown() override {
+    failingFolderSyncs = 0;
+    lostFile = 0;
+  }
+
+  std::shared_ptr<CPartialFile> newFile(const std::string& name) {
+    CPartialFile::Plan plan;
+    plan.folder = sandbox.folder().string();
+    plan.target = parseTargetPath(name);
+    plan.key = name;
+    return std::make_shared<CPartialFile>(std::move(plan));
+  }
+  // One that has arrived.
+  std::shared_ptr<CPartialFile> arrived(const std::string& name) {
+    auto file = newFile(name);
+    file->write(0, name.data(), name.size());
+    EXPECT_FALSE(file->verify(name.size()).has_value());
+    return file;
+  }
+  std::vector<std::string> names() const {
+    std::vector<std::string> found;
+    for (const auto& entry : std::filesystem::directory_iterator(sandbox.folder())) {
+      found.push_back(entry.path().filename().string());
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+  }
+
+  std::function<void(const std::vector<AttemptEnd>&)> keepEnds() {
+    return [this](const std::vector<AttemptEnd>& told) {
+      ends.insert(ends.end(), told.begin(), told.end());
+    };
+  }
+
+  CSandbox sandbox;
+  std::vector<AttemptEnd> ends;
+};
+
+TEST_F(Landing, NotesAFileAsSyncedBeforeItGetsItsName) {
+  const auto progress = std::make_shared<JobProgress>();
+  std::vector<JobId> noted;
+  const auto note = [&](const std::vector<JobId>& jobs) {
+    noted = jobs;
+    EXPECT_EQ(names().at(0).front(), '.');
+    EXPECT_EQ(progress->resume().download().size, 4U);
+    EXPECT_THAT(progress->resume().download().durable, ElementsAre(ByteSpan{0, 4}));
+  };
+  CLander lander({.synced = note, .landed = keepEnds()});
+  lander.land({{7, arrived("file"), progress}});
+  ASSERT_EQ(ends.size(), 1U);
+  EXPECT_EQ(ends[0].job, 7U);
+  EXPECT_EQ(ends[0].outcome.kind, Kind::kDone);
+  EXPECT_THAT(noted, ElementsAre(7U));
+  EXPECT_THAT(names(), ElementsAre("file"));
+}
+
+TEST_F(Landing, NamesNoFileTwiceWhenItsFolderCannotBeSynced) {
+  CLander lander({.synced = [](const auto&) {}, .landed = keepEnds()});
+  const auto progress = std::make_shared<JobProgress>();
+  failingFolderSyncs = 2;
+  lander.land({{1, arrived("file"), progress}});
+  ASSERT_EQ(ends.size(), 1U);
+  EXPECT_EQ(ends[0].outcome.kind, Kind::kRetry);
+  EXPECT_EQ(failingFolderSyncs, 1);
+  const DownloadResume rest = progress->resume().download();
+  auto again = newFile("file");
+  EXPECT_THROW(again->reopen(rest), std::system_error);
+  EXPECT_EQ(again->resume(), rest);  // for the next attempt
+  EXPECT_EQ(newFile("file")->reopen(rest), CPartialFile::Found::kLanded);
+  EXPECT_THAT(names(), ElementsAre("file"));
+}
+
+TEST_F(Landing, NoticesWhichOfManyFilesCouldNotBeWrittenBeforeTheSyncOfAll) {
+  CLander lander({.synced = [](const auto&) {}, .landed = keepEnds()});
+  std::vector<CLander::Arrival> arrivals;
+  for (const char* name : {"a", "b", "c", "lost"}) {
+    arrivals.push_back({arrivals.size(), arrived(name), std::make_shared<JobProgress>()});
+  }
+  lostFile = arrivals.back().file->resume().inode;
+  lander.land(std::move(arrivals));
+  ASSERT_EQ(ends.size(), 4U);
+  EXPECT_EQ(std::count_if(ends.begin(), ends.end(),
+                          [](const auto& end) { return end.outcome.kind == Kind::kDone; }),
+            3);
+  EXPECT_EQ(ends[3].outcome.kind, Kind::kRetry);
+  EXPECT_THAT(names(), ElementsAre(::testing::StartsWith(".lost"), "a", "b", "c"));
+}
+
+TEST_F(Landing, KeepsNewFoldersOnceWhoeverMadeThem) {
+  CLander lander({.synced = [](const auto&) {}, .landed = keepEnds()});
+  const auto progress = std::make_shared<JobProgress>();
+  lander.land({{1, arrived("before"), progress}});
+  const auto slow = arrived("folder/slow");
+  const int before = fileSystemSyncs;
+  lander.land({{2, arrived("folder/quick"), progress}});
+  EXPECT_EQ(fileSystemSyncs, before + 1);
+  lander.land({{3, slow, progress}});
+  EXPECT_EQ(fileSystemSyncs, before + 1);
+  newFile("third/file")->create(1);
+  lander.land({{4, arrived("third/again"), progress}});
+  EXPECT_EQ(fileSystemSyncs, before + 2);
+}
+
+TEST_F(Landing, MakesNoSmallFileThatWasDiscardedMeanwhile) {
+  CLander lander({.synced = [](const auto&) {}, .landed = keepEnds()});
+  CWorkerPool pool("zt-disk-test");
+  CChunkPool chunks;
+  CSmallFiles small(pool, lander, chunks, keepEnds());
+  const auto progress = std::make_shared<JobProgress>();
+  const auto file = newFile("folder/file");
+  small.add({.landing = {1, file, progress}, .validator = {}, .content = {}}, TimePoint{});
+  small.add({.landing = {2, newFile("other"), progress}, .validator = {}, .content = {}},
+            TimePoint{});
+  file->discard();
+  pool.start(1);
+  EXPECT_EQ(small.turn(TimePoint::max()), std::nullopt);
+  std::promise<void> through;
+  pool.post([&through] { through.set_value(); });
+  through.get_future().wait();
+  pool.stop();
+  EXPECT_THAT(names(), ElementsAre("other"));
+  ASSERT_EQ(ends.size(), 1U);
+  EXPECT_EQ(ends[0].job, 2U);
+}
+
+TEST_F(Landing, FindsAFileOfUnknownSizeUnderItsNameAfterACrash) {
+  auto file = arrived("file");
+  DownloadResume noted = file->resume();  // as it was when the first bytes had come
+  noted.size = DownloadResume::kUnknown;
+  noted.written = {{0, 2}};
+  file->publish();
+  EXPECT_EQ(newFile("file")->reopen(noted), CPartialFile::Found::kLanded);
+  noted.written = {{0, 5}};  // more than is there: it is not the same file
+  EXPECT_EQ(newFile("file")->reopen(noted), CPartialFile::Found::kNothing);
+}
+
+TEST_F(Landing, GoesOnWithNoFileThatTheAttemptBeforeIsJustRemoving) {
+  auto before = newFile("file");
+  before->create(1);
+  const DownloadResume rest = before->resume();
+  auto found = CPartialFile::Found::kPartial;
+  auto again = newFile("file");
+  std::thread waiting([&] { found = again->reopen(rest); });
+  before.reset();  // before or after the other one has opened it
+  waiting.join();
+  EXPECT_EQ(found, CPartialFile::Found::kNothing);
+}
+
+TEST_F(Landing, KeepsWhatIsThereWhileTheGroupsFolderIsGone) {
+  auto file = arrived("file");
+  const DownloadResume rest = file->resume();
+  file.reset();
+  const std::filesystem::path away = sandbox.folder().string() + ".away";
+  std::filesystem::rename(sandbox.folder(), away);
+  auto again = newFile("file");
+  EXPECT_THROW(again->reopen(rest), CFolderGone);
+  EXPECT_EQ(again->resume(), rest);
+  std::filesystem::rename(away, sandbox.folder());
+  EXPECT_EQ(newFile("file")->reopen(rest), CPartialFile::Found::kPartial);
+}
+
+TEST(FileTrouble, LetsTheGroupRestForTheDiskAndNotForWhatAServerClaims) {
+  const auto judged = [](const std::exception& error) { return judgeFileTrouble(error); };
+  const auto code = std::error_code(ENOSPC, std::generic_category());
+  EXPECT_TRUE(judged(std::system_error(code)).sharedTrouble);
+  EXPECT_TRUE(judged(CFolderGone(ENOENT, std::generic_category())).sharedTrouble);
+  const AttemptOutcome claim = judged(CNoRoomForClaim(code, "no room"));
+  EXPECT_EQ(claim.kind, Kind::kRetry);
+  EXPECT_FALSE(claim.sharedTrouble);
+  EXPECT_EQ(judged(std::system_error(EACCES, std::generic_category())).kind, Kind::kFinal);
+}
+
+}  // namespace
+}  // namespace zt_transfers::test

@@ -6,13 +6,13 @@
 #include <string>
 #include <string_view>
 
+#include "base/url_parts.h"
 #include "download/content_range.h"
-#include "store/packed_resume.h"
 #include "http/error_document.h"
 #include "http/etag.h"
 #include "http/redirect.h"
 #include "http/retry_after.h"
-#include "base/url_parts.h"
+#include "store/packed_resume.h"
 #include "upload/multipart_messages.h"
 
 namespace zt_transfers {
@@ -26,9 +26,9 @@ void expect(bool holds) {
 
 void readXml(std::string_view text) {
   if (const auto page = partsPageOf(text)) {
-    expect(page->next <= UploadSession::kMostParts);
+    expect(page->next <= UploadSession::kMaxParts);
     for (const ListedPart& part : page->parts) {
-      expect(part.number >= 1 && part.number <= UploadSession::kMostParts);
+      expect(part.number >= 1 && part.number <= UploadSession::kMaxParts);
     }
   }
   if (const auto uploadId = uploadIdOf(text)) {
@@ -55,9 +55,9 @@ void readHeaders(std::string_view text) {
   if (const auto range = parseContentRange(text); range && range->first) {
     expect(*range->first < range->end && (!range->total || range->end <= *range->total));
   }
-  HttpAnswer answer;
-  answer.headers["location"] = value;
-  if (const auto target = redirectTarget("https://host/path", answer)) {
+  HttpResponse response;
+  response.headers["location"] = value;
+  if (const auto target = redirectTarget("https://host/path", response)) {
     expect(originOf(*target).starts_with("https://"));
   }
 }

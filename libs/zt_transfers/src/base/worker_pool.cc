@@ -27,7 +27,7 @@ void CWorkerPool::stop() {
   {
     const std::lock_guard lock(mutex_);
     running_ = false;
-    dropped.swap(jobs_);
+    dropped.swap(tasks_);
   }
   posted_.notify_all();
   for (std::thread& thread : threads_) {
@@ -36,13 +36,13 @@ void CWorkerPool::stop() {
   threads_.clear();
 }
 
-void CWorkerPool::post(std::function<void()> job) {
+void CWorkerPool::post(std::function<void()> task) {
   {
     const std::lock_guard lock(mutex_);
     if (!running_) {
       return;
     }
-    jobs_.push_back(std::move(job));
+    tasks_.push_back(std::move(task));
   }
   posted_.notify_one();
 }
@@ -50,14 +50,14 @@ void CWorkerPool::post(std::function<void()> job) {
 void CWorkerPool::run() {
   std::unique_lock lock(mutex_);
   for (;;) {
-    posted_.wait(lock, [this] { return !running_ || !jobs_.empty(); });
+    posted_.wait(lock, [this] { return !running_ || !tasks_.empty(); });
     if (!running_) {
       return;
     }
-    const std::function<void()> job = std::move(jobs_.front());
-    jobs_.pop_front();
+    const std::function<void()> task = std::move(tasks_.front());
+    tasks_.pop_front();
     lock.unlock();
-    job();
+    task();
     lock.lock();
   }
 }

@@ -26,7 +26,7 @@ class CWorkerPool {
   void stop();
 
   // `job` must not throw. Dropped when the pool does not run.
-  void post(std::function<void()> job);
+  void post(std::function<void()> task);
 
  private:
   void run();
@@ -37,7 +37,7 @@ class CWorkerPool {
   std::mutex mutex_;
   std::condition_variable posted_;
   // Guarded by mutex_.
-  std::deque<std::function<void()>> jobs_;
+  std::deque<std::function<void()>> tasks_;
   bool running_ = false;
 };
 

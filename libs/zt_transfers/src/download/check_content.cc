@@ -7,7 +7,7 @@
 
 namespace zt_transfers {
 
-std::optional<AttemptOutcome> checkContent(CPartialFile& file, JobProgress& progress,
+std::optional<AttemptOutcome> checkContent(CPartialFile& file, AttemptProgress& progress,
                                            std::uint64_t size) {
   std::optional<std::string> problem;
   const auto trouble = troubleOf([&] {

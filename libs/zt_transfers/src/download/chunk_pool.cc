@@ -8,7 +8,7 @@ namespace zt_transfers {
 namespace {
 
 constexpr std::size_t kSmallest = std::size_t{4} * 1024;
-constexpr std::size_t kMostKept = 32 * CChunkPool::kLargest;
+constexpr std::size_t kMaxKept = 32 * CChunkPool::kLargest;
 
 }  // namespace
 
@@ -33,7 +33,7 @@ Chunk CChunkPool::take(std::uint64_t wanted) {
 
 void CChunkPool::giveBack(Chunk chunk) {
   const std::lock_guard lock(mutex_);
-  if (!chunk.data || kept_ + chunk.capacity > kMostKept) {
+  if (!chunk.data || kept_ + chunk.capacity > kMaxKept) {
     return;
   }
   chunk.size = 0;

@@ -4,9 +4,9 @@
 #include <exception>
 #include <utility>
 
-#include "engine/response_verdict.h"
 #include "base/ascii.h"
 #include "base/url_parts.h"
+#include "engine/response_verdict.h"
 #include "zt_transfers/global_config.h"
 
 namespace zt_transfers {
@@ -38,14 +38,14 @@ CPartialFile::Plan planOf(const StartOrder& order) {
 
 }  // namespace
 
-CDownloadAttempt::CDownloadAttempt(const CPartialWriter::Surroundings& surroundings, ILog& log,
+CDownloadAttempt::CDownloadAttempt(const CPartialWriter::Dependencies& dependencies, ILog& log,
                                    StartOrder order, IListener& listener)
-    : surroundings_(surroundings),
-      loop_(surroundings.loop),
+    : dependencies_(dependencies),
+      loop_(dependencies.loop),
       log_(log),
       order_(std::move(order)),
       listener_(listener),
-      missing_({.size = order_.spec.size,
+      planner_({.size = order_.spec.size,
                 .piecesFrom = order_.parts.from,
                 .pieceSize = order_.parts.size}) {}
 
@@ -63,7 +63,7 @@ void CDownloadAttempt::begin() {
     return;
   }
   try {
-    writer_ = std::make_shared<CPartialWriter>(surroundings_, order_.job,
+    writer_ = std::make_shared<CPartialWriter>(dependencies_, order_.attemptId,
                                                std::make_shared<CPartialFile>(planOf(order_)),
                                                order_.progress, *this);
   } catch (const std::exception& error) {
@@ -85,13 +85,13 @@ void CDownloadAttempt::discard() {
 
 void CDownloadAttempt::narrow() {
   if (fetches_.size() > 1) {
-    missing_.giveBack(fetches_.back()->rest());
+    planner_.giveBack(fetches_.back()->rest());
     fetches_.pop_back();
   }
 }
 
 void CDownloadAttempt::onReopened(CPartialFile::Found found, const DownloadResume& resume) {
-  if (found == CPartialFile::Found::kLanded) {
+  if (found == CPartialFile::Found::kFinalized) {
     report(AttemptOutcome::done());
     return;
   }
@@ -105,7 +105,7 @@ void CDownloadAttempt::onReopened(CPartialFile::Found found, const DownloadResum
       arrive(resume.size);
       return;
     }
-    missing_.takeUp(resume, there);
+    planner_.takeUp(resume, there);
     order_.progress->bytes = lengthOf(there);
   }
   fetchNext();
@@ -116,8 +116,8 @@ bool CDownloadAttempt::fetchNext() {
   try {
     const std::uint64_t most = order_.spec.size != 0 ? order_.spec.size : CRangeFetch::kNoEnd;
     fetches_.push_back(std::make_unique<CRangeFetch>(
-        CRangeFetch::Surroundings{loop_, log_, *writer_, *order_.progress, *this}, request(),
-        missing_.take(), most));
+        CRangeFetch::Dependencies{loop_, log_, *writer_, *order_.progress, *this}, request(),
+        planner_.take(), most));
     return true;
   } catch (const std::exception& error) {
     finish(AttemptOutcome::final(error.what(), failure::kBadRequest));
@@ -131,7 +131,7 @@ HttpRequest CDownloadAttempt::request() const {
   request.url = order_.spec.url;
   // Bytes as they are stored, so that they can be counted.
   request.headers.emplace_back("Accept-Encoding", "identity");
-  request.answerSize = order_.spec.size;
+  request.responseSize = order_.spec.size;
   request.proxy = order_.proxy;
   request.userAgent = CZtTransfersGlobalConfig::getInstance()->userAgent();
   return request;
@@ -139,9 +139,9 @@ HttpRequest CDownloadAttempt::request() const {
 
 // Begins further requests as long as each of them is likely to pay.
 void CDownloadAttempt::widen() {
-  while (missing_.begun() && missing_.takesPieces() && !fetches_.empty() &&
-         fetches_.size() < mostFetches_ && worthMore() && listener_.hasRoom()) {
-    if ((missing_.none() && !splitLargest()) || !fetchNext()) {
+  while (planner_.begun() && planner_.takesPieces() && !fetches_.empty() &&
+         fetches_.size() < maxFetches_ && worthMore() && listener_.hasRoom()) {
+    if ((planner_.none() && !splitLargest()) || !fetchNext()) {
       return;
     }
   }
@@ -164,12 +164,12 @@ bool CDownloadAttempt::splitLargest() {
                                           return restOf(*left).length() < restOf(*right).length();
                                         });
   const ByteSpan rest = restOf(**largest);
-  if (!missing_.size() || rest.length() < 2 * missing_.pieceSize()) {
+  if (!planner_.size() || rest.length() < 2 * planner_.pieceSize()) {
     return false;
   }
-  const std::uint64_t stop = rest.begin + missing_.pieceSize();
+  const std::uint64_t stop = rest.begin + planner_.pieceSize();
   (*largest)->stopAt(stop);
-  missing_.giveBack({stop, rest.end});
+  planner_.giveBack({stop, rest.end});
   return true;
 }
 
@@ -192,19 +192,19 @@ bool CDownloadAttempt::onHead(CRangeFetch& fetch, const FetchPlan& plan) {
         failure::kWrongSize);
     return false;
   }
-  missing_.noteServer(fetch.ask(), plan);
+  planner_.noteServer(fetch.rangeRequest(), plan);
   if (!plan.partial && fetches_.size() > 1) {
     return false;  // the others are of another version, or the last to be had
   }
-  if (!plan.partial || !missing_.begun()) {
+  if (!plan.partial || !planner_.begun()) {
     if (plan.partial && !plan.offersRanges) {
       return false;
     }
     beginVersion(fetch, plan);
   } else {
-    missing_.noteSize(plan);
+    planner_.noteSize(plan);
   }
-  if (const auto size = missing_.size()) {
+  if (const auto size = planner_.size()) {
     order_.progress->size = *size;
   }
   if (!firstByte_) {
@@ -216,24 +216,24 @@ bool CDownloadAttempt::onHead(CRangeFetch& fetch, const FetchPlan& plan) {
 
 // Its first bytes come now.
 void CDownloadAttempt::beginVersion(const CRangeFetch& fetch, const FetchPlan& plan) {
-  if (missing_.begun()) {
+  if (planner_.begun()) {
     log_.information("Starting over with " + loggableUrl(order_.spec.url) +
                      ": the server sends all of it, or another version");
   }
-  missing_.beginVersion(plan, fetch.rest());
-  writer_->restart(missing_.validator(), missing_.size().value_or(DownloadResume::kUnknown));
+  planner_.beginVersion(plan, fetch.rest());
+  writer_->restart(planner_.validator(), planner_.size().value_or(DownloadResume::kUnknown));
   order_.progress->bytes = 0;
   firstByte_.reset();
 }
 
-void CDownloadAttempt::onFetched(CRangeFetch& fetch, const HttpAnswer& answer) {
+void CDownloadAttempt::onFetched(CRangeFetch& fetch, const HttpResponse& response) {
   if (refusal_) {
     finish(*refusal_);
     return;
   }
   switch (fetch.plan() ? fetch.plan()->kind : FetchPlan::Kind::kOther) {
     case FetchPlan::Kind::kBody:
-      judgeBody(fetch, answer);
+      judgeBody(fetch, response);
       return;
     case FetchPlan::Kind::kComplete:
       judgeComplete(fetch);
@@ -242,9 +242,9 @@ void CDownloadAttempt::onFetched(CRangeFetch& fetch, const HttpAnswer& answer) {
       startOver(fetch.plan()->reason);
       return;
     case FetchPlan::Kind::kOther:
-      judgeFailed(fetch, answer.code != CURLE_OK
-                             ? judgeTransport(answer)
-                             : judgeRefusal(answer, loop_.clock().secondsSince1970()));
+      judgeFailed(fetch, response.code != CURLE_OK
+                             ? judgeTransport(response)
+                             : judgeRefusal(response, loop_.clock().secondsSince1970()));
       return;
   }
 }
@@ -258,8 +258,8 @@ void CDownloadAttempt::startOver(std::string reason) {
   startedOver_ = true;
   log_.warning("Starting over with " + loggableUrl(order_.spec.url) + ": " + reason);
   fetches_.clear();
-  missing_.forgetVersion();
-  missing_.refuseRanges();
+  planner_.forgetVersion();
+  planner_.refuseRanges();
   fetchNext();
 }
 
@@ -272,14 +272,14 @@ void CDownloadAttempt::judgeFailed(CRangeFetch& fetch, const AttemptOutcome& out
   log_.information("One of " + text(fetches_.size()) + " requests for " +
                    loggableUrl(order_.spec.url) +
                    " failed, the others fetch its part: " + outcome.reason);
-  missing_.giveBack(fetch.rest());
+  planner_.giveBack(fetch.rest());
   takeOut(fetch);
-  mostFetches_ = fetches_.size();
+  maxFetches_ = fetches_.size();
 }
 
 // The server has nothing beyond what is there.
 void CDownloadAttempt::judgeComplete(CRangeFetch& fetch) {
-  const std::uint64_t there = fetch.ask().begin;
+  const std::uint64_t there = fetch.rangeRequest().begin;
   if (order_.spec.size != 0 && there != order_.spec.size) {
     finish(AttemptOutcome::retry(
         "the server has " + text(there) + " bytes instead of " + text(order_.spec.size),
@@ -289,7 +289,7 @@ void CDownloadAttempt::judgeComplete(CRangeFetch& fetch) {
   arrive(there);
 }
 
-void CDownloadAttempt::judgeBody(CRangeFetch& fetch, const HttpAnswer& answer) {
+void CDownloadAttempt::judgeBody(CRangeFetch& fetch, const HttpResponse& response) {
   if (!fetch.wanted()) {
     startOver("the server sends all of it, or another version");
     return;
@@ -301,15 +301,16 @@ void CDownloadAttempt::judgeBody(CRangeFetch& fetch, const HttpAnswer& answer) {
         failure::kWrongSize));
     return;
   }
-  if (answer.code != CURLE_OK && !fetch.stopped()) {
-    judgeFailed(fetch, judgeTransport(answer));
+  if (response.code != CURLE_OK && !fetch.stopped()) {
+    judgeFailed(fetch, judgeTransport(response));
     return;
   }
   // A server may send less of a range than it was asked for, and need not say how much there is.
-  const bool mayBeMore = fetch.stopped() || (fetch.plan()->partial && arrived > fetch.ask().begin);
+  const bool mayBeMore =
+      fetch.stopped() || (fetch.plan()->partial && arrived > fetch.rangeRequest().begin);
   const std::uint64_t expected = order_.spec.size;
   const auto size =
-      missing_.size() ? missing_.size() : (expected != 0 ? std::optional(expected) : std::nullopt);
+      planner_.size() ? planner_.size() : (expected != 0 ? std::optional(expected) : std::nullopt);
   if (!mayBeMore && size && arrived < *size) {
     finish(AttemptOutcome::retry(
         "the answer ended after " + text(arrived) + " of " + text(*size) + " bytes",
@@ -325,17 +326,17 @@ void CDownloadAttempt::goOnAfter(std::unique_ptr<CRangeFetch> fetch, bool mayBeM
     arrive(fetch->rest().begin);
     return;
   }
-  missing_.giveBack(fetch->rest());
-  mostFetches_ = std::min(mostFetches_ + 1, kMostFetches);
-  if (missing_.none() && fetches_.empty()) {
+  planner_.giveBack(fetch->rest());
+  maxFetches_ = std::min(maxFetches_ + 1, kMaxFetches);
+  if (planner_.none() && fetches_.empty()) {
     fetch->add();
-    arrive(*missing_.size());
+    arrive(*planner_.size());
     return;
   }
   fetch.reset();
   // Under a limit one request does as much as several.
   const bool enough = loop_.throttle().limited() && !fetches_.empty();
-  if (!missing_.none() && !enough && fetchNext()) {
+  if (!planner_.none() && !enough && fetchNext()) {
     widen();
   }
 }
@@ -344,7 +345,7 @@ void CDownloadAttempt::arrive(std::uint64_t size) {
   fetches_.clear();
   order_.progress->size = size;
   order_.progress->bytes = size;
-  listener_.onArrived(order_.job, size);
+  listener_.onArrived(order_.attemptId, size);
 }
 
 // Reports once what has come is written, so that the next attempt finds it.
@@ -365,7 +366,7 @@ void CDownloadAttempt::report(AttemptOutcome outcome) {
       before.begun() && !now.validator.empty() && now.validator == before.validator;
   outcome.progressed =
       sameVersion && lengthOf(now.written) >= lengthOf(before.written) + kWorthARetry;
-  listener_.onEnded(order_.job, outcome);
+  listener_.onEnded(order_.attemptId, outcome);
 }
 
 void CDownloadAttempt::onWriterReady() {

@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "download/response_plan.h"
-#include "download/range_planner.h"
+#include "base/log.h"
 #include "download/partial_writer.h"
 #include "download/range_fetch.h"
+#include "download/range_planner.h"
+#include "download/response_plan.h"
 #include "engine/attempt.h"
-#include "base/log.h"
 
 namespace zt_transfers {
 
@@ -30,14 +30,14 @@ namespace zt_transfers {
 // Thread: the loop's. The listener's calls may destroy the attempt.
 class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFetch::IListener {
  public:
-  static constexpr std::size_t kMostFetches = 4;
+  static constexpr std::size_t kMaxFetches = 4;
 
   class IListener {
    public:
-    virtual void onCheckpoint(JobId job) = 0;
+    virtual void onCheckpoint(AttemptId attemptId) = 0;
     // All bytes were received: the writer has them and is nobody's from now on.
-    virtual void onArrived(JobId job, std::uint64_t size) = 0;
-    virtual void onEnded(JobId job, const AttemptOutcome& outcome) = 0;
+    virtual void onArrived(AttemptId attemptId, std::uint64_t size) = 0;
+    virtual void onEnded(AttemptId attemptId, const AttemptOutcome& outcome) = 0;
     // Whether there is room for one more request, beside those of all attempts.
     virtual bool hasRoom() const = 0;
 
@@ -45,7 +45,7 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
     ~IListener() = default;
   };
 
-  CDownloadAttempt(const CPartialWriter::Surroundings& surroundings, ILog& log, StartOrder order,
+  CDownloadAttempt(const CPartialWriter::Dependencies& dependencies, ILog& log, StartOrder order,
                    IListener& listener);
   ~CDownloadAttempt();
   CDownloadAttempt(const CDownloadAttempt&) = delete;
@@ -60,7 +60,7 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   void narrow();
 
   const std::shared_ptr<CPartialWriter>& writer() const { return writer_; }
-  const std::shared_ptr<JobProgress>& progress() const { return order_.progress; }
+  const std::shared_ptr<AttemptProgress>& progress() const { return order_.progress; }
   void discard();
 
  private:
@@ -73,26 +73,26 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   bool worthMore() const;
   bool splitLargest();
 
-  ByteSpan restOf(const CRangeFetch& fetch) const { return missing_.within(fetch.rest()); }
+  ByteSpan restOf(const CRangeFetch& fetch) const { return planner_.within(fetch.rest()); }
   std::unique_ptr<CRangeFetch> takeOut(CRangeFetch& fetch);
   void startOver(std::string reason);
   void judgeFailed(CRangeFetch& fetch, const AttemptOutcome& outcome);
   void judgeComplete(CRangeFetch& fetch);
-  void judgeBody(CRangeFetch& fetch, const HttpAnswer& answer);
+  void judgeBody(CRangeFetch& fetch, const HttpResponse& response);
   void goOnAfter(std::unique_ptr<CRangeFetch> fetch, bool mayBeMore);
   void arrive(std::uint64_t size);
   void finish(AttemptOutcome outcome);
   void report(AttemptOutcome outcome);
 
   bool onHead(CRangeFetch& fetch, const FetchPlan& plan) override;
-  void onFetched(CRangeFetch& fetch, const HttpAnswer& answer) override;
+  void onFetched(CRangeFetch& fetch, const HttpResponse& response) override;
   void onReopened(CPartialFile::Found found, const DownloadResume& resume) override;
   void onWriterReady() override;
   void onWriterIdle() override;
   void onWriterFailed(const AttemptOutcome& outcome) override;
-  void onCheckpoint() override { listener_.onCheckpoint(order_.job); }
+  void onCheckpoint() override { listener_.onCheckpoint(order_.attemptId); }
 
-  const CPartialWriter::Surroundings surroundings_;
+  const CPartialWriter::Dependencies dependencies_;
   CHttpLoop& loop_;
   ILog& log_;
   const StartOrder order_;
@@ -100,10 +100,10 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
 
   std::shared_ptr<CPartialWriter> writer_;
   Fetches fetches_;
-  std::size_t mostFetches_ = kMostFetches;  // less after some have failed
+  std::size_t maxFetches_ = kMaxFetches;  // less after some have failed
   bool startedOver_ = false;
 
-  CMissingBytes missing_;
+  CRangePlanner planner_;
 
   std::optional<TimePoint> firstByte_;     // of this attempt
   std::uint64_t bytesBefore_ = 0;          // that were there by then

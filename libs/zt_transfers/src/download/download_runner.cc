@@ -10,21 +10,21 @@
 namespace zt_transfers {
 
 bool CDownloadRunner::start(StartOrder order) {
-  const JobId job = order.job;
-  mostAtOnce_ = order.mostAtOnce;
+  const AttemptId attemptId = order.attemptId;
+  maxConcurrent_ = order.maxConcurrent;
   auto attempt = std::make_unique<CDownloadAttempt>(
-      CPartialWriter::Surroundings{loop_, pool_, chunks_, observer_}, log_, std::move(order),
+      CPartialWriter::Dependencies{loop_, pool_, chunks_, observer_}, log_, std::move(order),
       *this);
   CDownloadAttempt& begun = *attempt;
-  attempts_.emplace(job, std::move(attempt));
+  attempts_.emplace(attemptId, std::move(attempt));
   begun.begin();
   makeRoom();
-  return attempts_.count(job) != 0;
+  return attempts_.count(attemptId) != 0;
 }
 
 std::size_t CDownloadRunner::requests() const {
   std::size_t count = 0;
-  for (const auto& [job, attempt] : attempts_) {
+  for (const auto& [attemptId, attempt] : attempts_) {
     count += attempt->width();
   }
   return count;
@@ -32,7 +32,7 @@ std::size_t CDownloadRunner::requests() const {
 
 // A file that waits is worth more than one more request for a file that is under way.
 void CDownloadRunner::makeRoom() {
-  while (requests() > mostAtOnce_) {
+  while (requests() > maxConcurrent_) {
     const auto widest = std::max_element(attempts_.begin(), attempts_.end(),
                                          [](const auto& left, const auto& right) {
                                            return left.second->width() < right.second->width();
@@ -45,39 +45,39 @@ void CDownloadRunner::makeRoom() {
 }
 
 void CDownloadRunner::stop(const AttemptStop& stop) {
-  const auto attempt = attempts_.find(stop.job);
-  const auto landing = landing_.find(stop.job);
+  const auto attempt = attempts_.find(stop.attemptId);
+  const auto finalization = finalizing_.find(stop.attemptId);
   if (attempt != attempts_.end()) {
     if (stop.discard) {
       attempt->second->discard();
     }
     release(std::move(attempt->second));
     attempts_.erase(attempt);
-  } else if (landing == landing_.end() && stop.discard) {
-    observer_.onLeftBehind(stop.leftover());
+  } else if (finalization == finalizing_.end() && stop.discard) {
+    observer_.onOrphaned(stop.orphan());
   } else if (stop.discard) {
     // Nobody is told of its landing any more, so it is forgotten here; the pool closes it.
-    landing->second.file->discard();
-    pool_.post([file = std::move(landing->second.file)] {});
-    landing_.erase(landing);
+    finalization->second.file->discard();
+    pool_.post([file = std::move(finalization->second.file)] {});
+    finalizing_.erase(finalization);
   }
 }
 
 void CDownloadRunner::stopAll() {
-  for (const auto& [job, attempt] : attempts_) {
+  for (const auto& [attemptId, attempt] : attempts_) {
     if (attempt->writer()) {
       stopped_.push_back({attempt->writer()->file(), attempt->progress()});
     }
   }
-  for (const auto& [job, rest] : landing_) {
+  for (const auto& [attemptId, rest] : finalizing_) {
     stopped_.push_back(rest);
   }
   attempts_.clear();
-  landing_.clear();
+  finalizing_.clear();
   small_.clear();
 }
 
-void CDownloadRunner::settle() {
+void CDownloadRunner::syncToDisk() {
   for (const auto& [file, progress] : stopped_) {
     try {
       file->checkpoint();
@@ -90,11 +90,11 @@ void CDownloadRunner::settle() {
   stopped_.clear();
 }
 
-void CDownloadRunner::discard(const DiscardOrder& order) {
+void CDownloadRunner::discard(const CleanupTask& order) {
   pool_.post([order, &observer = observer_] {
     AttemptOutcome outcome = AttemptOutcome::done();
     try {
-      CPartialPlace::remove(order.leftover.folder, order.leftover.resume.download());
+      CPartialPlace::remove(order.orphan.folder, order.orphan.resume.download());
     } catch (const CPartialFileInUse&) {
       // By an attempt that ends and removes it, or by one that has taken it over.
       outcome = AttemptOutcome::retry("", failure::kDiskTrouble);
@@ -104,21 +104,21 @@ void CDownloadRunner::discard(const DiscardOrder& order) {
     if (outcome.kind == AttemptOutcome::Kind::kFinal && outcome.code == failure::kTargetMissing) {
       outcome = AttemptOutcome::done();  // the folder that it was in is gone
     }
-    observer.onDiscarded(order.id, outcome);
+    observer.onCleanedUp(order.id, outcome);
   });
 }
 
-void CDownloadRunner::onArrived(JobId job, std::uint64_t size) {
-  if (!observer_.onAttemptLanding(job)) {
+void CDownloadRunner::onArrived(AttemptId attemptId, std::uint64_t size) {
+  if (!observer_.onAttemptFinalizing(attemptId)) {
     return;  // its stop is on the way
   }
-  const auto found = attempts_.find(job);
+  const auto found = attempts_.find(attemptId);
   const std::shared_ptr<CPartialWriter> writer = found->second->writer();
-  const std::shared_ptr<JobProgress> progress = found->second->progress();
-  landing_.emplace(job, Rest{writer->file(), progress});
-  CLander::Arrival arrival{job, writer->file(), progress};
-  if (auto whole = writer->takeWhole()) {
-    small_.add({.landing = std::move(arrival),
+  const std::shared_ptr<AttemptProgress> progress = found->second->progress();
+  finalizing_.emplace(attemptId, Rest{writer->file(), progress});
+  CFinalizer::Arrival arrival{attemptId, writer->file(), progress};
+  if (auto whole = writer->takeCompleteBody()) {
+    small_.add({.finalization = std::move(arrival),
                 .validator = std::move(whole->validator),
                 .size = size,
                 .content = std::move(whole->content)},
@@ -128,22 +128,22 @@ void CDownloadRunner::onArrived(JobId job, std::uint64_t size) {
                                          const std::optional<AttemptOutcome>& trouble) {
       const auto wrong = trouble ? trouble : checkContent(*file, *arrival.progress, size);
       if (wrong) {
-        landed({{arrival.job, *wrong}});
+        finalized({{arrival.attemptId, *wrong}});
       } else {
-        lander_.land({arrival});
+        finalizer_.finalize({arrival});
       }
     });
   }
   attempts_.erase(found);
 }
 
-void CDownloadRunner::onEnded(JobId job, const AttemptOutcome& outcome) {
+void CDownloadRunner::onEnded(AttemptId attemptId, const AttemptOutcome& outcome) {
   // The outcome may be the attempt's own.
   const AttemptOutcome kept = outcome;
-  const auto attempt = attempts_.find(job);
+  const auto attempt = attempts_.find(attemptId);
   release(std::move(attempt->second));
   attempts_.erase(attempt);
-  observer_.onAttemptDone(job, kept);
+  observer_.onAttemptDone(attemptId, kept);
 }
 
 // Lets the pool close, and possibly remove, the partial file.
@@ -156,11 +156,11 @@ void CDownloadRunner::release(std::unique_ptr<CDownloadAttempt> attempt) {
 }
 
 // On the pool. The engine is told before the loop, which can be stopping.
-void CDownloadRunner::landed(const std::vector<AttemptEnd>& ends) {
+void CDownloadRunner::finalized(const std::vector<AttemptEnd>& ends) {
   observer_.onAttemptsDone(ends);
   loop_.post([this, ends] {
     for (const AttemptEnd& end : ends) {
-      landing_.erase(end.job);
+      finalizing_.erase(end.attemptId);
     }
   });
 }

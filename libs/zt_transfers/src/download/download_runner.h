@@ -21,44 +21,44 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
         pool_(pool),
         log_(log),
         observer_(observer),
-        lander_({.synced = [this](const auto& jobs) { observer_.keepDurably(jobs); },
-                 .landed = [this](const auto& ends) { landed(ends); }}),
-        small_(pool, lander_, chunks_, [this](const auto& ends) { landed(ends); }) {}
+        finalizer_({.synced = [this](const auto& attempts) { observer_.keepDurably(attempts); },
+                    .finalized = [this](const auto& ends) { finalized(ends); }}),
+        small_(pool, finalizer_, chunks_, [this](const auto& ends) { finalized(ends); }) {}
 
   bool start(StartOrder order) override;
   void stop(const AttemptStop& stop) override;
   void stopAll() override;
-  std::optional<TimePoint> turn() override { return small_.turn(loop_.clock().now()); }
-  void settle() override;
-  void discard(const DiscardOrder& order) override;
+  std::optional<TimePoint> tick() override { return small_.tick(loop_.clock().now()); }
+  void syncToDisk() override;
+  void discard(const CleanupTask& order) override;
 
  private:
   // What an attempt has written, and where that is noted.
   struct Rest {
     std::shared_ptr<CPartialFile> file;
-    std::shared_ptr<JobProgress> progress;
+    std::shared_ptr<AttemptProgress> progress;
   };
 
-  void onCheckpoint(JobId job) override { observer_.onAttemptCheckpoint(job); }
-  void onArrived(JobId job, std::uint64_t size) override;
-  void onEnded(JobId job, const AttemptOutcome& outcome) override;
-  bool hasRoom() const override { return requests() < mostAtOnce_; }
+  void onCheckpoint(AttemptId attemptId) override { observer_.onAttemptCheckpoint(attemptId); }
+  void onArrived(AttemptId attemptId, std::uint64_t size) override;
+  void onEnded(AttemptId attemptId, const AttemptOutcome& outcome) override;
+  bool hasRoom() const override { return requests() < maxConcurrent_; }
   std::size_t requests() const;
   void makeRoom();
   void release(std::unique_ptr<CDownloadAttempt> attempt);
-  void landed(const std::vector<AttemptEnd>& ends);
+  void finalized(const std::vector<AttemptEnd>& ends);
 
   CHttpLoop& loop_;
   CWorkerPool& pool_;
   ILog& log_;
   IAttemptObserver& observer_;
-  CLander lander_;
+  CFinalizer finalizer_;
   CChunkPool chunks_;
   CSmallFiles small_;
-  std::size_t mostAtOnce_ = 1;  // requests of all attempts
-  std::unordered_map<JobId, std::unique_ptr<CDownloadAttempt>> attempts_;
+  std::size_t maxConcurrent_ = 1;  // requests of all attempts
+  std::unordered_map<AttemptId, std::unique_ptr<CDownloadAttempt>> attempts_;
   // Those that need the network no more.
-  std::unordered_map<JobId, Rest> landing_;
+  std::unordered_map<AttemptId, Rest> finalizing_;
   std::vector<Rest> stopped_;  // at the end, to be settled
 };
 

@@ -12,7 +12,7 @@ namespace {
 AttemptOutcome diskTrouble(const std::string& reason, std::string_view code) {
   constexpr std::chrono::seconds kUntilItMayBeOver{5};
   AttemptOutcome outcome = AttemptOutcome::retry(reason, code);
-  outcome.blame = AttemptOutcome::Blame::kOutside;
+  outcome.retryBudget = AttemptOutcome::RetryBudget::kFree;
   outcome.retryAfter = kUntilItMayBeOver;
   outcome.sharedTrouble = true;
   return outcome;

@@ -20,113 +20,114 @@ constexpr std::chrono::milliseconds kGatherLimit{4};
 
 }  // namespace
 
-void CLander::land(std::vector<Arrival> arrivals) {
+void CFinalizer::finalize(std::vector<Arrival> arrivals) {
   std::unique_lock lock(mutex_);
   for (Arrival& arrival : arrivals) {
     waiting_.emplace_back(std::move(arrival));
   }
-  if (landing_) {
+  if (finalizing_) {
     if (waiting_.size() >= kWorthASync) {
       enough_.notify_one();
     }
     return;
   }
-  landing_ = true;
+  finalizing_ = true;
   while (!waiting_.empty()) {
     Batch batch = std::exchange(waiting_, {});
     lock.unlock();
-    landAll(batch);
+    finalizeAll(batch);
     batch.clear();
     lock.lock();
     if (!waiting_.empty()) {
       enough_.wait_for(lock, kGatherLimit, [this] { return waiting_.size() >= kWorthASync; });
     }
   }
-  landing_ = false;
+  finalizing_ = false;
 }
 
-void CLander::landAll(Batch& batch) {
-  settleAll(batch);
+void CFinalizer::finalizeAll(Batch& batch) {
+  syncAll(batch);
   noteSynced(batch);
-  for (Landing& landing : batch) {
-    tryStep(landing, [&] {
-      if (!landing.file->discarded()) {
-        landing.file->publish();
+  for (Finalization& finalization : batch) {
+    tryStep(finalization, [&] {
+      if (!finalization.file->discarded()) {
+        finalization.file->publish();
       }
     });
   }
   syncFolders(batch);
-  tell(batch);
+  notify(batch);
 }
 
-void CLander::tell(Batch& batch) {
+void CFinalizer::notify(Batch& batch) {
   std::vector<AttemptEnd> ends;
-  for (Landing& landing : batch) {
-    if (landing.goesOn()) {
-      landing.file->close();
-      ends.push_back({landing.job, std::move(*landing.folderSynced)});
-    } else if (landing.trouble) {
-      ends.push_back({landing.job, std::move(*landing.trouble)});
+  for (Finalization& finalization : batch) {
+    if (finalization.goesOn()) {
+      finalization.file->close();
+      ends.push_back({finalization.attemptId, std::move(*finalization.folderSynced)});
+    } else if (finalization.trouble) {
+      ends.push_back({finalization.attemptId, std::move(*finalization.trouble)});
     }
   }
-  calls_.landed(ends);
+  calls_.finalized(ends);
 }
 
 // Ends the file's landing if the step fails.
 template <typename Step>
-void CLander::tryStep(Landing& landing, Step step) {
-  if (!landing.trouble) {
-    landing.trouble = troubleOf(step);
+void CFinalizer::tryStep(Finalization& finalization, Step step) {
+  if (!finalization.trouble) {
+    finalization.trouble = troubleOf(step);
   }
 }
 
-void CLander::settleAll(Batch& batch) {
+void CFinalizer::syncAll(Batch& batch) {
   const bool together = batch.size() >= kSyncTogetherFrom;
-  for (Landing& landing : batch) {
-    tryStep(landing, [&] { landing.file->settle(!together); });
+  for (Finalization& finalization : batch) {
+    tryStep(finalization, [&] { finalization.file->sync(!together); });
   }
   if (!together) {
     return;
   }
-  for (auto landing = batch.begin(); landing != batch.end(); ++landing) {
-    const bool synced = std::any_of(batch.begin(), landing, [&](const Landing& other) {
-      return other.syncedAll && other.file->sameFileSystem(*landing->file);
+  for (auto finalization = batch.begin(); finalization != batch.end(); ++finalization) {
+    const bool synced = std::any_of(batch.begin(), finalization, [&](const Finalization& other) {
+      return other.syncedAll && other.file->sameFileSystem(*finalization->file);
     });
-    tryStep(*landing, [&] { landing->syncedAll = !synced && landing->file->syncFileSystem(); });
-    tryStep(*landing, [&] { landing->file->checkWritten(); });
+    tryStep(*finalization,
+            [&] { finalization->syncedAll = !synced && finalization->file->syncFileSystem(); });
+    tryStep(*finalization, [&] { finalization->file->checkWritten(); });
   }
 }
 
-void CLander::noteSynced(Batch& batch) {
-  std::vector<JobId> jobs;
-  for (const Landing& landing : batch) {
-    if (landing.goesOn()) {
-      landing.file->noteSynced();
-      landing.progress->setResume(landing.file->resume());
-      jobs.push_back(landing.job);
+void CFinalizer::noteSynced(Batch& batch) {
+  std::vector<AttemptId> attempts;
+  for (const Finalization& finalization : batch) {
+    if (finalization.goesOn()) {
+      finalization.file->noteSynced();
+      finalization.progress->setResume(finalization.file->resume());
+      attempts.push_back(finalization.attemptId);
     }
   }
-  calls_.synced(jobs);
+  calls_.synced(attempts);
 }
 
 // Once for each folder, as a second sync may not tell any more that the first one has failed.
-void CLander::syncFolders(Batch& batch) {
-  for (auto landing = batch.begin(); landing != batch.end(); ++landing) {
-    if (!landing->goesOn()) {
+void CFinalizer::syncFolders(Batch& batch) {
+  for (auto finalization = batch.begin(); finalization != batch.end(); ++finalization) {
+    if (!finalization->goesOn()) {
       continue;
     }
-    const auto same = std::find_if(batch.begin(), landing, [&](const Landing& other) {
-      return other.folderSynced && other.file->sameFolder(*landing->file);
+    const auto same = std::find_if(batch.begin(), finalization, [&](const Finalization& other) {
+      return other.folderSynced && other.file->sameFolder(*finalization->file);
     });
-    if (same != landing) {
-      landing->folderSynced = same->folderSynced;
+    if (same != finalization) {
+      finalization->folderSynced = same->folderSynced;
       continue;
     }
     try {
-      landing->file->syncFolder();
-      landing->folderSynced = AttemptOutcome::done();
+      finalization->file->syncFolder();
+      finalization->folderSynced = AttemptOutcome::done();
     } catch (const std::exception& error) {
-      landing->folderSynced = AttemptOutcome::retry(
+      finalization->folderSynced = AttemptOutcome::retry(
           "the file is there, but its name may not last: " + std::string(error.what()));
     }
   }

@@ -21,28 +21,28 @@ namespace zt_transfers {
 // final name and does not rename it a second time.
 //
 // Thread: any of the pool's. The one that finds nobody at it does the work.
-class CLander {
+class CFinalizer {
  public:
   struct Arrival {
-    JobId job = 0;
+    AttemptId attemptId = 0;
     std::shared_ptr<CPartialFile> file;
-    std::shared_ptr<JobProgress> progress;
+    std::shared_ptr<AttemptProgress> progress;
   };
   // Called on the pool.
-  struct Calls {
+  struct Dependencies {
     // See IAttemptObserver::keepDurably.
-    std::function<void(const std::vector<JobId>& jobs)> synced;
+    std::function<void(const std::vector<AttemptId>& attempts)> synced;
     // Not for a file that was discarded.
-    std::function<void(const std::vector<AttemptEnd>& ends)> landed;
+    std::function<void(const std::vector<AttemptEnd>& ends)> finalized;
   };
 
-  explicit CLander(Calls calls) : calls_(std::move(calls)) {}
+  explicit CFinalizer(Dependencies calls) : calls_(std::move(calls)) {}
 
-  void land(std::vector<Arrival> arrivals);
+  void finalize(std::vector<Arrival> arrivals);
 
  private:
-  struct Landing : Arrival {
-    explicit Landing(Arrival arrival) : Arrival(std::move(arrival)) {}
+  struct Finalization : Arrival {
+    explicit Finalization(Arrival arrival) : Arrival(std::move(arrival)) {}
 
     bool syncedAll = false;  // its sync was one of the whole file system
     // Why it goes no further, or how the sync of its folder went.
@@ -51,22 +51,22 @@ class CLander {
 
     bool goesOn() const { return !trouble && !file->discarded(); }
   };
-  using Batch = std::vector<Landing>;
+  using Batch = std::vector<Finalization>;
 
-  void landAll(Batch& batch);
+  void finalizeAll(Batch& batch);
   template <typename Step>
-  static void tryStep(Landing& landing, Step step);
-  static void settleAll(Batch& batch);
+  static void tryStep(Finalization& finalization, Step step);
+  static void syncAll(Batch& batch);
   void noteSynced(Batch& batch);
   static void syncFolders(Batch& batch);
-  void tell(Batch& batch);
+  void notify(Batch& batch);
 
-  const Calls calls_;
+  const Dependencies calls_;
   std::mutex mutex_;
   std::condition_variable enough_;
   // Guarded by mutex_.
   Batch waiting_;
-  bool landing_ = false;
+  bool finalizing_ = false;
 };
 
 }  // namespace zt_transfers

@@ -7,11 +7,11 @@ namespace zt_transfers {
 namespace {
 
 // At once, so that an end does not have to wait for it.
-constexpr std::uint64_t kMostReadBack = 16ULL * 1024 * 1024;
+constexpr std::uint64_t kMaxReadBack = 16ULL * 1024 * 1024;
 
 }  // namespace
 
-bool CHashLine::add(std::vector<Chunk>& chunks, std::uint64_t end) {
+bool CHashQueue::add(std::vector<Chunk>& chunks, std::uint64_t end) {
   const std::lock_guard lock(mutex_);
   if (closed_) {
     return false;
@@ -35,7 +35,7 @@ bool CHashLine::add(std::vector<Chunk>& chunks, std::uint64_t end) {
 }
 
 // All that is in memory, or a part of what is to be read back.
-CHashLine::Pieces CHashLine::take() {
+CHashQueue::Pieces CHashQueue::take() {
   const std::lock_guard lock(mutex_);
   Pieces pieces;
   while (!waiting_.empty() && waiting_.front().inMemory()) {
@@ -44,7 +44,7 @@ CHashLine::Pieces CHashLine::take() {
   }
   if (pieces.empty() && !waiting_.empty()) {
     const std::uint64_t end = waiting_.front().end;
-    pieces.push_back({{}, std::min(end, taken_ + kMostReadBack)});
+    pieces.push_back({{}, std::min(end, taken_ + kMaxReadBack)});
     if (pieces.back().end == end) {
       waiting_.pop_front();
     }
@@ -55,29 +55,29 @@ CHashLine::Pieces CHashLine::take() {
   return pieces;
 }
 
-bool CHashLine::done() {
+bool CHashQueue::done() {
   const std::lock_guard lock(mutex_);
   atWork_ = !waiting_.empty();
   return atWork_;
 }
 
-bool CHashLine::idle() const {
+bool CHashQueue::idle() const {
   const std::lock_guard lock(mutex_);
   return !atWork_ && waiting_.empty();
 }
 
-std::list<CHashLine::Piece> CHashLine::clear() {
+std::list<CHashQueue::Piece> CHashQueue::clear() {
   const std::lock_guard lock(mutex_);
   return std::exchange(waiting_, {});
 }
 
-void CHashLine::close() {
+void CHashQueue::close() {
   const std::lock_guard lock(mutex_);
   closed_ = true;
   waiting_.clear();
 }
 
-void CHashLine::restart() {
+void CHashQueue::restart() {
   const std::lock_guard lock(mutex_);
   waiting_.clear();
   lined_ = 0;

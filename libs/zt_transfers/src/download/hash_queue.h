@@ -14,7 +14,7 @@ namespace zt_transfers {
 // memory would be held up.
 //
 // Thread: any.
-class CHashLine {
+class CHashQueue {
  public:
   // Bytes up to `end` that follow those before; without a chunk they are read back.
   struct Piece {

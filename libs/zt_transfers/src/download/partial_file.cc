@@ -8,12 +8,12 @@
 #include <cerrno>
 #include <system_error>
 
+#include "base/file_status.h"
+#include "base/system_failure.h"
 #include "download/file_trouble.h"
 #include "download/new_folders.h"
 #include "download/reserve_room.h"
 #include "download/target_folder.h"
-#include "base/file_status.h"
-#include "base/system_failure.h"
 
 namespace zt_transfers {
 namespace {
@@ -72,9 +72,9 @@ CPartialFile::Found CPartialFile::reopen(const DownloadResume& resume) {
     return Found::kNothing;
   }
   CUniqueFd file = place_.reopen(resume);
-  if (!file.valid() && place_.hasLanded(resume)) {
+  if (!file.valid() && place_.isFinalized(resume)) {
     place_.syncFolder();
-    return Found::kLanded;
+    return Found::kFinalized;
   }
   resume_ = {};
   if (!file.valid()) {
@@ -203,7 +203,7 @@ std::string CPartialFile::digest(std::uint64_t size) {
   return digest;
 }
 
-void CPartialFile::settle(bool alone) {
+void CPartialFile::sync(bool alone) {
   if (plan_.modified != 0) {
     constexpr std::uint64_t kMilliseconds = 1000;
     constexpr long kNanoseconds = 1'000'000;

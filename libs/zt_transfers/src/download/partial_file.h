@@ -7,11 +7,11 @@
 #include <string>
 #include <utility>
 
+#include "base/unique_fd.h"
 #include "download/content_hash.h"
 #include "download/partial_place.h"
 #include "download/target_path.h"
 #include "engine/download_resume.h"
-#include "base/unique_fd.h"
 
 namespace zt_transfers {
 
@@ -30,7 +30,7 @@ class CPartialFile {
     std::uint64_t modified = 0;  // milliseconds since 1970; 0: none
     std::string md5;             // lower-case hexadecimal; empty: not to be checked
   };
-  enum class Found { kNothing, kPartial, kLanded };
+  enum class Found { kNothing, kPartial, kFinalized };
 
   explicit CPartialFile(Plan plan)
       : plan_(std::move(plan)), place_(plan_.folder, plan_.target, plan_.key) {}
@@ -38,7 +38,7 @@ class CPartialFile {
   CPartialFile(const CPartialFile&) = delete;
   CPartialFile& operator=(const CPartialFile&) = delete;
 
-  // Goes on with what is left of an earlier attempt. kLanded: it has its final name already, and
+  // Goes on with what is left of an earlier attempt. kFinalized: it has its final name already, and
   // that is durable. When it throws, what is left can still be gone on with.
   Found reopen(const DownloadResume& resume);
   // Writes; the first time, or after `restart`, into an empty file.
@@ -64,7 +64,7 @@ class CPartialFile {
   // Nothing when the content is what it should be, else what is wrong.
   std::optional<std::string> verify(std::uint64_t size);
   // Sets its times; with `alone` it becomes durable, with all new folders of its file system.
-  void settle(bool alone);
+  void sync(bool alone);
   // What is written is durable, whoever made it so.
   void noteSynced();
   // All of what has been written to its file system becomes durable, with new folders; false, and

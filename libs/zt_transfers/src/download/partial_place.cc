@@ -10,18 +10,18 @@
 #include <thread>
 #include <utility>
 
-#include "download/counted_name.h"
-#include "download/publish.h"
 #include "base/file_status.h"
 #include "base/system_failure.h"
+#include "download/counted_name.h"
+#include "download/publish.h"
 
 namespace zt_transfers {
 namespace {
 
 constexpr mode_t kAllThatTheUmaskLeaves = 0666;
 constexpr int kOpenPartial = O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
-constexpr int kMostNames = 16;
-constexpr unsigned kMostCounted = 10'000;
+constexpr int kMaxNames = 16;
+constexpr unsigned kMaxCounted = 10'000;
 
 bool tryLock(int file) {
   return ::flock(file, LOCK_EX | LOCK_NB) == 0;
@@ -104,7 +104,7 @@ CUniqueFd CPartialPlace::reopen(const DownloadResume& resume) {
 }
 
 CUniqueFd CPartialPlace::make() {
-  for (int number = 0; number < kMostNames; ++number) {
+  for (int number = 0; number < kMaxNames; ++number) {
     const std::string name = partialName(target_.name, key_ + '\0' + std::to_string(number));
     CUniqueFd file(::openat(folder_.get(), name.c_str(), kOpenPartial | O_CREAT | O_EXCL,
                             kAllThatTheUmaskLeaves));
@@ -142,12 +142,12 @@ CUniqueFd CPartialPlace::takeExisting(const std::string& name) {
   return file;
 }
 
-bool CPartialPlace::hasLanded(const DownloadResume& resume) const {
+bool CPartialPlace::isFinalized(const DownloadResume& resume) const {
   const auto isWhole = [&](std::uint64_t size) {
     return resume.size == DownloadResume::kUnknown ? size >= lengthOf(resume.written)
                                                    : size == resume.size;
   };
-  for (unsigned count = 0; count <= kMostCounted; ++count) {
+  for (unsigned count = 0; count <= kMaxCounted; ++count) {
     struct stat status {};
     const std::string name = countedName(target_.name, count);
     if (::fstatat(folder_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {

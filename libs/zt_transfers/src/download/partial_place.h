@@ -6,10 +6,10 @@
 #include <stdexcept>
 #include <string>
 
+#include "base/unique_fd.h"
 #include "download/target_folder.h"
 #include "download/target_path.h"
 #include "engine/download_resume.h"
-#include "base/unique_fd.h"
 
 namespace zt_transfers {
 
@@ -43,7 +43,7 @@ class CPartialPlace {
   CUniqueFd make();
   // A program that ended between the renaming and the note of it left its file under its final
   // name.
-  bool hasLanded(const DownloadResume& resume) const;
+  bool isFinalized(const DownloadResume& resume) const;
   // Gives the file its final name, and gives that.
   std::string publish();
   void unlink();

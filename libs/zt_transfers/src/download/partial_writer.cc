@@ -12,7 +12,7 @@ namespace {
 
 // What a power cut may cost, unless the disk is slower still.
 constexpr std::uint64_t kCheckpointBytes = 64ULL * 1024 * 1024;
-constexpr std::uint64_t kCheckpointLeast = 1024 * 1024;
+constexpr std::uint64_t kMinCheckpoint = 1024 * 1024;
 constexpr std::chrono::seconds kCheckpointInterval{5};
 
 std::uint64_t withoutGap(const DownloadResume& resume) {
@@ -22,14 +22,14 @@ std::uint64_t withoutGap(const DownloadResume& resume) {
 
 }  // namespace
 
-CPartialWriter::CPartialWriter(const Surroundings& surroundings, JobId job,
+CPartialWriter::CPartialWriter(const Dependencies& dependencies, AttemptId attemptId,
                                std::shared_ptr<CPartialFile> file,
-                               std::shared_ptr<JobProgress> progress, IListener& listener)
-    : loop_(surroundings.loop),
-      pool_(surroundings.pool),
-      chunks_(surroundings.chunks),
-      observer_(surroundings.observer),
-      job_(job),
+                               std::shared_ptr<AttemptProgress> progress, IListener& listener)
+    : loop_(dependencies.loop),
+      pool_(dependencies.pool),
+      chunks_(dependencies.chunks),
+      observer_(dependencies.observer),
+      attemptId_(attemptId),
       file_(std::move(file)),
       progress_(std::move(progress)),
       listener_(&listener) {}
@@ -43,7 +43,7 @@ void CPartialWriter::restart(const std::string& validator, std::uint64_t size) {
   for (Chunk& chunk : std::exchange(batch_.chunks, {})) {
     recycle(std::move(chunk));
   }
-  for (CHashLine::Piece& piece : line_.clear()) {
+  for (CHashQueue::Piece& piece : hashQueue_.clear()) {
     recycle(std::move(piece.chunk));
   }
   batch_.restart = {validator, size};
@@ -68,18 +68,18 @@ void CPartialWriter::add(Chunk chunk) {
 void CPartialWriter::close() {
   listener_ = nullptr;
   if (!batch_.last) {
-    line_.close();  // who goes on with the file begins to hash anew
+    hashQueue_.close();  // who goes on with the file begins to hash anew
   }
   post();
 }
 
-std::optional<CPartialWriter::Whole> CPartialWriter::takeWhole() {
+std::optional<CPartialWriter::CompleteBody> CPartialWriter::takeCompleteBody() {
   const bool isWhole = !begun_ && batch_.restart && !batch_.reopen && batch_.chunks.size() <= 1 &&
                        (batch_.chunks.empty() || batch_.chunks.front().offset == 0);
   if (!isWhole) {
     return std::nullopt;
   }
-  Whole whole{.validator = std::move(batch_.restart->validator), .content = {}};
+  CompleteBody whole{.validator = std::move(batch_.restart->validator), .content = {}};
   if (!batch_.chunks.empty()) {
     whole.content = std::move(batch_.chunks.front());
   }
@@ -105,7 +105,7 @@ bool CPartialWriter::mayWrite() const {
   if (writing_ || batch_.empty() || (trouble_ && !batch_.last)) {
     return false;
   }
-  return !batch_.alone() || (!syncing_ && line_.idle());
+  return !batch_.alone() || (!syncing_ && hashQueue_.idle());
 }
 
 // Every job holds this writer, so that what was handed over gets written when nobody waits for it.
@@ -115,7 +115,7 @@ void CPartialWriter::postWrite() {
   batch_.trouble = trouble_;
   auto batch = std::make_shared<Batch>(std::exchange(batch_, {}));
   if (batch->restart) {
-    line_.restart();
+    hashQueue_.restart();
     written_ = durable_ = 0;
   }
   pool_.post([self = shared_from_this(), batch] {
@@ -150,7 +150,7 @@ CPartialWriter::Written CPartialWriter::work(Batch& batch) {
   if (batch.last) {
     batch.last(file_, written.trouble);
   } else if (!written.trouble && file_->open() && file_->hashes() &&
-             line_.add(written.chunks, withoutGap(written.resume))) {
+             hashQueue_.add(written.chunks, withoutGap(written.resume))) {
     postHash();
   }
   return written;
@@ -186,18 +186,18 @@ bool CPartialWriter::withdraw() {
   nothing.written.clear();
   nothing.durable.clear();
   progress_->setResume(nothing);
-  if (!observer_.onAttemptCheckpoint(job_)) {
+  if (!observer_.onAttemptCheckpoint(attemptId_)) {
     return false;
   }
-  observer_.keepDurably({job_});
+  observer_.keepDurably({attemptId_});
   return true;
 }
 
 // One turn of the hash, which sees to the next one by itself: the network thread may be busy.
 void CPartialWriter::hashNext() {
-  auto pieces = std::make_shared<CHashLine::Pieces>(line_.take());
+  auto pieces = std::make_shared<CHashQueue::Pieces>(hashQueue_.take());
   const auto trouble = troubleOf([&] {
-    for (const CHashLine::Piece& piece : *pieces) {
+    for (const CHashQueue::Piece& piece : *pieces) {
       if (piece.inMemory()) {
         file_->hash(piece.chunk.data.get(), piece.chunk.size);
       } else {
@@ -206,9 +206,9 @@ void CPartialWriter::hashNext() {
     }
   });
   if (trouble) {
-    line_.close();
+    hashQueue_.close();
   }
-  if (line_.done()) {
+  if (hashQueue_.done()) {
     postHash();
   }
   loop_.post([self = shared_from_this(), pieces, trouble] { self->takeHashed(*pieces, trouble); });
@@ -247,9 +247,9 @@ void CPartialWriter::take(Written& written) {
   }
 }
 
-void CPartialWriter::takeHashed(CHashLine::Pieces& pieces,
+void CPartialWriter::takeHashed(CHashQueue::Pieces& pieces,
                                 const std::optional<AttemptOutcome>& trouble) {
-  for (CHashLine::Piece& piece : pieces) {
+  for (CHashQueue::Piece& piece : pieces) {
     recycle(std::move(piece.chunk));
   }
   if (trouble) {
@@ -277,7 +277,7 @@ void CPartialWriter::takeSynced(const std::optional<AttemptOutcome>& trouble) {
 
 void CPartialWriter::fail(const AttemptOutcome& trouble) {
   trouble_ = trouble;
-  line_.close();
+  hashQueue_.close();
   post();
   if (listener_ != nullptr) {
     listener_->onWriterFailed(trouble);
@@ -287,7 +287,7 @@ void CPartialWriter::fail(const AttemptOutcome& trouble) {
 bool CPartialWriter::checkpointDue() const {
   const std::uint64_t since = written_ - std::min(written_, durable_);
   return since >= kCheckpointBytes ||
-         (since >= kCheckpointLeast &&
+         (since >= kMinCheckpoint &&
           std::chrono::steady_clock::now() - syncedAt_ >= kCheckpointInterval);
 }
 

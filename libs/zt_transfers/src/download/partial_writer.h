@@ -8,12 +8,12 @@
 #include <string>
 #include <vector>
 
+#include "base/worker_pool.h"
 #include "download/chunk_pool.h"
 #include "download/hash_queue.h"
 #include "download/partial_file.h"
 #include "engine/attempt.h"
 #include "http/http_loop.h"
-#include "base/worker_pool.h"
 
 namespace zt_transfers {
 
@@ -49,15 +49,16 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
                                   const std::optional<AttemptOutcome>& trouble)>;
 
   // All must outlive the loop's and the pool's threads.
-  struct Surroundings {
+  struct Dependencies {
     CHttpLoop& loop;
     CWorkerPool& pool;
     CChunkPool& chunks;
     IAttemptObserver& observer;
   };
 
-  CPartialWriter(const Surroundings& surroundings, JobId job, std::shared_ptr<CPartialFile> file,
-                 std::shared_ptr<JobProgress> progress, IListener& listener);
+  CPartialWriter(const Dependencies& dependencies, AttemptId attemptId,
+                 std::shared_ptr<CPartialFile> file, std::shared_ptr<AttemptProgress> progress,
+                 IListener& listener);
 
   void close();
   const std::shared_ptr<CPartialFile>& file() const { return file_; }
@@ -73,21 +74,21 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   void write(Chunk chunk);
   // The same without hurry: something else follows at once.
   void add(Chunk chunk);
-  bool full() const { return held_ >= kMostHeld; }
+  bool full() const { return held_ >= kMaxHeld; }
   bool idle() const { return !writing_ && batch_.empty(); }
   // Nothing may follow. Closes.
   void finish(Last last);
   // Instead of `finish`, where all of the file is in one chunk and nothing was written yet:
   // somebody else sees to that. Closes.
-  struct Whole {
+  struct CompleteBody {
     std::string validator;
     Chunk content;
   };
-  std::optional<Whole> takeWhole();
+  std::optional<CompleteBody> takeCompleteBody();
 
  private:
   // Bytes handed over and not done with.
-  static constexpr std::size_t kMostHeld = 2 * CChunkPool::kLargest;
+  static constexpr std::size_t kMaxHeld = 2 * CChunkPool::kLargest;
 
   // What the next job that writes does, in this order.
   struct Batch {
@@ -125,7 +126,7 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   void hashNext();
 
   void take(Written& written);
-  void takeHashed(CHashLine::Pieces& pieces, const std::optional<AttemptOutcome>& trouble);
+  void takeHashed(CHashQueue::Pieces& pieces, const std::optional<AttemptOutcome>& trouble);
   void takeSynced(const std::optional<AttemptOutcome>& trouble);
   bool checkpointDue() const;
   void recycle(Chunk chunk);
@@ -135,10 +136,10 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   CWorkerPool& pool_;
   CChunkPool& chunks_;
   IAttemptObserver& observer_;
-  const JobId job_;
+  const AttemptId attemptId_;
   const std::shared_ptr<CPartialFile> file_;  // used by one job of each kind at a time
-  const std::shared_ptr<JobProgress> progress_;
-  CHashLine line_;
+  const std::shared_ptr<AttemptProgress> progress_;
+  CHashQueue hashQueue_;
   IListener* listener_;
 
   Batch batch_;

@@ -8,13 +8,13 @@
 #include <cerrno>
 #include <system_error>
 
-#include "download/counted_name.h"
 #include "base/unique_fd.h"
+#include "download/counted_name.h"
 
 namespace zt_transfers {
 namespace {
 
-constexpr unsigned kMostCounted = 10'000;
+constexpr unsigned kMaxCounted = 10'000;
 
 bool renameWithoutReplacing(int folder, const char* from, const char* to) {
 #if defined(__APPLE__)
@@ -24,7 +24,7 @@ bool renameWithoutReplacing(int folder, const char* from, const char* to) {
 #endif
 }
 
-bool notOffered(int error) {
+bool unsupported(int error) {
   return error == EINVAL || error == ENOSYS || error == ENOTSUP || error == EPERM;
 }
 
@@ -58,16 +58,16 @@ bool move(int folder, const char* from, const char* to) {
   if (renameWithoutReplacing(folder, from, to)) {
     return true;
   }
-  if (notOffered(errno) && linkAndUnlink(folder, from, to)) {
+  if (unsupported(errno) && linkAndUnlink(folder, from, to)) {
     return true;
   }
-  return notOffered(errno) && replaceOwnPlaceholder(folder, from, to);
+  return unsupported(errno) && replaceOwnPlaceholder(folder, from, to);
 }
 
 }  // namespace
 
 std::string publish(int folder, const std::string& partial, const std::string& name) {
-  for (unsigned count = 0; count <= kMostCounted; ++count) {
+  for (unsigned count = 0; count <= kMaxCounted; ++count) {
     std::string candidate = countedName(name, count);
     if (move(folder, partial.c_str(), candidate.c_str())) {
       return candidate;

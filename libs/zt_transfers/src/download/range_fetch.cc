@@ -4,38 +4,38 @@
 #include <cstring>
 #include <utility>
 
-#include "http/redirect.h"
 #include "base/url_parts.h"
+#include "http/redirect.h"
 
 namespace zt_transfers {
 namespace {
 
-constexpr int kMostRedirects = 5;
+constexpr int kMaxRedirects = 5;
 
 // What a pause or a broken connection may cost on a slow line.
 constexpr std::chrono::milliseconds kLongestInChunk{500};
 
-std::string rangeText(const FetchAsk& ask) {
+std::string rangeText(const RangeRequest& rangeRequest) {
   // The header names the last byte.
-  const std::string last = ask.end ? std::to_string(*ask.end - 1) : "";
-  return "bytes=" + std::to_string(ask.begin) + "-" + last;
+  const std::string last = rangeRequest.end ? std::to_string(*rangeRequest.end - 1) : "";
+  return "bytes=" + std::to_string(rangeRequest.begin) + "-" + last;
 }
 
 }  // namespace
 
-CRangeFetch::CRangeFetch(const Surroundings& surroundings, HttpRequest request, FetchAsk ask,
-                         std::uint64_t most)
-    : loop_(surroundings.loop),
-      log_(surroundings.log),
-      writer_(surroundings.writer),
-      progress_(surroundings.progress),
-      listener_(surroundings.listener),
+CRangeFetch::CRangeFetch(const Dependencies& dependencies, HttpRequest request,
+                         RangeRequest rangeRequest, std::uint64_t most)
+    : loop_(dependencies.loop),
+      log_(dependencies.log),
+      writer_(dependencies.writer),
+      progress_(dependencies.progress),
+      listener_(dependencies.listener),
       request_(std::move(request)),
-      ask_(std::move(ask)),
-      most_(most),
+      rangeRequest_(std::move(rangeRequest)),
+      max_(most),
       url_(request_.url),
-      position_(ask_.begin),
-      stop_(ask_.end.value_or(kNoEnd)) {
+      position_(rangeRequest_.begin),
+      stop_(rangeRequest_.end.value_or(kNoEnd)) {
   send();
   loop_.throttle().enter(*this);
 }
@@ -49,31 +49,31 @@ CRangeFetch::~CRangeFetch() {
 void CRangeFetch::send() {
   HttpRequest request = request_;
   request.url = url_;
-  if (ask_.ranged) {
-    request.headers.emplace_back("Range", rangeText(ask_));
-    if (!ask_.validator.empty()) {
-      request.headers.emplace_back("If-Range", ask_.validator);
+  if (rangeRequest_.ranged) {
+    request.headers.emplace_back("Range", rangeText(rangeRequest_));
+    if (!rangeRequest_.validator.empty()) {
+      request.headers.emplace_back("If-Range", rangeRequest_.validator);
     }
   }
   exchange_.reset();
   exchange_ =
       std::make_unique<CHttpExchange>(loop_, request, static_cast<IHttpSink&>(*this),
-                                      [this](const HttpAnswer& answer) { judgeEnd(answer); });
+                                      [this](const HttpResponse& response) { judgeEnd(response); });
 }
 
-void CRangeFetch::judgeEnd(const HttpAnswer& answer) {
-  if (answer.code == CURLE_OK && isRedirect(answer.status) && followRedirect(answer)) {
+void CRangeFetch::judgeEnd(const HttpResponse& response) {
+  if (response.code == CURLE_OK && isRedirect(response.status) && followRedirect(response)) {
     return;
   }
-  if (!plan_ && answer.status != 0) {
-    begin(answer);  // there was no body
+  if (!plan_ && response.status != 0) {
+    begin(response);  // there was no body
   }
-  listener_.onFetched(*this, answer);
+  listener_.onFetched(*this, response);
 }
 
-bool CRangeFetch::followRedirect(const HttpAnswer& answer) {
-  const auto target = redirectTarget(url_, answer);
-  if (!target || redirects_ == kMostRedirects) {
+bool CRangeFetch::followRedirect(const HttpResponse& response) {
+  const auto target = redirectTarget(url_, response);
+  if (!target || redirects_ == kMaxRedirects) {
     return false;
   }
   ++redirects_;
@@ -97,23 +97,23 @@ void CRangeFetch::add() {
   }
 }
 
-bool CRangeFetch::begin(const HttpAnswer& head) {
-  plan_ = planAnswer(head, ask_);
+bool CRangeFetch::begin(const HttpResponse& head) {
+  plan_ = planResponse(head, rangeRequest_);
   wanted_ = listener_.onHead(*this, *plan_) && plan_->kind == FetchPlan::Kind::kBody;
   if (wanted_) {
     position_ = plan_->begin;
-    end_ = plan_->end.value_or(most_);
+    end_ = plan_->end.value_or(max_);
     stop_ = plan_->partial ? stop_ : kNoEnd;
   }
   return wanted_;
 }
 
-IHttpSink::Write CRangeFetch::write(const HttpAnswer& head, const char* data, std::size_t size) {
+IHttpSink::Write CRangeFetch::write(const HttpResponse& head, const char* data, std::size_t size) {
   if (!plan_) {
     begin(head);
   }
   if (!wanted_) {
-    return Write::kToAnswer;
+    return Write::kToResponse;
   }
   if (size > end_ - position_) {
     tooLong_ = true;

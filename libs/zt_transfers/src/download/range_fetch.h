@@ -6,12 +6,12 @@
 #include <optional>
 #include <string>
 
-#include "download/response_plan.h"
+#include "base/log.h"
 #include "download/partial_writer.h"
+#include "download/response_plan.h"
 #include "engine/attempt.h"
 #include "http/http_exchange.h"
 #include "http/throttle.h"
-#include "base/log.h"
 
 namespace zt_transfers {
 
@@ -26,16 +26,16 @@ class CRangeFetch final : public IHttpSink, public CThrottle::IUser {
     // The head of the answer is there: whether its body is wanted. Must destroy nothing.
     virtual bool onHead(CRangeFetch& fetch, const FetchPlan& plan) = 0;
     // The answer has ended. May destroy the fetch.
-    virtual void onFetched(CRangeFetch& fetch, const HttpAnswer& answer) = 0;
+    virtual void onFetched(CRangeFetch& fetch, const HttpResponse& response) = 0;
 
    protected:
     ~IListener() = default;
   };
-  struct Surroundings {
+  struct Dependencies {
     CHttpLoop& loop;
     ILog& log;
     CPartialWriter& writer;
-    JobProgress& progress;
+    AttemptProgress& progress;
     IListener& listener;
   };
 
@@ -43,7 +43,7 @@ class CRangeFetch final : public IHttpSink, public CThrottle::IUser {
 
   // Asks with this request, to which the ask adds its headers; the file has `most` bytes at most.
   // Throws std::invalid_argument when it cannot be sent.
-  CRangeFetch(const Surroundings& surroundings, HttpRequest request, FetchAsk ask,
+  CRangeFetch(const Dependencies& dependencies, HttpRequest request, RangeRequest rangeRequest,
               std::uint64_t most);
   ~CRangeFetch();
   CRangeFetch(const CRangeFetch&) = delete;
@@ -57,7 +57,7 @@ class CRangeFetch final : public IHttpSink, public CThrottle::IUser {
   // Ends at `end`, before what was asked for does; somebody else fetches the rest.
   void stopAt(std::uint64_t end) { stop_ = end; }
 
-  const FetchAsk& ask() const { return ask_; }
+  const RangeRequest& rangeRequest() const { return rangeRequest_; }
   // Once the head is there.
   const std::optional<FetchPlan>& plan() const { return plan_; }
   // Its body is bytes of the file.
@@ -71,10 +71,10 @@ class CRangeFetch final : public IHttpSink, public CThrottle::IUser {
 
  private:
   void send();
-  void judgeEnd(const HttpAnswer& answer);
-  bool followRedirect(const HttpAnswer& answer);
-  bool begin(const HttpAnswer& head);
-  Write write(const HttpAnswer& head, const char* data, std::size_t size) override;
+  void judgeEnd(const HttpResponse& response);
+  bool followRedirect(const HttpResponse& response);
+  bool begin(const HttpResponse& head);
+  Write write(const HttpResponse& head, const char* data, std::size_t size) override;
   void onThrottleOpen() override { exchange_->resumeBody(); }
   bool allowed(std::size_t size);
   void take(const char* data, std::size_t size);
@@ -82,11 +82,11 @@ class CRangeFetch final : public IHttpSink, public CThrottle::IUser {
   CHttpLoop& loop_;
   ILog& log_;
   CPartialWriter& writer_;
-  JobProgress& progress_;
+  AttemptProgress& progress_;
   IListener& listener_;
   const HttpRequest request_;
-  const FetchAsk ask_;
-  const std::uint64_t most_;
+  const RangeRequest rangeRequest_;
+  const std::uint64_t max_;
   std::string url_;  // where it is asked for now; changes with a redirect
   int redirects_ = 0;
 

@@ -10,13 +10,13 @@ namespace {
 constexpr std::uint64_t kMebibyte = 1024 * 1024;
 
 // Small enough that the hash, which goes through the file in order, does not fall far behind.
-constexpr std::uint64_t kLeastPiece = 8 * kMebibyte;
-constexpr std::uint64_t kMostPiece = 32 * kMebibyte;
+constexpr std::uint64_t kMinPiece = 8 * kMebibyte;
+constexpr std::uint64_t kMaxPiece = 32 * kMebibyte;
 constexpr std::uint64_t kPieces = 8;
 
 }  // namespace
 
-void CMissingBytes::takeUp(const DownloadResume& resume, const ByteSpans& there) {
+void CRangePlanner::takeUp(const DownloadResume& resume, const ByteSpans& there) {
   begun_ = true;
   validator_ = resume.validator;
   if (resume.size != DownloadResume::kUnknown) {
@@ -25,19 +25,19 @@ void CMissingBytes::takeUp(const DownloadResume& resume, const ByteSpans& there)
   missing_ = missingSpans(there, size_.value_or(kNoEnd));
 }
 
-void CMissingBytes::forgetVersion() {
+void CRangePlanner::forgetVersion() {
   begun_ = false;
   validator_.clear();
   size_.reset();
   missing_ = {{0, kNoEnd}};
 }
 
-void CMissingBytes::noteServer(const FetchAsk& ask, const FetchPlan& plan) {
+void CRangePlanner::noteServer(const RangeRequest& rangeRequest, const FetchPlan& plan) {
   offersRanges_ = plan.offersRanges;
-  refusesRanges_ = refusesRanges_ || (ask.ranged && !plan.partial);
+  refusesRanges_ = refusesRanges_ || (rangeRequest.ranged && !plan.partial);
 }
 
-void CMissingBytes::beginVersion(const FetchPlan& plan, ByteSpan fetched) {
+void CRangePlanner::beginVersion(const FetchPlan& plan, ByteSpan fetched) {
   begun_ = true;
   validator_ = plan.validator;
   size_.reset();
@@ -45,7 +45,7 @@ void CMissingBytes::beginVersion(const FetchPlan& plan, ByteSpan fetched) {
   missing_ = plan.partial ? missingSpans({within(fetched)}, size_.value_or(kNoEnd)) : ByteSpans();
 }
 
-void CMissingBytes::noteSize(const FetchPlan& plan) {
+void CRangePlanner::noteSize(const FetchPlan& plan) {
   if (plan.size) {
     size_ = plan.size;
   } else if (plan.partial && file_.size != 0) {
@@ -53,41 +53,41 @@ void CMissingBytes::noteSize(const FetchPlan& plan) {
   }
 }
 
-bool CMissingBytes::takesPieces() const {
+bool CRangePlanner::takesPieces() const {
   const std::uint64_t size = expectedSize();
   return offersRanges_ && !refusesRanges_ && size != 0 && size >= file_.piecesFrom &&
          (!begun_ || isExact(validator_));
 }
 
-std::uint64_t CMissingBytes::pieceSize() const {
+std::uint64_t CRangePlanner::pieceSize() const {
   return file_.pieceSize != 0 ? file_.pieceSize
-                              : std::clamp(expectedSize() / kPieces, kLeastPiece, kMostPiece);
+                              : std::clamp(expectedSize() / kPieces, kMinPiece, kMaxPiece);
 }
 
-FetchAsk CMissingBytes::take() {
+RangeRequest CRangePlanner::take() {
   // Without a name for the version nobody can tell whether the rest would be of the same.
   if (begun_ && validator_.empty()) {
     forgetVersion();
   }
   const ByteSpan span = takeFirst(missing_, takesPieces() ? pieceSize() : kNoEnd);
-  FetchAsk ask;
-  ask.begin = span.begin;
-  ask.ranged = begun_ || takesPieces();
+  RangeRequest rangeRequest;
+  rangeRequest.begin = span.begin;
+  rangeRequest.ranged = begun_ || takesPieces();
   if (begun_) {
-    ask.validator = validator_;
-    ask.size = size_;
+    rangeRequest.validator = validator_;
+    rangeRequest.size = size_;
   }
-  if (ask.ranged && span.end != size_.value_or(kNoEnd)) {
-    ask.end = span.end;
+  if (rangeRequest.ranged && span.end != size_.value_or(kNoEnd)) {
+    rangeRequest.end = span.end;
   }
-  return ask;
+  return rangeRequest;
 }
 
-void CMissingBytes::giveBack(ByteSpan span) {
+void CRangePlanner::giveBack(ByteSpan span) {
   addSpan(missing_, within(span));
 }
 
-ByteSpan CMissingBytes::within(ByteSpan span) const {
+ByteSpan CRangePlanner::within(ByteSpan span) const {
   return {span.begin, std::max(span.begin, std::min(span.end, size_.value_or(kNoEnd)))};
 }
 

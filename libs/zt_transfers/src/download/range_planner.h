@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "download/response_plan.h"
 #include "download/range_fetch.h"
+#include "download/response_plan.h"
 #include "engine/download_resume.h"
 
 namespace zt_transfers {
@@ -14,7 +14,7 @@ namespace zt_transfers {
 // asked for. A large file from a server that does ranges is fetched in pieces.
 //
 // Thread: one at a time.
-class CMissingBytes {
+class CRangePlanner {
  public:
   struct File {
     std::uint64_t size = 0;        // bytes, as the page said; 0: it did not say
@@ -22,14 +22,14 @@ class CMissingBytes {
     std::uint64_t pieceSize = 0;   // bytes; 0: chosen by the file's size
   };
 
-  explicit CMissingBytes(const File& file) : file_(file) { forgetVersion(); }
+  explicit CRangePlanner(const File& file) : file_(file) { forgetVersion(); }
 
   // Goes on with a version of which these bytes are there.
   void takeUp(const DownloadResume& resume, const ByteSpans& there);
   // There are no bytes of any version.
   void forgetVersion();
   // An answer to a ranged or another request shows what the server does.
-  void noteServer(const FetchAsk& ask, const FetchPlan& plan);
+  void noteServer(const RangeRequest& rangeRequest, const FetchPlan& plan);
   // All of a version is asked for at once, until an answer shows anew what the server does.
   void refuseRanges() { offersRanges_ = false; }
   // The first answer of a version, which brings this much of it.
@@ -45,7 +45,7 @@ class CMissingBytes {
 
   bool none() const { return missing_.empty(); }
   // The first bytes that are missing, which count as fetched from now on. There must be some.
-  FetchAsk take();
+  RangeRequest take();
   // They are not fetched after all.
   void giveBack(ByteSpan span);
   // What of the span lies within the file.

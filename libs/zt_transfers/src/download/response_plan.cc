@@ -1,7 +1,7 @@
 #include "download/response_plan.h"
 
-#include "download/content_range.h"
 #include "base/ascii.h"
+#include "download/content_range.h"
 
 namespace zt_transfers {
 namespace {
@@ -17,7 +17,7 @@ FetchPlan startOver(std::string reason) {
   return plan;
 }
 
-FetchPlan planWhole(const HttpAnswer& head) {
+FetchPlan planWhole(const HttpResponse& head) {
   FetchPlan plan;
   plan.kind = FetchPlan::Kind::kBody;
   plan.size = parseLength(head.header("content-length"));
@@ -28,61 +28,61 @@ FetchPlan planWhole(const HttpAnswer& head) {
   return plan;
 }
 
-bool sameVersion(const FetchAsk& ask, const FetchPlan& plan) {
-  return (ask.validator.empty() || ask.validator == plan.validator) &&
-         (!ask.size || !plan.size || *ask.size == *plan.size);
+bool sameVersion(const RangeRequest& rangeRequest, const FetchPlan& plan) {
+  return (rangeRequest.validator.empty() || rangeRequest.validator == plan.validator) &&
+         (!rangeRequest.size || !plan.size || *rangeRequest.size == *plan.size);
 }
 
-FetchPlan planPartial(const HttpAnswer& head, const FetchAsk& ask) {
+FetchPlan planPartial(const HttpResponse& head, const RangeRequest& rangeRequest) {
   const auto range = parseContentRange(head.header("content-range"));
-  if (!ask.ranged || !range || !range->first) {
+  if (!rangeRequest.ranged || !range || !range->first) {
     return startOver("the server sent a range that it does not name");
   }
-  if (*range->first != ask.begin || (ask.end && range->end > *ask.end)) {
+  if (*range->first != rangeRequest.begin || (rangeRequest.end && range->end > *rangeRequest.end)) {
     return startOver("the server sent another range than it was asked for");
   }
   FetchPlan plan;
   plan.kind = FetchPlan::Kind::kBody;
-  plan.begin = ask.begin;
+  plan.begin = rangeRequest.begin;
   plan.end = range->end;
   plan.size = range->total;
   plan.validator = validatorOf(head);
   plan.partial = true;
   plan.offersRanges = isExact(plan.validator);
-  return sameVersion(ask, plan) ? plan : startOver("the file has changed on the server");
+  return sameVersion(rangeRequest, plan) ? plan : startOver("the file has changed on the server");
 }
 
-FetchPlan planNothingLeft(const HttpAnswer& head, const FetchAsk& ask) {
+FetchPlan planNothingLeft(const HttpResponse& head, const RangeRequest& rangeRequest) {
   const auto range = parseContentRange(head.header("content-range"));
-  if (!range || range->total != ask.begin) {
+  if (!range || range->total != rangeRequest.begin) {
     return startOver("the file has become shorter on the server");
   }
   FetchPlan plan;
   plan.kind = FetchPlan::Kind::kComplete;
-  plan.begin = ask.begin;
+  plan.begin = rangeRequest.begin;
   plan.size = range->total;
   plan.validator = validatorOf(head);
   // Servers need not name the version in this answer.
-  const bool changed = !plan.validator.empty() && !sameVersion(ask, plan);
+  const bool changed = !plan.validator.empty() && !sameVersion(rangeRequest, plan);
   return changed ? startOver("the file has changed on the server") : plan;
 }
 
 }  // namespace
 
-FetchPlan planAnswer(const HttpAnswer& head, const FetchAsk& ask) {
+FetchPlan planResponse(const HttpResponse& head, const RangeRequest& rangeRequest) {
   switch (head.status) {
     case kWhole:
       return planWhole(head);
     case kPartial:
-      return planPartial(head, ask);
+      return planPartial(head, rangeRequest);
     case kRangeNotSatisfiable:
-      return ask.ranged ? planNothingLeft(head, ask) : FetchPlan();
+      return rangeRequest.ranged ? planNothingLeft(head, rangeRequest) : FetchPlan();
     default:
       return {};
   }
 }
 
-std::string validatorOf(const HttpAnswer& head) {
+std::string validatorOf(const HttpResponse& head) {
   const std::string_view etag = head.header("etag");
   if (etag.size() >= 2 && etag.front() == '"' && etag.back() == '"') {
     return std::string(etag);

@@ -9,7 +9,7 @@
 namespace zt_transfers {
 
 // What was asked for, and what is known of the file.
-struct FetchAsk {
+struct RangeRequest {
   std::uint64_t begin = 0;
   std::optional<std::uint64_t> end{};   // nothing: to the end of the file
   bool ranged = false;                  // with a Range header
@@ -36,10 +36,10 @@ struct FetchPlan {
   std::string reason{};                 // of kStartOver, for the log
 };
 
-FetchPlan planAnswer(const HttpAnswer& head, const FetchAsk& ask);
+FetchPlan planResponse(const HttpResponse& head, const RangeRequest& rangeRequest);
 
 // What If-Range can be asked with: the strong ETag, else the Last-Modified date, else nothing.
-std::string validatorOf(const HttpAnswer& head);
+std::string validatorOf(const HttpResponse& head);
 
 // Whether it names one version, to the byte; a date only names a second.
 bool isExact(const std::string& validator);

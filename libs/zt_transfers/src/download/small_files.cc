@@ -15,12 +15,12 @@ namespace zt_transfers {
 namespace {
 
 // A multiple of those that are hashed together.
-constexpr std::size_t kMostFiles = 4 * kMd5Lanes;
-constexpr std::size_t kMostBytes = kMd5Lanes * CChunkPool::kLargest;
+constexpr std::size_t kMaxFiles = 4 * kMd5Lanes;
+constexpr std::size_t kMaxBytes = kMd5Lanes * CChunkPool::kLargest;
 constexpr std::chrono::milliseconds kGatherLimit{2};
 
 void write(CSmallFiles::Arrived& file) {
-  CPartialFile& partial = *file.landing.file;
+  CPartialFile& partial = *file.finalization.file;
   file.trouble = troubleOf([&] {
     partial.restart(file.validator, file.size);
     if (file.content.size != 0) {
@@ -28,15 +28,15 @@ void write(CSmallFiles::Arrived& file) {
     }
   });
   // Also of what could only be begun, so that it is found again.
-  file.landing.progress->setResume(partial.resume());
+  file.finalization.progress->setResume(partial.resume());
 }
 
 void hashAll(std::vector<CSmallFiles::Arrived>& files) {
   std::vector<CPartialFile*> hashed;
   std::vector<std::string_view> contents;
   for (const CSmallFiles::Arrived& file : files) {
-    if (!file.trouble && file.landing.file->hashes()) {
-      hashed.push_back(file.landing.file.get());
+    if (!file.trouble && file.finalization.file->hashes()) {
+      hashed.push_back(file.finalization.file.get());
       contents.emplace_back(file.content.data.get(), file.content.size);
     }
   }
@@ -58,7 +58,7 @@ void CSmallFiles::add(Arrived file, TimePoint now) {
   }
 }
 
-std::optional<TimePoint> CSmallFiles::turn(TimePoint now) {
+std::optional<TimePoint> CSmallFiles::tick(TimePoint now) {
   if (!waiting_.empty() && now - since_ >= kGatherLimit) {
     begin();
   }
@@ -69,7 +69,7 @@ bool CSmallFiles::enough() const {
   const std::size_t bytes =
       std::accumulate(waiting_.begin(), waiting_.end(), std::size_t{0},
                       [](std::size_t sum, const Arrived& file) { return sum + file.content.size; });
-  return waiting_.size() == kMostFiles || bytes >= kMostBytes;
+  return waiting_.size() == kMaxFiles || bytes >= kMaxBytes;
 }
 
 void CSmallFiles::begin() {
@@ -80,30 +80,31 @@ void CSmallFiles::begin() {
 
 void CSmallFiles::finish(Batch batch) {
   // Nobody is told of those that were discarded.
-  batch.erase(std::remove_if(batch.begin(), batch.end(),
-                             [](const Arrived& file) { return file.landing.file->discarded(); }),
-              batch.end());
+  batch.erase(
+      std::remove_if(batch.begin(), batch.end(),
+                     [](const Arrived& file) { return file.finalization.file->discarded(); }),
+      batch.end());
   for (Arrived& file : batch) {
     write(file);
   }
   hashAll(batch);
   std::vector<AttemptEnd> failed;
-  std::vector<CLander::Arrival> landing;
+  std::vector<CFinalizer::Arrival> finalization;
   for (Arrived& file : batch) {
     chunks_.giveBack(std::move(file.content));
     if (!file.trouble) {
-      file.trouble = checkContent(*file.landing.file, *file.landing.progress, file.size);
+      file.trouble = checkContent(*file.finalization.file, *file.finalization.progress, file.size);
     }
     if (file.trouble) {
-      failed.push_back({file.landing.job, std::move(*file.trouble)});
+      failed.push_back({file.finalization.attemptId, std::move(*file.trouble)});
     } else {
-      landing.push_back(std::move(file.landing));
+      finalization.push_back(std::move(file.finalization));
     }
   }
   if (!failed.empty()) {
     failed_(failed);
   }
-  lander_.land(std::move(landing));
+  finalizer_.finalize(std::move(finalization));
 }
 
 }  // namespace zt_transfers

@@ -7,11 +7,11 @@
 #include <utility>
 #include <vector>
 
+#include "base/clock.h"
+#include "base/worker_pool.h"
 #include "download/chunk_pool.h"
 #include "download/finalizer.h"
 #include "engine/attempt.h"
-#include "base/clock.h"
-#include "base/worker_pool.h"
 
 namespace zt_transfers {
 
@@ -23,7 +23,7 @@ namespace zt_transfers {
 class CSmallFiles {
  public:
   struct Arrived {
-    CLander::Arrival landing;
+    CFinalizer::Arrival finalization;
     std::string validator;
     std::uint64_t size = 0;  // bytes
     Chunk content;           // all of them; without memory for an empty file
@@ -33,12 +33,12 @@ class CSmallFiles {
   // Called on the pool for those that are not what they should be, or cannot be written.
   using Failed = std::function<void(const std::vector<AttemptEnd>& ends)>;
 
-  CSmallFiles(CWorkerPool& pool, CLander& lander, CChunkPool& chunks, Failed failed)
-      : pool_(pool), lander_(lander), chunks_(chunks), failed_(std::move(failed)) {}
+  CSmallFiles(CWorkerPool& pool, CFinalizer& finalizer, CChunkPool& chunks, Failed failed)
+      : pool_(pool), finalizer_(finalizer), chunks_(chunks), failed_(std::move(failed)) {}
 
   void add(Arrived file, TimePoint now);
   // Begins with what has waited for others long enough; gives the time for the next look, if any.
-  std::optional<TimePoint> turn(TimePoint now);
+  std::optional<TimePoint> tick(TimePoint now);
   // Forgets what has not begun.
   void clear() { waiting_.clear(); }
 
@@ -50,7 +50,7 @@ class CSmallFiles {
   void finish(Batch batch);
 
   CWorkerPool& pool_;
-  CLander& lander_;
+  CFinalizer& finalizer_;
   CChunkPool& chunks_;
   const Failed failed_;
   Batch waiting_;

@@ -10,19 +10,19 @@
 #include <string_view>
 #include <vector>
 
+#include "base/clock.h"
 #include "engine/failure.h"
 #include "engine/file_spec.h"
 #include "engine/orphan.h"
 #include "engine/transfer_resume.h"
-#include "base/clock.h"
 
 namespace zt_transfers {
 
 // One attempt to transfer one file. Never used twice.
-using JobId = std::uint64_t;
+using AttemptId = std::uint64_t;
 
 // Written by the attempt, read by the engine when it reports. Thread: any.
-class JobProgress {
+class AttemptProgress {
  public:
   static constexpr std::uint64_t kUnknown = ~std::uint64_t{0};
 
@@ -59,7 +59,7 @@ struct PartPolicy {
 
 // What an attempt is to do.
 struct StartOrder {
-  JobId job = 0;
+  AttemptId attemptId = 0;
   FileRef file;
   FileSpec spec;
   std::string folder;     // the group's; downloads only
@@ -67,8 +67,8 @@ struct StartOrder {
   bool verify = true;
   std::string proxy;
   PartPolicy parts;
-  std::uint32_t mostAtOnce = 1;  // requests of all attempts; who has several gives way to others
-  std::shared_ptr<JobProgress> progress;
+  std::uint32_t maxConcurrent = 1;  // requests of all attempts; who has several gives way to others
+  std::shared_ptr<AttemptProgress> progress;
 };
 
 // How an attempt ended.
@@ -80,16 +80,17 @@ struct AttemptOutcome {
   };
 
   // Whose trouble it is, and with that how many more attempts there are.
-  enum class Blame {
-    kFile,     // it uses up a retry
-    kUnclear,  // the same, but whatever is allowed, one more attempt tells whether it is the file
-    kOutside,  // neither the file's nor its server's: waiting helps, and uses up nothing
+  enum class RetryBudget {
+    kCounts,      // it uses up a retry
+    kAtLeastOne,  // the same, but whatever is allowed, one more attempt tells whether it is the
+                  // file
+    kFree,        // neither the file's nor its server's: waiting helps, and uses up nothing
   };
 
   Kind kind = Kind::kFinal;
   std::string reason{};  // for the log and for people; no secrets
   std::string_view code = failure::kOther;
-  Blame blame = Blame::kFile;
+  RetryBudget retryBudget = RetryBudget::kCounts;
   // What the server asked to wait.
   std::optional<std::chrono::milliseconds> retryAfter{};
   // The server or the network is in trouble, not this file: the group's others wait, too.
@@ -107,24 +108,24 @@ struct AttemptOutcome {
 };
 
 struct AttemptEnd {
-  JobId job = 0;
+  AttemptId attemptId = 0;
   AttemptOutcome outcome;
 };
 
 // An attempt is to end.
 struct AttemptStop {
-  JobId job = 0;
+  AttemptId attemptId = 0;
   bool discard = false;  // it is to leave nothing behind: nobody would find it
   std::string folder{};  // the group's; downloads only
-  std::shared_ptr<JobProgress> progress{};
+  std::shared_ptr<AttemptProgress> progress{};
 
-  Leftover leftover() const { return {.folder = folder, .resume = progress->resume()}; }
+  Orphan orphan() const { return {.folder = folder, .resume = progress->resume()}; }
 };
 
 // What was left behind is to be cleared away.
-struct DiscardOrder {
-  LeftoverId id = 0;
-  Leftover leftover;
+struct CleanupTask {
+  OrphanId id = 0;
+  Orphan orphan;
   std::string proxy;
 };
 
@@ -132,21 +133,23 @@ struct DiscardOrder {
 class IAttemptObserver {
  public:
   virtual void onAttemptsDone(const std::vector<AttemptEnd>& ends) = 0;
-  void onAttemptDone(JobId job, const AttemptOutcome& outcome) { onAttemptsDone({{job, outcome}}); }
+  void onAttemptDone(AttemptId attemptId, const AttemptOutcome& outcome) {
+    onAttemptsDone({{attemptId, outcome}});
+  }
   // Its progress has a resume that is worth to be kept. False when it was stopped meanwhile.
-  virtual bool onAttemptCheckpoint(JobId job) = 0;
+  virtual bool onAttemptCheckpoint(AttemptId attemptId) = 0;
   // Every byte of a download has arrived, and the file is about to appear under its final name.
   // From here on the attempt does not count as a transfer and is only stopped with its file.
   // False when it was stopped meanwhile: then it must not go on.
-  virtual bool onAttemptLanding(JobId job) = 0;
+  virtual bool onAttemptFinalizing(AttemptId attemptId) = 0;
   // Notes what the progress of these holds, on disk if that can be had, before a step that could
   // not be told from it otherwise should the process end: downloads get their final names, a
   // server takes parts of an upload or puts them together. Blocks.
-  virtual void keepDurably(const std::vector<JobId>& jobs) = 0;
+  virtual void keepDurably(const std::vector<AttemptId>& attempts) = 0;
   // Nobody will go on with this: it comes back as an order to discard it.
-  virtual void onLeftBehind(Leftover leftover) = 0;
+  virtual void onOrphaned(Orphan orphan) = 0;
   // How an order to discard something went.
-  virtual void onDiscarded(LeftoverId id, const AttemptOutcome& outcome) = 0;
+  virtual void onCleanedUp(OrphanId id, const AttemptOutcome& outcome) = 0;
 
  protected:
   ~IAttemptObserver() = default;
@@ -164,12 +167,12 @@ class IAttemptRunner {
   virtual void stop(const AttemptStop& stop) = 0;
   virtual void stopAll() = 0;
   // Called once a turn of the network thread; gives the time at which it wants another one.
-  virtual std::optional<TimePoint> turn() { return std::nullopt; }
+  virtual std::optional<TimePoint> tick() { return std::nullopt; }
   // Once neither the network nor the pool runs: makes durable what stopped attempts have written,
   // and notes it in their progress. Thread: the owner's.
-  virtual void settle() {}
+  virtual void syncToDisk() {}
   // Clears away what an attempt that has ended left behind; the observer is told how that went.
-  virtual void discard(const DiscardOrder& order) = 0;
+  virtual void discard(const CleanupTask& order) = 0;
 };
 
 }  // namespace zt_transfers

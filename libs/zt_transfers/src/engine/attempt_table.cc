@@ -5,64 +5,65 @@
 
 namespace zt_transfers {
 
-bool foldProgress(Job& job, CTransferGroup& group, TimePoint now) {
+bool foldProgress(RunningAttempt& attempt, CTransferGroup& group, TimePoint now) {
   bool changed = false;
-  const std::uint64_t size = job.progress->size.load(std::memory_order_relaxed);
-  if (size != JobProgress::kUnknown && size != group.file(job.file.index).size) {
-    group.setSize(job.file.index, size);
+  const std::uint64_t size = attempt.progress->size.load(std::memory_order_relaxed);
+  if (size != AttemptProgress::kUnknown && size != group.file(attempt.file.index).size) {
+    group.setSize(attempt.file.index, size);
     changed = true;
   }
-  const std::uint64_t bytes = std::min(job.progress->bytes.load(std::memory_order_relaxed),
-                                       group.file(job.file.index).size);
-  if (bytes == job.counted) {
+  const std::uint64_t bytes = std::min(attempt.progress->bytes.load(std::memory_order_relaxed),
+                                       group.file(attempt.file.index).size);
+  if (bytes == attempt.counted) {
     return changed;
   }
-  group.removeInFlight(job.counted);
+  group.removeInFlight(attempt.counted);
   group.addInFlight(bytes);
-  if (bytes > job.counted) {
-    group.measureRate(bytes - job.counted, now);
-    job.rate.add(bytes - job.counted, now);
+  if (bytes > attempt.counted) {
+    group.measureRate(bytes - attempt.counted, now);
+    attempt.rate.add(bytes - attempt.counted, now);
   }
-  job.counted = bytes;
+  attempt.counted = bytes;
   return true;
 }
 
-Job& CJobTable::add(FileRef file, TimePoint now) {
-  Job job;
-  job.id = ++last_;
-  job.file = file;
-  job.progress = std::make_shared<JobProgress>();
-  job.toldAt = now;
-  return jobs_.emplace(last_, std::move(job)).first->second;
+RunningAttempt& CAttemptTable::add(FileRef file, TimePoint now) {
+  RunningAttempt attempt;
+  attempt.id = ++last_;
+  attempt.file = file;
+  attempt.progress = std::make_shared<AttemptProgress>();
+  attempt.reportedAt = now;
+  return attempts_.emplace(last_, std::move(attempt)).first->second;
 }
 
-Job* CJobTable::find(JobId id) {
-  const auto found = jobs_.find(id);
-  return found == jobs_.end() ? nullptr : &found->second;
+RunningAttempt* CAttemptTable::find(AttemptId id) {
+  const auto found = attempts_.find(id);
+  return found == attempts_.end() ? nullptr : &found->second;
 }
 
-Job* CJobTable::findFile(FileRef file) {
-  return const_cast<Job*>(std::as_const(*this).findFile(file));
+RunningAttempt* CAttemptTable::findFile(FileRef file) {
+  return const_cast<RunningAttempt*>(std::as_const(*this).findFile(file));
 }
 
-const Job* CJobTable::findFile(FileRef file) const {
-  for (const auto& [id, job] : jobs_) {
-    if (job.file.groupId == file.groupId && job.file.index == file.index) {
-      return &job;
+const RunningAttempt* CAttemptTable::findFile(FileRef file) const {
+  for (const auto& [id, attempt] : attempts_) {
+    if (attempt.file.groupId == file.groupId && attempt.file.index == file.index) {
+      return &attempt;
     }
   }
   return nullptr;
 }
 
-std::size_t CJobTable::transferring() const {
-  return static_cast<std::size_t>(std::count_if(
-      jobs_.begin(), jobs_.end(), [](const auto& entry) { return !entry.second.landing; }));
+std::size_t CAttemptTable::transferring() const {
+  return static_cast<std::size_t>(
+      std::count_if(attempts_.begin(), attempts_.end(),
+                    [](const auto& entry) { return !entry.second.finalization; }));
 }
 
-std::vector<JobId> CJobTable::ofGroup(std::int32_t groupId) const {
-  std::vector<JobId> ids;
-  for (const auto& [id, job] : jobs_) {
-    if (job.file.groupId == groupId) {
+std::vector<AttemptId> CAttemptTable::ofGroup(std::int32_t groupId) const {
+  std::vector<AttemptId> ids;
+  for (const auto& [id, attempt] : attempts_) {
+    if (attempt.file.groupId == groupId) {
       ids.push_back(id);
     }
   }

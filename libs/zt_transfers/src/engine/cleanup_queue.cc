@@ -9,50 +9,50 @@ namespace {
 
 constexpr std::chrono::milliseconds kUntilItIsFree{50};
 
-std::string textOf(const Leftover& leftover) {
-  return leftover.resume.isUpload()
-             ? "the upload in parts to " + loggableUrl(leftover.resume.upload().url)
-             : "the partial file " + leftover.folder + "/" + leftover.resume.download().partialPath;
+std::string textOf(const Orphan& orphan) {
+  return orphan.resume.isUpload()
+             ? "the upload in parts to " + loggableUrl(orphan.resume.upload().url)
+             : "the partial file " + orphan.folder + "/" + orphan.resume.download().partialPath;
 }
 
 }  // namespace
 
-void CLeftoverBook::restore(std::vector<std::pair<LeftoverId, Leftover>> kept) {
+void CCleanupQueue::restore(std::vector<std::pair<OrphanId, Orphan>> kept) {
   entries_.clear();
-  for (auto& [id, leftover] : kept) {
+  for (auto& [id, orphan] : kept) {
     last_ = std::max(last_, id);
-    entries_.emplace(id, Entry{std::move(leftover)});
+    entries_.emplace(id, Entry{std::move(orphan)});
   }
   stop();
 }
 
-void CLeftoverBook::add(Leftover leftover) {
-  if (!leftover.resume.begun()) {
+void CCleanupQueue::add(Orphan orphan) {
+  if (!orphan.resume.begun()) {
     return;
   }
-  if (leftover.resume.isUpload()) {
-    leftover.resume.upload().parts.clear();  // thousands, maybe, and of no use any more
+  if (orphan.resume.isUpload()) {
+    orphan.resume.upload().parts.clear();  // thousands, maybe, and of no use any more
   }
-  leftover.since = clock_.secondsSince1970();
-  store_.saveLeftover(++last_, leftover);
+  orphan.since = clock_.secondsSince1970();
+  store_.saveOrphan(++last_, orphan);
   waiting_.push_back(last_);
-  entries_.emplace(last_, Entry{std::move(leftover)});
+  entries_.emplace(last_, Entry{std::move(orphan)});
 }
 
-void CLeftoverBook::addOnce(Leftover leftover) {
+void CCleanupQueue::addOnce(Orphan orphan) {
   const bool known = std::any_of(entries_.begin(), entries_.end(), [&](const auto& entry) {
-    return sameThing(leftover, entry.second.leftover);
+    return sameThing(orphan, entry.second.orphan);
   });
   if (!known) {
-    add(std::move(leftover));
+    add(std::move(orphan));
   }
 }
 
-void CLeftoverBook::forget(const Leftover& used) {
+void CCleanupQueue::forget(const Orphan& used) {
   for (auto entry = entries_.begin(); entry != entries_.end();) {
-    if (sameThing(used, entry->second.leftover)) {
+    if (sameThing(used, entry->second.orphan)) {
       waiting_.erase(std::remove(waiting_.begin(), waiting_.end(), entry->first), waiting_.end());
-      store_.removeLeftover(entry->first);
+      store_.removeOrphan(entry->first);
       entry = entries_.erase(entry);
     } else {
       ++entry;
@@ -60,36 +60,36 @@ void CLeftoverBook::forget(const Leftover& used) {
   }
 }
 
-std::vector<DiscardOrder> CLeftoverBook::takeDue() {
-  std::vector<DiscardOrder> due;
+std::vector<CleanupTask> CCleanupQueue::takeDue() {
+  std::vector<CleanupTask> due;
   if (notBefore_ > clock_.now()) {
     return due;
   }
-  while (!waiting_.empty() && entries_.size() - waiting_.size() < kMostAtOnce) {
-    const LeftoverId id = waiting_.front();
+  while (!waiting_.empty() && entries_.size() - waiting_.size() < kMaxConcurrent) {
+    const OrphanId id = waiting_.front();
     waiting_.pop_front();
-    due.push_back({id, entries_.at(id).leftover, {}});
+    due.push_back({id, entries_.at(id).orphan, {}});
   }
   return due;
 }
 
-std::optional<TimePoint> CLeftoverBook::nextDue() const {
+std::optional<TimePoint> CCleanupQueue::nextDue() const {
   return waiting_.empty() || notBefore_ <= clock_.now() ? std::nullopt : std::optional(notBefore_);
 }
 
-std::string CLeftoverBook::settle(LeftoverId id, const AttemptOutcome& outcome) {
+std::string CCleanupQueue::applyOutcome(OrphanId id, const AttemptOutcome& outcome) {
   const auto found = entries_.find(id);
   if (found == entries_.end()) {
     return {};
   }
-  const std::string text = textOf(found->second.leftover);
+  const std::string text = textOf(found->second.orphan);
   const bool done = outcome.kind == AttemptOutcome::Kind::kDone;
   if (outcome.kind == AttemptOutcome::Kind::kRetry && outcome.reason.empty()) {
     waiting_.push_back(id);
     notBefore_ = std::max(notBefore_, clock_.now() + kUntilItIsFree);
     return {};
   }
-  const bool old = clock_.secondsSince1970() - found->second.leftover.since > kLongest.count();
+  const bool old = clock_.secondsSince1970() - found->second.orphan.since > kLongest.count();
   if (outcome.kind == AttemptOutcome::Kind::kRetry && !old) {
     rest(outcome);
     waiting_.push_back(id);
@@ -99,14 +99,14 @@ std::string CLeftoverBook::settle(LeftoverId id, const AttemptOutcome& outcome) 
   if (done) {
     troubles_ = 0;
   }
-  store_.removeLeftover(id);
+  store_.removeOrphan(id);
   entries_.erase(found);
   return done ? "Discarded " + text
               : "Cannot discard " + text + ", and tries no more: " + outcome.reason;
 }
 
 // A download's new attempt takes over the partial file that an earlier one has left.
-bool CLeftoverBook::sameThing(const Leftover& one, const Leftover& other) {
+bool CCleanupQueue::sameThing(const Orphan& one, const Orphan& other) {
   if (!one.resume.begun() || one.resume.isUpload() != other.resume.isUpload()) {
     return false;
   }
@@ -119,14 +119,14 @@ bool CLeftoverBook::sameThing(const Leftover& one, const Leftover& other) {
 }
 
 // Failures during a rest were under way when it began and do not lengthen it.
-void CLeftoverBook::rest(const AttemptOutcome& outcome) {
+void CCleanupQueue::rest(const AttemptOutcome& outcome) {
   const TimePoint now = clock_.now();
   if (notBefore_ <= now) {
     notBefore_ = now + retries_.delay(++troubles_, outcome);
   }
 }
 
-void CLeftoverBook::stop() {
+void CCleanupQueue::stop() {
   waiting_.clear();
   for (const auto& [id, entry] : entries_) {
     waiting_.push_back(id);

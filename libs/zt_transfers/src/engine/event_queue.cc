@@ -22,20 +22,20 @@ bool CEventQueue::congested() const {
 
 std::vector<TransferEvent> CEventQueue::take(std::optional<Duration> limit) {
   std::unique_lock lock(mutex_);
-  const auto ready = [this] { return poked_ || !events_.empty(); };
+  const auto ready = [this] { return woken_ || !events_.empty(); };
   if (limit) {
     arrived_.wait_for(lock, *limit, ready);
   } else {
     arrived_.wait(lock, ready);
   }
-  poked_ = false;
+  woken_ = false;
   return std::exchange(events_, {});
 }
 
-void CEventQueue::poke() {
+void CEventQueue::wake() {
   {
     const std::lock_guard lock(mutex_);
-    poked_ = true;
+    woken_ = true;
   }
   arrived_.notify_one();
 }

@@ -6,8 +6,8 @@
 #include <variant>
 #include <vector>
 
-#include "engine/transfer_group.h"
 #include "base/clock.h"
+#include "engine/transfer_group.h"
 
 namespace zt_transfers {
 
@@ -25,14 +25,14 @@ class CEventQueue {
 
   // Takes all events. Without any it waits for one, for `poke`, or for `limit` if there is one.
   std::vector<TransferEvent> take(std::optional<Duration> limit);
-  void poke();
+  void wake();
 
  private:
   mutable std::mutex mutex_;
   std::condition_variable arrived_;
   // Guarded by mutex_.
   std::vector<TransferEvent> events_;
-  bool poked_ = false;
+  bool woken_ = false;
 };
 
 }  // namespace zt_transfers

@@ -14,11 +14,11 @@ namespace zt_transfers {
 // was told.
 //
 // Thread: none of its own; the engine guards it.
-class CReporter {
+class CEventThrottle {
  public:
   static constexpr std::chrono::milliseconds kInterval{100};
 
-  explicit CReporter(CEventQueue& events) : events_(events) {}
+  explicit CEventThrottle(CEventQueue& events) : events_(events) {}
 
   void setRunning(bool running) { running_ = running; }
   bool running() const { return running_; }
@@ -34,35 +34,35 @@ class CReporter {
   bool hasDue() const { return !due_.empty(); }
   // Tells the progress of groups whose turn has come. `groupOf` gives a group or null by its id.
   template <typename GroupOf>
-  void tellDue(GroupOf groupOf, TimePoint now) {
+  void notifyDue(GroupOf groupOf, TimePoint now) {
     const std::set<std::int32_t> due = due_;
     for (const std::int32_t id : due) {
       const CTransferGroup* group = groupOf(id);
       if (group == nullptr) {
         due_.erase(id);
-      } else if (now - told_[id].when >= kInterval) {
-        tell(*group, now);
+      } else if (now - reported_[id].when >= kInterval) {
+        notify(*group, now);
       }
     }
   }
 
  private:
-  struct Told {
+  struct LastReported {
     TimePoint when{};
     std::int32_t state = -1;
     bool paused = false;
     bool cancelled = false;
     bool marked = false;
     bool empty = false;
-    bool operator==(const Told&) const = default;
+    bool operator==(const LastReported&) const = default;
   };
 
-  void tell(const CTransferGroup& group, TimePoint now);
+  void notify(const CTransferGroup& group, TimePoint now);
   void remember(const GroupSnapshot& shot, TimePoint now);
 
   CEventQueue& events_;
   bool running_ = false;
-  std::map<std::int32_t, Told> told_;
+  std::map<std::int32_t, LastReported> reported_;
   std::set<std::int32_t> due_;
 };
 

@@ -13,9 +13,9 @@ namespace zt_transfers {
 // Why files of each group failed: the newest ones are at hand, all of them are in the store.
 //
 // Thread: none of its own; the engine guards it.
-class CFailureBook {
+class CFailureLog {
  public:
-  static constexpr std::size_t kMostOfAGroup = 100;
+  static constexpr std::size_t kMaxOfAGroup = 100;
 
   struct Entry {
     std::uint32_t index = 0;  // of the file

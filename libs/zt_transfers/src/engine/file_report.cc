@@ -6,7 +6,7 @@
 namespace zt_transfers {
 
 FileState reportOf(const CTransferGroup& group, std::uint32_t index, std::string fileId,
-                   const Job* job, std::uint64_t kept, TimePoint now) {
+                   const RunningAttempt* attempt, std::uint64_t kept, TimePoint now) {
   const FileSlot& slot = group.file(index);
   FileState state;
   state.groupId = group.id();
@@ -19,9 +19,9 @@ FileState reportOf(const CTransferGroup& group, std::uint32_t index, std::string
     state.percentTransferred = 100.0F;
     return state;
   }
-  state.bytesTransferred = std::min(job != nullptr ? job->counted : kept, slot.size);
-  if (job != nullptr) {
-    state.bytesTransferredPerSecond = job->rate.bytesPerSecond(now);
+  state.bytesTransferred = std::min(attempt != nullptr ? attempt->counted : kept, slot.size);
+  if (attempt != nullptr) {
+    state.bytesTransferredPerSecond = attempt->rate.bytesPerSecond(now);
   }
   if (slot.size != 0) {
     state.percentTransferred = static_cast<float>(

@@ -7,15 +7,15 @@
 
 namespace zt_transfers {
 
-using LeftoverId = std::uint32_t;
+using OrphanId = std::uint32_t;
 
 // What attempts have left of a file, and nobody will go on with.
-struct Leftover {
+struct Orphan {
   std::string folder{};  // the group's; downloads only
   TransferResume resume;
   std::int64_t since = 0;  // seconds since 1970
 
-  bool operator==(const Leftover&) const = default;
+  bool operator==(const Orphan&) const = default;
 };
 
 }  // namespace zt_transfers

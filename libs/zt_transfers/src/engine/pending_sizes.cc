@@ -4,15 +4,15 @@
 
 namespace zt_transfers {
 
-std::vector<CUnmeasuredFiles::File> CUnmeasuredFiles::take(
-    std::size_t limit, IQueueStore& store, const std::function<bool(FileRef)>& isWanted) {
+std::vector<CPendingSizes::File> CPendingSizes::take(std::size_t limit, IQueueStore& store,
+                                                     const std::function<bool(FileRef)>& isWanted) {
   std::vector<File> taken;
   while (taken.size() < limit && !files_.empty() && !coming_) {
     const FileRef file = files_.front();
     if (isWanted(file)) {
       if (auto place = store.place(file)) {
         taken.push_back({file, std::move(*place)});
-      } else if (store.bring(file)) {
+      } else if (store.load(file)) {
         coming_ = true;
         continue;
       }

@@ -15,7 +15,7 @@ namespace zt_transfers {
 // Uploads whose size is not known yet, in the order in which it is to be found out.
 //
 // Thread: none of its own; the engine guards it.
-class CUnmeasuredFiles {
+class CPendingSizes {
  public:
   struct File {
     FileRef file;
@@ -23,7 +23,7 @@ class CUnmeasuredFiles {
   };
 
   void add(FileRef file) { files_.push_back(file); }
-  void clear() { *this = CUnmeasuredFiles(); }
+  void clear() { *this = CPendingSizes(); }
   // Whether `take` can give something now.
   bool ready() const { return !files_.empty() && !coming_; }
   // Up to `limit` of those that `isWanted` still accepts. Stops where a file's description has to
@@ -31,7 +31,7 @@ class CUnmeasuredFiles {
   std::vector<File> take(std::size_t limit, IQueueStore& store,
                          const std::function<bool(FileRef)>& isWanted);
   // Descriptions have come.
-  void goOn() { coming_ = false; }
+  void reschedule() { coming_ = false; }
 
  private:
   std::deque<FileRef> files_;

@@ -42,7 +42,7 @@ struct RestoredGroup {
 struct RestoredQueue {
   std::int32_t lastGroupId = 0;  // the highest that was ever given
   std::vector<RestoredGroup> groups;
-  std::vector<std::pair<LeftoverId, Leftover>> leftovers;
+  std::vector<std::pair<OrphanId, Orphan>> orphans;
 };
 
 // Keeps what was queued, out of the engine's way: the engine itself holds a few bytes a file.
@@ -73,8 +73,8 @@ class IQueueStore {
   virtual void saveFailure(FileRef file, const Failure& failure) = 0;
 
   // What is to be cleared away, whatever becomes of its file and group, and that this was done.
-  virtual void saveLeftover(LeftoverId id, const Leftover& leftover) = 0;
-  virtual void removeLeftover(LeftoverId id) = 0;
+  virtual void saveOrphan(OrphanId id, const Orphan& orphan) = 0;
+  virtual void removeOrphan(OrphanId id) = 0;
 
   virtual std::string fileId(FileRef file) const = 0;
   // The file with this fileId that was appended last and not removed.
@@ -85,7 +85,7 @@ class IQueueStore {
   virtual std::optional<FileSpec> spec(FileRef file) = 0;
   virtual std::optional<std::string> place(FileRef file) const = 0;
   // Asking twice is harmless. False when it was asked for and cannot be read.
-  virtual bool bring(FileRef file) = 0;
+  virtual bool load(FileRef file) = 0;
 };
 
 }  // namespace zt_transfers

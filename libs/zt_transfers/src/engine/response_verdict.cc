@@ -11,54 +11,54 @@ namespace {
 AttemptOutcome unreachable(const std::string& reason) {
   AttemptOutcome outcome = AttemptOutcome::retry(reason, failure::kCannotConnect);
   outcome.sharedTrouble = true;
-  outcome.blame = AttemptOutcome::Blame::kOutside;
+  outcome.retryBudget = AttemptOutcome::RetryBudget::kFree;
   return outcome;
 }
 
 // It may have been the network, or the server that cannot take just this file.
 AttemptOutcome lost(const std::string& reason) {
   AttemptOutcome outcome = AttemptOutcome::retry(reason, failure::kConnectionLost);
-  outcome.blame = AttemptOutcome::Blame::kUnclear;
+  outcome.retryBudget = AttemptOutcome::RetryBudget::kAtLeastOne;
   return outcome;
 }
 
 }  // namespace
 
-AttemptOutcome judgeTransport(const HttpAnswer& answer) {
-  if (answer.stalled) {
+AttemptOutcome judgeTransport(const HttpResponse& response) {
+  if (response.stalled) {
     AttemptOutcome outcome = lost("the connection stalled");
     outcome.sharedTrouble = true;
     return outcome;
   }
-  switch (answer.code) {
+  switch (response.code) {
     case CURLE_URL_MALFORMAT:
-      return AttemptOutcome::final(answer.error, failure::kBadUrl);
+      return AttemptOutcome::final(response.error, failure::kBadUrl);
     case CURLE_PEER_FAILED_VERIFICATION:
     case CURLE_SSL_CACERT_BADFILE:
-      return AttemptOutcome::final(answer.error, failure::kNotTrusted);
+      return AttemptOutcome::final(response.error, failure::kNotTrusted);
     case CURLE_COULDNT_RESOLVE_HOST:
     case CURLE_COULDNT_RESOLVE_PROXY:
     case CURLE_COULDNT_CONNECT:
     case CURLE_OPERATION_TIMEDOUT:
-      return unreachable(answer.error);
+      return unreachable(response.error);
     // Also what is no HTTP at all: bytes that an answer before left on the connection.
     default:
-      return lost(answer.error);
+      return lost(response.error);
   }
 }
 
-AttemptOutcome judgeRefusal(const HttpAnswer& answer, std::int64_t now) {
-  std::string reason = "the server answered " + std::to_string(answer.status);
-  if (const auto code = errorDocumentCode(answer.body)) {
+AttemptOutcome judgeRefusal(const HttpResponse& response, std::int64_t now) {
+  std::string reason = "the server answered " + std::to_string(response.status);
+  if (const auto code = errorDocumentCode(response.body)) {
     reason += " (" + *code + ")";
   }
-  const bool pace = answer.status == 429 || answer.status == 503;
-  if (!pace && answer.status != 408 && answer.status < 500) {
+  const bool pace = response.status == 429 || response.status == 503;
+  if (!pace && response.status != 408 && response.status < 500) {
     return AttemptOutcome::final(reason, failure::kRefused);
   }
   AttemptOutcome outcome =
       AttemptOutcome::retry(reason, pace ? failure::kServerBusy : failure::kServerTrouble);
-  outcome.retryAfter = parseRetryAfter(answer.header("retry-after"), now);
+  outcome.retryAfter = parseRetryAfter(response.header("retry-after"), now);
   outcome.sharedTrouble = pace;
   return outcome;
 }

@@ -5,7 +5,7 @@
 
 namespace zt_transfers {
 
-void CResumeBook::keep(CTransferGroup& group, std::uint32_t index, const TransferResume& resume) {
+void CResumeTable::keep(CTransferGroup& group, std::uint32_t index, const TransferResume& resume) {
   take(group, index);
   if (!resume.begun()) {
     return;
@@ -15,7 +15,7 @@ void CResumeBook::keep(CTransferGroup& group, std::uint32_t index, const Transfe
   entries_.emplace(Key{group.id(), index}, Entry{resume, counted});
 }
 
-TransferResume CResumeBook::take(CTransferGroup& group, std::uint32_t index) {
+TransferResume CResumeTable::take(CTransferGroup& group, std::uint32_t index) {
   const auto found = entries_.find({group.id(), index});
   if (found == entries_.end()) {
     return {};
@@ -26,7 +26,7 @@ TransferResume CResumeBook::take(CTransferGroup& group, std::uint32_t index) {
   return resume;
 }
 
-std::vector<CResumeBook::Left> CResumeBook::takeAll(CTransferGroup& group) {
+std::vector<CResumeTable::Left> CResumeTable::takeAll(CTransferGroup& group) {
   std::vector<Left> all;
   const auto begin = entries_.lower_bound({group.id(), 0});
   const auto end = entries_.upper_bound({group.id(), std::numeric_limits<std::uint32_t>::max()});
@@ -38,7 +38,7 @@ std::vector<CResumeBook::Left> CResumeBook::takeAll(CTransferGroup& group) {
   return all;
 }
 
-std::uint64_t CResumeBook::counted(FileRef file) const {
+std::uint64_t CResumeTable::counted(FileRef file) const {
   const auto found = entries_.find({file.groupId, file.index});
   return found == entries_.end() ? 0 : found->second.counted;
 }

@@ -15,7 +15,7 @@ namespace zt_transfers {
 // groups as in flight, so that a pause takes no progress away.
 //
 // Thread: none of its own; the engine guards it.
-class CResumeBook {
+class CResumeTable {
  public:
   struct Left {
     std::uint32_t index = 0;

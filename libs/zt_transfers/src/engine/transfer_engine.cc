@@ -4,33 +4,33 @@
 
 namespace zt_transfers {
 
-CTransferEngine::CTransferEngine(Options options, const Surroundings& surroundings)
+CTransferEngine::CTransferEngine(Options options, const Dependencies& dependencies)
     : options_(std::move(options)),
-      clock_(surroundings.clock),
-      store_(surroundings.store),
-      events_(surroundings.events),
-      log_(surroundings.log),
+      clock_(dependencies.clock),
+      store_(dependencies.store),
+      events_(dependencies.events),
+      log_(dependencies.log),
       wake_([] {}),
-      settle_([] {}),
-      book_(options_.activity, clock_, store_, events_, options_.backoff),
-      planner_(book_, store_, clock_, options_.backoff) {}
+      flush_([] {}),
+      table_(options_.activity, clock_, store_, events_, options_.backoff),
+      planner_(table_, store_, clock_, options_.backoff) {}
 
 void CTransferEngine::restore(RestoredQueue queue) {
   const std::lock_guard lock(mutex_);
-  unmeasured_.clear();
+  pendingSizes_.clear();
   for (const auto& [kept, files, resumes, failures] : queue.groups) {
     for (std::uint32_t index = 0; index < files.size(); ++index) {
       if (!files[index].sizeKnown && files[index].phase == FilePhase::kWaiting) {
-        unmeasured_.add({kept.identity.id, index});
+        pendingSizes_.add({kept.identity.id, index});
       }
     }
   }
-  book_.restore(std::move(queue), options_.needsMark);
+  table_.restore(std::move(queue), options_.needsMark);
 }
 
 std::int32_t CTransferEngine::createGroup(GroupIdentity identity) {
   const std::lock_guard lock(mutex_);
-  const CTransferGroup* group = book_.create(std::move(identity), options_.needsMark);
+  const CTransferGroup* group = table_.create(std::move(identity), options_.needsMark);
   return group == nullptr ? -1 : group->id();
 }
 
@@ -38,8 +38,8 @@ std::vector<GroupSnapshot> CTransferEngine::groups() const {
   const std::lock_guard lock(mutex_);
   const TimePoint now = clock_.now();
   std::vector<GroupSnapshot> shots;
-  shots.reserve(book_.groups().size());
-  for (const auto& [id, group] : book_.groups()) {
+  shots.reserve(table_.groups().size());
+  for (const auto& [id, group] : table_.groups()) {
     shots.push_back(group->snapshot(planner_.running(), now));
   }
   return shots;
@@ -47,8 +47,8 @@ std::vector<GroupSnapshot> CTransferEngine::groups() const {
 
 std::optional<GroupSnapshot> CTransferEngine::group(std::int32_t groupId) const {
   const std::lock_guard lock(mutex_);
-  const auto found = book_.groups().find(groupId);
-  if (found == book_.groups().end()) {
+  const auto found = table_.groups().find(groupId);
+  if (found == table_.groups().end()) {
     return std::nullopt;
   }
   return found->second->snapshot(planner_.running(), clock_.now());
@@ -56,8 +56,8 @@ std::optional<GroupSnapshot> CTransferEngine::group(std::int32_t groupId) const 
 
 std::optional<CTransferEngine::GroupReport> CTransferEngine::report(std::int32_t groupId) const {
   const std::lock_guard lock(mutex_);
-  const auto found = book_.groups().find(groupId);
-  if (found == book_.groups().end() || found->second->cancelled()) {
+  const auto found = table_.groups().find(groupId);
+  if (found == table_.groups().end() || found->second->cancelled()) {
     return std::nullopt;
   }
   const CTransferGroup& group = *found->second;
@@ -67,7 +67,7 @@ std::optional<CTransferEngine::GroupReport> CTransferEngine::report(std::int32_t
     report.waitingFor = group.pace.waitingFor;
   }
   report.filesFailed = group.count(FilePhase::kFailed);
-  for (auto& [index, failure] : book_.failures().of(groupId)) {
+  for (auto& [index, failure] : table_.failures().of(groupId)) {
     report.failures.push_back({store_.fileId({groupId, index}), std::move(failure)});
   }
   return report;
@@ -77,12 +77,12 @@ void CTransferEngine::change(std::int32_t groupId,
                              const std::function<void(CTransferGroup&)>& change) {
   {
     const std::lock_guard lock(mutex_);
-    CTransferGroup* group = book_.find(groupId);
+    CTransferGroup* group = table_.find(groupId);
     if (group == nullptr || group->cancelled()) {
       return;
     }
     change(*group);
-    goOn(*group);
+    reschedule(*group);
   }
   wake_();
 }
@@ -100,11 +100,11 @@ void CTransferEngine::queueFile(CTransferGroup& group, const FileSpec& spec) {
     requeueFile(group, *known, spec);
     return;
   }
-  const bool sizeKnown = !options_.measuresSources;
+  const bool sizeKnown = !options_.statsSources;
   store_.append(group.id(), spec, {.size = spec.size, .sizeKnown = sizeKnown});
   const std::uint32_t index = group.append(spec.size, sizeKnown);
   if (!sizeKnown) {
-    unmeasured_.add({group.id(), index});
+    pendingSizes_.add({group.id(), index});
   }
 }
 
@@ -119,17 +119,17 @@ void CTransferEngine::requeueFile(CTransferGroup& group, std::uint32_t index,
   // A renewed URL may go on with what is there, another place may not. What lies on disk only was
   // not asked for its place; its partial file is checked before it is used, wherever it is.
   if (store_.place({group.id(), index}).value_or(spec.place) != spec.place) {
-    book_.discardRest(group, index);
+    table_.discardRest(group, index);
   }
   store_.replace({group.id(), index}, spec);
   group.forgetRetries(index);
   if (phase == FilePhase::kCompleted || phase == FilePhase::kFailed) {
-    book_.move(group, index, FilePhase::kWaiting);
+    table_.move(group, index, FilePhase::kWaiting);
   }
-  if (options_.measuresSources) {
-    unmeasured_.add({group.id(), index});
+  if (options_.statsSources) {
+    pendingSizes_.add({group.id(), index});
   } else {
-    book_.setSize(group, index, spec.size);
+    table_.setSize(group, index, spec.size);
   }
 }
 
@@ -137,7 +137,7 @@ void CTransferEngine::dequeueFiles(std::int32_t groupId, const std::vector<std::
   change(groupId, [&](CTransferGroup& group) {
     for (const std::string& fileId : fileIds) {
       if (const auto index = store_.find(groupId, fileId)) {
-        book_.remove(group, *index);
+        table_.remove(group, *index);
       }
     }
   });
@@ -146,17 +146,17 @@ void CTransferEngine::dequeueFiles(std::int32_t groupId, const std::vector<std::
 void CTransferEngine::setMarked(std::int32_t groupId, bool marked) {
   change(groupId, [&](CTransferGroup& group) {
     group.setMarked(marked);
-    book_.keep(group);
+    table_.keep(group);
   });
 }
 
 void CTransferEngine::pauseGroup(std::int32_t groupId) {
   change(groupId, [&](CTransferGroup& group) {
     group.setPaused(true);
-    book_.keep(group);
-    book_.hold(group, FilePhase::kPaused, false);
+    table_.keep(group);
+    table_.hold(group, FilePhase::kPaused, false);
     for (const std::uint32_t index : group.backingOff()) {
-      book_.move(group, index, FilePhase::kPaused);
+      table_.move(group, index, FilePhase::kPaused);
     }
   });
 }
@@ -164,29 +164,29 @@ void CTransferEngine::pauseGroup(std::int32_t groupId) {
 void CTransferEngine::resumeGroup(std::int32_t groupId) {
   change(groupId, [&](CTransferGroup& group) {
     group.setPaused(false);
-    book_.keep(group);
+    table_.keep(group);
     group.pace.notBefore = TimePoint{};
     group.pace.troubles = 0;
     group.pace.waitingFor.reset();
     for (const std::uint32_t index : group.backingOff()) {
-      book_.move(group, index, FilePhase::kWaiting);
+      table_.move(group, index, FilePhase::kWaiting);
     }
     for (const std::uint32_t index : group.takePaused()) {
       if (group.file(index).phase == FilePhase::kPaused) {
-        book_.move(group, index, FilePhase::kWaiting);
+        table_.move(group, index, FilePhase::kWaiting);
       }
     }
     for (const std::uint32_t index : group.takeFailed()) {
       if (group.file(index).phase == FilePhase::kFailed) {
         group.forgetRetries(index);
-        book_.move(group, index, FilePhase::kWaiting);
+        table_.move(group, index, FilePhase::kWaiting);
       }
     }
   });
 }
 
 void CTransferEngine::cancelGroup(std::int32_t groupId) {
-  change(groupId, [&](CTransferGroup& group) { book_.cancel(group); });
+  change(groupId, [&](CTransferGroup& group) { table_.cancel(group); });
 }
 
 void CTransferEngine::setSettings(const Settings& settings) {
@@ -201,11 +201,11 @@ void CTransferEngine::start() {
   {
     const std::lock_guard lock(mutex_);
     planner_.start();
-    book_.reporter().setRunning(true);
-    book_.forgetCancelled();
-    for (const auto& [id, group] : book_.groups()) {
+    table_.eventThrottle().setRunning(true);
+    table_.forgetCancelled();
+    for (const auto& [id, group] : table_.groups()) {
       planner_.list(*group);
-      book_.tellAnew(*group);
+      table_.notifyAnew(*group);
     }
   }
   wake_();
@@ -214,16 +214,16 @@ void CTransferEngine::start() {
 void CTransferEngine::stop() {
   const std::lock_guard lock(mutex_);
   planner_.stop();
-  book_.reporter().setRunning(false);
-  for (const auto& [id, group] : book_.groups()) {
-    book_.hold(*group, FilePhase::kWaiting, true);
+  table_.eventThrottle().setRunning(false);
+  for (const auto& [id, group] : table_.groups()) {
+    table_.hold(*group, FilePhase::kWaiting, true);
     for (const std::uint32_t index : group->backingOff()) {
       group->changePhase(index, FilePhase::kWaiting);
     }
     group->pace = {};
   }
-  book_.dropStops();
-  book_.leftovers().stop();
+  table_.dropStops();
+  table_.cleanups().stop();
 }
 
 CTransferEngine::Work CTransferEngine::takeWork() {
@@ -245,24 +245,25 @@ void CTransferEngine::onAttemptsDone(const std::vector<AttemptEnd>& ends) {
     const std::lock_guard lock(mutex_);
     CTransferGroup* touched = nullptr;
     for (const auto& [id, outcome] : ends) {
-      Job* job = book_.jobs().find(id);
-      if (job == nullptr) {
+      RunningAttempt* attempt = table_.attempts().find(id);
+      if (attempt == nullptr) {
         continue;  // stopped in the meantime
       }
-      const FileRef file = job->file;
-      CTransferGroup& group = *book_.find(file.groupId);
+      const FileRef file = attempt->file;
+      CTransferGroup& group = *table_.find(file.groupId);
       if (touched != nullptr && touched != &group) {
-        goOn(*touched);
+        reschedule(*touched);
       }
       touched = &group;
       const bool done = outcome.kind == AttemptOutcome::Kind::kDone;
-      foldProgress(*job, group, clock_.now());
-      book_.end(*job, group, done ? CTransferBook::Rest::kForget : CTransferBook::Rest::kKeep);
+      foldProgress(*attempt, group, clock_.now());
+      table_.end(*attempt, group,
+                 done ? CTransferTable::Rest::kForget : CTransferTable::Rest::kKeep);
       lines.emplace_back(done ? ILog::Priority::kInformation : ILog::Priority::kWarning,
-                         planner_.settle(group, file.index, outcome));
+                         planner_.applyOutcome(group, file.index, outcome));
     }
     if (touched != nullptr) {
-      goOn(*touched);
+      reschedule(*touched);
     }
   }
   for (const auto& [priority, line] : lines) {
@@ -270,62 +271,62 @@ void CTransferEngine::onAttemptsDone(const std::vector<AttemptEnd>& ends) {
   }
 }
 
-void CTransferEngine::goOn(CTransferGroup& group) {
+void CTransferEngine::reschedule(CTransferGroup& group) {
   planner_.list(group);
-  book_.tell(group);
+  table_.notify(group);
 }
 
-bool CTransferEngine::onAttemptCheckpoint(JobId id) {
+bool CTransferEngine::onAttemptCheckpoint(AttemptId id) {
   const std::lock_guard lock(mutex_);
   return keepResume(id);
 }
 
 // False when it was stopped.
-bool CTransferEngine::keepResume(JobId id) {
-  const Job* job = book_.jobs().find(id);
-  if (job != nullptr) {
-    book_.keepResume(*job);
+bool CTransferEngine::keepResume(AttemptId id) {
+  const RunningAttempt* attempt = table_.attempts().find(id);
+  if (attempt != nullptr) {
+    table_.keepResume(*attempt);
   }
-  return job != nullptr;
+  return attempt != nullptr;
 }
 
-bool CTransferEngine::onAttemptLanding(JobId id) {
+bool CTransferEngine::onAttemptFinalizing(AttemptId id) {
   {
     const std::lock_guard lock(mutex_);
-    Job* job = book_.jobs().find(id);
-    if (job == nullptr) {
+    RunningAttempt* attempt = table_.attempts().find(id);
+    if (attempt == nullptr) {
       return false;
     }
-    job->landing = true;
+    attempt->finalization = true;
   }
   wake_();
   return true;
 }
 
-void CTransferEngine::keepDurably(const std::vector<JobId>& jobs) {
+void CTransferEngine::keepDurably(const std::vector<AttemptId>& attempts) {
   {
     const std::lock_guard lock(mutex_);
-    for (const JobId job : jobs) {
-      keepResume(job);
+    for (const AttemptId attemptId : attempts) {
+      keepResume(attemptId);
     }
   }
-  settle_();
+  flush_();
 }
 
-void CTransferEngine::onLeftBehind(Leftover leftover) {
+void CTransferEngine::onOrphaned(Orphan orphan) {
   {
     const std::lock_guard lock(mutex_);
-    book_.leftovers().addOnce(std::move(leftover));
+    table_.cleanups().addOnce(std::move(orphan));
   }
   wake_();
 }
 
-void CTransferEngine::onDiscarded(LeftoverId id, const AttemptOutcome& outcome) {
+void CTransferEngine::onCleanedUp(OrphanId id, const AttemptOutcome& outcome) {
   const bool done = outcome.kind == AttemptOutcome::Kind::kDone;
   std::string message;
   {
     const std::lock_guard lock(mutex_);
-    message = book_.leftovers().settle(id, outcome);
+    message = table_.cleanups().applyOutcome(id, outcome);
   }
   if (!message.empty()) {
     log_.write(done ? ILog::Priority::kInformation : ILog::Priority::kWarning, message);
@@ -335,68 +336,69 @@ void CTransferEngine::onDiscarded(LeftoverId id, const AttemptOutcome& outcome) 
 
 bool CTransferEngine::isTransferring() const {
   const std::lock_guard lock(mutex_);
-  return !book_.jobs().empty();
+  return !table_.attempts().empty();
 }
 
 bool CTransferEngine::collectProgress() {
   const std::lock_guard lock(mutex_);
   const TimePoint now = clock_.now();
-  for (auto& [id, job] : book_.jobs()) {
-    CTransferGroup& group = *book_.find(job.file.groupId);
-    if (foldProgress(job, group, now)) {
+  for (auto& [id, attempt] : table_.attempts()) {
+    CTransferGroup& group = *table_.find(attempt.file.groupId);
+    if (foldProgress(attempt, group, now)) {
       group.pace.waitingFor.reset();
-      book_.tell(group);
+      table_.notify(group);
     }
-    if (job.counted != job.told && now - job.toldAt >= CReporter::kInterval) {
-      job.told = job.counted;
-      job.toldAt = now;
-      book_.reporter().file(book_.fileState(group, job.file.index));
+    if (attempt.counted != attempt.reported &&
+        now - attempt.reportedAt >= CEventThrottle::kInterval) {
+      attempt.reported = attempt.counted;
+      attempt.reportedAt = now;
+      table_.eventThrottle().file(table_.fileState(group, attempt.file.index));
     }
   }
-  book_.reporter().tellDue(
-      [this](std::int32_t groupId) -> const CTransferGroup* { return book_.find(groupId); }, now);
-  return !book_.jobs().empty() || book_.reporter().hasDue();
+  table_.eventThrottle().notifyDue(
+      [this](std::int32_t groupId) -> const CTransferGroup* { return table_.find(groupId); }, now);
+  return !table_.attempts().empty() || table_.eventThrottle().hasDue();
 }
 
-std::vector<CTransferEngine::Unmeasured> CTransferEngine::takeUnmeasured(std::size_t limit) {
+std::vector<CTransferEngine::PendingSize> CTransferEngine::takePendingSizes(std::size_t limit) {
   const std::lock_guard lock(mutex_);
-  return unmeasured_.take(limit, store_, [this](FileRef file) {
-    const CTransferGroup* group = book_.find(file.groupId);
+  return pendingSizes_.take(limit, store_, [this](FileRef file) {
+    const CTransferGroup* group = table_.find(file.groupId);
     return group != nullptr && !group->cancelled() &&
            group->file(file.index).phase == FilePhase::kWaiting;
   });
 }
 
-bool CTransferEngine::hasUnmeasured() const {
+bool CTransferEngine::hasPendingSizes() const {
   const std::lock_guard lock(mutex_);
-  return unmeasured_.ready();
+  return pendingSizes_.ready();
 }
 
-void CTransferEngine::applySizes(const std::vector<Measured>& sizes) {
+void CTransferEngine::applySizes(const std::vector<FileSize>& sizes) {
   const std::lock_guard lock(mutex_);
   CTransferGroup* touched = nullptr;
   for (const auto& [file, size] : sizes) {
-    CTransferGroup* group = book_.find(file.groupId);
+    CTransferGroup* group = table_.find(file.groupId);
     if (touched != nullptr && touched != group) {
-      book_.tell(*touched);
+      table_.notify(*touched);
     }
     touched = group;
     // A file that was begun meanwhile knows better.
     if (group != nullptr && !group->cancelled() &&
         group->file(file.index).phase == FilePhase::kWaiting) {
-      book_.setSize(*group, file.index, size);
+      table_.setSize(*group, file.index, size);
     }
   }
   if (touched != nullptr) {
-    book_.tell(*touched);
+    table_.notify(*touched);
   }
 }
 
 void CTransferEngine::specsArrived(std::int32_t groupId) {
   {
     const std::lock_guard lock(mutex_);
-    unmeasured_.goOn();
-    CTransferGroup* group = book_.find(groupId);
+    pendingSizes_.reschedule();
+    CTransferGroup* group = table_.find(groupId);
     if (group != nullptr && !group->cancelled()) {
       planner_.list(*group);
     }

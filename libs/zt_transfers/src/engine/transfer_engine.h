@@ -7,14 +7,14 @@
 #include <string>
 #include <vector>
 
+#include "base/log.h"
 #include "engine/attempt.h"
-#include "engine/queue_store.h"
-#include "engine/transfer_table.h"
-#include "engine/transfer_group.h"
 #include "engine/pending_sizes.h"
+#include "engine/queue_store.h"
+#include "engine/transfer_group.h"
+#include "engine/transfer_table.h"
 #include "engine/work.h"
 #include "engine/work_planner.h"
-#include "base/log.h"
 
 namespace zt_transfers {
 
@@ -29,12 +29,12 @@ class CTransferEngine final : public IAttemptObserver {
   struct Options {
     std::string activity = "upload";  // for the log
     bool needsMark = true;            // see CTransferGroup
-    bool measuresSources = true;      // sizes are found on this machine, see takeUnmeasured
+    bool statsSources = true;         // sizes are found on this machine, see takePendingSizes
     BackoffPolicy backoff{};
   };
   using Settings = TransferSettings;
   using Work = TransferWork;
-  using Unmeasured = CUnmeasuredFiles::File;
+  using PendingSize = CPendingSizes::File;
   // A group for a report to the service.
   struct GroupReport {
     struct FailedFile {
@@ -48,26 +48,26 @@ class CTransferEngine final : public IAttemptObserver {
     std::uint32_t filesFailed = 0;
     std::vector<FailedFile> failures{};  // the newest first; not all, if there are many
   };
-  struct Measured {
+  struct FileSize {
     FileRef file;
     std::uint64_t size = 0;
   };
 
   // All must outlive the engine.
-  struct Surroundings {
+  struct Dependencies {
     const IClock& clock;
     IQueueStore& store;
     CEventQueue& events;
     ILog& log;
   };
 
-  CTransferEngine(Options options, const Surroundings& surroundings);
+  CTransferEngine(Options options, const Dependencies& dependencies);
 
   // Called, unlocked and from any thread, when there may be work. Set before anything else.
   void setWake(std::function<void()> wake) { wake_ = std::move(wake); }
 
   // Called, unlocked and from any thread: what was noted so far should be on disk when it returns.
-  void setSettle(std::function<void()> settle) { settle_ = std::move(settle); }
+  void setFlush(std::function<void()> applyOutcome) { flush_ = std::move(applyOutcome); }
 
   // Takes the place of all groups there are. Between `stop` and `start` only.
   void restore(RestoredQueue queue);
@@ -96,11 +96,11 @@ class CTransferEngine final : public IAttemptObserver {
   Work takeWork();
 
   void onAttemptsDone(const std::vector<AttemptEnd>& ends) override;
-  bool onAttemptCheckpoint(JobId job) override;
-  bool onAttemptLanding(JobId job) override;
-  void keepDurably(const std::vector<JobId>& jobs) override;
-  void onLeftBehind(Leftover leftover) override;
-  void onDiscarded(LeftoverId id, const AttemptOutcome& outcome) override;
+  bool onAttemptCheckpoint(AttemptId attemptId) override;
+  bool onAttemptFinalizing(AttemptId attemptId) override;
+  void keepDurably(const std::vector<AttemptId>& attempts) override;
+  void onOrphaned(Orphan orphan) override;
+  void onCleanedUp(OrphanId id, const AttemptOutcome& outcome) override;
 
   // For the thread that reports: adds progress that is due to the events; false when nothing is
   // under way that could make progress.
@@ -109,10 +109,10 @@ class CTransferEngine final : public IAttemptObserver {
   bool isTransferring() const;
 
   // For the pool: up to `limit` files whose size is not known yet, and what was found. There can be
-  // some that `hasUnmeasured` leaves out while their descriptions are being brought.
-  std::vector<Unmeasured> takeUnmeasured(std::size_t limit);
-  bool hasUnmeasured() const;
-  void applySizes(const std::vector<Measured>& sizes);
+  // some that `hasPendingSizes` leaves out while their descriptions are being brought.
+  std::vector<PendingSize> takePendingSizes(std::size_t limit);
+  bool hasPendingSizes() const;
+  void applySizes(const std::vector<FileSize>& sizes);
 
   // For the store: descriptions that were asked for have come, or cannot be had.
   void specsArrived(std::int32_t groupId);
@@ -121,8 +121,8 @@ class CTransferEngine final : public IAttemptObserver {
   // Does this to a group that is there and not cancelled.
   void change(std::int32_t groupId, const std::function<void(CTransferGroup&)>& change);
   void queueFile(CTransferGroup& group, const FileSpec& spec);
-  void goOn(CTransferGroup& group);
-  bool keepResume(JobId job);
+  void reschedule(CTransferGroup& group);
+  bool keepResume(AttemptId attemptId);
   void requeueFile(CTransferGroup& group, std::uint32_t index, const FileSpec& spec);
 
   // Constant after construction.
@@ -132,13 +132,13 @@ class CTransferEngine final : public IAttemptObserver {
   CEventQueue& events_;
   ILog& log_;
   std::function<void()> wake_;
-  std::function<void()> settle_;
+  std::function<void()> flush_;
 
   mutable std::mutex mutex_;
   // Guarded by mutex_.
-  CTransferBook book_;
+  CTransferTable table_;
   CWorkPlanner planner_;
-  CUnmeasuredFiles unmeasured_;
+  CPendingSizes pendingSizes_;
 };
 
 }  // namespace zt_transfers

@@ -7,11 +7,11 @@
 #include <utility>
 #include <vector>
 
-#include "engine/failure_log.h"
 #include "engine/attempt_table.h"
 #include "engine/cleanup_queue.h"
-#include "engine/queue_store.h"
 #include "engine/event_throttle.h"
+#include "engine/failure_log.h"
+#include "engine/queue_store.h"
 #include "engine/resume_table.h"
 #include "engine/transfer_group.h"
 #include "engine/work.h"
@@ -22,14 +22,14 @@ namespace zt_transfers {
 // the group, kept in the store and reported at once, so that the three never differ.
 //
 // Thread: none of its own; the engine guards it.
-class CTransferBook {
+class CTransferTable {
  public:
   using Groups = std::map<std::int32_t, std::unique_ptr<CTransferGroup>>;
   enum class Rest { kKeep, kForget };  // what becomes of what the attempt leaves
 
   // `activity`: for the log. The others must outlive it.
-  CTransferBook(std::string activity, const IClock& clock, IQueueStore& store, CEventQueue& events,
-                const BackoffPolicy& backoff);
+  CTransferTable(std::string activity, const IClock& clock, IQueueStore& store, CEventQueue& events,
+                 const BackoffPolicy& backoff);
 
   // Null when there is none.
   CTransferGroup* find(std::int32_t groupId);
@@ -44,10 +44,10 @@ class CTransferBook {
   void keep(const CTransferGroup& group);
   // The group as a whole is over.
   void cancel(CTransferGroup& group);
-  void tell(const CTransferGroup& group) { reporter_.group(group, clock_.now()); }
+  void notify(const CTransferGroup& group) { eventThrottle_.group(group, clock_.now()); }
   // The group, and the first thousand of its failed files.
-  void tellAnew(const CTransferGroup& group);
-  CReporter& reporter() { return reporter_; }
+  void notifyAnew(const CTransferGroup& group);
+  CEventThrottle& eventThrottle() { return eventThrottle_; }
 
   // A file takes this step.
   void move(CTransferGroup& group, std::uint32_t index, FilePhase to);
@@ -56,14 +56,14 @@ class CTransferBook {
   void setSize(CTransferGroup& group, std::uint32_t index, std::uint64_t size);
   void remove(CTransferGroup& group, std::uint32_t index);
 
-  CJobTable& jobs() { return jobs_; }
-  const CJobTable& jobs() const { return jobs_; }
+  CAttemptTable& attempts() { return attempts_; }
+  const CAttemptTable& attempts() const { return attempts_; }
   // The order to begin a file, which runs from here on.
   StartOrder begin(CTransferGroup& group, std::uint32_t index, FileSpec spec);
   // What the attempt would leave now.
-  void keepResume(const Job& job);
+  void keepResume(const RunningAttempt& attempt);
   // The attempt has ended.
-  void end(const Job& job, CTransferGroup& group, Rest rest);
+  void end(const RunningAttempt& attempt, CTransferGroup& group, Rest rest);
   // Stops what uses the network of the group, or everything; its files go on to `then`.
   void hold(CTransferGroup& group, FilePhase then, bool everything);
   // Has what attempts have left of a file cleared away.
@@ -71,9 +71,9 @@ class CTransferBook {
   std::vector<AttemptStop> takeStops() { return std::exchange(stops_, {}); }
   // Nothing runs any more, also not what was not stopped yet.
   void dropStops();
-  CLeftoverBook& leftovers() { return leftovers_; }
+  CCleanupQueue& cleanups() { return cleanups_; }
 
-  const CFailureBook& failures() const { return failures_; }
+  const CFailureLog& failures() const { return failures_; }
   FileState fileState(const CTransferGroup& group, std::uint32_t index) const;
   // For the log.
   std::string fileText(const CTransferGroup& group, std::uint32_t index);
@@ -81,22 +81,23 @@ class CTransferBook {
  private:
   void keepFile(const CTransferGroup& group, std::uint32_t index);
   void restore(RestoredGroup& restored, bool needsMark);
-  void stop(JobId id, CTransferGroup& group, Rest rest);
-  void keepRest(const Job& job, CTransferGroup& group, const TransferResume& resume);
-  void save(const Job& job, const CTransferGroup& group, const TransferResume& resume);
-  void leave(const Job& job, CTransferGroup& group);
+  void stop(AttemptId id, CTransferGroup& group, Rest rest);
+  void keepRest(const RunningAttempt& attempt, CTransferGroup& group, const TransferResume& resume);
+  void save(const RunningAttempt& attempt, const CTransferGroup& group,
+            const TransferResume& resume);
+  void leave(const RunningAttempt& attempt, CTransferGroup& group);
 
   const std::string activity_;
   const IClock& clock_;
   IQueueStore& store_;
   std::int32_t lastGroupId_ = 0;
   Groups groups_;
-  CJobTable jobs_;
-  CResumeBook resumes_;
-  CFailureBook failures_;
+  CAttemptTable attempts_;
+  CResumeTable resumes_;
+  CFailureLog failures_;
   std::vector<AttemptStop> stops_;
-  CLeftoverBook leftovers_;
-  CReporter reporter_;
+  CCleanupQueue cleanups_;
+  CEventThrottle eventThrottle_;
 };
 
 }  // namespace zt_transfers

@@ -39,7 +39,7 @@ struct SentPart {
 // An upload in parts that was begun on a server, and how far it is. Parts have all the same size,
 // but for the last one.
 struct UploadSession {
-  static constexpr std::uint32_t kMostParts = 10'000;  // that a server takes
+  static constexpr std::uint32_t kMaxParts = 10'000;  // that a server takes
 
   std::string uploadId;  // empty: nothing was begun
   std::string url;       // with these two it can be gone on with, or aborted

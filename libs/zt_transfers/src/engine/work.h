@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "engine/attempt.h"
 #include "base/clock.h"
+#include "engine/attempt.h"
 
 namespace zt_transfers {
 
@@ -22,7 +22,7 @@ struct TransferSettings {
 // What the network thread is to do now, in this order.
 struct TransferWork {
   std::vector<AttemptStop> stops;
-  std::vector<DiscardOrder> discards;
+  std::vector<CleanupTask> cleanups;
   std::vector<StartOrder> starts;
   std::vector<std::string> failures;  // lines for the log, written already
   std::optional<TimePoint> nextDue;   // when to ask again, without another reason to

@@ -9,7 +9,7 @@ namespace {
 constexpr int kStartsAtOnce = 512;
 
 // Files that have arrived and are being put in place, beside those that use the network.
-constexpr std::size_t kMostLanding = 128;
+constexpr std::size_t kMaxFinalizing = 128;
 
 }  // namespace
 
@@ -28,19 +28,19 @@ void CWorkPlanner::list(CTransferGroup& group) {
 
 TransferWork CWorkPlanner::takeWork(bool congested) {
   TransferWork work;
-  work.stops = book_.takeStops();
+  work.stops = table_.takeStops();
   if (!running_) {
     return work;
   }
-  work.discards = book_.leftovers().takeDue();
-  for (DiscardOrder& order : work.discards) {
+  work.cleanups = table_.cleanups().takeDue();
+  for (CleanupTask& order : work.cleanups) {
     order.proxy = settings_.proxy;
   }
   wakeRetries();
   if (!congested) {
     beginReady(work);
   }
-  for (const auto due : {schedule_.nextDue(), book_.leftovers().nextDue()}) {
+  for (const auto due : {schedule_.nextDue(), table_.cleanups().nextDue()}) {
     if (due && (!work.nextDue || *due < *work.nextDue)) {
       work.nextDue = due;
     }
@@ -51,7 +51,7 @@ TransferWork CWorkPlanner::takeWork(bool congested) {
 void CWorkPlanner::wakeRetries() {
   const TimePoint now = clock_.now();
   while (const auto due = schedule_.takeDue(now)) {
-    CTransferGroup* group = book_.find(due->file.groupId);
+    CTransferGroup* group = table_.find(due->file.groupId);
     if (group == nullptr || group->cancelled()) {
       continue;
     }
@@ -66,7 +66,8 @@ void CWorkPlanner::beginReady(TransferWork& work) {
   const std::size_t most = std::max<std::uint32_t>(settings_.maxConcurrent, 1);
   const TimePoint now = clock_.now();
   const auto hasRoom = [&] {
-    return book_.jobs().transferring() < most && book_.jobs().size() < most + kMostLanding;
+    return table_.attempts().transferring() < most &&
+           table_.attempts().size() < most + kMaxFinalizing;
   };
   for (int starts = 0; hasRoom(); ++starts) {
     if (starts == kStartsAtOnce) {
@@ -77,7 +78,7 @@ void CWorkPlanner::beginReady(TransferWork& work) {
     if (!groupId) {
       return;
     }
-    CTransferGroup* group = book_.find(*groupId);
+    CTransferGroup* group = table_.find(*groupId);
     if (group == nullptr) {
       continue;
     }
@@ -107,7 +108,7 @@ bool CWorkPlanner::beginNext(CTransferGroup& group, TransferWork& work) {
   }
   auto spec = store_.spec({group.id(), *index});
   if (!spec) {
-    if (store_.bring({group.id(), *index})) {
+    if (store_.load({group.id(), *index})) {
       group.putBack(*index);
       return false;  // the engine is told when it comes
     }
@@ -118,33 +119,33 @@ bool CWorkPlanner::beginNext(CTransferGroup& group, TransferWork& work) {
     failWaiting(group, *index, {failure::kUrlExpired, "its URL has expired"}, work);
     return true;
   }
-  StartOrder& order = work.starts.emplace_back(book_.begin(group, *index, std::move(*spec)));
+  StartOrder& order = work.starts.emplace_back(table_.begin(group, *index, std::move(*spec)));
   order.verify = settings_.verify;
   order.proxy = settings_.proxy;
   order.parts = settings_.parts;
-  order.mostAtOnce = std::max<std::uint32_t>(settings_.maxConcurrent, 1);
-  book_.tell(group);
+  order.maxConcurrent = std::max<std::uint32_t>(settings_.maxConcurrent, 1);
+  table_.notify(group);
   return true;
 }
 
 void CWorkPlanner::failWaiting(CTransferGroup& group, std::uint32_t index, const Trouble& trouble,
                                TransferWork& work) {
-  work.failures.push_back(book_.fileText(group, index) + ": failed: " + trouble.reason);
-  book_.fail(group, index, failureOf(trouble.code, trouble.reason));
-  book_.tell(group);
+  work.failures.push_back(table_.fileText(group, index) + ": failed: " + trouble.reason);
+  table_.fail(group, index, failureOf(trouble.code, trouble.reason));
+  table_.notify(group);
 }
 
 bool CWorkPlanner::expired(std::uint64_t time) const {
   return time != 0 && static_cast<std::uint64_t>(clock_.secondsSince1970()) >= time;
 }
 
-std::string CWorkPlanner::settle(CTransferGroup& group, std::uint32_t index,
-                                 const AttemptOutcome& outcome) {
+std::string CWorkPlanner::applyOutcome(CTransferGroup& group, std::uint32_t index,
+                                       const AttemptOutcome& outcome) {
   if (outcome.kind == AttemptOutcome::Kind::kDone) {
     group.pace.troubles = 0;
     group.pace.waitingFor.reset();
-    const std::string text = book_.fileText(group, index);
-    book_.move(group, index, FilePhase::kCompleted);
+    const std::string text = table_.fileText(group, index);
+    table_.move(group, index, FilePhase::kCompleted);
     return text + ": completed";
   }
   if (outcome.progressed) {
@@ -153,8 +154,8 @@ std::string CWorkPlanner::settle(CTransferGroup& group, std::uint32_t index,
   if (mayRetry(group.file(index), outcome)) {
     return scheduleRetry(group, index, outcome);
   }
-  const std::string text = book_.fileText(group, index);
-  book_.fail(group, index, failureOf(outcome.code, outcome.reason));
+  const std::string text = table_.fileText(group, index);
+  table_.fail(group, index, failureOf(outcome.code, outcome.reason));
   const std::string after =
       outcome.kind == AttemptOutcome::Kind::kRetry
           ? " after " + std::to_string(group.file(index).retries + 1) + " attempts"
@@ -166,10 +167,10 @@ bool CWorkPlanner::mayRetry(const FileSlot& file, const AttemptOutcome& outcome)
   if (outcome.kind != AttemptOutcome::Kind::kRetry) {
     return false;
   }
-  switch (outcome.blame) {
-    case AttemptOutcome::Blame::kOutside:
+  switch (outcome.retryBudget) {
+    case AttemptOutcome::RetryBudget::kFree:
       return true;
-    case AttemptOutcome::Blame::kUnclear:
+    case AttemptOutcome::RetryBudget::kAtLeastOne:
       return file.retries < std::max<std::uint32_t>(settings_.maxRetries, 1);
     default:
       return file.retries < settings_.maxRetries;
@@ -180,18 +181,18 @@ std::string CWorkPlanner::scheduleRetry(CTransferGroup& group, std::uint32_t ind
                                         const AttemptOutcome& outcome) {
   const TimePoint now = clock_.now();
   retries_.rest(group.pace, outcome, now);
-  book_.move(group, index, FilePhase::kBackingOff);
-  if (outcome.blame == AttemptOutcome::Blame::kOutside) {
+  table_.move(group, index, FilePhase::kBackingOff);
+  if (outcome.retryBudget == AttemptOutcome::RetryBudget::kFree) {
     const auto delay = retries_.delay(std::max<std::uint32_t>(group.pace.troubles, 1), outcome);
     schedule_.addDue({now + delay, {group.id(), index}, false});
-    return book_.fileText(group, index) + ": waits " + std::to_string(delay.count()) +
+    return table_.fileText(group, index) + ": waits " + std::to_string(delay.count()) +
            " ms until it can go on: " + outcome.reason;
   }
   group.countRetry(index);
   const std::uint32_t retry = group.file(index).retries;
   const auto delay = retries_.delay(retry, outcome);
   schedule_.addDue({now + delay, {group.id(), index}, false});
-  return book_.fileText(group, index) + ": attempt " + std::to_string(retry) + " of " +
+  return table_.fileText(group, index) + ": attempt " + std::to_string(retry) + " of " +
          std::to_string(settings_.maxRetries + 1) + " failed, next in " +
          std::to_string(delay.count()) + " ms: " + outcome.reason;
 }

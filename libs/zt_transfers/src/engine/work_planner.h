@@ -18,9 +18,9 @@ namespace zt_transfers {
 class CWorkPlanner {
  public:
   // All must outlive it.
-  CWorkPlanner(CTransferBook& book, IQueueStore& store, const IClock& clock,
+  CWorkPlanner(CTransferTable& book, IQueueStore& store, const IClock& clock,
                const BackoffPolicy& backoff)
-      : book_(book), store_(store), clock_(clock), retries_(backoff) {}
+      : table_(book), store_(store), clock_(clock), retries_(backoff) {}
 
   void setSettings(TransferSettings settings) { settings_ = std::move(settings); }
 
@@ -34,7 +34,8 @@ class CWorkPlanner {
   // `congested`: the program does not keep up with its reports; nothing is begun.
   TransferWork takeWork(bool congested);
   // Moves the file on by its attempt's outcome and gives the line for the log.
-  std::string settle(CTransferGroup& group, std::uint32_t index, const AttemptOutcome& outcome);
+  std::string applyOutcome(CTransferGroup& group, std::uint32_t index,
+                           const AttemptOutcome& outcome);
 
  private:
   void wakeRetries();
@@ -48,7 +49,7 @@ class CWorkPlanner {
   std::string scheduleRetry(CTransferGroup& group, std::uint32_t index,
                             const AttemptOutcome& outcome);
 
-  CTransferBook& book_;
+  CTransferTable& table_;
   IQueueStore& store_;
   const IClock& clock_;
   TransferSettings settings_;

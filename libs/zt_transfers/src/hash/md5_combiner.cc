@@ -39,7 +39,7 @@ void CMd5Combiner::add(Md5State& state, const unsigned char* data, std::size_t b
   std::unique_lock lock(mutex_);
   waiting_.push_back(&own);
   gather(lock, own);
-  changed_.wait(lock, [&] { return own.done || (!own.taken && atWork_ < mostAtWork_); });
+  changed_.wait(lock, [&] { return own.done || (!own.taken && atWork_ < maxRunning_); });
   if (own.done) {
     return;
   }

@@ -17,7 +17,7 @@ namespace zt_transfers {
 class CMd5Combiner {
  public:
   // At most so many threads hash at the same time; the more, the fewer messages each has.
-  explicit CMd5Combiner(unsigned mostAtWork) : mostAtWork_(mostAtWork) {}
+  explicit CMd5Combiner(unsigned maxRunning) : maxRunning_(maxRunning) {}
   CMd5Combiner(const CMd5Combiner&) = delete;
   CMd5Combiner& operator=(const CMd5Combiner&) = delete;
 
@@ -50,7 +50,7 @@ class CMd5Combiner {
   void gather(std::unique_lock<std::mutex>& lock, const Task& own);
   std::vector<Task*> take(Task& own);
 
-  const unsigned mostAtWork_;
+  const unsigned maxRunning_;
 
   std::mutex mutex_;
   std::condition_variable changed_;

@@ -37,10 +37,10 @@ std::optional<std::string> md5OfETag(std::string_view etag) {
 }
 
 std::optional<std::string> compositeOfETag(std::string_view etag) {
-  constexpr std::size_t kMostDigits = 5;  // of the number of parts
+  constexpr std::size_t kMaxDigits = 5;  // of the number of parts
   etag = bareETag(etag);
   const std::string_view count = etag.substr(std::min(etag.size(), kDigestDigits + 1));
-  const bool isCount = !count.empty() && count.size() <= kMostDigits &&
+  const bool isCount = !count.empty() && count.size() <= kMaxDigits &&
                        count.find_first_not_of("0123456789") == std::string_view::npos;
   if (!isCount || etag[kDigestDigits] != '-' || !isDigest(etag.substr(0, kDigestDigits))) {
     return std::nullopt;

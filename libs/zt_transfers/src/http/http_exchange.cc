@@ -10,7 +10,7 @@ namespace zt_transfers {
 namespace {
 
 // libcurl sends no larger body together with the head.
-constexpr std::uint64_t kMostWithHead = 64ULL * 1024 - 1;
+constexpr std::uint64_t kMaxWithHead = 64ULL * 1024 - 1;
 
 constexpr long kLargeUploadBuffer = 64L * 1024;
 constexpr std::uint64_t kLargeReceiveBuffer = 128ULL * 1024;
@@ -18,8 +18,8 @@ constexpr std::uint64_t kSmallReceiveBuffer = 32ULL * 1024;
 
 // libcurl takes memory of that size for each answer and gives it back, and small pieces of memory
 // cost less.
-long receiveBufferFor(std::uint64_t answerSize) {
-  const std::uint64_t wanted = answerSize == 0 ? kLargeReceiveBuffer : answerSize;
+long receiveBufferFor(std::uint64_t responseSize) {
+  const std::uint64_t wanted = responseSize == 0 ? kLargeReceiveBuffer : responseSize;
   return static_cast<long>(std::clamp(wanted, kSmallReceiveBuffer, kLargeReceiveBuffer));
 }
 
@@ -64,7 +64,7 @@ CHttpExchange::CHttpExchange(CHttpLoop& loop, const HttpRequest& request, IHttpS
 
 CHttpExchange::CHttpExchange(CHttpLoop& loop, const HttpRequest& request, IHttpBody* body,
                              IHttpSink* sink, Done done)
-    : loop_(loop), patience_(request.patience), body_(body), sink_(sink), done_(std::move(done)) {
+    : loop_(loop), timeout_(request.timeout), body_(body), sink_(sink), done_(std::move(done)) {
   loop_.assertOnLoop();
   setUpHeaders(request);
   easy_ = loop_.takeEasy();
@@ -132,12 +132,12 @@ void CHttpExchange::setUp(const HttpRequest& request) {
   if (body_ != nullptr) {
     setUpBody(request);
   } else {
-    set(CURLOPT_BUFFERSIZE, receiveBufferFor(request.answerSize));
+    set(CURLOPT_BUFFERSIZE, receiveBufferFor(request.responseSize));
   }
 }
 
 void CHttpExchange::setUpBody(const HttpRequest& request) {
-  if (request.bodySize <= kMostWithHead) {
+  if (request.bodySize <= kMaxWithHead) {
     if (const std::string_view content = body_->takeAll(); !content.empty()) {
       setUpSmallBody(request, content);
       return;
@@ -180,17 +180,17 @@ void CHttpExchange::resumeBody() {
 }
 
 void CHttpExchange::finish(CURLcode code) {
-  answer_.code = bodyCut_ ? CURLE_OK : code;
-  answer_.error = errorText_[0] != '\0' ? errorText_ : curl_easy_strerror(code);
-  curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &answer_.status);
+  response_.code = bodyCut_ ? CURLE_OK : code;
+  response_.error = errorText_[0] != '\0' ? errorText_ : curl_easy_strerror(code);
+  curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &response_.status);
   curl_off_t sent = 0;
   curl_easy_getinfo(easy_.get(), CURLINFO_SIZE_UPLOAD_T, &sent);
-  answer_.bytesSent = static_cast<std::uint64_t>(sent);
+  response_.bytesSent = static_cast<std::uint64_t>(sent);
   // What has ended is not looked at again, however long it is kept.
   loop_.remove(*this);
   // Moved out first, as the receiver may destroy this exchange.
   const Done done = std::move(done_);
-  done(std::move(answer_));
+  done(std::move(response_));
 }
 
 // Whether nothing has moved for too long, and not because this side holds its bytes back.
@@ -204,18 +204,18 @@ bool CHttpExchange::stalledAt(TimePoint now) {
     movedBytes_ = moved;
     movedAt_ = now;
   }
-  answer_.stalled = now - movedAt_ > patience_;
-  return answer_.stalled;
+  response_.stalled = now - movedAt_ > timeout_;
+  return response_.stalled;
 }
 
 void CHttpExchange::takeHeaderLine(std::string_view line) {
   if (startsWithIgnoringCase(line, "HTTP/")) {
-    answer_.headers.clear();  // an interim answer came before
+    response_.headers.clear();  // an interim answer came before
     return;
   }
   const auto colon = line.find(':');
   if (colon != std::string_view::npos) {
-    answer_.headers[loweredAscii(trimmed(line.substr(0, colon)))] =
+    response_.headers[loweredAscii(trimmed(line.substr(0, colon)))] =
         std::string(trimmed(line.substr(colon + 1)));
   }
 }
@@ -248,30 +248,31 @@ std::size_t CHttpExchange::takeHeader(char* data, std::size_t size, std::size_t 
 std::size_t CHttpExchange::takeBody(char* data, std::size_t size, std::size_t count, void* self) {
   auto& exchange = *static_cast<CHttpExchange*>(self);
   return exchange.sink_ != nullptr ? exchange.takeContent(data, size * count)
-                                   : exchange.takeIntoAnswer(data, size * count);
+                                   : exchange.takeIntoResponse(data, size * count);
 }
 
 std::size_t CHttpExchange::takeContent(const char* data, std::size_t size) {
-  if (answer_.status == 0) {
-    curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &answer_.status);
+  if (response_.status == 0) {
+    curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &response_.status);
   }
-  switch (sink_->write(answer_, data, size)) {
+  switch (sink_->write(response_, data, size)) {
     case IHttpSink::Write::kTaken:
       return size;
     case IHttpSink::Write::kLater:
       bodyPaused_ = true;
       return CURL_WRITEFUNC_PAUSE;
-    case IHttpSink::Write::kToAnswer:
+    case IHttpSink::Write::kToResponse:
       sink_ = nullptr;
-      return takeIntoAnswer(data, size);
+      return takeIntoResponse(data, size);
     default:
       return 0;
   }
 }
 
-std::size_t CHttpExchange::takeIntoAnswer(const char* data, std::size_t size) {
-  std::string& body = answer_.body;
-  const std::size_t room = HttpAnswer::kBodyLimit - std::min(HttpAnswer::kBodyLimit, body.size());
+std::size_t CHttpExchange::takeIntoResponse(const char* data, std::size_t size) {
+  std::string& body = response_.body;
+  const std::size_t room =
+      HttpResponse::kBodyLimit - std::min(HttpResponse::kBodyLimit, body.size());
   body.append(data, std::min(room, size));
   // A download need not read the whole of a page that is only there to explain a refusal.
   bodyCut_ = body_ == nullptr && room < size;

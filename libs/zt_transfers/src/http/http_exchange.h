@@ -9,23 +9,23 @@
 #include <vector>
 
 #include "http/curl_handles.h"
-#include "http/http_response.h"
 #include "http/http_loop.h"
+#include "http/http_response.h"
 
 namespace zt_transfers {
 
 // How long nothing may move.
-inline constexpr std::chrono::seconds kUsualPatience{60};
+inline constexpr std::chrono::seconds kDefaultTimeout{60};
 
 struct HttpRequest {
   std::string method = "PUT";
   std::string url;
   std::vector<std::pair<std::string, std::string>> headers;
-  std::uint64_t bodySize = 0;    // bytes; always sent as Content-Length where there is a body
-  std::uint64_t answerSize = 0;  // bytes that are expected, at most; 0: not known
-  std::string proxy;             // empty: the system's
+  std::uint64_t bodySize = 0;      // bytes; always sent as Content-Length where there is a body
+  std::uint64_t responseSize = 0;  // bytes that are expected, at most; 0: not known
+  std::string proxy;               // empty: the system's
   std::string userAgent;
-  std::chrono::seconds patience = kUsualPatience;
+  std::chrono::seconds timeout = kDefaultTimeout;
 };
 
 // Where a request's body comes from. Thread: the loop's.
@@ -52,13 +52,14 @@ class IHttpSink {
  public:
   enum class Write {
     kTaken,
-    kLater,     // the same bytes come again after CHttpExchange::resumeBody
-    kToAnswer,  // they are no content: they go to HttpAnswer::body, and none after them comes here
-    kBroken,    // ends the exchange
+    kLater,       // the same bytes come again after CHttpExchange::resumeBody
+    kToResponse,  // they are no content: they go to HttpResponse::body, and none after them comes
+                  // here
+    kBroken,      // ends the exchange
   };
 
   // `head` has the status and the headers.
-  virtual Write write(const HttpAnswer& head, const char* data, std::size_t size) = 0;
+  virtual Write write(const HttpResponse& head, const char* data, std::size_t size) = 0;
 
  protected:
   ~IHttpSink() = default;
@@ -70,7 +71,7 @@ class IHttpSink {
 // the exchange.
 class CHttpExchange {
  public:
-  using Done = std::function<void(HttpAnswer)>;
+  using Done = std::function<void(HttpResponse)>;
 
   static constexpr std::chrono::seconds kConnectLimit{30};
 
@@ -98,7 +99,7 @@ class CHttpExchange {
   void setUpHeaders(const HttpRequest& request);
   void takeHeaderLine(std::string_view line);
   std::size_t takeContent(const char* data, std::size_t size);
-  std::size_t takeIntoAnswer(const char* data, std::size_t size);
+  std::size_t takeIntoResponse(const char* data, std::size_t size);
 
   static std::size_t readBody(char* to, std::size_t size, std::size_t count, void* self);
   static int seekBody(void* self, curl_off_t offset, int origin);
@@ -106,13 +107,13 @@ class CHttpExchange {
   static std::size_t takeBody(char* data, std::size_t size, std::size_t count, void* self);
 
   CHttpLoop& loop_;
-  const std::chrono::seconds patience_;
+  const std::chrono::seconds timeout_;
   IHttpBody* const body_;  // this or the sink is null
   IHttpSink* sink_;
   Done done_;
   CurlEasy easy_;
   CurlList headers_;
-  HttpAnswer answer_;
+  HttpResponse response_;
   char errorText_[CURL_ERROR_SIZE] = "";
   bool bodyPaused_ = false;
   bool bodyCut_ = false;  // more than is kept of an answer that is no content

@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "http/http_exchange.h"
 #include "base/thread_name.h"
+#include "http/http_exchange.h"
 
 namespace zt_transfers {
 namespace {
@@ -35,7 +35,7 @@ CURLM* newMulti() {
 CHttpLoop::CHttpLoop(std::string name, const IClock& clock)
     : name_(std::move(name)), clock_(clock), multi_(newMulti()) {}
 
-void CHttpLoop::start(Turn turn, std::function<void()> last) {
+void CHttpLoop::start(Tick tick, std::function<void()> last) {
   {
     const std::lock_guard lock(mutex_);
     if (running_) {
@@ -43,10 +43,10 @@ void CHttpLoop::start(Turn turn, std::function<void()> last) {
     }
     running_ = true;
   }
-  thread_ = std::thread([this, turn = std::move(turn), last = std::move(last)] {
+  thread_ = std::thread([this, tick = std::move(tick), last = std::move(last)] {
     loopThread_ = std::this_thread::get_id();
     nameThisThread(name_);
-    run(turn);
+    run(tick);
     last();
     assert(exchanges_.empty());
     idle_.clear();
@@ -94,7 +94,7 @@ void CHttpLoop::assertOnLoop() const {
   assert(std::this_thread::get_id() == loopThread_.load());
 }
 
-void CHttpLoop::run(const Turn& turn) {
+void CHttpLoop::run(const Tick& tick) {
   slept_ = clock_.slept();
   woke_.reset();
   for (;;) {
@@ -102,7 +102,7 @@ void CHttpLoop::run(const Turn& turn) {
     if (!runTasks()) {
       return;
     }
-    std::optional<TimePoint> due = turn();
+    std::optional<TimePoint> due = tick();
     throttle_.serve(clock_.now());
     int active = 0;
     if (!exchanges_.empty()) {

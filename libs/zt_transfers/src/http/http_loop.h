@@ -11,9 +11,9 @@
 #include <thread>
 #include <vector>
 
+#include "base/clock.h"
 #include "http/curl_handles.h"
 #include "http/throttle.h"
-#include "base/clock.h"
 
 namespace zt_transfers {
 
@@ -27,7 +27,7 @@ class CHttpExchange;
 class CHttpLoop {
  public:
   // Called once a turn; gives the time at which it wants another one at the latest.
-  using Turn = std::function<std::optional<TimePoint>()>;
+  using Tick = std::function<std::optional<TimePoint>()>;
 
   CHttpLoop(std::string name, const IClock& clock);
   ~CHttpLoop() { stop(); }
@@ -35,7 +35,7 @@ class CHttpLoop {
   CHttpLoop& operator=(const CHttpLoop&) = delete;
 
   // `last` runs on the loop's thread when it ends; after it no exchange may be left.
-  void start(Turn turn, std::function<void()> last);
+  void start(Tick tick, std::function<void()> last);
   // Joins the thread. Tasks that were posted and not run are dropped.
   void stop();
 
@@ -54,7 +54,7 @@ class CHttpLoop {
   void remove(CHttpExchange& exchange);
 
  private:
-  void run(const Turn& turn);
+  void run(const Tick& tick);
   bool runTasks();
   bool finishExchanges();
   void checkStalls(TimePoint now);

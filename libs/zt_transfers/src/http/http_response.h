@@ -10,7 +10,7 @@
 namespace zt_transfers {
 
 // What came back for a request.
-struct HttpAnswer {
+struct HttpResponse {
   static constexpr std::size_t kBodyLimit =
       std::size_t{64} * 1024;  // bytes kept of an answer's body
 

@@ -49,8 +49,8 @@ bool isRedirect(long status) {
   return status == 301 || status == 302 || status == 307 || status == 308;
 }
 
-std::optional<std::string> redirectTarget(const std::string& url, const HttpAnswer& answer) {
-  const std::string location(answer.header("location"));
+std::optional<std::string> redirectTarget(const std::string& url, const HttpResponse& response) {
+  const std::string location(response.header("location"));
   if (location.empty()) {
     return std::nullopt;
   }

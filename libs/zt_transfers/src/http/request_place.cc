@@ -4,11 +4,11 @@
 
 namespace zt_transfers {
 
-bool CRequestPlace::follow(const HttpAnswer& answer, ILog& log) {
-  if (answer.code != CURLE_OK || !isRedirect(answer.status) || redirects_ == kMostRedirects) {
+bool CRequestPlace::follow(const HttpResponse& response, ILog& log) {
+  if (response.code != CURLE_OK || !isRedirect(response.status) || redirects_ == kMaxRedirects) {
     return false;
   }
-  const auto target = redirectTarget(url_, answer);
+  const auto target = redirectTarget(url_, response);
   if (!target) {
     return false;
   }

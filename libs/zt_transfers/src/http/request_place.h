@@ -3,16 +3,16 @@
 #include <string>
 #include <utility>
 
+#include "base/log.h"
 #include "http/http_response.h"
 #include "http/redirect.h"
-#include "base/log.h"
 
 namespace zt_transfers {
 
 // Where a request goes, and with which headers: both change when the server sends it elsewhere.
 class CRequestPlace {
  public:
-  static constexpr int kMostRedirects = 5;
+  static constexpr int kMaxRedirects = 5;
 
   CRequestPlace(std::string url, HttpHeaders headers)
       : url_(std::move(url)), headers_(std::move(headers)) {}
@@ -22,7 +22,7 @@ class CRequestPlace {
 
   // True when the answer is a redirect that is followed: the request is to be sent again, from
   // the first byte, to the place that this is now.
-  bool follow(const HttpAnswer& answer, ILog& log);
+  bool follow(const HttpResponse& response, ILog& log);
 
  private:
   std::string url_;

@@ -11,7 +11,7 @@
 namespace zt_transfers {
 namespace {
 
-constexpr std::int64_t kMost = 366LL * 24 * 3600;  // seconds; keeps later arithmetic in range
+constexpr std::int64_t kMax = 366LL * 24 * 3600;  // seconds; keeps later arithmetic in range
 
 }  // namespace
 
@@ -24,7 +24,7 @@ std::optional<std::chrono::milliseconds> parseRetryAfter(std::string_view value,
   const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), wait);
   const bool isNumber = end == value.data() + value.size();
   if (isNumber && error == std::errc::result_out_of_range) {
-    wait = kMost;
+    wait = kMax;
   } else if (!isNumber) {
     const time_t date = curl_getdate(std::string(value).c_str(), nullptr);
     if (date < 0) {
@@ -32,7 +32,7 @@ std::optional<std::chrono::milliseconds> parseRetryAfter(std::string_view value,
     }
     wait = static_cast<std::int64_t>(date) - now;
   }
-  return std::chrono::seconds(std::clamp<std::int64_t>(wait, 0, kMost));
+  return std::chrono::seconds(std::clamp<std::int64_t>(wait, 0, kMax));
 }
 
 }  // namespace zt_transfers

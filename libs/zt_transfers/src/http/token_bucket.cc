@@ -9,7 +9,7 @@ namespace {
 
 constexpr double kCapacitySeconds = 0.1;
 // One grant is worth a system call, and at high rates two milliseconds.
-constexpr double kLeastGrant = 16.0 * 1024;
+constexpr double kMinGrant = 16.0 * 1024;
 constexpr double kGrantSeconds = 0.002;
 
 }  // namespace
@@ -68,7 +68,7 @@ double CTokenBucket::capacity() const {
 }
 
 double CTokenBucket::grant() const {
-  return std::min(capacity(), std::max(kLeastGrant, static_cast<double>(rate_) * kGrantSeconds));
+  return std::min(capacity(), std::max(kMinGrant, static_cast<double>(rate_) * kGrantSeconds));
 }
 
 }  // namespace zt_transfers

@@ -4,11 +4,11 @@
 #include <iterator>
 #include <utility>
 
-#include "download/download_runner.h"
-#include "manager/manager_core.h"
-#include "manager/batches.h"
-#include "manager/subscription.h"
 #include "base/wide_bytes.h"
+#include "download/download_runner.h"
+#include "manager/batches.h"
+#include "manager/manager_core.h"
+#include "manager/subscription.h"
 
 namespace zt_transfers {
 namespace {
@@ -40,9 +40,9 @@ class CDownloadManager::Impl {
   Impl()
       : core({.shortName = "down",
               .database = "zt_downloads.db",
-              .engine = {.activity = "download", .needsMark = false, .measuresSources = false},
+              .engine = {.activity = "download", .needsMark = false, .statsSources = false},
               .makeRunner =
-                  [](const CManagerCore::RunnerParts& parts) {
+                  [](const CManagerCore::RunnerDependencies& parts) {
                     return std::make_unique<CDownloadRunner>(parts.loop, parts.pool, parts.log,
                                                              parts.observer);
                   },
@@ -112,7 +112,7 @@ int CDownloadManager::getGroupState(std::int32_t groupId, GroupState& state) {
 
 void CDownloadManager::queueFiles(std::int32_t groupId,
                                   const std::vector<FileDownloadDetails>& files) {
-  inPortions(files, [&](auto begin, auto end) {
+  inBatches(files, [&](auto begin, auto end) {
     std::vector<FileSpec> specs;
     specs.reserve(kFilesAtOnce);
     std::transform(begin, end, std::back_inserter(specs), specOf);
@@ -122,7 +122,7 @@ void CDownloadManager::queueFiles(std::int32_t groupId,
 
 void CDownloadManager::dequeueFiles(std::int32_t groupId,
                                     const std::vector<FileDownloadDetails>& files) {
-  inPortions(files, [&](auto begin, auto end) {
+  inBatches(files, [&](auto begin, auto end) {
     std::vector<std::string> fileIds;
     fileIds.reserve(kFilesAtOnce);
     std::transform(begin, end, std::back_inserter(fileIds),

@@ -3,15 +3,15 @@
 #include <optional>
 #include <utility>
 
-#include "engine/event_throttle.h"
 #include "base/thread_name.h"
+#include "engine/event_throttle.h"
 
 namespace zt_transfers {
 
-CNotifier::CNotifier(std::string name, CEventQueue& events, Calls calls)
+CEventDispatcher::CEventDispatcher(std::string name, CEventQueue& events, Dependencies calls)
     : name_(std::move(name)), events_(events), calls_(std::move(calls)) {}
 
-void CNotifier::start() {
+void CEventDispatcher::start() {
   if (!thread_.joinable()) {
     stopping_ = false;
     thread_ = std::thread([this] {
@@ -21,33 +21,34 @@ void CNotifier::start() {
   }
 }
 
-void CNotifier::stop() {
+void CEventDispatcher::stop() {
   if (thread_.joinable()) {
     {
       const std::lock_guard lock(mutex_);
       stopping_ = true;
     }
     stopped_.notify_all();
-    events_.poke();
+    events_.wake();
     thread_.join();
   }
 }
 
 // So that a burst of events costs one change of threads and not one each.
-bool CNotifier::rest() {
+bool CEventDispatcher::rest() {
   constexpr std::chrono::milliseconds kRest{4};
   std::unique_lock lock(mutex_);
   return !stopped_.wait_for(lock, kRest, [this] { return stopping_; });
 }
 
-void CNotifier::run() {
+void CEventDispatcher::run() {
   bool progressing = true;
   bool last = false;
   TimePoint collected{};
   for (;;) {
-    const auto events = events_.take(last          ? std::optional<Duration>(Duration::zero())
-                                     : progressing ? std::optional<Duration>(CReporter::kInterval)
-                                                   : std::nullopt);
+    const auto events =
+        events_.take(last          ? std::optional<Duration>(Duration::zero())
+                     : progressing ? std::optional<Duration>(CEventThrottle::kInterval)
+                                   : std::nullopt);
     calls_.prepare(events);
     for (const TransferEvent& event : events) {
       calls_.deliver(event);
@@ -59,7 +60,7 @@ void CNotifier::run() {
       return;
     }
     const TimePoint now = std::chrono::steady_clock::now();
-    if (now - collected >= CReporter::kInterval) {
+    if (now - collected >= CEventThrottle::kInterval) {
       collected = now;
       progressing = calls_.collectProgress();
     } else {

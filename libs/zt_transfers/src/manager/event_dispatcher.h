@@ -16,9 +16,9 @@ namespace zt_transfers {
 // runs. Events that follow each other within a few milliseconds are told together.
 //
 // Thread: start and stop by the owner.
-class CNotifier {
+class CEventDispatcher {
  public:
-  struct Calls {
+  struct Dependencies {
     // These are about to be delivered.
     std::function<void(const std::vector<TransferEvent>&)> prepare;
     std::function<void(const TransferEvent&)> deliver;
@@ -28,10 +28,10 @@ class CNotifier {
     std::function<void()> caughtUp;
   };
 
-  CNotifier(std::string name, CEventQueue& events, Calls calls);
-  ~CNotifier() { stop(); }
-  CNotifier(const CNotifier&) = delete;
-  CNotifier& operator=(const CNotifier&) = delete;
+  CEventDispatcher(std::string name, CEventQueue& events, Dependencies calls);
+  ~CEventDispatcher() { stop(); }
+  CEventDispatcher(const CEventDispatcher&) = delete;
+  CEventDispatcher& operator=(const CEventDispatcher&) = delete;
 
   void start();
   // Delivers what is queued, then joins the thread.
@@ -44,7 +44,7 @@ class CNotifier {
 
   const std::string name_;
   CEventQueue& events_;
-  const Calls calls_;
+  const Dependencies calls_;
   std::thread thread_;
 
   std::mutex mutex_;

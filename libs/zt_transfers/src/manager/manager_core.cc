@@ -7,18 +7,18 @@
 #include <thread>
 #include <utility>
 
-#include "hash/md5_blocks.h"
-#include "base/transfer_log.h"
 #include "base/file_url.h"
+#include "base/transfer_log.h"
+#include "hash/md5_blocks.h"
 #include "zt_transfers/global_config.h"
 
 namespace zt_transfers {
 namespace {
 
-constexpr std::size_t kMeasuredAtOnce = 256;
+constexpr std::size_t kMaxStats = 256;
 
 // For the database, before files get their names or are told to be completed nevertheless.
-constexpr std::chrono::milliseconds kMostSettling{1000};
+constexpr std::chrono::milliseconds kMaxFlushTime{1000};
 
 // More than the processor has cores: some of them wait for a disk, and those that hash are served
 // by one of them together.
@@ -42,9 +42,9 @@ std::optional<TimePoint> earliest(std::initializer_list<std::optional<TimePoint>
   return first;
 }
 
-std::vector<CTransferEngine::Measured> measured(
-    const std::vector<CTransferEngine::Unmeasured>& files) {
-  std::vector<CTransferEngine::Measured> sizes;
+std::vector<CTransferEngine::FileSize> sizesOf(
+    const std::vector<CTransferEngine::PendingSize>& files) {
+  std::vector<CTransferEngine::FileSize> sizes;
   sizes.reserve(files.size());
   for (const auto& [file, place] : files) {
     sizes.push_back({file, sizeOfSource(place)});
@@ -54,11 +54,11 @@ std::vector<CTransferEngine::Measured> measured(
 
 }  // namespace
 
-void CManagerCore::CLateLog::open(const std::string& folder) {
+void CManagerCore::CDeferredLog::open(const std::string& folder) {
   log_ = folder.empty() ? nullptr : CTransferLog::inFolder(folder);
 }
 
-void CManagerCore::CLateLog::write(Priority priority, std::string_view message) noexcept {
+void CManagerCore::CDeferredLog::write(Priority priority, std::string_view message) noexcept {
   if (log_) {
     log_->write(priority, message);
   }
@@ -76,17 +76,17 @@ CManagerCore::CManagerCore(Options options)
                 {.loop = loop_,
                  .log = log_,
                  .look = [this](std::int32_t id) { return engine_.report(id); }}),
-      notifier_("zt-tell-" + options_.shortName, events_,
-                {.prepare = [this](const auto& events) { settleCompleted(events); },
-                 .deliver = [this](const auto& event) { deliver(event); },
-                 .collectProgress = [this] { return engine_.collectProgress(); },
-                 .caughtUp = [this] { loop_.wake(); }}),
+      dispatcher_("zt-tell-" + options_.shortName, events_,
+                  {.prepare = [this](const auto& events) { flushCompleted(events); },
+                   .deliver = [this](const auto& event) { deliver(event); },
+                   .collectProgress = [this] { return engine_.collectProgress(); },
+                   .caughtUp = [this] { loop_.wake(); }}),
       sleepGuard_("zt-wake-" + options_.shortName,
                   makeSleepInhibitor("Files are transferred", log_)),
       runner_(
           options_.makeRunner({.loop = loop_, .pool = pool_, .log = log_, .observer = engine_})) {
   engine_.setWake([this] { loop_.wake(); });
-  engine_.setSettle([this] { queue_.settle(kMostSettling); });
+  engine_.setFlush([this] { queue_.flush(kMaxFlushTime); });
 }
 
 CManagerCore::~CManagerCore() {
@@ -137,11 +137,11 @@ void CManagerCore::startup() {
   openQueue();
   log_.information("Starting " + options_.engine.activity + "s");
   engine_.start();
-  notifier_.start();
+  dispatcher_.start();
   sleepGuard_.start();
   pool_.start(kPoolSize);
   loop_.throttle().setRate(throttle_, clock_.now());  // before anything is begun
-  loop_.start([this] { return turn(); },
+  loop_.start([this] { return tick(); },
               [this] {
                 progress_.stop();
                 runner_->stopAll();
@@ -156,12 +156,12 @@ void CManagerCore::shutdown() {
   started_ = false;
   loop_.stop();
   pool_.stop();
-  measuring_ = false;
-  runner_->settle();
+  statting_ = false;
+  runner_->syncToDisk();
   engine_.stop();
   sleepGuard_.setTransferring(false);
   sleepGuard_.stop();
-  notifier_.stop();
+  dispatcher_.stop();
   closeQueue();
   log_.information("Stopped " + options_.engine.activity + "s");
 }
@@ -181,23 +181,23 @@ void CManagerCore::deliver(const TransferEvent& event) {
 }
 
 // What the program is told to be completed is so after a crash as well.
-void CManagerCore::settleCompleted(const std::vector<TransferEvent>& events) {
+void CManagerCore::flushCompleted(const std::vector<TransferEvent>& events) {
   const bool completed = std::any_of(events.begin(), events.end(), [](const TransferEvent& event) {
     const auto* file = std::get_if<FileState>(&event);
     return file != nullptr && file->state == kFileCompleted;
   });
   if (completed) {
-    queue_.settle(kMostSettling);
+    queue_.flush(kMaxFlushTime);
   }
 }
 
-std::optional<TimePoint> CManagerCore::turn() {
-  measureSources();
+std::optional<TimePoint> CManagerCore::tick() {
+  statSources();
   CTransferEngine::Work work = engine_.takeWork();
   for (const AttemptStop& stop : work.stops) {
     runner_->stop(stop);
   }
-  for (const DiscardOrder& order : work.discards) {
+  for (const CleanupTask& order : work.cleanups) {
     runner_->discard(order);
   }
   bool allBegun = true;
@@ -205,8 +205,8 @@ std::optional<TimePoint> CManagerCore::turn() {
     allBegun = runner_->start(std::move(order)) && allBegun;
   }
   sleepGuard_.setTransferring(engine_.isTransferring());
-  const auto attempts = runner_->turn();
-  const auto report = progress_.turn();
+  const auto attempts = runner_->tick();
+  const auto report = progress_.tick();
   if (!allBegun) {
     return clock_.now();  // an attempt that could not even begin has made room for the next
   }
@@ -214,14 +214,14 @@ std::optional<TimePoint> CManagerCore::turn() {
 }
 
 // Lets the pool find sizes, one portion at a time so that transfers get their turn there.
-void CManagerCore::measureSources() {
-  if (measuring_ || !engine_.hasUnmeasured()) {
+void CManagerCore::statSources() {
+  if (statting_ || !engine_.hasPendingSizes()) {
     return;
   }
-  measuring_ = true;
+  statting_ = true;
   pool_.post([this] {
-    engine_.applySizes(measured(engine_.takeUnmeasured(kMeasuredAtOnce)));
-    loop_.post([this] { measuring_ = false; });
+    engine_.applySizes(sizesOf(engine_.takePendingSizes(kMaxStats)));
+    loop_.post([this] { statting_ = false; });
   });
 }
 

@@ -6,15 +6,15 @@
 #include <string>
 #include <vector>
 
+#include "base/log.h"
+#include "base/worker_pool.h"
 #include "engine/event_queue.h"
 #include "engine/transfer_engine.h"
 #include "http/http_loop.h"
-#include "base/log.h"
 #include "manager/event_dispatcher.h"
 #include "power/sleep_guard.h"
 #include "reports/progress_reporter.h"
 #include "store/stored_queue.h"
-#include "base/worker_pool.h"
 #include "zt_transfers/transfer_manager_base.h"
 
 namespace zt_transfers {
@@ -28,7 +28,7 @@ namespace zt_transfers {
 // operations.
 class CManagerCore {
  public:
-  struct RunnerParts {
+  struct RunnerDependencies {
     CHttpLoop& loop;
     CWorkerPool& pool;
     ILog& log;
@@ -38,7 +38,7 @@ class CManagerCore {
     std::string shortName;  // for thread names: "up", "down"
     std::string database;   // name of the queue's file in the application files path
     CTransferEngine::Options engine;
-    std::function<std::unique_ptr<IAttemptRunner>(const RunnerParts&)> makeRunner;
+    std::function<std::unique_ptr<IAttemptRunner>(const RunnerDependencies&)> makeRunner;
     // Called on the telling thread.
     std::function<void(const TransferEvent&)> deliver;
   };
@@ -58,7 +58,7 @@ class CManagerCore {
 
  private:
   // Takes the log's place until the files path is known, which is at startup.
-  class CLateLog : public ILog {
+  class CDeferredLog : public ILog {
    public:
     void open(const std::string& folder);
     void write(Priority priority, std::string_view message) noexcept override;
@@ -70,27 +70,27 @@ class CManagerCore {
   void openQueue();
   void closeQueue();
   void deliver(const TransferEvent& event);
-  void settleCompleted(const std::vector<TransferEvent>& events);
-  std::optional<TimePoint> turn();
-  void measureSources();
+  void flushCompleted(const std::vector<TransferEvent>& events);
+  std::optional<TimePoint> tick();
+  void statSources();
 
   const Options options_;
   const CSystemClock clock_;
-  CLateLog log_;
+  CDeferredLog log_;
   CStoredQueue queue_;
   CEventQueue events_;
   CTransferEngine engine_;
   CWorkerPool pool_;
   CHttpLoop loop_;
   CProgressReporter progress_;
-  CNotifier notifier_;
+  CEventDispatcher dispatcher_;
   CSleepGuard sleepGuard_;
   const std::unique_ptr<IAttemptRunner> runner_;
   std::mutex opening_;
   bool opened_ = false;  // guarded by opening_
   bool started_ = false;
   std::uint64_t throttle_ = 0;
-  bool measuring_ = false;  // the network thread only
+  bool statting_ = false;  // the network thread only
 };
 
 }  // namespace zt_transfers

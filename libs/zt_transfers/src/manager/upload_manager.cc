@@ -4,11 +4,11 @@
 #include <iterator>
 #include <utility>
 
-#include "manager/manager_core.h"
+#include "base/wide_bytes.h"
 #include "manager/batches.h"
+#include "manager/manager_core.h"
 #include "manager/subscription.h"
 #include "reports/report_interval.h"
-#include "base/wide_bytes.h"
 #include "upload/upload_runner.h"
 
 namespace zt_transfers {
@@ -37,19 +37,20 @@ class CUploadManager::Impl {
   Impl()
       : core({.shortName = "up",
               .database = "zt_uploads.db",
-              .engine = {.activity = "upload", .needsMark = true, .measuresSources = true},
+              .engine = {.activity = "upload", .needsMark = true, .statsSources = true},
               .makeRunner =
-                  [](const CManagerCore::RunnerParts& parts) {
+                  [](const CManagerCore::RunnerDependencies& parts) {
                     return std::make_unique<CUploadRunner>(
-                        UploadTools{parts.loop, parts.pool, parts.log, parts.observer});
+                        UploadDependencies{parts.loop, parts.pool, parts.log, parts.observer});
                   },
               .deliver = [this](const TransferEvent& event) { deliver(event); }}) {
     configure();
   }
-  ~Impl() { CReportPace::shared().set(std::chrono::seconds::zero()); }
+  ~Impl() { CReportInterval::shared().set(std::chrono::seconds::zero()); }
 
   void configure() {
-    CReportPace::shared().set(std::chrono::seconds(configuration.serverTransferProgressInterval));
+    CReportInterval::shared().set(
+        std::chrono::seconds(configuration.serverTransferProgressInterval));
     core.configure(configuration);
   }
 
@@ -111,7 +112,7 @@ int CUploadManager::getGroupState(std::int32_t groupId, GroupState& state) {
 }
 
 void CUploadManager::queueFiles(std::int32_t groupId, const std::vector<FileDesc>& files) {
-  inPortions(files, [&](auto begin, auto end) {
+  inBatches(files, [&](auto begin, auto end) {
     std::vector<FileSpec> specs;
     specs.reserve(kFilesAtOnce);
     std::transform(begin, end, std::back_inserter(specs), specOf);
@@ -120,7 +121,7 @@ void CUploadManager::queueFiles(std::int32_t groupId, const std::vector<FileDesc
 }
 
 void CUploadManager::dequeueFile(std::int32_t groupId, const std::vector<FileDesc>& files) {
-  inPortions(files, [&](auto begin, auto end) {
+  inBatches(files, [&](auto begin, auto end) {
     std::vector<std::string> fileIds;
     fileIds.reserve(kFilesAtOnce);
     std::transform(begin, end, std::back_inserter(fileIds),

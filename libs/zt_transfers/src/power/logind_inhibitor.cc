@@ -56,10 +56,10 @@ Taken takeLock(const std::string& reason) {
       sd_bus_call_method(bus.get(), "org.freedesktop.login1", "/org/freedesktop/login1",
                          "org.freedesktop.login1.Manager", "Inhibit", error.get(), &answered,
                          "ssss", "sleep:idle", "Zantrio", reason.c_str(), "block");
-  const Message answer(answered);
+  const Message response(answered);
   int descriptor = -1;
   if (result >= 0) {
-    result = sd_bus_message_read(answer.get(), "h", &descriptor);
+    result = sd_bus_message_read(response.get(), "h", &descriptor);
   }
   if (result < 0) {
     return {{}, "the login manager: " + error.text(result)};

@@ -9,15 +9,15 @@
 namespace zt_transfers {
 namespace {
 
-bool isSuccess(const HttpAnswer& answer) {
-  return answer.code == CURLE_OK && answer.status >= 200 && answer.status < 300;
+bool isSuccess(const HttpResponse& response) {
+  return response.code == CURLE_OK && response.status >= 200 && response.status < 300;
 }
 
 }  // namespace
 
 CProgressReporter::CProgressReporter(std::string direction, Parts parts)
     : direction_(std::move(direction)), parts_(std::move(parts)) {
-  CReportPace::shared().join(parts_.loop);
+  CReportInterval::shared().join(parts_.loop);
 }
 
 void CProgressReporter::note(const GroupSnapshot& shot) {
@@ -44,8 +44,8 @@ void CProgressReporter::setProxy(const std::string& proxy) {
   proxy_ = proxy;
 }
 
-std::optional<TimePoint> CProgressReporter::turn() {
-  const std::chrono::seconds interval = CReportPace::shared().interval();
+std::optional<TimePoint> CProgressReporter::tick() {
+  const std::chrono::seconds interval = CReportInterval::shared().interval();
   if (interval == std::chrono::seconds::zero()) {
     return std::nullopt;  // what has changed meanwhile is told once reports are wanted
   }
@@ -56,7 +56,7 @@ std::optional<TimePoint> CProgressReporter::turn() {
   const auto wait = [&next](TimePoint until) { next = next ? std::min(*next, until) : until; };
   for (auto& [id, group] : groups_) {
     auto due = dueOf(group, interval);
-    if (!group.request && due && *due <= now && underWay_ < kMostAtOnce) {
+    if (!group.request && due && *due <= now && underWay_ < kMaxConcurrent) {
       send(id, group, now);
       due = dueOf(group, interval);
     }
@@ -129,7 +129,7 @@ void CProgressReporter::send(std::int32_t groupId, Group& group, TimePoint now) 
   try {
     group.request = std::make_unique<CReportRequest>(
         parts_.loop, std::move(request), reportText(direction_, *report),
-        [this, groupId](const HttpAnswer& answer) { answered(groupId, answer); });
+        [this, groupId](const HttpResponse& response) { answered(groupId, response); });
   } catch (const std::exception& error) {
     failed(error.what());
     return;
@@ -137,16 +137,16 @@ void CProgressReporter::send(std::int32_t groupId, Group& group, TimePoint now) 
   ++underWay_;
 }
 
-void CProgressReporter::answered(std::int32_t groupId, const HttpAnswer& answer) {
+void CProgressReporter::answered(std::int32_t groupId, const HttpResponse& response) {
   const auto group = groups_.find(groupId);
   group->second.request.reset();
   --underWay_;
-  if (isSuccess(answer)) {
+  if (isSuccess(response)) {
     failing_ = false;
     return;
   }
-  failed(answer.code != CURLE_OK ? answer.error
-                                 : "the service answered " + std::to_string(answer.status));
+  failed(response.code != CURLE_OK ? response.error
+                                   : "the service answered " + std::to_string(response.status));
 }
 
 // Said once until a report arrives again; nobody needs a line for each.

@@ -8,16 +8,16 @@
 #include <optional>
 #include <string>
 
+#include "base/log.h"
 #include "engine/transfer_engine.h"
 #include "http/http_loop.h"
-#include "base/log.h"
 #include "reports/report_interval.h"
 #include "reports/report_request.h"
 
 namespace zt_transfers {
 
-// Tells the service how far groups are and what keeps them: every so often (CReportPace) while a
-// group transfers, and at once when its state changes. Of each group one report is under way at
+// Tells the service how far groups are and what keeps them: every so often (CReportInterval) while
+// a group transfers, and at once when its state changes. Of each group one report is under way at
 // a time, and the next one tells how things are then. A report that fails is dropped.
 //
 // It takes a connection of the loop, but neither a transfer's place nor a share of the limit.
@@ -27,7 +27,7 @@ class CProgressReporter {
   // No answer within this: the report is given up.
   static constexpr std::chrono::seconds kTimeLimit{10};
   // Reports under way, of all groups.
-  static constexpr std::size_t kMostAtOnce = 4;
+  static constexpr std::size_t kMaxConcurrent = 4;
 
   // All must outlive it. `look` tells how a group is now; nothing when it is gone.
   struct Parts {
@@ -38,7 +38,7 @@ class CProgressReporter {
 
   // `direction`: "upload" or "download".
   CProgressReporter(std::string direction, Parts parts);
-  ~CProgressReporter() { CReportPace::shared().leave(parts_.loop); }
+  ~CProgressReporter() { CReportInterval::shared().leave(parts_.loop); }
   CProgressReporter(const CProgressReporter&) = delete;
   CProgressReporter& operator=(const CProgressReporter&) = delete;
 
@@ -47,7 +47,7 @@ class CProgressReporter {
   void setProxy(const std::string& proxy);
 
   // Begins what is due; gives the time of the next report.
-  std::optional<TimePoint> turn();
+  std::optional<TimePoint> tick();
   // Gives up what is under way.
   void stop();
 
@@ -69,7 +69,7 @@ class CProgressReporter {
   void takeNotes();
   void giveUpLate(TimePoint now);
   void send(std::int32_t groupId, Group& group, TimePoint now);
-  void answered(std::int32_t groupId, const HttpAnswer& answer);
+  void answered(std::int32_t groupId, const HttpResponse& response);
   void failed(const std::string& why);
 
   const std::string direction_;

@@ -2,7 +2,7 @@
 
 namespace zt_transfers {
 
-void CReportPace::set(std::chrono::seconds interval) {
+void CReportInterval::set(std::chrono::seconds interval) {
   const std::lock_guard lock(mutex_);
   if (interval_ == interval) {
     return;
@@ -13,17 +13,17 @@ void CReportPace::set(std::chrono::seconds interval) {
   }
 }
 
-std::chrono::seconds CReportPace::interval() const {
+std::chrono::seconds CReportInterval::interval() const {
   const std::lock_guard lock(mutex_);
   return interval_;
 }
 
-void CReportPace::join(CHttpLoop& loop) {
+void CReportInterval::join(CHttpLoop& loop) {
   const std::lock_guard lock(mutex_);
   loops_.insert(&loop);
 }
 
-void CReportPace::leave(CHttpLoop& loop) {
+void CReportInterval::leave(CHttpLoop& loop) {
   const std::lock_guard lock(mutex_);
   loops_.erase(&loop);
 }

@@ -12,10 +12,10 @@ namespace zt_transfers {
 // How often the service is told how far transfers are. Only the uploads' configuration has it, but
 // it holds for downloads as well, so there is one for the process, like the global configuration.
 // Thread: any.
-class CReportPace {
+class CReportInterval {
  public:
-  static CReportPace& shared() {
-    static CReportPace pace;
+  static CReportInterval& shared() {
+    static CReportInterval pace;
     return pace;
   }
 
@@ -28,7 +28,7 @@ class CReportPace {
   void leave(CHttpLoop& loop);
 
  private:
-  CReportPace() = default;
+  CReportInterval() = default;
 
   mutable std::mutex mutex_;
   // Guarded by mutex_.

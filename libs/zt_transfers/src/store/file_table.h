@@ -16,7 +16,7 @@ namespace zt_transfers {
 // The files of one group as they lie in memory: every file's id, and the descriptions of those
 // that are not written to disk yet or are to be begun soon.
 //
-// Thread: none of its own; CQueueStore guards it.
+// Thread: none of its own; CQueueCache guards it.
 class CFileTable {
  public:
   // How much is brought at once, and kept of what has just been queued.

@@ -54,7 +54,7 @@ constexpr const char* kFailures = R"(
   );
 )";
 
-constexpr const char* kLeftovers = R"(
+constexpr const char* kOrphans = R"(
   -- What was left behind and is yet to be cleared away: partial files, sessions on servers.
   CREATE TABLE leftovers(
     id       INTEGER PRIMARY KEY,
@@ -66,7 +66,7 @@ constexpr const char* kLeftovers = R"(
 
 const std::vector<Migration>& queueMigrations() {
   static const std::vector<Migration> migrations{
-      {1, kFirstSchema}, {2, kResumes}, {3, kFailures}, {4, kLeftovers}};
+      {1, kFirstSchema}, {2, kResumes}, {3, kFailures}, {4, kOrphans}};
   return migrations;
 }
 

@@ -93,7 +93,7 @@ void pack(CPacker& packer, const UploadSession& session) {
 
 bool isPlausible(const UploadSession& session) {
   return session.partSize != 0 && session.source.size != 0 &&
-         (session.source.size - 1) / session.partSize < UploadSession::kMostParts;
+         (session.source.size - 1) / session.partSize < UploadSession::kMaxParts;
 }
 
 std::optional<TransferResume> unpackedSession(CUnpacker& unpacker) {
@@ -148,25 +148,25 @@ std::optional<TransferResume> unpackedResume(std::string_view bytes) {
   return first == kSession ? unpackedSession(unpacker) : unpackedDownload(first, unpacker);
 }
 
-std::string packed(const Leftover& leftover) {
+std::string packed(const Orphan& orphan) {
   CPacker packer;
-  packer.number(unsignedTime(leftover.since));
-  packer.text(leftover.folder);
-  packer.text(packed(leftover.resume));
+  packer.number(unsignedTime(orphan.since));
+  packer.text(orphan.folder);
+  packer.text(packed(orphan.resume));
   return packer.bytes();
 }
 
-std::optional<Leftover> unpackedLeftover(std::string_view bytes) {
+std::optional<Orphan> unpackedOrphan(std::string_view bytes) {
   CUnpacker unpacker(bytes);
-  Leftover leftover;
-  leftover.since = static_cast<std::int64_t>(unpacker.number());
-  leftover.folder = unpacker.text();
+  Orphan orphan;
+  orphan.since = static_cast<std::int64_t>(unpacker.number());
+  orphan.folder = unpacker.text();
   auto resume = unpackedResume(unpacker.text());
   if (!unpacker.ok() || !resume) {
     return std::nullopt;
   }
-  leftover.resume = std::move(*resume);
-  return leftover;
+  orphan.resume = std::move(*resume);
+  return orphan;
 }
 
 }  // namespace zt_transfers

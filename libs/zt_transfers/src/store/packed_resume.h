@@ -15,7 +15,7 @@ std::string packed(const TransferResume& resume);
 // Nothing when the bytes make no sense.
 std::optional<TransferResume> unpackedResume(std::string_view bytes);
 
-std::string packed(const Leftover& leftover);
-std::optional<Leftover> unpackedLeftover(std::string_view bytes);
+std::string packed(const Orphan& orphan);
+std::optional<Orphan> unpackedOrphan(std::string_view bytes);
 
 }  // namespace zt_transfers

@@ -21,11 +21,11 @@ struct QueueChange {
     kResume,
     kFailure,
     kFileRemoved,
-    kLeftover,  // new or gone
+    kOrphan,  // new or gone
   };
 
   Kind kind = Kind::kGroup;
-  FileRef file;  // only its group for kGroup and kGroupRemoved; its index is the id of kLeftover
+  FileRef file;       // only its group for kGroup and kGroupRemoved; its index is the id of kOrphan
   StoredState state;  // kFile and kState
 };
 
@@ -38,7 +38,7 @@ struct QueueWrite {
   std::string_view spec{};             // kFile and kSpec; empty: none any more
   std::string_view resume{};           // kResume; empty: none any more
   const Failure* failure = nullptr;    // kFailure
-  std::string_view leftover{};         // kLeftover; empty: gone
+  std::string_view orphan{};           // kOrphan; empty: gone
 };
 
 // Changes in their order, which become durable together.

@@ -8,28 +8,28 @@ namespace zt_transfers {
 
 using Kind = QueueChange::Kind;
 
-void CQueueStore::record(Listener listener) {
+void CQueueCache::record(Listener listener) {
   const std::lock_guard lock(mutex_);
   listener_ = std::move(listener);
 }
 
-void CQueueStore::stopRecording() {
+void CQueueCache::stopRecording() {
   const std::lock_guard lock(mutex_);
   listener_.reset();
   changes_.clear();
   changedGroups_.clear();
   changedResumes_.clear();
   changedFailures_.clear();
-  changedLeftovers_.clear();
+  changedOrphans_.clear();
   requests_.clear();
 }
 
-CFileTable* CQueueStore::table(std::int32_t groupId) const {
+CFileTable* CQueueCache::table(std::int32_t groupId) const {
   const auto found = tables_.find(groupId);
   return found == tables_.end() ? nullptr : found->second.get();
 }
 
-void CQueueStore::note(Kind kind, FileRef file, const StoredState& state) {
+void CQueueCache::note(Kind kind, FileRef file, const StoredState& state) {
   if (listener_) {
     changes_.push_back({kind, file, state});
     ++noted_;
@@ -39,7 +39,7 @@ void CQueueStore::note(Kind kind, FileRef file, const StoredState& state) {
   }
 }
 
-void CQueueStore::saveGroup(const StoredGroup& group) {
+void CQueueCache::saveGroup(const StoredGroup& group) {
   const std::lock_guard lock(mutex_);
   const std::int32_t id = group.identity.id;
   std::unique_ptr<CFileTable>& files = tables_[id];
@@ -52,7 +52,7 @@ void CQueueStore::saveGroup(const StoredGroup& group) {
   }
 }
 
-void CQueueStore::removeGroup(std::int32_t groupId) {
+void CQueueCache::removeGroup(std::int32_t groupId) {
   std::unique_ptr<CFileTable> removed;  // which takes its time, so not under the lock
   const std::lock_guard lock(mutex_);
   const auto found = tables_.find(groupId);
@@ -65,7 +65,7 @@ void CQueueStore::removeGroup(std::int32_t groupId) {
   }
 }
 
-void CQueueStore::append(std::int32_t groupId, const FileSpec& spec, const StoredState& state) {
+void CQueueCache::append(std::int32_t groupId, const FileSpec& spec, const StoredState& state) {
   CPackedSpec packed(spec);
   const std::lock_guard lock(mutex_);
   CFileTable& files = *tables_.at(groupId);
@@ -73,14 +73,14 @@ void CQueueStore::append(std::int32_t groupId, const FileSpec& spec, const Store
   note(Kind::kFile, {groupId, files.size() - 1}, state);
 }
 
-void CQueueStore::replace(FileRef file, const FileSpec& spec) {
+void CQueueCache::replace(FileRef file, const FileSpec& spec) {
   CPackedSpec packed(spec);
   const std::lock_guard lock(mutex_);
   tables_.at(file.groupId)->replace(file.index, std::move(packed));
   note(Kind::kSpec, file);
 }
 
-void CQueueStore::setState(FileRef file, const StoredState& state) {
+void CQueueCache::setState(FileRef file, const StoredState& state) {
   const std::lock_guard lock(mutex_);
   CFileTable& files = *tables_.at(file.groupId);
   if (state.phase == FilePhase::kCompleted) {
@@ -94,19 +94,19 @@ void CQueueStore::setState(FileRef file, const StoredState& state) {
   }
 }
 
-void CQueueStore::remove(FileRef file) {
+void CQueueCache::remove(FileRef file) {
   const std::lock_guard lock(mutex_);
   tables_.at(file.groupId)->remove(file.index);
   resumes_.erase({file.groupId, file.index});
   note(Kind::kFileRemoved, file);
 }
 
-void CQueueStore::saveResume(FileRef file, const TransferResume& resume) {
+void CQueueCache::saveResume(FileRef file, const TransferResume& resume) {
   const std::lock_guard lock(mutex_);
   noteResume(file, resume.begun() ? packed(resume) : std::string());
 }
 
-void CQueueStore::noteResume(FileRef file, std::string packed) {
+void CQueueCache::noteResume(FileRef file, std::string packed) {
   const Key key{file.groupId, file.index};
   const bool changed = packed.empty() ? resumes_.erase(key) != 0 : (resumes_.insert(key), true);
   if (changed && listener_) {
@@ -115,7 +115,7 @@ void CQueueStore::noteResume(FileRef file, std::string packed) {
   }
 }
 
-void CQueueStore::saveFailure(FileRef file, const Failure& failure) {
+void CQueueCache::saveFailure(FileRef file, const Failure& failure) {
   const std::lock_guard lock(mutex_);
   if (listener_) {
     changedFailures_[{file.groupId, file.index}] = failure;
@@ -123,35 +123,35 @@ void CQueueStore::saveFailure(FileRef file, const Failure& failure) {
   }
 }
 
-void CQueueStore::saveLeftover(LeftoverId id, const Leftover& leftover) {
-  noteLeftover(id, packed(leftover));
+void CQueueCache::saveOrphan(OrphanId id, const Orphan& orphan) {
+  noteOrphan(id, packed(orphan));
 }
 
-void CQueueStore::removeLeftover(LeftoverId id) {
-  noteLeftover(id, {});
+void CQueueCache::removeOrphan(OrphanId id) {
+  noteOrphan(id, {});
 }
 
-void CQueueStore::noteLeftover(LeftoverId id, std::string packed) {
+void CQueueCache::noteOrphan(OrphanId id, std::string packed) {
   const std::lock_guard lock(mutex_);
   if (listener_) {
-    changedLeftovers_[id] = std::move(packed);
-    note(Kind::kLeftover, {0, id});
+    changedOrphans_[id] = std::move(packed);
+    note(Kind::kOrphan, {0, id});
   }
 }
 
-std::string CQueueStore::fileId(FileRef file) const {
+std::string CQueueCache::fileId(FileRef file) const {
   const std::lock_guard lock(mutex_);
   return std::string(tables_.at(file.groupId)->fileId(file.index));
 }
 
-std::optional<std::uint32_t> CQueueStore::find(std::int32_t groupId,
+std::optional<std::uint32_t> CQueueCache::find(std::int32_t groupId,
                                                const std::string& fileId) const {
   const std::lock_guard lock(mutex_);
   const CFileTable* files = table(groupId);
   return files == nullptr ? std::nullopt : files->find(fileId);
 }
 
-std::optional<FileSpec> CQueueStore::spec(FileRef file) {
+std::optional<FileSpec> CQueueCache::spec(FileRef file) {
   const std::lock_guard lock(mutex_);
   CFileTable& files = *tables_.at(file.groupId);
   auto spec = files.spec(file.index).unpacked();
@@ -164,12 +164,12 @@ std::optional<FileSpec> CQueueStore::spec(FileRef file) {
   return spec;
 }
 
-std::optional<std::string> CQueueStore::place(FileRef file) const {
+std::optional<std::string> CQueueCache::place(FileRef file) const {
   const std::lock_guard lock(mutex_);
   return tables_.at(file.groupId)->spec(file.index).place();
 }
 
-bool CQueueStore::bring(FileRef file) {
+bool CQueueCache::load(FileRef file) {
   const std::lock_guard lock(mutex_);
   if (!listener_) {
     return false;
@@ -184,31 +184,31 @@ bool CQueueStore::bring(FileRef file) {
       break;
   }
   // With the next ones, or it will soon be asked for those; fewer when much is in memory.
-  const std::uint32_t count = held_ < kMostHeld ? CFileTable::kWindow : CFileTable::kWindow / 16;
+  const std::uint32_t count = held_ < kMaxHeld ? CFileTable::kWindow : CFileTable::kWindow / 16;
   files.setAhead(file.index + count);
   request({file.groupId, file.index, file.index + count});
   return true;
 }
 
-void CQueueStore::request(const Range& range) {
+void CQueueCache::request(const Range& range) {
   requests_.push_back(range);
   listener_->requested();
 }
 
-void CQueueStore::clear() {
+void CQueueCache::clear() {
   const std::lock_guard lock(mutex_);
   tables_.clear();
   resumes_.clear();
 }
 
-void CQueueStore::restoreGroup(std::int32_t groupId) {
+void CQueueCache::restoreGroup(std::int32_t groupId) {
   const std::lock_guard lock(mutex_);
   auto files = std::make_unique<CFileTable>(held_);
   files->setAhead(0);
   tables_[groupId] = std::move(files);
 }
 
-void CQueueStore::restoreFile(FileRef file, std::string_view fileId) {
+void CQueueCache::restoreFile(FileRef file, std::string_view fileId) {
   const std::lock_guard lock(mutex_);
   CFileTable& files = *tables_.at(file.groupId);
   while (files.size() < file.index) {
@@ -217,27 +217,27 @@ void CQueueStore::restoreFile(FileRef file, std::string_view fileId) {
   files.restore(fileId);
 }
 
-void CQueueStore::restoreResume(FileRef file) {
+void CQueueCache::restoreResume(FileRef file) {
   const std::lock_guard lock(mutex_);
   resumes_.insert({file.groupId, file.index});
 }
 
-std::size_t CQueueStore::changesWaiting() const {
+std::size_t CQueueCache::changesWaiting() const {
   const std::lock_guard lock(mutex_);
   return changes_.size();
 }
 
-std::uint64_t CQueueStore::changesNoted() const {
+std::uint64_t CQueueCache::changesNoted() const {
   const std::lock_guard lock(mutex_);
   return noted_;
 }
 
-std::uint64_t CQueueStore::changesTaken() const {
+std::uint64_t CQueueCache::changesTaken() const {
   const std::lock_guard lock(mutex_);
   return noted_ - changes_.size();
 }
 
-QueueBatch CQueueStore::collect(std::size_t most) {
+QueueBatch CQueueCache::collect(std::size_t most) {
   QueueBatch batch;
   batch.writes.reserve(most);
   for (std::size_t done = 0; done < most; done += kAtOnce) {
@@ -247,7 +247,7 @@ QueueBatch CQueueStore::collect(std::size_t most) {
   return batch;
 }
 
-void CQueueStore::collectSome(QueueBatch& batch, std::size_t most) {
+void CQueueCache::collectSome(QueueBatch& batch, std::size_t most) {
   for (std::size_t done = 0; done < most && !changes_.empty(); ++done) {
     QueueWrite write{.change = changes_.front()};
     changes_.pop_front();
@@ -258,7 +258,7 @@ void CQueueStore::collectSome(QueueBatch& batch, std::size_t most) {
 }
 
 // False when there is nothing to be written any more.
-bool CQueueStore::fillIn(QueueWrite& write, QueueBatch& batch) {
+bool CQueueCache::fillIn(QueueWrite& write, QueueBatch& batch) {
   const auto [kind, file, state] = write.change;
   CFileTable* files = table(file.groupId);
   if (kind == Kind::kGroupRemoved) {
@@ -285,10 +285,10 @@ bool CQueueStore::fillIn(QueueWrite& write, QueueBatch& batch) {
     }
     return changed && files != nullptr;
   }
-  if (kind == Kind::kLeftover) {
-    const auto changed = changedLeftovers_.extract(file.index);
+  if (kind == Kind::kOrphan) {
+    const auto changed = changedOrphans_.extract(file.index);
     if (changed) {
-      write.leftover = CTextArena::at(batch.texts.add(changed.mapped()));
+      write.orphan = CTextArena::at(batch.texts.add(changed.mapped()));
     }
     return static_cast<bool>(changed);
   }
@@ -306,7 +306,7 @@ bool CQueueStore::fillIn(QueueWrite& write, QueueBatch& batch) {
   return true;
 }
 
-void CQueueStore::written(const QueueBatch& batch) {
+void CQueueCache::written(const QueueBatch& batch) {
   std::vector<CPackedSpec> released;  // given free without the lock
   for (std::size_t done = 0; done < batch.writes.size(); done += kAtOnce) {
     const std::lock_guard lock(mutex_);
@@ -317,14 +317,14 @@ void CQueueStore::written(const QueueBatch& batch) {
       if (files == nullptr || batch.writes[at].spec.empty() || !files->endWrite(file.index)) {
         continue;
       }
-      if (!files->soon(file.index) || held_ > kMostHeld) {
+      if (!files->soon(file.index) || held_ > kMaxHeld) {
         released.push_back(files->release(file.index));
       }
     }
   }
 }
 
-void CQueueStore::putBack(const QueueBatch& batch) {
+void CQueueCache::putBack(const QueueBatch& batch) {
   const std::lock_guard lock(mutex_);
   for (auto write = batch.writes.rbegin(); write != batch.writes.rend(); ++write) {
     const FileRef file = write->change.file;
@@ -335,8 +335,8 @@ void CQueueStore::putBack(const QueueBatch& batch) {
     if (write->change.kind == Kind::kResume) {
       changedResumes_.emplace(Key{file.groupId, file.index}, write->resume);
     }
-    if (write->change.kind == Kind::kLeftover) {
-      changedLeftovers_.emplace(file.index, write->leftover);
+    if (write->change.kind == Kind::kOrphan) {
+      changedOrphans_.emplace(file.index, write->orphan);
     }
     if (write->failure != nullptr) {
       changedFailures_.emplace(Key{file.groupId, file.index}, *write->failure);
@@ -349,7 +349,7 @@ void CQueueStore::putBack(const QueueBatch& batch) {
   }
 }
 
-std::optional<CQueueStore::Range> CQueueStore::takeRequest() {
+std::optional<CQueueCache::Range> CQueueCache::takeRequest() {
   const std::lock_guard lock(mutex_);
   if (requests_.empty()) {
     return std::nullopt;
@@ -359,7 +359,7 @@ std::optional<CQueueStore::Range> CQueueStore::takeRequest() {
   return range;
 }
 
-void CQueueStore::arrive(FileRef file, std::string_view spec) {
+void CQueueCache::arrive(FileRef file, std::string_view spec) {
   const std::lock_guard lock(mutex_);
   CFileTable* files = table(file.groupId);
   if (files != nullptr && file.index < files->size()) {
@@ -367,7 +367,7 @@ void CQueueStore::arrive(FileRef file, std::string_view spec) {
   }
 }
 
-void CQueueStore::endArrival(const Range& range) {
+void CQueueCache::endArrival(const Range& range) {
   const std::lock_guard lock(mutex_);
   if (CFileTable* files = table(range.groupId)) {
     files->endArrival(range.from, range.to);

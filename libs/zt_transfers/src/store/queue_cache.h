@@ -25,7 +25,7 @@ namespace zt_transfers {
 // queue stays in memory.
 //
 // Thread: any.
-class CQueueStore : public IQueueStore {
+class CQueueCache : public IQueueStore {
  public:
   // Descriptions of files, to be read.
   struct Range {
@@ -34,7 +34,7 @@ class CQueueStore : public IQueueStore {
     std::uint32_t to = 0;  // the first one not to be read
   };
 
-  CQueueStore() = default;
+  CQueueCache() = default;
 
   // Called from any thread, under the store's lock.
   struct Listener {
@@ -55,13 +55,13 @@ class CQueueStore : public IQueueStore {
   void remove(FileRef file) override;
   void saveResume(FileRef file, const TransferResume& resume) override;
   void saveFailure(FileRef file, const Failure& failure) override;
-  void saveLeftover(LeftoverId id, const Leftover& leftover) override;
-  void removeLeftover(LeftoverId id) override;
+  void saveOrphan(OrphanId id, const Orphan& orphan) override;
+  void removeOrphan(OrphanId id) override;
   std::string fileId(FileRef file) const override;
   std::optional<std::uint32_t> find(std::int32_t groupId, const std::string& fileId) const override;
   std::optional<FileSpec> spec(FileRef file) override;
   std::optional<std::string> place(FileRef file) const override;
-  bool bring(FileRef file) override;
+  bool load(FileRef file) override;
 
   // For what reads the queue at the start: all is forgotten, then each group with its files in
   // the order of their indices.
@@ -87,7 +87,7 @@ class CQueueStore : public IQueueStore {
 
  private:
   // Written descriptions in memory, of all groups together.
-  static constexpr std::size_t kMostHeld = 8192;
+  static constexpr std::size_t kMaxHeld = 8192;
 
   using Key = std::pair<std::int32_t, std::uint32_t>;  // of a file
 
@@ -96,7 +96,7 @@ class CQueueStore : public IQueueStore {
 
   CFileTable* table(std::int32_t groupId) const;
   void noteResume(FileRef file, std::string packed);
-  void noteLeftover(LeftoverId id, std::string packed);
+  void noteOrphan(OrphanId id, std::string packed);
   void note(QueueChange::Kind kind, FileRef file, const StoredState& state = {});
   void request(const Range& range);
   void collectSome(QueueBatch& batch, std::size_t most);
@@ -108,10 +108,10 @@ class CQueueStore : public IQueueStore {
   std::size_t held_ = 0;
   std::unordered_map<std::int32_t, std::unique_ptr<CFileTable>> tables_;
   std::unordered_map<std::int32_t, StoredGroup> changedGroups_;  // not written yet
-  std::map<Key, std::string> changedResumes_;           // not written yet; empty: none any more
-  std::map<Key, Failure> changedFailures_;              // not written yet
-  std::map<LeftoverId, std::string> changedLeftovers_;  // not written yet; empty: gone
-  std::set<Key> resumes_;                               // files that have one
+  std::map<Key, std::string> changedResumes_;       // not written yet; empty: none any more
+  std::map<Key, Failure> changedFailures_;          // not written yet
+  std::map<OrphanId, std::string> changedOrphans_;  // not written yet; empty: gone
+  std::set<Key> resumes_;                           // files that have one
   std::deque<QueueChange> changes_;
   std::uint64_t noted_ = 0;
   std::deque<Range> requests_;

@@ -12,7 +12,7 @@ namespace zt_transfers {
 namespace {
 
 // A larger database is checked no further than it is read; a damaged page shows when it is.
-constexpr std::int64_t kMostChecked = 32LL * 1024 * 1024;  // bytes
+constexpr std::int64_t kMaxChecked = 32LL * 1024 * 1024;  // bytes
 
 std::int64_t rowOf(FileRef file) {
   return (std::int64_t{file.groupId} << 32) | std::int64_t{file.index};
@@ -113,7 +113,7 @@ CQueueDatabase::CQueueDatabase(const std::string& path, const std::vector<Migrat
 
 void CQueueDatabase::check(const std::string& path) {
   struct stat status {};
-  if (::stat(path.c_str(), &status) != 0 || status.st_size > kMostChecked) {
+  if (::stat(path.c_str(), &status) != 0 || status.st_size > kMaxChecked) {
     return;
   }
   const std::string verdict = connection_.text("PRAGMA quick_check(1)");
@@ -147,9 +147,9 @@ CQueueDatabase::Statements::Statements(sqlite3* connection)
                "SELECT id, code, reason FROM (SELECT * FROM failures WHERE id BETWEEN ? AND ? "
                "AND (SELECT state FROM files WHERE files.id = failures.id) = 2 "
                "ORDER BY id DESC LIMIT ?) ORDER BY id"),
-      saveLeftover(connection, "INSERT OR REPLACE INTO leftovers VALUES(?, ?)"),
-      removeLeftover(connection, "DELETE FROM leftovers WHERE id = ?"),
-      leftovers(connection, "SELECT id, leftover FROM leftovers ORDER BY id"),
+      saveOrphan(connection, "INSERT OR REPLACE INTO leftovers VALUES(?, ?)"),
+      removeOrphan(connection, "DELETE FROM leftovers WHERE id = ?"),
+      orphans(connection, "SELECT id, leftover FROM leftovers ORDER BY id"),
       removedGroup(connection, "SELECT id FROM removed_groups LIMIT 1"),
       sweepFiles(connection,
                  "DELETE FROM files WHERE id IN "
@@ -188,14 +188,14 @@ void CQueueDatabase::read(const Reader& reader) {
     }
     readFailures(id, reader);
   }
-  readLeftovers(reader);
+  readOrphans(reader);
 }
 
-void CQueueDatabase::readLeftovers(const Reader& reader) {
-  CSqliteStatement& leftovers = statements_->leftovers;
-  while (leftovers.step()) {
-    if (const auto leftover = unpackedLeftover(leftovers.bytes(1))) {
-      reader.leftover(static_cast<LeftoverId>(leftovers.number(0)), *leftover);
+void CQueueDatabase::readOrphans(const Reader& reader) {
+  CSqliteStatement& orphans = statements_->orphans;
+  while (orphans.step()) {
+    if (const auto orphan = unpackedOrphan(orphans.bytes(1))) {
+      reader.orphan(static_cast<OrphanId>(orphans.number(0)), *orphan);
     }
   }
 }
@@ -203,7 +203,7 @@ void CQueueDatabase::readLeftovers(const Reader& reader) {
 void CQueueDatabase::readFailures(std::int32_t groupId, const Reader& reader) {
   CSqliteStatement& failures = statements_->failures;
   failures.bind(1, rowOf({groupId, 0})).bind(2, rowOf({groupId, 0xFFFFFFFF}));
-  failures.bind(3, std::int64_t{CFailureBook::kMostOfAGroup});
+  failures.bind(3, std::int64_t{CFailureLog::kMaxOfAGroup});
   while (failures.step()) {
     reader.failure(fileOf(failures.number(0)),
                    {std::string(failures.bytes(1)), std::string(failures.bytes(2))});
@@ -265,8 +265,8 @@ void CQueueDatabase::write(const QueueWrite& write) {
       statements_->removeResume.bind(1, row).run();
       statements_->removeFailure.bind(1, row).run();
       break;
-    case QueueChange::Kind::kLeftover:
-      writeLeftover(file.index, write.leftover);
+    case QueueChange::Kind::kOrphan:
+      writeOrphan(file.index, write.orphan);
       break;
   }
 }
@@ -303,11 +303,11 @@ void CQueueDatabase::writeResume(std::int64_t id, std::string_view resume) {
   }
 }
 
-void CQueueDatabase::writeLeftover(LeftoverId id, std::string_view leftover) {
-  if (leftover.empty()) {
-    statements_->removeLeftover.bind(1, id).run();
+void CQueueDatabase::writeOrphan(OrphanId id, std::string_view orphan) {
+  if (orphan.empty()) {
+    statements_->removeOrphan.bind(1, id).run();
   } else {
-    statements_->saveLeftover.bind(1, id).bindBytes(2, leftover).run();
+    statements_->saveOrphan.bind(1, id).bindBytes(2, orphan).run();
   }
 }
 

@@ -39,7 +39,7 @@ class CQueueDatabase {
     std::function<void(FileRef, const TransferResume&)> resume;
     // Why files of that group failed, in ascending order; the last ones only, if there are many.
     std::function<void(FileRef, const Failure&)> failure;
-    std::function<void(LeftoverId, const Leftover&)> leftover;
+    std::function<void(OrphanId, const Orphan&)> orphan;
   };
   void read(const Reader& reader);
   // The highest id that a group ever had; 0 without one.
@@ -60,9 +60,9 @@ class CQueueDatabase {
   void writeGroup(const StoredGroup& group);
   void writeResume(std::int64_t id, std::string_view resume);
   void writeState(std::int64_t id, const QueueWrite& write);
-  void writeLeftover(LeftoverId id, std::string_view leftover);
+  void writeOrphan(OrphanId id, std::string_view orphan);
   void readFailures(std::int32_t groupId, const Reader& reader);
-  void readLeftovers(const Reader& reader);
+  void readOrphans(const Reader& reader);
   void check(const std::string& path);
 
   CSqliteConnection connection_;
@@ -88,9 +88,9 @@ class CQueueDatabase {
     CSqliteStatement saveFailure;
     CSqliteStatement removeFailure;
     CSqliteStatement failures;
-    CSqliteStatement saveLeftover;
-    CSqliteStatement removeLeftover;
-    CSqliteStatement leftovers;
+    CSqliteStatement saveOrphan;
+    CSqliteStatement removeOrphan;
+    CSqliteStatement orphans;
     CSqliteStatement removedGroup;
     CSqliteStatement sweepFiles;
     CSqliteStatement sweepSpecs;

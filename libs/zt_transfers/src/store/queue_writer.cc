@@ -8,7 +8,7 @@
 namespace zt_transfers {
 namespace {
 
-constexpr std::size_t kMostWritten = 4096;  // changes at once
+constexpr std::size_t kMaxWritten = 4096;  // changes at once
 
 TimePoint now() {
   return std::chrono::steady_clock::now();
@@ -23,14 +23,14 @@ CQueueWriter::CQueueWriter(std::string name, const Parts& parts,
                            [this] {
                              const std::lock_guard lock(mutex_);
                              if (!std::exchange(changed_, true)) {
-                               poked_.notify_one();
+                               woken_.notify_one();
                              }
                            },
                        .requested =
                            [this] {
                              const std::lock_guard lock(mutex_);
                              requested_ = true;
-                             poked_.notify_one();
+                             woken_.notify_one();
                            }});
   thread_ = std::thread([this] {
     nameThisThread(name_);
@@ -44,7 +44,7 @@ CQueueWriter::~CQueueWriter() {
     const std::lock_guard lock(mutex_);
     stopping_ = true;
   }
-  poked_.notify_one();
+  woken_.notify_one();
   thread_.join();
   parts_.store.stopRecording();
   database_.reset();
@@ -59,19 +59,19 @@ bool CQueueWriter::flush() {
   // A try that is under way may have begun before there was room again: its failure says nothing.
   const std::uint64_t next = tries_ + 1;
   ordered_ = true;
-  poked_.notify_one();
+  woken_.notify_one();
   finished_.wait(lock, [&] { return durable_ >= wanted || failedTry_ >= next; });
   return durable_ >= wanted;
 }
 
-void CQueueWriter::settle(std::chrono::milliseconds limit) {
+void CQueueWriter::flush(std::chrono::milliseconds limit) {
   const std::uint64_t wanted = parts_.store.changesNoted();
   std::unique_lock lock(mutex_);
   if (failing_ || durable_ >= wanted) {
     return;
   }
   ordered_ = true;
-  poked_.notify_one();
+  woken_.notify_one();
   finished_.wait_for(lock, limit, [&] { return failing_ || durable_ >= wanted; });
 }
 
@@ -96,9 +96,9 @@ void CQueueWriter::wait() {
   std::unique_lock lock(mutex_);
   const auto urgent = [this] { return stopping_ || ordered_ || requested_; };
   if (due_) {
-    poked_.wait_until(lock, *due_, urgent);
+    woken_.wait_until(lock, *due_, urgent);
   } else if (!sweeping_) {
-    poked_.wait(lock, [&] { return urgent() || changed_; });
+    woken_.wait(lock, [&] { return urgent() || changed_; });
   }
   if (!due_ && changed_) {
     due_ = now() + pace_.gather;
@@ -113,7 +113,7 @@ void CQueueWriter::serveRequests() {
   }
 }
 
-void CQueueWriter::serve(const CQueueStore::Range& range) {
+void CQueueWriter::serve(const CQueueCache::Range& range) {
   if (!database_) {
     return;
   }
@@ -140,7 +140,7 @@ void CQueueWriter::writeDue() {
   if (!done) {
     due_ = now() + retry_;
   } else if (const std::size_t waiting = parts_.store.changesWaiting()) {
-    due_ = waiting < kMostWritten ? now() + pace_.gather : now();
+    due_ = waiting < kMaxWritten ? now() + pace_.gather : now();
   }
   tellFinished(done);
 }
@@ -178,7 +178,7 @@ bool CQueueWriter::writeBatch() {
       return parts_.store.changesWaiting() == 0;
     }
   }
-  const QueueBatch batch = parts_.store.collect(kMostWritten);
+  const QueueBatch batch = parts_.store.collect(kMaxWritten);
   if (batch.writes.empty()) {
     return true;
   }

@@ -10,8 +10,8 @@
 #include <string>
 #include <thread>
 
-#include "base/log.h"
 #include "base/clock.h"
+#include "base/log.h"
 #include "store/database_file.h"
 #include "store/queue_cache.h"
 
@@ -30,7 +30,7 @@ class CQueueWriter {
     std::chrono::milliseconds lastRetry{30000};  // they double up to it
   };
   struct Parts {
-    CQueueStore& store;
+    CQueueCache& store;
     CDatabaseFile& file;
     ILog& log;
     // Descriptions of this group's files have come, or cannot be read. Called on the writer's
@@ -50,13 +50,13 @@ class CQueueWriter {
   bool flush();
   // Waits until the changes so far are durable, but no longer than `limit`, nor while they cannot
   // be written. Thread: any.
-  void settle(std::chrono::milliseconds limit);
+  void flush(std::chrono::milliseconds limit);
 
  private:
   void run();
   void wait();
   void serveRequests();
-  void serve(const CQueueStore::Range& range);
+  void serve(const CQueueCache::Range& range);
   // Writes if it is time to.
   void writeDue();
   bool takeOrder();
@@ -78,7 +78,7 @@ class CQueueWriter {
   std::string damage_;  // why the database is to be set aside
 
   std::mutex mutex_;
-  std::condition_variable poked_;
+  std::condition_variable woken_;
   std::condition_variable finished_;
   // Guarded by mutex_.
   bool changed_ = false;

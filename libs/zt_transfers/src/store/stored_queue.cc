@@ -5,7 +5,7 @@
 namespace zt_transfers {
 namespace {
 
-constexpr std::size_t kMostGap = 20'000'000;  // files removed in a row
+constexpr std::size_t kMaxGap = 20'000'000;  // files removed in a row
 
 }  // namespace
 
@@ -43,43 +43,42 @@ std::optional<RestoredQueue> CStoredQueue::open(const std::string& path) {
 
 void CStoredQueue::load(CQueueDatabase& database, RestoredQueue& found) {
   store_.clear();
-  found = {.lastGroupId = database.lastGroupId(), .groups = {}, .leftovers = {}};
-  database.read(
-      {.group =
-           [&](const StoredGroup& group) {
-             found.groups.push_back({group, {}, {}, {}});
-             store_.restoreGroup(group.identity.id);
-           },
-       .file =
-           [&](FileRef file, const StoredState& state, std::string_view fileId) {
-             auto& files = found.groups.back().files;
-             if (file.index - files.size() > kMostGap) {
-               throw CQueueDatabase::CUnusable("a file's place makes no sense");
-             }
-             files.resize(file.index, {.phase = FilePhase::kRemoved});
-             files.push_back(state);
-             store_.restoreFile(file, fileId);
-           },
-       .resume =
-           [&](FileRef file, const TransferResume& resume) {
-             if (file.index < found.groups.back().files.size()) {
-               found.groups.back().resumes.emplace_back(file.index, resume);
-               store_.restoreResume(file);
-             }
-           },
-       .failure =
-           [&](FileRef file, const Failure& failure) {
-             if (file.index < found.groups.back().files.size()) {
-               found.groups.back().failures.emplace_back(file.index, failure);
-             }
-           },
-       .leftover = [&](LeftoverId id,
-                       const Leftover& leftover) { found.leftovers.emplace_back(id, leftover); }});
+  found = {.lastGroupId = database.lastGroupId(), .groups = {}, .orphans = {}};
+  database.read({.group =
+                     [&](const StoredGroup& group) {
+                       found.groups.push_back({group, {}, {}, {}});
+                       store_.restoreGroup(group.identity.id);
+                     },
+                 .file =
+                     [&](FileRef file, const StoredState& state, std::string_view fileId) {
+                       auto& files = found.groups.back().files;
+                       if (file.index - files.size() > kMaxGap) {
+                         throw CQueueDatabase::CUnusable("a file's place makes no sense");
+                       }
+                       files.resize(file.index, {.phase = FilePhase::kRemoved});
+                       files.push_back(state);
+                       store_.restoreFile(file, fileId);
+                     },
+                 .resume =
+                     [&](FileRef file, const TransferResume& resume) {
+                       if (file.index < found.groups.back().files.size()) {
+                         found.groups.back().resumes.emplace_back(file.index, resume);
+                         store_.restoreResume(file);
+                       }
+                     },
+                 .failure =
+                     [&](FileRef file, const Failure& failure) {
+                       if (file.index < found.groups.back().files.size()) {
+                         found.groups.back().failures.emplace_back(file.index, failure);
+                       }
+                     },
+                 .orphan = [&](OrphanId id,
+                               const Orphan& orphan) { found.orphans.emplace_back(id, orphan); }});
 }
 
-void CStoredQueue::settle(std::chrono::milliseconds limit) {
+void CStoredQueue::flush(std::chrono::milliseconds limit) {
   if (writer_) {
-    writer_->settle(limit);
+    writer_->flush(limit);
   }
 }
 

@@ -35,7 +35,7 @@ class CStoredQueue {
   std::optional<RestoredQueue> open(const std::string& path);
   bool isOpen() const { return writer_ != nullptr; }
   // See CQueueWriter. Thread: any, while it is open or closed and stays so.
-  void settle(std::chrono::milliseconds limit);
+  void flush(std::chrono::milliseconds limit);
   // Writes everything and gives the database free. False when something cannot be written: then it
   // stays open.
   bool close();
@@ -49,7 +49,7 @@ class CStoredQueue {
   ILog& log_;
   const std::function<void(std::int32_t)> arrived_;
   const CQueueWriter::Pace pace_;
-  CQueueStore store_;
+  CQueueCache store_;
   std::unique_ptr<CDatabaseFile> file_;
   std::unique_ptr<CQueueWriter> writer_;
 };

@@ -8,8 +8,8 @@
 
 namespace zt_transfers {
 
-CFileRequest::CFileRequest(const UploadTools& tools, Order order, IListener& listener)
-    : tools_(tools),
+CFileRequest::CFileRequest(const UploadDependencies& dependencies, Order order, IListener& listener)
+    : dependencies_(dependencies),
       order_(std::move(order)),
       listener_(listener),
       place_(order_.url, order_.headers) {}
@@ -20,14 +20,15 @@ CFileRequest::~CFileRequest() {
 
 void CFileRequest::begin() {
   sent_ = 0;
-  source_ = std::make_shared<CUploadSource>(tools_.loop, tools_.pool, order_.source, *this);
+  source_ =
+      std::make_shared<CUploadSource>(dependencies_.loop, dependencies_.pool, order_.source, *this);
   source_->open();
 }
 
 void CFileRequest::close() {
   if (exchange_) {
     exchange_.reset();
-    tools_.loop.throttle().leave(*this);
+    dependencies_.loop.throttle().leave(*this);
   }
   if (source_) {
     source_->close();
@@ -48,12 +49,13 @@ void CFileRequest::onSourceOpened(const SourceVersion& version) {
   request.userAgent = CZtTransfersGlobalConfig::getInstance()->userAgent();
   try {
     exchange_ = std::make_unique<CHttpExchange>(
-        tools_.loop, request, *this, [this](const HttpAnswer& answer) { onAnswer(answer); });
+        dependencies_.loop, request, *this,
+        [this](const HttpResponse& response) { onResponse(response); });
   } catch (const std::exception& error) {
     listener_.onRequestFailed(*this, {failure::kBadRequest, error.what()});
     return;
   }
-  tools_.loop.throttle().enter(*this);
+  dependencies_.loop.throttle().enter(*this);
 }
 
 void CFileRequest::onSourceReady() {
@@ -71,9 +73,9 @@ IHttpBody::Read CFileRequest::read(char* to, std::size_t room, std::size_t& copi
   if (available == 0) {
     return sent_ == size_ ? Read::kData : Read::kLater;
   }
-  CThrottle& throttle = tools_.loop.throttle();
+  CThrottle& throttle = dependencies_.loop.throttle();
   const auto granted =
-      static_cast<std::size_t>(throttle.take(*this, available, tools_.loop.clock().now()));
+      static_cast<std::size_t>(throttle.take(*this, available, dependencies_.loop.clock().now()));
   if (granted == 0) {
     return Read::kLater;
   }
@@ -84,7 +86,7 @@ IHttpBody::Read CFileRequest::read(char* to, std::size_t room, std::size_t& copi
 }
 
 std::string_view CFileRequest::takeAll() {
-  if (tools_.loop.throttle().limited()) {
+  if (dependencies_.loop.throttle().limited()) {
     return {};
   }
   return source_->takeAll();
@@ -99,13 +101,13 @@ bool CFileRequest::rewind() {
   return true;
 }
 
-void CFileRequest::onAnswer(const HttpAnswer& answer) {
-  if (!place_.follow(answer, tools_.log)) {
-    if (answer.code == CURLE_OK) {
-      sent_ = answer.bytesSent;  // what was taken as a whole was not counted before
+void CFileRequest::onResponse(const HttpResponse& response) {
+  if (!place_.follow(response, dependencies_.log)) {
+    if (response.code == CURLE_OK) {
+      sent_ = response.bytesSent;  // what was taken as a whole was not counted before
       listener_.onRequestMoved(*this);
     }
-    listener_.onRequestAnswered(*this, answer);
+    listener_.onRequestAnswered(*this, response);
     return;
   }
   close();

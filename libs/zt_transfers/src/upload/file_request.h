@@ -26,7 +26,7 @@ class CFileRequest final : public CUploadSource::IListener,
                            public CThrottle::IUser {
  public:
   struct Order {
-    SourceWish source;
+    ReadRequest source;
     std::string url;
     HttpHeaders headers;
     std::string proxy;
@@ -39,7 +39,7 @@ class CFileRequest final : public CUploadSource::IListener,
     virtual bool onRequestOpened(CFileRequest& request, const SourceVersion& version) = 0;
     // sent() has changed.
     virtual void onRequestMoved(CFileRequest& request) = 0;
-    virtual void onRequestAnswered(CFileRequest& request, const HttpAnswer& answer) = 0;
+    virtual void onRequestAnswered(CFileRequest& request, const HttpResponse& response) = 0;
     // It cannot be sent; `reason` is for the log.
     virtual void onRequestFailed(CFileRequest& request, const Trouble& trouble) = 0;
 
@@ -47,7 +47,7 @@ class CFileRequest final : public CUploadSource::IListener,
     ~IListener() = default;
   };
 
-  CFileRequest(const UploadTools& tools, Order order, IListener& listener);
+  CFileRequest(const UploadDependencies& dependencies, Order order, IListener& listener);
   ~CFileRequest();
   CFileRequest(const CFileRequest&) = delete;
   CFileRequest& operator=(const CFileRequest&) = delete;
@@ -56,7 +56,7 @@ class CFileRequest final : public CUploadSource::IListener,
   void begin();
 
   // Whether a file of this size is not read.
-  bool onlyLooks(std::uint64_t size) const { return size >= order_.source.onlyLookFrom; }
+  bool statOnly(std::uint64_t size) const { return size >= order_.source.statOnlyFrom; }
   std::uint64_t size() const { return size_; }  // of the body, once it is open
   // Bytes of it; a small body, which goes out with the head, counts once it was answered.
   std::uint64_t sent() const { return sent_; }
@@ -65,7 +65,7 @@ class CFileRequest final : public CUploadSource::IListener,
 
  private:
   void close();
-  void onAnswer(const HttpAnswer& answer);
+  void onResponse(const HttpResponse& response);
 
   void onSourceOpened(const SourceVersion& version) override;
   void onSourceReady() override;
@@ -75,7 +75,7 @@ class CFileRequest final : public CUploadSource::IListener,
   bool rewind() override;
   void onThrottleOpen() override { exchange_->resumeBody(); }
 
-  const UploadTools tools_;
+  const UploadDependencies dependencies_;
   const Order order_;
   IListener& listener_;
 

@@ -8,30 +8,33 @@
 
 namespace zt_transfers {
 
-void CSessionAborts::abort(const DiscardOrder& order) {
+void CMultipartAborter::abort(const CleanupTask& order) {
   const auto place = calls_.emplace(calls_.end());
-  const auto done = [this, place, id = order.id](const HttpAnswer& answer) {
-    const AttemptOutcome outcome = judgeAbort(answer, tools_.loop.clock().secondsSince1970());
+  const auto done = [this, place, id = order.id](const HttpResponse& response) {
+    const AttemptOutcome outcome =
+        judgeAbort(response, dependencies_.loop.clock().secondsSince1970());
     calls_.erase(place);
-    tools_.observer.onDiscarded(id, outcome);
+    dependencies_.observer.onCleanedUp(id, outcome);
   };
   try {
-    *place = std::make_unique<CStoreCall>(
-        tools_.loop, tools_.log, abortRequest(order.leftover.resume.upload(), order.proxy), done);
+    *place = std::make_unique<CStoreRequest>(
+        dependencies_.loop, dependencies_.log,
+        abortRequest(order.orphan.resume.upload(), order.proxy), done);
   } catch (const std::exception& error) {
     calls_.erase(place);
-    tools_.observer.onDiscarded(order.id, AttemptOutcome::final(error.what()));
+    dependencies_.observer.onCleanedUp(order.id, AttemptOutcome::final(error.what()));
   }
 }
 
-void CSessionAborts::abortOnceBegun(std::unique_ptr<CStoreCall> initiation,
-                                    const UploadSession& session) {
+void CMultipartAborter::abortOnceBegun(std::unique_ptr<CStoreRequest> initiation,
+                                       const UploadSession& session) {
   const auto place = calls_.insert(calls_.end(), std::move(initiation));
-  (*place)->setDone([this, place, session](const HttpAnswer& answer) {
+  (*place)->setDone([this, place, session](const HttpResponse& response) {
     UploadSession begun = session;
-    begun.uploadId = judgeInitiation(answer, tools_.loop.clock().secondsSince1970()).uploadId;
+    begun.uploadId =
+        judgeInitiation(response, dependencies_.loop.clock().secondsSince1970()).uploadId;
     calls_.erase(place);
-    tools_.observer.onLeftBehind({.resume = begun});
+    dependencies_.observer.onOrphaned({.resume = begun});
   });
 }
 

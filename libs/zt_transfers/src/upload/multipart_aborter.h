@@ -13,21 +13,22 @@ namespace zt_transfers {
 // The observer is told how that went, and gives what is to be tried again.
 //
 // Thread: the loop's.
-class CSessionAborts {
+class CMultipartAborter {
  public:
-  explicit CSessionAborts(const UploadTools& tools) : tools_(tools) {}
+  explicit CMultipartAborter(const UploadDependencies& dependencies)
+      : dependencies_(dependencies) {}
 
-  void abort(const DiscardOrder& order);
+  void abort(const CleanupTask& order);
   // Takes over a request to begin an upload; what it begins is left behind. `session` has the
   // place.
-  void abortOnceBegun(std::unique_ptr<CStoreCall> initiation, const UploadSession& session);
+  void abortOnceBegun(std::unique_ptr<CStoreRequest> initiation, const UploadSession& session);
   void clear() { calls_.clear(); }
 
  private:
-  using Calls = std::list<std::unique_ptr<CStoreCall>>;
+  using Dependencies = std::list<std::unique_ptr<CStoreRequest>>;
 
-  const UploadTools tools_;
-  Calls calls_;
+  const UploadDependencies dependencies_;
+  Dependencies calls_;
 };
 
 }  // namespace zt_transfers

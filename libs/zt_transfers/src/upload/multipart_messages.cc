@@ -4,10 +4,10 @@
 #include <charconv>
 #include <sstream>
 
+#include "base/ascii.h"
 #include "hash/md5.h"
 #include "http/etag.h"
 #include "http/xml_text.h"
-#include "base/ascii.h"
 
 namespace zt_transfers {
 namespace {
@@ -29,7 +29,7 @@ std::optional<ListedPart> partOf(const pugi::xml_node& element) {
   const auto number = numberIn<std::uint32_t>(element, "PartNumber");
   const auto size = numberIn<std::uint64_t>(element, "Size");
   const std::string_view etag = trimmed(CXmlText::textIn(element, "ETag"));
-  if (!number || *number == 0 || *number > UploadSession::kMostParts || !size) {
+  if (!number || *number == 0 || *number > UploadSession::kMaxParts || !size) {
     return std::nullopt;
   }
   return ListedPart{*number, *size, std::string(etag)};
@@ -80,7 +80,7 @@ std::optional<PartsPage> partsPageOf(std::string_view xml) {
   }
   if (trimmed(CXmlText::textIn(root, "IsTruncated")) == "true") {
     const auto next = numberIn<std::uint32_t>(root, "NextPartNumberMarker");
-    if (!next || *next == 0 || *next > UploadSession::kMostParts) {
+    if (!next || *next == 0 || *next > UploadSession::kMaxParts) {
       return std::nullopt;
     }
     page.next = *next;

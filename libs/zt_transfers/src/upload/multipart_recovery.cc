@@ -10,24 +10,24 @@
 
 namespace zt_transfers {
 
-void CSessionSurvey::list(std::uint32_t after) {
+void CMultipartRecovery::list(std::uint32_t after) {
   after_ = after;
-  call_ = std::make_unique<CStoreCall>(tools_.loop, tools_.log,
-                                       listRequest(order_.session, after, order_.proxy),
-                                       [this](const HttpAnswer& answer) { onListed(answer); });
+  call_ = std::make_unique<CStoreRequest>(
+      dependencies_.loop, dependencies_.log, listRequest(order_.session, after, order_.proxy),
+      [this](const HttpResponse& response) { onListed(response); });
 }
 
-void CSessionSurvey::onListed(const HttpAnswer& answer) {
+void CMultipartRecovery::onListed(const HttpResponse& response) {
   // Kept to the end of this, and out of the way of the next one.
-  const std::unique_ptr<CStoreCall> finished = std::move(call_);
-  if (saysUploadIsGone(answer)) {
+  const std::unique_ptr<CStoreRequest> finished = std::move(call_);
+  if (saysUploadIsGone(response)) {
     finish({.what = Found::What::kGone});
     return;
   }
-  const bool answered = answer.code == CURLE_OK && answer.status == 200;
-  const auto page = answered ? partsPageOf(answer.body) : std::nullopt;
+  const bool answered = response.code == CURLE_OK && response.status == 200;
+  const auto page = answered ? partsPageOf(response.body) : std::nullopt;
   if (!page) {
-    onNoList(answer);
+    onNoList(response);
     return;
   }
   // A server that does not know of pages gives the first one again.
@@ -36,7 +36,7 @@ void CSessionSurvey::onListed(const HttpAnswer& answer) {
     listed_.insert(listed_.end(), page->parts.begin(), page->parts.end());
   }
   const bool goesOn = isNew && page->next >= page->parts.back().number;
-  if (goesOn && listed_.size() < UploadSession::kMostParts) {
+  if (goesOn && listed_.size() < UploadSession::kMaxParts) {
     list(page->next);
   } else {
     compare();
@@ -44,11 +44,12 @@ void CSessionSurvey::onListed(const HttpAnswer& answer) {
 }
 
 // A server that gives no list is believed what it confirmed for each part.
-void CSessionSurvey::onNoList(const HttpAnswer& answer) {
-  const AttemptOutcome outcome = judgeFailure(answer, tools_.loop.clock().secondsSince1970());
-  const bool later = outcome.kind == AttemptOutcome::Kind::kRetry && answer.status != 501;
-  if (answer.code != CURLE_OK || later || asksForAuthority(answer)) {
-    finish({.what = Found::What::kFailed, .answer = answer});
+void CMultipartRecovery::onNoList(const HttpResponse& response) {
+  const AttemptOutcome outcome =
+      judgeFailure(response, dependencies_.loop.clock().secondsSince1970());
+  const bool later = outcome.kind == AttemptOutcome::Kind::kRetry && response.status != 501;
+  if (response.code != CURLE_OK || later || asksForAuthority(response)) {
+    finish({.what = Found::What::kFailed, .response = response});
     return;
   }
   listed_.clear();
@@ -58,7 +59,7 @@ void CSessionSurvey::onNoList(const HttpAnswer& answer) {
   compare();
 }
 
-void CSessionSurvey::compare() {
+void CMultipartRecovery::compare() {
   const UploadSession& session = order_.session;
   std::map<std::uint32_t, const SentPart*> notes;
   for (const SentPart& part : session.parts) {
@@ -81,7 +82,7 @@ void CSessionSurvey::compare() {
   checkNext();
 }
 
-void CSessionSurvey::checkNext() {
+void CMultipartRecovery::checkNext() {
   if (doubtful_.empty()) {
     finish({.what = Found::What::kParts, .parts = std::move(taken_)});
     return;
@@ -89,14 +90,14 @@ void CSessionSurvey::checkNext() {
   const ListedPart part = std::move(doubtful_.back());
   doubtful_.pop_back();
   check_ = std::make_unique<CSourceDigest>(
-      tools_,
-      SourceWish{.path = order_.path,
-                 .version = order_.session.source,
-                 .span = order_.session.spanOf(part.number)},
+      dependencies_,
+      ReadRequest{.path = order_.path,
+                  .version = order_.session.source,
+                  .span = order_.session.spanOf(part.number)},
       [this, part](const CSourceDigest::Result& result) { onChecked(part, result); });
 }
 
-void CSessionSurvey::onChecked(const ListedPart& part, const CSourceDigest::Result& result) {
+void CMultipartRecovery::onChecked(const ListedPart& part, const CSourceDigest::Result& result) {
   if (result.problem) {
     finish({.what = Found::What::kSource, .problem = *result.problem});
     return;
@@ -107,7 +108,7 @@ void CSessionSurvey::onChecked(const ListedPart& part, const CSourceDigest::Resu
   checkNext();
 }
 
-void CSessionSurvey::finish(Found found) {
+void CMultipartRecovery::finish(Found found) {
   // A copy, as the receiver may destroy this survey.
   const Done done = done_;
   done(found);

@@ -22,7 +22,7 @@ namespace zt_transfers {
 // the rest the file is read again, and a part is taken if it has the digest that the server tells.
 //
 // Thread: the loop's. Destruction ends it without an answer.
-class CSessionSurvey {
+class CMultipartRecovery {
  public:
   struct Found {
     enum class What {
@@ -33,7 +33,7 @@ class CSessionSurvey {
     };
     What what = What::kParts;
     std::vector<SentPart> parts{};
-    HttpAnswer answer{};
+    HttpResponse response{};
     Trouble problem{};
   };
   // Never called from within begin; may destroy the survey.
@@ -46,22 +46,22 @@ class CSessionSurvey {
     std::string proxy;
   };
 
-  CSessionSurvey(const UploadTools& tools, Order order, Done done)
-      : tools_(tools), order_(std::move(order)), done_(std::move(done)) {}
+  CMultipartRecovery(const UploadDependencies& dependencies, Order order, Done done)
+      : dependencies_(dependencies), order_(std::move(order)), done_(std::move(done)) {}
 
   // Throws std::invalid_argument for a request that cannot be sent.
   void begin() { list(0); }
 
  private:
   void list(std::uint32_t after);
-  void onListed(const HttpAnswer& answer);
-  void onNoList(const HttpAnswer& answer);
+  void onListed(const HttpResponse& response);
+  void onNoList(const HttpResponse& response);
   void compare();
   void checkNext();
   void onChecked(const ListedPart& part, const CSourceDigest::Result& result);
   void finish(Found found);
 
-  const UploadTools tools_;
+  const UploadDependencies dependencies_;
   const Order order_;
   const Done done_;
 
@@ -69,7 +69,7 @@ class CSessionSurvey {
   std::uint32_t after_ = 0;  // the number behind which the list under way begins
   std::vector<ListedPart> doubtful_;
   std::vector<SentPart> taken_;
-  std::unique_ptr<CStoreCall> call_;
+  std::unique_ptr<CStoreRequest> call_;
   std::unique_ptr<CSourceDigest> check_;
 };
 

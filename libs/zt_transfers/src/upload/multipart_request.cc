@@ -11,7 +11,7 @@ namespace zt_transfers {
 namespace {
 
 // A server may copy a large object before it answers.
-constexpr std::chrono::minutes kCompletionPatience{10};
+constexpr std::chrono::minutes kCompletionTimeout{10};
 
 constexpr int kPartsOnAPage = 1000;
 
@@ -34,20 +34,20 @@ std::string idQuery(const UploadSession& session) {
   return "uploadId=" + percentEncoded(session.uploadId);
 }
 
-CStoreCall::Request request(const char* method, std::string url, HttpHeaders headers,
-                            const std::string& proxy) {
+CStoreRequest::Request request(const char* method, std::string url, HttpHeaders headers,
+                               const std::string& proxy) {
   return {.method = method, .url = std::move(url), .headers = std::move(headers), .proxy = proxy};
 }
 
 }  // namespace
 
-CStoreCall::Request initiationRequest(const UploadSession& session, const std::string& proxy) {
+CStoreRequest::Request initiationRequest(const UploadSession& session, const std::string& proxy) {
   return request("POST", withQuery(session.url, "uploads"),
                  without(session.headers, isDigestOfTheWhole), proxy);
 }
 
-CStoreCall::Request listRequest(const UploadSession& session, std::uint32_t after,
-                                const std::string& proxy) {
+CStoreRequest::Request listRequest(const UploadSession& session, std::uint32_t after,
+                                   const std::string& proxy) {
   std::string query = idQuery(session) + "&max-parts=" + std::to_string(kPartsOnAPage);
   if (after != 0) {
     query += "&part-number-marker=" + std::to_string(after);
@@ -55,20 +55,20 @@ CStoreCall::Request listRequest(const UploadSession& session, std::uint32_t afte
   return request("GET", withQuery(session.url, query), partHeaders(session), proxy);
 }
 
-CStoreCall::Request completionRequest(const UploadSession& session, const std::string& proxy) {
-  CStoreCall::Request completion =
+CStoreRequest::Request completionRequest(const UploadSession& session, const std::string& proxy) {
+  CStoreRequest::Request completion =
       request("POST", withQuery(session.url, idQuery(session)), partHeaders(session), proxy);
   completion.headers.emplace_back("Content-Type", "application/xml");
   completion.body = completionOf(session.parts);
-  completion.patience = kCompletionPatience;
+  completion.timeout = kCompletionTimeout;
   return completion;
 }
 
-CStoreCall::Request abortRequest(const UploadSession& session, const std::string& proxy) {
+CStoreRequest::Request abortRequest(const UploadSession& session, const std::string& proxy) {
   return request("DELETE", withQuery(session.url, idQuery(session)), partHeaders(session), proxy);
 }
 
-CStoreCall::Request lookUpRequest(const UploadSession& session, const std::string& proxy) {
+CStoreRequest::Request lookUpRequest(const UploadSession& session, const std::string& proxy) {
   return request("HEAD", session.url, partHeaders(session), proxy);
 }
 

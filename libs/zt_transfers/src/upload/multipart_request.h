@@ -10,14 +10,14 @@ namespace zt_transfers {
 
 // The requests of an upload in parts, but for the parts' own bodies.
 
-CStoreCall::Request initiationRequest(const UploadSession& session, const std::string& proxy);
+CStoreRequest::Request initiationRequest(const UploadSession& session, const std::string& proxy);
 // The parts behind number `after`.
-CStoreCall::Request listRequest(const UploadSession& session, std::uint32_t after,
-                                const std::string& proxy);
-CStoreCall::Request completionRequest(const UploadSession& session, const std::string& proxy);
-CStoreCall::Request abortRequest(const UploadSession& session, const std::string& proxy);
+CStoreRequest::Request listRequest(const UploadSession& session, std::uint32_t after,
+                                   const std::string& proxy);
+CStoreRequest::Request completionRequest(const UploadSession& session, const std::string& proxy);
+CStoreRequest::Request abortRequest(const UploadSession& session, const std::string& proxy);
 // What there is at the place now.
-CStoreCall::Request lookUpRequest(const UploadSession& session, const std::string& proxy);
+CStoreRequest::Request lookUpRequest(const UploadSession& session, const std::string& proxy);
 
 std::string partUrl(const UploadSession& session, std::uint32_t number);
 // The page's headers without those that are about the content as a whole.

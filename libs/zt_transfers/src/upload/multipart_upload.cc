@@ -18,15 +18,15 @@ constexpr std::chrono::seconds kNoteInterval{1};
 
 }  // namespace
 
-CMultipartUpload::CMultipartUpload(const UploadTools& tools, const StartOrder& order,
+CMultipartUpload::CMultipartUpload(const UploadDependencies& dependencies, const StartOrder& order,
                                    std::string path, const SourceVersion& version,
                                    IListener& listener)
-    : tools_(tools),
+    : dependencies_(dependencies),
       order_(order),
       path_(std::move(path)),
       version_(version),
       listener_(listener),
-      sender_(tools, order, listener, *this) {}
+      sender_(dependencies, order, listener, *this) {}
 
 void CMultipartUpload::begin() {
   if (order_.resume.begun() && order_.resume.isUpload()) {
@@ -49,13 +49,13 @@ void CMultipartUpload::takeUp(UploadSession session) {
   session_.url = order_.spec.url;
   session_.headers = order_.spec.headers;
   session_.source = version_;
-  survey_ = std::make_unique<CSessionSurvey>(
-      tools_,
-      CSessionSurvey::Order{
+  recovery_ = std::make_unique<CMultipartRecovery>(
+      dependencies_,
+      CMultipartRecovery::Order{
           .session = session_, .path = path_, .trusted = trusted, .proxy = order_.proxy},
-      [this](const CSessionSurvey::Found& found) { onSurveyed(found); });
+      [this](const CMultipartRecovery::Found& found) { onRecovered(found); });
   try {
-    survey_->begin();
+    recovery_->begin();
   } catch (const std::exception& error) {
     end(AttemptOutcome::final(error.what(), failure::kBadRequest));
   }
@@ -71,49 +71,50 @@ void CMultipartUpload::startAnew() {
 }
 
 // Ends the attempt when there is no such request.
-void CMultipartUpload::call(std::unique_ptr<CStoreCall>& slot, CStoreCall::Request request,
-                            OnAnswer onAnswer) {
+void CMultipartUpload::call(std::unique_ptr<CStoreRequest>& slot, CStoreRequest::Request request,
+                            OnResponse onResponse) {
   try {
-    slot = std::make_unique<CStoreCall>(tools_.loop, tools_.log, std::move(request),
-                                        [this, &slot, onAnswer](const HttpAnswer& answer) {
-                                          // Kept to the end of this, and out of the way of the next
-                                          // one.
-                                          const std::unique_ptr<CStoreCall> finished =
-                                              std::move(slot);
-                                          (this->*onAnswer)(answer);
-                                        });
+    slot = std::make_unique<CStoreRequest>(
+        dependencies_.loop, dependencies_.log, std::move(request),
+        [this, &slot, onResponse](const HttpResponse& response) {
+          // Kept to the end of this, and out of the way of the next
+          // one.
+          const std::unique_ptr<CStoreRequest> finished = std::move(slot);
+          (this->*onResponse)(response);
+        });
   } catch (const std::exception& error) {
     end(AttemptOutcome::final(error.what(), failure::kBadRequest));
   }
 }
 
-void CMultipartUpload::onInitiated(const HttpAnswer& answer) {
-  Initiation initiation = judgeInitiation(answer, now());
+void CMultipartUpload::onInitiated(const HttpResponse& response) {
+  Initiation initiation = judgeInitiation(response, now());
   if (initiation.outcome) {
     end(*initiation.outcome);
     return;
   }
-  if (initiation.notOffered) {
-    listener_.onPartsNotOffered(initiation.saysSo);
+  if (initiation.unsupported) {
+    listener_.onMultipartUnsupported(initiation.permanent);
     return;
   }
   session_.uploadId = std::move(initiation.uploadId);
   order_.progress->setResume(session_);
-  if (!tools_.observer.onAttemptCheckpoint(order_.job)) {
+  if (!dependencies_.observer.onAttemptCheckpoint(order_.attemptId)) {
     // Who stopped this may not know of the session.
     listener_.onSessionAbandoned(session_);
     dropSession();
     return;
   }
-  settleThen(&CMultipartUpload::send);
+  flushThen(&CMultipartUpload::send);
 }
 
 // Goes on once the session is on disk, if the source is still the same.
-void CMultipartUpload::settleThen(void (CMultipartUpload::*next)()) {
-  noted_ = tools_.loop.clock().now();
-  tools_.pool.post([this, next, &loop = tools_.loop, &observer = tools_.observer, job = order_.job,
-                    alive = std::weak_ptr<bool>(alive_), path = path_, version = version_] {
-    observer.keepDurably({job});
+void CMultipartUpload::flushThen(void (CMultipartUpload::*next)()) {
+  noted_ = dependencies_.loop.clock().now();
+  dependencies_.pool.post([this, next, &loop = dependencies_.loop,
+                           &observer = dependencies_.observer, attemptId = order_.attemptId,
+                           alive = std::weak_ptr<bool>(alive_), path = path_, version = version_] {
+    observer.keepDurably({attemptId});
     loop.post([this, next, alive, change = changeSince(version, path)] {
       if (alive.expired()) {
         return;
@@ -127,10 +128,10 @@ void CMultipartUpload::settleThen(void (CMultipartUpload::*next)()) {
   });
 }
 
-void CMultipartUpload::onSurveyed(const CSessionSurvey::Found& found) {
-  using What = CSessionSurvey::Found::What;
+void CMultipartUpload::onRecovered(const CMultipartRecovery::Found& found) {
+  using What = CMultipartRecovery::Found::What;
   // Kept to the end of this; what was found is not part of it.
-  const std::unique_ptr<CSessionSurvey> finished = std::move(survey_);
+  const std::unique_ptr<CMultipartRecovery> finished = std::move(recovery_);
   switch (found.what) {
     case What::kParts:
       session_.parts = found.parts;
@@ -143,7 +144,7 @@ void CMultipartUpload::onSurveyed(const CSessionSurvey::Found& found) {
       onGone();
       break;
     case What::kFailed:
-      fail(found.answer, judgeFailure(found.answer, now()));
+      fail(found.response, judgeFailure(found.response, now()));
       break;
     case What::kSource:
       failSource(found.problem);
@@ -156,8 +157,8 @@ void CMultipartUpload::onGone() {
     lookUp();
     return;
   }
-  tools_.log.information("The server has forgotten the upload in parts to " +
-                         loggableUrl(session_.url) + "; it begins again");
+  dependencies_.log.information("The server has forgotten the upload in parts to " +
+                                loggableUrl(session_.url) + "; it begins again");
   startAnew();
 }
 
@@ -175,10 +176,10 @@ void CMultipartUpload::send() {
 void CMultipartUpload::onPartSent(const SentPart& part) {
   add(part);
   progressed_ = true;
-  const TimePoint time = tools_.loop.clock().now();
+  const TimePoint time = dependencies_.loop.clock().now();
   if (time - noted_ >= kNoteInterval) {
     noted_ = time;
-    tools_.observer.onAttemptCheckpoint(order_.job);
+    dependencies_.observer.onAttemptCheckpoint(order_.attemptId);
   }
 }
 
@@ -196,7 +197,7 @@ void CMultipartUpload::onBytesMoved() {
 void CMultipartUpload::onAllPartsSent() {
   session_.completing = true;
   order_.progress->setResume(session_);
-  settleThen(&CMultipartUpload::complete);
+  flushThen(&CMultipartUpload::complete);
 }
 
 void CMultipartUpload::onSendingEnded(const CPartSender::End& ending) {
@@ -217,13 +218,13 @@ void CMultipartUpload::complete() {
   call(call_, completionRequest(session_, order_.proxy), &CMultipartUpload::onCompleted);
 }
 
-void CMultipartUpload::onCompleted(const HttpAnswer& answer) {
-  if (saysUploadIsGone(answer)) {
+void CMultipartUpload::onCompleted(const HttpResponse& response) {
+  if (saysUploadIsGone(response)) {
     onGone();
     return;
   }
   const auto tag = order_.verify ? compositeTagOf(session_.parts) : std::nullopt;
-  const CompletionVerdict verdict = judgeCompletion(answer, tag, now());
+  const CompletionVerdict verdict = judgeCompletion(response, tag, now());
   switch (verdict.kind) {
     case Completion::kDone:
       end(verdict.outcome);
@@ -233,7 +234,7 @@ void CMultipartUpload::onCompleted(const HttpAnswer& answer) {
       end(verdict.outcome);
       break;
     case Completion::kFailed:
-      fail(answer, verdict.outcome);
+      fail(response, verdict.outcome);
       break;
   }
 }
@@ -242,14 +243,14 @@ void CMultipartUpload::lookUp() {
   call(call_, lookUpRequest(session_, order_.proxy), &CMultipartUpload::onLookedUp);
 }
 
-void CMultipartUpload::onLookedUp(const HttpAnswer& answer) {
-  if (showsObject(answer, version_.size, compositeTagOf(session_.parts))) {
+void CMultipartUpload::onLookedUp(const HttpResponse& response) {
+  if (showsObject(response, version_.size, compositeTagOf(session_.parts))) {
     order_.progress->bytes = version_.size;
     end(AttemptOutcome::done());
     return;
   }
-  const AttemptOutcome outcome = judgeFailure(answer, now());
-  if (outcome.kind == AttemptOutcome::Kind::kRetry || asksForAuthority(answer)) {
+  const AttemptOutcome outcome = judgeFailure(response, now());
+  if (outcome.kind == AttemptOutcome::Kind::kRetry || asksForAuthority(response)) {
     end(outcome);
   } else if (askedToComplete_) {
     // Beginning again here and now could go on for ever.
@@ -268,9 +269,9 @@ void CMultipartUpload::dropSession() {
   order_.progress->bytes = 0;
 }
 
-void CMultipartUpload::fail(const HttpAnswer& answer, const AttemptOutcome& outcome) {
-  const bool forGood = outcome.kind == AttemptOutcome::Kind::kFinal && answer.code == CURLE_OK &&
-                       !asksForAuthority(answer);
+void CMultipartUpload::fail(const HttpResponse& response, const AttemptOutcome& outcome) {
+  const bool forGood = outcome.kind == AttemptOutcome::Kind::kFinal && response.code == CURLE_OK &&
+                       !asksForAuthority(response);
   if (forGood) {
     listener_.onSessionAbandoned(session_);
     dropSession();

@@ -6,8 +6,8 @@
 
 #include "engine/attempt.h"
 #include "upload/file_request.h"
-#include "upload/part_sender.h"
 #include "upload/multipart_recovery.h"
+#include "upload/part_sender.h"
 #include "upload/store_request.h"
 #include "upload/upload_tools.h"
 
@@ -30,8 +30,8 @@ class CMultipartUpload final : public CPartSender::IListener {
   class IListener : public CPartSender::ISlots {
    public:
     virtual void onSessionAbandoned(const UploadSession& session) = 0;
-    // Both may destroy the upload. `saysSo`: the server does not know uploads in parts at all.
-    virtual void onPartsNotOffered(bool saysSo) = 0;
+    // Both may destroy the upload. `permanent`: the server does not know uploads in parts at all.
+    virtual void onMultipartUnsupported(bool permanent) = 0;
     virtual void onPartsEnded(const AttemptOutcome& outcome) = 0;
 
    protected:
@@ -39,8 +39,8 @@ class CMultipartUpload final : public CPartSender::IListener {
   };
 
   // `order` and `listener` must outlive it. `version`: of the source, whose path this is.
-  CMultipartUpload(const UploadTools& tools, const StartOrder& order, std::string path,
-                   const SourceVersion& version, IListener& listener);
+  CMultipartUpload(const UploadDependencies& dependencies, const StartOrder& order,
+                   std::string path, const SourceVersion& version, IListener& listener);
   CMultipartUpload(const CMultipartUpload&) = delete;
   CMultipartUpload& operator=(const CMultipartUpload&) = delete;
 
@@ -49,24 +49,25 @@ class CMultipartUpload final : public CPartSender::IListener {
   // There may be room for another request.
   void onSlotFree() { sender_.fill(); }
   // Its request to begin an upload, if that is under way, with the place that it is for.
-  std::unique_ptr<CStoreCall> takeInitiation() { return std::move(initiation_); }
+  std::unique_ptr<CStoreRequest> takeInitiation() { return std::move(initiation_); }
   const UploadSession& session() const { return session_; }
 
  private:
-  using OnAnswer = void (CMultipartUpload::*)(const HttpAnswer&);
+  using OnResponse = void (CMultipartUpload::*)(const HttpResponse&);
 
   void takeUp(UploadSession session);
   void startAnew();
-  void call(std::unique_ptr<CStoreCall>& slot, CStoreCall::Request request, OnAnswer onAnswer);
-  void onInitiated(const HttpAnswer& answer);
-  void onSurveyed(const CSessionSurvey::Found& found);
+  void call(std::unique_ptr<CStoreRequest>& slot, CStoreRequest::Request request,
+            OnResponse onResponse);
+  void onInitiated(const HttpResponse& response);
+  void onRecovered(const CMultipartRecovery::Found& found);
   void onGone();
-  void settleThen(void (CMultipartUpload::*next)());
+  void flushThen(void (CMultipartUpload::*next)());
   void send();
   void complete();
-  void onCompleted(const HttpAnswer& answer);
+  void onCompleted(const HttpResponse& response);
   void lookUp();
-  void onLookedUp(const HttpAnswer& answer);
+  void onLookedUp(const HttpResponse& response);
 
   void onPartSent(const SentPart& part) override;
   void onAllPartsSent() override;
@@ -75,13 +76,13 @@ class CMultipartUpload final : public CPartSender::IListener {
 
   void add(const SentPart& part);
   void dropSession();
-  void fail(const HttpAnswer& answer, const AttemptOutcome& outcome);
+  void fail(const HttpResponse& response, const AttemptOutcome& outcome);
   void failSource(const Trouble& trouble);
   bool wentOn() const;
   void end(AttemptOutcome outcome);
-  std::int64_t now() const { return tools_.loop.clock().secondsSince1970(); }
+  std::int64_t now() const { return dependencies_.loop.clock().secondsSince1970(); }
 
-  const UploadTools tools_;
+  const UploadDependencies dependencies_;
   const StartOrder& order_;
   const std::string path_;
   const SourceVersion version_;
@@ -93,9 +94,9 @@ class CMultipartUpload final : public CPartSender::IListener {
   bool askedToComplete_ = false;  // in this attempt
   TimePoint noted_{};
 
-  std::unique_ptr<CStoreCall> call_;
-  std::unique_ptr<CStoreCall> initiation_;
-  std::unique_ptr<CSessionSurvey> survey_;
+  std::unique_ptr<CStoreRequest> call_;
+  std::unique_ptr<CStoreRequest> initiation_;
+  std::unique_ptr<CMultipartRecovery> recovery_;
   CPartSender sender_;
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };

@@ -17,63 +17,63 @@ bool isRefusedForGood(long status) {
          status != 429;
 }
 
-AttemptOutcome errorDocument(const HttpAnswer& answer, const std::string& code) {
-  return AttemptOutcome::retry("the server answered " + std::to_string(answer.status) +
+AttemptOutcome errorDocument(const HttpResponse& response, const std::string& code) {
+  return AttemptOutcome::retry("the server answered " + std::to_string(response.status) +
                                    " with an error document (" + code + ")",
                                failure::kServerTrouble);
 }
 
 }  // namespace
 
-Initiation judgeInitiation(const HttpAnswer& answer, std::int64_t now) {
-  if (answer.code == CURLE_OK && isSuccess(answer.status)) {
-    if (auto uploadId = uploadIdOf(answer.body)) {
+Initiation judgeInitiation(const HttpResponse& response, std::int64_t now) {
+  if (response.code == CURLE_OK && isSuccess(response.status)) {
+    if (auto uploadId = uploadIdOf(response.body)) {
       return {.uploadId = std::move(*uploadId)};
     }
-    if (const auto code = errorDocumentCode(answer.body)) {
-      return {.outcome = errorDocument(answer, *code)};
+    if (const auto code = errorDocumentCode(response.body)) {
+      return {.outcome = errorDocument(response, *code)};
     }
-    return {.notOffered = true};  // it took the request for something else
+    return {.unsupported = true};  // it took the request for something else
   }
-  const bool saysSo = answer.status == 405 || answer.status == 501;
-  if (answer.code == CURLE_OK && (saysSo || isRefusedForGood(answer.status))) {
-    return {.notOffered = true, .saysSo = saysSo};
+  const bool permanent = response.status == 405 || response.status == 501;
+  if (response.code == CURLE_OK && (permanent || isRefusedForGood(response.status))) {
+    return {.unsupported = true, .permanent = permanent};
   }
-  return {.outcome = judgeFailure(answer, now)};
+  return {.outcome = judgeFailure(response, now)};
 }
 
-AttemptOutcome judgeFailure(const HttpAnswer& answer, std::int64_t now) {
-  return answer.code != CURLE_OK ? judgeTransport(answer) : judgeRefusal(answer, now);
+AttemptOutcome judgeFailure(const HttpResponse& response, std::int64_t now) {
+  return response.code != CURLE_OK ? judgeTransport(response) : judgeRefusal(response, now);
 }
 
-bool saysUploadIsGone(const HttpAnswer& answer) {
-  return answer.code == CURLE_OK && (answer.status == 404 || answer.status == 410);
+bool saysUploadIsGone(const HttpResponse& response) {
+  return response.code == CURLE_OK && (response.status == 404 || response.status == 410);
 }
 
-bool asksForAuthority(const HttpAnswer& answer) {
-  return answer.status == 401 || answer.status == 403;
+bool asksForAuthority(const HttpResponse& response) {
+  return response.status == 401 || response.status == 403;
 }
 
-AttemptOutcome judgeAbort(const HttpAnswer& answer, std::int64_t now) {
-  const bool heard = answer.code == CURLE_OK && answer.status / 100 == 2;
-  return heard || saysUploadIsGone(answer) ? AttemptOutcome::done() : judgeFailure(answer, now);
+AttemptOutcome judgeAbort(const HttpResponse& response, std::int64_t now) {
+  const bool heard = response.code == CURLE_OK && response.status / 100 == 2;
+  return heard || saysUploadIsGone(response) ? AttemptOutcome::done() : judgeFailure(response, now);
 }
 
-CompletionVerdict judgeCompletion(const HttpAnswer& answer, const std::optional<std::string>& tag,
-                                  std::int64_t now) {
-  if (answer.code != CURLE_OK || !isSuccess(answer.status)) {
-    AttemptOutcome outcome = judgeFailure(answer, now);
-    const auto code = errorDocumentCode(answer.body);
+CompletionVerdict judgeCompletion(const HttpResponse& response,
+                                  const std::optional<std::string>& tag, std::int64_t now) {
+  if (response.code != CURLE_OK || !isSuccess(response.status)) {
+    AttemptOutcome outcome = judgeFailure(response, now);
+    const auto code = errorDocumentCode(response.body);
     if (code == "InvalidPart" || code == "InvalidPartOrder") {
       // What it has will be asked for again.
       outcome = AttemptOutcome::retry(outcome.reason, failure::kServerTrouble);
     }
     return {Completion::kFailed, outcome};
   }
-  if (const auto code = errorDocumentCode(answer.body)) {
-    return {Completion::kFailed, errorDocument(answer, *code)};
+  if (const auto code = errorDocumentCode(response.body)) {
+    return {Completion::kFailed, errorDocument(response, *code)};
   }
-  const auto etag = completedETagOf(answer.body);
+  const auto etag = completedETagOf(response.body);
   if (!etag) {
     return {Completion::kFailed,
             AttemptOutcome::retry("the server did not confirm that it put the parts together",
@@ -88,11 +88,11 @@ CompletionVerdict judgeCompletion(const HttpAnswer& answer, const std::optional<
   return {Completion::kDone, AttemptOutcome::done()};
 }
 
-bool showsObject(const HttpAnswer& answer, std::uint64_t size,
+bool showsObject(const HttpResponse& response, std::uint64_t size,
                  const std::optional<std::string>& tag) {
-  return answer.code == CURLE_OK && answer.status == 200 && tag &&
-         compositeOfETag(answer.header("etag")) == tag &&
-         answer.header("content-length") == std::to_string(size);
+  return response.code == CURLE_OK && response.status == 200 && tag &&
+         compositeOfETag(response.header("etag")) == tag &&
+         response.header("content-length") == std::to_string(size);
 }
 
 }  // namespace zt_transfers

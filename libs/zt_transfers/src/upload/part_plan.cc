@@ -15,8 +15,8 @@ constexpr std::uint64_t kUsual = 16 * kMiB;
 }  // namespace
 
 std::uint64_t partSizeFor(std::uint64_t size, std::uint64_t wanted) {
-  constexpr std::uint64_t kMost = UploadSession::kMostParts;
-  const std::uint64_t least = size / kMost + (size % kMost == 0 ? 0 : 1);
+  constexpr std::uint64_t kMax = UploadSession::kMaxParts;
+  const std::uint64_t least = size / kMax + (size % kMax == 0 ? 0 : 1);
   if (wanted >= least && wanted != 0) {
     return wanted;
   }

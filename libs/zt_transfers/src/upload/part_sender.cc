@@ -20,7 +20,7 @@ void CPartSender::begin(const UploadSession& session, std::string path,
   session_ = &session;
   path_ = std::move(path);
   waiting_ = std::move(numbers);
-  goOn();
+  reschedule();
 }
 
 std::uint64_t CPartSender::bytesUnderWay() const {
@@ -32,7 +32,7 @@ std::uint64_t CPartSender::bytesUnderWay() const {
 }
 
 void CPartSender::fill() {
-  while (session_ != nullptr && !trouble_ && !waiting_.empty() && active_.size() < kMostAtOnce) {
+  while (session_ != nullptr && !trouble_ && !waiting_.empty() && active_.size() < kMaxConcurrent) {
     // The first one has the place that every file has.
     if (!active_.empty()) {
       if (!slots_.takeSlot()) {
@@ -54,13 +54,13 @@ void CPartSender::start(std::uint32_t number) {
   part.url = partUrl(*session_, number);
   part.headers = partHeaders(*session_);
   part.proxy = order_.proxy;
-  auto request = std::make_unique<CFileRequest>(tools_, std::move(part), *this);
+  auto request = std::make_unique<CFileRequest>(dependencies_, std::move(part), *this);
   request->begin();
   active_.emplace(number, std::move(request));
 }
 
 // Decides what follows once something has ended.
-void CPartSender::goOn() {
+void CPartSender::reschedule() {
   if (active_.empty() && trouble_) {
     cutOff(End::Why::kLater, *trouble_);
   } else if (active_.empty() && waiting_.empty()) {
@@ -84,38 +84,38 @@ CPartSender::Active::iterator CPartSender::find(const CFileRequest& request) {
                       [&request](const auto& entry) { return entry.second.get() == &request; });
 }
 
-void CPartSender::onRequestAnswered(CFileRequest& request, const HttpAnswer& answer) {
+void CPartSender::onRequestAnswered(CFileRequest& request, const HttpResponse& response) {
   const auto part = find(request);
   const std::uint32_t number = part->first;
   const std::string md5 = request.md5();
   const AttemptOutcome outcome =
-      judgeUpload(answer, request.size(), md5, tools_.loop.clock().secondsSince1970());
+      judgeUpload(response, request.size(), md5, dependencies_.loop.clock().secondsSince1970());
   remove(part);
   if (outcome.kind != AttemptOutcome::Kind::kDone) {
-    onRefused(number, answer, outcome);
+    onRefused(number, response, outcome);
     return;
   }
-  std::string etag(answer.header("etag"));
+  std::string etag(response.header("etag"));
   if (etag.empty() && !md5.empty()) {
     etag = '"' + md5 + '"';
   }
   listener_.onPartSent({number, std::move(etag), md5});
   listener_.onBytesMoved();
-  goOn();
+  reschedule();
 }
 
-void CPartSender::onRefused(std::uint32_t number, const HttpAnswer& answer,
+void CPartSender::onRefused(std::uint32_t number, const HttpResponse& response,
                             AttemptOutcome outcome) {
   outcome.reason = "part " + std::to_string(number) + ": " + outcome.reason;
-  if (saysUploadIsGone(answer)) {
+  if (saysUploadIsGone(response)) {
     cutOff(End::Why::kGone, AttemptOutcome::retry(outcome.reason, failure::kServerTrouble));
   } else if (outcome.kind == AttemptOutcome::Kind::kRetry) {
     waiting_.insert(number);
     noteTrouble(outcome);
     listener_.onBytesMoved();
-    goOn();
+    reschedule();
   } else {
-    const bool renew = answer.code != CURLE_OK || asksForAuthority(answer);
+    const bool renew = response.code != CURLE_OK || asksForAuthority(response);
     cutOff(renew ? End::Why::kRenew : End::Why::kRefused, outcome);
   }
 }
@@ -131,7 +131,7 @@ void CPartSender::noteTrouble(const AttemptOutcome& outcome) {
     trouble_ = outcome;
     return;
   }
-  trouble_->blame = std::min(trouble_->blame, outcome.blame);
+  trouble_->retryBudget = std::min(trouble_->retryBudget, outcome.retryBudget);
   trouble_->sharedTrouble = trouble_->sharedTrouble || outcome.sharedTrouble;
   trouble_->retryAfter = std::max(trouble_->retryAfter, outcome.retryAfter);
 }

@@ -19,7 +19,7 @@ namespace zt_transfers {
 // Thread: the loop's, on which the listener is called, too. Destruction ends it without an answer.
 class CPartSender final : public CFileRequest::IListener {
  public:
-  static constexpr std::size_t kMostAtOnce = 4;
+  static constexpr std::size_t kMaxConcurrent = 4;
 
   // Who allows more than one request at a time. Neither call leads back here.
   class ISlots {
@@ -57,8 +57,9 @@ class CPartSender final : public CFileRequest::IListener {
   };
 
   // All must outlive it. `order` says how.
-  CPartSender(const UploadTools& tools, const StartOrder& order, ISlots& slots, IListener& listener)
-      : tools_(tools), order_(order), slots_(slots), listener_(listener) {}
+  CPartSender(const UploadDependencies& dependencies, const StartOrder& order, ISlots& slots,
+              IListener& listener)
+      : dependencies_(dependencies), order_(order), slots_(slots), listener_(listener) {}
   ~CPartSender();
   CPartSender(const CPartSender&) = delete;
   CPartSender& operator=(const CPartSender&) = delete;
@@ -75,10 +76,10 @@ class CPartSender final : public CFileRequest::IListener {
   using Active = std::map<std::uint32_t, std::unique_ptr<CFileRequest>>;
 
   void start(std::uint32_t number);
-  void goOn();
+  void reschedule();
   void remove(Active::iterator part);
   Active::iterator find(const CFileRequest& request);
-  void onRefused(std::uint32_t number, const HttpAnswer& answer, AttemptOutcome outcome);
+  void onRefused(std::uint32_t number, const HttpResponse& response, AttemptOutcome outcome);
   void noteTrouble(const AttemptOutcome& outcome);
   void cutOff(End::Why why, const AttemptOutcome& outcome);
 
@@ -86,10 +87,10 @@ class CPartSender final : public CFileRequest::IListener {
     return true;
   }
   void onRequestMoved(CFileRequest& /*request*/) override { listener_.onBytesMoved(); }
-  void onRequestAnswered(CFileRequest& request, const HttpAnswer& answer) override;
+  void onRequestAnswered(CFileRequest& request, const HttpResponse& response) override;
   void onRequestFailed(CFileRequest& request, const Trouble& trouble) override;
 
-  const UploadTools tools_;
+  const UploadDependencies dependencies_;
   const StartOrder& order_;
   ISlots& slots_;
   IListener& listener_;

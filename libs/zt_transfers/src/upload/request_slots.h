@@ -15,7 +15,7 @@ class CRequestSlots {
   // `freed` is called when there may be room again for who got none.
   explicit CRequestSlots(std::function<void()> freed) : freed_(std::move(freed)) {}
 
-  void setMost(std::size_t most) { most_ = most; }
+  void setMax(std::size_t most) { max_ = most; }
   void addFile() { ++files_; }
   void removeFile() {
     --files_;
@@ -24,7 +24,7 @@ class CRequestSlots {
 
   // One more than the file's own, if there is room.
   bool takeExtra() {
-    const bool room = files_ + extras_ < most_;
+    const bool room = files_ + extras_ < max_;
     extras_ += room ? 1 : 0;
     wanted_ = wanted_ || !room;
     return room;
@@ -42,7 +42,7 @@ class CRequestSlots {
   }
 
   const std::function<void()> freed_;
-  std::size_t most_ = 1;
+  std::size_t max_ = 1;
   std::size_t files_ = 0;
   std::size_t extras_ = 0;
   bool wanted_ = false;  // somebody got none

@@ -5,17 +5,18 @@
 namespace zt_transfers {
 namespace {
 
-SourceWish hashed(SourceWish wish) {
-  wish.hash = true;
-  return wish;
+ReadRequest hashed(ReadRequest readRequest) {
+  readRequest.hash = true;
+  return readRequest;
 }
 
 }  // namespace
 
-CSourceDigest::CSourceDigest(const UploadTools& tools, SourceWish wish, Done done)
+CSourceDigest::CSourceDigest(const UploadDependencies& dependencies, ReadRequest readRequest,
+                             Done done)
     : done_(std::move(done)),
-      source_(
-          std::make_shared<CUploadSource>(tools.loop, tools.pool, hashed(std::move(wish)), *this)) {
+      source_(std::make_shared<CUploadSource>(dependencies.loop, dependencies.pool,
+                                              hashed(std::move(readRequest)), *this)) {
   source_->open();
 }
 

@@ -21,7 +21,7 @@ class CSourceDigest final : public CUploadSource::IListener {
   };
   using Done = std::function<void(const Result&)>;
 
-  CSourceDigest(const UploadTools& tools, SourceWish wish, Done done);
+  CSourceDigest(const UploadDependencies& dependencies, ReadRequest readRequest, Done done);
   ~CSourceDigest() { source_->close(); }
   CSourceDigest(const CSourceDigest&) = delete;
   CSourceDigest& operator=(const CSourceDigest&) = delete;

@@ -28,7 +28,7 @@ void makeRoomIn(SourceChunk& chunk, std::size_t size) {
 
 std::optional<Trouble> CSourceReader::open() {
   // Not to hang on a pipe that bears the name; regular files do not care.
-  file_ = CUniqueFd(::open(wish_.path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  file_ = CUniqueFd(::open(readRequest_.path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (!file_.valid()) {
     return Trouble{
         errno == ENOENT || errno == ENOTDIR ? failure::kSourceMissing : failure::kSourceUnreadable,
@@ -43,14 +43,14 @@ std::optional<Trouble> CSourceReader::open() {
     return Trouble{failure::kSourceUnreadable, "it is not a regular file"};
   }
   version_ = versionOf(status);
-  if (wish_.version && !wish_.version->sameContent(version_)) {
+  if (readRequest_.version && !readRequest_.version->sameContent(version_)) {
     return Trouble{failure::kSourceChanged, "the file changed while it was sent"};
   }
-  const ByteSpan span = wish_.span.value_or(ByteSpan{0, version_.size});
+  const ByteSpan span = readRequest_.span.value_or(ByteSpan{0, version_.size});
   offset_ = span.begin;
   end_ = span.end;
   inMemory_ = liesInMemory(file_.get());
-  if (wish_.hash) {
+  if (readRequest_.hash) {
     md5_.emplace();
   }
 #if defined(POSIX_FADV_SEQUENTIAL)
@@ -91,7 +91,7 @@ std::optional<Trouble> CSourceReader::readNext(SourceChunk& chunk) {
   if (md5_) {
     chunk.md5 = md5_->finish();
   }
-  return changeSince(version_, wish_.path);
+  return changeSince(version_, readRequest_.path);
 }
 
 bool CSourceReader::readCached(SourceChunk& chunk) {

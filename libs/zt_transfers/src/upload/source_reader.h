@@ -6,21 +6,21 @@
 #include <optional>
 #include <string>
 
+#include "base/unique_fd.h"
 #include "engine/failure.h"
 #include "engine/upload_session.h"
 #include "hash/md5.h"
-#include "base/unique_fd.h"
 
 namespace zt_transfers {
 
 // What is to be read of which file.
-struct SourceWish {
+struct ReadRequest {
   std::string path;
   bool hash = false;
   std::optional<SourceVersion> version{};  // that it must have; missing: any
   std::optional<ByteSpan> span{};          // missing: all of it
   // A file of this size or more is only opened, to see what it is.
-  std::uint64_t onlyLookFrom = std::numeric_limits<std::uint64_t>::max();  // bytes
+  std::uint64_t statOnlyFrom = std::numeric_limits<std::uint64_t>::max();  // bytes
 };
 
 // A piece of a file, as read.
@@ -40,7 +40,7 @@ class CSourceReader {
  public:
   static constexpr std::size_t kChunk = std::size_t{256} * 1024;  // bytes
 
-  explicit CSourceReader(SourceWish wish) : wish_(std::move(wish)) {}
+  explicit CSourceReader(ReadRequest readRequest) : readRequest_(std::move(readRequest)) {}
 
   // Both give what is wrong, or nothing when all is well.
   std::optional<Trouble> open();
@@ -52,10 +52,10 @@ class CSourceReader {
 
   // Once it is open.
   const SourceVersion& version() const { return version_; }
-  bool onlyLooks() const { return version_.size >= wish_.onlyLookFrom; }
+  bool statOnly() const { return version_.size >= readRequest_.statOnlyFrom; }
 
  private:
-  const SourceWish wish_;
+  const ReadRequest readRequest_;
   CUniqueFd file_;
   bool inMemory_ = false;
   std::optional<CMd5> md5_;

@@ -8,7 +8,7 @@
 
 namespace zt_transfers {
 
-CStoreCall::CStoreCall(CHttpLoop& loop, ILog& log, Request request, Done done)
+CStoreRequest::CStoreRequest(CHttpLoop& loop, ILog& log, Request request, Done done)
     : loop_(loop),
       log_(log),
       request_(std::move(request)),
@@ -17,7 +17,7 @@ CStoreCall::CStoreCall(CHttpLoop& loop, ILog& log, Request request, Done done)
   send();
 }
 
-void CStoreCall::send() {
+void CStoreRequest::send() {
   sent_ = 0;
   text_.clear();
   HttpRequest request;
@@ -27,8 +27,8 @@ void CStoreCall::send() {
   request.bodySize = request_.body.size();
   request.proxy = request_.proxy;
   request.userAgent = CZtTransfersGlobalConfig::getInstance()->userAgent();
-  request.patience = request_.patience;
-  const auto answered = [this](HttpAnswer answer) { onAnswer(std::move(answer)); };
+  request.timeout = request_.timeout;
+  const auto answered = [this](HttpResponse response) { onResponse(std::move(response)); };
   if (request_.method == "POST") {
     exchange_ =
         std::make_unique<CHttpExchange>(loop_, request, static_cast<IHttpBody&>(*this), answered);
@@ -38,36 +38,37 @@ void CStoreCall::send() {
   }
 }
 
-void CStoreCall::onAnswer(HttpAnswer answer) {
-  if (place_.follow(answer, log_)) {
+void CStoreRequest::onResponse(HttpResponse response) {
+  if (place_.follow(response, log_)) {
     send();
     return;
   }
   if (!text_.empty()) {
-    answer.body = std::move(text_);
+    response.body = std::move(text_);
   }
   // A copy, as the receiver may destroy this call.
   const Done done = done_;
-  done(answer);
+  done(response);
 }
 
-IHttpBody::Read CStoreCall::read(char* to, std::size_t room, std::size_t& copied) {
+IHttpBody::Read CStoreRequest::read(char* to, std::size_t room, std::size_t& copied) {
   copied = std::min(room, request_.body.size() - sent_);
   std::memcpy(to, request_.body.data() + sent_, copied);
   sent_ += copied;
   return Read::kData;
 }
 
-bool CStoreCall::rewind() {
+bool CStoreRequest::rewind() {
   sent_ = 0;
   return true;
 }
 
-IHttpSink::Write CStoreCall::write(const HttpAnswer& head, const char* data, std::size_t size) {
+IHttpSink::Write CStoreRequest::write(const HttpResponse& head, const char* data,
+                                      std::size_t size) {
   if (head.status != 200) {
-    return Write::kToAnswer;
+    return Write::kToResponse;
   }
-  if (text_.size() + size > kMostText) {
+  if (text_.size() + size > kMaxText) {
     return Write::kBroken;
   }
   text_.append(data, size);

@@ -5,9 +5,9 @@
 #include <memory>
 #include <string>
 
+#include "base/log.h"
 #include "http/http_exchange.h"
 #include "http/request_place.h"
-#include "base/log.h"
 
 namespace zt_transfers {
 
@@ -15,9 +15,9 @@ namespace zt_transfers {
 // it without an answer.
 //
 // Thread: the loop's. `done` is never called from within the constructor and may destroy the call.
-class CStoreCall final : public IHttpBody, public IHttpSink {
+class CStoreRequest final : public IHttpBody, public IHttpSink {
  public:
-  static constexpr std::size_t kMostText = std::size_t{4} * 1024 * 1024;  // bytes of an answer
+  static constexpr std::size_t kMaxText = std::size_t{4} * 1024 * 1024;  // bytes of an answer
 
   struct Request {
     std::string method;  // POST has a body, the others have none
@@ -26,23 +26,23 @@ class CStoreCall final : public IHttpBody, public IHttpSink {
     std::string body{};
     std::string proxy{};
     // How long the server may think about it.
-    std::chrono::seconds patience = kUsualPatience;
+    std::chrono::seconds timeout = kDefaultTimeout;
   };
-  using Done = std::function<void(const HttpAnswer&)>;
+  using Done = std::function<void(const HttpResponse&)>;
 
   // Throws std::invalid_argument for a request that cannot be sent.
-  CStoreCall(CHttpLoop& loop, ILog& log, Request request, Done done);
+  CStoreRequest(CHttpLoop& loop, ILog& log, Request request, Done done);
 
   // Somebody else takes over and wants the answer.
   void setDone(Done done) { done_ = std::move(done); }
 
  private:
   void send();
-  void onAnswer(HttpAnswer answer);
+  void onResponse(HttpResponse response);
 
   Read read(char* to, std::size_t room, std::size_t& copied) override;
   bool rewind() override;
-  Write write(const HttpAnswer& head, const char* data, std::size_t size) override;
+  Write write(const HttpResponse& head, const char* data, std::size_t size) override;
 
   CHttpLoop& loop_;
   ILog& log_;

@@ -35,15 +35,15 @@ void CUploadAttempt::begin() {
   sendWhole(hasSession() ? 0 : inParts ? order_.parts.from : kNever);
 }
 
-void CUploadAttempt::sendWhole(std::uint64_t onlyLookFrom) {
+void CUploadAttempt::sendWhole(std::uint64_t statOnlyFrom) {
   CFileRequest::Order whole;
   whole.source = {.path = path_,
                   .hash = order_.verify && shared_.digestTags.expectedOf(order_.spec.url),
-                  .onlyLookFrom = onlyLookFrom};
+                  .statOnlyFrom = statOnlyFrom};
   whole.url = order_.spec.url;
   whole.headers = order_.spec.headers;
   whole.proxy = order_.proxy;
-  whole_ = std::make_unique<CFileRequest>(shared_.tools, std::move(whole), *this);
+  whole_ = std::make_unique<CFileRequest>(shared_.dependencies, std::move(whole), *this);
   whole_->begin();
 }
 
@@ -58,25 +58,26 @@ bool CUploadAttempt::onRequestOpened(CFileRequest& request, const SourceVersion&
   version_ = version;
   if (goesInParts(version.size)) {
     whole_.reset();
-    parts_ = std::make_unique<CMultipartUpload>(shared_.tools, order_, path_, version, *this);
+    parts_ =
+        std::make_unique<CMultipartUpload>(shared_.dependencies, order_, path_, version, *this);
     parts_->begin();
     return false;
   }
   order_.progress->bytes = 0;
-  const bool onlyLooked = request.onlyLooks(version.size);
-  if (hasSession() && onlyLooked) {
+  const bool statOnly = request.statOnly(version.size);
+  if (hasSession() && statOnly) {
     onSessionAbandoned(order_.resume.upload());
     order_.progress->setResume({});
   }
-  if (onlyLooked) {
+  if (statOnly) {
     sendWhole(kNever);
   }
-  return !onlyLooked;
+  return !statOnly;
 }
 
-void CUploadAttempt::onRequestAnswered(CFileRequest& request, const HttpAnswer& answer) {
-  const AttemptOutcome outcome = judgeUpload(answer, request.size(), request.md5(),
-                                             shared_.tools.loop.clock().secondsSince1970());
+void CUploadAttempt::onRequestAnswered(CFileRequest& request, const HttpResponse& response) {
+  const AttemptOutcome outcome = judgeUpload(response, request.size(), request.md5(),
+                                             shared_.dependencies.loop.clock().secondsSince1970());
   if (outcome.kind != AttemptOutcome::Kind::kDone) {
     finish(outcome);
     return;
@@ -84,7 +85,7 @@ void CUploadAttempt::onRequestAnswered(CFileRequest& request, const HttpAnswer& 
   if (refusedParts_) {
     shared_.support.hasNot(order_.spec.url);
   }
-  const auto stored = storedDigest(answer);
+  const auto stored = storedDigest(response);
   shared_.digestTags.learn(order_.spec.url, stored.has_value());
   if (order_.verify && stored && request.md5().empty()) {
     whole_.reset();
@@ -97,7 +98,7 @@ void CUploadAttempt::onRequestAnswered(CFileRequest& request, const HttpAnswer& 
 // The file was sent without being hashed; it must still be the one that was sent.
 void CUploadAttempt::compareWith(const std::string& stored) {
   digest_ = std::make_unique<CSourceDigest>(
-      shared_.tools, SourceWish{.path = path_, .version = version_},
+      shared_.dependencies, ReadRequest{.path = path_, .version = version_},
       [this, stored](const CSourceDigest::Result& result) {
         if (result.problem) {
           finish(AttemptOutcome::retry(
@@ -113,10 +114,10 @@ void CUploadAttempt::onRequestFailed(CFileRequest& /*request*/, const Trouble& t
   finish(AttemptOutcome::final(trouble.reason, trouble.code));
 }
 
-void CUploadAttempt::onPartsNotOffered(bool saysSo) {
-  shared_.tools.log.information("The server takes no uploads in parts for " +
-                                loggableUrl(order_.spec.url) + "; it is sent as a whole");
-  if (saysSo) {
+void CUploadAttempt::onMultipartUnsupported(bool permanent) {
+  shared_.dependencies.log.information("The server takes no uploads in parts for " +
+                                       loggableUrl(order_.spec.url) + "; it is sent as a whole");
+  if (permanent) {
     shared_.support.hasNot(order_.spec.url);
   }
   refusedParts_ = true;
@@ -128,7 +129,7 @@ void CUploadAttempt::leave() {
   if (parts_) {
     const UploadSession session = parts_->session();
     if (auto initiation = parts_->takeInitiation()) {
-      shared_.aborts.abortOnceBegun(std::move(initiation), session);
+      shared_.aborter.abortOnceBegun(std::move(initiation), session);
     }
   }
 }
@@ -142,7 +143,7 @@ void CUploadAttempt::onSlotFree() {
 void CUploadAttempt::finish(const AttemptOutcome& outcome) {
   // A copy, as the receiver may destroy this attempt.
   const AttemptOutcome copy = outcome;
-  listener_.onEnded(order_.job, copy);
+  listener_.onEnded(order_.attemptId, copy);
 }
 
 }  // namespace zt_transfers

@@ -7,10 +7,10 @@
 #include "engine/attempt.h"
 #include "upload/digest_tags.h"
 #include "upload/file_request.h"
+#include "upload/multipart_aborter.h"
 #include "upload/multipart_support.h"
 #include "upload/multipart_upload.h"
 #include "upload/request_slots.h"
-#include "upload/multipart_aborter.h"
 #include "upload/source_digest.h"
 #include "upload/upload_tools.h"
 
@@ -24,16 +24,16 @@ class CUploadAttempt final : public CFileRequest::IListener, public CMultipartUp
  public:
   // What all attempts have in common; must outlive them.
   struct Shared {
-    UploadTools tools;
+    UploadDependencies dependencies;
     CMultipartSupport& support;
     CDigestTags& digestTags;
     CRequestSlots& slots;
-    CSessionAborts& aborts;
+    CMultipartAborter& aborter;
   };
   class IListener {
    public:
     // May destroy the attempt. The outcome can be part of it.
-    virtual void onEnded(JobId job, const AttemptOutcome& outcome) = 0;
+    virtual void onEnded(AttemptId attemptId, const AttemptOutcome& outcome) = 0;
 
    protected:
     ~IListener() = default;
@@ -52,7 +52,7 @@ class CUploadAttempt final : public CFileRequest::IListener, public CMultipartUp
   void onSlotFree();
 
  private:
-  void sendWhole(std::uint64_t onlyLookFrom);
+  void sendWhole(std::uint64_t statOnlyFrom);
   bool goesInParts(std::uint64_t size) const;
   bool hasSession() const { return order_.resume.begun() && order_.resume.isUpload(); }
   void compareWith(const std::string& stored);
@@ -60,15 +60,15 @@ class CUploadAttempt final : public CFileRequest::IListener, public CMultipartUp
 
   bool onRequestOpened(CFileRequest& request, const SourceVersion& version) override;
   void onRequestMoved(CFileRequest& request) override { order_.progress->bytes = request.sent(); }
-  void onRequestAnswered(CFileRequest& request, const HttpAnswer& answer) override;
+  void onRequestAnswered(CFileRequest& request, const HttpResponse& response) override;
   void onRequestFailed(CFileRequest& request, const Trouble& trouble) override;
 
   bool takeSlot() override { return shared_.slots.takeExtra(); }
   void giveSlotBack() override { shared_.slots.giveBackExtra(); }
   void onSessionAbandoned(const UploadSession& session) override {
-    shared_.tools.observer.onLeftBehind({.resume = session});
+    shared_.dependencies.observer.onOrphaned({.resume = session});
   }
-  void onPartsNotOffered(bool saysSo) override;
+  void onMultipartUnsupported(bool permanent) override;
   void onPartsEnded(const AttemptOutcome& outcome) override { finish(outcome); }
 
   const Shared shared_;

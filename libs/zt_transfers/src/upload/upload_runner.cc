@@ -4,24 +4,24 @@
 
 namespace zt_transfers {
 
-CUploadRunner::CUploadRunner(const UploadTools& tools)
-    : tools_(tools), slots_([this] { offerSlots(); }), aborts_(tools) {}
+CUploadRunner::CUploadRunner(const UploadDependencies& dependencies)
+    : dependencies_(dependencies), slots_([this] { offerSlots(); }), aborter_(dependencies) {}
 
 bool CUploadRunner::start(StartOrder order) {
-  const JobId job = order.job;
-  slots_.setMost(order.parts.requests);
+  const AttemptId attemptId = order.attemptId;
+  slots_.setMax(order.parts.requests);
   auto attempt = std::make_unique<CUploadAttempt>(
-      CUploadAttempt::Shared{tools_, support_, digestTags_, slots_, aborts_}, std::move(order),
-      *this);
+      CUploadAttempt::Shared{dependencies_, support_, digestTags_, slots_, aborter_},
+      std::move(order), *this);
   CUploadAttempt& begun = *attempt;
-  attempts_.emplace(job, std::move(attempt));
+  attempts_.emplace(attemptId, std::move(attempt));
   begun.begin();
-  return attempts_.count(job) != 0;
+  return attempts_.count(attemptId) != 0;
 }
 
 // What is to be discarded the engine knows: it is told of every session once that has begun.
 void CUploadRunner::stop(const AttemptStop& stop) {
-  const auto attempt = attempts_.find(stop.job);
+  const auto attempt = attempts_.find(stop.attemptId);
   if (attempt != attempts_.end()) {
     attempt->second->leave();
     attempts_.erase(attempt);
@@ -30,19 +30,19 @@ void CUploadRunner::stop(const AttemptStop& stop) {
 
 void CUploadRunner::stopAll() {
   attempts_.clear();
-  aborts_.clear();
+  aborter_.clear();
   support_.clear();
   digestTags_.clear();
   offering_ = false;
 }
 
-void CUploadRunner::discard(const DiscardOrder& order) {
-  aborts_.abort(order);
+void CUploadRunner::discard(const CleanupTask& order) {
+  aborter_.abort(order);
 }
 
-void CUploadRunner::onEnded(JobId job, const AttemptOutcome& outcome) {
-  attempts_.erase(job);
-  tools_.observer.onAttemptDone(job, outcome);
+void CUploadRunner::onEnded(AttemptId attemptId, const AttemptOutcome& outcome) {
+  attempts_.erase(attemptId);
+  dependencies_.observer.onAttemptDone(attemptId, outcome);
 }
 
 // Later, since what has come to an end is still on the stack, and files that wait go first.
@@ -51,9 +51,9 @@ void CUploadRunner::offerSlots() {
     return;
   }
   offering_ = true;
-  tools_.loop.post([this] {
+  dependencies_.loop.post([this] {
     offering_ = false;
-    for (const auto& [job, attempt] : attempts_) {
+    for (const auto& [attemptId, attempt] : attempts_) {
       attempt->onSlotFree();
     }
   });

@@ -7,13 +7,13 @@
 
 namespace zt_transfers {
 
-CUploadSource::CUploadSource(CHttpLoop& loop, CWorkerPool& pool, SourceWish wish,
+CUploadSource::CUploadSource(CHttpLoop& loop, CWorkerPool& pool, ReadRequest readRequest,
                              IListener& listener)
     : loop_(loop),
       pool_(pool),
       listener_(&listener),
-      cached_(!wish.hash),
-      reader_(std::make_shared<CSourceReader>(std::move(wish))) {}
+      cached_(!readRequest.hash),
+      reader_(std::make_shared<CSourceReader>(std::move(readRequest))) {}
 
 void CUploadSource::open() {
   post(true);
@@ -105,9 +105,9 @@ void CUploadSource::post(bool open) {
       if (result->opened) {
         result->problem = reader->open();
         result->version = reader->version();
-        result->onlyLooked = reader->onlyLooks();
+        result->statOnly = reader->statOnly();
       }
-      if (!result->problem && !result->onlyLooked) {
+      if (!result->problem && !result->statOnly) {
         result->problem = reader->readNext(result->chunk);
       }
     } catch (const std::exception& error) {
@@ -130,7 +130,7 @@ void CUploadSource::arrive(Result& result) {
     listener_->onSourceFailed(*result.problem);
     return;
   }
-  if (!result.onlyLooked) {
+  if (!result.statOnly) {
     readAll_ = result.chunk.last;
     md5_ = std::move(result.chunk.md5);
     chunks_.push_back(std::move(result.chunk));

@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "http/http_loop.h"
 #include "base/worker_pool.h"
+#include "http/http_loop.h"
 #include "upload/source_reader.h"
 
 namespace zt_transfers {
@@ -33,7 +33,7 @@ class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
     ~IListener() = default;
   };
 
-  CUploadSource(CHttpLoop& loop, CWorkerPool& pool, SourceWish wish, IListener& listener);
+  CUploadSource(CHttpLoop& loop, CWorkerPool& pool, ReadRequest readRequest, IListener& listener);
 
   void open();
   void close() { listener_ = nullptr; }
@@ -57,7 +57,7 @@ class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
  private:
   struct Result {
     bool opened = false;
-    bool onlyLooked = false;
+    bool statOnly = false;
     SourceVersion version;
     SourceChunk chunk;
     std::optional<Trouble> problem;

@@ -1,14 +1,14 @@
 #pragma once
 
-#include "engine/attempt.h"
-#include "http/http_loop.h"
 #include "base/log.h"
 #include "base/worker_pool.h"
+#include "engine/attempt.h"
+#include "http/http_loop.h"
 
 namespace zt_transfers {
 
 // What every piece of an upload works with; all must outlive it.
-struct UploadTools {
+struct UploadDependencies {
   CHttpLoop& loop;
   CWorkerPool& pool;
   ILog& log;

@@ -22,15 +22,15 @@ class CNoLog : public ILog {
 class CObserver final : public IAttemptObserver {
  public:
   void onAttemptsDone(const std::vector<AttemptEnd>&) override {}
-  bool onAttemptCheckpoint(JobId) override { return true; }
-  bool onAttemptLanding(JobId) override { return true; }
-  void keepDurably(const std::vector<JobId>&) override {}
-  void onLeftBehind(Leftover leftover) override { left.push_back(std::move(leftover)); }
-  void onDiscarded(LeftoverId, const AttemptOutcome& outcome) override {
+  bool onAttemptCheckpoint(AttemptId) override { return true; }
+  bool onAttemptFinalizing(AttemptId) override { return true; }
+  void keepDurably(const std::vector<AttemptId>&) override {}
+  void onOrphaned(Orphan orphan) override { left.push_back(std::move(orphan)); }
+  void onCleanedUp(OrphanId, const AttemptOutcome& outcome) override {
     discarded.set_value(outcome.kind);
   }
 
-  std::vector<Leftover> left;
+  std::vector<Orphan> left;
   std::promise<AttemptOutcome::Kind> discarded;
 };
 
@@ -45,13 +45,14 @@ class DownloadRunner : public ::testing::Test {
     struct stat status {};
     ::stat(sandbox.file(name, "some").c_str(), &status);
     resume.inode = status.st_ino;
-    auto progress = std::make_shared<JobProgress>();
+    auto progress = std::make_shared<AttemptProgress>();
     progress->setResume(resume);
-    return {.job = 7, .discard = true, .folder = sandbox.folder().string(), .progress = progress};
+    return {
+        .attemptId = 7, .discard = true, .folder = sandbox.folder().string(), .progress = progress};
   }
-  AttemptOutcome::Kind discard(const Leftover& leftover) {
+  AttemptOutcome::Kind discard(const Orphan& orphan) {
     observer.discarded = {};
-    runner.discard({1, leftover, {}});
+    runner.discard({1, orphan, {}});
     return observer.discarded.get_future().get();
   }
 
@@ -80,17 +81,17 @@ TEST_F(DownloadRunner, ClearsAwayWhatAnAttemptHasLeftThatEndedJustBeforeItWasSto
 }
 
 TEST_F(DownloadRunner, ClearsAwayNothingThatIsInUseOrAnotherFile) {
-  const Leftover leftover = stopOfEnded(".a.part").leftover();
+  const Orphan orphan = stopOfEnded(".a.part").orphan();
   const auto path = sandbox.folder() / ".a.part";
   {
     const CUniqueFd attempt(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     ASSERT_EQ(::flock(attempt.get(), LOCK_EX | LOCK_NB), 0);
-    EXPECT_EQ(discard(leftover), AttemptOutcome::Kind::kRetry);
+    EXPECT_EQ(discard(orphan), AttemptOutcome::Kind::kRetry);
   }
   EXPECT_TRUE(std::filesystem::exists(path));
   std::filesystem::rename(path, sandbox.folder() / "published");
   sandbox.file(".a.part", "of another attempt");
-  EXPECT_EQ(discard(leftover), AttemptOutcome::Kind::kDone);
+  EXPECT_EQ(discard(orphan), AttemptOutcome::Kind::kDone);
   EXPECT_TRUE(std::filesystem::exists(path));
 }
 

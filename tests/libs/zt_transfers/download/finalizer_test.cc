@@ -72,7 +72,7 @@ using Kind = AttemptOutcome::Kind;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class Landing : public ::testing::Test {
+class Finalization : public ::testing::Test {
  protected:
   void TearDown() override {
     failingFolderSyncs = 0;
@@ -112,29 +112,29 @@ class Landing : public ::testing::Test {
   std::vector<AttemptEnd> ends;
 };
 
-TEST_F(Landing, NotesAFileAsSyncedBeforeItGetsItsName) {
-  const auto progress = std::make_shared<JobProgress>();
-  std::vector<JobId> noted;
-  const auto note = [&](const std::vector<JobId>& jobs) {
-    noted = jobs;
+TEST_F(Finalization, NotesAFileAsSyncedBeforeItGetsItsName) {
+  const auto progress = std::make_shared<AttemptProgress>();
+  std::vector<AttemptId> noted;
+  const auto note = [&](const std::vector<AttemptId>& attempts) {
+    noted = attempts;
     EXPECT_EQ(names().at(0).front(), '.');
     EXPECT_EQ(progress->resume().download().size, 4U);
     EXPECT_THAT(progress->resume().download().durable, ElementsAre(ByteSpan{0, 4}));
   };
-  CLander lander({.synced = note, .landed = keepEnds()});
-  lander.land({{7, arrived("file"), progress}});
+  CFinalizer finalizer({.synced = note, .finalized = keepEnds()});
+  finalizer.finalize({{7, arrived("file"), progress}});
   ASSERT_EQ(ends.size(), 1U);
-  EXPECT_EQ(ends[0].job, 7U);
+  EXPECT_EQ(ends[0].attemptId, 7U);
   EXPECT_EQ(ends[0].outcome.kind, Kind::kDone);
   EXPECT_THAT(noted, ElementsAre(7U));
   EXPECT_THAT(names(), ElementsAre("file"));
 }
 
-TEST_F(Landing, NamesNoFileTwiceWhenItsFolderCannotBeSynced) {
-  CLander lander({.synced = [](const auto&) {}, .landed = keepEnds()});
-  const auto progress = std::make_shared<JobProgress>();
+TEST_F(Finalization, NamesNoFileTwiceWhenItsFolderCannotBeSynced) {
+  CFinalizer finalizer({.synced = [](const auto&) {}, .finalized = keepEnds()});
+  const auto progress = std::make_shared<AttemptProgress>();
   failingFolderSyncs = 2;
-  lander.land({{1, arrived("file"), progress}});
+  finalizer.finalize({{1, arrived("file"), progress}});
   ASSERT_EQ(ends.size(), 1U);
   EXPECT_EQ(ends[0].outcome.kind, Kind::kRetry);
   EXPECT_EQ(failingFolderSyncs, 1);
@@ -142,18 +142,18 @@ TEST_F(Landing, NamesNoFileTwiceWhenItsFolderCannotBeSynced) {
   auto again = newFile("file");
   EXPECT_THROW(again->reopen(rest), std::system_error);
   EXPECT_EQ(again->resume(), rest);  // for the next attempt
-  EXPECT_EQ(newFile("file")->reopen(rest), CPartialFile::Found::kLanded);
+  EXPECT_EQ(newFile("file")->reopen(rest), CPartialFile::Found::kFinalized);
   EXPECT_THAT(names(), ElementsAre("file"));
 }
 
-TEST_F(Landing, NoticesWhichOfManyFilesCouldNotBeWrittenBeforeTheSyncOfAll) {
-  CLander lander({.synced = [](const auto&) {}, .landed = keepEnds()});
-  std::vector<CLander::Arrival> arrivals;
+TEST_F(Finalization, NoticesWhichOfManyFilesCouldNotBeWrittenBeforeTheSyncOfAll) {
+  CFinalizer finalizer({.synced = [](const auto&) {}, .finalized = keepEnds()});
+  std::vector<CFinalizer::Arrival> arrivals;
   for (const char* name : {"a", "b", "c", "lost"}) {
-    arrivals.push_back({arrivals.size(), arrived(name), std::make_shared<JobProgress>()});
+    arrivals.push_back({arrivals.size(), arrived(name), std::make_shared<AttemptProgress>()});
   }
   lostFile = arrivals.back().file->resume().inode;
-  lander.land(std::move(arrivals));
+  finalizer.finalize(std::move(arrivals));
   ASSERT_EQ(ends.size(), 4U);
   EXPECT_EQ(std::count_if(ends.begin(), ends.end(),
                           [](const auto& end) { return end.outcome.kind == Kind::kDone; }),
@@ -162,55 +162,55 @@ TEST_F(Landing, NoticesWhichOfManyFilesCouldNotBeWrittenBeforeTheSyncOfAll) {
   EXPECT_THAT(names(), ElementsAre(::testing::StartsWith(".lost"), "a", "b", "c"));
 }
 
-TEST_F(Landing, KeepsNewFoldersOnceWhoeverMadeThem) {
-  CLander lander({.synced = [](const auto&) {}, .landed = keepEnds()});
-  const auto progress = std::make_shared<JobProgress>();
-  lander.land({{1, arrived("before"), progress}});
+TEST_F(Finalization, KeepsNewFoldersOnceWhoeverMadeThem) {
+  CFinalizer finalizer({.synced = [](const auto&) {}, .finalized = keepEnds()});
+  const auto progress = std::make_shared<AttemptProgress>();
+  finalizer.finalize({{1, arrived("before"), progress}});
   const auto slow = arrived("folder/slow");
   const int before = fileSystemSyncs;
-  lander.land({{2, arrived("folder/quick"), progress}});
+  finalizer.finalize({{2, arrived("folder/quick"), progress}});
   EXPECT_EQ(fileSystemSyncs, before + 1);
-  lander.land({{3, slow, progress}});
+  finalizer.finalize({{3, slow, progress}});
   EXPECT_EQ(fileSystemSyncs, before + 1);
   newFile("third/file")->create(1);
-  lander.land({{4, arrived("third/again"), progress}});
+  finalizer.finalize({{4, arrived("third/again"), progress}});
   EXPECT_EQ(fileSystemSyncs, before + 2);
 }
 
-TEST_F(Landing, MakesNoSmallFileThatWasDiscardedMeanwhile) {
-  CLander lander({.synced = [](const auto&) {}, .landed = keepEnds()});
+TEST_F(Finalization, MakesNoSmallFileThatWasDiscardedMeanwhile) {
+  CFinalizer finalizer({.synced = [](const auto&) {}, .finalized = keepEnds()});
   CWorkerPool pool("zt-disk-test");
   CChunkPool chunks;
-  CSmallFiles small(pool, lander, chunks, keepEnds());
-  const auto progress = std::make_shared<JobProgress>();
+  CSmallFiles small(pool, finalizer, chunks, keepEnds());
+  const auto progress = std::make_shared<AttemptProgress>();
   const auto file = newFile("folder/file");
-  small.add({.landing = {1, file, progress}, .validator = {}, .content = {}}, TimePoint{});
-  small.add({.landing = {2, newFile("other"), progress}, .validator = {}, .content = {}},
+  small.add({.finalization = {1, file, progress}, .validator = {}, .content = {}}, TimePoint{});
+  small.add({.finalization = {2, newFile("other"), progress}, .validator = {}, .content = {}},
             TimePoint{});
   file->discard();
   pool.start(1);
-  EXPECT_EQ(small.turn(TimePoint::max()), std::nullopt);
+  EXPECT_EQ(small.tick(TimePoint::max()), std::nullopt);
   std::promise<void> through;
   pool.post([&through] { through.set_value(); });
   through.get_future().wait();
   pool.stop();
   EXPECT_THAT(names(), ElementsAre("other"));
   ASSERT_EQ(ends.size(), 1U);
-  EXPECT_EQ(ends[0].job, 2U);
+  EXPECT_EQ(ends[0].attemptId, 2U);
 }
 
-TEST_F(Landing, FindsAFileOfUnknownSizeUnderItsNameAfterACrash) {
+TEST_F(Finalization, FindsAFileOfUnknownSizeUnderItsNameAfterACrash) {
   auto file = arrived("file");
   DownloadResume noted = file->resume();  // as it was when the first bytes had come
   noted.size = DownloadResume::kUnknown;
   noted.written = {{0, 2}};
   file->publish();
-  EXPECT_EQ(newFile("file")->reopen(noted), CPartialFile::Found::kLanded);
+  EXPECT_EQ(newFile("file")->reopen(noted), CPartialFile::Found::kFinalized);
   noted.written = {{0, 5}};  // more than is there: it is not the same file
   EXPECT_EQ(newFile("file")->reopen(noted), CPartialFile::Found::kNothing);
 }
 
-TEST_F(Landing, GoesOnWithNoFileThatTheAttemptBeforeIsJustRemoving) {
+TEST_F(Finalization, GoesOnWithNoFileThatTheAttemptBeforeIsJustRemoving) {
   auto before = newFile("file");
   before->create(1);
   const DownloadResume rest = before->resume();
@@ -222,7 +222,7 @@ TEST_F(Landing, GoesOnWithNoFileThatTheAttemptBeforeIsJustRemoving) {
   EXPECT_EQ(found, CPartialFile::Found::kNothing);
 }
 
-TEST_F(Landing, KeepsWhatIsThereWhileTheGroupsFolderIsGone) {
+TEST_F(Finalization, KeepsWhatIsThereWhileTheGroupsFolderIsGone) {
   auto file = arrived("file");
   const DownloadResume rest = file->resume();
   file.reset();

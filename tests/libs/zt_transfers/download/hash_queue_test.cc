@@ -20,8 +20,8 @@ std::vector<Chunk> chunksAt(std::initializer_list<std::uint64_t> offsets) {
   return chunks;
 }
 
-TEST(HashLine, KeepsInMemoryWhatComesInOrder) {
-  CHashLine line;
+TEST(HashQueue, KeepsInMemoryWhatComesInOrder) {
+  CHashQueue line;
   auto chunks = chunksAt({0, 10});
   EXPECT_TRUE(line.add(chunks, 20));
   EXPECT_THAT(chunks, IsEmpty());
@@ -34,8 +34,8 @@ TEST(HashLine, KeepsInMemoryWhatComesInOrder) {
   EXPECT_TRUE(line.idle());
 }
 
-TEST(HashLine, HasTheRestReadBackAndNothingInMemoryWaitForThat) {
-  CHashLine line;
+TEST(HashQueue, HasTheRestReadBackAndNothingInMemoryWaitForThat) {
+  CHashQueue line;
   auto chunks = chunksAt({20});
   EXPECT_FALSE(line.add(chunks, 0));  // there is a gap before it
   EXPECT_THAT(chunks, SizeIs(1));

@@ -9,20 +9,20 @@ namespace {
 
 using Kind = FetchPlan::Kind;
 
-HttpAnswer answer(long status, std::map<std::string, std::string, std::less<>> headers) {
-  HttpAnswer head;
+HttpResponse response(long status, std::map<std::string, std::string, std::less<>> headers) {
+  HttpResponse head;
   head.status = status;
   head.headers = std::move(headers);
   return head;
 }
 
-FetchAsk restOf(std::uint64_t begin, std::uint64_t size) {
-  FetchAsk ask;
-  ask.begin = begin;
-  ask.ranged = true;
-  ask.validator = "\"v1\"";
-  ask.size = size;
-  return ask;
+RangeRequest restOf(std::uint64_t begin, std::uint64_t size) {
+  RangeRequest rangeRequest;
+  rangeRequest.begin = begin;
+  rangeRequest.ranged = true;
+  rangeRequest.validator = "\"v1\"";
+  rangeRequest.size = size;
+  return rangeRequest;
 }
 
 TEST(ContentRangeHeader, IsTakenOnlyWhenItMakesSense) {
@@ -41,19 +41,19 @@ TEST(ContentRangeHeader, IsTakenOnlyWhenItMakesSense) {
   }
 }
 
-TEST(PlanAnswer, TakesAWholeAnswerFromTheFirstByteWhateverWasAsked) {
+TEST(PlanResponse, TakesAWholeAnswerFromTheFirstByteWhateverWasAsked) {
   const auto plan =
-      planAnswer(answer(200, {{"content-length", "9"}, {"etag", "\"v2\""}}), restOf(5, 10));
+      planResponse(response(200, {{"content-length", "9"}, {"etag", "\"v2\""}}), restOf(5, 10));
   EXPECT_EQ(plan.kind, Kind::kBody);
   EXPECT_EQ(plan.begin, 0U);
   EXPECT_EQ(plan.size, 9U);
   EXPECT_EQ(plan.validator, "\"v2\"");
-  EXPECT_FALSE(planAnswer(answer(200, {{"content-length", "-1"}}), {}).size.has_value());
+  EXPECT_FALSE(planResponse(response(200, {{"content-length", "-1"}}), {}).size.has_value());
 }
 
-TEST(PlanAnswer, TakesARangeOnlyOfTheSameVersionAndWhereItWasAsked) {
+TEST(PlanResponse, TakesARangeOnlyOfTheSameVersionAndWhereItWasAsked) {
   const auto planned = [](const char* range, const char* etag) {
-    return planAnswer(answer(206, {{"content-range", range}, {"etag", etag}}), restOf(5, 10));
+    return planResponse(response(206, {{"content-range", range}, {"etag", etag}}), restOf(5, 10));
   };
   EXPECT_EQ(planned("bytes 5-9/10", "\"v1\"").kind, Kind::kBody);
   EXPECT_EQ(planned("bytes 5-7/10", "\"v1\"").end, 8U);
@@ -62,30 +62,30 @@ TEST(PlanAnswer, TakesARangeOnlyOfTheSameVersionAndWhereItWasAsked) {
   EXPECT_EQ(planned("bytes 4-9/10", "\"v1\"").kind, Kind::kStartOver);
   EXPECT_EQ(planned("bytes 6-9/10", "\"v1\"").kind, Kind::kStartOver);
   EXPECT_EQ(planned("bytes */10", "\"v1\"").kind, Kind::kStartOver);
-  EXPECT_EQ(planAnswer(answer(206, {{"content-range", "bytes 0-9/10"}}), {}).kind,
+  EXPECT_EQ(planResponse(response(206, {{"content-range", "bytes 0-9/10"}}), {}).kind,
             Kind::kStartOver);
 }
 
-TEST(PlanAnswer, TakesNothingLeftForAllThereOnlyWhenTheSizeIsRight) {
+TEST(PlanResponse, TakesNothingLeftForAllThereOnlyWhenTheSizeIsRight) {
   const auto planned = [](const char* range) {
-    return planAnswer(answer(416, {{"content-range", range}}), restOf(10, 10)).kind;
+    return planResponse(response(416, {{"content-range", range}}), restOf(10, 10)).kind;
   };
   EXPECT_EQ(planned("bytes */10"), Kind::kComplete);
   EXPECT_EQ(planned("bytes */9"), Kind::kStartOver);
   EXPECT_EQ(planned(""), Kind::kStartOver);
-  EXPECT_EQ(planAnswer(answer(416, {}), {}).kind, Kind::kOther);
+  EXPECT_EQ(planResponse(response(416, {}), {}).kind, Kind::kOther);
 }
 
-TEST(PlanAnswer, TakesNoOtherAnswerForContent) {
+TEST(PlanResponse, TakesNoOtherAnswerForContent) {
   for (const long status : {100L, 201L, 204L, 205L, 302L, 304L, 404L, 500L}) {
-    EXPECT_EQ(planAnswer(answer(status, {{"content-length", "5"}}), {}).kind, Kind::kOther);
+    EXPECT_EQ(planResponse(response(status, {{"content-length", "5"}}), {}).kind, Kind::kOther);
   }
 }
 
 TEST(ValidatorOf, PrefersAStrongTagAndTakesNoWeakOne) {
-  EXPECT_EQ(validatorOf(answer(200, {{"etag", "\"a\""}, {"last-modified", "d"}})), "\"a\"");
-  EXPECT_EQ(validatorOf(answer(200, {{"etag", "W/\"a\""}, {"last-modified", "d"}})), "d");
-  EXPECT_EQ(validatorOf(answer(200, {{"etag", "W/\"a\""}})), "");
+  EXPECT_EQ(validatorOf(response(200, {{"etag", "\"a\""}, {"last-modified", "d"}})), "\"a\"");
+  EXPECT_EQ(validatorOf(response(200, {{"etag", "W/\"a\""}, {"last-modified", "d"}})), "d");
+  EXPECT_EQ(validatorOf(response(200, {{"etag", "W/\"a\""}})), "");
 }
 
 }  // namespace

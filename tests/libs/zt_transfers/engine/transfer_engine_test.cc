@@ -69,11 +69,11 @@ class TransferEngine : public ::testing::Test {
     }
     return chosen;
   }
-  using Stops = std::vector<std::pair<JobId, bool>>;  // and whether to discard what is there
+  using Stops = std::vector<std::pair<AttemptId, bool>>;  // and whether to discard what is there
   static Stops stopsOf(const TransferWork& work) {
     Stops stops;
     for (const AttemptStop& stop : work.stops) {
-      stops.emplace_back(stop.job, stop.discard);
+      stops.emplace_back(stop.attemptId, stop.discard);
     }
     return stops;
   }
@@ -82,11 +82,11 @@ class TransferEngine : public ::testing::Test {
   }
 
   CHandClock clock;
-  CQueueStore store;
+  CQueueCache store;
   CEventQueue queue;
   CNoLog log;
   CTransferEngine engine{{.activity = "upload",
-                          .measuresSources = false,
+                          .statsSources = false,
                           .backoff = {.base = milliseconds(1000), .cap = milliseconds(8000)}},
                          {.clock = clock, .store = store, .events = queue, .log = log}};
 };
@@ -117,11 +117,11 @@ TEST_F(TransferEngine, FillsEachPlaceThatBecomesFree) {
   const auto first = starts();
   ASSERT_EQ(first.size(), 2U);
   EXPECT_TRUE(starts().empty());
-  engine.onAttemptDone(first[1].job, AttemptOutcome::done());
+  engine.onAttemptDone(first[1].attemptId, AttemptOutcome::done());
   const auto next = starts();
   EXPECT_EQ(idsOf(next), std::vector<std::string>{"1-2"});
-  engine.onAttemptDone(first[0].job, AttemptOutcome::done());
-  engine.onAttemptDone(next[0].job, AttemptOutcome::done());
+  engine.onAttemptDone(first[0].attemptId, AttemptOutcome::done());
+  engine.onAttemptDone(next[0].attemptId, AttemptOutcome::done());
   EXPECT_EQ(stateOf(group), kGroupCompleted);
   EXPECT_EQ(engine.group(group)->bytesTransferred, 300U);
 }
@@ -133,7 +133,7 @@ TEST_F(TransferEngine, RetriesOnceItsTimeHasComeAndNotMoreOftenThanAllowed) {
   for (int attempt = 0; attempt < 2; ++attempt) {
     const auto orders = starts();
     ASSERT_EQ(orders.size(), 1U) << attempt;
-    engine.onAttemptDone(orders[0].job, AttemptOutcome::retry("x"));
+    engine.onAttemptDone(orders[0].attemptId, AttemptOutcome::retry("x"));
     const auto work = engine.takeWork();
     EXPECT_TRUE(work.starts.empty());
     ASSERT_TRUE(work.nextDue.has_value());
@@ -143,7 +143,7 @@ TEST_F(TransferEngine, RetriesOnceItsTimeHasComeAndNotMoreOftenThanAllowed) {
     EXPECT_EQ(stateOf(group), kGroupTransferring);
     clock.pass(wait);
   }
-  engine.onAttemptDone(starts().at(0).job, AttemptOutcome::retry("x"));
+  engine.onAttemptDone(starts().at(0).attemptId, AttemptOutcome::retry("x"));
   EXPECT_EQ(stateOf(group), kGroupErrored);
 }
 
@@ -155,12 +155,12 @@ TEST_F(TransferEngine, RestsAGroupInTroubleAndNotTheOthers) {
   AttemptOutcome overloaded = AttemptOutcome::retry("503");
   overloaded.sharedTrouble = true;
   overloaded.retryAfter = seconds(20);
-  engine.onAttemptDone(order.job, overloaded);
+  engine.onAttemptDone(order.attemptId, overloaded);
   EXPECT_TRUE(starts().empty());
   groupOf(1);
   const auto other = starts();
   EXPECT_EQ(idsOf(other), std::vector<std::string>{"2-0"});
-  engine.onAttemptDone(other[0].job, AttemptOutcome::done());
+  engine.onAttemptDone(other[0].attemptId, AttemptOutcome::done());
   clock.pass(seconds(19));
   EXPECT_TRUE(starts().empty());
   clock.pass(seconds(1));
@@ -173,18 +173,18 @@ TEST_F(TransferEngine, RestsForTroubleFromOutsideWithoutUsingUpARetry) {
   engine.start();
   AttemptOutcome away = AttemptOutcome::retry("nobody answers", failure::kCannotConnect);
   away.sharedTrouble = true;
-  away.blame = AttemptOutcome::Blame::kOutside;
+  away.retryBudget = AttemptOutcome::RetryBudget::kFree;
   for (int attempt = 0; attempt < 10; ++attempt) {
-    engine.onAttemptDone(starts().at(0).job, away);
+    engine.onAttemptDone(starts().at(0).attemptId, away);
     EXPECT_EQ(engine.report(group)->waitingFor, (Failure{"cannot_connect", "nobody answers"}));
     const auto wait = engine.takeWork().nextDue.value() - clock.now();
     EXPECT_LE(wait, seconds(8));
     clock.pass(seconds(8));
   }
-  engine.onAttemptDone(starts().at(0).job, away);
+  engine.onAttemptDone(starts().at(0).attemptId, away);
   engine.resumeGroup(group);  // the user, or the page, knows that it is over
   EXPECT_FALSE(engine.report(group)->waitingFor);
-  engine.onAttemptDone(starts().at(0).job, AttemptOutcome::retry("500"));
+  engine.onAttemptDone(starts().at(0).attemptId, AttemptOutcome::retry("500"));
   EXPECT_EQ(stateOf(group), kGroupErrored);
 }
 
@@ -193,10 +193,10 @@ TEST_F(TransferEngine, LetsOneMoreAttemptTellWhetherABrokenConnectionWasTheFiles
   const auto group = groupOf(1);
   engine.start();
   AttemptOutcome broken = AttemptOutcome::retry("reset", failure::kConnectionLost);
-  broken.blame = AttemptOutcome::Blame::kUnclear;
-  engine.onAttemptDone(starts().at(0).job, broken);
+  broken.retryBudget = AttemptOutcome::RetryBudget::kAtLeastOne;
+  engine.onAttemptDone(starts().at(0).attemptId, broken);
   clock.pass(seconds(1));
-  engine.onAttemptDone(starts().at(0).job, broken);
+  engine.onAttemptDone(starts().at(0).attemptId, broken);
   EXPECT_EQ(stateOf(group), kGroupErrored);
 }
 
@@ -207,7 +207,7 @@ TEST_F(TransferEngine, TellsWhyItsNewestFilesFailedUntilTheyGetAnotherChance) {
   const auto orders = starts();
   for (const StartOrder& order : orders) {
     engine.onAttemptDone(
-        order.job,
+        order.attemptId,
         AttemptOutcome::final("no\n" + order.spec.fileId + std::string(291, 'x') + "\u00fc\u00fc",
                               failure::kRefused));
   }
@@ -235,13 +235,13 @@ TEST_F(TransferEngine, IgnoresTheResultOfWhatItHasStopped) {
   EXPECT_EQ(engine.group(group)->bytesTransferred, 60U);
   engine.pauseGroup(group);
   EXPECT_EQ(engine.group(group)->bytesTransferred, 0U);
-  EXPECT_EQ(stopsOf(engine.takeWork()), (Stops{{order.job, true}}));
-  engine.onAttemptDone(order.job, AttemptOutcome::done());
+  EXPECT_EQ(stopsOf(engine.takeWork()), (Stops{{order.attemptId, true}}));
+  engine.onAttemptDone(order.attemptId, AttemptOutcome::done());
   EXPECT_EQ(stateOf(group), kGroupPaused);
   engine.resumeGroup(group);
   const auto again = starts().at(0);
-  EXPECT_NE(again.job, order.job);
-  engine.onAttemptDone(again.job, AttemptOutcome::done());
+  EXPECT_NE(again.attemptId, order.attemptId);
+  engine.onAttemptDone(again.attemptId, AttemptOutcome::done());
   EXPECT_EQ(stateOf(group), kGroupCompleted);
 }
 
@@ -255,7 +255,7 @@ TEST_F(TransferEngine, CountsNoByteTwiceWhateverAttemptsReport) {
     engine.collectProgress();
     EXPECT_EQ(engine.group(group)->bytesTransferred, 100U);
     EXPECT_EQ(engine.group(group)->percentTransferred, 100.0F);
-    engine.onAttemptDone(order.job, AttemptOutcome::retry("x"));
+    engine.onAttemptDone(order.attemptId, AttemptOutcome::retry("x"));
     EXPECT_EQ(engine.group(group)->bytesTransferred, 0U);
   }
 }
@@ -281,19 +281,19 @@ TEST_F(TransferEngine, GivesTheNextAttemptWhatTheLastOneLeftAndKeepsItsBytesCoun
   order.progress->bytes = 60;
   order.progress->setResume(halfOfAFile());
   engine.pauseGroup(group);
-  EXPECT_EQ(stopsOf(engine.takeWork()), (Stops{{order.job, false}}));
+  EXPECT_EQ(stopsOf(engine.takeWork()), (Stops{{order.attemptId, false}}));
   EXPECT_EQ(engine.group(group)->bytesTransferred, 50U);
   engine.resumeGroup(group);
   const auto next = starts().at(0);
   EXPECT_EQ(next.resume, halfOfAFile());
   engine.collectProgress();
   EXPECT_EQ(engine.group(group)->bytesTransferred, 50U);
-  engine.onAttemptDone(next.job, AttemptOutcome::retry("x"));
+  engine.onAttemptDone(next.attemptId, AttemptOutcome::retry("x"));
   EXPECT_EQ(engine.group(group)->bytesTransferred, 50U);
   clock.pass(seconds(2));
   const auto last = starts().at(0);
   EXPECT_EQ(last.resume, halfOfAFile());
-  engine.onAttemptDone(last.job, AttemptOutcome::done());
+  engine.onAttemptDone(last.attemptId, AttemptOutcome::done());
   EXPECT_EQ(engine.group(group)->bytesTransferred, 100U);
 }
 
@@ -303,23 +303,23 @@ TEST_F(TransferEngine, LetsWhatIsLeftOfFilesThatNobodyWantsBeRemoved) {
   engine.start();
   const auto order = starts().at(0);
   order.progress->setResume(halfOfAFile());
-  engine.onAttemptDone(order.job, AttemptOutcome::final("x"));
+  engine.onAttemptDone(order.attemptId, AttemptOutcome::final("x"));
   EXPECT_EQ(engine.group(group)->bytesTransferred, 50U);
   engine.dequeueFiles(group, {order.spec.fileId});
   auto work = engine.takeWork();
-  ASSERT_EQ(work.discards.size(), 1U);
-  EXPECT_EQ(work.discards[0].leftover.resume, halfOfAFile());
-  engine.onDiscarded(work.discards[0].id, AttemptOutcome::done());
+  ASSERT_EQ(work.cleanups.size(), 1U);
+  EXPECT_EQ(work.cleanups[0].orphan.resume, halfOfAFile());
+  engine.onCleanedUp(work.cleanups[0].id, AttemptOutcome::done());
   EXPECT_EQ(engine.group(group)->bytesTransferred, 0U);
   const auto running = work.starts.at(0);
   engine.cancelGroup(group);
   work = engine.takeWork();
-  EXPECT_EQ(stopsOf(work), (Stops{{running.job, true}}));
-  EXPECT_TRUE(work.discards.empty());
+  EXPECT_EQ(stopsOf(work), (Stops{{running.attemptId, true}}));
+  EXPECT_TRUE(work.cleanups.empty());
   // It had ended by itself before it could be stopped.
   running.progress->setResume(halfOfAFile());
-  engine.onLeftBehind(work.stops[0].leftover());
-  EXPECT_EQ(engine.takeWork().discards.at(0).leftover.resume, halfOfAFile());
+  engine.onOrphaned(work.stops[0].orphan());
+  EXPECT_EQ(engine.takeWork().cleanups.at(0).orphan.resume, halfOfAFile());
 }
 
 TEST_F(TransferEngine, DiscardsAfterTheNextStartWhatACancelJustBeforeTheEndHasLeft) {
@@ -331,10 +331,10 @@ TEST_F(TransferEngine, DiscardsAfterTheNextStartWhatACancelJustBeforeTheEndHasLe
   engine.cancelGroup(group);
   engine.stop();  // nobody was told to stop the attempts any more
   engine.start();
-  const auto discards = engine.takeWork().discards;
-  ASSERT_EQ(discards.size(), 2U);
-  EXPECT_EQ(discards[0].leftover.resume, halfOfAFile());
-  EXPECT_EQ(discards[1].leftover.resume, TransferResume(sessionOf("id")));
+  const auto cleanups = engine.takeWork().cleanups;
+  ASSERT_EQ(cleanups.size(), 2U);
+  EXPECT_EQ(cleanups[0].orphan.resume, halfOfAFile());
+  EXPECT_EQ(cleanups[1].orphan.resume, TransferResume(sessionOf("id")));
 }
 
 TEST_F(TransferEngine, LeavesAloneWhatANewAttemptForTheSameFileHasTakenOver) {
@@ -342,50 +342,50 @@ TEST_F(TransferEngine, LeavesAloneWhatANewAttemptForTheSameFileHasTakenOver) {
   engine.start();
   const auto order = starts().at(0);
   order.progress->setResume(halfOfAFile());
-  engine.onAttemptDone(order.job, AttemptOutcome::final("x"));
+  engine.onAttemptDone(order.attemptId, AttemptOutcome::final("x"));
   engine.dequeueFiles(group, {order.spec.fileId});
-  engine.onDiscarded(engine.takeWork().discards.at(0).id, AttemptOutcome::retry("disk gone"));
+  engine.onCleanedUp(engine.takeWork().cleanups.at(0).id, AttemptOutcome::retry("disk gone"));
   engine.queueFiles(group, {order.spec});
   const auto next = starts().at(0);
   EXPECT_FALSE(next.resume.begun());
   next.progress->setResume(halfOfAFile());
-  engine.onAttemptCheckpoint(next.job);
+  engine.onAttemptCheckpoint(next.attemptId);
   clock.pass(std::chrono::hours(1));
-  EXPECT_TRUE(engine.takeWork().discards.empty());
+  EXPECT_TRUE(engine.takeWork().cleanups.empty());
 }
 
 TEST_F(TransferEngine, DiscardsAFewAtATimeAndRestsAfterAFailureUntilItGivesUp) {
   engine.start();
   for (const char* id : {"a", "b", "c", "d", "e"}) {
-    engine.onLeftBehind({.resume = sessionOf(id)});
+    engine.onOrphaned({.resume = sessionOf(id)});
   }
   auto work = engine.takeWork();
-  ASSERT_EQ(work.discards.size(), 4U);
-  EXPECT_TRUE(engine.takeWork().discards.empty());
+  ASSERT_EQ(work.cleanups.size(), 4U);
+  EXPECT_TRUE(engine.takeWork().cleanups.empty());
   for (std::size_t at = 0; at < 3; ++at) {
-    engine.onDiscarded(work.discards[at].id, AttemptOutcome::done());
+    engine.onCleanedUp(work.cleanups[at].id, AttemptOutcome::done());
   }
-  engine.onDiscarded(work.discards[3].id, AttemptOutcome::retry("x"));
+  engine.onCleanedUp(work.cleanups[3].id, AttemptOutcome::retry("x"));
   for (int failures = 1; failures <= 6; ++failures) {
     work = engine.takeWork();
-    EXPECT_TRUE(work.discards.empty());
+    EXPECT_TRUE(work.cleanups.empty());
     const auto wait = work.nextDue.value() - clock.now();
     EXPECT_GE(wait, milliseconds(std::min(500 << (failures - 1), 4000)));
     EXPECT_LE(wait, seconds(8));
     clock.pass(wait);
     work = engine.takeWork();
-    ASSERT_EQ(work.discards.size(), 2U);
-    for (const DiscardOrder& order : work.discards) {
-      engine.onDiscarded(order.id, AttemptOutcome::retry("x"));
+    ASSERT_EQ(work.cleanups.size(), 2U);
+    for (const CleanupTask& order : work.cleanups) {
+      engine.onCleanedUp(order.id, AttemptOutcome::retry("x"));
     }
   }
   clock.pass(std::chrono::hours(24 * 7));
-  for (const DiscardOrder& order : engine.takeWork().discards) {
-    engine.onDiscarded(order.id, AttemptOutcome::retry("x"));
+  for (const CleanupTask& order : engine.takeWork().cleanups) {
+    engine.onCleanedUp(order.id, AttemptOutcome::retry("x"));
   }
   clock.pass(seconds(8));
   work = engine.takeWork();
-  EXPECT_TRUE(work.discards.empty());
+  EXPECT_TRUE(work.cleanups.empty());
   EXPECT_FALSE(work.nextDue.has_value());
 }
 
@@ -393,13 +393,13 @@ TEST_F(TransferEngine, LetsALandingFileMakeRoomAndNoLongerBePaused) {
   concurrent(1);
   const auto group = groupOf(2);
   engine.start();
-  const auto landing = starts().at(0);
-  EXPECT_TRUE(engine.onAttemptLanding(landing.job));
+  const auto finalization = starts().at(0);
+  EXPECT_TRUE(engine.onAttemptFinalizing(finalization.attemptId));
   const auto next = starts().at(0);
   engine.pauseGroup(group);
-  EXPECT_EQ(stopsOf(engine.takeWork()), (Stops{{next.job, true}}));
-  EXPECT_FALSE(engine.onAttemptLanding(next.job));
-  engine.onAttemptDone(landing.job, AttemptOutcome::done());
+  EXPECT_EQ(stopsOf(engine.takeWork()), (Stops{{next.attemptId, true}}));
+  EXPECT_FALSE(engine.onAttemptFinalizing(next.attemptId));
+  engine.onAttemptDone(finalization.attemptId, AttemptOutcome::done());
   EXPECT_EQ(engine.group(group)->filesCompleted, 1);
 }
 
@@ -408,16 +408,16 @@ TEST_F(TransferEngine, TellsProgressAtMostTenTimesASecondAndTheLastAlways) {
   engine.start();
   const auto order = starts().at(0);
   events<FileState>();
-  int told = 0;
+  int reported = 0;
   for (int tick = 1; tick <= 50; ++tick) {
     clock.pass(milliseconds(20));
     order.progress->bytes = static_cast<std::uint64_t>(tick);
     engine.collectProgress();
-    told += static_cast<int>(events<FileState>().size());
+    reported += static_cast<int>(events<FileState>().size());
   }
-  EXPECT_GE(told, 9);
-  EXPECT_LE(told, 10);
-  engine.onAttemptDone(order.job, AttemptOutcome::done());
+  EXPECT_GE(reported, 9);
+  EXPECT_LE(reported, 10);
+  engine.onAttemptDone(order.attemptId, AttemptOutcome::done());
   const auto last = events<GroupSnapshot>();
   ASSERT_FALSE(last.empty());
   EXPECT_EQ(last.back().state, kGroupCompleted);
@@ -431,7 +431,7 @@ TEST_F(TransferEngine, FailsFilesWhoseTokenExpiresWhileTheyWait) {
   engine.start();
   const auto order = starts().at(0);
   clock.pass(seconds(60));
-  engine.onAttemptDone(order.job, AttemptOutcome::done());
+  engine.onAttemptDone(order.attemptId, AttemptOutcome::done());
   EXPECT_EQ(engine.takeWork().failures.size(), 2U);
   EXPECT_EQ(stateOf(group), kGroupErrored);
 }
@@ -454,7 +454,7 @@ TEST_F(TransferEngine, PutsEverythingBackWhenItStops) {
   const auto orders = starts();
   orders[0].progress->bytes = 50;
   engine.collectProgress();
-  engine.onAttemptDone(orders[1].job, AttemptOutcome::retry("x"));
+  engine.onAttemptDone(orders[1].attemptId, AttemptOutcome::retry("x"));
   events<FileState>();
   engine.stop();
   EXPECT_TRUE(events<FileState>().empty());

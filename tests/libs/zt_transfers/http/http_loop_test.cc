@@ -29,20 +29,20 @@ class HttpLoop : public ::testing::Test, public IHttpSink {
   void SetUp() override {
     loop.start([] { return std::nullopt; }, [this] { exchanges.clear(); });
   }
-  Write write(const HttpAnswer&, const char*, std::size_t) override { return Write::kToAnswer; }
-  std::future<HttpAnswer> get(const std::string& path) {
-    auto promise = std::make_shared<std::promise<HttpAnswer>>();
+  Write write(const HttpResponse&, const char*, std::size_t) override { return Write::kToResponse; }
+  std::future<HttpResponse> get(const std::string& path) {
+    auto promise = std::make_shared<std::promise<HttpResponse>>();
     loop.post([this, promise, path] {
       HttpRequest request;
       request.method = "GET";
       request.url = server.url(path);
       exchanges.push_back(std::make_unique<CHttpExchange>(
           loop, request, static_cast<IHttpSink&>(*this),
-          [this, promise, at = exchanges.size()](const HttpAnswer& answer) {
+          [this, promise, at = exchanges.size()](const HttpResponse& response) {
             if (!keepsEnded) {
               exchanges[at].reset();
             }
-            promise->set_value(answer);
+            promise->set_value(response);
           }));
     });
     return promise->get_future();
@@ -80,11 +80,11 @@ TEST_F(HttpLoop, LooksNoMoreAtWhatHasEndedHoweverLongItIsKept) {
 
 TEST_F(HttpLoop, EndsWhatWasOpenDuringALongSleep) {
   server.planForAll(fault::stall());
-  auto answer = get("/file");
+  auto response = get("/file");
   ASSERT_TRUE(server.waitForRequests(1));
   clock.sleep(std::chrono::minutes(10));
-  ASSERT_EQ(answer.wait_for(std::chrono::seconds(30)), std::future_status::ready);
-  EXPECT_TRUE(answer.get().stalled);
+  ASSERT_EQ(response.wait_for(std::chrono::seconds(30)), std::future_status::ready);
+  EXPECT_TRUE(response.get().stalled);
   server.release();
 }
 

@@ -6,9 +6,9 @@ namespace zt_transfers::test {
 namespace {
 
 std::optional<std::string> target(const std::string& url, const std::string& location) {
-  HttpAnswer answer;
-  answer.headers["location"] = location;
-  return redirectTarget(url, answer);
+  HttpResponse response;
+  response.headers["location"] = location;
+  return redirectTarget(url, response);
 }
 
 TEST(Redirect, ResolvesItsTarget) {
@@ -18,7 +18,7 @@ TEST(Redirect, ResolvesItsTarget) {
 }
 
 TEST(Redirect, GoesNeitherNowhereNorDownToAnUnprotectedOrForeignProtocol) {
-  EXPECT_FALSE(redirectTarget("http://a/b", HttpAnswer()).has_value());
+  EXPECT_FALSE(redirectTarget("http://a/b", HttpResponse()).has_value());
   EXPECT_FALSE(target("https://a/b", "http://a/b").has_value());
   EXPECT_FALSE(target("http://a/b", "file:///etc/passwd").has_value());
   EXPECT_FALSE(target("http://a/b", "ftp://a/b").has_value());

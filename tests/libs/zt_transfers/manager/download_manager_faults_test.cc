@@ -47,13 +47,13 @@ TEST_F(DownloadFaults, TakesNoOtherLengthThanAnnouncedForSuccess) {
       {"shorter", fault::of(Fault::Kind::kLongerLength, 10)},
       {"cut", fault::of(Fault::Kind::kNoLength, 10)},
       {"extra", fault::of(Fault::Kind::kExtraBytes, 10)},
-      {"closed", fault::of(Fault::Kind::kCloseWithoutAnswer)},
+      {"closed", fault::of(Fault::Kind::kCloseWithoutResponse)},
       {"reset", fault::resetAfter(300'000)}};
   std::vector<File> files;
   for (const auto& [name, wrong] : cases) {
     files.push_back(offer(name, content));
     // A broken connection is tried once more.
-    server.plan("/" + name, {wrong, fault::closeWithoutAnswer()});
+    server.plan("/" + name, {wrong, fault::closeWithoutResponse()});
   }
   auto other = offer("other", content);
   other.size += 1;  // as the page was told

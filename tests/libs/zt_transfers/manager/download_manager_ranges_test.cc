@@ -46,7 +46,7 @@ class DownloadRanges : public CDownloadTest {
     EXPECT_EQ(recorder.group(group).state, kGroupCompleted);
     EXPECT_TRUE(contentOf(target / "file") == version);
     EXPECT_EQ(recorder.group(group).bytesTransferred, version.size());
-    EXPECT_LE(recorder.mostPercent(), 100.0F);
+    EXPECT_LE(recorder.maxPercent(), 100.0F);
   }
 
   const Fault kLine = fault::slow(8 * kMegabyte);
@@ -56,7 +56,7 @@ class DownloadRanges : public CDownloadTest {
 TEST_F(DownloadRanges, FetchesALargeFileInPiecesSideBySideAndNoByteTwice) {
   const auto group = downloadAll({offerLarge()});
   expectFile(group, content);
-  EXPECT_EQ(server.mostOpen(), 4);
+  EXPECT_EQ(server.maxOpen(), 4);
   EXPECT_EQ(server.bodyBytes(), kSize);
   EXPECT_EQ(server.requests().size(), (kSize + kPiece - 1) / kPiece);
   EXPECT_EQ(rangesOf().at(0), "bytes=0-1999999");
@@ -70,7 +70,7 @@ TEST_F(DownloadRanges, SplitsTheOneAnswerThatTellsTheSizeFirst) {
   server.plan("/file", {first, kLine, kLine, kLine, kLine, kLine, kLine, kLine});
   const auto group = downloadAll({file});
   expectFile(group, content);
-  EXPECT_GT(server.mostOpen(), 1);
+  EXPECT_GT(server.maxOpen(), 1);
   EXPECT_EQ(rangesOf().at(0), "");
 }
 
@@ -161,7 +161,7 @@ TEST_F(DownloadRanges, GoesOnAfterAStopWithAllThePiecesThatWereThere) {
 TEST_F(DownloadRanges, KeepsToALimitWithOneRequest) {
   configure([](auto& configuration) { configuration.throttleBytesPerSecond = 20 * kMegabyte; });
   expectFile(downloadAll({offerLarge()}), content);
-  EXPECT_EQ(server.mostOpen(), 1);
+  EXPECT_EQ(server.maxOpen(), 1);
 }
 
 }  // namespace

@@ -45,7 +45,7 @@ TEST_F(DownloadResumption, GoesOnWhereTheConnectionBroke) {
   EXPECT_NE(rangeOf(1), "");
   EXPECT_NE(rangeOf(1), "bytes=0-");
   EXPECT_LT(server.bodyBytes(), kSize + kBroken);
-  EXPECT_LE(recorder.mostPercent(), 100.0F);
+  EXPECT_LE(recorder.maxPercent(), 100.0F);
 }
 
 TEST_F(DownloadResumption, BeginsAgainWithAServerThatDoesNoRanges) {

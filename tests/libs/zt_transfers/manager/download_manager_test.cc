@@ -6,8 +6,8 @@
 #include <chrono>
 #include <filesystem>
 
-#include "download_fixture.h"
 #include "base/wide_bytes.h"
+#include "download_fixture.h"
 
 namespace zt_transfers::test {
 namespace {
@@ -123,7 +123,7 @@ TEST_F(DownloadManager, DownloadsManySmallFilesOverFewConnectionsAndChecksEach) 
     }
   }
   EXPECT_LE(server.requests().back().connection, 16);
-  EXPECT_LE(server.mostOpen(), 8);
+  EXPECT_LE(server.maxOpen(), 8);
 }
 
 TEST_F(DownloadManager, KeepsToTheLimitAndSharesIt) {

@@ -14,7 +14,8 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr int kFiles = 3;
-constexpr std::size_t kMostAtOnce = 8;  // requests of the probe, which is not configured otherwise
+constexpr std::size_t kMaxConcurrent =
+    8;  // requests of the probe, which is not configured otherwise
 
 class KillInParts : public CPartsTest {
  protected:
@@ -75,7 +76,7 @@ TEST_F(KillInParts, SendsNothingAgainButWhatWasUnderWay) {
     }
     const std::size_t sent = counted(1);
     ASSERT_GE(sent, parts);
-    ASSERT_LE(sent, parts + killsNow * kMostAtOnce);
+    ASSERT_LE(sent, parts + killsNow * kMaxConcurrent);
     kills += killsNow;
     sentAgain += sent - parts;
   }

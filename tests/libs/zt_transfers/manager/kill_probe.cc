@@ -118,7 +118,7 @@ class CWorker final : public Manager::ICallback {
     manager_.setConfiguration(configuration);
     manager_.subscribeToEvents(this);
     if (prepare(manager_, task, task.folder / note)) {
-      tellAll();
+      notifyAll();
     }
   }
   void waitForAll() { all_.get_future().wait(); }
@@ -130,11 +130,11 @@ class CWorker final : public Manager::ICallback {
  private:
   void onGroupStateChanged(const typename Manager::GroupState& state) override {
     if (state.state == zt_transfers::kGroupCompleted) {
-      tellAll();
+      notifyAll();
     }
   }
-  void tellAll() {
-    if (!told_.exchange(true)) {
+  void notifyAll() {
+    if (!reported_.exchange(true)) {
       all_.set_value();
     }
   }
@@ -145,7 +145,7 @@ class CWorker final : public Manager::ICallback {
   }
 
   std::promise<void> all_;
-  std::atomic<bool> told_ = false;
+  std::atomic<bool> reported_ = false;
   Manager manager_;
 };
 

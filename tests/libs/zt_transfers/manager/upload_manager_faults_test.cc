@@ -28,7 +28,7 @@ class UploadFaults : public CUploadTest {
 TEST_F(UploadFaults, RetriesAfterBrokenConnectionsWithoutCountingBytesTwice) {
   const std::string content = patternOf(900'000);
   server.plan("/reset", {fault::resetAfter(300'000)});
-  server.plan("/closed", {fault::closeWithoutAnswer()});
+  server.plan("/closed", {fault::closeWithoutResponse()});
   const auto group = upload({describe("reset", content), describe("closed", content)});
   ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
   EXPECT_EQ(server.object("/reset"), content);

@@ -141,15 +141,15 @@ TEST_F(UploadInParts, GivesUpWithItsRetriesWhenTheServerNeverPutsThePartsTogethe
   configure([](auto& configuration) { configuration.maxTransferRetries = 1; });
   const int parts = count("PUT", kAnyPart);
   std::uint64_t expected = 0;
-  for (const std::string& answer :
+  for (const std::string& response :
        {std::string(R"("status":404)"),
         R"("status":200,"body":"<CompleteMultipartUploadResult><ETag>)" + md5Of("other") +
             R"(-3</ETag></CompleteMultipartUploadResult>")"}) {
-    fault("POST", "uploadId=*", R"("type":"status","count":2,)" + answer);
+    fault("POST", "uploadId=*", R"("type":"status","count":2,)" + response);
     const auto group = upload({describe("file", patternOf(3 * kPart))});
-    ASSERT_TRUE(recorder.waitForGroupState(group, kGroupErrored)) << answer;
+    ASSERT_TRUE(recorder.waitForGroupState(group, kGroupErrored)) << response;
     expected += 6;
-    EXPECT_EQ(counted(parts), expected) << answer;
+    EXPECT_EQ(counted(parts), expected) << response;
     manager->cancelGroup(group);
   }
 }

@@ -157,12 +157,12 @@ TEST_F(ProgressReporter, FollowsTheIntervalOfUploadsForDownloads) {
   EXPECT_EQ(errored["failures"][0]["code"].asString(), "unsafe_path");
 }
 
-TEST(ReportPace, HoldsAtOnceForEveryManager) {
+TEST(ReportInterval, HoldsAtOnceForEveryManager) {
   const CSystemClock clock;
   CHttpLoop loop("zt-net-test", clock);
   std::promise<void> begun;
   std::promise<void> changed;
-  CReportPace::shared().join(loop);
+  CReportInterval::shared().join(loop);
   loop.start(
       [&, turns = 0]() mutable {
         if (turns++ < 2) {
@@ -172,10 +172,10 @@ TEST(ReportPace, HoldsAtOnceForEveryManager) {
       },
       [] {});
   begun.get_future().wait();
-  CReportPace::shared().set(std::chrono::seconds(7));
+  CReportInterval::shared().set(std::chrono::seconds(7));
   EXPECT_EQ(changed.get_future().wait_for(std::chrono::seconds(30)), std::future_status::ready);
-  CReportPace::shared().leave(loop);
-  CReportPace::shared().set({});
+  CReportInterval::shared().leave(loop);
+  CReportInterval::shared().set({});
 }
 
 }  // namespace

@@ -29,7 +29,7 @@ class QueueStore : public ::testing::Test {
     }
   }
 
-  CQueueStore store;
+  CQueueCache store;
 };
 
 TEST_F(QueueStore, GivesBackWhatItKeeps) {

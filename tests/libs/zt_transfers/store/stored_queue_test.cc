@@ -96,7 +96,7 @@ TEST_F(StoredQueue, KeepsWhatIsDurableOfDownloadsUntilTheyAreDone) {
       store.saveResume({1, index}, earlier);
       store.saveResume({1, index}, begun);
     }
-    queue->settle(std::chrono::seconds(60));
+    queue->flush(std::chrono::seconds(60));
     store.setState({1, 1}, {.phase = FilePhase::kCompleted, .size = 100});
     store.remove({1, 2});
     store.saveResume({1, 3}, {});
@@ -144,23 +144,23 @@ TEST_F(StoredQueue, KeepsWhatIsLeftBehindAlsoWithoutItsGroupUntilItIsGone) {
   begun.uploadId = "id";
   begun.partSize = 1;
   begun.source.size = 2;
-  const Leftover session{.resume = begun, .since = 1234};
-  const Leftover partial{.folder = "/target", .resume = partialFile(".part")};
+  const Orphan session{.resume = begun, .since = 1234};
+  const Orphan partial{.folder = "/target", .resume = partialFile(".part")};
   {
     auto queue = opened();
     IQueueStore& store = queue->store();
     store.saveGroup(group(1));
-    for (const LeftoverId id : {5, 6, 7}) {
-      store.saveLeftover(id, id == 7 ? partial : session);
+    for (const OrphanId id : {5, 6, 7}) {
+      store.saveOrphan(id, id == 7 ? partial : session);
     }
     store.removeGroup(1);
-    queue->settle(std::chrono::seconds(60));
-    store.removeLeftover(6);
+    queue->flush(std::chrono::seconds(60));
+    store.removeOrphan(6);
     EXPECT_TRUE(queue->close());
   }
   opened();
-  const std::vector<std::pair<LeftoverId, Leftover>> expected{{5, session}, {7, partial}};
-  EXPECT_EQ(found.leftovers, expected);
+  const std::vector<std::pair<OrphanId, Orphan>> expected{{5, session}, {7, partial}};
+  EXPECT_EQ(found.orphans, expected);
 }
 
 TEST_F(StoredQueue, KeepsWhyFilesFailedAsLongAsTheyHave) {
@@ -259,7 +259,7 @@ TEST_F(StoredQueue, BringsEveryDescriptionOfALongQueue) {
 TEST_F(StoredQueue, RefusesASecondOwnerWithoutWriting) {
   auto queue = opened();
   queue->store().saveGroup(group(1));
-  queue->settle(std::chrono::seconds(60));
+  queue->flush(std::chrono::seconds(60));
   auto second = made();
   EXPECT_FALSE(second->open(path()).has_value());
   EXPECT_THAT(log.text(), HasSubstr("in use by another process"));
@@ -278,7 +278,7 @@ TEST_F(StoredQueue, GoesOnInMemoryWhileTheDiskIsFull) {
   IQueueStore& store = queue->store();
   store.saveGroup(group(1));
   store.append(1, spec("before"), {});
-  queue->settle(std::chrono::seconds(60));
+  queue->flush(std::chrono::seconds(60));
   disk.setFull(true);
   for (int number = 0; number < 3000; ++number) {
     store.append(1, spec("full" + std::to_string(number)), {});
@@ -318,12 +318,12 @@ TEST_F(StoredQueue, GoesOnInMemoryWhileTheDiskIsFull) {
 TEST_F(StoredQueue, TriesLessAndLessOftenWhileTheDiskIsFull) {
   auto queue = opened();
   queue->store().saveGroup(group(1));
-  queue->settle(std::chrono::seconds(60));
+  queue->flush(std::chrono::seconds(60));
   disk.setFull(true);
   const auto begin = std::chrono::steady_clock::now();
   while (std::chrono::steady_clock::now() - begin < std::chrono::milliseconds(400)) {
     queue->store().saveGroup(group(1));  // each of them could make it try
-    queue->settle(std::chrono::seconds(60));
+    queue->flush(std::chrono::seconds(60));
   }
   // Every 8 ms at the most, once it has failed a few times.
   EXPECT_LT(disk.refusals(), 200);
@@ -353,7 +353,7 @@ TEST_F(StoredQueue, GoesOnInMemoryWithoutAFolder) {
 TEST_F(StoredQueue, LetsNobodyElseReadItsFiles) {
   auto queue = opened();
   queue->store().saveGroup(group(1));
-  queue->settle(std::chrono::seconds(60));
+  queue->flush(std::chrono::seconds(60));
   for (const auto& entry : std::filesystem::directory_iterator(sandbox.folder())) {
     EXPECT_EQ(entry.status().permissions() & std::filesystem::perms(077),
               std::filesystem::perms::none)

@@ -19,7 +19,7 @@ void CDownloadRecorder::onGroupStateChanged(const Group& state) {
     const std::lock_guard lock(mutex_);
     completions_[state.id] += state.state == kGroupCompleted ? 1 : 0;
     groups_[state.id] = state;
-    mostPercent_ = std::max(mostPercent_, state.percentTransferred);
+    maxPercent_ = std::max(maxPercent_, state.percentTransferred);
   }
   changed_.notify_all();
 }
@@ -50,9 +50,9 @@ int CDownloadRecorder::completions(std::int32_t id) const {
   return found == completions_.end() ? 0 : found->second;
 }
 
-float CDownloadRecorder::mostPercent() const {
+float CDownloadRecorder::maxPercent() const {
   const std::lock_guard lock(mutex_);
-  return mostPercent_;
+  return maxPercent_;
 }
 
 bool CDownloadRecorder::waitForGroup(std::int32_t id,

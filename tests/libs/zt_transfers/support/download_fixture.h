@@ -28,7 +28,7 @@ class CDownloadRecorder final : public CDownloadManager::ICallback {
   Group group(std::int32_t id) const;
   FileState file(const std::string& fileId) const;
   // The most that any report of a group said.
-  float mostPercent() const;
+  float maxPercent() const;
   // How often the group was reported to be completed.
   int completions(std::int32_t id) const;
 
@@ -43,7 +43,7 @@ class CDownloadRecorder final : public CDownloadManager::ICallback {
   // Guarded by mutex_.
   std::map<std::int32_t, Group> groups_;
   std::map<std::string, FileState> files_;
-  float mostPercent_ = 0;
+  float maxPercent_ = 0;
   std::map<std::int32_t, int> completions_;
 };
 

@@ -8,10 +8,10 @@
 #include <chrono>
 #include <sstream>
 
+#include "base/ascii.h"
 #include "loopback.h"
 #include "object_reply.h"
 #include "sandbox.h"
-#include "base/ascii.h"
 
 namespace zt_transfers::test {
 namespace {
@@ -40,9 +40,9 @@ class CFaultServer::CConnection {
   void serve() {
     while (auto request = readHead()) {
       server_.begin(*request);
-      const bool goOn = answer(*request);
+      const bool reschedule = response(*request);
       --server_.open_;
-      if (!goOn) {
+      if (!reschedule) {
         break;
       }
     }
@@ -83,7 +83,7 @@ class CFaultServer::CConnection {
     return request;
   }
 
-  bool answer(const Request& request) {
+  bool response(const Request& request) {
     const std::string path = pathOf(request.target);
     const Fault fault = server_.faultFor(path);
     if (request.method == "GET") {
@@ -108,7 +108,7 @@ class CFaultServer::CConnection {
     }
     const bool slow = fault.kind == Fault::Kind::kSlow;
     const auto body = readBody(request, request.bodySize, slow ? fault.bytes : 0);
-    if (!body || fault.kind == Fault::Kind::kCloseWithoutAnswer) {
+    if (!body || fault.kind == Fault::Kind::kCloseWithoutResponse) {
       return false;
     }
     if (fault.kind == Fault::Kind::kStatus) {
@@ -128,7 +128,7 @@ class CFaultServer::CConnection {
       case Fault::Kind::kHold:
         server_.waitForRelease();
         break;
-      case Fault::Kind::kCloseWithoutAnswer:
+      case Fault::Kind::kCloseWithoutResponse:
         return false;
       case Fault::Kind::kStatus:
         return send(fault.status, fault.headers, fault.body);
@@ -369,7 +369,7 @@ void CFaultServer::begin(const Request& request) {
   const int open = ++open_;
   {
     const std::lock_guard lock(mutex_);
-    mostOpen_ = std::max(mostOpen_.load(), open);
+    maxOpen_ = std::max(maxOpen_.load(), open);
     requests_.push_back(request);
   }
   changed_.notify_all();

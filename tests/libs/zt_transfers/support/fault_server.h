@@ -22,14 +22,14 @@ namespace zt_transfers::test {
 // giving the object.
 struct Fault {
   enum class Kind {
-    kNone,                // stores and answers, with `headers` added
-    kStatus,              // takes the body and answers `status` with `headers` and `body`
-    kEarlyStatus,         // the same without waiting for the body, then closes
-    kResetAfter,          // resets the connection after `bytes` of the body
-    kCloseWithoutAnswer,  // takes the body, then closes
-    kStall,               // reads nothing of the body and says nothing until released
-    kHold,                // takes the body and answers once released
-    kETag,                // stores and answers with the tag `body`
+    kNone,                  // stores and answers, with `headers` added
+    kStatus,                // takes the body and answers `status` with `headers` and `body`
+    kEarlyStatus,           // the same without waiting for the body, then closes
+    kResetAfter,            // resets the connection after `bytes` of the body
+    kCloseWithoutResponse,  // takes the body, then closes
+    kStall,                 // reads nothing of the body and says nothing until released
+    kHold,                  // takes the body and answers once released
+    kETag,                  // stores and answers with the tag `body`
     kNoETag,
     kSlow,  // takes or gives `bytes` a second
     // For GET only:
@@ -67,8 +67,8 @@ inline Fault earlyStatus(int code) {
 inline Fault resetAfter(std::uint64_t bytes) {
   return {.kind = Fault::Kind::kResetAfter, .bytes = bytes};
 }
-inline Fault closeWithoutAnswer() {
-  return {.kind = Fault::Kind::kCloseWithoutAnswer};
+inline Fault closeWithoutResponse() {
+  return {.kind = Fault::Kind::kCloseWithoutResponse};
 }
 inline Fault stall() {
   return {.kind = Fault::Kind::kStall};
@@ -137,7 +137,7 @@ class CFaultServer {
   std::vector<Request> requestsTo(const std::string& path) const;
   // Requests whose head has arrived and that have no answer yet, and the most there ever were.
   int open() const { return open_; }
-  int mostOpen() const { return mostOpen_; }
+  int maxOpen() const { return maxOpen_; }
   std::uint64_t bodyBytes() const { return bodyBytes_; }
   // Waits until this many requests were begun; false when that takes too long.
   bool waitForRequests(std::size_t count);
@@ -156,7 +156,7 @@ class CFaultServer {
   std::thread acceptor_;
   std::atomic<bool> stopping_{false};
   std::atomic<int> open_{0};
-  std::atomic<int> mostOpen_{0};
+  std::atomic<int> maxOpen_{0};
   std::atomic<std::uint64_t> bodyBytes_{0};
 
   mutable std::mutex mutex_;

@@ -74,8 +74,8 @@ void CPartsTest::fault(const std::string& method, const std::string& query,
                        const std::string& what) {
   const std::string rule =
       "{\"method\":\"" + method + "\",\"query\":\"" + query + "\"," + what + "}";
-  const auto answer = request("POST", "/faults", rule);
-  ASSERT_EQ(answer.status, 201) << answer.body;
+  const auto response = request("POST", "/faults", rule);
+  ASSERT_EQ(response.status, 201) << response.body;
 }
 
 int CPartsTest::count(const std::string& method, const std::string& query) {

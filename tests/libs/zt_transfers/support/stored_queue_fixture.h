@@ -83,7 +83,7 @@ class CStoredQueueTest : public ::testing::Test {
       if (auto spec = store.spec(file)) {
         return spec;
       }
-      if (!store.bring(file)) {
+      if (!store.load(file)) {
         return std::nullopt;
       }
       std::unique_lock lock(mutex);

@@ -2,9 +2,9 @@
 
 #include <string>
 
+#include "base/url_parts.h"
 #include "http/etag.h"
 #include "sandbox.h"
-#include "base/url_parts.h"
 #include "upload/multipart_messages.h"
 #include "upload/multipart_request.h"
 #include "upload/multipart_verdict.h"
@@ -118,26 +118,26 @@ TEST(MultipartRequest, AddsToTheQueryAndLeavesOutWhatIsAboutTheWhole) {
             (HttpHeaders{{"Content-Type", "t"}, {"X-Token", "t"}}));
 }
 
-HttpAnswer answer(long status, const std::string& body = "") {
-  HttpAnswer answer;
-  answer.status = status;
-  answer.body = body;
-  return answer;
+HttpResponse response(long status, const std::string& body = "") {
+  HttpResponse response;
+  response.status = status;
+  response.body = body;
+  return response;
 }
 
 TEST(MultipartVerdict, TellsARefusalOfPartsFromOtherTrouble) {
   for (const long status : {404L, 405L, 501L, 400L, 204L}) {
-    EXPECT_TRUE(judgeInitiation(answer(status), 0).notOffered) << status;
+    EXPECT_TRUE(judgeInitiation(response(status), 0).unsupported) << status;
   }
-  EXPECT_TRUE(judgeInitiation(answer(501), 0).saysSo);
-  EXPECT_FALSE(judgeInitiation(answer(400), 0).saysSo);
+  EXPECT_TRUE(judgeInitiation(response(501), 0).permanent);
+  EXPECT_FALSE(judgeInitiation(response(400), 0).permanent);
   for (const long status : {401L, 403L, 408L, 429L, 500L, 503L}) {
-    EXPECT_TRUE(judgeInitiation(answer(status), 0).outcome.has_value()) << status;
+    EXPECT_TRUE(judgeInitiation(response(status), 0).outcome.has_value()) << status;
   }
 }
 
 TEST(MultipartVerdict, BelievesInAnObjectOnlyByItsTagAndSize) {
-  HttpAnswer head = answer(200);
+  HttpResponse head = response(200);
   head.headers["content-length"] = "5";
   head.headers["etag"] = "\"96e024ba2074fe77e8e965ba43a704be-2\"";
   EXPECT_TRUE(showsObject(head, 5, "96e024ba2074fe77e8e965ba43a704be-2"));
@@ -149,7 +149,7 @@ TEST(MultipartVerdict, BelievesInAnObjectOnlyByItsTagAndSize) {
 TEST(RequestSlots, GiveFilesTheirOwnAndPartsWhatIsLeft) {
   int freed = 0;
   CRequestSlots slots([&freed] { ++freed; });
-  slots.setMost(3);
+  slots.setMax(3);
   slots.addFile();
   EXPECT_TRUE(slots.takeExtra());
   slots.addFile();

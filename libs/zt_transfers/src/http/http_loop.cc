@@ -48,6 +48,7 @@ void CHttpLoop::start(Tick tick, std::function<void()> last) {
     nameThisThread(name_);
     run(tick);
     last();
+    retired_.clear();
     assert(exchanges_.empty());
     idle_.clear();
     loopThread_ = std::thread::id();  // another thread can get the same
@@ -110,6 +111,7 @@ void CHttpLoop::run(const Tick& tick) {
     }
     const bool finished = finishExchanges();
     checkStalls(clock_.now());
+    retired_.clear();  // before the wait, as it can post tasks
     if (const auto open = throttle_.nextDue(clock_.now()); open && (!due || *open < *due)) {
       due = open;
     }

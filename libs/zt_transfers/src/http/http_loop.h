@@ -4,14 +4,17 @@
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <set>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "base/clock.h"
+#include "base/retired.h"
 #include "http/curl_handles.h"
 #include "http/throttle.h"
 
@@ -42,6 +45,13 @@ class CHttpLoop {
   void wake();
   // Dropped when the loop does not run.
   void post(std::function<void()> task);
+
+  // Keeps an object that has finished until the end of the loop's round, when none of its functions
+  // is on the stack any more.
+  template <typename Object>
+  void retire(std::unique_ptr<Object> object) {
+    retired_.add(std::move(object));
+  }
 
   void assertOnLoop() const;
   CThrottle& throttle() { return throttle_; }
@@ -83,6 +93,7 @@ class CHttpLoop {
   Duration slept_{};               // until the last turn
   std::optional<TimePoint> woke_;  // when the machine last woke up
   bool again_ = false;             // another turn is due at once
+  CRetired retired_;
 };
 
 }  // namespace zt_transfers

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "osr/osr_renderer.h"
-#include "platform/linux/egl_canvas_linux.h"
+#include "osr/renderer/osr_renderer.h"
+#include "platform/linux/view/egl_canvas.h"
 #include "timing.h"
 
 namespace bench {

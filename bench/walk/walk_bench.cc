@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "files/folder_walk.h"
-#include "src/files/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 namespace {
 

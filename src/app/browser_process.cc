@@ -5,17 +5,17 @@
 #include <filesystem>
 #include <iostream>
 
-#include "app/executable_path.h"
 #include "app/framework_settings.h"
-#include "app/logger.h"
+#include "app/log/logger.h"
 #include "app/open_files.h"
+#include "app/settings/executable_path.h"
 #include "app/shutdown_signals.h"
 #include "browser/initial_files_container.h"
 #include "browser/zt_cef_handler.h"
 #include "include/base/cef_bind.h"
 #include "include/base/cef_callback.h"
 #include "include/wrapper/cef_closure_task.h"
-#include "services/crash_report_folder.h"
+#include "services/crash/crash_report_folder.h"
 
 namespace zantrio {
 namespace {

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "app/app_settings.h"
-#include "app/main_bundle.h"
+#include "app/settings/app_settings.h"
+#include "app/settings/main_bundle.h"
 #include "app/start_options.h"
 #include "app/zantrio_app.h"
 #include "include/cef_app.h"

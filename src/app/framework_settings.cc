@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "app/app_settings.h"
+#include "app/settings/app_settings.h"
 
 namespace zantrio {
 

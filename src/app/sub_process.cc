@@ -4,10 +4,10 @@
 
 #include <string>
 
-#include "app/app_settings.h"
-#include "app/executable_path.h"
-#include "app/logger.h"
-#include "app/main_bundle.h"
+#include "app/log/logger.h"
+#include "app/settings/app_settings.h"
+#include "app/settings/executable_path.h"
+#include "app/settings/main_bundle.h"
 #include "app/zantrio_app.h"
 #include "include/cef_app.h"
 

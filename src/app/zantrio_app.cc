@@ -3,16 +3,16 @@
 #include <string>
 #include <utility>
 
-#include "app/guarded.h"
-#include "app/logger.h"
+#include "app/log/guarded.h"
+#include "app/log/logger.h"
 #include "app/open_files.h"
+#include "app/register_query_handlers.h"
 #include "bridge/query_handler_registry.h"
-#include "bridge/register_query_handlers.h"
 #include "browser/loading_page.h"
 #include "browser/zt_cef_handler.h"
 #include "include/wrapper/cef_helpers.h"
-#include "osr/off_screen_view.h"
 #include "osr/osr_window.h"
+#include "osr/view/off_screen_view.h"
 
 namespace zantrio {
 namespace {
@@ -55,6 +55,7 @@ void ZantrioApp::openBrowser() {
   CefWindowInfo window = describeWindow(*settings_);
   CefBrowserSettings browser = describeBrowser();
   ZtCefHandler::Options options;
+  options.registerHandlers = [] { registerQueryHandlers(); };
   if (offScreen_) {
     options.renderHandler = makeOffScreenView(window);
     browser.windowless_frame_rate = kFramesPerSecond;

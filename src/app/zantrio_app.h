@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "app/app_settings.h"
+#include "app/settings/app_settings.h"
 #include "include/cef_app.h"
 #include "include/wrapper/cef_message_router.h"
 #include "osr/render_handler.h"

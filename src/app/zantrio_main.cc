@@ -3,7 +3,7 @@
 #include <iostream>
 
 #include "app/browser_process.h"
-#include "app/process_preparation.h"
+#include "services/process_preparation.h"
 
 int main(int argc, char** argv) {
   const zantrio::ProcessPreparation preparation;

@@ -3,7 +3,7 @@
 #include <exception>
 #include <optional>
 
-#include "app/logger.h"
+#include "app/log/logger.h"
 #include "bridge/dispatch_scope.h"
 #include "bridge/json_text.h"
 #include "bridge/platform_exceptions.h"

@@ -3,7 +3,7 @@
 #include <string>
 #include <utility>
 
-#include "app/logger.h"
+#include "app/log/logger.h"
 #include "bridge/query_handler_context.h"
 #include "bridge/query_handler_registry.h"
 

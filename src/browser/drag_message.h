@@ -1,6 +1,6 @@
 #pragma once
 
-#include "files/drag_handler.h"
+#include "bridge/drag_handler.h"
 #include "include/cef_drag_data.h"
 
 namespace zantrio {

@@ -2,7 +2,7 @@
 
 #include <Poco/URI.h>
 
-#include "app/app_settings.h"
+#include "app/settings/app_settings.h"
 
 namespace zantrio {
 namespace {

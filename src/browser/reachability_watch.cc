@@ -5,8 +5,8 @@
 #include <atomic>
 #include <utility>
 
-#include "app/guarded.h"
-#include "app/logger.h"
+#include "app/log/guarded.h"
+#include "app/log/logger.h"
 #include "browser/loading_page.h"
 #include "include/base/cef_bind.h"
 #include "include/base/cef_callback.h"

@@ -2,10 +2,9 @@
 
 #include <utility>
 
-#include "app/guarded.h"
-#include "app/logger.h"
+#include "app/log/guarded.h"
+#include "app/log/logger.h"
 #include "bridge/query_handler_context.h"
-#include "bridge/register_query_handlers.h"
 #include "browser/drag_message.h"
 #include "browser/loading_page.h"
 #include "browser/page_dialogs.h"
@@ -26,14 +25,12 @@ ZtCefHandler* currentInstance = nullptr;
 
 }  // namespace
 
-ZtCefHandler::ZtCefHandler(Poco::SharedPtr<CAppSettings> settings)
-    : ZtCefHandler(std::move(settings), Options()) {}
-
 ZtCefHandler::ZtCefHandler(Poco::SharedPtr<CAppSettings> settings, const Options& options)
     : relays_(messages::CMessageHandlerList::instance()),
       platformInit_(createPlatformInit()),
       reachability_(new ReachabilityWatch(options.probe)),
       settings_(std::move(settings)),
+      registerHandlers_(options.registerHandlers),
       closePeriod_(options.closePeriod),
       renderHandler_(options.renderHandler) {
   currentInstance = this;
@@ -86,7 +83,7 @@ void ZtCefHandler::initializeBrowser(const CefRefPtr<CefBrowser>& browser) {
     platformInit_->init();
   }
   relays_.fill();
-  registerQueryHandlers();
+  registerHandlers_();
   messages::initializeTransfers(*settings_);
 
   QueryHandlerContext context;

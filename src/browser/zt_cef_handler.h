@@ -6,14 +6,15 @@
 #include <Poco/Util/TimerTask.h>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "app/app_settings.h"
+#include "app/settings/app_settings.h"
+#include "bridge/web_app_life_cycle_callback.h"
 #include "browser/bridge_routers.h"
 #include "browser/reachability_watch.h"
-#include "browser/web_app_life_cycle_callback.h"
 #include "include/cef_client.h"
 #include "osr/render_handler.h"
 #include "services/platform_init.h"
@@ -41,6 +42,8 @@ class ZtCefHandler : public CefClient,
                      public IWebAppLifeCycleCallback {
  public:
   struct Options {
+    // Fills QueryHandlerRegistry with the bridges that the page may call.
+    std::function<void()> registerHandlers;
     // How long DoClose waits for OnBeforeClose.
     Poco::Timespan closePeriod{10, 0};
     // What tells whether the service answers; replaced by tests.
@@ -49,7 +52,6 @@ class ZtCefHandler : public CefClient,
     CefRefPtr<client::RenderHandler> renderHandler;
   };
 
-  explicit ZtCefHandler(Poco::SharedPtr<CAppSettings> settings);
   ZtCefHandler(Poco::SharedPtr<CAppSettings> settings, const Options& options);
   ZtCefHandler(const ZtCefHandler&) = delete;
   ZtCefHandler& operator=(const ZtCefHandler&) = delete;
@@ -157,6 +159,7 @@ class ZtCefHandler : public CefClient,
   // Its thread ends before the members above do.
   Poco::Util::Timer closeTimer_;
   const Poco::SharedPtr<CAppSettings> settings_;
+  const std::function<void()> registerHandlers_;
   const Poco::Timespan closePeriod_;
   const CefRefPtr<client::RenderHandler> renderHandler_;
 

@@ -4,10 +4,10 @@
 
 #include <algorithm>
 
-#include "app/guarded.h"
-#include "app/logger.h"
+#include "app/log/guarded.h"
+#include "app/log/logger.h"
+#include "bridge/app_lifecycle_events_handler.h"
 #include "bridge/handler_data.h"
-#include "browser/app_lifecycle_events_handler.h"
 #include "browser/zt_cef_handler.h"
 #include "include/base/cef_bind.h"
 #include "include/base/cef_callback.h"

@@ -1,11 +1,11 @@
 // What ZtCefHandler and the web application tell each other: readiness, exit, files, routes.
-#include "app/guarded.h"
-#include "app/logger.h"
+#include "app/log/guarded.h"
+#include "app/log/logger.h"
+#include "bridge/app_lifecycle_events_handler.h"
+#include "bridge/drag_handler.h"
 #include "bridge/handler_data.h"
-#include "browser/app_lifecycle_events_handler.h"
 #include "browser/initial_files_container.h"
 #include "browser/zt_cef_handler.h"
-#include "files/drag_handler.h"
 #include "include/cef_frame.h"
 #include "include/wrapper/cef_helpers.h"
 

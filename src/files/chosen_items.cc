@@ -4,12 +4,12 @@
 
 #include <utility>
 
-#include "app/logger.h"
+#include "app/log/logger.h"
+#include "app/text/utf8_text.h"
 #include "files/file_item_json.h"
 #include "files/file_url.h"
 #include "files/folder_walk.h"
 #include "files/path_names.h"
-#include "files/utf8_text.h"
 
 namespace zantrio {
 namespace {

@@ -4,8 +4,8 @@
 #include <exception>
 #include <string_view>
 
+#include "app/text/utf8_text.h"
 #include "files/file_url.h"
-#include "files/utf8_text.h"
 
 namespace zantrio {
 namespace {

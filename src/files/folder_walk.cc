@@ -8,7 +8,7 @@
 #include <system_error>
 #include <utility>
 
-#include "app/logger.h"
+#include "app/log/logger.h"
 #include "files/entry_statuses.h"
 #include "files/file_item_json.h"
 #include "files/file_url.h"

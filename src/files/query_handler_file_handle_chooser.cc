@@ -5,7 +5,7 @@
 #include <memory>
 #include <utility>
 
-#include "app/logger.h"
+#include "app/log/logger.h"
 #include "bridge/query_handler_context.h"
 #include "files/chosen_items.h"
 #include "files/file_choose_dialog.h"

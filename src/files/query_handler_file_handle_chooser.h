@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "bridge/drag_handler.h"
 #include "bridge/query_handler_base.h"
-#include "files/drag_handler.h"
 #include "include/cef_browser.h"
 
 namespace zantrio {

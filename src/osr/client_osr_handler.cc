@@ -1,9 +1,9 @@
 #include "osr/client_osr_handler.h"
 
-#include "app/guarded.h"
+#include "app/log/guarded.h"
 #include "include/wrapper/cef_helpers.h"
-#include "osr/osr_renderer.h"
-#include "osr/text_input.h"
+#include "osr/input/text_input.h"
+#include "osr/renderer/osr_renderer.h"
 
 namespace client {
 

@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "osr/osr_view.h"
 #include "osr/render_handler.h"
+#include "osr/view/osr_view.h"
 
 namespace client {
 

@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "app/logger.h"
+#include "app/log/logger.h"
 #include "bridge/query_handler_context.h"
-#include "browser/web_app_life_cycle_callback.h"
+#include "bridge/web_app_life_cycle_callback.h"
 #include "services/clipboard.h"
 #include "services/os_file_explorer.h"
 

@@ -3,8 +3,8 @@
 #include <exception>
 #include <filesystem>
 
-#include "app/home_folder.h"
-#include "app/logger.h"
+#include "app/log/logger.h"
+#include "app/settings/home_folder.h"
 
 namespace zantrio {
 namespace {

@@ -3,7 +3,7 @@
 #include <exception>
 #include <filesystem>
 
-#include "app/logger.h"
+#include "app/log/logger.h"
 #include "transfers/auto_download_directory.h"
 #include "transfers/safe_folder_name.h"
 #include "transfers/writable_folder_choice.h"

@@ -4,7 +4,7 @@
 #include <exception>
 #include <sstream>
 
-#include "app/logger.h"
+#include "app/log/logger.h"
 #include "transfers/wide_text.h"
 
 namespace zantrio {

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "app/logger.h"
+#include "app/log/logger.h"
+#include "bridge/app_lifecycle_events_handler.h"
 #include "bridge/query_handler_base.h"
-#include "browser/app_lifecycle_events_handler.h"
 #include "transfers/json_record.h"
 #include "transfers/record_json.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/guarded.h"
+#include "app/log/guarded.h"
 #include "include/base/cef_bind.h"
 #include "include/base/cef_callback.h"
 #include "include/wrapper/cef_closure_task.h"

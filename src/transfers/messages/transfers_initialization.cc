@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "app/app_settings.h"
-#include "app/logger.h"
+#include "app/log/logger.h"
+#include "app/settings/app_settings.h"
 #include "transfers/wide_text.h"
 #include "zt_transfers/global_config.h"
 

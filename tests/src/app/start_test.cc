@@ -10,7 +10,7 @@
 #include <iterator>
 #include <string>
 
-#include "src/files/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 namespace zantrio {
 namespace {

@@ -7,7 +7,7 @@
 
 #include "bridge/json_text.h"
 #include "src/fakes/fake_query_callback.h"
-#include "src/fakes/log_capture.h"
+#include "support/log_capture.h"
 
 namespace zantrio {
 namespace {

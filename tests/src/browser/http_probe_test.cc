@@ -6,7 +6,7 @@
 #include <chrono>
 #include <thread>
 
-#include "src/fakes/http_service.h"
+#include "support/http_service.h"
 
 namespace zantrio {
 namespace {

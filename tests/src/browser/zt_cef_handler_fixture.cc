@@ -1,5 +1,7 @@
 #include "src/browser/zt_cef_handler_fixture.h"
 
+#include "app/register_query_handlers.h"
+
 namespace zantrio::test {
 namespace {
 
@@ -31,7 +33,8 @@ ZtCefHandlerTest::~ZtCefHandlerTest() {
   EXPECT_EQ(transfers.managersAlive, 0);
 }
 
-void ZtCefHandlerTest::createClient(const ZtCefHandler::Options& options) {
+void ZtCefHandlerTest::createClient(ZtCefHandler::Options options) {
+  options.registerHandlers = [] { registerQueryHandlers(); };
   client = nullptr;
   const Poco::SharedPtr<CMainBundle> bundle(new CMainBundle(bundle_.folder()));
   client = new ZtCefHandler(new CAppSettings(bundle, "/bundle/bin/zantrio"), options);

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app/main_bundle.h"
+#include "app/settings/main_bundle.h"
 #include "bridge/query_handler_registry.h"
 #include "browser/initial_files_container.h"
 #include "browser/zt_cef_handler.h"
@@ -14,8 +14,8 @@
 #include "src/fakes/fake_framework.h"
 #include "src/fakes/fake_services.h"
 #include "src/fakes/fake_transfers.h"
-#include "src/fakes/log_capture.h"
 #include "src/fakes/test_bundle.h"
+#include "support/log_capture.h"
 
 namespace zantrio::test {
 
@@ -25,8 +25,8 @@ class ZtCefHandlerTest : public testing::Test {
   ZtCefHandlerTest();
   ~ZtCefHandlerTest() override;
 
-  // Makes the client anew.
-  void createClient(const ZtCefHandler::Options& options);
+  // Makes the client anew, with the application's bridges.
+  void createClient(ZtCefHandler::Options options);
   // As the framework does when the browser exists.
   CefRefPtr<FakeBrowser> openBrowser(int identifier = 1);
   bool sendMessage(const CefRefPtr<FakeBrowser>& browser);

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "bridge/drag_handler.h"
 #include "bridge/query_handler_base.h"
-#include "files/drag_handler.h"
 #include "files/file_data.h"
 #include "src/browser/zt_cef_handler_fixture.h"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "services/contact_entry.h"
+#include "services/contacts/contact_entry.h"
 #include "services/file_permissions_retriever.h"
 
 namespace zantrio::test {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "src/files/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 namespace zantrio::test {
 

@@ -7,9 +7,9 @@
 #include <algorithm>
 #include <set>
 
-#include "src/fakes/log_capture.h"
 #include "src/files/places.h"
-#include "src/files/temporary_folder.h"
+#include "support/log_capture.h"
+#include "support/temporary_folder.h"
 
 namespace zantrio {
 namespace {

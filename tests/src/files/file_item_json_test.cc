@@ -7,7 +7,7 @@
 #include <chrono>
 #include <limits>
 
-#include "src/files/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 namespace zantrio {
 namespace {

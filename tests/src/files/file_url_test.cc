@@ -3,7 +3,7 @@
 #include <Poco/Exception.h>
 #include <gtest/gtest.h>
 
-#include "src/files/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 namespace zantrio {
 namespace {

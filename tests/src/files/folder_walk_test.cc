@@ -10,10 +10,10 @@
 #include <filesystem>
 
 #include "files/folder_listing.h"
-#include "src/fakes/log_capture.h"
 #include "src/files/file_query_counter.h"
 #include "src/files/places.h"
-#include "src/files/temporary_folder.h"
+#include "support/log_capture.h"
+#include "support/temporary_folder.h"
 
 namespace zantrio {
 namespace {

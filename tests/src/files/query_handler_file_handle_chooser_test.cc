@@ -9,8 +9,8 @@
 #include "src/fakes/fake_browser.h"
 #include "src/fakes/fake_query_callback.h"
 #include "src/fakes/fake_services.h"
-#include "src/fakes/log_capture.h"
-#include "src/files/temporary_folder.h"
+#include "support/log_capture.h"
+#include "support/temporary_folder.h"
 
 namespace zantrio {
 namespace {

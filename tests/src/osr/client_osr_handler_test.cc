@@ -3,9 +3,9 @@
 #include <gmock/gmock.h>
 
 #include "osr/osr_window.h"
-#include "src/osr/allocation_count.h"
-#include "src/osr/egl_context.h"
-#include "src/osr/fake_osr_view.h"
+#include "src/osr/renderer/egl_context.h"
+#include "src/osr/view/fake_osr_view.h"
+#include "support/allocation_count.h"
 
 namespace client::test {
 namespace {

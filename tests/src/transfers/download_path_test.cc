@@ -6,9 +6,9 @@
 
 #include "bridge/json_text.h"
 #include "src/fakes/fake_services.h"
-#include "src/fakes/log_capture.h"
 #include "src/fakes/test_bundle.h"
-#include "src/files/temporary_folder.h"
+#include "support/log_capture.h"
+#include "support/temporary_folder.h"
 
 namespace zantrio {
 namespace {

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "bridge/json_text.h"
-#include "src/fakes/log_capture.h"
+#include "support/log_capture.h"
 
 namespace zantrio {
 namespace {

@@ -11,7 +11,7 @@
 #include <string>
 
 #include "devservice/dev_server.h"
-#include "src/files/temporary_folder.h"
+#include "support/temporary_folder.h"
 
 namespace zantrio::devservice {
 

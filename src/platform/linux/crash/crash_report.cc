@@ -10,8 +10,8 @@
 #include "platform/linux/crash/process_stacks.h"
 #include "platform/linux/crash/signal_text.h"
 #include "platform/linux/crash/thread_names.h"
-#include "services/crash_log.h"
-#include "services/crash_report_folder.h"
+#include "services/crash/crash_log.h"
+#include "services/crash/crash_report_folder.h"
 
 namespace zantrio {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "src/osr/allocation_count.h"
+#include "support/allocation_count.h"
 
 namespace cef_qt {
 namespace {

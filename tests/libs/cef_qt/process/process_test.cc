@@ -10,8 +10,8 @@
 #include <fstream>
 #include <mutex>
 
-#include "src/fakes/http_service.h"
 #include "support/framework.h"
+#include "support/http_service.h"
 
 namespace cef_test {
 namespace {

@@ -1,0 +1,72 @@
+#include "app/log/logger.h"
+
+#include <Poco/FormattingChannel.h>
+#include <Poco/Logger.h>
+#include <Poco/PatternFormatter.h>
+
+#include <algorithm>
+#include <new>
+
+namespace zantrio {
+namespace {
+
+const std::string kLoggerName = "ZantrioLogger";
+
+Poco::FastMutex creationMutex;
+// Guarded by creationMutex. Kept to the process's end: threads may log until then.
+CLogHolder* holder = nullptr;
+
+Poco::AutoPtr<Poco::FileChannel> makeFileChannel() {
+  Poco::AutoPtr<Poco::FileChannel> file(new Poco::FileChannel);
+  file->setProperty("rotation", "2 M");
+  file->setProperty("purgeCount", "5");
+  file->setProperty("flush", "true");
+  return file;
+}
+
+Poco::Logger& makeLogger(const Poco::AutoPtr<Poco::FileChannel>& file) {
+  Poco::AutoPtr<Poco::PatternFormatter> formatter(new Poco::PatternFormatter);
+  formatter->setProperty("pattern", "[%n-%e-%y %H:%M:%S:%i] [%I %T] [%p] %t");
+  formatter->setProperty("times", "local");
+  const Poco::AutoPtr<Poco::FormattingChannel> channel(
+      new Poco::FormattingChannel(formatter, file));
+  Poco::Logger& logger = Poco::Logger::get(kLoggerName);
+  logger.setChannel(channel);
+  logger.setLevel(Poco::Message::PRIO_INFORMATION);
+  return logger;
+}
+
+}  // namespace
+
+CLogHolder* CLogHolder::get() {
+  const Poco::FastMutex::ScopedLock lock(creationMutex);
+  if (holder == nullptr) {
+    holder = new (std::nothrow) CLogHolder;
+  }
+  return holder;
+}
+
+CLogHolder::CLogHolder() : file_(makeFileChannel()), stream_(makeLogger(file_)) {}
+
+void CLogHolder::setLogPath(const std::string& path) {
+  if (path.empty()) {
+    return;
+  }
+  const Poco::FastMutex::ScopedLock lock(mutex_);
+  file_->close();  // an open file would go on under its old path
+  file_->setProperty("path", path);
+}
+
+void CLogHolder::writeLine(Poco::Message::Priority priority, std::string line) {
+  // File names may hold any bytes. The stream takes this one for the end of all output, and would
+  // keep what it has so far for the next line. It stands in no UTF-8 text.
+  std::replace(line.begin(), line.end(), '\xFF', '?');
+  const Poco::FastMutex::ScopedLock lock(mutex_);
+  // A line that could not be written (a full disk, no path yet) has left the stream failed; the
+  // next one tries again.
+  stream_.clear();
+  stream_.priority(priority);
+  stream_ << line << std::endl;
+}
+
+}  // namespace zantrio

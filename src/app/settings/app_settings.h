@@ -1,0 +1,47 @@
+#pragma once
+
+#include <Poco/SharedPtr.h>
+
+#include <string>
+
+#include "app/settings/main_bundle.h"
+
+namespace zantrio {
+
+// Answers where the application lives and what it is called. Everything is computed when asked
+// for, from the bundle's information dictionary and the environment.
+//
+// Every operation writes into the caller's text and leaves it as it was where its source is
+// missing. Thread: any. Errors: Poco::NullPointerException when there is no bundle object.
+class CAppSettings {
+ public:
+  // `executablePath`: the path of the program's file, as the process was started with.
+  CAppSettings(Poco::SharedPtr<CMainBundle> bundle, std::string executablePath);
+
+  void getHomeFolder(std::string& folder) const;
+  void getAppDataFolder(std::string& folder) const;  // ends with a slash
+  void getCachePath(std::string& path) const;
+  void getBrowserLogPath(std::string& path) const;
+  void getAppLogPath(std::string& path) const;
+  void getProductName(std::string& name) const;
+  void getBundleName(std::string& name) const;
+  void getVersion(std::string& version) const;
+  void getAppBaseUrl(std::string& url) const;
+  void getAppPath(std::string& path) const;
+  void getAppUrl(std::string& url) const;
+  void getResourcesFolder(std::string& folder) const;  // ends with a slash
+  void getLoadingPagePath(std::string& path) const;
+  void getOsVersion(std::string& version) const;
+  void getUserAgent(std::string& userAgent) const;
+
+ private:
+  void getInAppDataFolder(const std::string& name, std::string& path) const;
+  // The default stands in for an entry that is missing or empty, not for one of another type.
+  void getOrDefault(const std::string& key, const std::string& defaultValue,
+                    std::string& value) const;
+
+  const Poco::SharedPtr<CMainBundle> bundle_;
+  const std::string executablePath_;
+};
+
+}  // namespace zantrio

@@ -1,6 +1,0 @@
-// The helper application, which the framework starts for its sub-processes.
-#include "platform/mac/main_mac.h"
-
-int main(int argc, char** argv) {
-  return zantrio::runHelper(argc, argv);
-}

@@ -1,0 +1,31 @@
+// What ClientOpenGLView is made of, for its own files.
+#pragma once
+
+#include "osr/input/drag_session.h"
+#include "osr/input/interpreted_keys.h"
+#include "osr/input/mouse_input.h"
+#include "osr/input/scroll_gesture.h"
+#include "platform/mac/view/osr_view.h"
+
+namespace client {
+
+// The portable parts that the view translates for. Ownership: the view's, which has them from its
+// initialisation to its end.
+class ViewParts {
+ public:
+  ViewParts(ClientOpenGLView* view, bool transparent, bool showUpdateRect);
+  ViewParts(const ViewParts&) = delete;
+  ViewParts& operator=(const ViewParts&) = delete;
+  ~ViewParts();
+
+  CefRefPtr<CefBrowserHost> host() const;
+
+  const std::shared_ptr<OsrViewMac> osr;
+  MouseInput mouse{*osr};
+  KeyInput keys{*osr};
+  InterpretedKeys presses{keys, osr->textInput()};
+  DragSession drags{*osr};
+  ScrollGesture scroll;
+};
+
+}  // namespace client

@@ -1,6 +1,0 @@
-// The application: the browser process with its window and message loop.
-#include "platform/mac/main_mac.h"
-
-int main(int argc, char** argv) {
-  return zantrio::runApplication(argc, argv);
-}

@@ -1,0 +1,114 @@
+#include "app/register_query_handlers.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "bridge/query_handler_base.h"
+#include "bridge/query_handler_registry.h"
+#include "src/fakes/fake_query_callback.h"
+#include "src/fakes/fake_services.h"
+#include "support/log_capture.h"
+
+namespace zantrio {
+namespace {
+
+using test::FakeQueryCallback;
+using test::LogCapture;
+
+int handlersAlive = 0;
+
+class CountedHandler : public CQueryHandlerBase {
+ public:
+  CountedHandler() {
+    ++handlersAlive;
+    registerMethod("close", &CountedHandler::close);
+  }
+  ~CountedHandler() override { --handlersAlive; }
+
+ private:
+  // As a dialog does in which the user closes the window.
+  Json::Value close(const Json::Value&) {
+    QueryHandlerRegistry::instance().clear();
+    EXPECT_EQ(handlersAlive, 1);
+    return "closed";
+  }
+};
+
+QueryHandlerRegistry::HandlerPtr createCounted() {
+  return new CountedHandler;
+}
+
+class BridgeRegistry : public testing::Test {
+ protected:
+  ~BridgeRegistry() override {
+    registry.clear();
+    EXPECT_EQ(handlersAlive, 0);
+  }
+
+  QueryHandlerRegistry& registry = QueryHandlerRegistry::instance();
+};
+
+TEST_F(BridgeRegistry, KeepsBridgesInByteOrderOfTheirNames) {
+  registerQueryHandlers({{"b", createCounted}, {"B", createCounted}, {"a", createCounted}});
+  std::string names;
+  for (const auto& [name, handler] : registry.entries()) {
+    names += name;
+  }
+  EXPECT_EQ(names, "Bab");
+}
+
+TEST_F(BridgeRegistry, ReplacesAndReleasesHandlersThatAreRegisteredAgain) {
+  registerQueryHandlers({{"a", createCounted}});
+  registerQueryHandlers({{"a", createCounted}});
+  EXPECT_EQ(handlersAlive, 1);
+  EXPECT_EQ(registry.entries().size(), 1U);
+}
+
+TEST_F(BridgeRegistry, LeavesOutABridgeWhoseHandlerCannotBeMade) {
+  const LogCapture log;
+  const auto fail = []() -> QueryHandlerRegistry::HandlerPtr {
+    throw std::runtime_error("no handler");
+  };
+  registerQueryHandlers({{"a", createCounted}, {"b", fail}, {"c", createCounted}});
+  EXPECT_EQ(registry.entries().size(), 2U);
+  EXPECT_EQ(registry.entries().count("b"), 0U);
+  EXPECT_TRUE(log.contains(
+      "error Query handler for name b is not registered due to exception: no handler"));
+}
+
+TEST_F(BridgeRegistry, KeepsHandlersAliveUntilTheRunningQueryIsAnswered) {
+  registerQueryHandlers({{"a", createCounted}});
+  IQueryHandler* const handler = registry.entries().at("a").unsafeCast<IQueryHandler>().get();
+  const CefRefPtr<FakeQueryCallback> callback(new FakeQueryCallback);
+  EXPECT_TRUE(handler->OnQuery(nullptr, nullptr, 1, R"({"method":"close"})", false, callback));
+  EXPECT_EQ(callback->successes, std::vector<std::string>{"\"closed\"\n"});
+  EXPECT_EQ(handlersAlive, 0);
+}
+
+TEST_F(BridgeRegistry, HoldsTheApplicationsBridges) {
+  registerQueryHandlers();
+  std::vector<std::string> names;
+  for (const auto& [name, handler] : registry.entries()) {
+    names.push_back(name);
+  }
+  EXPECT_EQ(names, (std::vector<std::string>{
+                       "addressBookSearchManagerBridge_IPC", "downloadManagerBridge_IPC",
+                       "eventNotificationBridge_IPC", "fileHandleChooserBridge_IPC",
+                       "nativeAppBridge_IPC", "uploadManagerBridge_IPC"}));
+}
+
+TEST_F(BridgeRegistry, HoldsTheOtherBridgesWhereThereIsNoAddressBook) {
+  const LogCapture log;
+  test::FakeServices::instance().hasAddressBook = false;
+  registerQueryHandlers();
+  test::FakeServices::instance().reset();
+  EXPECT_EQ(registry.entries().size(), 5U);
+  EXPECT_EQ(registry.entries().count("addressBookSearchManagerBridge_IPC"), 0U);
+  EXPECT_TRUE(
+      log.contains("error Query handler for name addressBookSearchManagerBridge_IPC is not "
+                   "registered due to exception: Failed to obtain system address book reference!"));
+}
+
+}  // namespace
+}  // namespace zantrio

@@ -1,0 +1,145 @@
+#include <gmock/gmock.h>
+
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QToolButton>
+
+#include "files/file_choose_dialog.h"
+#include "files/file_url.h"
+#include "files/folder_choose_dialog.h"
+#include "src/platform/linux/event_loop.h"
+#include "support/temporary_folder.h"
+
+namespace zantrio {
+namespace {
+
+using test::TemporaryFolder;
+using test::waitFor;
+using test::whenModal;
+using testing::ElementsAre;
+using testing::UnorderedElementsAre;
+
+using Action = std::function<void(QFileDialog&)>;
+using Urls = std::vector<std::string>;
+
+bool showFiles(Urls& urls, const Action& action) {
+  whenModal<QFileDialog>(action);
+  const auto dialog = createFileChooseDialog();
+  dialog->setTitle("Choose files");
+  return dialog->show(urls);
+}
+
+bool showFolder(Urls& urls, const Action& action) {
+  whenModal<QFileDialog>(action);
+  const auto dialog = createFolderChooseDialog();
+  dialog->setTitle("Choose folder");
+  return dialog->show(urls);
+}
+
+// Types names into the panel, as one would, and presses its button.
+void enterAndConfirm(QFileDialog& panel, const QString& names) {
+  panel.findChild<QLineEdit*>()->setText(names);
+  auto* button = panel.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Open);
+  if (!waitFor([button] { return button->isEnabled(); })) {
+    ADD_FAILURE() << "the panel does not take " << names.toStdString();
+    panel.reject();
+    return;
+  }
+  button->click();
+}
+
+QString quoted(const std::string& name) {
+  return '"' + QString::fromStdString(name) + '"';
+}
+
+TEST(ChooseDialogsLinux, GivesTheUrlsOfSeveralFiles) {
+  const TemporaryFolder folder;
+  const std::vector<std::string> names = {"a b.txt", "100% \u00E4#?;.txt", std::string(250, 'n')};
+  QStringList entered;
+  Urls expected;
+  for (const std::string& name : names) {
+    filePathToUrl(folder.makeFile(name), expected.emplace_back());
+    entered << quoted(name);
+  }
+  Urls urls = {"before"};
+  EXPECT_TRUE(showFiles(urls, [&](QFileDialog& panel) {
+    panel.setDirectory(QString::fromStdString(folder.path()));
+    enterAndConfirm(panel, entered.join(' '));
+  }));
+  ASSERT_EQ(urls.size(), 4U);
+  EXPECT_EQ(urls[0], "before");
+  urls.erase(urls.begin());
+  EXPECT_THAT(urls, testing::UnorderedElementsAreArray(expected));
+}
+
+TEST(ChooseDialogsLinux, GivesTheUrlOfOneFolderWithASlash) {
+  const TemporaryFolder folder;
+  folder.makeFolder("my f\u00F6lder 100%");
+  Urls urls;
+  EXPECT_TRUE(showFolder(urls, [&](QFileDialog& panel) {
+    panel.setDirectory(QString::fromStdString(folder.path()));
+    enterAndConfirm(panel, QString::fromUtf8("my f\u00F6lder 100%"));
+  }));
+  EXPECT_THAT(urls, ElementsAre("file://" + folder.path() + "/my%20f%C3%B6lder%20100%25/"));
+}
+
+TEST(ChooseDialogsLinux, ReturnsFalseAndNothingWhenCancelled) {
+  Urls urls = {"before"};
+  EXPECT_FALSE(showFiles(urls, [](QFileDialog& panel) { panel.reject(); }));
+  EXPECT_FALSE(showFolder(urls, [](QFileDialog& panel) { panel.close(); }));
+  EXPECT_THAT(urls, ElementsAre("before"));
+}
+
+TEST(ChooseDialogsLinux, OffersFilesForOneAndFoldersForTheOther) {
+  Urls urls;
+  showFiles(urls, [](QFileDialog& panel) {
+    EXPECT_EQ(panel.windowTitle(), "Choose files");
+    EXPECT_EQ(panel.fileMode(), QFileDialog::ExistingFiles);
+    EXPECT_EQ(panel.acceptMode(), QFileDialog::AcceptOpen);
+    panel.reject();
+  });
+  showFolder(urls, [](QFileDialog& panel) {
+    EXPECT_EQ(panel.windowTitle(), "Choose folder");
+    EXPECT_EQ(panel.fileMode(), QFileDialog::Directory);
+    EXPECT_TRUE(panel.testOption(QFileDialog::ShowDirsOnly));
+    const auto* newFolder = panel.findChild<QToolButton*>("newFolderButton");
+    EXPECT_TRUE(newFolder != nullptr && newFolder->isVisible() && newFolder->isEnabled());
+    panel.reject();
+  });
+}
+
+TEST(ChooseDialogsLinux, OpensWhereTheLastOneWasLeftAndAtHomeWhenThatIsGone) {
+  Urls urls;
+  {
+    const TemporaryFolder folder;
+    showFiles(urls, [&](QFileDialog& panel) {
+      panel.setDirectory(QString::fromStdString(folder.path()));
+      panel.reject();
+    });
+    showFolder(urls, [&](QFileDialog& panel) {
+      EXPECT_EQ(panel.directory().path().toStdString(), folder.path());
+      panel.reject();
+    });
+  }
+  showFiles(urls, [](QFileDialog& panel) {
+    EXPECT_EQ(panel.directory().path(), QDir::homePath());
+    panel.reject();
+  });
+}
+
+TEST(ChooseDialogsLinux, CountsADialogThatGoesWithItsWindowAsCancelled) {
+  auto* window = new QWidget;
+  window->show();
+  QApplication::setActiveWindow(window);
+  Urls urls;
+  EXPECT_FALSE(showFiles(urls, [window](QFileDialog& panel) {
+    EXPECT_EQ(panel.parentWidget(), window);
+    delete window;
+  }));
+  EXPECT_TRUE(urls.empty());
+}
+
+}  // namespace
+}  // namespace zantrio

@@ -1,0 +1,120 @@
+#include "platform/linux/notifications/user_notification_handler.h"
+
+#include <gtest/gtest.h>
+
+#include <QDBusArgument>
+#include <QDBusPendingCallWatcher>
+#include <QIcon>
+
+#include "src/platform/linux/event_loop.h"
+#include "src/platform/linux/recorded_service.h"
+
+namespace zantrio {
+namespace {
+
+const QString kServer = "org.freedesktop.Notifications";
+const QString kServerPath = "/org/freedesktop/Notifications";
+
+class UserNotificationHandlerLinux : public testing::Test {
+ protected:
+  UserNotificationHandlerLinux() { server_.answer("GetCapabilities", QStringList{"body"}); }
+
+  static void show(const UserNotification& notification) {
+    createUserNotificationHandler()->show(notification);
+  }
+
+  QString shownMessage(const std::string& message) {
+    show({"title", message, ""});
+    return server_.waitForCall("Notify").arguments().value(4).toString();
+  }
+
+  test::RecordedService server_{kServer, kServerPath};
+};
+
+TEST_F(UserNotificationHandlerLinux, HandsOnAllFields) {
+  show({"Fertig: gr\u00FC\u00DFe \u65E5\u672C", "2 files", "https://example.test/t/1"});
+  const QDBusMessage call = server_.waitForCall("Notify");
+  EXPECT_EQ(call.interface(), kServer);
+  EXPECT_EQ(call.signature(), "susssasa{sv}i");
+  const QVariantList arguments = call.arguments();
+  ASSERT_EQ(arguments.size(), 8);
+  EXPECT_EQ(arguments[0].toString(), "Zantrio");
+  EXPECT_EQ(arguments[1].toUInt(), 0U);
+  EXPECT_EQ(arguments[2].toString(), "zantrio");
+  EXPECT_EQ(arguments[3].toString(), QString::fromUtf8("Fertig: gr\u00FC\u00DFe \u65E5\u672C"));
+  EXPECT_EQ(arguments[4].toString(), "2 files");
+  EXPECT_EQ(arguments[5].toStringList(), QStringList());
+  const auto hints = qdbus_cast<QVariantMap>(arguments[6]);
+  EXPECT_EQ(hints["desktop-entry"].toString(), "zantrio");
+  EXPECT_EQ(hints["x-zantrio-url"].toString(), "https://example.test/t/1");
+  EXPECT_EQ(arguments[7].toInt(), -1);
+}
+
+TEST_F(UserNotificationHandlerLinux, HandsOnTheDrawnIconWhereNoneIsInstalled) {
+  ASSERT_FALSE(QIcon::hasThemeIcon("zantrio"));
+  show({"title", "", ""});
+  const auto hints = qdbus_cast<QVariantMap>(server_.waitForCall("Notify").arguments().value(6));
+  const auto image = hints["image-data"].value<QDBusArgument>();
+  EXPECT_EQ(image.currentSignature(), "(iiibiiay)");
+  int width = 0;
+  int height = 0;
+  int bytesPerLine = 0;
+  image.beginStructure();
+  image >> width >> height >> bytesPerLine;
+  EXPECT_EQ(width, 64);
+  EXPECT_EQ(height, 64);
+  bool hasAlpha = false;
+  int bitsPerSample = 0;
+  int channels = 0;
+  QByteArray pixels;
+  image >> hasAlpha >> bitsPerSample >> channels >> pixels;
+  image.endStructure();
+  EXPECT_EQ(pixels.size(), qsizetype{height} * bytesPerLine);
+  // Transparent at the corner, the background's colour near the edge.
+  EXPECT_EQ(pixels.mid(0, 4).toHex(), "00000000");
+  EXPECT_EQ(pixels.mid(32 * bytesPerLine + 4 * 4, 4).toHex(), "0b6e7dff");
+}
+
+TEST_F(UserNotificationHandlerLinux, EscapesTheMessageForServersThatReadMarkup) {
+  server_.answer("GetCapabilities", QStringList{"body", "body-markup"});
+  EXPECT_EQ(shownMessage("<img src=x> & \"<b>\""), "&lt;img src=x&gt; &amp; &quot;&lt;b&gt;&quot;");
+}
+
+TEST_F(UserNotificationHandlerLinux, LeavesTheMessageAsItIsForOtherServers) {
+  EXPECT_EQ(shownMessage("<b>a</b> & b"), "<b>a</b> & b");
+}
+
+TEST_F(UserNotificationHandlerLinux, ShowsWhatNoMessageOfTheBusMayHold) {
+  EXPECT_EQ(shownMessage(std::string("a\0b\xFF", 4)), QString::fromUtf8("a\uFFFDb\uFFFD"));
+}
+
+TEST_F(UserNotificationHandlerLinux, CutsATextWithoutMeasure) {
+  EXPECT_EQ(shownMessage(std::string(5'000'000, 'x')).size(), 10'001);
+}
+
+TEST_F(UserNotificationHandlerLinux, NeverCutsACharacterInTwo) {
+  const std::string kept(9'999, 'x');
+  EXPECT_EQ(shownMessage(kept + "😀 and more").toStdString(), kept + "…");
+}
+
+TEST_F(UserNotificationHandlerLinux, ShowsANotificationWithoutAnyText) {
+  show({});
+  EXPECT_EQ(server_.waitForCall("Notify").arguments().value(3).toString(), "");
+}
+
+TEST_F(UserNotificationHandlerLinux, DropsTheNotificationWhenTheServerIsNone) {
+  server_.refuse("GetCapabilities");
+  show({"title", "message", ""});
+  server_.waitForCall("GetCapabilities");
+  // The answer to a later call comes behind whatever followed the refusal.
+  QDBusConnection bus = QDBusConnection::sessionBus();
+  bool answered = false;
+  QDBusPendingCallWatcher later(
+      bus.asyncCall(QDBusMessage::createMethodCall(kServer, kServerPath, kServer, "Later")));
+  QObject::connect(&later, &QDBusPendingCallWatcher::finished, [&answered] { answered = true; });
+  EXPECT_TRUE(test::waitFor([&answered] { return answered; }));
+  EXPECT_EQ(server_.calls().size(), 2U);
+}
+
+}  // namespace
+}  // namespace zantrio

@@ -1,0 +1,88 @@
+#include "platform/mac/app/application_delegate.h"
+
+#include "src/platform/mac/fakes/application_fake.h"
+#include "src/platform/mac/fakes/calls.h"
+#include "src/platform/mac/fakes/client_fake.h"
+#include "src/platform/mac/fakes/core_foundation_fake.h"
+#include "src/platform/mac/mac_fixture.h"
+
+// A pasteboard that answers with what it was made with.
+@interface AnsweringPasteboard : NSObject {
+ @public
+  id _filenames;
+}
+@end
+
+@implementation AnsweringPasteboard
+- (id)propertyListForType:(NSString*)type {
+  return [type isEqual:NSFilenamesPboardType] ? _filenames : nil;
+}
+@end
+
+namespace zantrio::mac_test {
+namespace {
+
+using Calls = std::vector<std::string>;
+
+class ApplicationDelegateMac : public MacTest {
+ protected:
+  void SetUp() override {
+    MacTest::SetUp();
+    delegate_ = [[[ZantrioApplicationDelegate alloc] initWithCommands:&commands_] autorelease];
+  }
+
+  // Gives the service's error.
+  std::string send(id filenames) {
+    AnsweringPasteboard* const pasteboard = [[[AnsweringPasteboard alloc] init] autorelease];
+    pasteboard->_filenames = filenames;
+    NSString* error = nil;
+    [delegate_ sendFiles:(NSPasteboard*)pasteboard userData:nil error:&error];
+    return textOf(error);
+  }
+
+  const ApplicationInPlace application_;
+  RecordingCommands commands_;
+  ZantrioApplicationDelegate* delegate_ = nil;
+};
+
+TEST_F(ApplicationDelegateMac, HandsFilesOnInUtf8AndTellsTheSystemSo) {
+  [delegate_ application:NSApp openFiles:@[ @"/b", @"/Zo\u00EB" ]];
+  EXPECT_EQ(calls(), (Calls{"open /b", "open /Zo\u00EB", "replyToOpenOrPrint: 0"}));
+}
+
+TEST_F(ApplicationDelegateMac, LeavesOutANameThatIsNoTextInUnicode) {
+  [delegate_ application:NSApp openFiles:@[ [HalfPair string], @"/b" ]];
+  EXPECT_EQ(calls(), (Calls{"log: An item of a list was left out, as it is no text in Unicode.",
+                            "open /b", "replyToOpenOrPrint: 0"}));
+}
+
+TEST_F(ApplicationDelegateMac, FailsWhenItCanReadNoneOfTheNames) {
+  const std::string line = "log: An item of a list was left out, as it is no text in Unicode.";
+  [delegate_ application:NSApp openFiles:@[ [HalfPair string] ]];
+  EXPECT_EQ(calls(), (Calls{line, "replyToOpenOrPrint: 2"}));
+  calls().clear();
+  EXPECT_EQ(send(@[ [HalfPair string] ]), "The names of the files cannot be read.");
+  EXPECT_EQ(calls(), Calls{line});
+}
+
+TEST_F(ApplicationDelegateMac, TheMenusCommandsAreTheApplications) {
+  [delegate_ newMessage:nil];
+  [delegate_ newShare:nil];
+  [delegate_ quit];
+  EXPECT_EQ(calls(), (Calls{"new message", "new share", "quit"}));
+}
+
+TEST_F(ApplicationDelegateMac, TheServiceSendsTheFilesOnThePasteboard) {
+  EXPECT_EQ(send(@[ @"/a", @"/b c" ]), "(null)");
+  EXPECT_EQ(calls(), (Calls{"activateIgnoringOtherApps:", "open /a", "open /b c"}));
+}
+
+TEST_F(ApplicationDelegateMac, TheServiceTellsWhenThereAreNoFiles) {
+  for (id filenames : { (id) nil, (id) @[], (id) @"/a" }) {
+    EXPECT_EQ(send(filenames), "There are no files to send.");
+  }
+  EXPECT_EQ(calls(), Calls());
+}
+
+}  // namespace
+}  // namespace zantrio::mac_test

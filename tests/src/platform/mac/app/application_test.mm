@@ -1,0 +1,176 @@
+// The real application object, delegate and menu, on a display of the test's own.
+#include "platform/mac/app/application.h"
+
+#include "platform/mac/app/application_delegate.h"
+#include "platform/mac/app/main.h"
+#include "platform/mac/app/zantrio_application.h"
+#include "src/platform/mac/fakes/calls.h"
+#include "src/platform/mac/fakes/client_fake.h"
+#include "src/platform/mac/fakes/core_foundation_fake.h"
+#include "src/platform/mac/mac_fixture.h"
+#include "support/server_process.h"
+
+namespace zantrio::mac_test {
+namespace {
+
+using Calls = std::vector<std::string>;
+
+// Whether an event was being sent when a command came.
+bool commandCameDuringAnEvent = false;
+
+class NoticingCommands : public RecordingCommands {
+ public:
+  void newShare() override {
+    commandCameDuringAnEvent = [(ZantrioApplication*)NSApp isHandlingSendEvent];
+    RecordingCommands::newShare();
+  }
+};
+
+class ApplicationMac : public MacTest {
+ protected:
+  ApplicationMac() { client() = {}; }
+
+  static NSMenu* menu(NSString* title) { return [[[NSApp mainMenu] itemWithTitle:title] submenu]; }
+
+  // A line for each entry: its title, action and key, "shift" for a capital one.
+  static Calls entries(NSMenu* menu) {
+    Calls lines;
+    for (NSMenuItem* item in [menu itemArray]) {
+      const SEL action = [item action];
+      lines.push_back([item isSeparatorItem]
+                          ? "-"
+                          : textOf([item title]) + "|" +
+                                (action && ![item hasSubmenu] ? sel_getName(action) : "") + "|" +
+                                textOf([item keyEquivalent]));
+    }
+    return lines;
+  }
+
+  static void press(NSString* key) {
+    [NSApp sendEvent:[NSEvent keyEventWithType:NSKeyDown
+                                            location:NSZeroPoint
+                                       modifierFlags:NSCommandKeyMask
+                                           timestamp:0
+                                        windowNumber:0
+                                             context:nil
+                                          characters:key
+                         charactersIgnoringModifiers:key
+                                           isARepeat:NO
+                                             keyCode:0]];
+  }
+};
+
+TEST_F(ApplicationMac, IsTheFrameworksKindAndHasADelegateAsLongAsItLives) {
+  {
+    const CApplicationMac application(std::make_unique<RecordingCommands>());
+    EXPECT_TRUE([NSApp isKindOfClass:[ZantrioApplication class]]);
+    EXPECT_FALSE([(ZantrioApplication*)NSApp isHandlingSendEvent]);
+    EXPECT_TRUE([[NSApp delegate] isKindOfClass:[ZantrioApplicationDelegate class]]);
+  }
+  EXPECT_EQ([NSApp delegate], nil);
+}
+
+TEST_F(ApplicationMac, HasTheUsualMenusAndItsOwnCommands) {
+  const CApplicationMac application(std::make_unique<RecordingCommands>());
+  EXPECT_EQ(entries([NSApp mainMenu]), (Calls{"Zantrio||", "File||", "Edit||", "Window||"}));
+  EXPECT_EQ(entries(menu(@"Zantrio")),
+            (Calls{"About Zantrio|orderFrontStandardAboutPanel:|", "-", "Services||", "-",
+                   "Hide Zantrio|hide:|h", "Hide Others|hideOtherApplications:|h",
+                   "Show All|unhideAllApplications:|", "-", "Quit Zantrio|terminate:|q"}));
+  EXPECT_EQ(entries(menu(@"File")), (Calls{"New Message|newMessage:|n", "New Share|newShare:|N",
+                                           "-", "Close Window|performClose:|w"}));
+  EXPECT_EQ(entries(menu(@"Edit")),
+            (Calls{"Undo|undo:|z", "Redo|redo:|Z", "-", "Cut|cut:|x", "Copy|copy:|c",
+                   "Paste|paste:|v", "Select All|selectAll:|a"}));
+  EXPECT_EQ([NSApp servicesMenu], [[menu(@"Zantrio") itemWithTitle:@"Services"] submenu]);
+  EXPECT_EQ([NSApp windowsMenu], menu(@"Window"));
+}
+
+TEST_F(ApplicationMac, TheMenuGivesTheApplicationsCommands) {
+  const CApplicationMac application(std::make_unique<RecordingCommands>());
+  [menu(@"File") performActionForItemAtIndex:0];
+  [menu(@"File") performActionForItemAtIndex:1];
+  EXPECT_EQ(calls(), (Calls{"new message", "new share"}));
+}
+
+TEST_F(ApplicationMac, TellsTheFrameworkWhileAnEventIsBeingSent) {
+  const CApplicationMac application(std::make_unique<NoticingCommands>());
+  press(@"N");
+  EXPECT_EQ(calls(), Calls{"new share"});
+  EXPECT_TRUE(commandCameDuringAnEvent);
+  EXPECT_FALSE([(ZantrioApplication*)NSApp isHandlingSendEvent]);
+}
+
+TEST_F(ApplicationMac, QuittingClosesTheBrowserInsteadOfEndingTheProcess) {
+  const CApplicationMac application(std::make_unique<RecordingCommands>());
+  [NSApp terminate:nil];
+  EXPECT_EQ(calls(), Calls{"quit"});
+}
+
+class MainMac : public ApplicationMac {
+ protected:
+  char name_[8] = "Zantrio";
+  char file_[3] = "/a";
+  char* arguments_[3] = {name_, file_, nullptr};
+};
+
+TEST_F(MainMac, LoadsTheFrameworkBeforeTheBrowserProcessAndUnloadsItAfter) {
+  client().exitCode = 3;
+  EXPECT_EQ(runApplication(2, arguments_), 3);
+  EXPECT_EQ(calls(), (Calls{"LoadInMain", "browser process", "unload framework"}));
+  EXPECT_EQ(client().arguments, (Calls{"Zantrio", "/a"}));
+}
+
+TEST_F(MainMac, AFrameworkThatCannotBeLoadedIsTheEnd) {
+  client().loadsFramework = false;
+  EXPECT_EQ(runApplication(2, arguments_), 1);
+  EXPECT_EQ(calls(),
+            (Calls{"LoadInMain",
+                   "log: Zantrio cannot run: the browser framework in the bundle cannot be loaded",
+                   "unload framework"}));
+}
+
+TEST_F(MainMac, AFailureOfTheBrowserProcessIsTheExitCode) {
+  client().failure = "no settings";
+  EXPECT_EQ(runApplication(2, arguments_), 1);
+  EXPECT_EQ(calls().back(), "unload framework");
+}
+
+TEST_F(MainMac, TheHelperEntersTheSandboxBeforeItLoadsTheFramework) {
+  client().exitCode = 4;
+  EXPECT_EQ(runHelper(2, arguments_), 4);
+  EXPECT_EQ(calls(), (Calls{"enter sandbox 2 Zantrio", "LoadInHelper", "sub-process",
+                            "unload framework", "leave sandbox"}));
+}
+
+TEST_F(MainMac, TheHelperRunsNeitherOutsideTheSandboxNorWithoutTheFramework) {
+  client().entersSandbox = false;
+  EXPECT_EQ(runHelper(2, arguments_), 1);
+  EXPECT_EQ(calls(), (Calls{"enter sandbox 2 Zantrio",
+                            "log: Zantrio Helper cannot run: the sandbox cannot be entered",
+                            "leave sandbox"}));
+  calls().clear();
+  client().entersSandbox = true;
+  client().loadsFramework = false;
+  EXPECT_EQ(runHelper(2, arguments_), 1);
+  EXPECT_EQ(calls()[1], "LoadInHelper");
+  EXPECT_EQ(calls()[3], "unload framework");
+}
+
+}  // namespace
+}  // namespace zantrio::mac_test
+
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  if (testing::GTEST_FLAG(list_tests)) {
+    return RUN_ALL_TESTS();
+  }
+  const zantrio::test::VirtualDisplay display;
+  @autoreleasepool {
+    // The first one lets GNUstep log what it finds of the display.
+    const zantrio::CApplicationMac first(std::make_unique<zantrio::mac_test::RecordingCommands>());
+  }
+  @autoreleasepool {
+    return RUN_ALL_TESTS();
+  }
+}

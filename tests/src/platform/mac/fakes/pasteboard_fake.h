@@ -1,0 +1,44 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+#include <memory>
+
+#include "src/platform/mac/fakes/method_swap.h"
+
+// A pasteboard in memory, for the system's drag pasteboard: kept for the process, emptied by
+// `clear`. Asks its owner for what was only promised.
+@interface MemoryPasteboard : NSObject {
+ @private
+  NSMutableArray* _types;
+  NSMutableDictionary* _contents;
+  id _owner;
+  NSInteger _changeCount;
+  BOOL _raises;
+}
++ (MemoryPasteboard*)drag;
+- (void)clear;
+- (void)setRaises:(BOOL)raises;  // whatever it is asked or told
+- (id)owner;
+- (NSArray*)types;
+- (void)declareTypes:(NSArray*)types owner:(id)owner;
+- (BOOL)setString:(NSString*)string forType:(NSString*)type;
+- (BOOL)setPropertyList:(id)list forType:(NSString*)type;
+- (NSString*)stringForType:(NSString*)type;
+- (NSData*)dataForType:(NSString*)type;
+- (id)propertyListForType:(NSString*)type;
+@end
+
+// A drag over a view.
+@interface DragOver : NSObject <NSDraggingInfo> {
+ @public
+  NSPoint _location;
+  NSDragOperation _operations;
+}
+@end
+
+namespace zantrio::mac_test {
+
+std::unique_ptr<ClassMethodSwap> putDragPasteboardInPlace();
+
+}  // namespace zantrio::mac_test

@@ -1,0 +1,52 @@
+#pragma once
+
+#import <AppKit/AppKit.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "src/platform/mac/fakes/method_swap.h"
+
+namespace zantrio::mac_test {
+
+// What the system's views, windows and events answer of what they lack here, and what was handed to
+// them.
+struct ViewFake {
+  CGFloat scale = 1;  // of views and of TestWindow
+  bool grayScreen = false;
+  int trackingAreas = 0;
+  bool bestResolution = false;
+  // The monitor of scroll events; nil when there is none.
+  NSEvent* (^monitor)(NSEvent* event) = nil;
+  NSEventMask monitored = 0;
+  int liveViews = 0;      // of TestView
+  bool resizing = false;  // in TestView's window
+  // What an input method makes of a press in TestView.
+  std::function<void()> inputMethod;
+
+  // The last drag of an image.
+  bool dragRaises = false;
+  NSPoint dragStart = NSZeroPoint;
+  NSPoint dragPress = NSZeroPoint;  // in the window
+  id dragPasteboard = nil;          // not owned
+};
+
+ViewFake& views();
+
+// Records drags of images instead of running them.
+std::unique_ptr<InstanceMethodSwap> putImageDragInPlace();
+
+}  // namespace zantrio::mac_test
+
+// A scroll event with a gesture.
+@interface GestureEvent : NSEvent {
+ @public
+  NSPoint _location;
+  NSEventPhase _phase;
+  CGFloat _deltaX;
+  CGFloat _deltaY;
+  BOOL _precise;
+}
+@end

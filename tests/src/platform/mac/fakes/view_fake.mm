@@ -1,0 +1,159 @@
+#include "src/platform/mac/fakes/view_fake.h"
+
+#include <Block.h>
+
+#include "src/platform/mac/fakes/calls.h"
+
+namespace zantrio::mac_test {
+
+ViewFake& views() {
+  static ViewFake fake;
+  return fake;
+}
+
+}  // namespace zantrio::mac_test
+
+using namespace zantrio::mac_test;
+
+NSString* const NSWindowDidChangeBackingPropertiesNotification =
+    @"NSWindowDidChangeBackingPropertiesNotification";
+NSString* const NSBackingPropertyOldScaleFactorKey = @"NSBackingPropertyOldScaleFactorKey";
+
+// Records what an input method is told.
+@interface RecordingInputContext : NSObject
+@end
+
+@implementation RecordingInputContext
+- (void)discardMarkedText {
+  recordCall("discard marked text");
+}
+
+- (void)invalidateCharacterCoordinates {
+  recordCall("places changed");
+}
+@end
+
+@implementation NSView (LackingParts)
+- (NSTextInputContext*)inputContext {
+  return (NSTextInputContext*)[[[RecordingInputContext alloc] init] autorelease];
+}
+
+- (void)addTrackingArea:(NSTrackingArea*)area {
+  (void)area;
+  ++views().trackingAreas;
+}
+
+- (void)removeTrackingArea:(NSTrackingArea*)area {
+  (void)area;
+  --views().trackingAreas;
+}
+
+- (void)setWantsBestResolutionOpenGLSurface:(BOOL)flag {
+  views().bestResolution = flag;
+}
+
+- (NSRect)convertRectToBacking:(NSRect)rect {
+  const CGFloat scale = views().scale;
+  return NSMakeRect(NSMinX(rect) * scale, NSMinY(rect) * scale, NSWidth(rect) * scale,
+                    NSHeight(rect) * scale);
+}
+
+- (NSRect)convertRectFromBacking:(NSRect)rect {
+  const CGFloat scale = views().scale;
+  return NSMakeRect(NSMinX(rect) / scale, NSMinY(rect) / scale, NSWidth(rect) / scale,
+                    NSHeight(rect) / scale);
+}
+@end
+
+@implementation NSEvent (LackingParts)
+- (BOOL)hasPreciseScrollingDeltas {
+  return NO;
+}
+
+- (CGFloat)scrollingDeltaX {
+  return [self deltaX];
+}
+
+- (CGFloat)scrollingDeltaY {
+  return [self deltaY];
+}
+
++ (id)addLocalMonitorForEventsMatchingMask:(NSEventMask)mask
+                                   handler:(NSEvent* (^)(NSEvent* event))handler {
+  recordCall("add monitor");
+  views().monitored = mask;
+  views().monitor = Block_copy(handler);
+  return [[[NSObject alloc] init] autorelease];
+}
+
++ (void)removeMonitor:(id)monitor {
+  recordCall(monitor != nil ? "remove monitor" : "remove no monitor");
+  Block_release(views().monitor);
+  views().monitor = nil;
+}
+@end
+
+@implementation NSScreen (LackingParts)
+- (NSColorSpace*)colorSpace {
+  return views().grayScreen ? [NSColorSpace genericGrayColorSpace]
+                            : [NSColorSpace genericRGBColorSpace];
+}
+@end
+
+@implementation GestureEvent
+- (NSEventType)type {
+  return NSScrollWheel;
+}
+
+- (NSPoint)locationInWindow {
+  return _location;
+}
+
+- (NSEventModifierFlags)modifierFlags {
+  return 0;
+}
+
+- (NSEventPhase)phase {
+  return _phase;
+}
+
+- (BOOL)hasPreciseScrollingDeltas {
+  return _precise;
+}
+
+- (CGFloat)scrollingDeltaX {
+  return _deltaX;
+}
+
+- (CGFloat)scrollingDeltaY {
+  return _deltaY;
+}
+@end
+
+@interface ImageDragRecorder : NSObject
+@end
+
+@implementation ImageDragRecorder
+- (void)dragImage:(NSImage*)image
+               at:(NSPoint)start
+           offset:(NSSize)offset
+            event:(NSEvent*)event
+       pasteboard:(NSPasteboard*)pasteboard
+           source:(id)source
+        slideBack:(BOOL)slideBack {
+  (void)offset;
+  recordCall(image != nil && source == self && slideBack ? "drag image" : "drag badly");
+  views().dragStart = start;
+  views().dragPress = [event locationInWindow];
+  views().dragPasteboard = pasteboard;
+  if (views().dragRaises) {
+    [NSException raise:NSGenericException format:@"drag"];
+  }
+}
+@end
+
+std::unique_ptr<InstanceMethodSwap> zantrio::mac_test::putImageDragInPlace() {
+  return std::make_unique<InstanceMethodSwap>(
+      [NSView class], [ImageDragRecorder class],
+      @selector(dragImage:at:offset:event:pasteboard:source:slideBack:));
+}

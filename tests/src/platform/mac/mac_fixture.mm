@@ -1,0 +1,43 @@
+#include "src/platform/mac/mac_fixture.h"
+
+#include "src/platform/mac/fakes/calls.h"
+#include "src/platform/mac/fakes/core_foundation_fake.h"
+#include "src/platform/mac/fakes/system_services_fake.h"
+#include "src/platform/mac/fakes/view_fake.h"
+
+@implementation HalfPair
++ (id)string {
+  return [[[HalfPair alloc] init] autorelease];
+}
+
+- (NSUInteger)length {
+  return 2;
+}
+
+- (unichar)characterAtIndex:(NSUInteger)index {
+  return index == 0 ? '/' : 0xD800;
+}
+
+- (id)copyWithZone:(NSZone*)zone {
+  (void)zone;
+  return [self retain];
+}
+@end
+
+namespace zantrio::mac_test {
+
+void MacTest::SetUp() {
+  pool_ = [[NSAutoreleasePool alloc] init];
+  calls().clear();
+  coreFoundation() = {};
+  systemServices() = {};
+  views() = {};
+  recordSystemLog();
+}
+
+void MacTest::TearDown() {
+  [pool_ drain];
+  EXPECT_EQ(coreFoundation().ownedObjects, 0) << "objects of the system kept or released too often";
+}
+
+}  // namespace zantrio::mac_test

@@ -1,0 +1,65 @@
+#include "services/contacts/contact_match.h"
+
+#include <gtest/gtest.h>
+
+namespace zantrio {
+namespace {
+
+bool matches(const Contact& contact, const std::string& query) {
+  return ContactQuery(query).matches(searchText(contact));
+}
+
+bool isContained(const std::string& query, const std::string& name) {
+  return matches({name, "", std::nullopt}, query);
+}
+
+const Contact kAnn{"Ann", "Lee", std::vector<std::string>{"first@example.org", "2nd@test.net"}};
+
+TEST(ContactMatch, LooksIntoFirstNameLastNameAndEveryAddress) {
+  for (const char* query : {"Ann", "nn", "Lee", "first@", "example.org", "2nd@test.net"}) {
+    EXPECT_TRUE(matches(kAnn, query)) << query;
+  }
+  EXPECT_FALSE(matches(kAnn, "Bob"));
+}
+
+TEST(ContactMatch, DoesNotReachFromOneTextIntoTheNext) {
+  for (const char* query : {"Ann Lee", "AnnLee", "Leefirst", "org2nd", "n\xFFL"}) {
+    EXPECT_FALSE(matches(kAnn, query)) << query;
+  }
+}
+
+TEST(ContactMatch, TakesUpperAndLowerCaseForTheSameInEveryScript) {
+  EXPECT_TRUE(isContained("aNN", "Ann"));
+  EXPECT_TRUE(isContained("АННА", "Анна"));
+  EXPECT_TRUE(isContained("γιώργος", "ΓΙΏΡΓΟΣ"));
+  EXPECT_TRUE(isContained("STRASSE", "Straße"));
+  EXPECT_TRUE(isContained("田", "山田"));
+  EXPECT_TRUE(isContained("Ъ", "объявление"));
+}
+
+TEST(ContactMatch, TakesComposedAndDecomposedLettersForTheSame) {
+  EXPECT_TRUE(isContained("E\u0301", "Ren\u00E9"));
+  EXPECT_TRUE(isContained("\u00C9", "Rene\u0301"));
+}
+
+TEST(ContactMatch, TellsAccentedLettersFromPlainOnes) {
+  EXPECT_FALSE(isContained("rene", "Ren\u00E9"));
+  EXPECT_FALSE(isContained("é", "Rene"));
+}
+
+TEST(ContactMatch, FindsTheEmptyTextInEverything) {
+  EXPECT_TRUE(matches(kAnn, ""));
+  EXPECT_TRUE(matches({}, ""));
+  EXPECT_FALSE(matches({}, " "));
+}
+
+TEST(ContactMatch, TakesWildcardsAndBrokenTextForWhatTheyAre) {
+  EXPECT_FALSE(isContained("A*", "Ann"));
+  EXPECT_FALSE(isContained("A%", "Ann"));
+  EXPECT_TRUE(isContained("\")(", "x\")(y"));
+  EXPECT_FALSE(isContained("\xC3", "Ann"));
+  EXPECT_TRUE(isContained("nn", "\xC3 Ann"));
+}
+
+}  // namespace
+}  // namespace zantrio

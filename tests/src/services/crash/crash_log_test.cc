@@ -1,0 +1,118 @@
+#include "services/crash/crash_log.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "support/temporary_folder.h"
+
+namespace zantrio {
+namespace {
+
+const std::string kAppHeader = "---------------------- zt_app.log ---------------------------\n\n";
+const std::string kTransfersHeader =
+    "\n\n---------------------- zt_transfers.log ---------------------------\n\n";
+const std::string kSecondaryHeader =
+    "\n\n---------------------- zt_transfers.log.0 ---------------------------\n\n";
+const std::string kBrowserHeader =
+    "\n\n---------------------- cef_browser.log ---------------------------\n\n";
+
+// Bytes that differ from place to place, so that a cut in the wrong place shows.
+std::string digits(std::size_t length) {
+  std::string text;
+  while (text.size() < length) {
+    text += std::to_string(text.size()) + " ";
+  }
+  text.resize(length);
+  return text;
+}
+
+class CrashLog : public testing::Test {
+ protected:
+  std::string collect() const { return collectCrashLog(crashLogFilesIn(folder_.path() + "/")); }
+
+  const test::TemporaryFolder folder_;
+};
+
+TEST_F(CrashLog, IsFourHeadersWhenThereAreNoLogs) {
+  EXPECT_EQ(collect(), kAppHeader + kTransfersHeader + kSecondaryHeader + kBrowserHeader);
+}
+
+TEST_F(CrashLog, TakesSmallLogsWhole) {
+  folder_.makeFile("zt_app.log", digits(100));
+  folder_.makeFile("zt_transfers.log", "now\n");
+  folder_.makeFile("zt_transfers.log.0", "before\n");
+  folder_.makeFile("cef_browser.log", "page\n");
+  EXPECT_EQ(collect(), kAppHeader + digits(100) + kTransfersHeader + "now\n" + kSecondaryHeader +
+                           "before\n" + kBrowserHeader + "page\n");
+}
+
+TEST_F(CrashLog, KeepsTheEndsOfLargeLogs) {
+  const std::string large = digits(40000);
+  folder_.makeFile("zt_app.log", large);
+  folder_.makeFile("zt_transfers.log", large);
+  folder_.makeFile("zt_transfers.log.0", "left out");
+  folder_.makeFile("cef_browser.log", large);
+  EXPECT_EQ(collect(), kAppHeader + large.substr(40000 - 15360) + kTransfersHeader +
+                           large.substr(40000 - 30720) + kBrowserHeader +
+                           large.substr(40000 - 15360));
+}
+
+TEST_F(CrashLog, CountsCharactersToTellWhetherTheTransferLogFilledItsShare) {
+  const struct {
+    std::string transfers;
+    bool hasSecondary;
+  } kCases[] = {
+      {digits(30719), true},
+      {digits(30720), false},
+      // As many bytes, but a character fewer.
+      {digits(30718) + "\u00E9", true},
+      // A split character is dropped, which makes the text shorter than the cap.
+      {"\u00E9" + digits(30719), true},
+  };
+  folder_.makeFile("zt_transfers.log.0", "before");
+  for (const auto& [transfers, hasSecondary] : kCases) {
+    folder_.makeFile("zt_transfers.log", transfers);
+    EXPECT_EQ(collect().find(kSecondaryHeader + "before") != std::string::npos, hasSecondary)
+        << transfers.size() << " bytes";
+  }
+}
+
+TEST_F(CrashLog, ReadsLogsOfGigabytesAtTheirEnd) {
+  const std::string path = folder_.makeFile("zt_app.log");
+  constexpr off_t kSize = 8LL << 30;  // as a hole, which takes no room
+  ASSERT_EQ(truncate(path.c_str(), kSize), 0);
+  FILE* const file = std::fopen(path.c_str(), "ab");
+  std::fputs("the last line\n", file);
+  std::fclose(file);
+  EXPECT_EQ(collect().find("the last line\n" + kTransfersHeader), kAppHeader.size() + 15360 - 14);
+}
+
+TEST_F(CrashLog, CountsWhatIsNoOrdinaryFileAsEmpty) {
+  folder_.makeFolder("zt_app.log");
+  ASSERT_EQ(mkfifo((folder_.path() + "/zt_transfers.log").c_str(), 0600), 0);
+  EXPECT_EQ(collect(), kAppHeader + kTransfersHeader + kSecondaryHeader + kBrowserHeader);
+}
+
+TEST(LogDataToText, KeepsTheTail) {
+  EXPECT_EQ(logDataToText("", 5), "");
+  EXPECT_EQ(logDataToText("abc", 0), "");
+  EXPECT_EQ(logDataToText("abc", 3), "abc");
+  EXPECT_EQ(logDataToText("abcd", 3), "bcd");
+}
+
+TEST(LogDataToText, DropsOnlyWhatTheCutLeftOfACharacter) {
+  const std::string text = "x\U0001F600\u20ACz";
+  EXPECT_EQ(logDataToText(text, 8), text.substr(1));
+  EXPECT_EQ(logDataToText(text, 7), "\u20ACz");
+  EXPECT_EQ(logDataToText(text, 4), "\u20ACz");
+  EXPECT_EQ(logDataToText(text, 3), "z");
+  EXPECT_EQ(logDataToText(text, 1), "z");
+  // Nothing was cut, or more than a character can be: these bytes are in the log itself.
+  EXPECT_EQ(logDataToText("\x82\xACz", 3), "\uFFFD\uFFFDz");
+  EXPECT_EQ(logDataToText("a\x80\x80\x80\x80z", 5), "\uFFFDz");
+  EXPECT_EQ(logDataToText("aa\xFFz", 3), "a\uFFFDz");
+}
+
+}  // namespace
+}  // namespace zantrio

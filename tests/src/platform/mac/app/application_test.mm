@@ -1,8 +1,8 @@
 // The real application object, delegate and menu, on a display of the test's own.
 #include "platform/mac/app/application.h"
 
+#include "app/main_mac.h"
 #include "platform/mac/app/application_delegate.h"
-#include "platform/mac/app/main.h"
 #include "platform/mac/app/zantrio_application.h"
 #include "src/platform/mac/fakes/calls.h"
 #include "src/platform/mac/fakes/client_fake.h"

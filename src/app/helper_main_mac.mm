@@ -1,5 +1,5 @@
 // The helper application, which the framework starts for its sub-processes.
-#include "platform/mac/app/main.h"
+#include "app/main_mac.h"
 
 int main(int argc, char** argv) {
   return zantrio::runHelper(argc, argv);

@@ -1,10 +1,10 @@
 #import <Foundation/Foundation.h>
 
+#include "app/main_mac.h"
 #include "app/reported_run.h"
 #include "app/sub_process.h"
 #include "include/cef_sandbox_mac.h"
 #include "include/wrapper/cef_library_loader.h"
-#include "platform/mac/app/main.h"
 
 namespace zantrio {
 

@@ -1,4 +1,4 @@
-#include "platform/mac/app/main.h"
+#include "app/main_mac.h"
 
 #import <Foundation/Foundation.h>
 

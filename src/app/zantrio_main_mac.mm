@@ -1,5 +1,5 @@
 // The application: the browser process with its window and message loop.
-#include "platform/mac/app/main.h"
+#include "app/main_mac.h"
 
 int main(int argc, char** argv) {
   return zantrio::runApplication(argc, argv);

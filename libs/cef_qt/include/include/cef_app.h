@@ -9,7 +9,7 @@
 #include "include/cef_resource_bundle_handler.h"
 #include "include/cef_scheme.h"
 
-// The program's application object, kept by the framework until CefShutdown.
+// The program's application object. The framework holds a reference until CefShutdown.
 class CefApp : public virtual CefBaseRefCounted {
  public:
   // On the thread of CefInitialize. Switches that are added for the browser process (empty type)
@@ -22,27 +22,27 @@ class CefApp : public virtual CefBaseRefCounted {
   virtual CefRefPtr<CefRenderProcessHandler> GetRenderProcessHandler() { return nullptr; }
 };
 
-// First call of every process: −1 at once in the browser process; a sub-process (`--type=…`) is run
-// and its exit code given.
+// The first call of every process. Returns −1 at once in the browser process. Runs a sub-process
+// (`--type=…`) and returns its exit code.
 int CefExecuteProcess(const CefMainArgs& args, CefRefPtr<CefApp> application,
                       void* windows_sandbox_info);
 
-// Starts the framework on the calling thread, which becomes TID_UI; once in a process. False when
-// it cannot start, and when another process holds the same root cache path: that one is told of
-// this start, and CefGetExitCode says so.
+// Starts the framework on the calling thread, which becomes TID_UI. Once per process. False if it
+// cannot start or if another process holds the same root cache path; that process is notified and
+// CefGetExitCode returns CEF_RESULT_CODE_NORMAL_EXIT_PROCESS_NOTIFIED.
 bool CefInitialize(const CefMainArgs& args, const CefSettings& settings,
                    CefRefPtr<CefApp> application, void* windows_sandbox_info);
 
-// Why CefInitialize failed: 0 when it did not.
+// Why CefInitialize failed; 0 if it succeeded.
 int CefGetExitCode();
 
 // Runs until CefQuitMessageLoop. UI thread.
 void CefRunMessageLoop();
-// Ends the loop once the present work is done. UI thread.
+// Ends the loop once the current work is done. UI thread.
 void CefQuitMessageLoop();
 
-// Ends the framework: browsers that are left are closed without asking, tasks that have not run are
-// released. UI thread, outside the loop; no reference to a framework object may be used after it.
+// Ends the framework. Open browsers are closed without asking and queued tasks are released. UI
+// thread, outside the loop. No framework object may be used afterwards.
 void CefShutdown();
 
 #endif  // CEF_INCLUDE_CEF_APP_H_

@@ -8,12 +8,12 @@
 #include "include/internal/cef_types.h"
 #include "include/internal/cef_types_wrappers.h"
 
-// Counts its references; the release of the last one deletes the object, on whichever thread that
-// is. Counting is allowed on any thread.
+// A reference-counted object. The release of the last reference deletes it on the calling thread.
+// Thread-safe.
 class CefBaseRefCounted {
  public:
   virtual void AddRef() const = 0;
-  // True when this was the last reference.
+  // True if this was the last reference.
   virtual bool Release() const = 0;
   virtual bool HasOneRef() const = 0;
   virtual bool HasAtLeastOneRef() const = 0;
@@ -22,7 +22,7 @@ class CefBaseRefCounted {
   virtual ~CefBaseRefCounted() = default;
 };
 
-// An atomic count, starting at zero.
+// An atomic reference count that starts at zero.
 class CefRefCount {
  public:
   void AddRef() const { count_.fetch_add(1, std::memory_order_relaxed); }
@@ -34,7 +34,7 @@ class CefRefCount {
   mutable std::atomic<int> count_{0};
 };
 
-// Supplies the counting operations of a class; stands last in its declaration.
+// Implements the reference counting of a class. Last in its declaration.
 #define IMPLEMENT_REFCOUNTING(ClassName)        \
  public:                                        \
   void AddRef() const override {                \

@@ -14,11 +14,11 @@
 class CefBrowserHost;
 class CefClient;
 
-// One browser: a window's page, or an off-screen one. Usable on the UI thread.
+// A browser in a window or off screen. UI thread.
 class CefBrowser : public virtual CefBaseRefCounted {
  public:
   virtual CefRefPtr<CefBrowserHost> GetHost() = 0;
-  // Unique in this process's life.
+  // Unique in the process.
   virtual int GetIdentifier() = 0;
   virtual bool IsSame(CefRefPtr<CefBrowser> that) = 0;
   virtual bool IsPopup() = 0;
@@ -39,8 +39,8 @@ class CefBrowserHost : public virtual CefBaseRefCounted {
   using MouseButtonType = cef_mouse_button_type_t;
   using PaintElementType = cef_paint_element_type_t;
 
-  // Makes a browser, later, on the UI thread; the client's life-span handler hears of it.
-  // Callable from any thread. False when the framework is not running.
+  // Creates a browser from a task on the UI thread and then calls OnAfterCreated. Any thread. False
+  // if the framework is not running.
   static bool CreateBrowser(const CefWindowInfo& window_info, CefRefPtr<CefClient> client,
                             const CefString& url, const CefBrowserSettings& settings,
                             CefRefPtr<CefDictionaryValue> extra_info,
@@ -48,12 +48,12 @@ class CefBrowserHost : public virtual CefBaseRefCounted {
 
   virtual CefRefPtr<CefBrowser> GetBrowser() = 0;
   virtual CefRefPtr<CefClient> GetClient() = 0;
-  // Asks the browser to close; true leaves no say to the page's `beforeunload`.
+  // Starts closing the browser; `force_close` skips the page's `beforeunload`.
   virtual void CloseBrowser(bool force_close) = 0;
   virtual CefWindowHandle GetWindowHandle() = 0;
   virtual void SetFocus(bool focus) = 0;
 
-  // The following serve off-screen browsers.
+  // The following methods affect off-screen browsers only.
   virtual void WasResized() = 0;
   virtual void WasHidden(bool hidden) = 0;
   virtual void NotifyScreenInfoChanged() = 0;
@@ -63,19 +63,19 @@ class CefBrowserHost : public virtual CefBaseRefCounted {
                                    int clickCount) = 0;
   virtual void SendMouseMoveEvent(const CefMouseEvent& event, bool mouseLeave) = 0;
   virtual void SendMouseWheelEvent(const CefMouseEvent& event, int deltaX, int deltaY) = 0;
-  // Text of an input method that is not finished: shown in the focused field, in place of the
-  // composition before it, or of `replacement_range`. `selection_range` is in the text.
+  // Shows the unfinished text of an input method in the focused field. It replaces the previous
+  // composition or `replacement_range`. `selection_range` is relative to the text.
   virtual void ImeSetComposition(const CefString& text,
                                  const std::vector<CefCompositionUnderline>& underlines,
                                  const CefRange& replacement_range,
                                  const CefRange& selection_range) = 0;
-  // Finished text, in place of the composition, of `replacement_range`, or of what is selected. The
-  // caret goes behind it, and `relative_cursor_pos` further.
+  // Inserts finished text in place of the composition, `replacement_range` or the selection. The
+  // caret moves behind the text and by `relative_cursor_pos`.
   virtual void ImeCommitText(const CefString& text, const CefRange& replacement_range,
                              int relative_cursor_pos) = 0;
-  // The composition stays in the field as text.
+  // Keeps the composition as finished text.
   virtual void ImeFinishComposingText(bool keep_selection) = 0;
-  // The composition goes without a trace.
+  // Removes the composition.
   virtual void ImeCancelComposition() = 0;
   virtual void DragTargetDragEnter(CefRefPtr<CefDragData> drag_data, const CefMouseEvent& event,
                                    DragOperationsMask allowed_ops) = 0;

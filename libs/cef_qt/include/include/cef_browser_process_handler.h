@@ -8,14 +8,14 @@
 // Called on the UI thread.
 class CefBrowserProcessHandler : public virtual CefBaseRefCounted {
  public:
-  // The framework is ready: browsers can be made.
+  // The framework is ready to create browsers.
   virtual void OnContextInitialized() {}
 
-  // Before a sub-process starts. Not called here: Chromium's sub-processes are started by Qt.
+  // A sub-process is about to start. Not called here, because Qt starts Chromium's sub-processes.
   virtual void OnBeforeChildProcessLaunch(CefRefPtr<CefCommandLine> /*command_line*/) {}
 
-  // Another process was started with the same root cache path; it has ended. True when the
-  // application has answered it.
+  // Another process was started with the same root cache path and exits. True if the application
+  // has handled this.
   virtual bool OnAlreadyRunningAppRelaunch(CefRefPtr<CefCommandLine> /*command_line*/,
                                            const CefString& /*current_directory*/) {
     return false;

@@ -1,4 +1,4 @@
-// The program's side of a browser.
+// The client of a browser.
 #ifndef CEF_INCLUDE_CEF_CLIENT_H_
 #define CEF_INCLUDE_CEF_CLIENT_H_
 
@@ -20,8 +20,8 @@
 #include "include/cef_render_handler.h"
 #include "include/cef_request_handler.h"
 
-// Gives the handlers of a browser (null: default behaviour) and takes the render side's messages.
-// Called on the UI thread; kept by the browser until after OnBeforeClose.
+// Returns the handlers of a browser (null for the default behaviour) and receives the render side's
+// messages. Called on the UI thread. The browser holds a reference until after OnBeforeClose.
 class CefClient : public virtual CefBaseRefCounted {
  public:
   virtual CefRefPtr<CefContextMenuHandler> GetContextMenuHandler() { return nullptr; }
@@ -38,7 +38,7 @@ class CefClient : public virtual CefBaseRefCounted {
   virtual CefRefPtr<CefRenderHandler> GetRenderHandler() { return nullptr; }
   virtual CefRefPtr<CefRequestHandler> GetRequestHandler() { return nullptr; }
 
-  // True when the message was handled.
+  // True if the message was handled.
   virtual bool OnProcessMessageReceived(CefRefPtr<CefBrowser> /*browser*/,
                                         CefRefPtr<CefFrame> /*frame*/,
                                         CefProcessId /*source_process*/,

@@ -8,7 +8,7 @@
 #include "include/cef_base.h"
 
 // Program, switches (`--name`, `--name=value`) and arguments. Switch names are in lower case,
-// without dashes. Not locked: used by one thread at a time.
+// without dashes. Not thread-safe.
 class CefCommandLine : public virtual CefBaseRefCounted {
  public:
   using ArgumentList = std::vector<CefString>;
@@ -23,7 +23,7 @@ class CefCommandLine : public virtual CefBaseRefCounted {
   virtual CefRefPtr<CefCommandLine> Copy() = 0;
   virtual void InitFromArgv(int argc, const char* const* argv) = 0;
   virtual void Reset() = 0;
-  // Program, switches and arguments as they were given.
+  // Program, switches and arguments in their original form.
   virtual void GetArgv(std::vector<CefString>& argv) = 0;
   virtual CefString GetCommandLineString() = 0;
   virtual CefString GetProgram() = 0;

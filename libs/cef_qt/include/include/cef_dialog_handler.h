@@ -4,7 +4,7 @@
 
 #include "include/cef_base.h"
 
-// Clients answer null for it.
+// Clients return null for it.
 class CefDialogHandler : public virtual CefBaseRefCounted {};
 
 #endif  // CEF_INCLUDE_CEF_DIALOG_HANDLER_H_

@@ -1,4 +1,4 @@
-// How a browser shows itself.
+// Display state of a browser.
 #ifndef CEF_INCLUDE_CEF_DISPLAY_HANDLER_H_
 #define CEF_INCLUDE_CEF_DISPLAY_HANDLER_H_
 
@@ -8,7 +8,7 @@
 // Called on the UI thread.
 class CefDisplayHandler : public virtual CefBaseRefCounted {
  public:
-  // True when the client has set the cursor; off-screen browsers only.
+  // True if the client has set the cursor. Off-screen browsers only.
   virtual bool OnCursorChange(CefRefPtr<CefBrowser> /*browser*/, CefCursorHandle /*cursor*/,
                               cef_cursor_type_t /*type*/,
                               const CefCursorInfo& /*custom_cursor_info*/) {

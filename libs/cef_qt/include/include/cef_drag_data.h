@@ -1,4 +1,4 @@
-// What a drag carries.
+// The data of a drag.
 #ifndef CEF_INCLUDE_CEF_DRAG_DATA_H_
 #define CEF_INCLUDE_CEF_DRAG_DATA_H_
 
@@ -22,13 +22,13 @@ class CefDragData : public virtual CefBaseRefCounted {
   virtual CefString GetLinkTitle() = 0;
   virtual CefString GetFragmentText() = 0;
   virtual CefString GetFragmentHtml() = 0;
-  // Name of the file that the dragged contents would make.
+  // The file name for the dragged contents.
   virtual CefString GetFileName() = 0;
-  // Writes the dragged contents and gives their size; a null writer only asks for the size.
+  // Writes the dragged contents and returns their size. A null writer only queries the size.
   virtual size_t GetFileContents(CefRefPtr<CefStreamWriter> writer) = 0;
-  // Display names of the dragged files; false when there are none.
+  // Display names of the dragged files. False if there are none.
   virtual bool GetFileNames(std::vector<CefString>& names) = 0;
-  // Paths of the dragged files; false when there are none.
+  // Paths of the dragged files. False if there are none.
   virtual bool GetFilePaths(std::vector<CefString>& paths) = 0;
   virtual void SetLinkURL(const CefString& url) = 0;
   virtual void SetFragmentText(const CefString& text) = 0;

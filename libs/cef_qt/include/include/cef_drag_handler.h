@@ -11,7 +11,7 @@ class CefDragHandler : public virtual CefBaseRefCounted {
  public:
   using DragOperationsMask = cef_drag_operations_mask_t;
 
-  // True cancels the drag: the page sees nothing of it.
+  // True hides the drag from the page.
   virtual bool OnDragEnter(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefDragData> /*dragData*/,
                            DragOperationsMask /*mask*/) {
     return false;

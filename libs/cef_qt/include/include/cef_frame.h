@@ -7,8 +7,8 @@
 
 class CefBrowser;
 
-// Used on the UI thread (browser side) or the render thread (render side). Operations on a frame
-// that is gone do nothing.
+// UI thread (browser side) or TID_RENDERER (render side). Methods have no effect once the frame is
+// gone.
 class CefFrame : public virtual CefBaseRefCounted {
  public:
   virtual bool IsMain() = 0;
@@ -16,8 +16,8 @@ class CefFrame : public virtual CefBaseRefCounted {
   virtual CefString GetURL() = 0;
   virtual CefString GetName() = 0;
   virtual void LoadURL(const CefString& url) = 0;
-  // Runs a script; scripts of one frame run in the order of the calls, each on its own, so that a
-  // faulty one does not harm the next. Errors name `script_url` and count lines from `start_line`.
+  // Runs a script. The scripts of a frame run in the order of the calls, and an error in one does
+  // not affect the next. Errors name `script_url` and count lines from `start_line`.
   virtual void ExecuteJavaScript(const CefString& code, const CefString& script_url,
                                  int start_line) = 0;
   virtual void Undo() = 0;
@@ -27,7 +27,7 @@ class CefFrame : public virtual CefBaseRefCounted {
   virtual void Paste() = 0;
   virtual void Delete() = 0;
   virtual void SelectAll() = 0;
-  // Sends a message to the other side; the message is used up.
+  // Sends a message to the other side. The message becomes invalid.
   virtual void SendProcessMessage(CefProcessId target_process,
                                   CefRefPtr<CefProcessMessage> message) = 0;
 };

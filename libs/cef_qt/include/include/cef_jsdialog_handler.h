@@ -5,7 +5,7 @@
 #include "include/cef_base.h"
 #include "include/cef_browser.h"
 
-// Answers one dialog; only the first answer counts. UI thread.
+// Ends one dialog. Only the first call counts. UI thread.
 class CefJSDialogCallback : public virtual CefBaseRefCounted {
  public:
   virtual void Continue(bool success, const CefString& user_input) = 0;
@@ -16,9 +16,8 @@ class CefJSDialogHandler : public virtual CefBaseRefCounted {
  public:
   using JSDialogType = cef_jsdialog_type_t;
 
-  // True when the client shows the dialog; the page waits until the callback is continued, during
-  // the call or later. False leaves the dialog to the framework, or shows none when
-  // `suppress_message` was set.
+  // True if the client shows the dialog; the page waits until the callback is continued, inside the
+  // call or later. False shows the framework's dialog, or none if `suppress_message` is set.
   virtual bool OnJSDialog(CefRefPtr<CefBrowser> /*browser*/, const CefString& /*origin_url*/,
                           JSDialogType /*dialog_type*/, const CefString& /*message_text*/,
                           const CefString& /*default_prompt_text*/,

@@ -12,8 +12,8 @@ class CefLifeSpanHandler : public virtual CefBaseRefCounted {
  public:
   using WindowOpenDisposition = cef_window_open_disposition_t;
 
-  // A page opens a window; true keeps it from opening. `client` is the opener's and may be
-  // replaced. `target_url` is empty here: the address is not known yet when the window opens.
+  // A page opens a window; true prevents it. `client` is the opener's and may be replaced.
+  // `target_url` is empty here, because the URL is not known yet when the window opens.
   virtual bool OnBeforePopup(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> /*frame*/,
                              int /*popup_id*/, const CefString& /*target_url*/,
                              const CefString& /*target_frame_name*/,
@@ -28,11 +28,11 @@ class CefLifeSpanHandler : public virtual CefBaseRefCounted {
 
   virtual void OnAfterCreated(CefRefPtr<CefBrowser> /*browser*/) {}
 
-  // The page agreed to be closed, or was not asked. False lets the window close; true keeps it
-  // until the client closes it itself.
+  // The page has agreed to be closed or was not asked. False closes the window; true keeps it until
+  // the client closes it.
   virtual bool DoClose(CefRefPtr<CefBrowser> /*browser*/) { return false; }
 
-  // Last call about a browser: release all references to it.
+  // The last call for a browser; the client must release all references to it.
   virtual void OnBeforeClose(CefRefPtr<CefBrowser> /*browser*/) {}
 };
 

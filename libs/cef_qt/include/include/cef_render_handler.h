@@ -8,7 +8,8 @@
 #include "include/cef_browser.h"
 #include "include/cef_drag_data.h"
 
-// Called on the UI thread, for off-screen browsers only. Sizes are in view points unless said.
+// Called on the UI thread, for off-screen browsers only. Sizes are in view points unless a comment
+// says otherwise.
 class CefRenderHandler : public virtual CefBaseRefCounted {
  public:
   using DragOperation = cef_drag_operations_mask_t;
@@ -20,7 +21,7 @@ class CefRenderHandler : public virtual CefBaseRefCounted {
   virtual bool GetRootScreenRect(CefRefPtr<CefBrowser> /*browser*/, CefRect& /*rect*/) {
     return false;
   }
-  // Must leave a rectangle that is not empty.
+  // Must set a non-empty rectangle.
   virtual void GetViewRect(CefRefPtr<CefBrowser> browser, CefRect& rect) = 0;
   virtual bool GetScreenPoint(CefRefPtr<CefBrowser> /*browser*/, int /*viewX*/, int /*viewY*/,
                               int& /*screenX*/, int& /*screenY*/) {
@@ -34,7 +35,7 @@ class CefRenderHandler : public virtual CefBaseRefCounted {
   // `buffer` holds width * height BGRA pixels, top row first, valid during the call.
   virtual void OnPaint(CefRefPtr<CefBrowser> browser, PaintElementType type,
                        const RectList& dirtyRects, const void* buffer, int width, int height) = 0;
-  // True when the client drags; it then reports the end through DragSourceEndedAt.
+  // True if the client runs the drag; it reports the end through DragSourceEndedAt.
   virtual bool StartDragging(CefRefPtr<CefBrowser> /*browser*/,
                              CefRefPtr<CefDragData> /*drag_data*/,
                              DragOperationsMask /*allowed_ops*/, int /*x*/, int /*y*/) {
@@ -43,16 +44,16 @@ class CefRenderHandler : public virtual CefBaseRefCounted {
   virtual void UpdateDragCursor(CefRefPtr<CefBrowser> /*browser*/, DragOperation /*operation*/) {}
   virtual void OnScrollOffsetChanged(CefRefPtr<CefBrowser> /*browser*/, double /*x*/,
                                      double /*y*/) {}
-  // The composition, or the caret where there is none, lies elsewhere: the range of the field's
-  // text, and where its characters are in the view.
+  // The composition, or the caret if there is none, has moved: its range in the field's text and
+  // the bounds of its characters in the view.
   virtual void OnImeCompositionRangeChanged(CefRefPtr<CefBrowser> /*browser*/,
                                             const CefRange& /*selected_range*/,
                                             const RectList& /*character_bounds*/) {}
-  // What is selected in the focused field.
+  // The selection in the focused field has changed.
   virtual void OnTextSelectionChanged(CefRefPtr<CefBrowser> /*browser*/,
                                       const CefString& /*selected_text*/,
                                       const CefRange& /*selected_range*/) {}
-  // Another kind of field has the focus; none: input methods and keyboards on the screen rest.
+  // The focus has moved to another kind of field; with NONE no text can be entered.
   virtual void OnVirtualKeyboardRequested(CefRefPtr<CefBrowser> /*browser*/,
                                           TextInputMode /*input_mode*/) {}
 };

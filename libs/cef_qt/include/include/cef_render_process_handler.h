@@ -9,25 +9,24 @@
 #include "include/cef_v8.h"
 #include "include/cef_values.h"
 
-// Called on TID_RENDERER. There is no code of the program in Chromium's render processes here: the
-// render side lives in the browser process, on a thread of its own, and its state must not be
-// shared with the UI thread without a lock.
+// Called on TID_RENDERER. With the SDK the render side runs in processes of its own, here in the
+// browser process on the UI thread. Programs must not share its state with the browser side.
 class CefRenderProcessHandler : public virtual CefBaseRefCounted {
  public:
-  // Once, before anything else of the render side.
+  // Called once, before all other methods.
   virtual void OnWebKitInitialized() {}
 
   virtual void OnBrowserCreated(CefRefPtr<CefBrowser> /*browser*/,
                                 CefRefPtr<CefDictionaryValue> /*extra_info*/) {}
   virtual void OnBrowserDestroyed(CefRefPtr<CefBrowser> /*browser*/) {}
 
-  // A document got its script context; before the page's own scripts run.
+  // A document has its script context; the page's own scripts have not run yet.
   virtual void OnContextCreated(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> /*frame*/,
                                 CefRefPtr<CefV8Context> /*context*/) {}
   virtual void OnContextReleased(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> /*frame*/,
                                  CefRefPtr<CefV8Context> /*context*/) {}
 
-  // True when the message was handled.
+  // True if the message was handled.
   virtual bool OnProcessMessageReceived(CefRefPtr<CefBrowser> /*browser*/,
                                         CefRefPtr<CefFrame> /*frame*/,
                                         CefProcessId /*source_process*/,

@@ -4,7 +4,7 @@
 
 #include "include/cef_base.h"
 
-// Read-only, as handed to handlers.
+// Read-only.
 class CefRequest : public virtual CefBaseRefCounted {
  public:
   virtual CefString GetURL() = 0;

@@ -4,7 +4,7 @@
 
 #include "include/cef_base.h"
 
-// Browsers without one (null) share the process's profile, the only one served.
+// Only null is supported: all browsers share the process's profile.
 class CefRequestContext : public virtual CefBaseRefCounted {};
 
 #endif  // CEF_INCLUDE_CEF_REQUEST_CONTEXT_H_

@@ -4,7 +4,7 @@
 
 #include "include/cef_base.h"
 
-// Passed to CefApp::OnRegisterCustomSchemes; no scheme can be added yet.
+// Passed to CefApp::OnRegisterCustomSchemes. Custom schemes are not supported.
 class CefSchemeRegistrar {
  public:
   virtual ~CefSchemeRegistrar() = default;

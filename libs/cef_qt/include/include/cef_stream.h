@@ -1,4 +1,4 @@
-// Writing to the program's own sinks.
+// Streams that the program implements.
 #ifndef CEF_INCLUDE_CEF_STREAM_H_
 #define CEF_INCLUDE_CEF_STREAM_H_
 
@@ -6,16 +6,16 @@
 
 #include "include/cef_base.h"
 
-// A sink of bytes that the program implements.
+// Receives bytes. Implemented by the program.
 class CefWriteHandler : public virtual CefBaseRefCounted {
  public:
-  // Writes `n` items of `size` bytes; gives the number of items written.
+  // Writes `n` items of `size` bytes and returns the number of items written.
   virtual size_t Write(const void* ptr, size_t size, size_t n) = 0;
-  // Moves the position as fseek does; 0 on success.
+  // Moves the position like fseek. 0 on success.
   virtual int Seek(int64_t offset, int whence) = 0;
   virtual int64_t Tell() = 0;
   virtual int Flush() = 0;
-  // Whether the operations may wait for a device.
+  // Whether the methods may block on a device.
   virtual bool MayBlock() = 0;
 };
 

@@ -14,15 +14,15 @@ class CefTask : public virtual CefBaseRefCounted {
   virtual void Execute() = 0;
 };
 
-// Whether the caller runs on the given framework thread.
+// Whether the calling thread is the given framework thread.
 bool CefCurrentlyOn(CefThreadId thread);
 
-// Posts a task; callable from any thread. Tasks of one thread run in posting order. False, with the
-// task dropped, when the framework is not running (before its start, after its shutdown).
+// Posts a task. Any thread. Tasks of one thread run in posting order. False, and the task is
+// released, before CefInitialize and after CefShutdown.
 bool CefPostTask(CefThreadId thread, CefRefPtr<CefTask> task);
 
-// As CefPostTask, after at least `delay_ms` milliseconds, by due time. A task that is not due
-// before the shutdown is released without running.
+// Like CefPostTask, but the task runs after at least `delay_ms` milliseconds. Delayed tasks run by
+// due time. Tasks that are not due before the shutdown are released without running.
 bool CefPostDelayedTask(CefThreadId thread, CefRefPtr<CefTask> task, int64_t delay_ms);
 
 #endif  // CEF_INCLUDE_CEF_TASK_H_

@@ -9,7 +9,7 @@
 // The script context of one document in one frame.
 class CefV8Context : public virtual CefBaseRefCounted {
  public:
-  // False once the document is gone.
+  // False once the document is unloaded.
   virtual bool IsValid() = 0;
   virtual CefRefPtr<CefBrowser> GetBrowser() = 0;
   virtual CefRefPtr<CefFrame> GetFrame() = 0;

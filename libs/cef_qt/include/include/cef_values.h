@@ -8,9 +8,8 @@
 
 using CefValueType = cef_value_type_t;
 
-// A list of values, from index 0. Setting a value beyond the end makes the list longer, filled with
-// null. Reading a missing value or one of another type gives false, 0 or "". Usable from any
-// thread.
+// A list of values. Setting a value beyond the end extends the list with nulls. Reading a missing
+// value or one of another type returns false, 0 or "". Thread-safe.
 class CefListValue : public virtual CefBaseRefCounted {
  public:
   static CefRefPtr<CefListValue> Create();
@@ -34,7 +33,7 @@ class CefListValue : public virtual CefBaseRefCounted {
   virtual bool SetString(size_t index, const CefString& value) = 0;
 };
 
-// Values by name; as CefListValue otherwise.
+// Values by name; otherwise like CefListValue.
 class CefDictionaryValue : public virtual CefBaseRefCounted {
  public:
   using KeyList = std::vector<CefString>;

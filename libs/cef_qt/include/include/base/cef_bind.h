@@ -1,5 +1,4 @@
-// base::BindOnce and base::BindRepeating: a function or method and its first arguments, kept
-// together to be run later.
+// base::BindOnce and base::BindRepeating bind a function or method to its first arguments.
 #ifndef CEF_INCLUDE_BASE_CEF_BIND_H_
 #define CEF_INCLUDE_BASE_CEF_BIND_H_
 
@@ -24,7 +23,7 @@ class UnretainedWrapper {
   T* object_;
 };
 
-// Binds a plain pointer without keeping its object alive: the caller sees to that.
+// Binds a plain pointer without keeping its object alive; the caller must do that.
 template <class T>
 UnretainedWrapper<T> Unretained(T* object) {
   return UnretainedWrapper<T>(object);
@@ -32,7 +31,7 @@ UnretainedWrapper<T> Unretained(T* object) {
 
 namespace internal {
 
-// Argument as it is handed to the function: the wrappers give what they wrap.
+// Unwraps a bound argument for the call.
 template <class T>
 T&& unwrap(T&& value) {
   return std::forward<T>(value);
@@ -50,7 +49,7 @@ T* unwrap(UnretainedWrapper<T>&& wrapper) {
   return wrapper.get();
 }
 
-// A method's receiver is stored so that it lives: plain pointers become counted ones.
+// The stored type of a method's receiver: plain pointers become reference-counting ones.
 template <class T>
 scoped_refptr<T> retainReceiver(T* receiver) {
   return scoped_refptr<T>(receiver);
@@ -94,7 +93,7 @@ decltype(auto) run(F& functor, A&&... args) {
   }
 }
 
-// The parameters that are left once `bound` of them have been given.
+// The parameters that remain after `bound` of them.
 template <class R, class Parameters, std::size_t bound, class Indices>
 struct RemainingSignature;
 template <class R, class Parameters, std::size_t bound, std::size_t... i>
@@ -176,7 +175,7 @@ auto BindOnce(F functor, Bound&&... bound) {
   return OnceCallback<Signature>(std::make_unique<State>(functor, std::move(stored)));
 }
 
-// As BindOnce, for callbacks that are run many times; bound values are passed as constants.
+// Like BindOnce, for callbacks that run repeatedly. Bound values are passed as const references.
 template <class F, class... Bound>
 auto BindRepeating(F functor, Bound&&... bound) {
   using Signature = typename internal::BoundSignature<F, sizeof...(Bound)>::type;

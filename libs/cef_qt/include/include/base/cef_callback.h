@@ -13,7 +13,7 @@ class OnceCallback;
 template <class Signature>
 class RepeatingCallback;
 
-// A function with bound arguments that can be run many times. Copies share the bound arguments,
+// A function with bound arguments that can be run repeatedly. Copies share the bound arguments,
 // which are released with the last copy.
 template <class R, class... Args>
 class RepeatingCallback<R(Args...)> {
@@ -37,7 +37,7 @@ class RepeatingCallback<R(Args...)> {
 template <class R, class... Args>
 class OnceCallback<R(Args...)> {
  public:
-  // What a callback runs; owned by the callback.
+  // The bound function; owned by the callback.
   class Invoker {
    public:
     virtual ~Invoker() = default;
@@ -48,7 +48,7 @@ class OnceCallback<R(Args...)> {
   explicit OnceCallback(std::unique_ptr<Invoker> invoker) : invoker_(std::move(invoker)) {}
   OnceCallback(OnceCallback&&) noexcept = default;
   OnceCallback& operator=(OnceCallback&&) noexcept = default;
-  // A repeating callback serves where one run is enough.
+  // A repeating callback converts to one that runs once.
   OnceCallback(RepeatingCallback<R(Args...)> repeating)  // NOLINT(google-explicit-constructor)
       : invoker_(repeating ? std::make_unique<RepeatingInvoker>(std::move(repeating)) : nullptr) {}
 

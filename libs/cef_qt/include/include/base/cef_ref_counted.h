@@ -8,7 +8,7 @@
 
 namespace base {
 
-// Base of objects shared between threads; the last Release deletes the object.
+// Base class of objects that are shared between threads. The last Release deletes the object.
 template <class T>
 class RefCountedThreadSafe {
  public:

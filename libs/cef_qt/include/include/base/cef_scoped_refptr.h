@@ -1,4 +1,4 @@
-// The framework's counted pointer.
+// The framework's reference-counting pointer.
 #ifndef CEF_INCLUDE_BASE_CEF_SCOPED_REFPTR_H_
 #define CEF_INCLUDE_BASE_CEF_SCOPED_REFPTR_H_
 
@@ -7,9 +7,9 @@
 #include <type_traits>
 #include <utility>
 
-// Holds one reference to an object that counts its references itself (AddRef and Release).
-// Copying the pointer is as safe across threads as the object's own count is; one pointer
-// object must not be changed by two threads at once.
+// Holds one reference to an object with AddRef and Release. Pointers to the same object may be used
+// on different threads if the object's count is atomic; one pointer object must not be changed by
+// two threads at once.
 template <class T>
 class scoped_refptr {
  public:
@@ -44,7 +44,7 @@ class scoped_refptr {
     scoped_refptr(object).swap(*this);
     return *this;
   }
-  // By value: serves copies, moves and pointers to derived classes alike.
+  // By value, for copies, moves and pointers to derived classes.
   scoped_refptr& operator=(scoped_refptr other) noexcept {
     swap(other);
     return *this;
@@ -57,7 +57,7 @@ class scoped_refptr {
 
   void reset() { scoped_refptr().swap(*this); }
   void swap(scoped_refptr& other) noexcept { std::swap(object_, other.object_); }
-  // Gives the reference up to the caller.
+  // Transfers the reference to the caller.
   [[nodiscard]] T* release() { return std::exchange(object_, nullptr); }
 
  private:

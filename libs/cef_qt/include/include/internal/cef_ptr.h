@@ -6,15 +6,15 @@
 
 #include "include/base/cef_scoped_refptr.h"
 
-// Shared by counting.
+// Shared ownership by reference counting.
 template <class T>
 using CefRefPtr = scoped_refptr<T>;
 
-// Owned by the holder alone.
+// Exclusive ownership.
 template <class T, class D = std::default_delete<T>>
 using CefOwnPtr = std::unique_ptr<T, D>;
 
-// Valid during the call that passes it.
+// Valid during the call only.
 template <class T>
 using CefRawPtr = T*;
 

@@ -18,9 +18,9 @@ struct cef_string_t {
 // Frees the text of a structure's field and leaves it empty.
 void cef_string_clear(cef_string_t* text);
 
-// UTF-16 text. Owns its characters, or stands for the field of a structure: `CefString(&field) =
-// text` writes the field. Text is not checked: lone surrogates and NUL pass through UTF-16 as they
-// are, and become U+FFFD and NUL in UTF-8. Copies are independent.
+// UTF-16 text. Owns its characters or refers to the field of a structure: `CefString(&field) =
+// text` writes the field. Text is not validated: lone surrogates and NUL are kept in UTF-16 and
+// become U+FFFD and NUL in UTF-8. Copies are independent.
 class CefString {
  public:
   CefString() = default;
@@ -57,7 +57,7 @@ class CefString {
   bool FromString16(const std::u16string& utf16);
   bool FromWString(const std::wstring& wide);
 
-  // The characters, valid until the text changes; null when it is empty.
+  // The characters, valid until the text changes; null if it is empty.
   const char16_t* c_str() const { return text_->str; }
   std::size_t length() const { return text_->length; }
   std::size_t size() const { return length(); }

@@ -26,7 +26,7 @@ enum cef_log_severity_t {
   LOGSEVERITY_DISABLE = 99
 };
 
-// What CefGetExitCode gives.
+// Results of CefGetExitCode.
 enum cef_resultcode_t {
   CEF_RESULT_CODE_NORMAL_EXIT = 0,
   CEF_RESULT_CODE_FAILURE = 1,
@@ -159,7 +159,7 @@ enum cef_cursor_type_t {
   CT_CUSTOM
 };
 
-// What is typed into a page's field.
+// The kind of text that a field takes.
 enum cef_text_input_mode_t {
   CEF_TEXT_INPUT_MODE_DEFAULT = 0,
   CEF_TEXT_INPUT_MODE_NONE,  // nothing
@@ -179,10 +179,10 @@ enum cef_composition_underline_style_t {
   CEF_CUS_NONE
 };
 
-// Red, green, blue and alpha; the last in the highest bits.
+// ARGB with alpha in the highest bits.
 using cef_color_t = uint32_t;
 
-// UTF-16 units of a text. Both ends UINT32_MAX: none.
+// A range of UTF-16 code units. Both ends are UINT32_MAX for no range.
 struct cef_range_t {
   uint32_t from = 0;
   uint32_t to = 0;

@@ -71,7 +71,7 @@ inline bool operator==(const CefRange& a, const CefRange& b) {
   return a.from == b.from && a.to == b.to;
 }
 
-// How a part of a composition is drawn; a colour of 0 is the text's own.
+// The style of a part of a composition. A colour of 0 stands for the text's colour.
 struct CefCompositionUnderline {
   cef_range_t range;
   cef_color_t color = 0;
@@ -135,7 +135,7 @@ struct CefPopupFeatures {
   int heightSet = 0;
 };
 
-// The process's arguments; they must outlive the framework.
+// The process's arguments, which must outlive the framework.
 class CefMainArgs {
  public:
   CefMainArgs() = default;
@@ -145,7 +145,7 @@ class CefMainArgs {
   char** argv = nullptr;
 };
 
-// A structure whose text fields are owned by it.
+// A structure that owns its text fields.
 template <class Fields>
 class CefStructWithText : public Fields {
  public:
@@ -217,7 +217,7 @@ struct CefWindowInfoFields {
 };
 class CefWindowInfo : public CefStructWithText<CefWindowInfoFields> {
  public:
-  // The browser draws off screen; `parent` is the window of its menus and dialogs.
+  // Makes the browser an off-screen one; `parent` is the parent window of its menus and dialogs.
   void SetAsWindowless(CefWindowHandle parent) {
     windowless_rendering_enabled = 1;
     parent_window = parent;

@@ -5,11 +5,11 @@
 #include "include/base/cef_callback.h"
 #include "include/cef_task.h"
 
-// A task that runs the closure; the closure is released after the run or with the task.
+// Returns a task that runs the closure. The closure is released after the run or with the task.
 CefRefPtr<CefTask> CefCreateClosureTask(base::OnceClosure closure);
 CefRefPtr<CefTask> CefCreateClosureTask(const base::RepeatingClosure& closure);
 
-// As the operations of the same names for tasks.
+// Like the functions of the same names for tasks.
 bool CefPostTask(CefThreadId thread, base::OnceClosure closure);
 bool CefPostTask(CefThreadId thread, const base::RepeatingClosure& closure);
 bool CefPostDelayedTask(CefThreadId thread, base::OnceClosure closure, int64_t delay_ms);

@@ -1,9 +1,9 @@
-// Queries of a page to the program, and their answers.
+// Queries of a page to the program and the responses.
 //
 // The page calls `id = window[query]({request, persistent, onSuccess, onFailure})`. The renderer
 // side of the router sends the request as a process message, named after the query function, to the
-// client of the browser, which offers it to its browser-side router; that asks its handlers. The
-// answer travels back the same way. `window[cancel](id)` gives a query up.
+// browser's client. The client passes it to its browser-side router, which asks its handlers. The
+// response takes the same way back. `window[cancel](id)` cancels a query.
 #ifndef CEF_INCLUDE_WRAPPER_CEF_MESSAGE_ROUTER_H_
 #define CEF_INCLUDE_WRAPPER_CEF_MESSAGE_ROUTER_H_
 
@@ -21,32 +21,32 @@ struct CefMessageRouterConfig {
 
   CefString js_query_function;   // "cefQuery"
   CefString js_cancel_function;  // "cefQueryCancel"
-  // Accepted for the interface's sake: messages do not leave the process here.
+  // Without effect here, because messages do not leave the process.
   size_t message_size_threshold;
 };
 
-// Answers one query. Usable on any thread. A callback that is released unanswered fails its query.
+// Responds to one query. Thread-safe. Releasing the callback without a response fails the query.
 class CefMessageRouterBrowserSideCallback : public CefBaseRefCounted {
  public:
-  // Calls the page's onSuccess; a persistent query may be answered many times.
+  // Calls the page's onSuccess; for a persistent query any number of times.
   virtual void Success(const CefString& response) = 0;
   // Calls the page's onFailure and ends the query.
   virtual void Failure(int error_code, const CefString& error_message) = 0;
 };
 
-// Lives on the UI thread.
+// UI thread.
 class CefMessageRouterBrowserSide : public base::RefCountedThreadSafe<CefMessageRouterBrowserSide> {
  public:
   using Callback = CefMessageRouterBrowserSideCallback;
 
-  // Owned by the program; removed from the router before it is deleted. Called on the UI thread.
+  // Owned by the program, which removes it from the router before deleting it. UI thread.
   class Handler {
    public:
     using Callback = CefMessageRouterBrowserSideCallback;
 
     virtual ~Handler() = default;
 
-    // True when the handler takes the query: it then answers through the callback, at once or
+    // True if the handler accepts the query: it responds through the callback, inside the call or
     // later. Otherwise the next handler is asked.
     virtual bool OnQuery(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> /*frame*/,
                          int64_t /*query_id*/, const CefString& /*request*/, bool /*persistent*/,
@@ -54,27 +54,27 @@ class CefMessageRouterBrowserSide : public base::RefCountedThreadSafe<CefMessage
       return false;
     }
 
-    // A pending query was given up; its callback has no effect any more.
+    // A pending query was canceled; its callback no longer has an effect.
     virtual void OnQueryCanceled(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> /*frame*/,
                                  int64_t /*query_id*/) {}
   };
 
-  // Null when the configuration lacks a function name.
+  // Null if the configuration lacks a function name.
   static CefRefPtr<CefMessageRouterBrowserSide> Create(const CefMessageRouterConfig& config);
 
-  // Adds a handler before (`first`) or after the others; false when it is there already.
+  // Adds a handler before (`first`) or after the others. False if it was added already.
   virtual bool AddHandler(Handler* handler, bool first) = 0;
-  // Removes a handler and cancels its pending queries; false when it is not there.
+  // Removes a handler and cancels its pending queries. False if it was not added.
   virtual bool RemoveHandler(Handler* handler) = 0;
-  // Cancels the pending queries of a browser and a handler; null stands for any.
+  // Cancels the pending queries of a browser and a handler; null matches any.
   virtual void CancelPending(CefRefPtr<CefBrowser> browser, Handler* handler) = 0;
   virtual int GetPendingCount(CefRefPtr<CefBrowser> browser, Handler* handler) = 0;
 
-  // The client's notifications, which it passes on.
+  // To be called from the client's methods of the same names.
   virtual void OnBeforeClose(CefRefPtr<CefBrowser> browser) = 0;
   virtual void OnRenderProcessTerminated(CefRefPtr<CefBrowser> browser) = 0;
   virtual void OnBeforeBrowse(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame) = 0;
-  // True when the message is one of this router's.
+  // True if the message belongs to this router.
   virtual bool OnProcessMessageReceived(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
                                         CefProcessId source_process,
                                         CefRefPtr<CefProcessMessage> message) = 0;
@@ -84,23 +84,23 @@ class CefMessageRouterBrowserSide : public base::RefCountedThreadSafe<CefMessage
   virtual ~CefMessageRouterBrowserSide() = default;
 };
 
-// Lives on TID_RENDERER.
+// TID_RENDERER.
 class CefMessageRouterRendererSide
     : public base::RefCountedThreadSafe<CefMessageRouterRendererSide> {
  public:
-  // Null when the configuration lacks a function name.
+  // Null if the configuration lacks a function name.
   static CefRefPtr<CefMessageRouterRendererSide> Create(const CefMessageRouterConfig& config);
 
-  // Queries of a browser and a context that wait for their answer; null stands for any.
+  // The pending queries of a browser and a context; null matches any.
   virtual int GetPendingCount(CefRefPtr<CefBrowser> browser, CefRefPtr<CefV8Context> context) = 0;
 
-  // The render process handler's notifications, which it passes on. The first installs the query
-  // functions in the document.
+  // To be called from the render process handler's methods of the same names. OnContextCreated
+  // installs the query functions in the document.
   virtual void OnContextCreated(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
                                 CefRefPtr<CefV8Context> context) = 0;
   virtual void OnContextReleased(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
                                  CefRefPtr<CefV8Context> context) = 0;
-  // True when the message is one of this router's.
+  // True if the message belongs to this router.
   virtual bool OnProcessMessageReceived(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
                                         CefProcessId source_process,
                                         CefRefPtr<CefProcessMessage> message) = 0;

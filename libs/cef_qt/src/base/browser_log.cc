@@ -80,7 +80,7 @@ void BrowserLog::writeLine(cef_log_severity_t severity, const QString& source,
   if (!file_ || severity < lowest_) {
     return;
   }
-  // A full disk loses lines; it must not stop the browser.
+  // Write errors are ignored: a full disk must not stop the browser.
   std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), file_);
   std::fflush(file_);
 }

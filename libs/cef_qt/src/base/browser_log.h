@@ -1,4 +1,4 @@
-// The browser's log file.
+// The browser log.
 #pragma once
 
 #include <QString>
@@ -9,17 +9,17 @@
 
 namespace cef_qt {
 
-// Lines in Chromium's form. Usable from any thread; without an open file nothing is written.
+// Writes lines in Chromium's format. Thread-safe. Without effect while no file is open.
 class BrowserLog {
  public:
   static BrowserLog& instance();
 
-  // Appends to the file from now on; when that fails says so on standard error and goes on without.
+  // Appends to the file. A failure is reported on standard error and leaves the log closed.
   void open(const QString& path, cef_log_severity_t lowest);
   void close();
 
   void write(cef_log_severity_t severity, const char* source, const QString& text);
-  // A message of a page's console.
+  // Writes a message of a page's console.
   void console(cef_log_severity_t severity, const QString& text, int line, const QString& source);
 
  private:

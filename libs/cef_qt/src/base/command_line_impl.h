@@ -1,4 +1,4 @@
-// A command line: program, switches and arguments.
+// A parsed command line: program, switches and arguments.
 #pragma once
 
 #include <vector>
@@ -35,7 +35,7 @@ class CommandLine final : public CefCommandLine {
 
   bool readOnly_ = false;
   CefString program_;
-  std::vector<CefString> words_;  // switches and arguments as given
+  std::vector<CefString> words_;  // switches and arguments in their original form
   SwitchMap switches_;
   ArgumentList arguments_;
   IMPLEMENT_REFCOUNTING(CommandLine);

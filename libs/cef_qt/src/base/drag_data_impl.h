@@ -1,4 +1,4 @@
-// What a drag carries.
+// The data of a drag.
 #pragma once
 
 #include <string>
@@ -8,7 +8,6 @@
 
 namespace cef_qt {
 
-// Plain contents of a drag, filled by whoever makes it.
 struct DragContents {
   struct File {
     CefString path;

@@ -16,23 +16,22 @@ QString textOf(const cef_string_t& field) {
   return toQt(CefString(&field));
 }
 
-void complain(const QString& path, const char* what) {
+void warn(const QString& path, const char* what) {
   std::fprintf(stderr, "%s %s\n", QFile::encodeName(path).constData(), what);
 }
 
-// The folder, made when it is missing; empty, with a line on standard error, when it cannot be
-// used.
+// Creates the folder if it is missing. Empty, with a warning on standard error, if it is unusable.
 QString usableFolder(const QString& path) {
   if (path.isEmpty()) {
     return path;
   }
   if (!QDir::isAbsolutePath(path)) {
-    complain(path, "is not an absolute path: the browser keeps its data in memory.");
+    warn(path, "is not an absolute path: the browser keeps its data in memory.");
     return {};
   }
   const QString clean = QDir::cleanPath(path);
   if (!QDir().mkpath(clean) || access(QFile::encodeName(clean).constData(), W_OK | X_OK) != 0) {
-    complain(path, "cannot be written: the browser keeps its data in memory.");
+    warn(path, "cannot be written: the browser keeps its data in memory.");
     return {};
   }
   return clean;
@@ -59,7 +58,7 @@ void readCachePaths(const CefSettings& settings, Options& options) {
   options.rootCachePath = usableFolder(root.isEmpty() ? cache : root);
   if (!root.isEmpty() && !cache.isEmpty() &&
       !isOrIsBelow(QDir::cleanPath(cache), QDir::cleanPath(root))) {
-    complain(cache, "is not below the root cache path: the browser keeps its data in memory.");
+    warn(cache, "is not below the root cache path: the browser keeps its data in memory.");
   } else if (options.rootCachePath.isEmpty()) {
     options.cachePath.clear();
   } else {
@@ -83,7 +82,7 @@ Options readOptions(const CefSettings& settings) {
   return options;
 }
 
-bool asksForUnservedLoop(const CefSettings& settings) {
+bool requestsUnsupportedLoop(const CefSettings& settings) {
   if (settings.multi_threaded_message_loop || settings.external_message_pump) {
     std::fprintf(stderr, "Only CefRunMessageLoop on the thread of CefInitialize is served.\n");
     return true;

@@ -1,4 +1,4 @@
-// The framework's settings in Qt's types, checked.
+// The checked settings of the framework in Qt's types.
 #pragma once
 
 #include <QString>
@@ -8,7 +8,7 @@
 namespace cef_qt {
 
 struct Options {
-  QString cachePath;      // empty: everything in memory
+  QString cachePath;      // empty: data is kept in memory
   QString rootCachePath;  // empty: no instance lock
   QString userAgent;
   QString logFile;
@@ -17,14 +17,14 @@ struct Options {
   int remoteDebuggingPort = 0;
   bool persistSessionCookies = false;
   bool noSandbox = false;
-  bool offScreen = false;  // browsers may be drawn off screen
+  bool offScreen = false;  // off-screen browsers are allowed
 };
 
-// Reads the settings. Paths that cannot be used are reported on standard error and left out. Makes
-// the cache folders.
+// Reads the settings and creates the cache folders. Unusable paths are reported on standard error
+// and become empty.
 Options readOptions(const CefSettings& settings);
 
-// Whether the settings ask for a way of running that is not served; reported on standard error.
-bool asksForUnservedLoop(const CefSettings& settings);
+// Whether the settings request an unsupported message loop; reported on standard error.
+bool requestsUnsupportedLoop(const CefSettings& settings);
 
 }  // namespace cef_qt

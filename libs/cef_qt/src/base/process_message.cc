@@ -8,10 +8,10 @@ CefRefPtr<ProcessMessage> ProcessMessage::takeForSending(
   if (!own || !own->IsValid()) {
     return nullptr;
   }
-  // The sender may have kept the list: what was sent no longer changes.
+  // The sender may have kept the argument list, so it becomes read-only.
   own->arguments_->setReadOnly();
   if (own->HasOneRef()) {
-    return own;  // nobody is left to see that it was sent
+    return own;  // the sender has not kept the message
   }
   return new ProcessMessage(std::move(own->name_), std::move(own->arguments_));
 }

@@ -1,4 +1,4 @@
-// Messages between the browser side and the render side, which live in one process here.
+// Messages between the browser side and the render side. Both run in one process here.
 #pragma once
 
 #include "base/values_impl.h"
@@ -11,8 +11,8 @@ class ProcessMessage final : public CefProcessMessage {
   ProcessMessage(CefString name, CefRefPtr<ListValue> arguments)
       : name_(std::move(name)), arguments_(std::move(arguments)) {}
 
-  // Takes the contents out of a message that is sent, which becomes invalid; null when it was
-  // invalid already, or is not one of the framework's.
+  // Moves the contents of a message out for sending; the message becomes invalid. Null if it was
+  // invalid or was not created by this library.
   static CefRefPtr<ProcessMessage> takeForSending(const CefRefPtr<CefProcessMessage>& message);
 
   bool IsValid() override { return arguments_.get() != nullptr; }

@@ -1,4 +1,4 @@
-// Text between the framework and Qt: UTF-16 on both sides.
+// Conversion between the framework's text and Qt's. Both are UTF-16.
 #pragma once
 
 #include <QString>

@@ -2,7 +2,6 @@
 
 namespace {
 
-// Passes everything on to the program's handler.
 class HandlerWriter final : public CefStreamWriter {
  public:
   explicit HandlerWriter(CefRefPtr<CefWriteHandler> handler) : handler_(std::move(handler)) {}

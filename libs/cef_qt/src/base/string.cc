@@ -44,8 +44,8 @@ void appendUtf8(std::string& out, char32_t point) {
   }
 }
 
-// What a lead byte announces: continuation bytes, value bits, and the bounds of the first
-// continuation byte (they exclude overlong forms, surrogates and values above U+10FFFF).
+// A decoded lead byte: the number of continuation bytes, the value bits, and the bounds of the
+// first continuation byte, which exclude overlong forms, surrogates and values above U+10FFFF.
 struct Lead {
   int following;
   char32_t bits;
@@ -68,7 +68,7 @@ Lead leadOf(unsigned char byte) {
   return {0, kReplacement};
 }
 
-// Decodes one character at `at` and moves past it; a malformed sequence gives U+FFFD.
+// Decodes the character at `at` and advances past it. Malformed sequences give U+FFFD.
 char32_t decodeUtf8(std::string_view text, std::size_t& at) {
   const auto first = static_cast<unsigned char>(text[at++]);
   if (first < 0x80) {

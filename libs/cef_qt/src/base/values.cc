@@ -2,7 +2,6 @@
 #include <mutex>
 #include <vector>
 
-#include "base/value_cell.h"
 #include "base/values_impl.h"
 #include "include/cef_values.h"
 
@@ -15,8 +14,8 @@ CefValueType typeOf(const ValueCell& cell) {
 
 namespace {
 
-// Of the lists that process messages carry, which are filled one by one.
-constexpr std::size_t kUsualSize = 5;
+// The largest process messages of the router have five arguments.
+constexpr std::size_t kReservedSize = 5;
 
 class DictionaryValue final : public CefDictionaryValue {
  public:
@@ -68,9 +67,9 @@ class DictionaryValue final : public CefDictionaryValue {
     return found == cells_.end() ? nullptr : &found->second;
   }
   template <class T>
-  T get(const CefString& key, T otherwise) {
+  T get(const CefString& key, T fallback) {
     const std::lock_guard lock(mutex_);
-    return valueOr<T>(find(key), otherwise);
+    return valueOr<T>(find(key), fallback);
   }
   bool set(const CefString& key, ValueCell cell) {
     const std::lock_guard lock(mutex_);
@@ -140,7 +139,7 @@ bool ListValue::set(size_t index, ValueCell cell) {
     return false;
   }
   if (index >= cells_.size()) {
-    cells_.reserve(kUsualSize);
+    cells_.reserve(kReservedSize);
     cells_.resize(index + 1);
   }
   cells_[index] = std::move(cell);

@@ -1,13 +1,27 @@
-// The list that process messages carry.
+// Lists and their values.
 #pragma once
 
 #include <mutex>
+#include <variant>
 #include <vector>
 
-#include "base/value_cell.h"
 #include "include/cef_values.h"
 
 namespace cef_qt {
+
+// A value of a list or dictionary.
+struct NullValue {};
+
+using ValueCell = std::variant<NullValue, bool, int, double, CefString>;
+
+CefValueType typeOf(const ValueCell& cell);
+
+// The value of a cell, or `fallback` if the cell is null or holds another type.
+template <class T>
+T valueOr(const ValueCell* cell, T fallback) {
+  const T* value = cell ? std::get_if<T>(cell) : nullptr;
+  return value ? *value : fallback;
+}
 
 class ListValue final : public CefListValue {
  public:
@@ -31,15 +45,15 @@ class ListValue final : public CefListValue {
   bool SetDouble(size_t index, double value) override { return set(index, value); }
   bool SetString(size_t index, const CefString& value) override { return set(index, value); }
 
-  // From now on the list cannot be changed.
+  // Rejects changes from now on.
   void setReadOnly();
   std::vector<ValueCell> snapshot();
 
  private:
   template <class T>
-  T get(size_t index, T otherwise) {
+  T get(size_t index, T fallback) {
     const std::lock_guard lock(mutex_);
-    return valueOr<T>(index < cells_.size() ? &cells_[index] : nullptr, otherwise);
+    return valueOr<T>(index < cells_.size() ? &cells_[index] : nullptr, fallback);
   }
   bool set(size_t index, ValueCell cell);
 

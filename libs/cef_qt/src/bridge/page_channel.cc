@@ -1,18 +1,18 @@
 #include "bridge/page_channel.h"
 
 #include <QMetaMethod>
-#include <QPointer>
 #include <algorithm>
+#include <utility>
 
-#include "threads/threads.h"
+#include "threads/post_for.h"
 
 namespace cef_qt {
 namespace {
 
-// Of many answers the page gets the first ones while the others are made.
-constexpr int kLargestBatch = 32;
+// With many responses under way, the page handles the first ones while the others are produced.
+constexpr int kMaxBatchSize = 32;
 
-// Takes the part of `rest` before the next `separator` off, and the separator.
+// Removes the part of `rest` before the next separator, and the separator. Returns the part.
 QStringView takeUntil(QStringView& rest, QChar separator) {
   const qsizetype end = rest.indexOf(separator);
   const QStringView part = end < 0 ? rest : rest.first(end);
@@ -27,7 +27,7 @@ QStringView takeLength(QStringView& rest, QStringView length) {
 }
 
 PageEntry readEntry(const QString& document, QStringView head, QStringView& texts) {
-  PageEntry entry{document, 0, PageEntry::kBye, 0, {}, {}};
+  PageEntry entry{document, 0, PageEntry::kDetach, 0, {}, {}};
   entry.frame = takeUntil(head, u',').toInt();
   entry.kind = static_cast<PageEntry::Kind>(takeUntil(head, u',').toInt());
   entry.id = takeUntil(head, u',').toInt();
@@ -36,9 +36,19 @@ PageEntry readEntry(const QString& document, QStringView head, QStringView& text
   return entry;
 }
 
+void receiveAll(const QString& message, PageReceiver& receiver) {
+  QStringView texts(message);
+  QStringView head = takeUntil(texts, u'#');
+  const QString document = takeUntil(head, u';').toString();
+  while (!head.isEmpty()) {
+    const QStringView entry = takeUntil(head, u';');
+    receiver.receive(readEntry(document, entry, texts));
+  }
+}
+
 }  // namespace
 
-PageChannel::PageChannel(Receiver receiver) : receiver_(std::move(receiver)) {
+PageChannel::PageChannel(std::shared_ptr<PageReceiver> receiver) : receiver_(std::move(receiver)) {
   channel_.registerObject(objectName(), this);
 }
 
@@ -64,33 +74,17 @@ void PageChannel::scheduleProcessing() {
   if (!open_ || processingScheduled_ || incoming_.empty()) {
     return;
   }
-  processingScheduled_ = postTo(TID_RENDERER, [self = QPointer(this)] {
-    if (self) {
-      self->process();
-    }
-  });
+  processingScheduled_ = postFor(this, TID_RENDERER, [this] { process(); });
 }
 
 void PageChannel::process() {
   processingScheduled_ = false;
-  const QPointer self(this);
-  const std::vector<QString> batches = std::exchange(incoming_, {});
-  for (const QString& batch : batches) {
-    if (self) {
-      processBatch(batch);
-    }
-  }
-}
-
-void PageChannel::processBatch(const QString& batch) {
-  // The receiver may end the page.
-  const QPointer self(this);
-  QStringView texts(batch);
-  QStringView head = takeUntil(texts, u'#');
-  const QString document = takeUntil(head, u';').toString();
-  while (!head.isEmpty() && self) {
-    const QStringView entry = takeUntil(head, u';');
-    receiver_(readEntry(document, entry, texts));
+  // A nested loop in the application's handler may close the page and with it this channel. The
+  // receiver ignores the entries of a closed page.
+  const std::shared_ptr<PageReceiver> receiver = receiver_;
+  const std::vector<QString> messages = std::exchange(incoming_, {});
+  for (const QString& message : messages) {
+    receiveAll(message, *receiver);
   }
 }
 
@@ -105,16 +99,14 @@ void PageChannel::send(const QString& document, int frame, int id, std::optional
                    (code ? QString::number(*code) : QStringLiteral("null")) + u',' +
                    QString::number(text.size());
   outgoingTexts_ += text;
-  if (++outgoingCount_ == kLargestBatch) {
+  if (++outgoingCount_ == kMaxBatchSize) {
     flush();
     return;
   }
   if (!flushScheduled_) {
-    flushScheduled_ = postTo(TID_RENDERER, [self = QPointer(this)] {
-      if (self) {
-        self->flushScheduled_ = false;
-        self->flush();
-      }
+    flushScheduled_ = postFor(this, TID_RENDERER, [this] {
+      flushScheduled_ = false;
+      flush();
     });
   }
 }

@@ -4,36 +4,45 @@
 #include <QObject>
 #include <QString>
 #include <QWebChannel>
-#include <functional>
+#include <memory>
 #include <optional>
 #include <vector>
 
 namespace cef_qt {
 
-// What a document sent. Its texts are valid while it is received.
+// One entry of a message from a page. The texts are valid only while it is received.
 struct PageEntry {
-  enum Kind { kHello = 0, kBye, kQuery, kPersistentQuery, kCancel };
+  enum Kind { kAttach = 0, kDetach, kQuery, kPersistentQuery, kCancel };
 
   QString document;  // key of the top document
-  int frame;         // 0: the top document; others are counted by it
+  int frame;         // 0 for the top document, which numbers its frames
   Kind kind;
-  int id;
-  QStringView name;  // of the query function; of the window in a greeting
-  QStringView text;
+  int id;            // of the query; in kAttach the version of the script
+  QStringView name;  // of the query function; in kAttach of the window
+  QStringView text;  // the request; in kAttach the URL
 };
 
-// Carries batches between a page's documents and the native side through Qt's web channel: one
-// message for all that a script sent, one for all answers of a turn. What arrives is only kept in
-// Chromium's callback; the receiver gets it from a task of the render side. Lives on the UI thread.
+// TID_RENDERER.
+class PageReceiver {
+ public:
+  virtual void receive(const PageEntry& entry) = 0;
+
+ protected:
+  ~PageReceiver() = default;
+};
+
+// Carries messages between a page's documents and the native side through Qt's web channel: all
+// entries that a script sends are one message, and so are all responses of a batch of tasks.
+// Messages arrive inside Chromium's callbacks, where they are only queued; a task of the render
+// side hands them to the receiver. Owned by the browser's window. UI thread.
 class PageChannel final : public QObject {
   Q_OBJECT
   Q_PROPERTY(QString calls READ calls WRITE receive)
 
  public:
-  enum Special { kRun = -1, kNavigate = -2, kFunctions = -3 };
-  using Receiver = std::function<void(const PageEntry&)>;
+  enum Command { kRun = -1, kNavigate = -2, kFunctions = -3 };
 
-  explicit PageChannel(Receiver receiver);
+  explicit PageChannel(std::shared_ptr<PageReceiver> receiver);
 
   static QString objectName() { return QStringLiteral("cef"); }
   static int propertyIndex();
@@ -41,29 +50,28 @@ class PageChannel final : public QObject {
 
   QWebChannel* webChannel() { return &channel_; }
 
-  // Until then what arrives is kept.
+  // Starts to hand messages to the receiver; earlier ones are queued.
   void open();
 
-  // Queues an answer (id > 0; no code for success) or a special message for a document.
+  // Queues a response (id > 0, no code for a success) or a command (id < 0) for a document.
   void send(const QString& document, int frame, int id, std::optional<int> code, QStringView text);
-  // Sends what is queued now.
+  // Sends the queued entries.
   void flush();
 
  signals:
-  // The document's key; a JSON array with frame, id, code and length of every entry; a '#'; the
-  // texts. One text, because Qt's web channel takes its time with arrays.
+  // The document's key; a JSON array with the frame, id, code and length of every entry; a '#'; the
+  // texts. A single string, because Qt's web channel is slow with arrays.
   void deliver(const QString& entries);
 
  private:
   QString calls() const { return {}; }
-  // The document's key; after a semicolon each, frame, kind, id, length of the name and of the text
-  // of every entry; a '#'; the names and texts.
+  // The document's key; for every entry a semicolon and its frame, kind, id, length of the name and
+  // length of the text; a '#'; the names and texts.
   void receive(const QString& entries);
   void scheduleProcessing();
   void process();
-  void processBatch(const QString& batch);
 
-  const Receiver receiver_;
+  const std::shared_ptr<PageReceiver> receiver_;
   QWebChannel channel_;
   bool open_ = false;
   bool processingScheduled_ = false;

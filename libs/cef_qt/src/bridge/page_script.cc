@@ -20,10 +20,10 @@ QJsonArray toArray(const RouterNameList& routers) {
   return names;
 }
 
-// Frames are told apart from pages that post the same message: the word changes with each process.
-QString greeting() {
-  static const QString kWord = QUuid::createUuid().toString(QUuid::WithoutBraces);
-  return kWord;
+// Marks the messages by which frames attach to their top document. A page cannot guess it.
+QString frameToken() {
+  static const QString kToken = QUuid::createUuid().toString(QUuid::WithoutBraces);
+  return kToken;
 }
 
 }  // namespace
@@ -38,12 +38,13 @@ QString pageScript(int version, const QString& dialogScheme, const RouterNameLis
                           {"object", PageChannel::objectName()},
                           {"property", PageChannel::propertyIndex()},
                           {"signal", PageChannel::signalIndex()},
-                          {"greeting", greeting()},
+                          {"frameToken", frameToken()},
                           {"dialogScheme", dialogScheme},
                           {"topRouters", toArray(top)},
                           {"frameRouters", toArray(frames)}};
   return QString::fromUtf8(kPageScript) + '(' +
-         QString::fromUtf8(QJsonDocument(setup).toJson(QJsonDocument::Compact)) + ");";
+         QString::fromUtf8(QJsonDocument(setup).toJson(QJsonDocument::Compact)) + ',' +
+         QString::fromUtf8(kPageDialogs) + ");";
 }
 
 }  // namespace cef_qt

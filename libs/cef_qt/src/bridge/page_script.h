@@ -1,4 +1,4 @@
-// The script that every document gets before its own ones run.
+// The script that every document runs before its own scripts.
 #pragma once
 
 #include <QString>
@@ -7,16 +7,15 @@
 
 namespace cef_qt {
 
-// Names of a router's two functions: query and cancel.
+// The names of a router's query function and cancel function.
 using RouterNames = std::pair<QString, QString>;
 using RouterNameList = std::vector<RouterNames>;
 
-// Query and cancel names one after the other, as JSON.
+// A JSON array of alternating query and cancel names.
 QString toJson(const RouterNameList& routers);
 
-// The script's text. A document tells the version of the script it got. The lists are the functions
-// that top documents and documents in frames are expected to get; a document whose list proves
-// different is corrected.
+// The lists are the functions that top documents and documents in frames are predicted to get. A
+// document reports the version of its script, so that a wrong prediction is corrected.
 QString pageScript(int version, const QString& dialogScheme, const RouterNameList& top,
                    const RouterNameList& frames);
 

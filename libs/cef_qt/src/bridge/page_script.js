@@ -1,14 +1,15 @@
-// The page's end of the bridge: installed in every document before its own scripts run.
+// The page's end of the bridge. It runs in every document before the document's own scripts.
 //
-// The top document talks to the native side through Qt's web channel transport; documents in frames
-// talk to the top one through a message port. What a document sends is collected during its running
-// script and sent as one message; answers come as one message a turn. Only functions kept here from
-// before the page's scripts are used, so that a page cannot break its bridge by redefining them.
-(function (setup) {
+// The top document exchanges messages with the native side through Qt's web channel transport.
+// Documents in frames reach the top document through a message port. Entries are collected while a
+// script runs and are sent as one message; the responses of a turn arrive as one message. The
+// script uses only functions that it saved before the page's scripts ran, so a page that redefines
+// them does not break its bridge.
+(function (setup, replaceDialogs) {
   'use strict';
   const isTop = window === window.top;
-  // A window whose first document was empty is given to the next one as it is: what was found in
-  // the untouched window is kept with it.
+  // Chromium reuses the window of an empty first document for the next document. The originals
+  // saved from the untouched window are therefore stored on the window.
   const mark = Symbol.for('cef_qt.bridge');
   const kept = window[mark] || {
     document: null, connect: null, receive: null,
@@ -37,9 +38,9 @@
     ? window.reportError.bind(window)
     : (error) => enqueueMicrotask(() => { throw error; });
   const evaluate = window.eval;
-  // Kinds of what is sent; the native side knows them by the same numbers.
-  const HELLO = 0, BYE = 1, QUERY = 2, PERSISTENT_QUERY = 3, CANCEL = 4;
-  // Ids of what is received that is not an answer.
+  // Kinds of entries sent to the native side; PageEntry::Kind has the same numbers.
+  const ATTACH = 0, DETACH = 1, QUERY = 2, PERSISTENT_QUERY = 3, CANCEL = 4;
+  // Ids of received entries that are not responses; PageChannel::Command has the same numbers.
   const RUN = -1, NAVIGATE = -2, FUNCTIONS = -3;
 
   // ---- queries of this document
@@ -48,14 +49,14 @@
   let pendingCount = 0;
   let lastId = 0;
 
-  function fail(text) {
+  function throwInvalid(text) {
     throw new ErrorType('Invalid arguments; ' + text);
   }
 
   function readMember(query, name, type) {
     const value = query[name];
     if (value !== undefined && typeof value !== type) {
-      fail("object member '" + name + "' must have type " + type);
+      throwInvalid("object member '" + name + "' must have type " + type);
     }
     return value;
   }
@@ -65,11 +66,11 @@
       const query = arguments[0];
       if (arguments.length !== 1 || query === null ||
           (typeof query !== 'object' && typeof query !== 'function')) {
-        fail('expecting a single object');
+        throwInvalid('expecting a single object');
       }
       const request = query.request;
       if (typeof request !== 'string') {
-        fail("object member 'request' is required and must have type string");
+        throwInvalid("object member 'request' is required and must have type string");
       }
       const onSuccess = readMember(query, 'onSuccess', 'function');
       const onFailure = readMember(query, 'onFailure', 'function');
@@ -77,7 +78,7 @@
       const id = ++lastId;
       mapSet(pending, id, { name, cancelName, persistent, onSuccess, onFailure });
       collect(persistent ? PERSISTENT_QUERY : QUERY, id, name, request);
-      // A single query leaves at once; others are collected until the script ends.
+      // A lone query is sent immediately; further ones are collected until the script ends.
       if (++pendingCount === 1) flush(); else flushLater();
       return id;
     };
@@ -87,13 +88,13 @@
     return function () {
       const id = arguments[0];
       if (arguments.length !== 1 || !isInteger(id)) {
-        fail('expecting a single integer');
+        throwInvalid('expecting a single integer');
       }
       const query = mapGet(pending, id);
       if (!query || query.cancelName !== cancelName) return false;
       forget(id);
       send(CANCEL, id, query.name, '');
-      // The page hears of it once the calling script is done.
+      // onFailure runs after the calling script has ended.
       enqueueMicrotask(() => notify(query.onFailure, -1, 'The query has been canceled'));
       return true;
     };
@@ -113,8 +114,8 @@
     }
   }
 
-  // code is null for a success.
-  function answer(id, code, text) {
+  // Runs the callback of a response; the code is null for a success.
+  function complete(id, code, text) {
     const query = mapGet(pending, id);
     if (!query) return;
     if (code !== null || !query.persistent) forget(id);
@@ -143,7 +144,7 @@
     }
   }
 
-  // The list was a forecast; this is what the document really has.
+  // Replaces the predicted functions by those that the document was really given.
   function correctFunctions(routers) {
     const names = new MapType();
     for (let i = 0; i < routers.length; ++i) mapSet(names, routers[i], true);
@@ -160,7 +161,7 @@
 
   function receive(id, code, text) {
     if (id > 0) {
-      answer(id, code, text);
+      complete(id, code, text);
     } else if (id === FUNCTIONS) {
       correctFunctions(parse(text));
     } else if (id === NAVIGATE) {
@@ -174,11 +175,11 @@
     }
   }
 
-  // ---- the way to the native side
+  // ---- messages to the native side
 
-  // Collects what is sent, of this document (and, in the top one, of its frames).
+  // Queues an entry of this document. Set by startTop or startFrame.
   let collect;
-  // Sends what is collected, now or once the running script has ended.
+  // Sends all queued entries, in the top document those of its frames too.
   let flush;
   let flushIsDue = false;
   const flushDue = () => {
@@ -208,11 +209,11 @@
     const random = new Uint32Array(2);
     crypto.getRandomValues(random);
     const documentKey = random[0].toString(36) + random[1].toString(36);
-    const ports = new MapType();       // by frame number
+    const ports = new MapType();         // by frame number
     const frameNumbers = new WeakMap();  // by window
     let lastFrame = 0;
-    // One text of a head and the texts it gives the lengths of: Qt's web channel takes its time
-    // with arrays, and with characters that JSON escapes.
+    // A message is one string: a head with the lengths, then the texts. Qt's web channel is slow
+    // with arrays and with characters that JSON escapes.
     let heads = '';
     let texts = '';
 
@@ -237,8 +238,8 @@
 
     collect = (kind, id, name, text) => collectFor(0, kind, id, name, text);
 
-    // The transport is there as a rule. After the end of a render process, and in a window's empty
-    // first document, it comes a little later: what is sent waits for it.
+    // The transport usually exists already. After a render process has ended, and in a window's
+    // empty first document, Qt adds it later; messages wait for it.
     const waiting = [];
     let sendText = (text) => { waiting[waiting.length] = text; };
     kept.connect = () => {
@@ -246,7 +247,7 @@
       for (let i = 0; i < waiting.length; ++i) sendText(waiting[i]);
       waiting.length = 0;
     };
-    // Qt puts the transport into window.qt, and looks its receiver up there for every message.
+    // Qt stores the transport in window.qt and looks its receiver up there for every message.
     if (!kept.receive) {
       const receiver = {};
       defineProperty(receiver, 'onmessage', { value: (event) => kept.receive(event) });
@@ -291,91 +292,45 @@
       flushBatch();
     }
 
-    function adoptFrame(source, port, { version, name, url }) {
+    function attachFrame(source, port, { version, name, url }) {
       const old = frameNumbers.get(source);
-      if (old) dropFrame(old);
+      if (old) detachFrame(old);
       const frame = ++lastFrame;
       frameNumbers.set(source, frame);
       mapSet(ports, frame, port);
       port.onmessage = (event) => {
         const entries = event.data;
         for (let i = 0; i < entries.length; i += 4) {
-          if (entries[i] === BYE) {
-            dropFrame(frame);
+          if (entries[i] === DETACH) {
+            detachFrame(frame);
           } else {
             sendFor(frame, entries[i], entries[i + 1], entries[i + 2], entries[i + 3]);
           }
         }
       };
-      sendFor(frame, HELLO, version, name, url);
+      sendFor(frame, ATTACH, version, name, url);
     }
 
-    function dropFrame(frame) {
+    function detachFrame(frame) {
       const port = mapGet(ports, frame);
       if (!port) return;
       port.close();
       mapDelete(ports, frame);
-      sendFor(frame, BYE, 0, '', '');
+      sendFor(frame, DETACH, 0, '', '');
     }
 
-    // First listener of the document: the page never sees the frames' greetings.
+    // This is the document's first listener, so the page never sees the messages of its frames.
     listen(window, 'message', (event) => {
       const data = event.data;
-      if (!data || data.cefQtBridge !== setup.greeting || !event.ports.length) return;
+      if (!data || data.cefQtBridge !== setup.frameToken || !event.ports.length) return;
       event.stopImmediatePropagation();
-      adoptFrame(event.source, event.ports[0], data);
+      attachFrame(event.source, event.ports[0], data);
     }, true);
 
-    startDialogs(documentKey);
+    replaceDialogs(setup, documentKey, kept, () => flush());
     sendText('{"type":7,"object":"' + setup.object + '","signal":' + setup.signal + '}');
-    send(HELLO, setup.version, window.name, window.location.href);
+    send(ATTACH, setup.version, window.name, window.location.href);
     if (kept.transport) kept.connect();
-  }
-
-  // Dialogs of the top document are requests that the script waits for, so that nothing but this
-  // page stands still meanwhile. Where that is not possible (while the page is left, say), and in
-  // frames, which have rules of their own, the browser's functions serve.
-  function startDialogs(documentKey) {
-    const Request = XMLHttpRequest;
-    const open = bind(Request.prototype.open);
-    const sendRequest = bind(Request.prototype.send);
-    const responseText = bind(getOwnPropertyDescriptor(Request.prototype, 'responseText').get);
-    const encode = encodeURIComponent;
-    const replace = bind(String.prototype.replace);
-    const LONGEST = 100000;
-    // Lone surrogates cannot be encoded.
-    const encoded = (text) =>
-      encode(replace(slice(text, 0, LONGEST), /[\ud800-\udfff]/gu, '\ufffd'));
-
-    function ask(type, text, proposal) {
-      flush();
-      const request = new Request();
-      open(request, 'GET', setup.dialogScheme + ':' + documentKey + '/' + type + '?text=' +
-                           encoded(text) + '&proposal=' + encoded(proposal), false);
-      sendRequest(request);
-      return parse(responseText(request));
-    }
-
-    function replaceFunction(name, make) {
-      const native = bind(kept[name]);
-      const textOf = (value) => (value === undefined ? '' : `${value}`);
-      defineProperty(window, name, {
-        writable: true, enumerable: true, configurable: true,
-        value: function (message, proposal) {
-          const text = arguments.length ? `${message}` : '';
-          try {
-            return make(text, textOf(proposal));
-          } catch (error) {
-            return native(window, text, textOf(proposal));
-          }
-        } });
-    }
-    replaceFunction('alert', (text) => { ask(0, text, ''); });
-    replaceFunction('confirm', (text) => ask(1, text, '').success);
-    replaceFunction('prompt', (text, proposal) => {
-      const answer = ask(2, text, proposal);
-      return answer.success ? answer.input : null;
-    });
   }
 
   function startFrame() {
@@ -404,11 +359,11 @@
       }
     };
     listen(window, 'pagehide', () => {
-      send(BYE, 0, '', '');
+      send(DETACH, 0, '', '');
       flush();
     });
     window.top.postMessage(
-      { cefQtBridge: setup.greeting, version: setup.version,
+      { cefQtBridge: setup.frameToken, version: setup.version,
         name: window.name, url: window.location.href }, '*',
       [channel.port2]);
   }

@@ -64,9 +64,9 @@ void ScriptContext::fail(int queryId, int code, const CefString& message) {
   }
 }
 
-void ScriptContext::send(PageChannel::Special what, const QString& text) {
+void ScriptContext::send(PageChannel::Command command, const QString& text) {
   if (channel_ && isBound()) {
-    channel_->send(document_, frameNumber_, what, std::nullopt, text);
+    channel_->send(document_, frameNumber_, command, std::nullopt, text);
   }
 }
 

@@ -13,9 +13,10 @@
 
 namespace cef_qt {
 
-// Takes the queries of documents in which it is installed. Render side.
+// Handles the queries of the documents in which it is installed. TID_RENDERER.
 class QueryTarget {
  public:
+  // The id is unique in the document.
   virtual void query(const CefRefPtr<CefV8Context>& context, int id, CefString request,
                      bool persistent) = 0;
   virtual void cancel(const CefRefPtr<CefV8Context>& context, int id) = 0;
@@ -24,8 +25,7 @@ class QueryTarget {
   ~QueryTarget() = default;
 };
 
-// Lives on the render side (the UI thread). Valid until its document is gone; afterwards nothing
-// reaches the page any more.
+// Valid until its document is detached; afterwards nothing is sent to the page. TID_RENDERER.
 class ScriptContext final : public CefV8Context {
  public:
   ScriptContext(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame, PageChannel* channel);
@@ -38,24 +38,23 @@ class ScriptContext final : public CefV8Context {
   // Unique in this process.
   int id() const { return id_; }
 
-  // Gives the document a query function and its cancel function; false when the name is taken. The
-  // target must stay until it is uninstalled.
+  // Gives the document a query function and its cancel function. False if the name is taken. The
+  // target must outlive the context or be uninstalled.
   bool install(const RouterNames& names, QueryTarget* target);
   void uninstall(QueryTarget* target);
   const RouterNameList& installed() const { return installed_; }
 
-  // The document that the context stands for has announced itself.
+  // Called when the context's document attaches.
   void bind(const QString& document, int frameNumber);
   bool isBound() const { return !document_.isEmpty(); }
 
-  // Hands a query, or the end of one, to its target.
+  // Hands a query or a cancellation to its target.
   void dispatch(const PageEntry& entry);
 
   void succeed(int queryId, const CefString& response);
   void fail(int queryId, int code, const CefString& message);
-  void send(PageChannel::Special what, const QString& text);
+  void send(PageChannel::Command command, const QString& text);
 
-  // The document is gone.
   void invalidate() { channel_.clear(); }
 
  private:

@@ -49,7 +49,7 @@ bool CefBrowserHost::CreateBrowser(const CefWindowInfo& window_info, CefRefPtr<C
   }
   return cef_qt::postTo(TID_UI, [options, url = cef_qt::toQt(url)] {
     const CefRefPtr<cef_qt::Browser> browser = cef_qt::Browser::create(options);
-    browser->startDocuments();
+    browser->openFrames();
     browser->window()->load(url);
     browser->window()->show();
     browser->announce();

@@ -1,4 +1,4 @@
-// A browser's host.
+// The host interface of a browser.
 #pragma once
 
 #include "browser/browser_impl.h"
@@ -6,6 +6,7 @@
 
 namespace cef_qt {
 
+// Any thread.
 class BrowserHost : public CefBrowserHost {
  public:
   explicit BrowserHost(CefRefPtr<Browser> browser) : browser_(std::move(browser)) {}

@@ -30,7 +30,7 @@ Browser::~Browser() = default;
 CefRefPtr<Browser> Browser::create(const Options& options) {
   CefRefPtr<Browser> browser = new Browser(options);
   browser->mainFrame_ = new Frame(browser, true, CefString(), CefString());
-  browser->documents_ = std::make_unique<Documents>(browser.get(), options.extraInfo);
+  browser->frames_ = std::make_shared<FrameRegistry>(browser.get(), options.extraInfo);
   browser->window_ = std::make_unique<BrowserWindow>(browser.get(), options);
   BrowserList::instance().add(browser);
   return browser;
@@ -85,9 +85,9 @@ CefRefPtr<CefClient> Browser::client() {
   return client_;
 }
 
-void Browser::startDocuments() {
+void Browser::openFrames() {
   if (window_) {
-    documents_->start(window_->channel());
+    frames_->open(window_->channel());
   }
 }
 
@@ -95,7 +95,7 @@ void Browser::startPopup() {
   if (!window_) {
     return;
   }
-  startDocuments();
+  openFrames();
   window_->prepareBlankPage();
   window_->show();
   announce();
@@ -129,7 +129,7 @@ void Browser::pageAgreedToClose() {
   if (closeQueued_ || !window_) {
     return;
   }
-  // Out of Chromium's callback, which must not see its page deleted.
+  // From a task, because Chromium's callback must not see its page deleted.
   closeQueued_ = postTo(TID_UI, [self = CefRefPtr<Browser>(this)] {
     self->closeQueued_ = false;
     const CefRefPtr<CefClient> kept = self->client();
@@ -148,14 +148,14 @@ void Browser::destroy() {
     return;
   }
   if (window_->isBusy()) {
-    // A dialog of the page waits inside Chromium: end it first, the page must outlive it.
+    // A dialog of the page waits inside a callback of Chromium, which the page must outlive.
     window_->endDialogs([self = CefRefPtr<Browser>(this)] { self->destroy(); });
     return;
   }
   const CefRefPtr<Browser> self(this);
   const CefRefPtr<CefClient> kept = client();
   window_->hide();
-  documents_->stop();
+  frames_->close();
   window_.reset();
   BrowserList::instance().remove(self);
   if (kept) {

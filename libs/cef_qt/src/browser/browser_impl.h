@@ -1,11 +1,11 @@
-// A browser: a page in a window of its own.
+// A browser with its page, its window and its frames.
 #pragma once
 
 #include <QString>
 #include <memory>
 #include <mutex>
 
-#include "browser/documents.h"
+#include "browser/frame_registry.h"
 #include "include/cef_browser.h"
 #include "include/cef_client.h"
 
@@ -14,22 +14,22 @@ namespace cef_qt {
 class BrowserWindow;
 class Frame;
 
-// Everything but reading the identity happens on the UI thread. The object outlives its window for
-// as long as someone holds it; its operations then do nothing.
+// UI thread, except for the methods of CefBrowser, the client and the main frame. References may
+// outlive the window; methods have no effect then.
 class Browser final : public CefBrowser {
  public:
   struct Options {
     CefRefPtr<CefClient> client;
     CefBrowserSettings settings;
     CefRefPtr<CefDictionaryValue> extraInfo;
-    QString title;  // empty: the page's
+    QString title;  // empty: the page's title
     CefRect bounds;
     bool isPopup = false;
     bool isOffScreen = false;
     CefWindowHandle parentWindow = kNullWindowHandle;  // of off-screen browsers
   };
 
-  // Makes the browser and its hidden window and lists it with the framework.
+  // Creates the browser with a hidden window and adds it to the BrowserList.
   static CefRefPtr<Browser> create(const Options& options);
 
   CefRefPtr<CefBrowserHost> GetHost() override;
@@ -48,20 +48,20 @@ class Browser final : public CefBrowser {
   // Null once closed.
   BrowserWindow* window() { return window_.get(); }
   CefRefPtr<Frame> mainFrame();
-  Documents* documents() { return documents_.get(); }
+  const std::shared_ptr<FrameRegistry>& frames() { return frames_; }
 
-  // Begins the render side's work for the page. Not inside Chromium's callbacks.
-  void startDocuments();
-  // Tells the client of the new browser, then lets its queries through.
+  // Opens the frame registry. Not for use inside Chromium's callbacks.
+  void openFrames();
+  // Calls OnAfterCreated, then lets the page's queries through.
   void announce();
-  // What follows when a page has opened this browser.
+  // Completes the creation of a browser that a page has opened.
   void startPopup();
 
-  // Closing: asks the page unless forced, then the client, then ends the window.
+  // Asks the page unless forced, then the client (DoClose), then destroys the window.
   void close(bool force);
-  // The page agreed, or was not asked.
+  // Continues a close to which the page has agreed.
   void pageAgreedToClose();
-  // Ends the window without asking anyone; the client hears of it.
+  // Destroys the window without asking and reports OnBeforeClose last.
   void destroy();
 
  private:
@@ -72,7 +72,7 @@ class Browser final : public CefBrowser {
   const bool isPopup_;
   const bool isOffScreen_;
   std::unique_ptr<BrowserWindow> window_;
-  std::unique_ptr<Documents> documents_;
+  std::shared_ptr<FrameRegistry> frames_;
   bool closeQueued_ = false;
 
   std::mutex mutex_;

@@ -1,4 +1,4 @@
-// The browsers that are open.
+// The open browsers.
 #pragma once
 
 #include <vector>
@@ -14,11 +14,11 @@ class BrowserList {
 
   void add(CefRefPtr<Browser> browser) { browsers_.push_back(std::move(browser)); }
   void remove(const CefRefPtr<Browser>& browser) { std::erase(browsers_, browser); }
-  // The first browser that `wanted` says true of; null when there is none.
+  // The first browser that matches; null if none does.
   template <class Predicate>
-  CefRefPtr<Browser> find(Predicate wanted) const {
+  CefRefPtr<Browser> find(Predicate matches) const {
     for (const auto& browser : browsers_) {
-      if (wanted(*browser)) {
+      if (matches(*browser)) {
         return browser;
       }
     }
@@ -32,7 +32,7 @@ class BrowserList {
     }
   }
 
-  // Ends all browsers without asking.
+  // Destroys all browsers without asking.
   void destroyAll();
 
  private:

@@ -16,7 +16,7 @@ namespace {
 
 constexpr QSize kDefaultSize(1024, 768);
 
-// A rectangle inside the screen: moved as little as possible, made smaller when it is too large.
+// Moves a rectangle into the screen, and shrinks it if it is too large.
 QRect fitIntoScreen(QRect wanted) {
   const QScreen* screen = QGuiApplication::screenAt(wanted.center());
   if (!screen) {
@@ -43,18 +43,15 @@ void apply(const CefBrowserSettings& settings, QWebEngineSettings* target) {
   target->setAttribute(QWebEngineSettings::LocalStorageEnabled,
                        settings.local_storage != STATE_DISABLED);
   target->setAttribute(QWebEngineSettings::JavascriptCanOpenWindows, true);
-  // A page from a file may ask a server without reading its answer, as in the framework itself.
+  // As in the framework itself, a page from a file may send requests to servers; it cannot read the
+  // responses.
   target->setAttribute(QWebEngineSettings::LocalContentCanAccessRemoteUrls, true);
 }
 
 }  // namespace
 
 BrowserWindow::BrowserWindow(Browser* browser, const Browser::Options& options)
-    : channel_([browser](const PageEntry& entry) {
-        if (browser->documents()) {
-          browser->documents()->receive(entry);
-        }
-      }),
+    : channel_(browser->frames()),
       view_(std::make_unique<View>(browser)),
       page_(std::make_unique<Page>(Profile::current(), browser, options.settings)),
       parentWindow_(options.parentWindow) {
@@ -111,7 +108,7 @@ void BrowserWindow::setFocus(bool focus) {
 
 void BrowserWindow::setGeometry(const CefRect& bounds) {
   if (offScreen_) {
-    return;  // its client decides
+    return;  // the client decides its size
   }
   const QRect wanted(bounds.x, bounds.y, bounds.IsEmpty() ? kDefaultSize.width() : bounds.width,
                      bounds.IsEmpty() ? kDefaultSize.height() : bounds.height);
@@ -151,8 +148,8 @@ void BrowserWindow::askPageToClose() {
   page_->askToClose();
 }
 
-void BrowserWindow::keepScript() {
-  page_->keepScript();
+void BrowserWindow::ownScript() {
+  page_->ownScript();
 }
 
 bool BrowserWindow::isBusy() const {
@@ -165,7 +162,7 @@ void BrowserWindow::endDialogs(std::function<void()> next) {
 }
 
 void BrowserWindow::prepareBlankPage() {
-  // Without a first layout Chromium crashes when such a document is filled and painted.
+  // Forces a first layout, without which Chromium crashes when the document is filled and painted.
   page_->printToPdf([](const QByteArray&) {});
   page_->runJavaScript(RenderSide::currentScript());
 }

@@ -1,4 +1,4 @@
-// The window of a browser.
+// A browser's window with its page.
 #pragma once
 
 #include <QString>
@@ -17,8 +17,8 @@ class OffScreenPart;
 class Page;
 class View;
 
-// Owns the top-level view and its page. UI thread; not deleted inside a callback of the page or the
-// view.
+// Owns the top-level view, its page and the page's channel. UI thread. Destroyed from tasks only,
+// never inside a callback of the page or the view.
 class BrowserWindow {
  public:
   BrowserWindow(Browser* browser, const Browser::Options& options);
@@ -27,9 +27,9 @@ class BrowserWindow {
   PageChannel* channel() { return &channel_; }
   void openChannel() { channel_.open(); }
   QWebEnginePage* page();
-  // What the browser's dialogs open over; null: nothing.
+  // The parent of the browser's dialogs; may be null.
   QWidget* widget();
-  // Null for a browser on the screen.
+  // Null for a browser on screen.
   OffScreenPart* offScreen() { return offScreen_.get(); }
 
   void show();
@@ -43,20 +43,20 @@ class BrowserWindow {
   void reload();
   void stop();
   bool isLoading() const;
-  // Runs a script in the main frame, after all answers that were given before.
+  // Runs a script in the main frame, after all responses that were sent before.
   void runScript(const QString& script);
 
-  // Runs the page's `beforeunload`; the browser hears when the page, or else the user, agrees.
+  // Runs the page's `beforeunload`. Browser::pageAgreedToClose follows once the page or the user
+  // agrees.
   void askPageToClose();
-  // See Page::keepScript.
-  void keepScript();
+  // See Page::ownScript.
+  void ownScript();
   // Whether a dialog of the page waits inside a callback of Chromium.
   bool isBusy() const;
-  // Ends these dialogs as if refused, then runs `next` from a task.
+  // Refuses these dialogs, then runs `next` from a task.
   void endDialogs(std::function<void()> next);
 
-  // For a page that another one opened: it may stay on its empty first document, which has seen
-  // nothing of the bridge.
+  // Runs the bridge's script in the empty first document of a pop-up, which may stay there.
   void prepareBlankPage();
 
  private:

@@ -7,7 +7,6 @@
 #include <QWebEngineUrlScheme>
 
 #include "browser/browser_list.h"
-#include "browser/default_dialog.h"
 #include "threads/threads.h"
 
 namespace cef_qt {
@@ -17,28 +16,28 @@ DialogScheme* currentScheme = nullptr;
 
 CefRefPtr<Browser> browserOf(const QString& document) {
   return BrowserList::instance().find(
-      [&document](Browser& browser) { return browser.documents()->isCurrent(document); });
+      [&document](Browser& browser) { return browser.frames()->isCurrent(document); });
 }
 
-void reply(const QPointer<QWebEngineUrlRequestJob>& job, const JsDialog::Answer& answer) {
-  // The page may have gone while the dialog was open.
+void reply(const QPointer<QWebEngineUrlRequestJob>& job, const JsDialog::Result& result) {
+  // The page may have been closed while the dialog was open.
   if (!job) {
     return;
   }
-  const QJsonObject object{{"success", answer.success}, {"input", answer.input}};
+  const QJsonObject object{{"success", result.success}, {"input", result.input}};
   auto* body = new QBuffer(job);
   body->setData(QJsonDocument(object).toJson(QJsonDocument::Compact));
   job->reply("application/json", body);
 }
 
-void ask(const CefRefPtr<Browser>& browser, const JsDialog::Question& question,
+void ask(const CefRefPtr<Browser>& browser, const JsDialog::Request& request,
          const QPointer<QWebEngineUrlRequestJob>& job) {
-  JsDialog::ask(browser, question, [browser, question, job](const JsDialog::Answer& answer) {
-    if (answer.handled) {
-      reply(job, answer);
+  JsDialog::askClient(browser, request, [browser, request, job](const JsDialog::Result& result) {
+    if (result.handled) {
+      reply(job, result);
     } else if (job) {
-      showDefaultDialog(browser, question, job,
-                        [job](const JsDialog::Answer& chosen) { reply(job, chosen); });
+      JsDialog::showDefault(browser, request, job,
+                            [job](const JsDialog::Result& chosen) { reply(job, chosen); });
     }
   });
 }
@@ -74,7 +73,7 @@ void DialogScheme::requestStarted(QWebEngineUrlRequestJob* job) {
     return;
   }
   const auto type = static_cast<cef_jsdialog_type_t>(path[1].toInt());
-  const Waiting dialog{job,
+  const Pending dialog{job,
                        path[0],
                        {type, job->initiator().toString(),
                         query.queryItemValue(QStringLiteral("text"), QUrl::FullyDecoded),
@@ -82,26 +81,26 @@ void DialogScheme::requestStarted(QWebEngineUrlRequestJob* job) {
   if (browserOf(dialog.document)) {
     start(dialog);
   } else {
-    unknown_.push_back(dialog);
+    unattached_.push_back(dialog);
   }
 }
 
-void DialogScheme::documentKnown(const QString& document) {
-  for (const Waiting& dialog : unknown_) {
+void DialogScheme::documentAttached(const QString& document) {
+  for (const Pending& dialog : unattached_) {
     if (dialog.document == document) {
       start(dialog);
     }
   }
-  std::erase_if(unknown_, [&document](const Waiting& dialog) {
+  std::erase_if(unattached_, [&document](const Pending& dialog) {
     return !dialog.job || dialog.document == document;
   });
 }
 
-void DialogScheme::start(const Waiting& dialog) {
-  // Out of Chromium's callback: the client may run a loop of its own.
+void DialogScheme::start(const Pending& dialog) {
+  // From a task, because the client's handler may run a nested loop.
   postTo(TID_UI, [dialog] {
     if (const CefRefPtr<Browser> browser = browserOf(dialog.document)) {
-      ask(browser, dialog.question, dialog.job);
+      ask(browser, dialog.request, dialog.job);
     }
   });
 }

@@ -1,4 +1,4 @@
-// The way by which top documents ask for their dialogs.
+// The URL scheme through which top documents request their dialogs.
 #pragma once
 
 #include <QPointer>
@@ -11,9 +11,9 @@
 
 namespace cef_qt {
 
-// The page's alert, confirm and prompt are requests to a scheme of our own that the script waits
-// for: the page stands still, and Chromium does not. (Qt's own way holds all of Chromium's work up
-// until the dialog ends.) Lives on the UI thread.
+// The alert, confirm and prompt of a page are synchronous requests to this scheme: the page's
+// script blocks and the rest of Chromium does not. (Qt's own dialogs block all pages until they
+// close.) UI thread.
 class DialogScheme final : public QWebEngineUrlSchemeHandler {
   Q_OBJECT
 
@@ -22,26 +22,26 @@ class DialogScheme final : public QWebEngineUrlSchemeHandler {
   ~DialogScheme() override;
 
   static QString name() { return QStringLiteral("cef-dialog"); }
-  // Before the QApplication is made.
+  // Called before the QApplication is created.
   static void registerScheme();
-  // Null when the framework is not running.
+  // Null while the framework is not running.
   static DialogScheme* current();
 
   void requestStarted(QWebEngineUrlRequestJob* job) override;
 
-  // A page's document has become known: dialogs that it asked for before can be shown.
-  void documentKnown(const QString& document);
+  // Shows the dialogs that the document requested before it was attached.
+  void documentAttached(const QString& document);
 
  private:
-  struct Waiting {
+  struct Pending {
     QPointer<QWebEngineUrlRequestJob> job;
     QString document;
-    JsDialog::Question question;
+    JsDialog::Request request;
   };
 
-  void start(const Waiting& dialog);
+  void start(const Pending& dialog);
 
-  std::vector<Waiting> unknown_;  // of documents that have not greeted yet
+  std::vector<Pending> unattached_;  // from documents that are not attached yet
 };
 
 }  // namespace cef_qt

@@ -1,6 +1,8 @@
 #include "browser/frame_impl.h"
 
+#include <QUrl>
 #include <QWebEnginePage>
+#include <algorithm>
 
 #include "base/process_message_impl.h"
 #include "base/qt_text.h"
@@ -8,13 +10,43 @@
 #include "browser/browser_impl.h"
 #include "browser/browser_window.h"
 #include "browser/render_side.h"
-#include "browser/script_text.h"
 #include "threads/threads.h"
 
 namespace cef_qt {
 namespace {
 
-// Hands a message to the other side.
+// Whether the character would end or break the comment that names the script.
+bool isUnsafe(QChar c) {
+  return c.isSpace() || c == u'"' || c == u'\'' || c.isNonCharacter();
+}
+
+QString commentSafe(QStringView url) {
+  QString out;
+  out.reserve(url.size());
+  for (const QChar c : url) {
+    if (isUnsafe(c)) {
+      out += QString::fromLatin1(QUrl::toPercentEncoding(QString(c)));
+    } else {
+      out += c;
+    }
+  }
+  return out;
+}
+
+// Adds the script's URL and first line to its code, so that errors and stack traces name them.
+QString scriptText(QStringView code, QStringView scriptUrl, int startLine) {
+  constexpr int kMaxLines = 100000;
+  QString text(std::clamp(startLine - 1, 0, kMaxLines), u'\n');
+  text += code;
+  if (!scriptUrl.isEmpty()) {
+    // On its own line, because the code may end in a comment.
+    text += QStringView(u"\n//# sourceURL=");
+    text += commentSafe(scriptUrl);
+  }
+  return text;
+}
+
+// Hands a message to the browser side or the render side.
 class Delivery final : public CefTask {
  public:
   Delivery(CefRefPtr<Browser> browser, CefRefPtr<CefFrame> frame, CefProcessId target,
@@ -87,7 +119,7 @@ void Frame::loadNow(const QString& url) {
 }
 
 void Frame::ExecuteJavaScript(const CefString& code, const CefString& script_url, int start_line) {
-  // By the way of the answers to queries, so that the page sees both in the order they were given.
+  // Scripts travel with the responses to queries, so that the page sees both in order.
   postTo(TID_RENDERER, [self = CefRefPtr<Frame>(this),
                         script = scriptText(viewOf(code), viewOf(script_url), start_line)] {
     self->runNow(script);

@@ -11,7 +11,8 @@ namespace cef_qt {
 class Browser;
 class ScriptContext;
 
-// Works on the UI thread; the operations that only begin something may be called from any thread.
+// UI thread, except for the methods of CefFrame that start an operation and return at once: they
+// may be called from any thread.
 class Frame final : public CefFrame {
  public:
   Frame(CefRefPtr<Browser> browser, bool isMain, CefString name, CefString url);
@@ -34,7 +35,7 @@ class Frame final : public CefFrame {
                           CefRefPtr<CefProcessMessage> message) override;
 
   void setName(const CefString& name);
-  // The script context of the frame's document; null when it has none.
+  // The script context of the frame's document; null while it has none.
   void setContext(CefRefPtr<ScriptContext> context);
 
  private:
@@ -44,7 +45,7 @@ class Frame final : public CefFrame {
 
   const CefRefPtr<Browser> browser_;
   const bool isMain_;
-  const CefString url_;               // of a frame that is not the main one
+  const CefString url_;               // of frames other than the main frame
   CefRefPtr<ScriptContext> context_;  // UI thread
   std::mutex mutex_;
   CefString name_;  // guarded by mutex_

@@ -1,6 +1,7 @@
-// One alert, confirm or prompt of a page, on its way through the client.
+// The alert, confirm and prompt dialogs of pages.
 #pragma once
 
+#include <QDialog>
 #include <QString>
 #include <functional>
 
@@ -9,25 +10,30 @@
 
 namespace cef_qt {
 
-// Asks the client and reports the outcome exactly once. UI thread.
+// UI thread.
 class JsDialog {
  public:
-  struct Question {
+  struct Request {
     cef_jsdialog_type_t type;
     QString origin;
     QString text;
     QString proposal;
   };
-  struct Answer {
-    bool handled = false;  // false: the framework's own dialog is wanted
+  struct Result {
+    bool handled = false;  // false: the default dialog is to be shown
     bool success = false;
     QString input;
   };
-  using Done = std::function<void(const Answer&)>;
+  using Done = std::function<void(const Result&)>;
 
-  // Calls the client's handler now; `done` follows during this call or later. Without a handler the
-  // question is not handled. Not for use inside Chromium's callbacks.
-  static void ask(const CefRefPtr<Browser>& browser, const Question& question, Done done);
+  // Calls the client's handler. `done` is called exactly once, inside this call or later; without a
+  // handler the result is not handled. Not for use inside Chromium's callbacks.
+  static void askClient(const CefRefPtr<Browser>& browser, const Request& request, Done done);
+
+  // Opens the default dialog over the browser's window; `done` is called when the user closes it.
+  // The dialog disappears without a result when `owner` is destroyed. It deletes itself on closing.
+  static QDialog* showDefault(const CefRefPtr<Browser>& browser, const Request& request,
+                              QObject* owner, Done done);
 };
 
 }  // namespace cef_qt

@@ -14,24 +14,35 @@
 #include "base/qt_text.h"
 #include "browser/browser_list.h"
 #include "browser/browser_window.h"
-#include "browser/default_dialog.h"
 #include "browser/frame_impl.h"
 #include "browser/profile.h"
-#include "browser/request_impl.h"
-#include "threads/threads.h"
+#include "include/cef_request.h"
+#include "threads/post_for.h"
 
 namespace cef_qt {
 namespace {
 
-// A page whose process ends this soon after it was loaded again would only do so for ever.
-constexpr std::chrono::milliseconds kShortLife{10000};
+// A process that ends this soon after a reload is taken to crash on this page.
+constexpr std::chrono::milliseconds kCrashLoopWindow{10000};
 
-// Qt asks about leaving a page through javaScriptConfirm, with this text.
+// Qt passes a page's objection to being left to javaScriptConfirm, with this text.
 bool isBeforeUnloadQuestion(const QString& text) {
   return text == QCoreApplication::translate("QWebEnginePage",
                                              "Are you sure you want to leave this page? Changes "
                                              "that you made may not be saved.");
 }
+
+class Request final : public CefRequest {
+ public:
+  explicit Request(CefString url) : url_(std::move(url)) {}
+
+  CefString GetURL() override { return url_; }
+  CefString GetMethod() override { return "GET"; }
+
+ private:
+  const CefString url_;
+  IMPLEMENT_REFCOUNTING(Request);
+};
 
 cef_termination_status_t statusOf(QWebEnginePage::RenderProcessTerminationStatus status) {
   switch (status) {
@@ -59,16 +70,16 @@ cef_window_open_disposition_t dispositionOf(QWebEnginePage::WebWindowType type) 
 
 }  // namespace
 
-class Page::Waiting {
+class Page::DialogScope {
  public:
-  explicit Waiting(Page* page) : page_(page) { ++page_->dialogDepth_; }
-  ~Waiting() {
+  explicit DialogScope(Page* page) : page_(page) { ++page_->dialogDepth_; }
+  ~DialogScope() {
     if (--page_->dialogDepth_ == 0 && page_->onIdle_) {
       postTo(TID_UI, std::exchange(page_->onIdle_, nullptr));
     }
   }
-  Waiting(const Waiting&) = delete;
-  Waiting& operator=(const Waiting&) = delete;
+  DialogScope(const DialogScope&) = delete;
+  DialogScope& operator=(const DialogScope&) = delete;
 
  private:
   Page* const page_;
@@ -80,8 +91,8 @@ Page::Page(QWebEngineProfile* profile, Browser* browser, const CefBrowserSetting
     askedToClose_ = false;
     browser_->pageAgreedToClose();
   });
-  if (Profile::lostItsScript()) {
-    keepScript();
+  if (Profile::isScriptLost()) {
+    ownScript();
   }
   connect(this, &QWebEnginePage::renderProcessTerminated, this, &Page::renderProcessEnded);
   connect(this, &QWebEnginePage::loadStarted, this, [this] { processGone_ = false; });
@@ -129,25 +140,25 @@ bool Page::acceptNavigationRequest(const QUrl& url, NavigationType type, bool is
                                   gesture, type == NavigationTypeRedirect);
 }
 
-JsDialog::Answer Page::askClient(cef_jsdialog_type_t type, const QUrl& origin, const QString& text,
+JsDialog::Result Page::askClient(cef_jsdialog_type_t type, const QUrl& origin, const QString& text,
                                  const QString& proposal) {
-  const Waiting waiting(this);
+  const DialogScope scope(this);
   struct State {
     QEventLoop loop;
-    JsDialog::Answer answer;
+    JsDialog::Result result;
     bool done = false;
   };
   const auto state = std::make_shared<State>();
   connect(this, &Page::dialogsEnded, &state->loop, [&state] {
     state->done = true;
-    state->answer = {true, false, QString()};
+    state->result = {true, false, QString()};
     state->loop.quit();
   });
-  const JsDialog::Question question{type, origin.toString(), text, proposal};
-  postTo(TID_UI, [browser = CefRefPtr<Browser>(browser_), question, state] {
-    JsDialog::ask(browser, question, [state](const JsDialog::Answer& answer) {
+  const JsDialog::Request request{type, origin.toString(), text, proposal};
+  postTo(TID_UI, [browser = CefRefPtr<Browser>(browser_), request, state] {
+    JsDialog::askClient(browser, request, [state](const JsDialog::Result& result) {
       if (!std::exchange(state->done, true)) {
-        state->answer = answer;
+        state->result = result;
         state->loop.quit();
       }
     });
@@ -155,47 +166,47 @@ JsDialog::Answer Page::askClient(cef_jsdialog_type_t type, const QUrl& origin, c
   if (!state->done) {
     state->loop.exec();
   }
-  return state->answer;
+  return state->result;
 }
 
 void Page::javaScriptAlert(const QUrl& origin, const QString& text) {
-  const JsDialog::Answer answer = askClient(JSDIALOGTYPE_ALERT, origin, text, QString());
-  if (!answer.handled) {
-    const Waiting waiting(this);
+  const JsDialog::Result result = askClient(JSDIALOGTYPE_ALERT, origin, text, QString());
+  if (!result.handled) {
+    const DialogScope scope(this);
     QWebEnginePage::javaScriptAlert(origin, text);
   }
 }
 
 bool Page::javaScriptConfirm(const QUrl& origin, const QString& text) {
   if (!isBeforeUnloadQuestion(text)) {
-    const JsDialog::Answer answer = askClient(JSDIALOGTYPE_CONFIRM, origin, text, QString());
-    if (answer.handled) {
-      return answer.success;
+    const JsDialog::Result result = askClient(JSDIALOGTYPE_CONFIRM, origin, text, QString());
+    if (result.handled) {
+      return result.success;
     }
   } else if (std::exchange(askedToClose_, false)) {
-    // The page stays for now; a user who wants to leave ends it without a second question. So
-    // Chromium is not held up while the dialog is open.
+    // The page stays, so that Chromium is not blocked while the dialog is open. A user who agrees
+    // to leave closes the browser by force.
     askUserToLeave(text);
     return false;
   }
-  const Waiting waiting(this);
+  const DialogScope scope(this);
   return QWebEnginePage::javaScriptConfirm(origin, text);
 }
 
 bool Page::javaScriptPrompt(const QUrl& origin, const QString& text, const QString& proposal,
                             QString* input) {
-  const JsDialog::Answer answer = askClient(JSDIALOGTYPE_PROMPT, origin, text, proposal);
-  if (answer.handled) {
-    *input = answer.input;
-    return answer.success;
+  const JsDialog::Result result = askClient(JSDIALOGTYPE_PROMPT, origin, text, proposal);
+  if (result.handled) {
+    *input = result.input;
+    return result.success;
   }
-  const Waiting waiting(this);
+  const DialogScope scope(this);
   return QWebEnginePage::javaScriptPrompt(origin, text, proposal, input);
 }
 
 void Page::askToClose() {
   if (processGone_) {
-    browser_->pageAgreedToClose();  // nobody is left to answer
+    browser_->pageAgreedToClose();  // no process can run beforeunload
     return;
   }
   askedToClose_ = true;
@@ -203,22 +214,20 @@ void Page::askToClose() {
 }
 
 void Page::askUserToLeave(const QString& text) {
-  postTo(TID_UI, [self = QPointer<Page>(this), browser = CefRefPtr<Browser>(browser_), text] {
-    // One question at a time.
-    if (!self || self->leaveQuestion_) {
+  postFor(this, TID_UI, [this, browser = CefRefPtr<Browser>(browser_), text] {
+    if (leaveDialog_) {
       return;
     }
-    self->leaveQuestion_ =
-        showDefaultDialog(browser, {JSDIALOGTYPE_CONFIRM, self->title(), text, QString()}, self,
-                          [browser](const JsDialog::Answer& answer) {
-                            if (answer.success) {
-                              browser->close(true);
-                            }
-                          });
+    leaveDialog_ = JsDialog::showDefault(browser, {JSDIALOGTYPE_CONFIRM, title(), text, QString()},
+                                         this, [browser](const JsDialog::Result& result) {
+                                           if (result.success) {
+                                             browser->close(true);
+                                           }
+                                         });
   });
 }
 
-void Page::keepScript() {
+void Page::ownScript() {
   if (scripts().find(Profile::pageScript().name()).isEmpty()) {
     scripts().insert(Profile::pageScript());
   }
@@ -226,7 +235,7 @@ void Page::keepScript() {
 
 void Page::endDialogs() {
   emit dialogsEnded();
-  // Qt's own ones.
+  // The dialogs that Qt itself has opened.
   const QWidget* view = QWebEngineView::forPage(this);
   const QList<QDialog*> dialogs = view ? view->findChildren<QDialog*>() : QList<QDialog*>();
   for (QDialog* dialog : dialogs) {
@@ -243,12 +252,12 @@ void Page::javaScriptConsoleMessage(JavaScriptConsoleMessageLevel level, const Q
 
 void Page::renderProcessEnded(RenderProcessTerminationStatus status, int exitCode) {
   processGone_ = true;
-  // Chromium starts the next process under the same number, and Qt takes it for one that has the
-  // profile's script already; what a page has itself is sent again.
-  Profile::setLostItsScript();
+  // Chromium gives the next process the same id, and Qt assumes that this id already has the
+  // profile's script. A page's own scripts are always sent.
+  Profile::setScriptLost();
   BrowserList::instance().forEach([](Browser& browser) {
     if (browser.window()) {
-      browser.window()->keepScript();
+      browser.window()->ownScript();
     }
   });
   postTo(TID_UI, [self = QPointer<Page>(this), browser = CefRefPtr<Browser>(browser_),
@@ -257,7 +266,7 @@ void Page::renderProcessEnded(RenderProcessTerminationStatus status, int exitCod
     if (!client) {
       return;
     }
-    browser->documents()->processGone();
+    browser->frames()->renderProcessGone();
     const bool closing = self && std::exchange(self->askedToClose_, false);
     const auto handler = client->GetRequestHandler();
     if (handler) {
@@ -266,21 +275,20 @@ void Page::renderProcessEnded(RenderProcessTerminationStatus status, int exitCod
     if (closing) {
       browser->pageAgreedToClose();
     } else if (!handler && self) {
-      self->loadAgain();
+      self->recover();
     }
   });
 }
 
-// For a client that leaves the end of a render process to the framework.
-void Page::loadAgain() {
+void Page::recover() {
   BrowserLog& log = BrowserLog::instance();
-  if (loadedAgain_.isValid() && !loadedAgain_.hasExpired(kShortLife.count())) {
+  if (recovered_.isValid() && !recovered_.hasExpired(kCrashLoopWindow.count())) {
     log.write(LOGSEVERITY_ERROR, "page",
-              "The page's process ended soon again; it is left as it is");
+              "The render process ended again soon after a reload; the page is not reloaded");
     return;
   }
-  log.write(LOGSEVERITY_ERROR, "page", "The page's process ended; the page is loaded again");
-  loadedAgain_.start();
+  log.write(LOGSEVERITY_ERROR, "page", "The render process ended; the page is reloaded");
+  recovered_.start();
   triggerAction(Reload);
 }
 

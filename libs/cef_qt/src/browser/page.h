@@ -14,24 +14,26 @@ namespace cef_qt {
 
 class Browser;
 
-// Turns what Qt WebEngine asks and tells into the client's handlers. Virtual operations are called
-// inside Chromium, so handlers that may take their time are called from tasks.
+// Passes Qt WebEngine's requests and notifications to the client's handlers. Chromium calls the
+// virtual methods from its own callbacks, so handlers that may run a nested loop are called from
+// tasks. UI thread.
 class Page final : public QWebEnginePage {
   Q_OBJECT
 
  public:
   Page(QWebEngineProfile* profile, Browser* browser, const CefBrowserSettings& settings);
 
-  // Runs `beforeunload`. Should the page want to stay, the user is asked.
+  // Runs `beforeunload`. If the page objects, the user is asked.
   void askToClose();
-  // Gives this page the bridge's script itself, when its process has lost that of the profile.
-  void keepScript();
+  // Adds the bridge's script to this page itself; see Profile::isScriptLost.
+  void ownScript();
 
-  // Dialogs that wait inside Chromium's callbacks; the page must not be deleted meanwhile.
+  // The number of dialogs that wait inside callbacks of Chromium. The page must not be deleted
+  // while there are any.
   int dialogDepth() const { return dialogDepth_; }
-  // Ends these dialogs as if refused.
+  // Refuses these dialogs.
   void endDialogs();
-  // Runs `work` from a task once no dialog waits any more.
+  // Runs `work` from a task once no dialog waits.
   void whenIdle(std::function<void()> work) { onIdle_ = std::move(work); }
 
  signals:
@@ -43,28 +45,29 @@ class Page final : public QWebEnginePage {
   void javaScriptAlert(const QUrl& origin, const QString& text) override;
   bool javaScriptConfirm(const QUrl& origin, const QString& text) override;
   bool javaScriptPrompt(const QUrl& origin, const QString& text, const QString& proposal,
-                        QString* answer) override;
+                        QString* input) override;
   void javaScriptConsoleMessage(JavaScriptConsoleMessageLevel level, const QString& text, int line,
                                 const QString& source) override;
 
  private:
-  // Counts the dialogs that wait inside Chromium.
-  class Waiting;
+  // Counts a dialog that waits inside Chromium.
+  class DialogScope;
 
-  // Asks the client from a task and waits for its answer.
-  JsDialog::Answer askClient(cef_jsdialog_type_t type, const QUrl& origin, const QString& text,
+  // Asks the client from a task and runs a nested loop until the result is there.
+  JsDialog::Result askClient(cef_jsdialog_type_t type, const QUrl& origin, const QString& text,
                              const QString& proposal);
   void renderProcessEnded(RenderProcessTerminationStatus status, int exitCode);
-  void loadAgain();
+  // Reloads the page unless its process keeps crashing.
+  void recover();
 
   void askUserToLeave(const QString& text);
 
   Browser* const browser_;
   const CefBrowserSettings settings_;
   bool askedToClose_ = false;
-  bool processGone_ = false;  // and no new one was begun
-  QPointer<QDialog> leaveQuestion_;
-  QElapsedTimer loadedAgain_;
+  bool processGone_ = false;  // and no new process was started
+  QPointer<QDialog> leaveDialog_;
+  QElapsedTimer recovered_;
   int dialogDepth_ = 0;
   std::function<void()> onIdle_;
 };

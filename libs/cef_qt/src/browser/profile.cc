@@ -15,7 +15,7 @@ std::unique_ptr<QWebEngineProfile>& profile() {
   return current;
 }
 
-bool scriptIsLost = false;
+bool scriptLost = false;
 
 QWebEngineScript& currentScript() {
   static QWebEngineScript script;
@@ -76,12 +76,12 @@ QWebEngineScript Profile::pageScript() {
   return currentScript();
 }
 
-void Profile::setLostItsScript() {
-  scriptIsLost = true;
+void Profile::setScriptLost() {
+  scriptLost = true;
 }
 
-bool Profile::lostItsScript() {
-  return scriptIsLost;
+bool Profile::isScriptLost() {
+  return scriptLost;
 }
 
 }  // namespace cef_qt

@@ -1,4 +1,4 @@
-// The profile that all pages share.
+// The Qt WebEngine profile that all pages share.
 #pragma once
 
 #include <QString>
@@ -14,18 +14,19 @@ namespace cef_qt {
 class Profile {
  public:
   static void create(const Options& options);
-  // After the last page is deleted.
+  // Called after the last page is deleted.
   static void destroy();
 
   static QWebEngineProfile* current();
 
-  // The script that new documents get before their own ones.
+  // The script that new documents run before their own scripts.
   static void setPageScript(const QString& script);
   static QWebEngineScript pageScript();
 
-  // A render process ended: those that follow it do not get the script from the profile.
-  static void setLostItsScript();
-  static bool lostItsScript();
+  // Once a render process has ended, Qt no longer sends the profile's script to new ones, so pages
+  // need the script themselves.
+  static void setScriptLost();
+  static bool isScriptLost();
 };
 
 }  // namespace cef_qt

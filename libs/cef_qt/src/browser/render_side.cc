@@ -10,16 +10,16 @@
 namespace cef_qt {
 namespace {
 
-struct Forecast {
+struct Prediction {
   int version = 0;
   RouterNameList top;
-  std::optional<RouterNameList> frames;  // nothing: as top documents
+  std::optional<RouterNameList> frames;  // nullopt: like top documents
 
   const RouterNameList& of(bool isTop) const { return isTop || !frames ? top : *frames; }
 };
 
-Forecast& forecast() {
-  static Forecast current;
+Prediction& prediction() {
+  static Prediction current;
   return current;
 }
 
@@ -38,8 +38,8 @@ void RenderSide::start() {
   Profile::setPageScript(currentScript());
 }
 
-void RenderSide::learn(bool isTop, const RouterNameList& given) {
-  Forecast& current = forecast();
+void RenderSide::recordFunctions(bool isTop, const RouterNameList& given) {
+  Prediction& current = prediction();
   const bool known = isTop || current.frames;
   if (known && current.of(isTop) == given) {
     return;
@@ -53,12 +53,12 @@ void RenderSide::learn(bool isTop, const RouterNameList& given) {
   Profile::setPageScript(currentScript());
 }
 
-bool RenderSide::matches(bool isTop, const RouterNameList& given, int scriptVersion) {
-  return forecast().version == scriptVersion && forecast().of(isTop) == given;
+bool RenderSide::scriptGave(bool isTop, const RouterNameList& given, int scriptVersion) {
+  return prediction().version == scriptVersion && prediction().of(isTop) == given;
 }
 
 QString RenderSide::currentScript() {
-  const Forecast& current = forecast();
+  const Prediction& current = prediction();
   return pageScript(current.version, DialogScheme::name(), current.top, current.of(false));
 }
 

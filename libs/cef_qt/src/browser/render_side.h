@@ -1,4 +1,4 @@
-// The application's render side, and what documents are expected to be given by it.
+// The application's render process handler, and the functions that it gives to documents.
 #pragma once
 
 #include <QString>
@@ -8,23 +8,24 @@
 
 namespace cef_qt {
 
-// There is no code of ours in Chromium's render processes: the application's render process handler
-// is served on the UI thread, as TID_RENDERER. Documents need their query functions before their
-// first script, that is before the handler can be asked; so every document gets the functions that
-// the latest one of its kind was given, and is corrected when the handler gives it others.
+// Qt loads no code of ours into Chromium's render processes, so the handler runs on the UI thread
+// as TID_RENDERER. Documents need their query functions before their first script runs, when the
+// handler cannot be asked yet. The script therefore predicts the functions: a document gets those
+// of the latest document of its kind (top or in a frame), and wrong predictions are corrected when
+// the document attaches.
 class RenderSide {
  public:
-  // Null when the application has none.
+  // Null if the application has none.
   static CefRefPtr<CefRenderProcessHandler> handler();
 
-  // Called once, before the first browser.
+  // Called once, before the first browser is created.
   static void start();
 
-  // The functions that a document was given.
-  static void learn(bool isTop, const RouterNameList& given);
-  // Whether the current script gives exactly these functions.
-  static bool matches(bool isTop, const RouterNameList& given, int scriptVersion);
-  // The script of documents that are made from now on.
+  // Makes the functions given to a document the prediction for the next one of its kind.
+  static void recordFunctions(bool isTop, const RouterNameList& given);
+  // Whether the script of this version gave a document exactly these functions.
+  static bool scriptGave(bool isTop, const RouterNameList& given, int scriptVersion);
+  // The script for new documents.
   static QString currentScript();
 };
 

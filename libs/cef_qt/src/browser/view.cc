@@ -5,7 +5,7 @@
 
 #include "browser/browser_impl.h"
 #include "browser/browser_window.h"
-#include "browser/dragged.h"
+#include "browser/drag_conversion.h"
 #include "browser/off_screen.h"
 
 namespace cef_qt {
@@ -21,12 +21,11 @@ void View::closeEvent(QCloseEvent* event) {
   if (!browser_) {
     return;
   }
-  // The page and the client are asked first; the window goes when they agree.
+  // The page and the client are asked first; destroy() closes the window.
   event->ignore();
   browser_->close(false);
 }
 
-// The client is asked about drags from outside only.
 bool View::isOwnDrag(const QDragEnterEvent& event) const {
   BrowserWindow* const window = browser_ ? browser_->window() : nullptr;
   if (window && window->offScreen()) {
@@ -39,7 +38,7 @@ bool View::isOwnDrag(const QDragEnterEvent& event) const {
 void View::dragEnterEvent(QDragEnterEvent* event) {
   const CefRefPtr<CefClient> client = browser_ && !isOwnDrag(*event) ? browser_->client() : nullptr;
   const auto handler = client ? client->GetDragHandler() : nullptr;
-  dragCanceled_ = handler && handler->OnDragEnter(browser_, draggedData(*event->mimeData()),
+  dragCanceled_ = handler && handler->OnDragEnter(browser_, dragDataOf(*event->mimeData()),
                                                   operationsOf(event->possibleActions()));
   if (dragCanceled_) {
     event->ignore();

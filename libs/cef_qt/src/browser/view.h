@@ -7,16 +7,16 @@ namespace cef_qt {
 
 class Browser;
 
-// Asks the client about drags and turns the window's closing into the browser's.
+// Asks the client about drags from outside. Closing the window closes the browser.
 class View final : public QWebEngineView {
   Q_OBJECT
 
  public:
   explicit View(Browser* browser) : browser_(browser) {}
 
-  // An empty title follows the page's.
+  // An empty title makes the window follow the page's title.
   void setTitle(const QString& title);
-  // The browser is gone.
+  // Called before the browser's page is destroyed.
   void detach() { browser_ = nullptr; }
 
  protected:

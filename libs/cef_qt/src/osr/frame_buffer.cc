@@ -6,14 +6,14 @@
 namespace cef_qt {
 namespace {
 
-// Bands that are nearer than this are one: a rectangle more costs more than a few rows.
-constexpr int kRowsBetweenBands = 16;
+// Closer bands are merged: another rectangle costs more than a few rows.
+constexpr int kMinRowsBetweenBands = 16;
 
 const quint32* rowOf(const QImage& image, int y) {
   return reinterpret_cast<const quint32*>(image.constScanLine(y));
 }
 
-// Widens [left, right) by the differences of a row, of which there is one at least.
+// Widens [left, right) to the differences of two rows that are not equal.
 void widen(const quint32* a, const quint32* b, int width, int& left, int& right) {
   left = static_cast<int>(std::mismatch(a, a + left, b).first - a);
   int end = width;
@@ -47,7 +47,7 @@ void findDifferences(const QImage& a, const QImage& b, std::vector<CefRect>& fou
     if (std::memcmp(rowA, rowB, rowBytes) == 0) {
       continue;
     }
-    if (top >= 0 && y - bottom > kRowsBetweenBands) {
+    if (top >= 0 && y - bottom > kMinRowsBetweenBands) {
       endBand();
     }
     top = top < 0 ? y : top;

@@ -1,4 +1,4 @@
-// The latest frame of an off-screen element, and what is new in it.
+// The latest frame of an off-screen element and its dirty rectangles.
 #pragma once
 
 #include <QImage>
@@ -8,15 +8,15 @@
 
 namespace cef_qt {
 
-// Two buffers that are used again and again: a new frame is drawn into one, compared with the
-// other, and only what differs is copied there. Memory is asked for when the size changes only.
+// A new frame is drawn into one buffer and compared with a second one, to which only the
+// differences are copied. Allocates only when the size changes.
 class FrameBuffer {
  public:
-  // What the next frame is drawn into, premultiplied ARGB (BGRA bytes), of this size in pixels.
+  // The buffer for the next frame: premultiplied ARGB (BGRA bytes), size in pixels.
   QImage& next(const QSize& size);
-  // Compares and takes over the next frame. False when nothing is new.
+  // Makes the next frame the latest one. False if they are equal.
   bool accept();
-  // The whole of the frame counts as new, as it is.
+  // Makes the whole frame dirty.
   void markAll();
 
   const std::vector<CefRect>& dirtyRects() const { return dirty_; }
@@ -30,7 +30,8 @@ class FrameBuffer {
   std::vector<CefRect> dirty_;
 };
 
-// Where two pictures of one size differ: bands of rows, each as narrow as its differences.
+// Finds the differences of two pictures of the same size: bands of rows, each as narrow as its
+// differences.
 void findDifferences(const QImage& a, const QImage& b, std::vector<CefRect>& found);
 
 }  // namespace cef_qt

@@ -2,48 +2,34 @@
 
 #include <QApplication>
 #include <QEvent>
-#include <QQuickItem>
-#include <QQuickWindow>
+#include <QQuickWidget>
+#include <QTimer>
 #include <QWebEnginePage>
 #include <QWebEngineScript>
 #include <QWindow>
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 #include "browser/browser_window.h"
 #include "include/cef_render_handler.h"
-#include "osr/cursors.h"
-#include "threads/threads.h"
+#include "threads/post_for.h"
 
 namespace cef_qt {
 namespace {
 
 constexpr int kDefaultRate = 30;
-constexpr int kHighestRate = 60;
-constexpr int kCursorMs = 30;
-constexpr int kIdleCursorMs = 200;
-constexpr int kCursorChecks = 20;
-// A page that is busy for longer is not waited for.
-constexpr int kLongestAnswerMs = 300;
+constexpr int kMaxRate = 60;
+// The longest wait for a busy page.
+constexpr int kPageTimeoutMs = 300;
 
 QList<OffScreenBrowser*>& all() {
   static QList<OffScreenBrowser*> browsers;
   return browsers;
 }
 
-// The cursor of the item that the page is drawn in; other items have none.
-QCursor cursorBelow(const QQuickItem& item) {
-  QCursor cursor = item.cursor();
-  for (const QQuickItem* const child : item.childItems()) {
-    if (cursor.shape() == Qt::ArrowCursor) {
-      cursor = cursorBelow(*child);
-    }
-  }
-  return cursor;
-}
-
-int rateOf(int wanted) {
-  return wanted <= 0 ? kDefaultRate : std::min(wanted, kHighestRate);
+int frameRateOf(int requested) {
+  return requested <= 0 ? kDefaultRate : std::min(requested, kMaxRate);
 }
 
 }  // namespace
@@ -51,22 +37,22 @@ int rateOf(int wanted) {
 OffScreenBrowser::OffScreenBrowser(Browser* browser, QWebEngineView* view, int framesPerSecond)
     : browser_(browser),
       view_(view),
-      framesPerSecond_(rateOf(framesPerSecond)),
+      framesPerSecond_(frameRateOf(framesPerSecond)),
+      cursor_(*this),
       input_(*this),
       drag_(*this),
       textInput_(*this) {
   all().append(this);
   view_->setAttribute(Qt::WA_DontShowOnScreen);
-  // Not a window that dialogs would open over, and without a frame around the page.
+  // A tool window is never the parent of dialogs.
   view_->setWindowFlags(Qt::Tool | Qt::FramelessWindowHint);
   view_->setAttribute(Qt::WA_ShowWithoutActivating);
-  // Chromium learns of a place once only, so the view keeps it.
+  // Chromium reads the view's position only once, so the view never moves.
   view_->move(0, 0);
-  view_->winId();  // makes its window
+  view_->winId();  // creates the native window
   QApplication::instance()->installEventFilter(this);
   connect(view_->page(), &QWebEnginePage::loadStarted, this, &OffScreenBrowser::attach);
   connect(view_->page(), &QWebEnginePage::loadFinished, this, &OffScreenBrowser::attach);
-  connect(&cursorTimer_, &QTimer::timeout, this, &OffScreenBrowser::reportCursor);
   screenInfoChanged();
 }
 
@@ -99,10 +85,10 @@ void OffScreenBrowser::attach() {
   page_ =
       std::make_unique<PaintedWidget>(current, framesPerSecond_, [this](const FrameBuffer& frame) {
         paint(PET_VIEW, frame);
-        textInput_.report();  // the field may have moved
+        textInput_.report();  // the focused field may have moved
       });
-  // Qt's own windows over the view, as suggestions for a field, pass their keys on to what has the
-  // focus in it.
+  // Windows that Qt opens over the view, such as suggestions for a field, pass their keys on to the
+  // focused widget.
   current->setFocus();
   setFocus(focused_);
 }
@@ -115,33 +101,34 @@ void OffScreenBrowser::paint(cef_paint_element_type_t type, const FrameBuffer& f
 }
 
 void OffScreenBrowser::wasResized() {
-  const auto asked = handler();
-  if (!asked) {
+  const auto renderHandler = handler();
+  if (!renderHandler) {
     return;
   }
   CefRect rect;
-  asked->GetViewRect(browser_, rect);
+  renderHandler->GetViewRect(browser_, rect);
   view_->resize(qRound(std::max(rect.width, 1) * scale_),
                 qRound(std::max(rect.height, 1) * scale_));
 }
 
 void OffScreenBrowser::screenInfoChanged() {
   CefScreenInfo info;
-  const auto asked = handler();
-  if (asked && asked->GetScreenInfo(browser_, info) && info.device_scale_factor > 0) {
-    // Qt's own part of the scale is in the widget's pixels already.
+  const auto renderHandler = handler();
+  if (renderHandler && renderHandler->GetScreenInfo(browser_, info) &&
+      info.device_scale_factor > 0) {
+    // The widget's pixels already contain Qt's own scale.
     scale_ = info.device_scale_factor / view_->devicePixelRatioF();
   }
   view_->setZoomFactor(scale_);
   wasResized();
 }
 
-// Menus and suggestions open where the hidden view is; the client's view is elsewhere.
+// Menus and suggestions open at the hidden view and are moved to the client's view.
 void OffScreenBrowser::windowShown(QWidget* window) {
   int x = 0;
   int y = 0;
-  const auto asked = handler();
-  if (asked && asked->GetScreenPoint(browser_, 0, 0, x, y)) {
+  const auto renderHandler = handler();
+  if (renderHandler && renderHandler->GetScreenPoint(browser_, 0, 0, x, y)) {
     window->move(window->pos() + QPoint(x, y) - view_->pos());
   }
 }
@@ -157,14 +144,14 @@ void OffScreenBrowser::invalidate(cef_paint_element_type_t type) {
   }
 }
 
-QWidget* OffScreenBrowser::clientsWindow() const {
+QWidget* OffScreenBrowser::clientWindow() const {
   return QWidget::find(browser_->window() ? browser_->window()->handle() : 0);
 }
 
 void OffScreenBrowser::setFocus(bool focus) {
   focused_ = focus;
   input_.setFocus(focus);
-  QWidget* const parent = clientsWindow();
+  QWidget* const parent = clientWindow();
   if (focus && parent && !parent->isActiveWindow()) {
     parent->activateWindow();
   }
@@ -174,11 +161,7 @@ bool OffScreenBrowser::eventFilter(QObject* watched, QEvent* event) {
   switch (event->type()) {
     case QEvent::ChildAdded:
       if (watched == view_) {
-        postTo(TID_UI, [self = QPointer<OffScreenBrowser>(this)] {
-          if (self) {
-            self->attach();
-          }
-        });
+        postFor(this, TID_UI, [this] { attach(); });
       }
       break;
     case QEvent::Show:
@@ -190,7 +173,7 @@ bool OffScreenBrowser::eventFilter(QObject* watched, QEvent* event) {
       }
       break;
     case QEvent::ToolTipChange:
-      if (QWidget* const shown = watched == view_ ? clientsWindow() : nullptr) {
+      if (QWidget* const shown = watched == view_ ? clientWindow() : nullptr) {
         shown->setToolTip(view_->toolTip());
       }
       break;
@@ -206,37 +189,9 @@ bool OffScreenBrowser::eventFilter(QObject* watched, QEvent* event) {
   return QObject::eventFilter(watched, event);
 }
 
-void OffScreenBrowser::watchCursor() {
-  cursorChecks_ = kCursorChecks;
-  if (!cursorTimer_.isActive() || cursorTimer_.interval() != kCursorMs) {
-    cursorTimer_.start(kCursorMs);
-  }
-}
-
-void OffScreenBrowser::ignoreCursor() {
-  cursorTimer_.stop();
-}
-
-void OffScreenBrowser::reportCursor() {
-  if (--cursorChecks_ <= 0) {
-    cursorTimer_.setInterval(kIdleCursorMs);  // a page may change it without input
-  }
-  const QQuickWidget* const shown = page();
-  const QCursor now = shown ? cursorBelow(*shown->quickWindow()->contentItem()) : QCursor();
-  if (std::exchange(cursor_, now) == now) {
-    return;
-  }
-  const CefRefPtr<CefClient> client = browser_->client();
-  if (const auto display = client ? client->GetDisplayHandler() : nullptr) {
-    const QImage picture = pictureOf(cursor_);
-    display->OnCursorChange(browser_, 0, cursorTypeOf(cursor_.shape()),
-                            cursorInfoOf(cursor_, picture));
-  }
-}
-
-// A pop-up is a window of its own that knows no parent: it belongs to the page that was used last.
+// A pop-up window has no parent, so it is attributed to the page that received input last.
 bool OffScreenBrowser::ownsPopup(const QWidget* widget) const {
-  return widget->isWindow() && widget != view_ && OffScreenInput::lastUsed() == &input_;
+  return widget->isWindow() && widget != view_ && OffScreenInput::latest() == &input_;
 }
 
 void OffScreenBrowser::popupShown(QQuickWidget* popup) {
@@ -244,10 +199,11 @@ void OffScreenBrowser::popupShown(QQuickWidget* popup) {
     return;
   }
   if (popup_) {
-    popupHidden();  // its window goes later
+    popupHidden();  // Qt destroys the old window later
   }
   popup->setAttribute(Qt::WA_DontShowOnScreen);
-  // Qt hands all input of the application to an open pop-up; this one gets its input from us.
+  // Qt sends all input of the application to a window of type Popup; this one gets it from the
+  // client.
   popup->overrideWindowFlags(Qt::ToolTip | Qt::FramelessWindowHint);
   connect(popup, &QObject::destroyed, this, [this, popup] {
     if (popup_ && (!popup_->widget() || popup_->widget() == popup)) {
@@ -256,56 +212,54 @@ void OffScreenBrowser::popupShown(QQuickWidget* popup) {
   });
   popup_ =
       std::make_unique<PaintedWidget>(popup, framesPerSecond_, [this](const FrameBuffer& frame) {
-        if (popupTold_) {
+        if (popupReported_) {
           paint(PET_POPUP, frame);
         }
       });
-  // A press on a list that is open makes the page close it, open it again, and close that one at
-  // once: the client is told of a list that is still there when the page has done its work.
-  whenPageAnswers([this, popup, shown = QPointer<QObject>(popup)] {
+  // On a press on an open list, the page closes the list, opens it again and closes it at once. The
+  // client is told only of a list that is still open after the page has handled the press.
+  afterPendingPageWork([this, popup, shown = QPointer<QObject>(popup)] {
     if (popup_ && shown && popup_->widget() == popup) {
-      tellPopup();
+      reportPopup();
     }
   });
 }
 
-void OffScreenBrowser::tellPopup() {
-  if (const auto told = handler()) {
-    popupTold_ = true;
-    told->OnPopupShow(browser_, true);
-    told->OnPopupSize(browser_, popupRect());
-    // What was drawn before had no place yet.
+void OffScreenBrowser::reportPopup() {
+  if (const auto renderHandler = handler()) {
+    popupReported_ = true;
+    renderHandler->OnPopupShow(browser_, true);
+    renderHandler->OnPopupSize(browser_, popupRect());
+    // Frames were held back until the pop-up had a position.
     invalidate(PET_POPUP);
   }
 }
 
 void OffScreenBrowser::popupHidden() {
   popup_.reset();
-  if (!std::exchange(popupTold_, false)) {
+  if (!std::exchange(popupReported_, false)) {
     return;
   }
-  // Out of Chromium's callback; also when another one is open by then, which is told after this.
-  postTo(TID_UI, [self = QPointer<OffScreenBrowser>(this)] {
-    if (const auto told = self ? self->handler() : nullptr) {
-      told->OnPopupShow(self->browser_, false);
+  // From a task, out of Chromium's callback. A pop-up that opens meanwhile is reported later.
+  postFor(this, TID_UI, [this] {
+    if (const auto renderHandler = handler()) {
+      renderHandler->OnPopupShow(browser_, false);
     }
   });
 }
 
-void OffScreenBrowser::whenPageAnswers(std::function<void()> next) {
+void OffScreenBrowser::afterPendingPageWork(std::function<void()> work) {
   const auto once = [self = QPointer<OffScreenBrowser>(this),
-                     next = std::make_shared<std::function<void()>>(std::move(next))] {
-    if (const auto work = std::exchange(*next, nullptr); work && self) {
-      work();
+                     work = std::make_shared<std::function<void()>>(std::move(work))] {
+    if (const auto pending = std::exchange(*work, nullptr); pending && self) {
+      pending();
     }
   };
-  // Out of Chromium's callback.
-  postTo(TID_UI, [self = QPointer<OffScreenBrowser>(this), once] {
-    if (self) {
-      self->view_->page()->runJavaScript(QStringLiteral("0"), QWebEngineScript::ApplicationWorld,
-                                         [once](const QVariant&) { once(); });
-      QTimer::singleShot(kLongestAnswerMs, self, once);
-    }
+  // From a task, out of Chromium's callback.
+  postFor(this, TID_UI, [this, once] {
+    view_->page()->runJavaScript(QStringLiteral("0"), QWebEngineScript::ApplicationWorld,
+                                 [once](const QVariant&) { once(); });
+    QTimer::singleShot(kPageTimeoutMs, this, once);
   });
 }
 
@@ -318,7 +272,7 @@ CefRect OffScreenBrowser::popupRect() const {
 
 QQuickWidget* OffScreenBrowser::popupAt(const QPoint& point) const {
   QQuickWidget* const popup = popup_ ? popup_->widget() : nullptr;
-  if (!popup || !popupTold_ || !popup->isVisible()) {
+  if (!popup || !popupReported_ || !popup->isVisible()) {
     return nullptr;
   }
   return popup->geometry().contains(view_->mapToGlobal(point)) ? popup : nullptr;

@@ -1,15 +1,14 @@
-// A browser that is drawn off screen.
+// The off-screen part of a browser.
 #pragma once
 
-#include <QCursor>
 #include <QPointer>
-#include <QTimer>
 #include <QWebEngineView>
 #include <functional>
 #include <memory>
 
 #include "browser/browser_impl.h"
 #include "browser/off_screen.h"
+#include "osr/off_screen_cursor.h"
 #include "osr/off_screen_drag.h"
 #include "osr/off_screen_input.h"
 #include "osr/off_screen_text_input.h"
@@ -18,9 +17,8 @@
 namespace cef_qt {
 
 // Keeps the browser's view off the screen, at the size that the client's render handler gives, and
-// passes frames, pop-ups and cursors to that handler. Ownership: the browser's window, which
-// outlives neither its view nor its browser. UI thread. A paint that is asked for
-// (`invalidate`) comes inside the call.
+// passes frames and pop-ups to that handler. Lengths are pixels of the view unless they come from
+// the client, whose view points are scaled by scale(). Owned by the browser's window. UI thread.
 class OffScreenBrowser final : public QObject, public OffScreenPart {
   Q_OBJECT
 
@@ -28,50 +26,48 @@ class OffScreenBrowser final : public QObject, public OffScreenPart {
   OffScreenBrowser(Browser* browser, QWebEngineView* view, int framesPerSecond);
   ~OffScreenBrowser() override;
 
-  // The browser whose view it is; null when that is on the screen.
+  // The off-screen browser of a view or of its page's widget; null for other objects.
   static OffScreenBrowser* of(const QObject* view);
 
   void wasResized();
   void wasHidden(bool hidden);
   void screenInfoChanged();
+  // Calls OnPaint inside the call.
   void invalidate(cef_paint_element_type_t type);
   void setFocus(bool focus) override;
   bool isDragRunning() const override { return drag_.isRunning(); }
 
+  OffScreenCursor& cursor() { return cursor_; }
   OffScreenInput& input() { return input_; }
   OffScreenDrag& drag() { return drag_; }
   OffScreenTextInput& textInput() { return textInput_; }
 
   Browser* browser() const { return browser_; }
   QWebEngineView* view() const { return view_; }
-  // Null while the browser closes, or without a render handler.
+  // Null while the browser closes or if the client has none.
   CefRefPtr<CefRenderHandler> handler() const;
-  // Pixels of the view's own coordinates for each view point of the client.
+  // Pixels of the view for each view point of the client.
   double scale() const { return scale_; }
+  // The widget that shows the page; null until there is one.
   QQuickWidget* page() const;
-  // The open pop-up under a point of the view, in the view's own coordinates; null when none.
+  // The open pop-up under a pixel of the view; null if there is none.
   QQuickWidget* popupAt(const QPoint& point) const;
-  // Looks for changes of the cursor from now on, most often right after the call.
-  void watchCursor();
-  // The pointer has left the view.
-  void ignoreCursor();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  // Watches the page's widget, which changes with the process that draws it.
+  // Watches the page's widget, which changes with the render process.
   void attach();
-  void reportCursor();
   void popupShown(QQuickWidget* popup);
-  void tellPopup();
+  void reportPopup();
   void popupHidden();
-  // Does the work when the page has done what it was asked before, or is busy for long.
-  void whenPageAnswers(std::function<void()> next);
+  // Runs the work once the page has handled its earlier input, or after a timeout.
+  void afterPendingPageWork(std::function<void()> work);
   void windowShown(QWidget* window);
   CefRect popupRect() const;
-  // What the client shows the browser in; null when that is none of Qt's.
-  QWidget* clientsWindow() const;
+  // The client's window around the browser; null if it is not a Qt window of this process.
+  QWidget* clientWindow() const;
   void paint(cef_paint_element_type_t type, const FrameBuffer& frame);
   bool ownsPopup(const QWidget* widget) const;
 
@@ -80,16 +76,13 @@ class OffScreenBrowser final : public QObject, public OffScreenPart {
   const int framesPerSecond_;
   double scale_ = 1;
   bool focused_ = false;
-  // Chromium sets the cursor some time after a movement, and Qt tells nobody.
-  QTimer cursorTimer_;
-  int cursorChecks_ = 0;  // that are still to be made quickly
-  QCursor cursor_;        // that the client was told of
+  OffScreenCursor cursor_;
   OffScreenInput input_;
   OffScreenDrag drag_;
   OffScreenTextInput textInput_;
   std::unique_ptr<PaintedWidget> page_;
   std::unique_ptr<PaintedWidget> popup_;
-  bool popupTold_ = false;  // the client knows of popup_
+  bool popupReported_ = false;  // to the client
 };
 
 }  // namespace cef_qt

@@ -8,7 +8,8 @@
 namespace cef_qt {
 namespace {
 
-// Does the work now on the UI thread and from a task on others, unless the browser is closed.
+// Runs the work inside the call on the UI thread and from a task on other threads, unless the
+// browser is closed.
 void withOffScreen(const CefRefPtr<Browser>& browser, std::function<void(OffScreenBrowser&)> work) {
   if (!CefCurrentlyOn(TID_UI)) {
     postTo(TID_UI, [browser, work = std::move(work)] { withOffScreen(browser, work); });
@@ -62,7 +63,7 @@ void OffScreenBrowserHost::ImeSetComposition(const CefString& text,
   });
 }
 
-// Qt leaves the caret behind the text.
+// Qt always moves the caret behind the text.
 void OffScreenBrowserHost::ImeCommitText(const CefString& text, const CefRange& replacement_range,
                                          int /*relative_cursor_pos*/) {
   withOffScreen(browser(),

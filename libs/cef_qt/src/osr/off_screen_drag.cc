@@ -8,11 +8,11 @@
 
 #include "base/drag_data_impl.h"
 #include "base/qt_text.h"
-#include "browser/dragged.h"
+#include "browser/drag_conversion.h"
 #include "include/cef_render_handler.h"
-#include "osr/event_flags_qt.h"
+#include "osr/event_conversion.h"
 #include "osr/off_screen_browser.h"
-#include "threads/threads.h"
+#include "threads/post_for.h"
 
 namespace cef_qt {
 namespace {
@@ -25,7 +25,7 @@ Qt::DropActions actionsOf(cef_drag_operations_mask_t operations) {
   return actions;
 }
 
-// One action of several, as Chromium would choose.
+// The action that Chromium prefers.
 Qt::DropAction firstOf(Qt::DropActions actions) {
   for (const Qt::DropAction action : {Qt::CopyAction, Qt::MoveAction, Qt::LinkAction}) {
     if (actions & action) {
@@ -68,8 +68,8 @@ OffScreenDrag::OffScreenDrag(OffScreenBrowser& browser) : browser_(browser) {}
 
 OffScreenDrag::~OffScreenDrag() = default;
 
-// Not by the application: while a system's drag runs over the client's view, it would hand the
-// event to that view.
+// Bypasses the application object, which would send the event to the client's view while a system
+// drag runs over that view.
 void OffScreenDrag::deliver(QEvent& event) {
   static_cast<QObject*>(browser_.view())->event(&event);
 }
@@ -96,10 +96,10 @@ void OffScreenDrag::over(const CefMouseEvent& event, cef_drag_operations_mask_t 
                       keyboardModifiersOf(event.modifiers));
   sent.setDropAction(firstOf(allowed_));
   deliver(sent);
-  tellOperation(sent.isAccepted(), sent.dropAction());
+  reportOperation(sent.isAccepted(), sent.dropAction());
 }
 
-void OffScreenDrag::tellOperation(bool accepted, Qt::DropAction action) {
+void OffScreenDrag::reportOperation(bool accepted, Qt::DropAction action) {
   if (const auto handler = browser_.handler()) {
     handler->UpdateDragCursor(browser_.browser(),
                               accepted ? operationsOf(action) : DRAG_OPERATION_NONE);
@@ -135,30 +135,30 @@ Qt::DropAction OffScreenDrag::run(const QDrag& drag, Qt::DropActions supported) 
   own_ = drag.mimeData();
   result_ = Qt::IgnoreAction;
   const QPoint start = browser_.view()->mapFromGlobal(QCursor::pos());
-  const auto data = draggedData(*own_);
-  postTo(TID_UI, [browser = QPointer<OffScreenBrowser>(&browser_), data, supported, start] {
-    const auto handler = browser && browser->drag().loop_ ? browser->handler() : nullptr;
-    const bool taken =
-        handler && handler->StartDragging(browser->browser(), data, operationsOf(supported),
-                                          qRound(start.x() / browser->scale()),
-                                          qRound(start.y() / browser->scale()));
-    if (!taken && browser) {
-      browser->drag().cancel();
+  const auto data = dragDataOf(*own_);
+  postFor(&browser_, TID_UI, [this, data, supported, start] {
+    if (!startAtClient(data, supported, start)) {
+      cancel();
     }
   });
-  const QPointer<OffScreenBrowser> alive(&browser_);
+  // The browser may be closed while the loop runs.
+  const QPointer<OffScreenBrowser> browser(&browser_);
   loop.exec();
-  if (!alive) {
+  if (!browser) {
     return Qt::IgnoreAction;
   }
   loop_ = nullptr;
   own_ = nullptr;
-  postTo(TID_UI, [browser = alive] {
-    if (browser) {
-      browser->input().dragEnded();
-    }
-  });
+  postFor(&browser_, TID_UI, [this] { browser_.input().dragEnded(); });
   return result_;
+}
+
+bool OffScreenDrag::startAtClient(const CefRefPtr<CefDragData>& data, Qt::DropActions supported,
+                                  const QPoint& start) {
+  const auto handler = loop_ ? browser_.handler() : nullptr;
+  return handler && handler->StartDragging(browser_.browser(), data, operationsOf(supported),
+                                           qRound(start.x() / browser_.scale()),
+                                           qRound(start.y() / browser_.scale()));
 }
 
 void OffScreenDrag::endedAt(cef_drag_operations_mask_t operation) {
@@ -178,8 +178,8 @@ void OffScreenDrag::cancel() {
 
 }  // namespace cef_qt
 
-// Takes the place of Qt's own: Chromium in Qt begins the drags of its pages by this operation and
-// offers no other way to see them. Qt's does the same for all drags but those of off-screen pages.
+// Replaces Qt's definition: Qt WebEngine starts the drags of its pages through this function and
+// has no other hook. Drags that do not come from off-screen pages behave as with Qt's definition.
 Qt::DropAction QDrag::exec(Qt::DropActions supportedActions) {
   if (auto* const browser = cef_qt::OffScreenBrowser::of(source())) {
     return browser->drag().run(*this, supportedActions);

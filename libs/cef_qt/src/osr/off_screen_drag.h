@@ -1,4 +1,4 @@
-// Drags of an off-screen browser.
+// Drag and drop of an off-screen browser.
 #pragma once
 
 #include <QMimeData>
@@ -17,8 +17,8 @@ namespace cef_qt {
 
 class OffScreenBrowser;
 
-// As target: passes the client's drag on to the page. As source: has the client run a drag that the
-// page began, while Chromium waits for its end. Ownership: the off-screen browser's. UI thread.
+// As the target, passes the client's drag on to the page. As the source, has the client run a drag
+// that the page began while Chromium waits for its end. Owned by the off-screen browser. UI thread.
 class OffScreenDrag {
  public:
   explicit OffScreenDrag(OffScreenBrowser& browser);
@@ -32,22 +32,24 @@ class OffScreenDrag {
   void leave();
   void drop(const CefMouseEvent& event);
 
-  // The page's drag, until the client reports its end; called inside Chromium, with a loop of its
-  // own that keeps Chromium at work. Gives what was done with it.
+  // Runs a drag of the page until the client reports its end. Called inside Chromium; a nested loop
+  // keeps Chromium running. Returns the action that was taken.
   Qt::DropAction run(const QDrag& drag, Qt::DropActions supported);
   void endedAt(cef_drag_operations_mask_t operation);
   void systemDragEnded();
-  // Whether a drag runs that the page began.
+  // Whether a drag of the page is running.
   bool isRunning() const { return loop_ != nullptr; }
-  // Ends a running drag without a result.
+  // Ends a running drag without an action.
   void cancel();
 
  private:
   void deliver(QEvent& event);
-  void tellOperation(bool accepted, Qt::DropAction action);
+  bool startAtClient(const CefRefPtr<CefDragData>& data, Qt::DropActions supported,
+                     const QPoint& start);
+  void reportOperation(bool accepted, Qt::DropAction action);
 
   OffScreenBrowser& browser_;
-  std::unique_ptr<QMimeData> dragged_;  // over the page; null when nothing is
+  std::unique_ptr<QMimeData> dragged_;  // over the page; null if there is none
   Qt::DropActions allowed_;
   Qt::DropAction result_ = Qt::IgnoreAction;
   QEventLoop* loop_ = nullptr;  // while a drag of the page runs

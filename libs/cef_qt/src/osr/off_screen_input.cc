@@ -13,27 +13,26 @@
 #include <chrono>
 #include <utility>
 
-#include "osr/event_flags_qt.h"
-#include "osr/key_codes.h"
+#include "osr/event_conversion.h"
 #include "osr/off_screen_browser.h"
-#include "threads/threads.h"
+#include "threads/post_for.h"
 
 namespace cef_qt {
 namespace {
 
-OffScreenInput* last = nullptr;
+OffScreenInput* latestInput = nullptr;
 
-// Chromium in Qt scrolls so many pixels for each line of a wheel's step of 120.
-constexpr double kPixelsOfALine = 20;
+// Qt WebEngine scrolls by this distance for each line of a wheel step of 120.
+constexpr double kPixelsPerLine = 20;
 
-// What of a wheel makes Chromium scroll by these pixels.
+// The wheel angle that makes Chromium scroll by this distance in pixels.
 QPoint angleOf(int deltaX, int deltaY) {
-  const double factor = 120 / (kPixelsOfALine * QApplication::wheelScrollLines());
+  const double factor = 120 / (kPixelsPerLine * QApplication::wheelScrollLines());
   return {qRound(deltaX * factor), qRound(deltaY * factor)};
 }
 
-// The item that the page is drawn in; null when there is none. Chromium's own items have no
-// run-time type information, by which the sanitizer would know them.
+// The item that shows the page; null if there is none. Chromium's items have no run-time type
+// information, which the sanitizer would need.
 [[gnu::no_sanitize("vptr")]] QQuickItem* focusItemBelow(const QQuickItem& item) {
   QQuickItem* found = nullptr;
   for (QQuickItem* const child : item.childItems()) {
@@ -45,19 +44,19 @@ QPoint angleOf(int deltaX, int deltaY) {
 }  // namespace
 
 OffScreenInput::~OffScreenInput() {
-  if (last == this) {
-    last = nullptr;
+  if (latestInput == this) {
+    latestInput = nullptr;
   }
 }
 
-OffScreenInput* OffScreenInput::lastUsed() {
-  return last;
+OffScreenInput* OffScreenInput::latest() {
+  return latestInput;
 }
 
-void OffScreenInput::used() {
-  last = this;
-  sendWaitingKey();
-  browser_.watchCursor();
+void OffScreenInput::noteInput() {
+  latestInput = this;
+  sendHeldKey();
+  browser_.cursor().watch();
 }
 
 QPointF OffScreenInput::toView(const CefMouseEvent& event) const {
@@ -82,7 +81,7 @@ std::optional<OffScreenInput::Target> OffScreenInput::targetOf(const CefMouseEve
 
 void OffScreenInput::click(const CefMouseEvent& event, cef_mouse_button_type_t type, bool up,
                            int clickCount) {
-  used();
+  noteInput();
   const auto target = targetOf(event);
   if (!target) {
     return;
@@ -106,8 +105,8 @@ void OffScreenInput::click(const CefMouseEvent& event, cef_mouse_button_type_t t
   QApplication::sendEvent(target->widget, &sent);
 }
 
-// Chromium in Qt counts clicks itself, by the times and places of presses: the time is such that it
-// comes to the client's count. Without times, every press in one place would be one more.
+// Qt WebEngine counts clicks itself by the times and positions of presses. The returned time leads
+// to the client's click count.
 quint64 OffScreenInput::timeOfPress(Qt::MouseButton button, const QPoint& point, int clickCount) {
   const QStyleHints& hints = *QGuiApplication::styleHints();
   const auto interval = static_cast<quint64>(hints.mouseDoubleClickInterval());
@@ -127,13 +126,13 @@ quint64 OffScreenInput::timeOfPress(Qt::MouseButton button, const QPoint& point,
 }
 
 void OffScreenInput::move(const CefMouseEvent& event, bool leaves) {
-  used();
+  noteInput();
   const auto target = targetOf(event);
   if (!target) {
     return;
   }
   if (leaves) {
-    browser_.ignoreCursor();
+    browser_.cursor().stop();
     QEvent sent(QEvent::Leave);
     QApplication::sendEvent(target->widget, &sent);
     return;
@@ -145,7 +144,7 @@ void OffScreenInput::move(const CefMouseEvent& event, bool leaves) {
 
 void OffScreenInput::dragEnded() {
   if (const QPointer<QWidget> target = std::exchange(pressed_, nullptr)) {
-    // The drag's end was the button's, too; Chromium counts presses and releases.
+    // The end of the drag released the button; Chromium counts presses and releases.
     QMouseEvent sent(QEvent::MouseButtonRelease, QPointF(-1, -1),
                      target->mapToGlobal(QPointF(-1, -1)), Qt::LeftButton, Qt::NoButton,
                      Qt::NoModifier);
@@ -154,7 +153,7 @@ void OffScreenInput::dragEnded() {
 }
 
 void OffScreenInput::wheel(const CefMouseEvent& event, int deltaX, int deltaY) {
-  used();
+  noteInput();
   const auto target = targetOf(event);
   if (!target) {
     return;
@@ -168,35 +167,35 @@ void OffScreenInput::wheel(const CefMouseEvent& event, int deltaX, int deltaY) {
 void OffScreenInput::key(const CefKeyEvent& event) {
   switch (event.type) {
     case KEYEVENT_RAWKEYDOWN:
-      used();
-      waitingKey_ = event;
-      postTo(TID_UI, [browser = QPointer<OffScreenBrowser>(&browser_), turn = ++keyTurn_] {
-        if (browser && browser->input().keyTurn_ == turn) {
-          browser->input().sendWaitingKey();
+      noteInput();
+      heldKey_ = event;
+      postFor(&browser_, TID_UI, [this, sequence = ++keySequence_] {
+        if (keySequence_ == sequence) {
+          sendHeldKey();
         }
       });
       break;
     case KEYEVENT_CHAR:
-      if (const auto waiting = std::exchange(waitingKey_, std::nullopt)) {
-        sendKey(*waiting, true, event.character);
+      if (const auto held = std::exchange(heldKey_, std::nullopt)) {
+        sendKey(*held, true, event.character);
       } else {
         sendKey(event, true, event.character);
       }
       break;
     case KEYEVENT_KEYDOWN:
-      used();
+      noteInput();
       sendKey(event, true, event.character);
       break;
     case KEYEVENT_KEYUP:
-      used();
+      noteInput();
       sendKey(event, false, event.character);
       break;
   }
 }
 
-void OffScreenInput::sendWaitingKey() {
-  if (const auto waiting = std::exchange(waitingKey_, std::nullopt)) {
-    sendKey(*waiting, true, 0);
+void OffScreenInput::sendHeldKey() {
+  if (const auto held = std::exchange(heldKey_, std::nullopt)) {
+    sendKey(*held, true, 0);
   }
 }
 
@@ -219,10 +218,10 @@ void OffScreenInput::setFocus(bool focus) {
     return;
   }
   if (focus) {
-    last = this;
+    latestInput = this;
   }
-  // Qt hands it on to the page's item only while no other window of the application has the focus,
-  // and the client's view has.
+  // Qt passes the focus on to the page's item only while no other window of the application has it,
+  // but the client's view has it.
   const QPointer<QObject> item = focusItemBelow(*target->quickWindow()->contentItem());
   const auto send = [focus](QObject* receiver) {
     QFocusEvent sent(focus ? QEvent::FocusIn : QEvent::FocusOut, Qt::OtherFocusReason);

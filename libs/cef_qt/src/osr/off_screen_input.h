@@ -1,4 +1,4 @@
-// Input of an off-screen browser.
+// Mouse and key input of an off-screen browser.
 #pragma once
 
 #include <QPointF>
@@ -14,8 +14,8 @@ namespace cef_qt {
 
 class OffScreenBrowser;
 
-// Turns the framework's events into Qt's, for the page or its open pop-up. Points are the client's
-// view points. Ownership: the off-screen browser's. UI thread.
+// Sends the framework's events as Qt events to the page or its open pop-up. Coordinates are view
+// points of the client. Owned by the off-screen browser. UI thread.
 class OffScreenInput {
  public:
   explicit OffScreenInput(OffScreenBrowser& browser) : browser_(browser) {}
@@ -23,24 +23,25 @@ class OffScreenInput {
   OffScreenInput(const OffScreenInput&) = delete;
   OffScreenInput& operator=(const OffScreenInput&) = delete;
 
-  // The input that had the latest event; null when that is gone.
-  static OffScreenInput* lastUsed();
+  // The object that received the latest event; null once it is destroyed.
+  static OffScreenInput* latest();
 
   void click(const CefMouseEvent& event, cef_mouse_button_type_t type, bool up, int clickCount);
   void move(const CefMouseEvent& event, bool leaves);
   void wheel(const CefMouseEvent& event, int deltaX, int deltaY);
-  // A RAWKEYDOWN waits for its CHAR, which comes in the same turn, as Qt has one event for both.
+  // Qt has one event for a RAWKEYDOWN and its CHAR, so a RAWKEYDOWN is held back until the CHAR or
+  // the next task.
   void key(const CefKeyEvent& event);
   void setFocus(bool focus);
 
-  // A drag that the page began is over: the button that began it is up.
+  // Releases the button with which a drag of the page began.
   void dragEnded();
 
-  // The point in the hidden view.
+  // Converts to pixels of the view.
   QPointF toView(const CefMouseEvent& event) const;
 
-  // A press is held back for its character; what must not come before it asks for it.
-  void sendWaitingKey();
+  // Sends a key press that is held back. To be called before events that must follow it.
+  void sendHeldKey();
 
  private:
   struct Target {
@@ -48,7 +49,7 @@ class OffScreenInput {
     QPointF local;
     QPointF global;
   };
-  // The latest press, as Chromium in Qt knows it.
+  // The latest press as Qt WebEngine saw it.
   struct Press {
     Qt::MouseButton button = Qt::NoButton;
     QPoint point;
@@ -57,12 +58,12 @@ class OffScreenInput {
   quint64 timeOfPress(Qt::MouseButton button, const QPoint& point, int clickCount);
   std::optional<Target> targetOf(const CefMouseEvent& event);
   void sendKey(const CefKeyEvent& event, bool press, char16_t character);
-  void used();
+  void noteInput();
 
   OffScreenBrowser& browser_;
-  std::optional<CefKeyEvent> waitingKey_;
-  unsigned int keyTurn_ = 0;
-  // Where the button went down gets the moves and the release.
+  std::optional<CefKeyEvent> heldKey_;
+  unsigned int keySequence_ = 0;
+  // The widget with the pressed button; it also receives the moves and the release.
   QPointer<QWidget> pressed_;
   Press lastPress_;
 };

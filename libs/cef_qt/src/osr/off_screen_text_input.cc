@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QInputMethod>
 #include <QInputMethodEvent>
-#include <QPointer>
 #include <QQuickWidget>
 #include <QTextCharFormat>
 #include <algorithm>
@@ -13,7 +12,7 @@
 #include "base/qt_text.h"
 #include "include/cef_render_handler.h"
 #include "osr/off_screen_browser.h"
-#include "threads/threads.h"
+#include "threads/post_for.h"
 
 namespace cef_qt {
 namespace {
@@ -44,18 +43,18 @@ CefRect scaledDown(const QRectF& rect, double scale) {
 }
 
 TextInputState stateOf(QWidget& page, double scale) {
-  // As in an ordinary window: none for passwords.
+  // Password fields have no input methods, as in an ordinary window.
   if (!page.testAttribute(Qt::WA_InputMethodEnabled)) {
     return {};
   }
-  QInputMethodQueryEvent asked(kQueries);
-  QApplication::sendEvent(&page, &asked);
-  const uint32_t cursor = asked.value(Qt::ImCursorPosition).toUInt();
-  const uint32_t anchor = asked.value(Qt::ImAnchorPosition).toUInt();
+  QInputMethodQueryEvent query(kQueries);
+  QApplication::sendEvent(&page, &query);
+  const uint32_t cursor = query.value(Qt::ImCursorPosition).toUInt();
+  const uint32_t anchor = query.value(Qt::ImAnchorPosition).toUInt();
   const CefRange selection(std::min(cursor, anchor), std::max(cursor, anchor));
-  return {modeOf(Qt::InputMethodHints(asked.value(Qt::ImHints).toInt())),
-          scaledDown(asked.value(Qt::ImCursorRectangle).toRectF(), scale),
-          asked.value(Qt::ImCurrentSelection).toString(), selection};
+  return {modeOf(Qt::InputMethodHints(query.value(Qt::ImHints).toInt())),
+          scaledDown(query.value(Qt::ImCursorRectangle).toRectF(), scale),
+          query.value(Qt::ImCurrentSelection).toString(), selection};
 }
 
 bool isNone(const CefRange& range) {
@@ -82,7 +81,7 @@ QTextCharFormat formatOf(const CefCompositionUnderline& underline) {
 }  // namespace
 
 OffScreenTextInput::OffScreenTextInput(OffScreenBrowser& browser) : browser_(browser) {
-  // Chromium in Qt says by this that the caret may have moved.
+  // Qt WebEngine emits this signal when the caret may have moved.
   connect(QGuiApplication::inputMethod(), &QInputMethod::cursorRectangleChanged, this,
           &OffScreenTextInput::reportSoon);
 }
@@ -99,7 +98,7 @@ void OffScreenTextInput::compose(const QString& text,
     attributes.append({QInputMethodEvent::TextFormat, static_cast<int>(underline.range.from),
                        lengthOf(underline.range), formatOf(underline)});
   }
-  // Qt has a caret there, not a selection.
+  // Qt supports a caret here, not a selection.
   attributes.append({QInputMethodEvent::Cursor, static_cast<int>(selection.to), 1, QVariant()});
   QInputMethodEvent event(text, attributes);
   if (!isNone(replaced)) {
@@ -111,7 +110,7 @@ void OffScreenTextInput::compose(const QString& text,
 
 void OffScreenTextInput::commit(const QString& text, const CefRange& replaced) {
   QInputMethodEvent event;
-  // Chromium in Qt takes a start that is not negative as one in the field's text.
+  // Qt WebEngine takes a non-negative start as a position in the field's text.
   event.setCommitString(text, isNone(replaced) ? 0 : static_cast<int>(replaced.from),
                         isNone(replaced) ? 0 : lengthOf(replaced));
   composed_.clear();
@@ -129,30 +128,28 @@ void OffScreenTextInput::cancel() {
   if (std::exchange(composed_, QString()).isEmpty()) {
     return;
   }
-  // Chromium in Qt puts the first one off, as a text may follow, and acts on the second.
-  for (int turn = 0; turn < 2; ++turn) {
+  // Qt WebEngine defers the first empty event, because a text may follow, and acts on the second.
+  for (int i = 0; i < 2; ++i) {
     QInputMethodEvent event;
     send(event);
   }
 }
 
 void OffScreenTextInput::send(QInputMethodEvent& event) {
-  browser_.input().sendWaitingKey();
+  browser_.input().sendHeldKey();
   if (QWidget* const page = browser_.page()) {
     QApplication::sendEvent(page, &event);
   }
 }
 
-// Out of Chromium's callback.
+// From a task, out of Chromium's callback.
 void OffScreenTextInput::reportSoon() {
-  if (std::exchange(isReportDue_, true)) {
+  if (std::exchange(isReportScheduled_, true)) {
     return;
   }
-  postTo(TID_UI, [self = QPointer<OffScreenTextInput>(this)] {
-    if (self) {
-      self->isReportDue_ = false;
-      self->report();
-    }
+  postFor(this, TID_UI, [this] {
+    isReportScheduled_ = false;
+    report();
   });
 }
 
@@ -164,7 +161,7 @@ void OffScreenTextInput::report() {
   }
   const CefRefPtr<CefBrowser> browser(browser_.browser());
   const TextInputState now = stateOf(*page, browser_.scale());
-  const TextInputState before = std::exchange(told_, now);
+  const TextInputState before = std::exchange(reported_, now);
   if (now.selected != before.selected || !(now.selection == before.selection)) {
     handler->OnTextSelectionChanged(browser, fromQt(now.selected), now.selection);
   }

@@ -1,4 +1,4 @@
-// Text of input methods for an off-screen browser.
+// Input methods of an off-screen browser.
 #pragma once
 
 #include <QObject>
@@ -13,7 +13,7 @@ namespace cef_qt {
 
 class OffScreenBrowser;
 
-// What an input method has to know of the focused field; in view points of the client.
+// The state of the focused field, in view points of the client.
 struct TextInputState {
   cef_text_input_mode_t mode = CEF_TEXT_INPUT_MODE_NONE;
   CefRect caret;
@@ -21,23 +21,23 @@ struct TextInputState {
   CefRange selection;
 };
 
-// Hands the client's compositions to the page, and tells the client of the field that has the
-// focus. Qt knows the caret's place, not the characters': that is what the client is told.
-// Ownership: the off-screen browser's. UI thread.
+// Passes the client's compositions to the page and reports the focused field to the client. Qt
+// knows the position of the caret but not of each character, so only the caret is reported. Owned
+// by the off-screen browser. UI thread.
 class OffScreenTextInput final : public QObject {
   Q_OBJECT
 
  public:
   explicit OffScreenTextInput(OffScreenBrowser& browser);
 
-  // Ranges count UTF-16 units; a range to be replaced counts in the field's text.
+  // Ranges are in UTF-16 code units; `replaced` is a range of the field's text.
   void compose(const QString& text, const std::vector<CefCompositionUnderline>& underlines,
                const CefRange& replaced, const CefRange& selection);
   void commit(const QString& text, const CefRange& replaced);
   void finish();
   void cancel();
 
-  // Tells the client what has changed since it was told last.
+  // Reports changes since the last report.
   void report();
 
  private:
@@ -45,9 +45,9 @@ class OffScreenTextInput final : public QObject {
   void send(QInputMethodEvent& event);
 
   OffScreenBrowser& browser_;
-  QString composed_;  // what the page shows unfinished
-  TextInputState told_;
-  bool isReportDue_ = false;
+  QString composed_;  // the unfinished composition
+  TextInputState reported_;
+  bool isReportScheduled_ = false;
 };
 
 }  // namespace cef_qt

@@ -7,7 +7,7 @@ namespace cef_qt {
 
 PaintedWidget::PaintedWidget(QQuickWidget* widget, int framesPerSecond, Painted painted)
     : widget_(widget),
-      exists_(widget),
+      guard_(widget),
       frameMs_(1000 / framesPerSecond),
       painted_(std::move(painted)) {
   timer_.setSingleShot(true);
@@ -18,16 +18,17 @@ PaintedWidget::PaintedWidget(QQuickWidget* widget, int framesPerSecond, Painted 
 }
 
 void PaintedWidget::schedule() {
-  if (taking_ || timer_.isActive()) {
+  if (capturing_ || timer_.isActive()) {
     return;
   }
-  const int passed = sinceLast_.isValid() ? static_cast<int>(sinceLast_.elapsed()) : frameMs_;
+  const int passed =
+      sinceLastFrame_.isValid() ? static_cast<int>(sinceLastFrame_.elapsed()) : frameMs_;
   timer_.start(std::clamp(frameMs_ - passed, 0, frameMs_));
 }
 
 void PaintedWidget::paint() {
-  sinceLast_.start();
-  if (takeFrame() && frame_.accept()) {
+  sinceLastFrame_.start();
+  if (captureFrame() && frame_.accept()) {
     painted_(frame_);
   }
 }
@@ -40,17 +41,17 @@ void PaintedWidget::paintAll() {
   painted_(frame_);
 }
 
-bool PaintedWidget::takeFrame() {
-  if (!exists_ || widget_->size().isEmpty() || !widget_->isVisible()) {
+bool PaintedWidget::captureFrame() {
+  if (!guard_ || widget_->size().isEmpty() || !widget_->isVisible()) {
     return false;
   }
   const qreal ratio = widget_->devicePixelRatioF();
   QImage& target = frame_.next(widget_->size() * ratio);
   target.setDevicePixelRatio(ratio);
-  taking_ = true;
-  // What the widget shows already is copied; the page is not drawn once more.
+  capturing_ = true;
+  // Copies the rendered contents; the page is not drawn again.
   widget_->render(&target, QPoint(), QRegion(), QWidget::RenderFlags());
-  taking_ = false;
+  capturing_ = false;
   return true;
 }
 

@@ -1,4 +1,4 @@
-// The frames of one widget that a page is drawn in.
+// The frames of a widget that shows a page or a pop-up.
 #pragma once
 
 #include <QElapsedTimer>
@@ -11,8 +11,8 @@
 
 namespace cef_qt {
 
-// Watches a widget, and hands on every frame in which something is new, at most so often a second.
-// UI thread; the functions are called from tasks of the loop or inside paintAll.
+// Calls `painted` for every frame that differs from the one before, at most `framesPerSecond` times
+// a second, from a timer or inside paintAll(). UI thread.
 class PaintedWidget final : public QObject {
   Q_OBJECT
 
@@ -21,26 +21,25 @@ class PaintedWidget final : public QObject {
 
   PaintedWidget(QQuickWidget* widget, int framesPerSecond, Painted painted);
 
-  // Null when it is gone. While it is being destroyed, only its address means anything.
-  QQuickWidget* widget() const { return exists_ ? widget_ : nullptr; }
-  // Hands on the whole of the latest frame at once; nothing when there is none yet.
+  // Null once destroyed. During its destruction only the address may be used.
+  QQuickWidget* widget() const { return guard_ ? widget_ : nullptr; }
+  // Calls `painted` with the whole latest frame, if there is one.
   void paintAll();
 
  private:
-  // A frame was drawn; it is taken soon.
   void schedule();
   void paint();
-  bool takeFrame();
+  bool captureFrame();
 
   QQuickWidget* const widget_;
-  // Not of the widget's own type, which it has lost by the time that its destruction is told.
-  const QPointer<QObject> exists_;
+  // Of type QObject, because the widget is no more than that when destroyed() is emitted.
+  const QPointer<QObject> guard_;
   const int frameMs_;
   const Painted painted_;
   FrameBuffer frame_;
   QTimer timer_;
-  QElapsedTimer sinceLast_;
-  bool taking_ = false;
+  QElapsedTimer sinceLastFrame_;
+  bool capturing_ = false;
 };
 
 }  // namespace cef_qt

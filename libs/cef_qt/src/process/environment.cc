@@ -14,7 +14,7 @@ bool hasGraphicsDevice() {
               .isEmpty();
 }
 
-// Frames that are handed over must be in memory: from a device they would have to be read back.
+// Off-screen frames are needed in memory; a graphics device would have to be read back.
 bool drawsInSoftware(const Options& options) {
   return options.offScreen || !hasGraphicsDevice();
 }
@@ -25,7 +25,7 @@ void setUnlessSet(const char* name, const QByteArray& value) {
   }
 }
 
-// Chromium makes no connections but those of the pages.
+// Switches off Chromium's own connections.
 const QStringList& quietSwitches() {
   static const QStringList kSwitches{QStringLiteral("--disable-background-networking"),
                                      QStringLiteral("--disable-component-update"),
@@ -67,7 +67,7 @@ bool runsWithoutSandbox(const Options& options) {
 }
 
 void prepareEnvironment(const Options& options, const QStringList& addedSwitches) {
-  // With GLib's event loop, loops of modal dialogs stop Chromium's work about every second time.
+  // With GLib's event loop, the nested loops of modal dialogs often stop Chromium.
   setUnlessSet("QT_NO_GLIB", "1");
   if (drawsInSoftware(options)) {
     setUnlessSet("QT_QUICK_BACKEND", "software");

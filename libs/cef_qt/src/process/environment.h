@@ -1,4 +1,4 @@
-// What Qt and Chromium read from the environment.
+// The environment variables that Qt and Chromium read.
 #pragma once
 
 #include <QStringList>
@@ -7,15 +7,15 @@
 
 namespace cef_qt {
 
-// Sets the environment of this process before the QApplication is made: Chromium's switches, the
-// sub-process executable, the sandbox, and software drawing on machines without a graphics device.
-// What the user has set keeps its effect. `addedSwitches` are the application's.
+// Sets the environment of this process before the QApplication is created: Chromium's switches with
+// those that the application added, the sub-process executable, the sandbox, and software rendering
+// on machines without a graphics device. Variables that the user has set keep their effect.
 void prepareEnvironment(const Options& options, const QStringList& addedSwitches);
 
 // Whether Chromium runs without its sandbox.
 bool runsWithoutSandbox(const Options& options);
 
-// Names the executable that serves Chromium's processes; set for our own sub-process executable.
+// Passes the path of Qt's own sub-process executable to the one in CefSettings.
 inline constexpr char kRealProcessVariable[] = "CEF_QT_WEBENGINE_PROCESS";
 
 }  // namespace cef_qt

@@ -1,9 +1,7 @@
-#include "process/framework.h"
-
 #include <QApplication>
-#include <QLoggingCategory>
 #include <QStringList>
 #include <atomic>
+#include <cstdio>
 #include <memory>
 #include <vector>
 
@@ -16,8 +14,9 @@
 #include "browser/dialog_scheme.h"
 #include "browser/profile.h"
 #include "browser/render_side.h"
+#include "include/cef_app.h"
 #include "osr/off_screen_browser_host.h"
-#include "process/display.h"
+#include "process/application.h"
 #include "process/environment.h"
 #include "process/instance_lock.h"
 #include "threads/threads.h"
@@ -26,14 +25,10 @@
 namespace cef_qt {
 namespace {
 
-// What a running framework consists of, in the order of its making.
+// The parts of a running framework, in the order of their creation.
 struct Running {
   std::unique_ptr<InstanceLock> lock;
-  // The QApplication keeps pointers to its arguments.
-  std::vector<QByteArray> words;
-  std::vector<char*> argv;
-  int argc = 0;
-  std::unique_ptr<QApplication> application;
+  std::unique_ptr<Application> application;
   std::shared_ptr<UiTaskRunner> uiTasks;
 };
 
@@ -59,7 +54,7 @@ CefRefPtr<CommandLine> commandLineOf(const CefMainArgs& args) {
   return line;
 }
 
-// Lets the application add Chromium's switches; gives those that it added.
+// Lets the application add Chromium's switches and returns the added ones.
 QStringList switchesAddedBy(const CefRefPtr<CefApp>& app, const CefRefPtr<CommandLine>& line) {
   std::vector<CefString> before;
   line->GetArgv(before);
@@ -76,22 +71,6 @@ QStringList switchesAddedBy(const CefRefPtr<CefApp>& app, const CefRefPtr<Comman
     }
   }
   return added;
-}
-
-void makeApplication(Running& running, const CefMainArgs& args) {
-  for (int i = 0; i < args.argc; ++i) {
-    running.words.emplace_back(args.argv[i]);
-  }
-  for (QByteArray& word : running.words) {
-    running.argv.push_back(word.data());
-  }
-  running.argc = static_cast<int>(running.argv.size());
-  running.argv.push_back(nullptr);
-  const DisplayGuard guard;
-  running.application = std::make_unique<QApplication>(running.argc, running.argv.data());
-  QApplication::setQuitOnLastWindowClosed(false);
-  // A page of set-up details at every start; QT_LOGGING_RULES brings them back.
-  QLoggingCategory::setFilterRules(QStringLiteral("qt.webenginecontext=false"));
 }
 
 void logSetUp(const Options& options) {
@@ -128,7 +107,8 @@ void relaunched(const InstanceLock::Relaunch& relaunch) {
   handler->OnAlreadyRunningAppRelaunch(line, relaunch.directory);
 }
 
-// Takes the instance's lock, or tells the process that has it. False when there is another.
+// Takes the instance lock, or notifies the process that holds it. False if another process holds
+// it.
 bool becomeInstance(Running& running, const Options& options, const CefMainArgs& args) {
   if (options.rootCachePath.isEmpty()) {
     return true;
@@ -142,15 +122,12 @@ bool becomeInstance(Running& running, const Options& options, const CefMainArgs&
   return outcome != InstanceLock::Outcome::kOtherNotified;
 }
 
-}  // namespace
-
-bool Framework::start(const CefMainArgs& args, const CefSettings& settings,
-                      const CefRefPtr<CefApp>& app) {
+bool start(const CefMainArgs& args, const CefSettings& settings, const CefRefPtr<CefApp>& app) {
   if (state().wasStarted) {
     std::fprintf(stderr, "The browser framework can be started once in a process.\n");
     return fail();
   }
-  if (asksForUnservedLoop(settings)) {
+  if (requestsUnsupportedLoop(settings)) {
     return fail();
   }
   const Options options = readOptions(settings);
@@ -159,7 +136,7 @@ bool Framework::start(const CefMainArgs& args, const CefSettings& settings,
     state().exitCode = CEF_RESULT_CODE_NORMAL_EXIT_PROCESS_NOTIFIED;
     return false;
   }
-  if (!namesDisplay()) {
+  if (!hasDisplay()) {
     std::fprintf(stderr,
                  "There is no display to show windows on: neither DISPLAY nor WAYLAND_DISPLAY is "
                  "set.\n");
@@ -179,7 +156,7 @@ bool Framework::start(const CefMainArgs& args, const CefSettings& settings,
     app->OnRegisterCustomSchemes(&registrar);
   }
   DialogScheme::registerScheme();
-  makeApplication(*running, args);
+  running->application = std::make_unique<Application>(args);
   BrowserLog::instance().open(options.logFile, options.logSeverity);
   logSetUp(options);
   Profile::create(options);
@@ -191,33 +168,39 @@ bool Framework::start(const CefMainArgs& args, const CefSettings& settings,
   return true;
 }
 
-int Framework::exitCode() {
-  return state().exitCode;
+}  // namespace
+}  // namespace cef_qt
+
+bool CefInitialize(const CefMainArgs& args, const CefSettings& settings,
+                   CefRefPtr<CefApp> application, void* /*windows_sandbox_info*/) {
+  return cef_qt::start(args, settings, application);
 }
 
-void Framework::run() {
-  if (state().running) {
+int CefGetExitCode() {
+  return cef_qt::state().exitCode;
+}
+
+void CefRunMessageLoop() {
+  if (cef_qt::state().running) {
     QApplication::exec();
   }
 }
 
-void Framework::quit() {
-  if (state().running) {
-    // Not quit(), which asks all windows first and gives up when one refuses.
+void CefQuitMessageLoop() {
+  if (cef_qt::state().running) {
+    // quit() would ask all windows first and give up if one refused.
     QApplication::exit();
   }
 }
 
-void Framework::stop() {
-  if (!state().running) {
+void CefShutdown() {
+  if (!cef_qt::state().running) {
     return;
   }
-  BrowserList::instance().destroyAll();
-  Threads::instance().stop();
-  FrameworkState::set(nullptr, nullptr);
-  Profile::destroy();
-  state().running.reset();
-  BrowserLog::instance().close();
+  cef_qt::BrowserList::instance().destroyAll();
+  cef_qt::Threads::instance().stop();
+  cef_qt::FrameworkState::set(nullptr, nullptr);
+  cef_qt::Profile::destroy();
+  cef_qt::state().running.reset();
+  cef_qt::BrowserLog::instance().close();
 }
-
-}  // namespace cef_qt

@@ -21,11 +21,11 @@ namespace {
 
 constexpr char kLockName[] = "instance.lock";
 constexpr char kSocketName[] = "instance.socket";
-constexpr std::size_t kLargestMessage = 4 << 20;
-constexpr timeval kPatience{5, 0};
-constexpr auto kLongestWait = std::chrono::seconds(10);
+constexpr std::size_t kMaxMessageSize = 4 << 20;
+constexpr timeval kSocketTimeout{5, 0};
+constexpr auto kLockTimeout = std::chrono::seconds(10);
 
-// A socket's address by way of the open folder: its path may be longer than an address can be.
+// The socket's address through the open folder, because its path may be too long for an address.
 sockaddr_un addressIn(int folderFd) {
   sockaddr_un address{};
   address.sun_family = AF_UNIX;
@@ -34,9 +34,9 @@ sockaddr_un addressIn(int folderFd) {
   return address;
 }
 
-void limitWaiting(int fd) {
-  setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &kPatience, sizeof kPatience);
-  setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &kPatience, sizeof kPatience);
+void setTimeouts(int fd) {
+  setsockopt(fd, SOL_SOCKET, SO_RCVTIMEO, &kSocketTimeout, sizeof kSocketTimeout);
+  setsockopt(fd, SOL_SOCKET, SO_SNDTIMEO, &kSocketTimeout, sizeof kSocketTimeout);
 }
 
 bool sendAll(int fd, const std::string& text) {
@@ -51,7 +51,7 @@ bool sendAll(int fd, const std::string& text) {
   return true;
 }
 
-// The words of a message: directory, then the arguments, each ended by NUL.
+// A message is the directory and the arguments, each with a terminating NUL.
 std::string encode(const InstanceLock::Relaunch& relaunch) {
   std::string text = relaunch.directory + '\0';
   for (const std::string& word : relaunch.argv) {
@@ -112,9 +112,8 @@ InstanceLock::Outcome InstanceLock::acquire(const Relaunch& self,
                  std::generic_category().message(errno).c_str());
     return Outcome::kUnlocked;
   }
-  // The holder may be starting or ending just now: its socket is not there, its lock soon is or
-  // soon is not.
-  const auto limit = std::chrono::steady_clock::now() + kLongestWait;
+  // A holder that is starting or exiting has the lock but no socket.
+  const auto deadline = std::chrono::steady_clock::now() + kLockTimeout;
   do {
     if (tryLock()) {
       listen();
@@ -124,7 +123,7 @@ InstanceLock::Outcome InstanceLock::acquire(const Relaunch& self,
       return Outcome::kOtherNotified;
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  } while (std::chrono::steady_clock::now() < limit);
+  } while (std::chrono::steady_clock::now() < deadline);
   std::fprintf(stderr, "%s is used by another process that does not answer.\n", folder_.c_str());
   return Outcome::kOtherNotified;
 }
@@ -164,11 +163,11 @@ void InstanceLock::serve() {
 }
 
 void InstanceLock::receive(int connection) const {
-  limitWaiting(connection);
+  setTimeouts(connection);
   std::string text;
   std::array<char, 4096> buffer;
   ssize_t length = 0;
-  while (text.size() < kLargestMessage &&
+  while (text.size() < kMaxMessageSize &&
          (length = recv(connection, buffer.data(), buffer.size(), 0)) > 0) {
     text.append(buffer.data(), static_cast<std::size_t>(length));
   }
@@ -184,14 +183,14 @@ bool InstanceLock::notifyHolder(const Relaunch& self) const {
   if (fd < 0) {
     return false;
   }
-  limitWaiting(fd);
+  setTimeouts(fd);
   const sockaddr_un address = addressIn(folderFd_);
-  char answer = 0;
-  const bool told = connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
-                    sendAll(fd, encode(self)) && shutdown(fd, SHUT_WR) == 0 &&
-                    recv(fd, &answer, 1, 0) == 1;
+  char reply = 0;
+  const bool notified =
+      connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
+      sendAll(fd, encode(self)) && shutdown(fd, SHUT_WR) == 0 && recv(fd, &reply, 1, 0) == 1;
   close(fd);
-  return told;
+  return notified;
 }
 
 }  // namespace cef_qt

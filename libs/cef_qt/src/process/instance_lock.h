@@ -1,4 +1,4 @@
-// One process for a root cache path.
+// The lock that allows one process for each root cache path.
 #pragma once
 
 #include <functional>
@@ -10,8 +10,8 @@ namespace cef_qt {
 
 std::string currentDirectory();
 
-// Holds a lock on a file in the folder, which the system drops when the process ends, however it
-// ends, and listens on a socket beside it for processes that were started later.
+// Locks a file in the folder and listens on a socket beside it for later processes. The system
+// releases the lock when the process ends, also after a crash.
 class InstanceLock {
  public:
   struct Relaunch {
@@ -20,8 +20,8 @@ class InstanceLock {
   };
   enum class Outcome {
     kAcquired,
-    kOtherNotified,  // another process holds the lock and knows of this one
-    kUnlocked        // there can be no lock here; reported on standard error
+    kOtherNotified,  // another process holds the lock and was notified
+    kUnlocked        // locking failed; reported on standard error
   };
 
   explicit InstanceLock(std::string folder) : folder_(std::move(folder)) {}
@@ -29,8 +29,8 @@ class InstanceLock {
   InstanceLock(const InstanceLock&) = delete;
   InstanceLock& operator=(const InstanceLock&) = delete;
 
-  // Takes the lock, or tells its holder of this process. `onRelaunch` is called on a thread of the
-  // lock's own, from then on until the destruction.
+  // Takes the lock, or notifies its holder of this process. Blocks up to ten seconds if the holder
+  // does not respond. `onRelaunch` is called on the lock's own thread until the destruction.
   Outcome acquire(const Relaunch& self, std::function<void(const Relaunch&)> onRelaunch);
 
  private:

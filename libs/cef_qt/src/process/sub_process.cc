@@ -37,7 +37,7 @@ int CefExecuteProcess(const CefMainArgs& args, CefRefPtr<CefApp> /*application*/
   if (!isSubProcess(args)) {
     return -1;
   }
-  // Qt's own executable takes this process over; its exit code becomes ours.
+  // Qt's executable replaces this process and sets its exit code.
   const QByteArray program = webEngineProcess();
   execv(program.constData(), args.argv);
   std::fprintf(stderr, "%s cannot be run: %s\n", program.constData(),

@@ -14,7 +14,7 @@ namespace {
 
 class BrowserSide;
 
-// One query's answer, from any thread, to a router that may have forgotten the query.
+// Responds to one query from any thread. Without effect once the router has dropped the query.
 class QueryCallback final : public CefMessageRouterBrowserSideCallback {
  public:
   QueryCallback(CefRefPtr<BrowserSide> router, int64_t query, bool persistent)
@@ -25,7 +25,7 @@ class QueryCallback final : public CefMessageRouterBrowserSideCallback {
   void Failure(int error_code, const CefString& error_message) override;
 
  private:
-  void answer(AnswerMessage message, bool last);
+  void respond(ResponseMessage message, bool last);
 
   const CefRefPtr<BrowserSide> router_;
   const int64_t query_;
@@ -60,32 +60,33 @@ class BrowserSide final : public CefMessageRouterBrowserSide {
                                 CefProcessId source_process,
                                 CefRefPtr<CefProcessMessage> message) override;
 
-  // A callback's answer; `last` ends the query. UI thread.
-  void answer(int64_t query, AnswerMessage message, bool last);
+  // Sends a response; `last` ends the query. UI thread.
+  void respond(int64_t query, ResponseMessage message, bool last);
 
  private:
-  // Browser, context and query as the render side counts them.
+  // The ids of browser, context and query on the render side.
   using PageKey = std::tuple<int, int, int>;
   struct Query {
     PageKey key;
-    Handler* handler = nullptr;  // null until one took it
+    Handler* handler = nullptr;  // null until a handler accepts the query
     CefRefPtr<CefBrowser> browser;
     CefRefPtr<CefFrame> frame;
   };
 
   void startQuery(const CefRefPtr<CefBrowser>& browser, const CefRefPtr<CefFrame>& frame,
                   const QueryMessage& message);
-  // The handler that takes the query; null when none does.
+  // Returns the handler that accepts the query, or null.
   Handler* offer(int64_t id, const CefRefPtr<CefBrowser>& browser, const CefRefPtr<CefFrame>& frame,
                  const QueryMessage& message);
-  // Takes a query out of the pending ones; false when it is not there.
+  // Moves a pending query out. False if it is no longer pending.
   bool take(int64_t id, Query& query);
   void cancelFromPage(const PageKey& key);
-  void cancelMatching(const CefRefPtr<CefBrowser>& browser, const Handler* handler, bool tellPage);
+  void cancelMatching(const CefRefPtr<CefBrowser>& browser, const Handler* handler,
+                      bool notifyPage);
   static bool matches(const Query& query, const CefRefPtr<CefBrowser>& browser,
                       const Handler* handler);
   void sendFailure(const Query& query);
-  void sendAnswer(const Query& query, AnswerMessage message);
+  void sendResponse(const Query& query, ResponseMessage message);
 
   const CefString messageName_;
   std::vector<Handler*> handlers_;
@@ -96,28 +97,28 @@ class BrowserSide final : public CefMessageRouterBrowserSide {
 
 QueryCallback::~QueryCallback() {
   if (!ended_) {
-    answer({0, 0, false, kCanceledCode, kCanceledText}, true);
+    respond({0, 0, false, kCanceledCode, kCanceledText}, true);
   }
 }
 
 void QueryCallback::Success(const CefString& response) {
-  answer({0, 0, true, 0, response}, !persistent_);
+  respond({0, 0, true, 0, response}, !persistent_);
 }
 
 void QueryCallback::Failure(int error_code, const CefString& error_message) {
-  answer({0, 0, false, error_code, error_message}, true);
+  respond({0, 0, false, error_code, error_message}, true);
 }
 
-void QueryCallback::answer(AnswerMessage message, bool last) {
+void QueryCallback::respond(ResponseMessage message, bool last) {
   if (last ? ended_.exchange(true) : ended_.load()) {
     return;
   }
   if (CefCurrentlyOn(TID_UI)) {
-    router_->answer(query_, std::move(message), last);
+    router_->respond(query_, std::move(message), last);
     return;
   }
   postTo(TID_UI, [router = router_, query = query_, message = std::move(message), last] {
-    router->answer(query, message, last);
+    router->respond(query, message, last);
   });
 }
 
@@ -195,7 +196,7 @@ BrowserSide::Handler* BrowserSide::offer(int64_t id, const CefRefPtr<CefBrowser>
       new QueryCallback(self, id, message.persistent);
   const std::vector<Handler*> handlers = handlers_;
   for (Handler* handler : handlers) {
-    // An earlier handler may have removed it.
+    // An earlier handler may have removed this one.
     if (std::find(handlers_.begin(), handlers_.end(), handler) == handlers_.end()) {
       continue;
     }
@@ -230,7 +231,7 @@ void BrowserSide::cancelFromPage(const PageKey& key) {
 }
 
 void BrowserSide::cancelMatching(const CefRefPtr<CefBrowser>& browser, const Handler* handler,
-                                 bool tellPage) {
+                                 bool notifyPage) {
   CEF_REQUIRE_UI_THREAD();
   const CefRefPtr<BrowserSide> self(this);
   std::vector<int64_t> ids;
@@ -244,7 +245,7 @@ void BrowserSide::cancelMatching(const CefRefPtr<CefBrowser>& browser, const Han
     if (!take(id, query)) {
       continue;
     }
-    if (tellPage) {
+    if (notifyPage) {
       sendFailure(query);
     }
     if (query.handler) {
@@ -253,25 +254,25 @@ void BrowserSide::cancelMatching(const CefRefPtr<CefBrowser>& browser, const Han
   }
 }
 
-void BrowserSide::answer(int64_t query, AnswerMessage message, bool last) {
+void BrowserSide::respond(int64_t query, ResponseMessage message, bool last) {
   if (last) {
     Query ended;
     if (take(query, ended)) {
-      sendAnswer(ended, std::move(message));
+      sendResponse(ended, std::move(message));
     }
     return;
   }
   const auto found = pending_.find(query);
   if (found != pending_.end()) {
-    sendAnswer(found->second, std::move(message));
+    sendResponse(found->second, std::move(message));
   }
 }
 
 void BrowserSide::sendFailure(const Query& query) {
-  sendAnswer(query, {0, 0, false, kCanceledCode, kCanceledText});
+  sendResponse(query, {0, 0, false, kCanceledCode, kCanceledText});
 }
 
-void BrowserSide::sendAnswer(const Query& query, AnswerMessage message) {
+void BrowserSide::sendResponse(const Query& query, ResponseMessage message) {
   message.context = std::get<1>(query.key);
   message.query = std::get<2>(query.key);
   query.frame->SendProcessMessage(PID_RENDERER, message.make(messageName_));

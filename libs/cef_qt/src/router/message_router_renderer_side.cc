@@ -8,8 +8,8 @@
 namespace cef_qt {
 namespace {
 
-// Sends the queries of the documents it is installed in to the browser side, and hands the answers
-// to the documents. TID_RENDERER.
+// Sends the queries of its documents to the browser side and passes the responses on to the
+// documents. TID_RENDERER.
 class RendererSide final : public CefMessageRouterRendererSide, private QueryTarget {
  public:
   explicit RendererSide(const CefMessageRouterConfig& config)
@@ -125,24 +125,24 @@ bool RendererSide::OnProcessMessageReceived(CefRefPtr<CefBrowser> /*browser*/,
   if (message->GetName() != messageName_) {
     return false;
   }
-  const AnswerMessage answer = AnswerMessage::read(message->GetArgumentList());
-  const auto found = documents_.find(answer.context);
+  const ResponseMessage response = ResponseMessage::read(message->GetArgumentList());
+  const auto found = documents_.find(response.context);
   if (found == documents_.end()) {
     return true;
   }
   Document& document = found->second;
-  const auto query = document.pending.find(answer.query);
+  const auto query = document.pending.find(response.query);
   if (query == document.pending.end()) {
     return true;
   }
-  const bool ends = !answer.success || !query->second;
+  const bool ends = !response.success || !query->second;
   if (ends) {
     document.pending.erase(query);
   }
-  if (answer.success) {
-    document.context->succeed(answer.query, answer.text);
+  if (response.success) {
+    document.context->succeed(response.query, response.text);
   } else {
-    document.context->fail(answer.query, answer.code, answer.text);
+    document.context->fail(response.query, response.code, response.text);
   }
   return true;
 }

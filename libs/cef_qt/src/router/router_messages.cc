@@ -35,7 +35,7 @@ QueryMessage QueryMessage::read(const CefRefPtr<CefListValue>& arguments) {
   return message;
 }
 
-CefRefPtr<CefProcessMessage> AnswerMessage::make(const CefString& name) const {
+CefRefPtr<CefProcessMessage> ResponseMessage::make(const CefString& name) const {
   CefRefPtr<CefProcessMessage> message = CefProcessMessage::Create(name);
   CefRefPtr<CefListValue> arguments = message->GetArgumentList();
   arguments->SetInt(0, context);
@@ -50,8 +50,8 @@ CefRefPtr<CefProcessMessage> AnswerMessage::make(const CefString& name) const {
   return message;
 }
 
-AnswerMessage AnswerMessage::read(const CefRefPtr<CefListValue>& arguments) {
-  AnswerMessage message;
+ResponseMessage ResponseMessage::read(const CefRefPtr<CefListValue>& arguments) {
+  ResponseMessage message;
   message.context = arguments->GetInt(0);
   message.query = arguments->GetInt(1);
   message.success = arguments->GetBool(2);

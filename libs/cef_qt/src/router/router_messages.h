@@ -1,4 +1,4 @@
-// The process messages of a router, all of one name.
+// The process messages of a router. All have the same name.
 #pragma once
 
 #include "include/cef_process_message.h"
@@ -9,8 +9,8 @@ namespace cef_qt {
 inline constexpr char kCanceledText[] = "The query has been canceled";
 inline constexpr int kCanceledCode = -1;
 
-// To the browser side: context id, query id, and for a query the request and whether it persists;
-// without these two it is the end of the query.
+// To the browser side. Arguments: context id and query id; for a query also the request and whether
+// it is persistent. A message without these two cancels the query.
 struct QueryMessage {
   int context = 0;
   int query = 0;
@@ -22,8 +22,9 @@ struct QueryMessage {
   static QueryMessage read(const CefRefPtr<CefListValue>& arguments);
 };
 
-// To the render side: context id, query id, success, then the response, or code and text.
-struct AnswerMessage {
+// To the render side. Arguments: context id, query id and success; then the response, or the error
+// code and text.
+struct ResponseMessage {
   int context = 0;
   int query = 0;
   bool success = false;
@@ -31,7 +32,7 @@ struct AnswerMessage {
   CefString text;
 
   CefRefPtr<CefProcessMessage> make(const CefString& name) const;
-  static AnswerMessage read(const CefRefPtr<CefListValue>& arguments);
+  static ResponseMessage read(const CefRefPtr<CefListValue>& arguments);
 };
 
 CefString messageName(const CefString& queryFunction);

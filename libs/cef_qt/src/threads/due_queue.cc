@@ -6,14 +6,14 @@ namespace cef_qt {
 
 void DueQueue::push(QueuedTask task, int64_t delayMs) {
   if (delayMs <= 0) {
-    // Without a delayed task nothing compares the time, and reading the clock is not free.
+    // The due time is compared with delayed tasks only, and reading the clock is not free.
     const auto due = delayed_.empty() ? Clock::time_point::min() : Clock::now();
     immediate_.push_back({due, sequence_++, std::move(task)});
     return;
   }
-  // A delay that does not fit the clock never comes.
-  constexpr int64_t kLongest = int64_t{1000} * 3600 * 24 * 365 * 100;
-  const auto delay = std::chrono::milliseconds(std::min(delayMs, kLongest));
+  // A hundred years still fit the clock.
+  constexpr int64_t kMaxDelayMs = int64_t{1000} * 3600 * 24 * 365 * 100;
+  const auto delay = std::chrono::milliseconds(std::min(delayMs, kMaxDelayMs));
   delayed_.push_back({Clock::now() + delay, sequence_++, std::move(task)});
   std::push_heap(delayed_.begin(), delayed_.end(), Later());
 }

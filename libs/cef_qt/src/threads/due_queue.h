@@ -1,4 +1,4 @@
-// Tasks of one thread, ordered by the time they may run.
+// The tasks of one thread, ordered by due time.
 #pragma once
 
 #include <chrono>
@@ -12,25 +12,25 @@
 
 namespace cef_qt {
 
-// Which of the framework's threads a task belongs to, and the task. The render side shares the UI
-// thread's queue, so a queue can hold tasks of more than one.
+// A task and its thread. A queue can hold tasks of two threads, since the render side shares the
+// queue of the UI thread.
 struct QueuedTask {
   CefThreadId thread;
   CefRefPtr<CefTask> task;
 };
 
-// Tasks without a delay come in posting order, the others by due time; between the two, whichever
-// was due first. Not locked: the owner does that.
+// Tasks without a delay run in posting order, delayed tasks by due time. Between the two kinds the
+// task that was due first runs first. Not thread-safe; the owner locks.
 class DueQueue {
  public:
   using Clock = std::chrono::steady_clock;
 
   void push(QueuedTask task, int64_t delayMs);
-  // The next task that may run now.
+  // The next task if it is due; nullopt otherwise.
   std::optional<QueuedTask> takeReady();
-  // When the next task may run; nothing when there is none.
+  // The due time of the next task; nullopt when the queue is empty.
   std::optional<Clock::time_point> nextDue() const;
-  // All tasks, for their release.
+  // Empties the queue.
   std::vector<QueuedTask> takeAll();
 
  private:

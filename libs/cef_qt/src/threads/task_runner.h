@@ -1,4 +1,4 @@
-// Where posted tasks wait and run.
+// The queue and the thread behind a thread id.
 #pragma once
 
 #include "threads/due_queue.h"
@@ -9,13 +9,13 @@ class TaskRunner {
  public:
   virtual ~TaskRunner() = default;
 
-  // From any thread; false once stopped, the task is then released by the caller.
+  // Any thread. False once stopped.
   virtual bool post(const QueuedTask& task, int64_t delayMs) = 0;
 
-  // No further task begins; those that wait are released on the calling thread.
+  // No further task starts. Queued tasks are released on the calling thread.
   virtual void stop() = 0;
 
-  // Waits for a task that runs. Not on the runner's own thread.
+  // Waits until the running task has ended. Not to be called on the runner's own thread.
   virtual void join() = 0;
 };
 

@@ -59,8 +59,8 @@ void Threads::stop() {
     running_ = false;
     runners.swap(runners_);
   }
-  // All are stopped before one is waited for: a task may wait for another thread's, which is
-  // released here.
+  // All runners stop before the first join: a running task may wait for a queued task of another
+  // thread, which stop() releases.
   for (const auto& runner : runners) {
     if (runner) {
       runner->stop();
@@ -91,7 +91,7 @@ bool Threads::post(CefThreadId thread, const CefRefPtr<CefTask>& task, int64_t d
 }
 
 bool Threads::isCurrent(CefThreadId thread) const {
-  // The render side's work is done on the UI thread.
+  // Work of the render side runs on the UI thread.
   return currentThread == thread || (thread == TID_UI && currentThread == TID_RENDERER);
 }
 

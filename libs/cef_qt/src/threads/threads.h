@@ -10,7 +10,7 @@
 
 namespace cef_qt {
 
-// Marks what runs on this thread as work of a framework thread.
+// While it lives, CefCurrentlyOn reports this thread id on the calling thread.
 class ScopedThread {
  public:
   explicit ScopedThread(CefThreadId thread);
@@ -22,15 +22,15 @@ class ScopedThread {
   const int previous_;
 };
 
-// TID_UI and TID_RENDERER share the UI thread and its queue, all others have a thread each, started
-// with the first task. Safe to use from any thread.
+// TID_UI and TID_RENDERER share the UI thread and its queue. Every other id has a thread of its own
+// that starts with the first task. Thread-safe.
 class Threads {
  public:
   static Threads& instance();
 
-  // Posting is possible from now on. The caller is the UI thread.
+  // Allows posting. The calling thread becomes the UI thread.
   void start(std::shared_ptr<TaskRunner> ui);
-  // Releases all waiting tasks and ends the threads; posting fails from now on. UI thread.
+  // Releases all queued tasks, joins the threads and lets posting fail. UI thread.
   void stop();
 
   bool post(CefThreadId thread, const CefRefPtr<CefTask>& task, int64_t delayMs);
@@ -46,7 +46,7 @@ class Threads {
   std::array<std::shared_ptr<TaskRunner>, kCount> runners_;  // guarded by mutex_
 };
 
-// Posts a function; for the framework's own use.
+// Posts a function. False once the framework is shut down.
 bool postTo(CefThreadId thread, std::function<void()> work, int64_t delayMs = 0);
 
 }  // namespace cef_qt

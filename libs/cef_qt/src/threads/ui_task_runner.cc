@@ -12,11 +12,11 @@
 namespace cef_qt {
 namespace {
 
-constexpr std::chrono::milliseconds kLongestTurn{5};
-// How soon a page that asks one thing after the other has its next question here.
-constexpr std::chrono::microseconds kNextQuestion{300};
+constexpr std::chrono::milliseconds kMaxBatchTime{5};
+// A page that sends its queries one by one has its next query here within this time.
+constexpr std::chrono::microseconds kPollWindow{300};
 
-QEvent::Type turnEvent() {
+QEvent::Type runTasksEvent() {
   static const int kType = QEvent::registerEventType();
   return static_cast<QEvent::Type>(kType);
 }
@@ -25,7 +25,7 @@ QEvent::Type turnEvent() {
 
 UiTaskRunner::UiTaskRunner() : loop_(QAbstractEventDispatcher::instance()) {
   connect(loop_, &QAbstractEventDispatcher::awake, this, &UiTaskRunner::beforeEvents);
-  connect(loop_, &QAbstractEventDispatcher::aboutToBlock, this, &UiTaskRunner::beforeWaiting);
+  connect(loop_, &QAbstractEventDispatcher::aboutToBlock, this, &UiTaskRunner::beforeBlocking);
 }
 
 bool UiTaskRunner::post(const QueuedTask& task, int64_t delayMs) {
@@ -35,7 +35,7 @@ bool UiTaskRunner::post(const QueuedTask& task, int64_t delayMs) {
     return false;
   }
   queue_.push(task, delayMs);
-  if (!onThread || mayWait_) {
+  if (!onThread || mayBlock_) {
     loop_->wakeUp();
   }
   return true;
@@ -51,35 +51,35 @@ void UiTaskRunner::stop() {
 }
 
 void UiTaskRunner::beforeEvents() {
-  mayWait_ = false;
+  mayBlock_ = false;
   runReady();
 }
 
-void UiTaskRunner::beforeWaiting() {
-  mayWait_ = false;
+void UiTaskRunner::beforeBlocking() {
+  mayBlock_ = false;
   runReady();
-  mayWait_ = true;
-  // Waking a thread that waits takes longer than a page takes for its next question.
-  if (inConversation_ && DueQueue::Clock::now() - lastTurn_ < kNextQuestion) {
+  mayBlock_ = true;
+  // Waking a blocked thread takes longer than the page needs for its next query, so the loop polls.
+  if (polls_ && DueQueue::Clock::now() - lastBatch_ < kPollWindow) {
     std::this_thread::yield();
     loop_->wakeUp();
   }
 }
 
-// As an event, so that what tasks delete later is deleted once they are done.
+// The tasks run inside an event, so that Qt carries out their deleteLater() calls afterwards.
 void UiTaskRunner::runReady() {
-  ++rounds_;
-  QEvent turn(turnEvent());
-  QCoreApplication::sendEvent(this, &turn);
+  ++iterations_;
+  QEvent event(runTasksEvent());
+  QCoreApplication::sendEvent(this, &event);
 }
 
 bool UiTaskRunner::event(QEvent* event) {
-  if (event->type() == turnEvent()) {
+  if (event->type() == runTasksEvent()) {
     runTasks();
     return true;
   }
   if (event->type() == QEvent::Timer) {
-    return true;  // the loop is awake, that is all it is for
+    return true;  // the timer only wakes the loop
   }
   return QObject::event(event);
 }
@@ -92,28 +92,28 @@ std::optional<QueuedTask> UiTaskRunner::takeReady() {
 void UiTaskRunner::runTasks() {
   if (auto task = takeReady()) {
     const auto start = DueQueue::Clock::now();
-    inConversation_ = start - lastTurn_ < kNextQuestion;
-    runTurn(std::move(*task), start + kLongestTurn);
-    lastTurn_ = DueQueue::Clock::now();
+    polls_ = start - lastBatch_ < kPollWindow;
+    runBatch(std::move(*task), start + kMaxBatchTime);
+    lastBatch_ = DueQueue::Clock::now();
   }
-  keepTimer();
+  updateTimer();
 }
 
-void UiTaskRunner::runTurn(QueuedTask first, DueQueue::Clock::time_point limit) {
-  const int round = rounds_;
+void UiTaskRunner::runBatch(QueuedTask first, DueQueue::Clock::time_point limit) {
+  const int iteration = iterations_;
   for (std::optional task(std::move(first)); task; task = takeReady()) {
     const ScopedThread current(task->thread);
     task->task->Execute();
-    // Other work of the loop has its share; and a loop that a task ran may have taken the wake-up
-    // of this one's events.
-    if (rounds_ != round || DueQueue::Clock::now() > limit) {
+    // Events get their share of the loop. A nested loop may also have consumed the wake-up that
+    // belonged to this loop's events.
+    if (iterations_ != iteration || DueQueue::Clock::now() > limit) {
       loop_->wakeUp();
       return;
     }
   }
 }
 
-void UiTaskRunner::keepTimer() {
+void UiTaskRunner::updateTimer() {
   using std::chrono::milliseconds;
   std::optional<DueQueue::Clock::time_point> due;
   {
@@ -135,8 +135,8 @@ void UiTaskRunner::keepTimer() {
     return;
   }
   const auto wait = std::chrono::ceil<milliseconds>(*due - now).count();
-  constexpr int64_t kLongest = std::numeric_limits<int>::max();
-  timer_ = startTimer(static_cast<int>(std::min(wait, kLongest)), Qt::PreciseTimer);
+  constexpr int64_t kMaxMs = std::numeric_limits<int>::max();
+  timer_ = startTimer(static_cast<int>(std::min(wait, kMaxMs)), Qt::PreciseTimer);
   timerDue_ = *due;
 }
 

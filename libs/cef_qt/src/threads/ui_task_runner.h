@@ -1,4 +1,4 @@
-// Tasks of the UI thread, run from Qt's event loop.
+// Runs the tasks of the UI thread in Qt's event loop.
 #pragma once
 
 #include <QAbstractEventDispatcher>
@@ -10,11 +10,11 @@
 
 namespace cef_qt {
 
-// Lives on the thread of the QApplication. Tasks run at two points of every round of its event
-// loop, before it takes events and before it waits: there no callback of Chromium is under way, and
-// a task posted by the loop's own thread needs nothing to wake the loop. A task that runs a nested
-// event loop (a modal dialog) does not hold back those behind it: the nested loop has the same
-// points.
+// Lives on the thread of the QApplication. Tasks run at two points of every iteration of the event
+// loop, before events are processed and before the loop blocks. No callback of Chromium is on the
+// stack there, and a task posted by the UI thread itself needs no wake-up. A task may run a nested
+// event loop (a modal dialog): the nested loop has the same two points and runs the tasks queued
+// behind it.
 class UiTaskRunner final : public QObject, public TaskRunner {
  public:
   UiTaskRunner();
@@ -27,12 +27,12 @@ class UiTaskRunner final : public QObject, public TaskRunner {
 
  private:
   void beforeEvents();
-  void beforeWaiting();
+  void beforeBlocking();
   void runReady();
   void runTasks();
-  void runTurn(QueuedTask first, DueQueue::Clock::time_point limit);
+  void runBatch(QueuedTask first, DueQueue::Clock::time_point limit);
   std::optional<QueuedTask> takeReady();
-  void keepTimer();
+  void updateTimer();
 
   QAbstractEventDispatcher* const loop_;
   std::mutex mutex_;
@@ -40,11 +40,11 @@ class UiTaskRunner final : public QObject, public TaskRunner {
   bool stopped_ = false;  // guarded by mutex_
 
   // UI thread.
-  bool mayWait_ = false;         // the loop has passed its last point before it waits
-  int rounds_ = 0;               // how often a loop has come by, to see whether a task ran one
-  bool inConversation_ = false;  // the last turn followed closely on the one before
-  DueQueue::Clock::time_point lastTurn_;
-  int timer_ = 0;  // for the next delayed task; 0: none
+  bool mayBlock_ = false;  // the loop is past its last point before it blocks
+  int iterations_ = 0;     // of all loops; a change during a task shows that it ran a nested loop
+  bool polls_ = false;     // the latest batch followed within the poll window
+  DueQueue::Clock::time_point lastBatch_;
+  int timer_ = 0;  // of the next delayed task; 0 for none
   DueQueue::Clock::time_point timerDue_;
 };
 

@@ -20,14 +20,14 @@ class WorkerThread final : public TaskRunner {
 
  private:
   void run();
-  // The next task once it is due; nothing when the thread is stopped.
+  // Blocks until the next task is due; nullopt once stopped.
   std::optional<QueuedTask> waitForTask();
 
   std::mutex mutex_;
   std::condition_variable changed_;
   DueQueue queue_;        // guarded by mutex_
   bool stopped_ = false;  // guarded by mutex_
-  std::thread thread_;    // last: starts when the rest is there
+  std::thread thread_;    // last: run() uses the other members
 };
 
 }  // namespace cef_qt

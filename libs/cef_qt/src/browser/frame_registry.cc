@@ -1,4 +1,4 @@
-#include "browser/documents.h"
+#include "browser/frame_registry.h"
 
 #include "base/qt_text.h"
 #include "browser/browser_impl.h"
@@ -9,89 +9,89 @@
 
 namespace cef_qt {
 
-Documents::Documents(Browser* browser, CefRefPtr<CefDictionaryValue> extraInfo)
+FrameRegistry::FrameRegistry(Browser* browser, CefRefPtr<CefDictionaryValue> extraInfo)
     : browser_(browser), extraInfo_(std::move(extraInfo)) {}
 
-Documents::~Documents() = default;
+FrameRegistry::~FrameRegistry() = default;
 
-void Documents::start(PageChannel* channel) {
+void FrameRegistry::open(PageChannel* channel) {
   const ScopedThread current(TID_RENDERER);
   channel_ = channel;
   if (const auto handler = RenderSide::handler()) {
     handler->OnBrowserCreated(browser_, extraInfo_);
   }
-  create(0, browser_->mainFrame());
+  createContext(0, browser_->mainFrame());
 }
 
-void Documents::stop() {
+void FrameRegistry::close() {
   const ScopedThread current(TID_RENDERER);
   if (!channel_) {
     return;
   }
-  releaseAll();
+  detachAll();
   channel_ = nullptr;
   if (const auto handler = RenderSide::handler()) {
     handler->OnBrowserDestroyed(browser_);
   }
 }
 
-void Documents::receive(const PageEntry& entry) {
+void FrameRegistry::receive(const PageEntry& entry) {
   if (!channel_) {
     return;
   }
-  if (entry.kind == PageEntry::kHello) {
-    greet(entry);
+  if (entry.kind == PageEntry::kAttach) {
+    attach(entry);
     return;
   }
-  // What an earlier document still had to say comes too late.
+  // Entries of an earlier document are stale.
   const auto found = documents_.find(entry.frame);
   if (entry.document != current_ || found == documents_.end()) {
     return;
   }
-  if (entry.kind == PageEntry::kBye) {
-    release(entry.frame);
+  if (entry.kind == PageEntry::kDetach) {
+    detach(entry.frame);
     return;
   }
   const CefRefPtr<ScriptContext> context = found->second.context;
   context->dispatch(entry);
 }
 
-void Documents::greet(const PageEntry& entry) {
+void FrameRegistry::attach(const PageEntry& entry) {
   if (entry.frame == 0) {
-    greetTop(entry);
+    attachTop(entry);
   } else if (entry.document == current_) {
-    greetFrame(entry);
+    attachFrame(entry);
   }
   if (entry.document == current_ && documents_.count(entry.frame) > 0) {
-    confirmFunctions(entry);
+    correctFunctions(entry);
   }
 }
 
-void Documents::greetTop(const PageEntry& entry) {
+void FrameRegistry::attachTop(const PageEntry& entry) {
   if (entry.document == current_) {
     return;
   }
-  const auto first = documents_.find(0);
-  const bool takesOver = first != documents_.end() && !first->second.context->isBound();
-  if (!takesOver) {
-    releaseAll();
-    create(0, browser_->mainFrame());
+  const auto top = documents_.find(0);
+  const bool isFirstDocument = top != documents_.end() && !top->second.context->isBound();
+  if (!isFirstDocument) {
+    detachAll();
+    createContext(0, browser_->mainFrame());
   }
   current_ = entry.document;
   browser_->mainFrame()->setName(fromQt(entry.name));
   documents_[0].context->bind(current_, 0);
   if (DialogScheme* dialogs = DialogScheme::current()) {
-    dialogs->documentKnown(current_);
+    dialogs->documentAttached(current_);
   }
 }
 
-void Documents::greetFrame(const PageEntry& entry) {
+void FrameRegistry::attachFrame(const PageEntry& entry) {
   const CefString url = fromQt(entry.text);
-  create(entry.frame, new Frame(browser_, false, fromQt(entry.name), url));
+  createContext(entry.frame, new Frame(browser_, false, fromQt(entry.name), url));
   documents_[entry.frame].context->bind(current_, entry.frame);
 }
 
-void Documents::create(int frameNumber, CefRefPtr<Frame> frame) {
+void FrameRegistry::createContext(int frameNumber, CefRefPtr<Frame> frame) {
   const CefRefPtr<ScriptContext> context = new ScriptContext(browser_, frame, channel_);
   frame->setContext(context);
   documents_[frameNumber] = {frame, context};
@@ -99,37 +99,37 @@ void Documents::create(int frameNumber, CefRefPtr<Frame> frame) {
     handler->OnContextCreated(browser_, frame, context);
   }
   if (frameNumber == 0 && current_.isEmpty()) {
-    RenderSide::learn(true, context->installed());
+    RenderSide::recordFunctions(true, context->installed());
   }
 }
 
-void Documents::confirmFunctions(const PageEntry& entry) {
+void FrameRegistry::correctFunctions(const PageEntry& entry) {
   const CefRefPtr<ScriptContext> context = documents_[entry.frame].context;
   const bool isTop = entry.frame == 0;
-  if (!RenderSide::matches(isTop, context->installed(), entry.id)) {
+  if (!RenderSide::scriptGave(isTop, context->installed(), entry.id)) {
     context->send(PageChannel::kFunctions, toJson(context->installed()));
   }
-  RenderSide::learn(isTop, context->installed());
+  RenderSide::recordFunctions(isTop, context->installed());
 }
 
-void Documents::release(int frameNumber) {
+void FrameRegistry::detach(int frameNumber) {
   const auto found = documents_.find(frameNumber);
   if (found == documents_.end()) {
     return;
   }
-  const Document gone = found->second;
+  const Document detached = found->second;
   documents_.erase(found);
-  gone.context->invalidate();
+  detached.context->invalidate();
   if (const auto handler = RenderSide::handler()) {
-    handler->OnContextReleased(browser_, gone.frame, gone.context);
+    handler->OnContextReleased(browser_, detached.frame, detached.context);
   }
-  gone.frame->setContext(nullptr);
+  detached.frame->setContext(nullptr);
 }
 
-void Documents::releaseAll() {
+void FrameRegistry::detachAll() {
   const ScopedThread current(TID_RENDERER);
   while (!documents_.empty()) {
-    release(documents_.rbegin()->first);
+    detach(documents_.rbegin()->first);
   }
   current_.clear();
 }

@@ -1,7 +1,6 @@
-#include "osr/key_codes.h"
+#include "osr/event_conversion.h"
 
 #include <QChar>
-#include <Qt>
 
 namespace cef_qt {
 namespace {
@@ -81,12 +80,46 @@ bool isBetween(int code, int first, int last) {
 
 }  // namespace
 
+Qt::MouseButton buttonOf(cef_mouse_button_type_t type) {
+  switch (type) {
+    case MBT_MIDDLE:
+      return Qt::MiddleButton;
+    case MBT_RIGHT:
+      return Qt::RightButton;
+    default:
+      return Qt::LeftButton;
+  }
+}
+
+Qt::MouseButtons buttonsOf(uint32_t flags) {
+  Qt::MouseButtons buttons;
+  buttons.setFlag(Qt::LeftButton, (flags & EVENTFLAG_LEFT_MOUSE_BUTTON) != 0);
+  buttons.setFlag(Qt::MiddleButton, (flags & EVENTFLAG_MIDDLE_MOUSE_BUTTON) != 0);
+  buttons.setFlag(Qt::RightButton, (flags & EVENTFLAG_RIGHT_MOUSE_BUTTON) != 0);
+  return buttons;
+}
+
+Qt::KeyboardModifiers keyboardModifiersOf(uint32_t flags) {
+  Qt::KeyboardModifiers modifiers;
+  modifiers.setFlag(Qt::ShiftModifier, (flags & EVENTFLAG_SHIFT_DOWN) != 0);
+  modifiers.setFlag(Qt::ControlModifier, (flags & EVENTFLAG_CONTROL_DOWN) != 0);
+  modifiers.setFlag(Qt::AltModifier, (flags & EVENTFLAG_ALT_DOWN) != 0);
+  modifiers.setFlag(Qt::MetaModifier, (flags & EVENTFLAG_COMMAND_DOWN) != 0);
+  modifiers.setFlag(Qt::KeypadModifier, (flags & EVENTFLAG_IS_KEY_PAD) != 0);
+  return modifiers;
+}
+
+quint32 nativeModifiersOf(uint32_t flags) {
+  constexpr quint32 kXkbLock = 1U << 1U;
+  return (flags & EVENTFLAG_CAPS_LOCK_ON) != 0 ? kXkbLock : 0;
+}
+
 int qtKeyOf(int windowsKeyCode, char16_t character) {
-  // Digits and letters have the codes of their characters on both sides.
+  // Digits and letters have their character codes in both systems.
   if (isBetween(windowsKeyCode, '0', '9') || isBetween(windowsKeyCode, 'A', 'Z')) {
     return windowsKeyCode;
   }
-  if (isBetween(windowsKeyCode, 0x60, 0x69)) {  // of the key pad
+  if (isBetween(windowsKeyCode, 0x60, 0x69)) {  // key pad
     return Qt::Key_0 + (windowsKeyCode - 0x60);
   }
   if (isBetween(windowsKeyCode, 0x70, 0x87)) {

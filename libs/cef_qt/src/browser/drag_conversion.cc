@@ -1,4 +1,4 @@
-#include "browser/dragged.h"
+#include "browser/drag_conversion.h"
 
 #include <QFileInfo>
 #include <QUrl>
@@ -8,7 +8,7 @@
 
 namespace cef_qt {
 
-CefRefPtr<CefDragData> draggedData(const QMimeData& mime) {
+CefRefPtr<CefDragData> dragDataOf(const QMimeData& mime) {
   DragContents contents;
   for (const QUrl& url : mime.urls()) {
     if (url.isLocalFile()) {
@@ -19,7 +19,7 @@ CefRefPtr<CefDragData> draggedData(const QMimeData& mime) {
       contents.linkTitle = mime.hasText() ? fromQt(mime.text()) : contents.linkUrl;
     }
   }
-  // Qt gives the addresses of dragged files as text, too.
+  // Qt also gives the URLs of dragged files as text.
   if (contents.files.empty() && contents.linkUrl.empty()) {
     contents.fragmentText = fromQt(mime.text());
     contents.fragmentHtml = fromQt(mime.html());

@@ -1,4 +1,4 @@
-// Drags of the window system as the framework shows them.
+// Conversion of Qt's drag contents and actions into the framework's types.
 #pragma once
 
 #include <QMimeData>
@@ -8,7 +8,7 @@
 
 namespace cef_qt {
 
-CefRefPtr<CefDragData> draggedData(const QMimeData& mime);
+CefRefPtr<CefDragData> dragDataOf(const QMimeData& mime);
 
 cef_drag_operations_mask_t operationsOf(Qt::DropActions actions);
 

@@ -1,9 +1,33 @@
-#include "osr/cursors.h"
+#include "osr/off_screen_cursor.h"
 
+#include <QImage>
 #include <QPixmap>
 #include <QPointF>
+#include <QQuickItem>
+#include <QQuickWidget>
+#include <QQuickWindow>
+#include <utility>
+
+#include "include/cef_display_handler.h"
+#include "osr/off_screen_browser.h"
 
 namespace cef_qt {
+namespace {
+
+constexpr int kFastIntervalMs = 30;
+constexpr int kSlowIntervalMs = 200;
+constexpr int kFastChecks = 20;
+
+// The cursor of the item that shows the page; other items have the default cursor.
+QCursor cursorBelow(const QQuickItem& item) {
+  QCursor cursor = item.cursor();
+  for (const QQuickItem* const child : item.childItems()) {
+    if (cursor.shape() == Qt::ArrowCursor) {
+      cursor = cursorBelow(*child);
+    }
+  }
+  return cursor;
+}
 
 cef_cursor_type_t cursorTypeOf(Qt::CursorShape shape) {
   switch (shape) {
@@ -53,10 +77,12 @@ cef_cursor_type_t cursorTypeOf(Qt::CursorShape shape) {
   }
 }
 
+// The pixels of a picture cursor, as BGRA; null for other cursors.
 QImage pictureOf(const QCursor& cursor) {
   return cursor.pixmap().toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied);
 }
 
+// The result points into the picture.
 CefCursorInfo cursorInfoOf(const QCursor& cursor, const QImage& picture) {
   CefCursorInfo info;
   if (!picture.isNull()) {
@@ -67,6 +93,36 @@ CefCursorInfo cursorInfoOf(const QCursor& cursor, const QImage& picture) {
     info.size = {picture.width(), picture.height()};
   }
   return info;
+}
+
+}  // namespace
+
+OffScreenCursor::OffScreenCursor(OffScreenBrowser& browser) : browser_(browser) {
+  QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { check(); });
+}
+
+void OffScreenCursor::watch() {
+  fastChecks_ = kFastChecks;
+  if (!timer_.isActive() || timer_.interval() != kFastIntervalMs) {
+    timer_.start(kFastIntervalMs);
+  }
+}
+
+void OffScreenCursor::check() {
+  if (--fastChecks_ <= 0) {
+    timer_.setInterval(kSlowIntervalMs);
+  }
+  const QQuickWidget* const page = browser_.page();
+  const QCursor now = page ? cursorBelow(*page->quickWindow()->contentItem()) : QCursor();
+  if (std::exchange(reported_, now) == now) {
+    return;
+  }
+  const CefRefPtr<CefClient> client = browser_.browser()->client();
+  if (const auto display = client ? client->GetDisplayHandler() : nullptr) {
+    const QImage picture = pictureOf(reported_);
+    display->OnCursorChange(browser_.browser(), 0, cursorTypeOf(reported_.shape()),
+                            cursorInfoOf(reported_, picture));
+  }
 }
 
 }  // namespace cef_qt

@@ -23,7 +23,7 @@ std::string digestOf(const std::string& content, std::size_t pieceSize) {
 
 }  // namespace
 
-TEST(BackgroundMd5, GivesTheDigestWhateverThePieces) {
+TEST(BackgroundMd5, DoesNotDependOnThePieces) {
   std::string content(100'000, '\0');
   for (std::size_t i = 0; i < content.size(); ++i) {
     content[i] = static_cast<char>(i * 31 % 251);
@@ -37,7 +37,7 @@ TEST(BackgroundMd5, GivesTheDigestWhateverThePieces) {
   EXPECT_EQ(digestOf("", 1), "d41d8cd98f00b204e9800998ecf8427e");
 }
 
-TEST(BackgroundMd5, EndsInTheMiddleOfItsWork) {
+TEST(BackgroundMd5, CanBeDestroyedAtAnyPoint) {
   for (int i = 0; i < 200; ++i) {
     CBackgroundMd5 md5(64);
     for (int piece = 0; piece < i % 7; ++piece) {

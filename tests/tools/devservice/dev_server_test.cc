@@ -10,29 +10,29 @@ namespace zantrio::devservice {
 
 using DevServerTest = ServiceTest;
 
-TEST_F(DevServerTest, GoesOnWithItsMessagesAfterARestart) {
+TEST_F(DevServerTest, ContinuesWithItsMessagesAfterARestart) {
   createMessage();
   const std::string sent = announce("d", "sent");
   const std::string waiting = announce("d", "waiting");
   announce("d", "left out");
-  request("PUT", sent, "x", token());
+  call("PUT", sent, "x");
   request("DELETE", "/api/messages/" + bucket_ + "/files/3");
   options_.port = server_->port();
   restart();
 
-  const Json::Value files = askMessage("GET", "/files").json()["files"];
+  const Json::Value files = callMessage("GET", "/files").json()["files"];
   ASSERT_EQ(files.size(), 2U);
   EXPECT_TRUE(files[0]["arrived"].asBool());
   EXPECT_EQ(files[0]["md5"], "9dd4e461268c8034f5c8564e155c67a6");
-  EXPECT_EQ(request("PUT", waiting, "y", token()).status, 200);
+  EXPECT_EQ(call("PUT", waiting, "y").status, 200);
   EXPECT_NE(announce("d", "sent"), sent);
-  request("PUT", "/storage/" + bucket_ + "/d/sent%20%282%29", "z", token());
-  EXPECT_EQ(askMessage("POST", "/complete").status, 200);
+  call("PUT", "/storage/" + bucket_ + "/d/sent%20%282%29", "z");
+  EXPECT_EQ(callMessage("POST", "/complete").status, 200);
   restart();
   EXPECT_EQ(request("GET", "/api/messages/" + bucket_).json()["state"], "completed");
 }
 
-TEST_F(DevServerTest, IgnoresAJournalLineThatACrashCutShort) {
+TEST_F(DevServerTest, IgnoresAJournalLineThatACrashTruncated) {
   createMessage();
   announce("", "a");
   const auto journal =
@@ -41,12 +41,12 @@ TEST_F(DevServerTest, IgnoresAJournalLineThatACrashCutShort) {
   restart();
   EXPECT_EQ(announce("", "b"), "/storage/" + bucket_ + "/b");
   restart();
-  const Json::Value files = askMessage("GET", "/files").json()["files"];
+  const Json::Value files = callMessage("GET", "/files").json()["files"];
   ASSERT_EQ(files.size(), 2U);
   EXPECT_EQ(files[1]["path"], "b");
 }
 
-TEST_F(DevServerTest, RefusesFoldersThatItCannotUse) {
+TEST_F(DevServerTest, RefusesUnusableFolders) {
   Options unwritable = options_;
   unwritable.data = folder_.path() + "/web/index.html";
   EXPECT_THROW(CDevServer{unwritable}, std::runtime_error);
@@ -55,7 +55,7 @@ TEST_F(DevServerTest, RefusesFoldersThatItCannotUse) {
   EXPECT_THROW(CDevServer{noPage}, std::runtime_error);
 }
 
-TEST_F(DevServerTest, ServesManyConnectionsAtOnceWithoutMixingTheirFilesUp) {
+TEST_F(DevServerTest, KeepsTheFilesOfManyConnectionsApart) {
   constexpr int kClients = 24;
   constexpr int kFiles = 20;
   createMessage();
@@ -68,7 +68,7 @@ TEST_F(DevServerTest, ServesManyConnectionsAtOnceWithoutMixingTheirFilesUp) {
     for (int client = 0; client < kClients; ++client) {
       clients.emplace_back([&, client] {
         for (int i = client; i < kClients * kFiles; i += kClients) {
-          putAlone(urls[static_cast<std::size_t>(i)], "content " + std::to_string(i));
+          putOverNewConnection(urls[static_cast<std::size_t>(i)], "content " + std::to_string(i));
         }
       });
     }
@@ -76,7 +76,7 @@ TEST_F(DevServerTest, ServesManyConnectionsAtOnceWithoutMixingTheirFilesUp) {
   for (int i = 0; i < kClients * kFiles; ++i) {
     EXPECT_EQ(readFile(arrivedFile("many/" + std::to_string(i))), "content " + std::to_string(i));
   }
-  EXPECT_EQ(askMessage("POST", "/complete").status, 200);
+  EXPECT_EQ(callMessage("POST", "/complete").status, 200);
 }
 
 }  // namespace zantrio::devservice

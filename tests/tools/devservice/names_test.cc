@@ -8,14 +8,14 @@ using namespace std::string_literals;
 
 namespace zantrio::devservice {
 
-TEST(WhyUnusable, FindsNothingWrongWithLegalNamesHoweverOdd) {
+TEST(PathProblem, AcceptsLegalNamesHoweverOdd) {
   for (const std::string& path : {"a"s, "a/b/c.txt"s, "日本.jpg"s, "...hidden"s, "a\\b"s,
                                   "100%?#.txt"s, " "s, "line\nbreak"s, std::string(255, 'x')}) {
     EXPECT_EQ(pathProblem(path), "") << path;
   }
 }
 
-TEST(WhyUnusable, RefusesWhatLeavesTheFolderOrIsNoName) {
+TEST(PathProblem, RefusesPathsThatLeaveTheFolderAndInvalidNames) {
   for (const std::string& path :
        {""s, "/etc/passwd"s, ".."s, "../x"s, "a/../../x"s, "a/."s, "a//b"s, "a/"s, "a\0b"s,
         std::string(256, 'x'), "\xff"s, "\xc3"s, "\xed\xa0\x80"s}) {
@@ -30,33 +30,29 @@ TEST(Printable, HidesControlCharactersAndShortensWithoutBreakingUtf8) {
   EXPECT_EQ(pathProblem(printable("x" + std::string(118, 'y') + "üü")), "");
 }
 
-TEST(EncodePath, KeepsSlashesAndEncodesWhatAnUrlCannotHold) {
+TEST(EncodePath, KeepsSlashesAndEncodesReservedCharacters) {
   EXPECT_EQ(encodePath("a b/ü#?%.txt"), "a%20b/%C3%BC%23%3F%25.txt");
 }
 
-TEST(Places, GivesEveryFileOfTheSameNameAPlaceOfItsOwn) {
-  CPathAllocator places;
-  EXPECT_EQ(places.allocate("d/a.tar.gz"), "d/a.tar.gz");
-  EXPECT_EQ(places.allocate("d/a.tar.gz"), "d/a.tar (2).gz");
-  EXPECT_EQ(places.allocate("d/a.tar.gz"), "d/a.tar (3).gz");
-  EXPECT_EQ(places.allocate("d/a.tar (2).gz"), "d/a.tar (2) (2).gz");
-  EXPECT_EQ(places.allocate("d/.profile"), "d/.profile");
-  EXPECT_EQ(places.allocate("d/.profile"), "d/.profile (2)");
+TEST(PathAllocator, NumbersFilesWhoseNameAFileOrFolderHas) {
+  CPathAllocator paths;
+  EXPECT_EQ(paths.allocate("d/a.tar.gz"), "d/a.tar.gz");
+  EXPECT_EQ(paths.allocate("d/a.tar.gz"), "d/a.tar (2).gz");
+  EXPECT_EQ(paths.allocate("d/a.tar.gz"), "d/a.tar (3).gz");
+  EXPECT_EQ(paths.allocate("d/a.tar (2).gz"), "d/a.tar (2) (2).gz");
+  EXPECT_EQ(paths.allocate("d/.profile"), "d/.profile");
+  EXPECT_EQ(paths.allocate("d/.profile"), "d/.profile (2)");
+  EXPECT_EQ(paths.allocate("a"), "a");
+  EXPECT_EQ(paths.allocate("a/b"), "a (2)/b");
+  EXPECT_EQ(paths.allocate("a/c"), "a (2)/c");
+  EXPECT_EQ(paths.allocate("a (2)"), "a (2) (2)");
 }
 
-TEST(Places, NeverUsesOneNameForAFileAndAFolder) {
-  CPathAllocator places;
-  EXPECT_EQ(places.allocate("a"), "a");
-  EXPECT_EQ(places.allocate("a/b"), "a (2)/b");
-  EXPECT_EQ(places.allocate("a/c"), "a (2)/c");
-  EXPECT_EQ(places.allocate("a (2)"), "a (2) (2)");
-}
-
-TEST(Places, KeepsCountedNamesWithinTheLimitAndWhole) {
-  CPathAllocator places;
+TEST(PathAllocator, KeepsNumberedNamesWithinTheLimitAndValid) {
+  CPathAllocator paths;
   const std::string name = "ü" + std::string(250, 'x') + "ü";  // 254 bytes
-  places.allocate(name);
-  const std::string second = places.allocate(name);
+  paths.allocate(name);
+  const std::string second = paths.allocate(name);
   EXPECT_LE(second.size(), 255U);
   EXPECT_EQ(pathProblem(second), "");
   EXPECT_NE(second, name);

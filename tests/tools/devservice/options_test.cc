@@ -8,7 +8,6 @@ namespace zantrio::devservice {
 
 TEST(Options, ReadsTheCommandLine) {
   const Options options = parseOptions({"--port", "0", "--data", "d", "--web", "w"});
-  EXPECT_EQ(options.port, 0);
   EXPECT_EQ(options.data, "d");
   EXPECT_EQ(options.web, "w");
   EXPECT_EQ(options.javascript, "/usr/share/javascript");
@@ -21,7 +20,7 @@ TEST(Options, ReadsTheCommandLine) {
   EXPECT_EQ(special.minPartSize, 5'242'880U);
 }
 
-TEST(Options, RefusesWhatItDoesNotUnderstandAndSaysWhat) {
+TEST(Options, NamesTheInvalidArgument) {
   const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
       {{"--prot", "1"}, "--prot"},
       {{"--port"}, "--port needs a value"},

@@ -21,14 +21,10 @@ std::string readFile(const fs::path& path) {
   return content.str();
 }
 
-Json::Value Answer::json() const {
+Json::Value Response::json() const {
   Json::Value value;
   std::istringstream(body) >> value;
   return value;
-}
-
-std::string Answer::code() const {
-  return json()["error"]["code"].asString();
 }
 
 ServiceTest::ServiceTest() {
@@ -51,8 +47,8 @@ void ServiceTest::restart() {
   session_->setTimeout(Poco::Timespan(30, 0));
 }
 
-Answer ServiceTest::request(const std::string& method, const std::string& path,
-                            const std::string& body, const Headers& headers) {
+Response ServiceTest::request(const std::string& method, const std::string& path,
+                              const std::string& body, const Headers& headers) {
   Poco::Net::HTTPRequest request(method, path, Poco::Net::HTTPMessage::HTTP_1_1);
   for (const auto& [name, value] : headers) {
     request.set(name, value);
@@ -61,14 +57,20 @@ Answer ServiceTest::request(const std::string& method, const std::string& path,
     request.setContentLength64(static_cast<Poco::Int64>(body.size()));
   }
   session_->sendRequest(request) << body;
-  Answer answer;
-  std::istream& stream = session_->receiveResponse(answer.response);
-  answer.status = answer.response.getStatus();
-  Poco::StreamCopier::copyToString(stream, answer.body);
-  return answer;
+  Response response;
+  std::istream& stream = session_->receiveResponse(response.header);
+  response.status = response.header.getStatus();
+  Poco::StreamCopier::copyToString(stream, response.body);
+  return response;
 }
 
-void ServiceTest::putAlone(const std::string& url, const std::string& content) const {
+Response ServiceTest::call(const std::string& method, const std::string& path,
+                           const std::string& body, Headers headers) {
+  headers["X-Zantrio-Token"] = token_;
+  return request(method, path, body, headers);
+}
+
+void ServiceTest::putOverNewConnection(const std::string& url, const std::string& content) const {
   Poco::Net::HTTPClientSession session("127.0.0.1", server_->port());
   Poco::Net::HTTPRequest put("PUT", url, Poco::Net::HTTPMessage::HTTP_1_1);
   put.set("X-Zantrio-Token", token_);
@@ -97,9 +99,9 @@ std::string ServiceTest::announce(const std::string& folder, const std::string& 
   Json::Value body;
   body["files"][0]["name"] = name;
   body["files"][0]["path"] = folder;
-  const Answer answer = askMessage("POST", "/files", body.toStyledString());
-  const std::string url = answer.json()["files"][0]["uploadDetails"]["url"].asString();
-  EXPECT_EQ(url.rfind(server_->url(), 0), 0U) << answer.body;
+  const Response announced = callMessage("POST", "/files", body.toStyledString());
+  const std::string url = announced.json()["files"][0]["uploadDetails"]["url"].asString();
+  EXPECT_EQ(url.rfind(server_->url(), 0), 0U) << announced.body;
   return url.substr(std::min(url.size(), server_->url().size()));
 }
 
@@ -107,7 +109,7 @@ fs::path ServiceTest::arrivedFile(const std::string& path) const {
   return fs::path(options_.data) / "messages" / bucket_ / "files" / path;
 }
 
-std::size_t ServiceTest::filesOnTheWay() const {
+std::size_t ServiceTest::incomingFiles() const {
   const fs::directory_iterator files(fs::path(options_.data) / "incoming");
   return static_cast<std::size_t>(std::distance(begin(files), end(files)));
 }

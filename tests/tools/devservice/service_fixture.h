@@ -17,14 +17,14 @@ namespace zantrio::devservice {
 
 std::string readFile(const std::filesystem::path& path);
 
-struct Answer {
+struct Response {
   int status = 0;
-  Poco::Net::HTTPResponse response;
+  Poco::Net::HTTPResponse header;
   std::string body;
 
   Json::Value json() const;
   // The code of a failure.
-  std::string code() const;
+  std::string code() const { return json()["error"]["code"].asString(); }
 };
 
 using Headers = std::map<std::string, std::string>;
@@ -35,26 +35,27 @@ class ServiceTest : public testing::Test {
   ServiceTest();
 
   void restart();
-  Answer request(const std::string& method, const std::string& path, const std::string& body = "",
-                 const Headers& headers = {});
+  Response request(const std::string& method, const std::string& path, const std::string& body = "",
+                   const Headers& headers = {});
+  // The same with the message's token.
+  Response call(const std::string& method, const std::string& path, const std::string& body = "",
+                Headers headers = {});
+  Response callMessage(const std::string& method, const std::string& rest,
+                       const std::string& body = "") {
+    return call(method, "/api/messages/" + bucket_ + rest, body);
+  }
 
-  // Creates a message and keeps its bucket and token for what follows.
+  // Creates a message and keeps its bucket and token.
   void createMessage(
       const std::string& description = R"({"subject":"Holiday","recipients":["ann@example.org"]})");
-  // Waits for the end of that second since 1970.
+  // Waits until that second since 1970 has passed.
   static void waitUntilPast(std::int64_t second);
-  // Announces a file; gives the path of its upload URL.
+  // Announces a file; returns the path of its upload URL.
   std::string announce(const std::string& folder, const std::string& name);
-  Headers token() const { return {{"X-Zantrio-Token", token_}}; }
-  // What this path of the message's in the API answers, asked for or changed.
-  Answer askMessage(const std::string& method, const std::string& rest,
-                    const std::string& body = "") {
-    return request(method, "/api/messages/" + bucket_ + rest, body, token());
-  }
-  // Sends the content over a connection of its own; may be called from any thread.
-  void putAlone(const std::string& url, const std::string& content) const;
+  // Uploads over a new connection. Thread: any.
+  void putOverNewConnection(const std::string& url, const std::string& content) const;
   std::filesystem::path arrivedFile(const std::string& path) const;
-  std::size_t filesOnTheWay() const;
+  std::size_t incomingFiles() const;
 
   const test::TemporaryFolder folder_;
   Options options_;

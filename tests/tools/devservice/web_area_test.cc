@@ -8,16 +8,18 @@ using WebAreaTest = ServiceTest;
 
 TEST_F(WebAreaTest, ServesThePageItsFilesAndTheLibraries) {
   for (const char* path : {"/app", "/app/", "/app/index.html"}) {
-    const Answer page = request("GET", path);
+    const Response page = request("GET", path);
     EXPECT_EQ(page.status, 200) << path;
     EXPECT_EQ(page.body, "<h1>page</h1>");
-    EXPECT_EQ(page.response.getContentType(), "text/html; charset=utf-8");
+    EXPECT_EQ(page.header.getContentType(), "text/html; charset=utf-8");
   }
-  const Answer script = request("GET", "/app/js/main.js");
+  const Response script = request("GET", "/app/js/main.js");
   EXPECT_EQ(script.body, "start();");
-  EXPECT_EQ(script.response.getContentType(), "text/javascript; charset=utf-8");
+  EXPECT_EQ(script.header.getContentType(), "text/javascript; charset=utf-8");
   EXPECT_EQ(request("GET", "/app/lib/jquery.min.js").body, "$");
   EXPECT_EQ(request("HEAD", "/app").body, "");
+  EXPECT_EQ(request("GET", "/").status, 302);
+  EXPECT_EQ(request("GET", "/").header.get("Location"), "/app");
 }
 
 TEST_F(WebAreaTest, NeverLeavesItsFolders) {
@@ -26,18 +28,12 @@ TEST_F(WebAreaTest, NeverLeavesItsFolders) {
        {"/app/../secret.txt", "/app/%2e%2e/secret.txt", "/app/js/..%2f..%2fsecret.txt",
         "/app/%2Fetc%2Fpasswd", "/app//etc/passwd", "/app/link.txt", "/app/js", "/app/lib",
         "/app/lib/..", "/app/lib/...min.js", "/app/missing.js"}) {
-    const Answer answer = request("GET", path);
-    EXPECT_EQ(answer.status, 404) << path;
-    EXPECT_EQ(answer.code(), "not_found") << path;
+    const Response refused = request("GET", path);
+    EXPECT_EQ(refused.status, 404) << path;
+    EXPECT_EQ(refused.code(), "not_found") << path;
   }
   EXPECT_EQ(request("GET", "/app/%zz").status, 400);
   EXPECT_EQ(request("PUT", "/app/index.html", "new").status, 405);
-}
-
-TEST_F(WebAreaTest, SendsVisitorsOfTheRootToThePage) {
-  const Answer answer = request("GET", "/");
-  EXPECT_EQ(answer.status, 302);
-  EXPECT_EQ(answer.response.get("Location"), "/app");
 }
 
 }  // namespace zantrio::devservice

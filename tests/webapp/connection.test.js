@@ -1,11 +1,12 @@
 import assert from 'node:assert/strict';
 import { mock, test } from 'node:test';
 import './libraries.js';
+import { settled } from './fakes.js';
 
 const { Connection } = await import('../../webapp/js/models/connection.js');
 const { ServiceRefused, ServiceUnreachable } = await import('../../webapp/js/service.js');
 
-/** Replaces the clock for one test: timers run only when they are told to. */
+/** Replaces the clock for one test: a timer runs only when `tick` is called. */
 function heldTimers(t) {
   const timers = [];
   t.mock.method(globalThis, 'setTimeout', (callback) => { timers.push(callback); return timers.length; });
@@ -13,16 +14,14 @@ function heldTimers(t) {
   return { tick: () => timers.shift()() };
 }
 
-const settled = () => new Promise((resolve) => { setImmediate(resolve); });
-
-test('counts down, asks again, and goes on with what waited', async (t) => {
+test('counts down, tries again, and continues waiting calls', async (t) => {
   const clock = heldTimers(t);
   const connection = new Connection();
-  const answers = [new ServiceUnreachable(), 'there'];
+  const responses = [new ServiceUnreachable(), 'there'];
   const call = mock.fn(async () => {
-    const answer = answers.shift();
-    if (answer instanceof Error) throw answer;
-    return answer;
+    const response = responses.shift();
+    if (response instanceof Error) throw response;
+    return response;
   });
   const result = connection.persistently(call);
   await settled();
@@ -37,7 +36,7 @@ test('counts down, asks again, and goes on with what waited', async (t) => {
   assert.equal(call.mock.callCount(), 2);
 });
 
-test('waits longer after each try in vain', async (t) => {
+test('waits longer after each failed try', async (t) => {
   heldTimers(t);
   t.mock.method(globalThis, 'fetch', async () => { throw new TypeError('Failed to fetch'); });
   const connection = new Connection();
@@ -50,7 +49,7 @@ test('waits longer after each try in vain', async (t) => {
   assert.deepEqual(waits, [3, 5, 10, 20, 30, 30]);
 });
 
-test('a refusal is an answer: it is handed on at once', async () => {
+test('passes a refusal on at once, because it is a response', async () => {
   const connection = new Connection();
   await assert.rejects(connection.persistently(async () => { throw new ServiceRefused('no', 403, 'x'); }), /no/);
   assert.equal(connection.get('reachable'), true);

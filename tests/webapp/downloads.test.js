@@ -27,37 +27,32 @@ async function begin({ flow }, wanted, options = { automatic: true, whole: true 
   return begun.transfer;
 }
 
-test('creates the group with the token of the addresses and a safe folder name', async () => {
+test('creates the group with a token and a safe folder name, and fills it in batches while it is paused', async () => {
   const all = make();
-  await begin(all, files(2));
+  await begin(all, files(4500));
   assert.deepEqual(all.manager.calls, [
     ['createGroup', {
       bucketId: 'b1', bucketType: 'message', token: 'reading', tokenExpires: 9, summary: 'Fotos März April', autoDownload: true,
     }],
-    ['queueFiles', '1', 2],
-  ]);
-  assert.deepEqual(all.manager.queued[1], {
-    id: '2', path: 'd/2', size: 10, modified: 5, md5Digest: 'm2', downloadDetails: { url: 'u2-1', expires: 0 },
-  });
-});
-
-test('many files come in batches, while the group is paused: it must not be complete with some of them', async () => {
-  const all = make();
-  await begin(all, files(4500));
-  assert.deepEqual(all.manager.calls.slice(1), [
     ['pause', '1'], ['queueFiles', '1', 2000], ['queueFiles', '1', 2000], ['queueFiles', '1', 500], ['resume', '1'],
   ]);
   assert.deepEqual(all.manager.queued.map((file) => file.id), files(4500).map((file) => file.id));
+  assert.deepEqual(all.manager.queued[1], {
+    id: '2', path: 'd/2', size: 10, modified: 5, md5Digest: 'm2', downloadDetails: { url: 'u2-1', expires: 0 },
+  });
+  const small = make();
+  await begin(small, files(2));
+  assert.deepEqual(small.manager.calls.slice(1), [['queueFiles', '1', 2]], 'one batch needs no pause');
 });
 
-test('nothing is downloaded when the user chooses no folder', async () => {
+test('downloads nothing if the user chooses no folder', async () => {
   const all = make();
   all.manager.createGroup = async () => null;
   assert.equal(await all.flow.begin(MESSAGE, files(1), { automatic: false, whole: true }), null);
   assert.equal(all.downloads.length, 0);
 });
 
-test('a download that is complete before it is known to be full is over once it is', async () => {
+test('reports the end of a download only when all of its files are queued', async () => {
   const all = make();
   const wanted = files(1);
   const begun = await all.flow.begin(MESSAGE, wanted, { automatic: true, whole: true });
@@ -68,9 +63,9 @@ test('a download that is complete before it is known to be full is over once it 
   assert.equal(begun.transfer.isFinished(), true);
 });
 
-test('files whose addresses have expired get new ones by themselves, but not for ever', async () => {
+test('renews expired URLs automatically, but not indefinitely', async () => {
   const all = make();
-  all.service.expires = 1000;  // long ago
+  all.service.expires = 1000;  // in the past
   const transfer = await begin(all, files(3));
   for (let round = 0; round < 6; round += 1) {
     all.downloads.fileChanged(fileEvent('1', 'ERRORED'));
@@ -84,10 +79,10 @@ test('files whose addresses have expired get new ones by themselves, but not for
     all.downloads.groupChanged(groupEvent('1', { type: 'TRANSFERRING' }));
   }
   assert.deepEqual(all.service.calls.map((call) => call[2]), [3, 2, 2, 2]);
-  assert.ok(all.over.length > 0, 'at the end it has failed');
+  assert.ok(all.over.length > 0, 'fails in the end');
 });
 
-test('files that failed for another reason wait for the user, who gets new addresses for them', async () => {
+test('renews the URLs of other failed files when the user retries', async () => {
   const all = make();
   const transfer = await begin(all, files(3));
   all.downloads.groupChanged(groupEvent('1', { type: 'TRANSFERRING' }));
@@ -99,17 +94,12 @@ test('files that failed for another reason wait for the user, who gets new addre
   await all.downloads.retry(transfer);
   assert.deepEqual(all.service.calls[1], ['requestDownloads', 'b1', 1]);
   assert.deepEqual(all.manager.calls.slice(-2), [['queueFiles', '1', 1], ['resume', '1']]);
-});
-
-test('a message that is gone is told as the reason', async () => {
-  const all = make();
-  const transfer = await begin(all, files(1));
   all.service.requestDownloads = async () => { throw new Error('The message has expired; its files are gone.'); };
   await all.downloads.renewNow(Object.assign(transfer, { renewing: new Set(['1']) }));
   assert.match(transfer.get('problem'), /The message has expired/);
 });
 
-test('recalls a download of an earlier session with the files that were chosen', async () => {
+test('recalls a download of an earlier session with its chosen files', async () => {
   const all = make();
   all.service.expires = 2000;
   await begin(all, files(2).slice(1), { automatic: true, whole: false });
@@ -121,12 +111,12 @@ test('recalls a download of an earlier session with the files that were chosen',
   assert.deepEqual([transfer.files.count, transfer.files.at(0).name], [1, 'c.txt']);
   assert.equal(transfer.get('filesKnown'), false);
   assert.equal(transfer.addressIsOld('2', 1_999_000), false);
-  assert.equal(transfer.addressIsOld('2', 2_000_000), true, 'its addresses of the earlier session expired in the meantime');
+  assert.equal(transfer.addressIsOld('2', 2_000_000), true, 'the URLs of the earlier session have expired');
   later.groupChanged(groupEvent('1', { type: 'COMPLETED', bytesTotal: 7, bytesTransferred: 7 }));
   assert.equal(transfer.files.countIn('COMPLETED'), 1);
 });
 
-test('a download that was being filled when the page was loaded anew gets the rest when the user wants it', async () => {
+test('queues the remaining files of a download that a reload interrupted', async () => {
   const all = make();
   await all.flow.begin(MESSAGE, files(2), { automatic: true, whole: true });
   const later = new Downloads([], { manager: all.manager, service: all.service, connection });
@@ -139,9 +129,9 @@ test('a download that was being filled when the page was loaded anew gets the re
   assert.equal(transfer.get('phase'), 'running');
 });
 
-test('a download of the same message again is shown although the earlier one was cleared', async () => {
+test('shows a new download of a message whose earlier download was cleared', async () => {
   const all = make();
-  const transfer = await begin(all, files(1));
+  await begin(all, files(1));
   all.downloads.groupChanged(groupEvent('1', { type: 'COMPLETED' }));
   all.downloads.clearFinished();
   assert.equal(all.downloads.length, 0);
@@ -149,5 +139,4 @@ test('a download of the same message again is shown although the earlier one was
   assert.equal(all.downloads.length, 0);
   all.downloads.groupChanged(groupEvent('2', { type: 'TRANSFERRING' }));
   assert.equal(all.downloads.length, 1);
-  assert.ok(transfer);
 });

@@ -1,4 +1,4 @@
-// Stand-ins for the native side and the service that remember what they were asked.
+// Fakes of the native side and the service that record their calls.
 
 export class FakeUploads {
   constructor() {
@@ -81,7 +81,7 @@ for (const method of ['completeMessage', 'cancelMessage', 'removeFile']) {
   };
 }
 
-/** A connection over which every call succeeds or fails at once. */
+/** A connection whose calls succeed or fail at once. */
 export const connection = { persistently: (call) => call(), lost() {}, get: (name) => name === 'reachable' };
 
 /** A group object of the upload library. */
@@ -93,7 +93,7 @@ export function group(id, changes = {}) {
   };
 }
 
-/** A group event as the native side evaluates it. */
+/** A group event of the native side. */
 export function groupEvent(id, changes) {
   const state = group(id, changes);
   return { id, bucketId: state.bucketId, type: state.type, state };
@@ -106,11 +106,21 @@ export function fileEvent(fileId, type, done = 0) {
   };
 }
 
-/** File records as the native side gives them. */
+/** File records of the native side. */
 export function records(count, folder = 'd') {
   return Array.from({ length: count }, (_, i) => ({
     fileURL: `file:///home/ann/${folder}/${i}.txt`, name: `${i}.txt`, path: null, size: 10, created: 0, modified: 5,
   }));
 }
 
-export const settled = () => new Promise((resolve) => { setTimeout(resolve, 5); });
+/** Waits until the condition is true, at most ten seconds. */
+export async function until(condition) {
+  const limit = Date.now() + 10_000;
+  while (!condition()) {
+    if (Date.now() > limit) throw new Error(`waited ten seconds for ${condition}`);
+    await new Promise((resolve) => { setTimeout(resolve, 1); });
+  }
+}
+
+/** Waits until all resolved promises have been handled; timers are not waited for. */
+export const settled = () => new Promise((resolve) => { setImmediate(resolve); });

@@ -13,22 +13,17 @@ test('sizes have one digit below a hundred and never reach four digits', () => {
   assert.equal(formatSize(Number.NaN), '–');
 });
 
-test('rates and times that are not known are empty', () => {
+test('rates and remaining times use the largest useful unit and are empty if unknown', () => {
   assert.equal(formatRate(0), '');
   assert.equal(formatRate(12_300_000), '12.3 MB/s');
-  assert.equal(formatTimeLeft(0), '');
-  assert.equal(formatTimeLeft(Number.POSITIVE_INFINITY), '');
-});
-
-test('time left is told in its largest useful unit', () => {
   const expected = [
-    [0.2, '1 s left'], [59, '59 s left'], [60, '1 min left'], [90 * 60, '1 h 30 min left'],
-    [3599, '1 h 0 min left'], [30 * 3600, '1 day left'], [72 * 3600, '3 days left'],
+    [0, ''], [Number.POSITIVE_INFINITY, ''], [0.2, '1 s left'], [59, '59 s left'], [60, '1 min left'],
+    [90 * 60, '1 h 30 min left'], [3599, '1 h 0 min left'], [30 * 3600, '1 day left'], [72 * 3600, '3 days left'],
   ];
   for (const [seconds, text] of expected) assert.equal(formatTimeLeft(seconds), text);
 });
 
-test('dates are as exact as they are near', () => {
+test('near dates are more exact', () => {
   const now = new Date(2026, 4, 3, 15, 0).getTime();
   assert.equal(formatDate(new Date(2026, 4, 3, 9, 5).getTime(), now), 'Today 09:05');
   assert.equal(formatDate(new Date(2026, 4, 2, 23, 59).getTime(), now), 'Yesterday');
@@ -36,7 +31,7 @@ test('dates are as exact as they are near', () => {
   assert.equal(formatDate(new Date(2025, 11, 31).getTime(), now), '31 Dec 2025');
 });
 
-test('an expiry is told in its largest useful unit, none at all is empty', () => {
+test('an expiry uses the largest useful unit, and none is empty', () => {
   const expected = [[0, ''], [-5, 'Expired'], [1, 'Expires in 1 min'], [3599, 'Expires in 60 min'],
     [7200, 'Expires in 2 h'], [86400, 'Expires in 1 day'], [13 * 86400, 'Expires in 13 days']];
   for (const [seconds, text] of expected) {
@@ -44,14 +39,9 @@ test('an expiry is told in its largest useful unit, none at all is empty', () =>
   }
 });
 
-test('percent are whole and reach 100 only at the end', () => {
-  assert.equal(formatPercent(999, 1000), '99 %');
-  assert.equal(formatPercent(1000, 1000), '100 %');
-  assert.equal(formatPercent(2000, 1000), '100 %');
-  assert.equal(formatPercent(0, 0), '0 %');
-});
-
-test('counts are grouped and agree with their noun', () => {
+test('percentages are whole and reach 100 only at the end, and counts agree with their noun', () => {
+  const expected = [[999, 1000, '99 %'], [1000, 1000, '100 %'], [2000, 1000, '100 %'], [0, 0, '0 %']];
+  for (const [done, total, text] of expected) assert.equal(formatPercent(done, total), text);
   assert.equal(formatCount(1, 'file'), '1 file');
   assert.equal(formatCount(1_234_567, 'file'), '1,234,567 files');
 });

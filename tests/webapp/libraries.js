@@ -1,5 +1,5 @@
-// What the page has around it: Debian's Underscore and Backbone, loaded as classic scripts with global names, a storage
-// and frames.
+// The page's environment: Debian's Underscore and Backbone, loaded as classic scripts with global names, a storage and
+// frames.
 
 import { readFileSync } from 'node:fs';
 import { runInThisContext } from 'node:vm';

@@ -2,7 +2,7 @@ import assert from 'node:assert/strict';
 import { test } from 'node:test';
 import './libraries.js';
 import {
-  connection, FakeService, FakeUploads, fileEvent, groupEvent, settled,
+  connection, FakeService, FakeUploads, fileEvent, groupEvent, settled, until,
 } from './fakes.js';
 
 const { Downloads } = await import('../../webapp/js/models/downloads.js');
@@ -22,12 +22,12 @@ function make(pauses = [0, 0, 0]) {
   return { manager, service, downloads, transfer, asked };
 }
 
-test('learns why files failed from what the library told the service, and asks no more than it needs', async () => {
+test('asks once why several files failed', async () => {
   const { service, downloads, transfer, asked } = make();
   service.reports = { download: { state: 'ERRORED', waitingFor: null, failures: [failure('a', 'wrong_digest'), failure('b', 'disk_trouble')] } };
   downloads.fileChanged(fileEvent('a', 'ERRORED'));
   downloads.fileChanged(fileEvent('b', 'ERRORED'));
-  await settled();
+  await until(() => transfer.reasons.size === 2);
   assert.equal(transfer.reasons.get('a').code, 'wrong_digest');
   assert.equal(transfer.reasons.get('b').reason, 'sentence of disk_trouble');
   assert.equal(asked(), 1);
@@ -35,48 +35,48 @@ test('learns why files failed from what the library told the service, and asks n
   assert.equal(transfer.reasons.has('a'), false);
 });
 
-test('asks at once, and again, when the transfer has come to its end meanwhile', async () => {
-  const { service, downloads, transfer, asked } = make([1, 4000]);
+test('asks again at once when the transfer ends', async (t) => {
+  const start = globalThis.setTimeout;
+  t.mock.method(globalThis, 'setTimeout', (task, ms) => (ms > 1000 ? start(task, ms).unref() : start(task, ms)));
+  const { service, downloads, transfer, asked } = make([1, 60_000]);
   downloads.fileChanged(fileEvent('a', 'ERRORED'));
-  for (let turn = 0; turn < 1000 && asked() < 1; turn += 1) await settled();
+  await until(() => asked() === 1);
   service.reports = { download: { state: 'ERRORED', failures: [failure('a', 'wrong_size')] } };
   downloads.groupChanged(groupEvent('1', { type: 'ERRORED' }));
-  for (let turn = 0; turn < 300 && transfer.reasons.size === 0; turn += 1) await settled();
-  assert.equal(transfer.reasons.get('a').code, 'wrong_size');
+  await until(() => transfer.reasons.get('a')?.code === 'wrong_size');
 });
 
-test('gives up where there are no reports, or none of this file', async () => {
+test('stops asking if there are no reports, or none of this file', async () => {
   for (const reports of [{}, { upload: { state: 'ERRORED', failures: [failure('a', 'refused')] } }, null]) {
     const { service, downloads, transfer, asked } = make();
     service.reports = reports ?? undefined;
     if (reports === null) service.progressOf = async () => { service.calls.push(['progressOf']); throw new Error('404'); };
     downloads.fileChanged(fileEvent('a', 'ERRORED'));
-    for (let turn = 0; turn < 1000 && asked() < 3; turn += 1) await settled();
+    await until(() => asked() >= 3);
     await settled();
-    assert.equal(transfer.reasons.size, 0);
-    assert.equal(asked(), 3);
+    assert.deepEqual([asked(), transfer.reasons.size], [3, 0]);
   }
 });
 
-test('asks for new addresses of refused files once, and of expired ones more often', async () => {
-  for (const [code, most] of [['refused', 1], ['url_expired', 3], ['disk_trouble', 0]]) {
+test('requests new URLs of refused files once, and of expired ones more often', async () => {
+  for (const [code, max] of [['refused', 1], ['url_expired', 3], ['disk_trouble', 0]]) {
     const { service, downloads, transfer } = make([0]);
     const renewed = () => service.calls.filter(([name]) => name === 'requestDownloads').length;
     service.reports = { download: { state: 'ERRORED', failures: [failure('a', code)] } };
     for (let times = 0; times < 5; times += 1) {
       downloads.fileChanged(fileEvent('a', 'TRANSFERRING'));
       downloads.fileChanged(fileEvent('a', 'ERRORED'));
-      await settled();
+      await until(() => transfer.reasons.has('a'));
       if (transfer.renewal) {
         clearTimeout(transfer.renewal);
         await downloads.renewNow(transfer);
       }
     }
-    assert.equal(renewed(), most, code);
+    assert.equal(renewed(), max, code);
   }
 });
 
-test('says what a transfer waits for until something moves again', async () => {
+test('shows the reason for a wait until bytes move again', async () => {
   const { service, downloads, transfer } = make();
   downloads.groupChanged(groupEvent('1', { type: 'TRANSFERRING', bytesTransferred: 1 }));
   downloads.lookForStandstill();
@@ -89,7 +89,7 @@ test('says what a transfer waits for until something moves again', async () => {
   assert.equal(transfer.get('waitingFor'), null);
 });
 
-test('puts codes into words, and unknown ones into the sentence that came with them', () => {
+test('has a text for each code, and the report\'s sentence for unknown codes', () => {
   assert.equal(failedFileWords({ code: 'refused', reason: 'x' }, 'upload'), 'The server does not take it');
   assert.equal(failedFileWords({ code: 'new_code', reason: 'the moon is full' }, 'upload'), 'the moon is full');
   assert.equal(failedFileWords(null, 'upload'), '');

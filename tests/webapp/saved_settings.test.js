@@ -1,10 +1,11 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
 import { stored } from './libraries.js';
+import { until } from './fakes.js';
 
 const { applySavedSettings, changeSettings, saveSettings } = await import('../../webapp/js/saved_settings.js');
 
-/** Managers of the native side with its peculiar interval: its value is that of the rate's key. */
+/** The native side's managers, whose interval is read from the rate's key. */
 function nativeSide(configuration = {}) {
   const calls = [];
   const manager = (name) => {
@@ -26,7 +27,7 @@ function nativeSide(configuration = {}) {
   return calls;
 }
 
-test('gives the saved settings to both managers, the interval first and the rate after it', async () => {
+test('applies the saved settings to both managers, the interval before the rate', async () => {
   const calls = nativeSide();
   saveSettings({
     common: { maxConcurrentTransfers: 3 }, upload: { throttleBytesPerSecond: 7 }, download: { throttleBytesPerSecond: 0 }, interval: 20,
@@ -39,15 +40,10 @@ test('gives the saved settings to both managers, the interval first and the rate
   ]);
 });
 
-test('no other query or wait comes between the interval and the rate, and none is needed for the same interval', async () => {
+test('sends interval and rate in one turn, and no interval that has not changed', async () => {
   const calls = nativeSide();
-  let turns = 0;
   const changing = changeSettings({ upload: { throttleBytesPerSecond: 7 }, interval: 20 });
-  while (calls.length === 0) {
-    await new Promise((resolve) => { setTimeout(resolve, 0); });
-    turns += 1;
-    assert.ok(turns < 1000);
-  }
+  await until(() => calls.length > 0);
   assert.equal(calls.length, 2);
   const { upload } = await changing;
   assert.deepEqual(upload, { serverTransferProgressInterval: 20, throttleBytesPerSecond: 7 });
@@ -56,7 +52,7 @@ test('no other query or wait comes between the interval and the rate, and none i
   assert.deepEqual(calls[0], ['upload', { throttleBytesPerSecond: 8 }]);
 });
 
-test('without saved settings, or with garbage in their place, only reports are switched on', async () => {
+test('only enables reports if no valid settings are saved', async () => {
   for (const text of [null, '{']) {
     const calls = nativeSide({ throttleBytesPerSecond: 500 });
     stored.clear();

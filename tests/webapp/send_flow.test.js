@@ -26,7 +26,7 @@ async function send({ flow }, count) {
   return transfer;
 }
 
-test('creates the group with what the service gave, fills it in batches, and marks it last', async () => {
+test('creates the group, fills it in batches with their upload details, and marks it last', async () => {
   const all = make();
   const transfer = await send(all, 1200);
   assert.deepEqual(all.uploads.calls, [
@@ -35,11 +35,14 @@ test('creates the group with what the service gave, fills it in batches, and mar
     ['markQueue', '1'],
   ]);
   assert.deepEqual(all.service.calls.map((call) => call[3]), [500, 500, 200]);
+  assert.deepEqual(all.uploads.queued[650], {
+    id: '651', fileURL: 'file:///home/ann/d/650.txt', uploadDetails: { url: 'u651' },
+  });
   assert.equal(transfer.get('phase'), 'running');
   assert.equal(transfer.get('handedOver'), 1200);
 });
 
-test('progress counts what has not been handed over yet', async () => {
+test('includes files that are not queued yet in the progress', async () => {
   const all = make();
   const { transfer } = await all.flow.begin(content(1200));
   all.transfers.groupChanged(groupEvent('1', {
@@ -51,22 +54,17 @@ test('progress counts what has not been handed over yet', async () => {
   assert.equal(transfer.timeLeft(), 40);
 });
 
-test('every file goes with its own address', async () => {
+test('passes on refusals of the service and of the library', async () => {
   const all = make();
-  await send(all, 700);
-  assert.deepEqual(all.uploads.queued[650], {
-    id: '651', fileURL: 'file:///home/ann/d/650.txt', uploadDetails: { url: 'u651' },
-  });
-});
-
-test('a group that the library refuses is an error before anything is queued', async () => {
-  const all = make();
+  all.service.announceFiles = async () => { throw new Error('The file "x" cannot be taken.'); };
+  await assert.rejects(send(all, 1), /cannot be taken/);
+  all.transfers.reset();
   all.uploads.createGroup = async () => ({ id: null, state: null });
   await assert.rejects(all.flow.begin(content(1)), /could not begin/);
   assert.equal(all.transfers.length, 0);
 });
 
-test('stops adding files to a transfer that is cancelled meanwhile, and does not mark it', async () => {
+test('stops filling a transfer that is cancelled meanwhile, and does not mark it', async () => {
   const all = make();
   const sent = content(1200);
   const { transfer, token } = await all.flow.begin(sent);
@@ -78,12 +76,4 @@ test('stops adding files to a transfer that is cancelled meanwhile, and does not
   await all.flow.fill(transfer, token, sent.files);
   assert.ok(all.uploads.queued.length < 1200);
   assert.equal(all.uploads.calls.some(([method]) => method === 'markQueue'), false);
-});
-
-test('a refusal while files are added reaches the caller', async () => {
-  const all = make();
-  all.service.announceFiles = async () => { throw new Error('The file "x" cannot be taken.'); };
-  const sent = content(1);
-  const { transfer, token } = await all.flow.begin(sent);
-  await assert.rejects(all.flow.fill(transfer, token, sent.files), /cannot be taken/);
 });

@@ -4,33 +4,29 @@ import { entryAt, recipientText, replaceEntry, usableSuggestions } from '../../w
 import { parseRecipients } from '../../webapp/js/recipients.js';
 import { SuggestionSearch } from '../../webapp/js/suggestion_search.js';
 
-test('finds the entry at the caret', () => {
-  assert.equal(entryAt('ann@example.org, bo', 19).text, 'bo');
-  assert.equal(entryAt('an, bo@example.org', 2).text, 'an');
+test('replaces the entry at the caret by a suggestion', () => {
   assert.equal(entryAt('ann@example.org, ', 17).text, '');
-});
-
-test('a suggestion takes the place of what was typed, wherever that is', () => {
+  assert.equal(entryAt('ann@example.org, bo', 19).text, 'bo');
   const ann = { name: 'Ann Lee', email: 'ann@example.org' };
   assert.deepEqual(replaceEntry('bo@b, an', 8, ann), { text: 'bo@b, Ann Lee <ann@example.org>, ', caret: 33 });
   assert.deepEqual(replaceEntry('an, bo@b', 2, ann), { text: 'Ann Lee <ann@example.org>, bo@b', caret: 27 });
 });
 
-test('whatever the name, the address comes out as it is', () => {
+test('keeps the address intact, whatever the name', () => {
   for (const name of ['Lee, Ann', 'A <x>', '"Q"', 'a;b', '', undefined, 'ann@example.org']) {
     const text = recipientText({ name, email: 'ann@example.org' });
     assert.deepEqual(parseRecipients(`${text}, `), { addresses: ['ann@example.org'], invalid: [] }, text);
   }
 });
 
-test('suggests people with an address, each once, and nobody who is there already', () => {
+test('suggests people with an address, each once, and no entered recipient', () => {
   const answer = [null, {}, { name: 'No address' }, { email: 'a@x' }, { email: 'A@x', name: 'Again' }, { email: 'b@x' }, { email: 'c@x' }];
   assert.deepEqual(usableSuggestions(answer, ['B@x'], 8).map((person) => person.email), ['a@x', 'c@x']);
   assert.equal(usableSuggestions(answer, [], 2).length, 2);
   assert.deepEqual(usableSuggestions(null, [], 8), []);
 });
 
-/** An address book that answers when it is told to, and a clock that does. */
+/** An address book and a clock that the test controls. */
 function searching() {
   mock.timers.enable({ apis: ['setTimeout'] });
   const asked = [];
@@ -43,7 +39,7 @@ function searching() {
 }
 const answered = () => new Promise((resolve) => { setImmediate(resolve); });
 
-test('asks once typing pauses, and drops answers that come too late', async (t) => {
+test('searches when typing pauses, and drops outdated results', async (t) => {
   t.after(() => mock.timers.reset());
   const { asked, found, search } = searching();
   for (const text of ['a', 'an', 'ann']) search.ask(text, text);
@@ -58,7 +54,7 @@ test('asks once typing pauses, and drops answers that come too late', async (t) 
   assert.deepEqual(found, [['anna@x']]);
 });
 
-test('nothing is found for an empty text, after leaving the field, and without an address book', async (t) => {
+test('finds nothing for an empty text, after leaving the field, and without an address book', async (t) => {
   t.after(() => mock.timers.reset());
   const { asked, found, search } = searching();
   search.ask('a', 'a');

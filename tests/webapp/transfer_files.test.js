@@ -8,7 +8,7 @@ function described(count) {
   return files;
 }
 
-test('counts files by state as events come in', () => {
+test('counts files by state', () => {
   const files = described(3);
   assert.equal(files.countIn('UNKNWON'), 3);
   assert.equal(files.update('1', 'TRANSFERRING', 4, 10), true);
@@ -22,28 +22,21 @@ test('counts files by state as events come in', () => {
   assert.equal(files.bytes, 30);
 });
 
-test('events may come before the description of their file', () => {
+test('keeps events that come before the description of their file', () => {
   const files = new TransferFiles();
   files.update('7', 'COMPLETED', 10, 10);
-  files.describe([{ id: '7', name: 'late.txt', folder: 'a', size: 10, state: null }]);
-  assert.equal(files.count, 1);
-  assert.deepEqual([files.at(0).name, files.at(0).state], ['late.txt', 'COMPLETED']);
+  files.update('1', 'TRANSFERRING', 1, 50);
+  files.describe([
+    { id: '7', name: 'late.txt', folder: 'a', size: 10, state: null },
+    { id: '1', name: 'a', folder: null, size: 10, state: 'COMPLETED' },
+  ]);
+  assert.deepEqual([files.count, files.at(0).name, files.at(0).state], [2, 'late.txt', 'COMPLETED']);
+  assert.equal(files.at(1).state, 'TRANSFERRING');
+  files.update('1', 'SOMETHING', 0, 50);
+  assert.deepEqual([files.countIn('UNKNWON'), files.bytes], [1, 60], 'unknown states are idle; the last size counts');
 });
 
-test('a description of an earlier session does not undo an event', () => {
-  const files = new TransferFiles();
-  files.update('1', 'TRANSFERRING', 1, 10);
-  files.describe([{ id: '1', name: 'a', folder: null, size: 10, state: 'COMPLETED' }]);
-  assert.equal(files.at(0).state, 'TRANSFERRING');
-});
-
-test('a size that turns out otherwise is taken from the event', () => {
-  const files = described(1);
-  files.update('0', 'TRANSFERRING', 5, 50);
-  assert.equal(files.bytes, 50);
-});
-
-test('a file that is left out counts nowhere and stays so', () => {
+test('does not count a file that was left out, whatever events follow', () => {
   const files = described(2);
   files.update('0', 'ERRORED', 0, 10);
   files.leaveOut('0');
@@ -56,13 +49,7 @@ test('a file that is left out counts nowhere and stays so', () => {
   assert.equal(files.wanted, 1);
 });
 
-test('unknown states count as the idle one', () => {
-  const files = described(1);
-  files.update('0', 'SOMETHING', 0, 10);
-  assert.equal(files.countIn('UNKNWON'), 1);
-});
-
-test('takes an event for each of 100,000 files', () => {
+test('handles an event for each of 100,000 files', () => {
   const files = described(100_000);
   for (let i = 0; i < 100_000; i += 1) files.update(String(i), 'COMPLETED', 10, 10);
   assert.equal(files.countIn('COMPLETED'), 100_000);

@@ -19,7 +19,7 @@ function running(transfers, id = '1') {
   return transfers.add({ id, bucketId: 'b1', subject: 'Film', phase: 'running' });
 }
 
-test('takes group events as the native side writes them', () => {
+test('applies group events of the native side', () => {
   const { transfers } = make();
   const transfer = running(transfers);
   transfers.groupChanged(groupEvent('1', {
@@ -30,7 +30,7 @@ test('takes group events as the native side writes them', () => {
     ['TRANSFERRING', 5, 2, 3]);
 });
 
-test('draws once for thousands of events', () => {
+test('draws once per frame for thousands of events', () => {
   const { transfers } = make();
   frames.length = 0;
   let drawn = 0;
@@ -43,27 +43,23 @@ test('draws once for thousands of events', () => {
   assert.equal(transfer.files.countIn('TRANSFERRING'), 5000);
 });
 
-test('completes the message at the service once its group is complete', async () => {
-  const { transfers, service } = make();
-  const transfer = running(transfers);
-  transfers.groupChanged(groupEvent('1', { type: 'COMPLETED', marked: true }));
-  transfers.groupChanged(groupEvent('1', { type: 'COMPLETED', marked: true }));
-  await settled();
-  assert.deepEqual(service.calls, [['completeMessage', 'b1']]);
-  assert.equal(transfer.get('phase'), 'delivered');
-});
-
-test('says so when the service does not accept a complete message', async () => {
-  const { transfers, service } = make();
+test('completes the message at the service once its group is complete, and shows a refusal', async () => {
+  const { transfers, service, uploads } = make();
+  const complete = service.completeMessage.bind(service);
   service.completeMessage = async () => { throw new Error('2 of 3 files have not arrived yet.'); };
   const transfer = running(transfers);
   transfers.groupChanged(groupEvent('1', { type: 'COMPLETED', marked: true }));
   await settled();
   assert.match(transfer.get('problem'), /2 of 3 files/);
   assert.equal(transfer.get('phase'), 'undelivered');
-  service.completeMessage = async () => {};
+  service.completeMessage = complete;
   await transfers.retry(transfer);
+  transfers.groupChanged(groupEvent('1', { type: 'COMPLETED', marked: true }));
+  await settled();
   assert.deepEqual([transfer.get('phase'), transfer.get('problem')], ['delivered', '']);
+  assert.deepEqual(service.calls, [['completeMessage', 'b1']]);
+  assert.equal(await transfers.cancel(transfer), false, 'a delivered message cannot be cancelled');
+  assert.deepEqual([transfer.get('phase'), uploads.calls, service.calls.length], ['delivered', [], 1]);
 });
 
 test('recalls the transfers of an earlier session from the library and the service', async () => {
@@ -76,15 +72,15 @@ test('recalls the transfers of an earlier session from the library and the servi
   assert.equal(transfer.get('subject'), 'Earlier');
   assert.equal(transfer.files.byId('1').state, 'COMPLETED');
   assert.deepEqual([transfer.files.byId('1').folder, transfer.files.byId('1').name], ['a', 'b.txt']);
-  assert.equal(transfers.get('4').get('phase'), 'interrupted', 'was not marked, so not all files are there');
+  assert.equal(transfers.get('4').get('phase'), 'interrupted', 'not marked, so files are missing');
 });
 
-test('a failed transfer goes on by itself only after the service was away', async () => {
+test('continues a failed transfer automatically only after the service was unreachable', async () => {
   const { transfers, uploads, service } = make();
   running(transfers);
   transfers.groupChanged(groupEvent('1', { type: 'ERRORED', marked: true }));
   await settled();
-  assert.deepEqual(uploads.calls, [], 'the service is there: it is for the user to decide');
+  assert.deepEqual(uploads.calls, [], 'the service is reachable, so the user decides');
   transfers.groupChanged(groupEvent('1', { type: 'TRANSFERRING', marked: true }));
   let away = true;
   service.status = async () => {
@@ -97,7 +93,7 @@ test('a failed transfer goes on by itself only after the service was away', asyn
   assert.deepEqual(uploads.calls, [['resume', '1']]);
 });
 
-test('asks the service where nothing moves between two looks', async () => {
+test('checks the service if nothing moves between two checks', async () => {
   const { transfers, service } = make();
   let asked = 0;
   service.status = async () => { asked += 1; };
@@ -115,24 +111,13 @@ test('asks the service where nothing moves between two looks', async () => {
   assert.equal(asked, 1);
 });
 
-test('what was sent while the user was asked is not cancelled', async () => {
-  const { transfers, uploads, service } = make();
-  const transfer = running(transfers);
-  transfers.groupChanged(groupEvent('1', { type: 'COMPLETED', marked: true }));
-  await settled();
-  assert.equal(await transfers.cancel(transfer), false);
-  assert.equal(transfer.get('phase'), 'delivered');
-  assert.deepEqual(uploads.calls, []);
-  assert.deepEqual(service.calls.map(([method]) => method), ['completeMessage']);
-});
-
-test('tells once that a transfer is over, and never of one that was over before this session', async () => {
+test('reports the end of a transfer once, unless it ended before this session', async () => {
   const { transfers, service } = make();
   const over = [];
   transfers.on('over', (transfer) => over.push(transfer.get('state')));
   transfers.groupChanged(groupEvent('1', { type: 'COMPLETED', marked: true }));
   await settled();
-  assert.deepEqual(over, [], 'it was complete when the page was loaded');
+  assert.deepEqual(over, [], 'complete when the page was loaded');
   transfers.groupChanged(groupEvent('2', { type: 'TRANSFERRING', marked: true }));
   transfers.groupChanged(groupEvent('2', { type: 'ERRORED', marked: true }));
   await settled();
@@ -144,26 +129,19 @@ test('tells once that a transfer is over, and never of one that was over before 
   assert.equal(service.calls.length, 2);
 });
 
-test('cancelling tells the library and the service', async () => {
-  const { transfers, uploads, service } = make();
-  const transfer = running(transfers);
-  await transfers.cancel(transfer);
-  assert.deepEqual(uploads.calls, [['cancel', '1']]);
-  assert.deepEqual(service.calls, [['cancelMessage', 'b1']]);
-  assert.equal(transfer.isFinished(), true);
-});
-
-test('a file that is left out is taken from both, and the rest is delivered', async () => {
+test('leaves a file out and cancels a transfer in the library and at the service', async () => {
   const { transfers, uploads, service } = make();
   const transfer = running(transfers);
   transfers.fileChanged(fileEvent('5', 'ERRORED', 0));
   await transfers.leaveOut(transfer, '5');
-  assert.deepEqual(uploads.calls, [['dequeueFiles', '1', [{ id: '5' }]]]);
-  assert.deepEqual(service.calls, [['removeFile', 'b1', '5']]);
   assert.equal(transfer.files.countIn('ERRORED'), 0);
+  await transfers.cancel(transfer);
+  assert.equal(transfer.isFinished(), true);
+  assert.deepEqual(uploads.calls, [['dequeueFiles', '1', [{ id: '5' }]], ['cancel', '1']]);
+  assert.deepEqual(service.calls, [['removeFile', 'b1', '5'], ['cancelMessage', 'b1']]);
 });
 
-test('what was cleared stays away in later sessions', async () => {
+test('keeps cleared transfers hidden in later sessions', async () => {
   const { transfers, uploads } = make();
   const transfer = running(transfers);
   transfer.set({ state: 'COMPLETED', phase: 'delivered' });

@@ -1,7 +1,7 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
 
-// Just enough of a document to see which rows a list keeps in it.
+// A minimal document that shows the rows of a list.
 class FakeElement {
   constructor() {
     this.children = [];
@@ -51,8 +51,8 @@ function scroll(list, top) {
   frames.splice(0).forEach((frame) => frame());
 }
 
-test('of 100,000 entries only those in view are in the document, in reading order', () => {
-  const { list, shown } = listOf(100_000);
+test('keeps only visible rows of 100,000 entries in the document, in reading order, and reuses them', () => {
+  const { list, made, shown } = listOf(100_000);
   assert.equal(list.canvas.style.height, '5200000px');
   assert.deepEqual(shown(), Array.from({ length: 16 }, (_, i) => i));
   for (const top of [1_000_000, 1_000_300, 999_800, 5_199_480, 0]) {
@@ -62,15 +62,13 @@ test('of 100,000 entries only those in view are in the document, in reading orde
     assert.deepEqual(rows, rows.slice().sort((a, b) => a - b));
     assert.ok(rows.includes(Math.floor(top / 52)));
   }
-});
-
-test('rows are used again instead of being made anew', () => {
-  const { list, made } = listOf(100_000);
   for (let top = 0; top < 520_000; top += 700) scroll(list, top);
-  assert.ok(made.length <= 24, `${made.length} rows were made`);
+  assert.ok(made.length <= 24, `${made.length} rows were made, not reused`);
+  scroll(list, -80);
+  assert.equal(shown()[0], 0);
 });
 
-test('scrolling fills only what comes into view, a refresh all that is in view', () => {
+test('fills new rows when scrolling, and all visible rows on a refresh', () => {
   const { list, filled, shown } = listOf(1000);
   filled.length = 0;
   scroll(list, 52);
@@ -80,7 +78,7 @@ test('scrolling fills only what comes into view, a refresh all that is in view',
   assert.equal(filled.length, shown().length);
 });
 
-test('a list that becomes shorter loses its rows', () => {
+test('removes the rows of a list that becomes shorter', () => {
   const { list, shown } = listOf(10);
   list.refresh(2);
   assert.deepEqual(shown(), [0, 1]);

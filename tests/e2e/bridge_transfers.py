@@ -1,4 +1,4 @@
-"""Transfers that a test asks for through the page's bridges, as the web application does."""
+"""Transfers through the page's bridges, as the web application uses them."""
 
 import json
 import pathlib
@@ -8,20 +8,20 @@ from harness import checksums
 UPLOADS = "uploadManagerBridge_IPC"
 DOWNLOADS = "downloadManagerBridge_IPC"
 
-# Keeps what the client tells the page, by group and by file.
+# Records the client's events, by group and by file.
 RECORD_EVENTS = """
-window.told = {groups: {}, files: {}};
+window.events = {groups: {}, files: {}};
 for (const manager of ['upload', 'download']) {
   window[`_${manager}Manager_groupStateChanged`] = event =>
-    (told.groups[manager + event.id] ??= []).push(event.state);
+    (events.groups[manager + event.id] ??= []).push(event.state);
   window[`_${manager}Manager_fileStateChanged`] = event =>
-    told.files[manager + event.id + '/' + event.fileId] = event.type;
+    events.files[manager + event.id + '/' + event.fileId] = event.type;
 }
 0"""
 
 
 class Message:
-    """A message of the local service with the files that belong to it."""
+    """A message of the local service with its files."""
 
     def __init__(self, service, subject):
         created = service.request("POST", "/api/messages", {"subject": subject})
@@ -29,7 +29,7 @@ class Message:
         self._service = service
 
     def announce(self, files):
-        """Announces files, given as a map from name to path; gives what the service says of each."""
+        """Announces files, given as a map from name to path; returns the service's records."""
         listed = []
         for name, path in files.items():
             folder, _, last = name.rpartition("/")
@@ -40,7 +40,7 @@ class Message:
                                      {"X-Zantrio-Token": self.token})["files"]
 
     def complete(self, announced):
-        """Completes the message; gives what the download bridge needs to know of its files."""
+        """Completes the message; returns its files as the download bridge expects them."""
         self._service.request("POST", f"/api/messages/{self.bucket}/complete", {},
                               {"X-Zantrio-Token": self.token})
         return self._service.request("POST", f"/api/received/{self.bucket}/downloads",
@@ -56,14 +56,14 @@ class BridgeTransfers:
         page.evaluate(RECORD_EVENTS)
 
     def ask(self, bridge, method, parameters=None):
-        """The answer of a query that must succeed."""
+        """Returns the answer of a query that must succeed."""
         answer = self._page.query(bridge, method, parameters)
         if answer[0] != "success":
             raise AssertionError(f"{method} failed: {answer}")
         return json.loads(answer[1])
 
     def send(self, subject, folder):
-        """Uploads what is in a folder; gives the message and its files as downloads want them."""
+        """Uploads a folder; returns the message and its files as downloads expect them."""
         files = checksums.files_below(folder)
         message = Message(self._service, subject)
         group = self._create(UPLOADS, message)
@@ -76,7 +76,7 @@ class BridgeTransfers:
         return message, message.complete(announced)
 
     def start_download(self, message, files, summary):
-        """Begins to fetch files into the automatic folder; gives the group's id."""
+        """Begins to download files into the automatic folder; returns the group's id."""
         group = self._create(DOWNLOADS, message, summary=summary, autoDownload=True)
         self.ask(DOWNLOADS, "queueFiles", {"groupId": group, "files": files})
         return group
@@ -88,23 +88,23 @@ class BridgeTransfers:
         return answer["id"]
 
     def wait_until_over(self, manager, group, state, limit_seconds=120):
-        """Waits for the group's end, which must be in this state; gives its last report."""
+        """Waits for the group's end, which must have this state; returns its last event."""
         last = self._page.wait_for(
             f"(last => ['COMPLETED', 'ERRORED'].includes(last?.type) && last)"
-            f"(told.groups['{manager}{group}']?.at(-1))", limit_seconds)
+            f"(events.groups['{manager}{group}']?.at(-1))", limit_seconds)
         if last["type"] != state:
-            raise AssertionError(f"{manager} {group} ended otherwise: {last}")
+            raise AssertionError(f"{manager} {group} ended in a different state: {last}")
         return last
 
     def wait_for_file(self, group, file_id, state):
-        self._page.wait_for(f"told.files['download{group}/{file_id}'] === '{state}'")
+        self._page.wait_for(f"events.files['download{group}/{file_id}'] === '{state}'")
 
-    def files_told(self, group):
-        """The last state of each file of a download, by the file's id."""
-        told = self._page.evaluate("told.files")
+    def file_states(self, group):
+        """Returns the last state of each file of a download, by the file's id."""
+        states = self._page.evaluate("events.files")
         prefix = f"download{group}/"
-        return {name[len(prefix):]: state for name, state in told.items() if name.startswith(prefix)}
+        return {name[len(prefix):]: state for name, state in states.items() if name.startswith(prefix)}
 
-    def reports(self, group):
-        """All reports of a download group."""
-        return self._page.evaluate(f"told.groups['download{group}'] ?? []")
+    def group_events(self, group):
+        """Returns all events of a download group."""
+        return self._page.evaluate(f"events.groups['download{group}'] ?? []")

@@ -1,8 +1,7 @@
 // A window from which the given files can be dragged, as from a file manager: drag_source FILE...
 //
-// It prints "ready" once it is shown in the display's upper left corner, during a drag the action
-// that the target offers when it changes ("offered 1" is a copy, "offered 0" a refusal), and after
-// it the one that was taken ("dropped 1").
+// It prints "ready" when it is shown in the display's upper left corner, "offered N" during a drag
+// when the target's action changes (1: copy, 0: refused), and "dropped N" after the drop.
 
 #include <QApplication>
 #include <QDrag>
@@ -29,9 +28,9 @@ class DragSource : public QLabel {
     }
     auto* drag = new QDrag(this);
     drag->setMimeData(makeContent());
-    connect(drag, &QDrag::actionChanged, [](Qt::DropAction action) { tell("offered", action); });
+    connect(drag, &QDrag::actionChanged, [](Qt::DropAction action) { report("offered", action); });
     const Qt::DropAction action = drag->exec(Qt::CopyAction, Qt::CopyAction);
-    tell("dropped", action);
+    report("dropped", action);
   }
 
  private:
@@ -45,7 +44,7 @@ class DragSource : public QLabel {
     return content;
   }
 
-  static void tell(const char* what, Qt::DropAction action) {
+  static void report(const char* what, Qt::DropAction action) {
     std::printf("%s %d\n", what, static_cast<int>(action));
     std::fflush(stdout);
   }

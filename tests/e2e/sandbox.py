@@ -1,4 +1,4 @@
-"""What every end-to-end test stands on: a service, a display, and the real client in a home of its own."""
+"""The base of every end-to-end test: a service, a display, and the real client in its own home folder."""
 
 import os
 import pathlib
@@ -19,13 +19,13 @@ from harness.wait import wait_until
 BUILD = pathlib.Path(os.environ["ZANTRIO_BUILD"])
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 
-# No test finds the services of whoever runs it, contacts and notifications among them.
+# Tests must not reach the desktop services of the user who runs them.
 for bus in ("DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS"):
     os.environ[bus] = "unix:path=/nonexistent/bus"
 
 
 class Sandbox(unittest.TestCase):
-    """Makes a temporary folder for each test and ends everything that the test started."""
+    """Creates a temporary folder for each test and ends everything that the test started."""
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory(prefix="zantrio-e2e-", ignore_cleanup_errors=True)
@@ -38,21 +38,21 @@ class Sandbox(unittest.TestCase):
 
     @property
     def environment(self):
-        """Variables of the virtual display, which starts when it is first needed, and of the test's own."""
+        """Variables of the virtual display, which starts at the first use, and of the test."""
         if self._display is None:
             self._display = VirtualDisplay()
             self.addCleanup(self._display.stop)
         return {**os.environ, **self._display.environment(), **self._variables}
 
     def start_session_bus(self, **options):
-        """A session bus that the client and the desktop's services use."""
+        """Starts a session bus for the client and desktop services."""
         bus = SessionBus(**options)
         self.addCleanup(bus.stop)
         self._variables.update(bus.environment())
         return bus
 
     def replace_opener(self):
-        """Puts another xdg-open in front of the system's; gives a function for what it was started with."""
+        """Replaces xdg-open; returns a function that lists the arguments of its starts."""
         opened = self.folder / "opened"
         program = self.folder / "programs" / "xdg-open"
         program.parent.mkdir()
@@ -81,7 +81,7 @@ class Sandbox(unittest.TestCase):
         return client
 
     def start_all(self, *files):
-        """A service and a client that shows its page; gives (service, client, page)."""
+        """Starts a service and a client that shows its page; returns (service, client, page)."""
         service = self.start_service()
         client = self.start_client(self.make_bundle(service.url), *files)
         return service, client, self.send_page(client)
@@ -92,7 +92,7 @@ class Sandbox(unittest.TestCase):
         return page
 
     def make_files(self, folder, count, size):
-        """Makes `count` files of about `size` bytes, all different, in nested folders."""
+        """Creates `count` different files of about `size` bytes in nested folders."""
         for number in range(count):
             path = folder / f"series {number // 100:03}" / f"Ünit {number:05} 100%.bin"
             path.parent.mkdir(parents=True, exist_ok=True)
@@ -123,7 +123,7 @@ class Sandbox(unittest.TestCase):
                    f'the end of the window "{title}"')
 
     def drag_to_window(self, path):
-        """Drags the path from another program's window with the pointer and drops it on the client's."""
+        """Drags the path from another program's window to the client's with the pointer."""
         screen = self.environment
         source = process.start([BUILD / "bin/drag_source", path], env=screen, text=True, stdout=subprocess.PIPE)
         self.addCleanup(source.stdout.close)
@@ -136,7 +136,7 @@ class Sandbox(unittest.TestCase):
         for step in (["mousemove", 50, 30], ["mousedown", 1], ["mousemove", 60, 35],
                      ["mousemove", 200, 200], ["mousemove", 600, 400]):
             display.xdotool(screen, *step)
-        # The window answers each movement; it takes some until the page behind it has been asked.
+        # The window answers each movement; the first answers come before the page's.
         wait_until(lambda: display.xdotool(screen, "mousemove_relative", 1, 0) == ""
                    and not said.empty() and said.get() == "offered 1", 30, "the page's consent")
         display.xdotool(screen, "mouseup", 1)
@@ -149,7 +149,7 @@ class Sandbox(unittest.TestCase):
         self.assertEqual(checksums.differences(expected, service.arrived()), [])
 
     def assert_leaves_cleanly(self, client, page):
-        """Leaves through the page: exit code 0, the log's lines in order, no process left."""
+        """Quits through the page: exit code 0, the log's lines in order, no process left."""
         family = process.descendants(client.process.pid)
         page.leave()
         self.assertEqual(client.wait(60), 0, self.client_output.read_text(errors="replace"))
@@ -166,8 +166,11 @@ class Sandbox(unittest.TestCase):
             "Shutting down download manager",
             "Shutting down Upload Manager",
         ])
-        left = [pid for pid in family if pathlib.Path(f"/proc/{pid}/exe").exists()]
-        self.assertEqual(left, [], "processes of the client are still running")
+        self.assert_ended(family)
+
+    def assert_ended(self, pids):
+        """Waits until the processes have ended; the browser's own may do so a moment after the client."""
+        wait_until(lambda: not process.running(pids), 30, "the end of the client's processes")
 
     def assert_in_order(self, lines, expected):
         position = 0

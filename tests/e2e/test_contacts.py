@@ -1,4 +1,4 @@
-"""Recipients out of the user's contacts: from the page through the client to a real address book."""
+"""Recipients from the user's contacts: from the page through the client to a real address book."""
 
 import json
 import unittest
@@ -34,7 +34,7 @@ class Contacts(Sandbox):
         self.assertEqual(kind, "success")
         return json.loads(text)
 
-    def test_page_finds_people_of_the_enabled_address_books(self):
+    def test_finds_people_of_the_enabled_address_books(self):
         bus, books = self.start_address_books()
         page = self.start_page()
         ann = [{"email": "ann@example.org", "name": "Ann Lee"},
@@ -60,7 +60,7 @@ class Contacts(Sandbox):
         wait_until(lambda: self.search(page, "carl") == carl, 60, "the new contact")
         self.assert_leaves_cleanly(self.client, page)
 
-    def test_other_bridges_work_where_there_are_no_contacts(self):
+    def test_serves_the_other_bridges_without_address_books(self):
         page = self.start_page()
         self.assertIn(f"Query handler for name {BRIDGE} is not registered due to exception: "
                       "Failed to obtain system address book reference!", self.client.messages())

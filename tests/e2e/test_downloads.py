@@ -1,4 +1,4 @@
-"""Real files back from the service: what arrives, where, and what happens when something is wrong with it."""
+"""Real downloads: content, destination, and failures."""
 
 import os
 import unittest
@@ -44,18 +44,18 @@ class Downloads(Sandbox):
         return folder
 
     def send(self, files):
-        """Sends these files with the client; gives the message and how its files are to be fetched."""
+        """Sends these files with the client; returns the message and its files for downloads."""
         self.start()
         return self.transfers.send("A sample", self.make_sample(files))
 
     def fetch(self, message, files, summary, state="COMPLETED"):
-        """Fetches files into their own folder of the automatic one; gives the group's id."""
+        """Downloads files into their own folder in the automatic one; returns the group's id."""
         group = self.transfers.start_download(message, files, summary)
         self.transfers.wait_until_over("download", group, state)
         return group
 
     def fetched(self, summary):
-        """Everything in the folder, hidden files too, as a map from name to path."""
+        """Maps names to paths for all files in the folder, including hidden ones."""
         folder = self.downloads / "Zantrio" / summary
         return {str(path.relative_to(folder)): path for path in folder.rglob("*") if path.is_file()}
 
@@ -64,27 +64,27 @@ class Downloads(Sandbox):
                                                self.fetched(summary)), [])
 
     def shown_folders(self):
-        """The folders that the file manager was asked to show."""
+        """Returns the folders that the file manager was asked to show."""
         return [urllib.parse.unquote(url) for url in self.file_manager.shown()]
 
-    # Where it goes
+    # Destination
 
-    def test_what_was_sent_comes_back_byte_by_byte(self):
+    def test_downloads_what_was_sent_byte_by_byte(self):
         message, files = self.send(SAMPLE)
         group = self.fetch(message, files, "Zurück: 100% da")
         self.assert_fetched("Zurück: 100% da", SAMPLE)
         for path in self.fetched("Zurück: 100% da").values():
             self.assertEqual(path.stat().st_mtime_ns, 1_600_000_000_123_000_000, path)
-        last = self.transfers.reports(group)[-1]
+        last = self.transfers.group_events(group)[-1]
         self.assertEqual(last["percentTransferred"], 100)
         self.assertEqual(last["bytesTransferred"], sum(map(len, SAMPLE.values())))
-        self.assertEqual(set(self.transfers.files_told(group).values()), {"COMPLETED"})
+        self.assertEqual(set(self.transfers.file_states(group).values()), {"COMPLETED"})
         folder = self.downloads / "Zantrio" / "Zurück: 100% da"
         wait_until(self.shown_folders, 30, "the folder to be shown")
         self.assertEqual(self.shown_folders(), [f"file://{folder}/"])
         self.assert_leaves_cleanly(self.client, self.page)
 
-    def test_files_go_to_the_folder_that_the_user_chooses(self):
+    def test_downloads_to_the_folder_that_the_user_chooses(self):
         chosen = self.folder / "chosen by hand"
         chosen.mkdir()
         message, files = self.send({"a.txt": b"a"})
@@ -100,7 +100,7 @@ class Downloads(Sandbox):
         self.assertEqual((chosen / "day 1/two/a.txt").read_bytes(), b"a")
         self.assertEqual(list(self.downloads.iterdir()), [])
 
-    def test_folder_opens_once_and_not_again_at_the_next_start(self):
+    def test_opens_the_folder_once_and_not_again_at_the_next_start(self):
         message, files = self.send({"a.txt": b"a"})
         self.fetch(message, files, "first")
         wait_until(self.shown_folders, 30, "the folder to be shown")
@@ -114,7 +114,7 @@ class Downloads(Sandbox):
         self.assertEqual(self.shown_folders(), [f"file://{self.downloads}/Zantrio/first/",
                                                 f"file://{self.downloads}/Zantrio/second/"])
 
-    def test_folder_of_a_cancelled_group_opens_when_some_files_have_arrived(self):
+    def test_opens_the_folder_of_a_cancelled_group_if_some_files_have_arrived(self):
         message, files = self.send({"a.txt": b"a", "b.txt": b"b"})
         self.service.request("POST", "/faults", {"type": "stall", "method": "GET", "path": "*/b.txt"})
         group = self.transfers.start_download(message, files, "some")
@@ -126,9 +126,9 @@ class Downloads(Sandbox):
         self.assertEqual(self.shown_folders(), [f"file://{self.downloads}/Zantrio/some/"])
         self.assertEqual(set(self.fetched("some")), {"a.txt"})
 
-    # What may be wrong
+    # Failures
 
-    def test_hostile_names_fail_alone_and_leave_nothing_outside_the_folder(self):
+    def test_fails_only_files_with_hostile_names_and_writes_nothing_outside_the_folder(self):
         message, (good,) = self.send({"good.txt": b"good"})
         outside = self.folder / "outside"
         outside.mkdir()
@@ -140,21 +140,21 @@ class Downloads(Sandbox):
                  for number, path in enumerate(hostile)]
         before = self.everything()
         group = self.fetch(message, [*files, good], "names", "ERRORED")
-        told = self.transfers.files_told(group)
-        self.assertEqual({name: state for name, state in told.items() if state != "ERRORED"},
+        states = self.transfers.file_states(group)
+        self.assertEqual({name: state for name, state in states.items() if state != "ERRORED"},
                          {good["id"]: "COMPLETED"})
-        self.assertEqual(len(told), len(hostile) + 1)
+        self.assertEqual(len(states), len(hostile) + 1)
         new = {path for path in self.everything() - before if path.is_file()}
         self.assertEqual(new, {self.downloads / "Zantrio/names/good.txt"})
 
     def everything(self):
-        """All that lies in the test's folder, but for what the client and the service keep for themselves."""
+        """Everything in the test's folder except the own data of client and service."""
         own = (self.home / "Library", self.folder / "service", self.home / ".cache", self.home / ".config",
                self.home / ".local")
         return {path for path in self.folder.rglob("*")
                 if not any(folder in (path, *path.parents) for folder in own)}
 
-    def test_a_file_that_stays_damaged_or_has_no_address_fails_and_leaves_no_file(self):
+    def test_fails_a_corrupt_file_and_one_without_url_and_leaves_no_file(self):
         message, files = self.send({"a.bin": os.urandom(300_000)})
         self.transfers.ask(DOWNLOADS, "setConfiguration", {"maxTransferRetries": 1})
         self.service.request("POST", "/faults", {"method": "GET", "path": "/storage/*", "type": "corrupt",

@@ -1,4 +1,4 @@
-"""How the client ends: by the page, by its window, by a signal, in the middle of a transfer."""
+"""The ends of the client: by the page, by its window, by a signal, during a transfer."""
 
 import json
 import signal
@@ -12,12 +12,11 @@ class Endings(Sandbox):
     def test_ends_when_its_window_is_closed(self):
         _, client, page = self.start_all()
         page.wait_until_ready()
-        window = display.windows(self.environment, "^Zantrio$")[0]
-        display.close_window(self.environment, window)
+        display.close_window(self.environment, self.wait_for_window("Zantrio"))
         self.assertEqual(client.wait(60), 0)
         self.assertIn("OnBeforeClose: Shutting down!", client.messages())
 
-    def test_ends_on_a_signal_as_if_its_window_were_closed(self):
+    def test_ends_on_a_signal_as_when_its_window_is_closed(self):
         _, client, page = self.start_all()
         page.wait_until_ready()
         client.process.send_signal(signal.SIGTERM)
@@ -29,7 +28,7 @@ class Endings(Sandbox):
             "Shutting down Upload Manager",
         ])
 
-    def test_ends_at_once_in_the_middle_of_a_transfer(self):
+    def test_ends_at_once_during_a_transfer(self):
         folder = self.make_files(self.folder / "given", 20, 1_000_000)
         service, client, page = self.start_all(folder)
         service.request("POST", "/faults", {"type": "stall", "method": "PUT", "path": "/storage/*"})
@@ -50,7 +49,7 @@ class Endings(Sandbox):
 
 
 class Page(Sandbox):
-    def test_bridges_answer_the_page_by_the_letter(self):
+    def test_bridges_answer_with_the_exact_texts(self):
         _, client, page = self.start_all()
         page.wait_until_ready()
         methods = page.query("nativeAppBridge_IPC", "supportedMethods")

@@ -1,4 +1,4 @@
-"""What a person meets when something is wrong with the installation, the folders or the service."""
+"""Faults of the installation, the folders and the service, as a user sees them."""
 
 import shutil
 import unittest
@@ -9,7 +9,7 @@ from sandbox import Sandbox
 
 
 class Failures(Sandbox):
-    def test_opens_the_web_application_also_without_a_loading_page(self):
+    def test_opens_the_web_application_without_a_loading_page(self):
         service = self.start_service()
         bundle = self.make_bundle(service.url)
         shutil.rmtree(bundle / "Resources")
@@ -26,7 +26,7 @@ class Failures(Sandbox):
             self.assertEqual(client.wait(60), 1)
             self.assertIn(expected, self.client_output.read_text(errors="replace"))
 
-    def test_tells_that_the_service_is_unreachable_and_goes_on_when_it_is_there(self):
+    def test_says_that_the_service_is_unreachable_and_continues_when_it_is_back(self):
         port = free_port()
         client = self.start_client(self.make_bundle(f"http://127.0.0.1:{port}"))
         waiting = client.page("loading.html#unreachable")

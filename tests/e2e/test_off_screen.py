@@ -1,7 +1,6 @@
-"""The web application in the client's own OpenGL view: looked at, pointed at, typed into, dragged, with a real pointer."""
+"""The web application in the client's own OpenGL view, with a real pointer and keyboard."""
 
 import os
-import pathlib
 import signal
 import subprocess
 import unittest
@@ -10,8 +9,8 @@ from harness import display, process
 from harness.wait import wait_until
 from sandbox import Sandbox
 
-# Things to point at, over the web application's page. Styles are set one by one: the page's policy
-# takes none from markup.
+# Targets for the pointer over the web application's page. Styles are set one by one, because the page's
+# content policy forbids them in markup.
 PROBE = """(() => {
   const make = (parent, name, id, style) => {
     const element = document.createElement(name);
@@ -50,7 +49,7 @@ class OffScreen(Sandbox):
             self.wait_for_color(310, 490, "#123456")
         return service, client, page
 
-    def test_sends_what_was_typed_and_chosen_by_pointer_and_keyboard(self):
+    def test_sends_a_message_written_by_pointer_and_keyboard(self):
         file = self.folder / "typed.bin"
         file.write_bytes(b"contents" * 1000)
         service, client, page = self.start_off_screen()
@@ -92,7 +91,7 @@ class OffScreen(Sandbox):
     def test_edits_text_with_clicks_edit_keys_and_suggestions(self):
         _, client, page = self.start_off_screen()
         self.type_into(page, "#subject", "alpha beta")
-        # Elsewhere: the click before would count.
+        # At another place, because the previous click would count.
         self.point("mousemove_relative", 40, 0, "click", "--repeat", 3, "--delay", 50, 1)
         page.wait_for("getSelection().toString() === 'alpha beta'")
         self.point("key", "ctrl+c")
@@ -103,7 +102,7 @@ class OffScreen(Sandbox):
         self.point("key", "Undo")
         page.wait_for("document.querySelector('textarea').value === 'alpha beta'")
 
-        # A dead key is an input method's; caps lock is told with the keys.
+        # A dead key goes through the input method; key events include caps lock.
         page.evaluate("addEventListener('keydown', event => "
                       "window.locked = (window.locked ?? '') + event.key + event.getModifierState('CapsLock'))")
         self.type_into(page, "#subject", "Caf")
@@ -129,10 +128,10 @@ class OffScreen(Sandbox):
         page.wait_for("document.querySelector('#subject').value === 'gamma'")
         self.assert_leaves_cleanly(client, page)
 
-    def test_shows_the_page_again_when_its_process_was_killed(self):
+    def test_shows_the_page_again_after_its_process_was_killed(self):
         _, client, page = self.start_off_screen(probe=True)
         for child in process.descendants(client.process.pid):
-            if b"--type=renderer" in pathlib.Path(f"/proc/{child}/cmdline").read_bytes():
+            if b"--type=renderer" in process.command_line(child):
                 os.kill(child, signal.SIGKILL)
         wait_until(lambda: not self.shows(310, 490, "#123456"), 30, "the end of the probe")
         page = self.send_page(client)
@@ -159,7 +158,7 @@ class OffScreen(Sandbox):
         return display.xdotool(self.environment, *arguments)
 
     def click_on(self, page, selector):
-        """The window is at the screen's corner, without a frame."""
+        """Clicks the element's centre; the window is at the screen's corner, without a frame."""
         x, y = page.evaluate(f"(r => [r.left + r.width / 2, r.top + r.height / 2])"
                              f"(document.querySelector('{selector}').getBoundingClientRect())")
         self.point("mousemove", round(x), round(y), "click", 1)

@@ -1,4 +1,4 @@
-"""script/run's own part: what it prints, how it ends, what it leaves behind."""
+"""script/run: its output, its end, and its clean-up."""
 
 import os
 import signal
@@ -51,7 +51,7 @@ class Run(Sandbox):
         self.assertIn("Sent 7 files", output)
         self.assertIn("checksums equal", output)
 
-    def test_says_in_one_line_what_is_wrong_with_its_arguments(self):
+    def test_reports_invalid_arguments_in_one_line(self):
         file, empty = self.folder / "file", self.folder / "empty"
         file.write_bytes(b"")
         empty.mkdir()
@@ -70,22 +70,14 @@ class Run(Sandbox):
         run = self.start_run()
         self.assertIn("The service listens on", run.stdout.readline())
         family = wait_until(lambda: [pid for pid in process.descendants(run.pid)
-                                     if self.name_of(pid) == "zantrio"], 60, "the client")
+                                     if process.name(pid) == "zantrio"], 60, "the client")
         everything = process.descendants(run.pid)
         self.assertGreaterEqual(len(everything), len(family) + 2)
         run.send_signal(signal.SIGINT)
         run.wait(60)
         self.assertEqual(run.returncode, 130)
-        wait_until(lambda: not any(self.name_of(pid) for pid in everything), 30,
+        wait_until(lambda: not any(process.name(pid) for pid in everything), 30,
                    "the end of everything that was started")
-
-    @staticmethod
-    def name_of(pid):
-        try:
-            with open(f"/proc/{pid}/comm", encoding="utf-8") as file:
-                return file.read().strip()
-        except OSError:
-            return None
 
 
 if __name__ == "__main__":

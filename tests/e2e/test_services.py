@@ -1,4 +1,4 @@
-"""What the page gets from the desktop: notifications, notices, questions, drags, and URLs that open."""
+"""The page's desktop services: notifications, notices, questions, and opening of URLs."""
 
 import json
 import subprocess
@@ -7,7 +7,7 @@ import unittest
 from harness.wait import wait_until
 from sandbox import Sandbox
 
-# Notices and questions have an empty header, which the window system does not take as one.
+# Notices and questions have an empty title, which the window system does not accept.
 NOTICE = " "
 
 
@@ -23,7 +23,7 @@ class Services(Sandbox):
         self.wait_for_no_window(NOTICE)
         return page.wait_for("'answered' in window && [answered]")[0]
 
-    def test_notification_of_the_page_appears_on_the_desktop_as_text(self):
+    def test_shows_a_notification_of_the_page_as_text(self):
         self.start_daemon_that_reads_markup()
         page = self.start_page()
         properties = {"title": "Fertig: Grüße 日本", "message": "2 <b>files</b> & more",
@@ -38,7 +38,7 @@ class Services(Sandbox):
         self.assertEqual(shown[0]["body"]["data"], "2 &lt;b&gt;files&lt;/b&gt; &amp; more")
         self.assert_leaves_cleanly(self.client, page)
 
-    def test_a_transfer_that_is_over_is_told_once_and_not_again_after_a_reload(self):
+    def test_notifies_once_about_the_end_of_a_transfer_also_after_a_reload(self):
         self.start_daemon_that_reads_markup()
         folder = self.make_files(self.folder / "three", 3, 1000)
         _, self.client, page = self.start_all(folder)
@@ -49,7 +49,7 @@ class Services(Sandbox):
         wait_until(self.notifications, 30, "the notification")
         page.evaluate("window.loadedBefore = true; setTimeout(() => location.reload()); 0")
         page.wait_for("!window.loadedBefore && document.querySelector('#nav-transfers') !== null")
-        # The files of the start come again and show the page of sending, sooner or later.
+        # The files of the start are dropped again, at some time, and show the page of sending.
         page.wait_for("(document.querySelector('#nav-transfers').click(),"
                       " document.querySelector('[data-test=group-state]')?.dataset.phase === 'delivered')")
         told = [(shown["summary"]["data"], shown["body"]["data"]) for shown in self.notifications()]
@@ -63,13 +63,13 @@ class Services(Sandbox):
             ["dunst", "-config", configuration], "org.freedesktop.Notifications", self.environment)
 
     def notifications(self):
-        """What the daemon has shown and shows."""
+        """Returns all notifications of the daemon, shown and closed."""
         for command in ("close-all", "history"):
             done = subprocess.run(["dunstctl", command], env=self.environment, check=True,
                                   capture_output=True, text=True)
         return json.loads(done.stdout)["data"][0]
 
-    def test_alert_of_the_page_stays_while_the_page_goes_on(self):
+    def test_shows_an_alert_while_the_page_continues(self):
         page = self.start_page()
         self.assertEqual(page.evaluate("alert('Grüße <b>& more</b>'); 'went on'"), "went on")
         self.wait_for_window(NOTICE)
@@ -78,7 +78,7 @@ class Services(Sandbox):
         self.wait_for_no_window(NOTICE)
         self.assert_leaves_cleanly(self.client, page)
 
-    def test_question_of_the_page_is_answered_by_the_user(self):
+    def test_asks_the_user_a_question_of_the_page(self):
         page = self.start_page()
         self.assertIs(self.answer_question(page, "Return"), True)
         self.assertIs(self.answer_question(page, "Escape"), False)
@@ -86,7 +86,7 @@ class Services(Sandbox):
         self.assertIs(self.answer_question(page, "alt+y"), True)
         self.assert_leaves_cleanly(self.client, page)
 
-    def test_page_opens_web_addresses_only(self):
+    def test_opens_web_addresses_only(self):
         opened = self.replace_opener()
         page = self.start_page()
         for url in ("file:///usr/bin/true", "--help", "javascript:alert(1)",

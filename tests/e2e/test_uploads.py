@@ -1,4 +1,4 @@
-"""Real files through the real client: chosen, dropped, given on the command line, compared byte by byte."""
+"""Real uploads: files chosen, dropped, or given on the command line, compared byte by byte."""
 
 import os
 import unittest

@@ -1,4 +1,4 @@
-"""Address books of one's own: an Evolution Data Server in a home and a session of a test's."""
+"""Address books of a test: an Evolution Data Server in the test's own home and session."""
 
 import os
 import pathlib
@@ -17,7 +17,7 @@ BackendName=local
 
 
 class AddressBooks:
-    """The folder that they live in. `variables` and `services` are what a SessionBus needs for them."""
+    """The folder of the address books. A SessionBus needs its `variables` and `services`."""
 
     def __init__(self, folder, tool):
         self._tool = tool
@@ -34,14 +34,14 @@ class AddressBooks:
             "XDG_RUNTIME_DIR": str(runtime), "GSETTINGS_BACKEND": "memory"}
 
     def create(self, name, enabled=True):
-        """Makes an empty address book; before the server is started."""
+        """Creates an empty address book; to be called before the server starts."""
         sources = self._config / "evolution" / "sources"
         sources.mkdir(parents=True, exist_ok=True)
         text = BOOK.format(name=name, enabled="true" if enabled else "false")
         (sources / f"{name}.source").write_text(text)
 
     def add(self, bus, name, *people):
-        """Puts people, given as (vCard id, first name, last name, addresses), into the book."""
+        """Adds people, given as (vCard id, first name, last name, addresses), to the book."""
         cards = "".join(self._card(*person) for person in people)
         subprocess.run([self._tool, "add", name], input=cards, text=True, check=True, timeout=60,
                        env={**os.environ, **self.variables, **bus.environment()})

@@ -1,4 +1,4 @@
-"""Copies of the client's bundle that point to a service of one's own."""
+"""Copies of the client's bundle that use a local service."""
 
 import pathlib
 import plistlib
@@ -6,7 +6,7 @@ import shutil
 
 
 def copy_to(source, target, base_url):
-    """Copies the bundle, writes the service's address into its information dictionary, gives the copy."""
+    """Copies the bundle, writes the service's address into its information dictionary, returns the copy."""
     source, target = pathlib.Path(source), pathlib.Path(target)
     shutil.copytree(source, target, symlinks=True)
     information = target / "Info.plist"

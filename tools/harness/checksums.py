@@ -1,4 +1,4 @@
-"""Comparing files by their content."""
+"""Compares files by their content."""
 
 import hashlib
 import pathlib
@@ -13,15 +13,15 @@ def sha256(path):
 
 
 def files_below(path):
-    """A map from the name that a given file or folder has for the service to the file itself."""
+    """Maps the service's names of a file or a folder's files to the files."""
     return files_to_send([path])
 
 
 def files_to_send(paths):
-    """The same for several files and folders that are sent as one message.
+    """The same for several files and folders of one message.
 
-    Hidden files below a folder are not sent, so they are not listed either; links are followed, but not
-    back into a folder that holds them. Several folders keep their own names.
+    Hidden files below a folder are not sent, so they are not listed. Links are followed, except back into
+    a folder that contains them. If there are several folders, they keep their names.
     """
     paths = [pathlib.Path(path) for path in paths]
     several = sum(path.is_dir() for path in paths) > 1
@@ -39,26 +39,26 @@ def files_to_send(paths):
     return named
 
 
-def _visible_files(folder, holders):
+def _visible_files(folder, ancestors):
     identity = (folder.stat().st_dev, folder.stat().st_ino)
-    if identity in holders:
+    if identity in ancestors:
         return
     for entry in sorted(folder.iterdir()):
         if entry.name.startswith("."):
             continue
         if entry.is_dir():
-            yield from _visible_files(entry, (*holders, identity))
+            yield from _visible_files(entry, (*ancestors, identity))
         elif entry.is_file():
             yield entry
 
 
 def _as_text(name):
-    """A name as JSON can carry it: a byte that is no UTF-8 becomes a replacement character."""
+    """The name in JSON: an invalid UTF-8 byte becomes a replacement character."""
     return "".join("\ufffd" if "\udc80" <= character <= "\udcff" else character for character in name)
 
 
 def _free_name(name, taken):
-    """The service gives a name that is taken a number before its extension."""
+    """Adds a number before the extension if the name is taken, as the service does."""
     path = pathlib.PurePath(name)
     number = 2
     while name in taken:
@@ -68,7 +68,7 @@ def _free_name(name, taken):
 
 
 def differences(sent, arrived):
-    """One line for each file that is missing, superfluous or different."""
+    """Returns one line for each missing, superfluous or different file."""
     lines = [f"missing: {name}" for name in sorted(sent.keys() - arrived.keys())]
     lines += [f"not sent: {name}" for name in sorted(arrived.keys() - sent.keys())]
     for name in sorted(sent.keys() & arrived.keys()):

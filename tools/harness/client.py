@@ -1,4 +1,4 @@
-"""The client as a child process with a home folder of its own."""
+"""The client as a child process with its own home folder."""
 
 import os
 import pathlib
@@ -11,7 +11,7 @@ DATA_FOLDER = "Library/Application Support/Zantrio CEF"
 
 
 class Client:
-    """A running client. With `debuggable`, its page can be reached with `page()`."""
+    """A running client. With `debuggable`, `page()` reaches its page."""
 
     def __init__(self, bundle, files=(), home=None, environment=None, debuggable=False, stderr=None):
         self.home = pathlib.Path(home or os.path.expanduser("~"))
@@ -27,7 +27,7 @@ class Client:
         return self.home / DATA_FOLDER
 
     def log(self):
-        """The application log's text; empty while there is none."""
+        """The application log's text; empty if there is none yet."""
         try:
             return (self.data_folder / "zt_app.log").read_text(encoding="utf-8", errors="replace")
         except FileNotFoundError:

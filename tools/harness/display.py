@@ -1,4 +1,4 @@
-"""A virtual display and what one does on it: look, point, press."""
+"""A virtual display, its screenshots, pointer and keys."""
 
 import os
 import shutil
@@ -13,7 +13,7 @@ from . import process
 
 
 def needed():
-    """Whether this session has no display to show a window on."""
+    """Whether this session has no display."""
     return not (os.environ.get("DISPLAY") or os.environ.get("WAYLAND_DISPLAY"))
 
 
@@ -44,7 +44,7 @@ class VirtualDisplay:
 
 
 def screenshot(environment, path, limit_seconds=3):
-    """Saves what the display shows once it rests, or at the limit; gives whether that was possible."""
+    """Saves the display's picture once it stops changing, or at the limit; returns whether that was possible."""
     if not shutil.which("import"):
         return False
     deadline = time.monotonic() + limit_seconds
@@ -61,21 +61,21 @@ def screenshot(environment, path, limit_seconds=3):
 
 
 def xdotool(environment, *arguments):
-    """Runs xdotool and gives its output; an error of its is an error here."""
+    """Runs xdotool and returns its output; raises if it fails."""
     done = subprocess.run(["xdotool", *[str(argument) for argument in arguments]],
                           env=environment, check=True, capture_output=True, text=True)
     return done.stdout.strip()
 
 
 def windows(environment, title):
-    """The ids of the visible windows whose title matches the expression."""
+    """Returns the ids of the visible windows whose title matches the expression."""
     done = subprocess.run(["xdotool", "search", "--onlyvisible", "--name", title],
                           env=environment, check=False, capture_output=True, text=True)
     return done.stdout.split()
 
 
 def close_window(environment, window):
-    """Asks a window to close, as a window manager does for a click on its cross."""
+    """Asks a window to close, as a window manager does after a click on its X."""
     connection = Display(environment["DISPLAY"])
     message = ClientMessage(
         window=connection.create_resource_object("window", int(window)),

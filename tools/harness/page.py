@@ -1,6 +1,8 @@
 """The page that the client shows, reached through the browser's own remote debugging."""
 
+import contextlib
 import json
+import random
 import socket
 import urllib.error
 import urllib.request
@@ -11,9 +13,12 @@ from .wait import wait_until
 
 
 def free_port():
-    with socket.socket() as probe:
-        probe.bind(("127.0.0.1", 0))
-        return probe.getsockname()[1]
+    """A free port below those that the system gives to connections, which could take it before its user."""
+    while True:
+        port = random.randrange(10_000, 32_000)
+        with socket.socket() as probe, contextlib.suppress(OSError):
+            probe.bind(("127.0.0.1", port))
+            return port
 
 
 class PageError(Exception):
@@ -25,7 +30,7 @@ class PageGone(PageError):
 
 
 class PageBusy(PageError):
-    """The browser could not run a script just then; a page that is being loaded has no place for it."""
+    """The browser could not run the script, for example because the page was loading."""
 
 
 class Page:
@@ -40,8 +45,8 @@ class Page:
     @staticmethod
     def _debugger_address(port, url_part):
         try:
-            with urllib.request.urlopen(f"http://127.0.0.1:{port}/json/list", timeout=5) as answer:
-                targets = json.load(answer)
+            with urllib.request.urlopen(f"http://127.0.0.1:{port}/json/list", timeout=5) as response:
+                targets = json.load(response)
         except (urllib.error.URLError, OSError, ValueError):
             return None
         for target in targets:
@@ -50,7 +55,7 @@ class Page:
         return None
 
     def command(self, method, **parameters):
-        """Runs a command of the browser's debugging protocol and gives its result."""
+        """Runs a command of the browser's debugging protocol and returns its result."""
         self._next_id += 1
         message = self._exchange({"id": self._next_id, "method": method, "params": parameters})
         if "error" in message:
@@ -68,7 +73,7 @@ class Page:
             raise PageGone("the page is gone") from error
 
     def evaluate(self, expression):
-        """The expression's value, or that of the promise that it gives."""
+        """Returns the expression's value, or that of its promise."""
         result = self.command("Runtime.evaluate", expression=expression, awaitPromise=True,
                               returnByValue=True, userGesture=True)
         if "exceptionDetails" in result:
@@ -77,7 +82,7 @@ class Page:
         return result["result"].get("value")
 
     def wait_for(self, expression, limit_seconds=60):
-        """Waits until the expression is true in the page, and gives its value."""
+        """Waits until the expression is true in the page and returns its value."""
         return wait_until(lambda: self._evaluate_if_possible(expression), limit_seconds, expression)
 
     def _evaluate_if_possible(self, expression):
@@ -87,7 +92,7 @@ class Page:
             return None
 
     def click(self, selector):
-        """Clicks the element as a mouse would, once it is there and enabled."""
+        """Clicks the element like a mouse, once it exists and is enabled."""
         quoted = json.dumps(selector)
         self.wait_for(f"(e => e && !e.disabled && e.getClientRects().length > 0)"
                       f"(document.querySelector({quoted}))")
@@ -104,11 +109,11 @@ class Page:
         return self.evaluate(f"(e => e ? e.textContent.trim() : '')(document.querySelector({quoted}))")
 
     def query(self, bridge, method, parameters=None):
-        """Asks a bridge's method as the page does; gives ["success", text] or ["failure", code, text]."""
+        """Queries a bridge as the page does; returns ["success", text] or ["failure", code, text]."""
         return self.ask(bridge, json.dumps({"method": method, "parameters": parameters}))
 
     def ask(self, bridge, request):
-        """Sends any text to a bridge; the answer as above."""
+        """Sends any text to a bridge; returns as above."""
         return self.evaluate(
             f"new Promise(done => window[{json.dumps(bridge)}]({{request: {json.dumps(request)},"
             f" persistent: false, onSuccess: text => done(['success', text]),"

@@ -1,7 +1,8 @@
-"""Child processes that end with their starter, whatever ends it."""
+"""Child processes that end with their parent, however it ends."""
 
 import ctypes
 import os
+import pathlib
 import signal
 import subprocess
 
@@ -10,7 +11,7 @@ _libc = ctypes.CDLL(None, use_errno=True)
 
 
 class Failure(Exception):
-    """Something that a person is to be told in one line."""
+    """A failure to be reported to the user in one line."""
 
 
 def _die_with_parent():
@@ -18,7 +19,7 @@ def _die_with_parent():
 
 
 def start(arguments, **options):
-    """Starts a program in a session of its own, so that a Ctrl-C reaches its starter alone."""
+    """Starts a program in its own session, so that Ctrl-C reaches only its parent."""
     try:
         return subprocess.Popen(
             [str(argument) for argument in arguments],
@@ -31,7 +32,7 @@ def start(arguments, **options):
 
 
 def stop(process, grace_seconds=15):
-    """Asks a child to end, then makes it; gives its exit code."""
+    """Terminates a child, kills it after the grace period; returns its exit code."""
     if process.poll() is None:
         process.terminate()
         try:
@@ -42,8 +43,30 @@ def stop(process, grace_seconds=15):
     return process.returncode
 
 
+def name(pid):
+    """The process's name; empty if it has ended."""
+    return _read(pid, "comm").decode().strip()
+
+
+def command_line(pid):
+    """The process's arguments in bytes, each ended by a NUL; empty if it has ended."""
+    return _read(pid, "cmdline")
+
+
+def _read(pid, file):
+    try:
+        return pathlib.Path(f"/proc/{pid}/{file}").read_bytes()
+    except OSError:
+        return b""
+
+
+def running(pids):
+    """Those of the processes that have not ended."""
+    return [pid for pid in pids if os.path.exists(f"/proc/{pid}/exe")]
+
+
 def descendants(pid):
-    """The process ids of all living descendants."""
+    """Returns the process ids of all living descendants."""
     children = {}
     for entry in os.listdir("/proc"):
         if not entry.isdigit():

@@ -1,10 +1,10 @@
-"""The page of received messages as a person uses it."""
+"""The page of received messages as a user operates it."""
 
 import json
 
 
 class ReceivedPage:
-    """Steps on that page, each waiting for what it needs."""
+    """Steps on that page; each waits for its elements."""
 
     def __init__(self, page):
         self._page = page
@@ -27,23 +27,13 @@ class ReceivedPage:
                                code="Space" if key == " " else key, modifiers=8 if shift else 0,
                                text=key if key == " " and kind == "keyDown" else "")
 
-    def find(self, text):
-        self._page.click("#received-filter")
-        self._page.command("Input.insertText", text=text)
-
-    def choose_all(self):
-        self._page.click("#choose-all")
-
     def download(self):
-        """Downloads what is chosen into the automatic folder."""
+        """Downloads the chosen files into the automatic folder."""
         self._page.click("#download-button")
 
     def download_to(self):
-        """The same, asking for a folder."""
+        """The same into a folder that the dialog asks for."""
         self._page.click("#download-to-button")
-
-    def state(self):
-        return self._page.evaluate("document.querySelector('.message-download [data-test=group-state]')?.dataset.state")
 
     def wait_for_state(self, state, limit_seconds=120):
         self._page.wait_for("document.querySelector('.message-download [data-test=group-state]')"

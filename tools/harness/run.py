@@ -24,11 +24,11 @@ def parse(arguments):
     parser.add_argument("files", nargs="*", metavar="FILE",
                         help="files and folders to open (without a display: to send)")
     parser.add_argument("--data", type=pathlib.Path,
-                        help="where the service keeps what arrives (else a temporary folder)")
+                        help="folder for received files (default: a temporary folder)")
     parser.add_argument("--screenshots", type=pathlib.Path,
-                        help="where pictures of the window are saved (else build/screenshots)")
+                        help="folder for pictures of the window (default: build/screenshots)")
     parser.add_argument("--virtual", action="store_true",
-                        help="use a virtual display even where a real one is there")
+                        help="use a virtual display even if a real one exists")
     parser.add_argument("--root", type=pathlib.Path, required=True, help=argparse.SUPPRESS)
     options = parser.parse_args(arguments)
     for file in options.files:
@@ -39,7 +39,7 @@ def parse(arguments):
 
 
 class Run:
-    """Everything that one call of script/run starts, ended in reverse order."""
+    """The processes of one call of script/run; they end in reverse order."""
 
     def __init__(self, options, cleanup):
         self._options = options
@@ -52,10 +52,10 @@ class Run:
         self.service = Service(build / "bin/zantrio-devservice", options.root / "webapp", data)
         cleanup.callback(self.service.stop)
         self.bundle = bundle.copy_to(build / "Zantrio", self._work / "Zantrio", self.service.url)
-        print(f"The service listens on {self.service.url}; what arrives is kept in {data}", flush=True)
+        print(f"The service listens on {self.service.url}; received files are kept in {data}", flush=True)
 
     def interactive(self):
-        """The client on the user's own display, until its window is closed."""
+        """Runs the client on the user's display until its window is closed."""
         client = Client(self.bundle, self._options.files)
         self._cleanup.callback(client.stop)
         code = client.process.wait()
@@ -66,7 +66,7 @@ class Run:
                                   f"its log is {client.data_folder / 'zt_app.log'}")
 
     def on_virtual_display(self):
-        """Sends the files through the window of a virtual display and reports; gives the outcome."""
+        """Sends the files through the window of a virtual display and reports; returns whether all went well."""
         pictures = (self._options.screenshots or self._options.root / "build/screenshots").absolute()
         pictures.mkdir(parents=True, exist_ok=True)
         files = self._options.files or [sample.make(self._work / "Sample files")]

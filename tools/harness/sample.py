@@ -1,4 +1,4 @@
-"""A sample folder for who has nothing at hand to send."""
+"""A sample folder for users without files to send."""
 
 import pathlib
 import random
@@ -7,7 +7,7 @@ TEXT = "Zantrio moves files, however many and however large they are.\n"
 
 
 def make(folder):
-    """Fills the folder with files of several kinds and sizes, with names of several scripts."""
+    """Fills the folder with files of several kinds and sizes and with names in several scripts."""
     folder = pathlib.Path(folder)
     content = random.Random(20).randbytes
     files = {

@@ -1,4 +1,4 @@
-"""The web application as a person uses it: its buttons, fields and texts."""
+"""The web application as a user operates it: its buttons, fields and texts."""
 
 import contextlib
 
@@ -10,7 +10,7 @@ OVER = ("COMPLETED", "ERRORED")
 
 
 class SendPage:
-    """Steps that a person takes in the page, each waiting for what it needs."""
+    """Steps in the page; each waits for its elements."""
 
     def __init__(self, page):
         self._page = page
@@ -46,7 +46,7 @@ class SendPage:
         self._page.command("Input.insertText", text=text)
 
     def settle(self):
-        """Waits until what has happened is drawn."""
+        """Waits until the latest changes are drawn."""
         self._page.evaluate(
             "new Promise(done => requestAnimationFrame(() => requestAnimationFrame(done)))")
 
@@ -57,23 +57,23 @@ class SendPage:
         self._page.wait_for(f"document.querySelector('{GROUP_STATE}') !== null")
 
     def wait_until_over(self, limit_seconds):
-        """The state in which the transfer ends."""
+        """Waits for the transfer's end and returns its state."""
         return self._page.wait_for(
             f"(state => {list(OVER)}.includes(state) && state)({STATE})", limit_seconds)
 
     def wait_for_problem(self):
-        """What the page says about the transfer that failed."""
+        """Returns the page's text about the failed transfer."""
         return self._page.wait_for(
             "(e => e && !e.hidden && e.textContent)"
             "(document.querySelector('[data-test=group-problem]'))")
 
     def wait_for_reason(self, words):
-        """Until the page says that this is why the transfer failed: the service tells it, a moment later."""
+        """Waits until the page shows this reason, which it gets from the service after the failure."""
         self._page.wait_for("document.querySelector('[data-test=group-problem]')"
                             f"?.textContent.includes({words!r})")
 
     def leave(self):
-        """Quits the application by the page's own button, also while transfers are running."""
+        """Quits the application by the page's button, also while transfers run."""
         with contextlib.suppress(PageGone):
             self._page.click("#quit-button")
             self._page.evaluate("document.querySelector('[data-test=quit-dialog][open] "

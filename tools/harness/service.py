@@ -12,7 +12,7 @@ MARKER = "listening on "
 
 
 class Service:
-    """A running local service; `url` is its address, `data` the folder where files arrive."""
+    """A running local service; `url` is its address, `data` the folder of received files."""
 
     def __init__(self, program, web, data, port=0, log=None, options=()):
         self.data = pathlib.Path(data)
@@ -25,20 +25,20 @@ class Service:
         line = self._process.stdout.readline()
         if MARKER not in line:
             process.stop(self._process)
-            raise process.Failure("the local service did not start; its messages stand above")
+            raise process.Failure("the local service did not start; see its messages above")
         self.url = line.split(MARKER, 1)[1].split()[0]
 
     def request(self, method, path, body=None, headers=None):
-        """Sends JSON to the service and gives the JSON that it answers."""
+        """Sends JSON to the service and returns the response's JSON."""
         data = None if body is None else json.dumps(body).encode()
         request = urllib.request.Request(self.url + path, data=data, method=method,
                                          headers={"Content-Type": "application/json", **(headers or {})})
-        with urllib.request.urlopen(request, timeout=30) as answer:
-            text = answer.read()
+        with urllib.request.urlopen(request, timeout=30) as response:
+            text = response.read()
         return json.loads(text) if text else None
 
     def arrived(self):
-        """The files that have arrived, as a map from their path below a message's folder to where they are."""
+        """Maps the paths of received files below their message's folder to the files."""
         found = {}
         for folder in self.data.glob("messages/*/files"):
             for path in folder.rglob("*"):

@@ -1,4 +1,4 @@
-"""A D-Bus session of one's own, with the desktop services that a test puts on it."""
+"""A D-Bus session of a test, with desktop services that the test starts."""
 
 import os
 import subprocess
@@ -10,7 +10,7 @@ from . import process
 from .wait import wait_until
 
 
-# Everybody may do everything; of the system's services only those that were asked for start on demand.
+# Everything is allowed; only the requested services of the system start on demand.
 CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig>
@@ -27,9 +27,9 @@ CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Con
 
 
 class SessionBus:
-    """A bus without any services; programs that get its `environment()` use it.
+    """A bus without services; programs with its `environment()` use it.
 
-    Services that are described in the folder `services` are started on demand, with `variables`.
+    Services described in the folder `services` start on demand, with `variables`.
     """
 
     def __init__(self, services=None, variables=None):
@@ -65,7 +65,7 @@ class SessionBus:
 
 
 class RecordedFileManager:
-    """A file manager that only remembers the folders that it is asked to show."""
+    """A file manager that records the folders to show."""
 
     NAME = "org.freedesktop.FileManager1"
     PATH = "/org/freedesktop/FileManager1"

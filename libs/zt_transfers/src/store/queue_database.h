@@ -15,7 +15,7 @@
 
 namespace zt_transfers {
 
-// The queue on disk, see docs/transfers.md. All operations throw CSqliteError.
+// The queue on disk, see docs/transfer-engine.md. All operations throw CSqliteError.
 //
 // Thread: one at a time.
 class CQueueDatabase {

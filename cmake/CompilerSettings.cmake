@@ -21,7 +21,8 @@ if(NOT APPLE)
 endif()
 
 if(ZANTRIO_SANITIZE)
-  add_compile_options(-fsanitize=${ZANTRIO_SANITIZE} -fno-omit-frame-pointer -g)
+  # Instrumented code compiles in less than half the time with -O1, and stacks need lines only.
+  add_compile_options(-fsanitize=${ZANTRIO_SANITIZE} -fno-omit-frame-pointer -O1 -g1)
   add_link_options(-fsanitize=${ZANTRIO_SANITIZE})
   if(ZANTRIO_SANITIZE MATCHES "undefined")
     add_compile_options(-fno-sanitize-recover=undefined)

@@ -12,7 +12,7 @@ class QWebEngineView;
 
 namespace bench {
 
-// What the page finds as `server`.
+// The object `server` of the page.
 class EchoServer final : public QObject {
   Q_OBJECT
 

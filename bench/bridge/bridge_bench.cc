@@ -1,5 +1,5 @@
-// Queries and executed scripts of the framework beside those of a bare web channel, in one process
-// and one run. Prints ratios; bench/README.md says what they mean.
+// Compares queries and executed scripts of the framework with those of a bare web channel, in one
+// process and one run. Prints ratios; bench/README.md explains them.
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>

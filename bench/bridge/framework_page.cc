@@ -41,7 +41,7 @@ CefRefPtr<CefApp> makeApp() {
   return new App;
 }
 
-// Answers queries with their request; those that begin with "result " end the waiting.
+// Answers queries with their request; one that begins with "result " ends the wait.
 class FrameworkPage::Client final : public CefClient,
                                     public CefLifeSpanHandler,
                                     public CefMessageRouterBrowserSide::Handler {
@@ -76,7 +76,7 @@ class FrameworkPage::Client final : public CefClient,
   void run(const std::string& script) {
     browser_->GetMainFrame()->ExecuteJavaScript(script, "", 0);
   }
-  // What the page gives as its result.
+  // The page's result.
   std::string wait() {
     CefRunMessageLoop();
     return result_;

@@ -1,4 +1,4 @@
-// What both measured pages run.
+// The script of both measured pages.
 #pragma once
 
 #include <string>

@@ -1,4 +1,4 @@
-// Measuring two things side by side.
+// Measures two things side by side.
 #pragma once
 
 #include <functional>
@@ -14,7 +14,7 @@ struct Comparison {
   void print(const char* what) const;
 };
 
-// Measures both in every turn, each first in every other one.
+// Measures both in every turn; they take turns to be first.
 Comparison interleave(const std::function<double()>& framework,
                       const std::function<double()>& bare);
 

@@ -26,7 +26,7 @@ constexpr int kSettleMs = 1000;
 constexpr int kMeasureMs = 5000;
 constexpr int kClicks = 60;
 
-// Ten bars that grow, as the list of transfers has.
+// Ten growing bars, as in the list of transfers.
 constexpr const char* kBars =
     "data:text/html,<style>div{width:900px;height:6px;margin:50px 200px;background:gray}"
     "i{display:block;height:6px;background:teal}</style><script>"
@@ -67,7 +67,7 @@ class TimedHandler final : public client::ClientOSRHandler {
 
   std::vector<double> times;
   double pixels = 0;
-  std::function<void()> onPainted;  // set: the window is painted at once, and this is called
+  std::function<void()> onPainted;  // if set, the window is painted at once, and this is called
 
  private:
   QWidget* const window_;
@@ -166,7 +166,7 @@ void click() {
     page.host()->SendMouseClickEvent(event, MBT_LEFT, false, 1);
     page.host()->SendMouseClickEvent(event, MBT_LEFT, true, 1);
     CefRunMessageLoop();
-    runFor(37 + turn % 17);  // at another moment of a frame
+    runFor(37 + turn % 17);  // at a different moment of a frame
   }
   std::printf("%-22s median %.1f ms, p95 %.1f ms\n", "from click to window", median(times) / 1000,
               percentile(times, 0.95) / 1000);

@@ -1,4 +1,4 @@
-// What a painted frame costs; bench/README.md says what the lines mean.
+// The cost of a painted frame; bench/README.md explains the lines.
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>

@@ -22,7 +22,7 @@ constexpr int kFrames = 120;
 
 using Rects = CefRenderHandler::RectList;
 
-// Shows a frame, of which some is new, and returns when Qt has handed it to the display.
+// Shows a frame with a changed part and returns when Qt has handed it to the display.
 class Surface {
  public:
   virtual ~Surface() = default;

@@ -2,8 +2,8 @@
 
 namespace bench {
 
-// The way of frames to the screen that the view takes, beside Qt's OpenGL widget: prints times and
-// processor time for each frame of 1400 × 900. Needs a QApplication.
+// Compares the view's way of frames to the screen with Qt's OpenGL widget: prints time and
+// processor time per frame of 1400 × 900. Needs a QApplication.
 void compareSurfaces();
 
 }  // namespace bench

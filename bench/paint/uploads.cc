@@ -101,7 +101,7 @@ class Measurement {
   template <class Work>
   double timed(const Work& work) {
     for (uint32_t& pixel : page_) {
-      pixel += 0x010203U;  // no frame is like the one before, and all are in the cache alike
+      pixel += 0x010203U;  // frames differ, and all are equally cached
     }
     const Stopwatch watch;
     work();

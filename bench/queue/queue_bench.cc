@@ -1,5 +1,5 @@
-// What a queue of a million files costs: time to queue, start, list and cancel it, and memory for
-// each waiting file. Usage: bench_queue [FILES] [Google Benchmark's options].
+// The cost of a queue of a million files: time to queue, start, list and cancel it, and memory per
+// waiting file. Usage: bench_queue [FILES] [Google Benchmark's options].
 #include <benchmark/benchmark.h>
 #include <malloc.h>
 #include <sys/resource.h>
@@ -16,8 +16,8 @@
 #include <string>
 #include <vector>
 
-#include "sandbox.h"
 #include "base/wide_bytes.h"
+#include "sandbox.h"
 #include "zt_transfers/download_manager.h"
 #include "zt_transfers/global_config.h"
 
@@ -33,7 +33,7 @@ double secondsSince(Clock::time_point begin) {
   return std::chrono::duration<double>(Clock::now() - begin).count();
 }
 
-// Bytes of memory of this process that are really there.
+// Resident memory of this process, bytes.
 double memory() {
   std::ifstream status("/proc/self/statm");
   double total = 0;
@@ -42,7 +42,7 @@ double memory() {
   return resident * static_cast<double>(::sysconf(_SC_PAGESIZE));
 }
 
-// As the service gives them: an id, a path, and a signed URL of some 400 bytes.
+// As the service's files: an id, a path, and a signed URL of about 400 bytes.
 std::vector<CDownloadManager::FileDownloadDetails> portion(std::int64_t from) {
   static const std::string signature(300, 's');
   std::vector<CDownloadManager::FileDownloadDetails> details(kPortion);
@@ -67,7 +67,7 @@ std::uintmax_t sizeOnDisk(const std::filesystem::path& folder) {
   return size;
 }
 
-// A paused group of `files` files, queued once and used by all measurements in their order.
+// A paused group of `files` files, queued once and used by all measurements in order.
 struct Stage {
   zt_transfers::test::CSandbox sandbox;
   std::unique_ptr<CDownloadManager> manager;
@@ -143,7 +143,7 @@ void fetchGroupsInfo(benchmark::State& state) {
   }
 }
 
-// Calls the page makes while a million files are there.
+// Calls of the page with a million files in the group.
 void pauseAndResume(benchmark::State& state) {
   for (auto _ : state) {
     stage->manager->pauseGroup(stage->group);
@@ -180,7 +180,7 @@ int main(int argc, char** argv) {
     ++argv;
   }
   std::printf("%lld files of one group\n", static_cast<long long>(files));
-  // One after the other: each takes up what the one before has left.
+  // In order: each continues with the state of the one before.
   benchmark::RegisterBenchmark("queueFiles", queue)
       ->Iterations(1)
       ->UseManualTime()

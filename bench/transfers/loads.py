@@ -1,4 +1,4 @@
-"""What is transferred: the three sizes of work, made once and compared after every transfer."""
+"""The transferred files: three sizes of work, created once and compared after every transfer."""
 
 import dataclasses
 import hashlib
@@ -16,7 +16,7 @@ class Load:
 
 
 def standard(scale):
-    """The three loads; a `scale` below 1 makes them smaller, in files where there are many."""
+    """The three loads; a `scale` below 1 makes them smaller, the last one in its number of files."""
     return [
         Load("1 GiB", 1, max(1, int(1024 * scale)) * MIB),
         Load("64 x 16 MiB", max(1, int(64 * scale)), 16 * MIB),
@@ -32,7 +32,7 @@ class File:
 
 
 def make(load, folder):
-    """Makes the load's files below the folder, all different; gives their list."""
+    """Creates the load's files below the folder, all different; returns their list."""
     files = []
     for number in range(load.count):
         path = f"series-{number // 1000:02}/file-{number:05}.bin"
@@ -49,7 +49,7 @@ def make(load, folder):
 
 
 def fault_in(files, folder):
-    """What is wrong with what arrived in the folder, as a text; empty when all is there, byte by byte."""
+    """Compares the folder byte by byte; returns the differences as a text, empty if there are none."""
     folder = pathlib.Path(folder)
     arrived = {str(path.relative_to(folder)) for path in folder.rglob("*") if path.is_file()}
     expected = {file.path for file in files}

@@ -1,4 +1,4 @@
-"""Compares the transfer library with other programs; what it prints is explained in bench/README.md."""
+"""Compares the transfer library with other programs; bench/README.md explains the output."""
 
 import argparse
 import contextlib
@@ -33,7 +33,7 @@ def parse(arguments):
 
 
 class Comparison:
-    """All programs, turn by turn, in one temporary folder."""
+    """Runs all programs in turns in one temporary folder."""
 
     def __init__(self, options, folder):
         self._options = options
@@ -59,7 +59,7 @@ class Comparison:
         taking_part = [program for program in self._programs if program.fits(direction, files)]
         costs = {program.name: [] for program in taking_part}
         for turn in range(self._options.turns):
-            # Another one begins each turn.
+            # Each turn begins with a different program.
             first = turn % len(taking_part)
             for program in taking_part[first:] + taking_part[:first]:
                 if program.name not in costs:
@@ -96,7 +96,7 @@ class Comparison:
 
 
 def print_row(load, direction, costs, library):
-    """Medians of each program, and of each turn's ratio of the library to the others."""
+    """Prints medians of each program, and of each turn's ratio of the library to the others."""
     print(f"{load.name}, {direction}: {load.count:,} files, {load.count * load.size >> 20:,} MiB")
     print(f"  {'':14}{'seconds':>9}{'CPU s':>9}{'MiB':>8}     ours by theirs: wall, CPU, memory")
     for name, turns in costs.items():

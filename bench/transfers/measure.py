@@ -1,4 +1,4 @@
-"""One run of a command: how long it took, how much of the processors and of memory."""
+"""One run of a command: its time, processor time and memory."""
 
 import dataclasses
 import os
@@ -17,7 +17,7 @@ class Cost:
 
 
 def wait_for_end(pid, limit_seconds):
-    """Returns at once when the child has ended, which is not waited for; wait() with a limit looks now and then."""
+    """Returns as soon as the child has ended, without reaping it; wait() with a limit would poll."""
     ended = os.pidfd_open(pid)
     try:
         if not select.select([ended], [], [], limit_seconds)[0]:
@@ -27,9 +27,9 @@ def wait_for_end(pid, limit_seconds):
 
 
 def run(arguments, standard_input, work, limit_seconds):
-    """Runs the command to its end; fails when it fails, saying what it said."""
+    """Runs the command to its end; raises with its messages if it fails."""
     usage, messages = pathlib.Path(work) / "usage", pathlib.Path(work) / "messages"
-    # A program that is started by a large process inherits that one's peak; by this one, 2 MiB.
+    # A program inherits the peak memory of the process that starts it; this starter's is 2 MiB.
     command = ["/usr/bin/time", "--quiet", "--format", "%U %S %M", "--output", usage, *arguments]
     environment = {name: value for name, value in os.environ.items() if "proxy" not in name.lower()}
     with messages.open("wb") as output, open(standard_input or os.devnull, "rb") as given:

@@ -1,27 +1,27 @@
-"""The programs that are compared, each as the command that does the same work over as many connections."""
+"""The compared programs, each as a command for the same work over as many connections."""
 
 import pathlib
 import shutil
 
 
 class Program:
-    """Knows the command for a direction, and writes what the command reads; that is not timed."""
+    """Prepares the command for a direction and its input; this is not timed."""
 
     name = ""
 
     def fits(self, direction, files):
-        """Whether the program does this kind of work in a way that can be compared."""
+        """Whether the program's way of this work is comparable."""
         return True
 
     def available(self):
         return shutil.which(self.name) is not None
 
     def command(self, direction, url, folder, files, work, connections):
-        """Gives (arguments, path of what is read from standard input or None)."""
+        """Returns (arguments, path of the standard input or None)."""
         raise NotImplementedError
 
     def explain(self, work):
-        """What the program has left about a failure besides its messages; begins on a line of its own."""
+        """Returns details of a failure besides the program's messages; begins with a line end."""
         return ""
 
 
@@ -68,7 +68,7 @@ class Aria(Program):
     def command(self, direction, url, folder, files, work, connections):
         listing = work / "list"
         listing.write_text("".join(f"{url}{file.path}\n  out={file.path}\n" for file in files))
-        # One large file in as many pieces; of many files one connection each.
+        # One large file in as many pieces; many files with one connection each.
         pieces = max(1, connections // len(files))
         return ["aria2c", "--no-conf", "--quiet", "--dir", folder, "--input-file", listing,
                 "--max-concurrent-downloads", connections, "--split", pieces,
@@ -80,8 +80,8 @@ class Rclone(Program):
     name = "rclone"
 
     def fits(self, direction, files):
-        # Around every WebDAV upload it asks twice about the file and pauses for 10 ms each time: with many
-        # small files it measures that.
+        # It requests each WebDAV file twice around an upload and pauses for 10 ms each time, which would
+        # dominate with many small files.
         return direction == "down" or len(files) <= 100
 
     def command(self, direction, url, folder, files, work, connections):

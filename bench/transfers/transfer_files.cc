@@ -2,9 +2,8 @@
 //
 //   transfer_files up|down URL FOLDER STATE_FOLDER CONNECTIONS < LIST
 //
-// Every line of the list is a file's size, MD5 and path, with blanks between them; the path is
-// relative to the URL and the folder. Ends with 0 when the library has reported the group
-// COMPLETED.
+// Every line of the list is a file's size, MD5 and path, separated by blanks; the path is relative
+// to the URL and the folder. Exits with 0 when the library has reported the group COMPLETED.
 #include <condition_variable>
 #include <cstdint>
 #include <cstdio>
@@ -34,12 +33,12 @@ struct Job {
   std::vector<Entry> entries;
 };
 
-// The library takes paths with one byte a character.
+// The library expects paths with one byte per character.
 std::wstring widen(const std::string& bytes) {
   return {bytes.begin(), bytes.end()};
 }
 
-// Waits for the end of the one group that a manager has.
+// Waits for the end of the manager's only group.
 class GroupEnd {
  public:
   void tell(std::int32_t state) {

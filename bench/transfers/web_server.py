@@ -1,4 +1,4 @@
-"""An nginx of one's own, on loopback: serves one folder and takes uploads into another."""
+"""A private nginx on loopback: serves one folder and accepts uploads into another."""
 
 import os
 import pathlib
@@ -53,7 +53,7 @@ class WebServer:
         self.url = f"http://127.0.0.1:{port}/"
         configuration = self._work / "nginx.conf"
         configuration.write_text(CONFIGURATION.format(
-            # As root it would serve as somebody who may not look into our folders.
+            # As root it would serve with an account that cannot read our folders.
             user="user root;" if os.geteuid() == 0 else "", work=work, port=port, down=down, up=up))
         self._process = process.start(["/usr/sbin/nginx", "-e", self._work / "error.log",
                                        "-c", configuration])

@@ -1,4 +1,4 @@
-// Records a second of a folder walk, side by side with `find -printf` printing the same facts about
+// Records per second of a folder walk, compared with `find -printf` printing the same facts about
 // the same 100,000 files. Usage: bench_walk [FOLDER]; without one, a tree is made in memory.
 #include <json/writer.h>
 #include <sys/stat.h>
@@ -68,7 +68,8 @@ void run(const std::string& folder) {
   std::vector<double> walkSeconds;
   std::vector<double> textSeconds;
   std::vector<double> findSeconds;
-  for (int round = 0; round < kRounds; ++round) {  // interleaved: the machine's pace changes
+  for (int round = 0; round < kRounds;
+       ++round) {  // interleaved, because the machine's speed changes
     Json::Value files;
     std::string text;
     walkSeconds.push_back(secondsOf([&] { files = walk(folder); }));

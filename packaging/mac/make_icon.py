@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
-"""Draws the application's icon, as packaging/zantrio.svg has it, into an icon file of macOS.
+"""Draws the icon of packaging/zantrio.svg into an icon file of macOS.
 
-usage: make_icon.py OUTPUT.icns [SIZE...]   sizes in pixels; without any, all that the system asks for
+usage: make_icon.py OUTPUT.icns [SIZE...]   sizes in pixels; default: all that the system uses
 """
 import math
 import struct
 import sys
 import zlib
 
-# The kinds of images in an icon file, by their size in pixels; some sizes have two.
+# The image types of an icon file by size in pixels; some sizes have two.
 KINDS = {
     16: (b"icp4",),
     32: (b"icp5", b"ic11"),

@@ -8,18 +8,18 @@ function windowWith(answer) {
   return { requests, bridge: (call) => { requests.push(call); answer(call); } };
 }
 
-test('asks with a method and parameters as one text, and gives the answer as a value', async () => {
+test('sends method and parameters as one text and returns the answer as a value', async () => {
   const root = windowWith(({ onSuccess }) => onSuccess('{"id":"7"}\n'));
   assert.deepEqual(await query('bridge', 'createGroup', { bucketId: 'ü"' }, root), { id: '7' });
   assert.deepEqual(JSON.parse(root.requests[0].request), { method: 'createGroup', parameters: { bucketId: 'ü"' } });
   assert.equal(root.requests[0].persistent, false);
 });
 
-test('an answer of null is a value', async () => {
+test('returns null as a value', async () => {
   assert.equal(await query('bridge', 'selectFiles', undefined, windowWith(({ onSuccess }) => onSuccess('null\n'))), null);
 });
 
-test('failures and unreadable answers become errors that say which method failed', async () => {
+test('turns failures and unreadable answers into errors that name the method', async () => {
   const failing = windowWith(({ onFailure }) => onFailure(-1, 'The query has been canceled'));
   await assert.rejects(query('bridge', 'm', {}, failing), (error) =>
     error instanceof BridgeError && error.code === -1 && error.message.includes('"m"'));
@@ -27,7 +27,7 @@ test('failures and unreadable answers become errors that say which method failed
   await assert.rejects(query('bridge', 'm', {}, garbled), /"m"/);
 });
 
-test('without the application there is no bridge', async () => {
+test('has no bridge without the application', async () => {
   assert.equal(isAvailable('bridge', {}), false);
   await assert.rejects(query('bridge', 'm', {}, {}), /needs the Zantrio application/);
 });

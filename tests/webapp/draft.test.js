@@ -5,7 +5,7 @@ import { records } from './fakes.js';
 
 const { Draft } = await import('../../webapp/js/models/draft.js');
 
-test('tells what is missing before it can be sent', () => {
+test('names the reasons why it cannot be sent', () => {
   const draft = new Draft();
   assert.deepEqual(draft.problems().map((problem) => problem.field), ['files', 'recipients']);
   draft.addFiles({ files: records(1) });
@@ -15,7 +15,7 @@ test('tells what is missing before it can be sent', () => {
   assert.deepEqual(draft.problems(), []);
 });
 
-test('takes its title from what was chosen unless one is written', () => {
+test('uses a title from the files unless one is written', () => {
   const draft = new Draft();
   draft.addFiles({ files: records(2), summary: 'Wedding' });
   draft.set('recipients', 'ann@example.org');
@@ -27,13 +27,13 @@ test('takes its title from what was chosen unless one is written', () => {
   assert.equal(draft.content().subject, '0.txt and 2 more');
 });
 
-test('a result without files, as after a drop of nothing, adds nothing', () => {
+test('adds nothing for a result without files', () => {
   const draft = new Draft();
   assert.equal(draft.addFiles({ complete: true, defer: false }).added, 0);
   assert.equal(draft.files.count, 0);
 });
 
-test('files that come in while a message is being sent stay for the next one', () => {
+test('keeps files added during sending for the next message', () => {
   const draft = new Draft();
   draft.addFiles({ files: records(2) });
   draft.set({ recipients: 'ann@example.org', text: 'Hello' });

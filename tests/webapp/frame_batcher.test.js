@@ -2,7 +2,7 @@ import assert from 'node:assert/strict';
 import { test } from 'node:test';
 import { FrameBatcher } from '../../webapp/js/frame_batcher.js';
 
-test('what changes while it is handed over comes with the next frame', () => {
+test('passes on changes made during a flush with the next frame', () => {
   const frames = [];
   const flushed = [];
   const batcher = new FrameBatcher((changed) => {

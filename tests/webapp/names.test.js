@@ -4,7 +4,7 @@ import { folderName } from '../../webapp/js/folder_name.js';
 import { fromRanges, toRanges } from '../../webapp/js/id_ranges.js';
 import { senderName } from '../../webapp/js/sender_name.js';
 
-test('a title becomes the name of one visible folder', () => {
+test('turns a title into the name of one visible folder', () => {
   const expected = [
     ['Holiday', 'Holiday'], ['a/b\\c:d', 'a b c d'], ['../../etc', 'etc'], ['.hidden.', 'hidden'], ['', 'Message'],
     ['..', 'Message'], ['/', 'Message'], ['tab\tnull\0end', 'tab null end'], ['Grüße  – 日本 😀', 'Grüße – 日本 😀'],
@@ -13,7 +13,7 @@ test('a title becomes the name of one visible folder', () => {
   for (const [title, name] of expected) assert.equal(folderName(title), name);
 });
 
-test('a long title is cut between characters, to what file systems take', () => {
+test('cuts a long title between characters to a valid length', () => {
   for (const character of ['x', 'ü', '日', '😀']) {
     const name = folderName(character.repeat(500));
     const bytes = new TextEncoder().encode(name).length;
@@ -22,13 +22,13 @@ test('a long title is cut between characters, to what file systems take', () => 
   }
 });
 
-test('a sender is called by name where there is one', () => {
+test('shows a sender by name if there is one', () => {
   const expected = [['Ann Lee <ann@example.org>', 'Ann Lee'], ['"Lee, Ann" <a@b>', 'Lee, Ann'], ['a@b', 'a@b'], ['<a@b>', 'a@b'],
     ['', 'Unknown sender'], [undefined, 'Unknown sender']];
   for (const [sender, name] of expected) assert.equal(senderName(sender), name);
 });
 
-test('sets of ids survive as a short text', () => {
+test('converts sets of ids to a short text and back', () => {
   const ids = [...Array.from({ length: 5000 }, (_, i) => String(i + 1)), '7000', '7002', 'a,b', '007'];
   const text = toRanges(ids);
   assert.ok(text.length < 50, text);

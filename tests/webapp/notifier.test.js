@@ -13,7 +13,7 @@ function over(attributes, states) {
 }
 const titleOf = (attributes, states) => notificationWords(over(attributes, states)).title;
 
-test('says how many files went well or did not', () => {
+test('counts successful and failed files', () => {
   const sent = { direction: 'upload', state: 'COMPLETED', phase: 'delivered', recipients: ['ann@example.org'] };
   assert.deepEqual(notificationWords(over(sent, ['COMPLETED', 'COMPLETED'])),
     { title: '2 files sent', message: '“Film” to ann@example.org' });
@@ -24,7 +24,7 @@ test('says how many files went well or did not', () => {
   assert.equal(titleOf({ direction: 'upload', state: 'COMPLETED', phase: 'undelivered' }, ['COMPLETED']), 'A message was not delivered');
 });
 
-test('shows one for each transfer that is over, and bears a bridge that fails', async () => {
+test('shows one notification per ended transfer, even if the bridge fails', async () => {
   const shown = [];
   const notifications = {
     isThere: () => true,

@@ -8,7 +8,7 @@ const CONFIGURATION = {
 };
 const BOTH = { upload: CONFIGURATION, download: { ...CONFIGURATION, throttleBytesPerSecond: 0 } };
 
-test('what the form shows survives it', () => {
+test('converts configurations to the form and back', () => {
   const { changes, problems } = fromForm(toForm(BOTH));
   assert.deepEqual(problems, {});
   assert.deepEqual(changes, {
@@ -21,7 +21,7 @@ test('what the form shows survives it', () => {
   });
 });
 
-test('no limit is a rate of 0, whatever the rate field holds', () => {
+test('turns no limit into a rate of 0, whatever the rate field contains', () => {
   const form = toForm({ upload: { ...CONFIGURATION, throttleBytesPerSecond: 0 }, download: null });
   assert.deepEqual([form.limited, form.downloadLimited], [false, false]);
   const { changes, problems } = fromForm({ ...form, throttle: 'x' });
@@ -29,7 +29,7 @@ test('no limit is a rate of 0, whatever the rate field holds', () => {
   assert.deepEqual(problems, {});
 });
 
-test('takes a comma for the decimal point and refuses what is no number in range', () => {
+test('accepts a decimal comma and refuses values out of range', () => {
   const form = { ...toForm(BOTH), throttle: '0,5' };
   assert.equal(fromForm(form).changes.upload.throttleBytesPerSecond, 500_000);
   const { problems } = fromForm({

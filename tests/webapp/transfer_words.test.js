@@ -4,7 +4,7 @@ import {
   failureWords, fileWords, groupWords, paceWords, progressWords,
 } from '../../webapp/js/transfer_words.js';
 
-test('every state has a word, whatever the page itself does with the transfer', () => {
+test('has a label for every state and phase', () => {
   const label = (phase, state) => groupWords({ phase, state }).label;
   assert.equal(label('running', 'TRANSFERRING'), 'Sending');
   assert.equal(label('running', 'UNKNWON'), 'Waiting');
@@ -17,7 +17,7 @@ test('every state has a word, whatever the page itself does with the transfer', 
   assert.equal(label('interrupted', 'UNKNWON'), 'Interrupted');
 });
 
-test('downloads have their own words, and are paused by the page itself while they are filled', () => {
+test('has own texts for downloads, which the page pauses while it fills them', () => {
   const label = (phase, state) => groupWords({ direction: 'download', phase, state }).label;
   assert.equal(label('running', 'TRANSFERRING'), 'Downloading');
   assert.equal(label('running', 'COMPLETED'), 'Downloaded');
@@ -31,13 +31,13 @@ test('downloads have their own words, and are paused by the page itself while th
   assert.match(failureWords({ direction: 'download', names: ['a'], total: 1, outOfTime: true }), /time .* is over/);
 });
 
-test('a file being sent tells its percent, any other its state', () => {
+test('shows the percentage of a file being sent, and the state of any other', () => {
   assert.equal(fileWords({ state: 'TRANSFERRING', done: 1, size: 4 }), '25 %');
   assert.equal(fileWords({ state: 'UNKNWON' }), 'Waiting');
   assert.equal(fileWords({ state: 'ERRORED', leftOut: true }), 'Left out');
 });
 
-test('progress tells files and bytes, the pace only while something moves', () => {
+test('shows files and bytes, and the rate only during a transfer', () => {
   assert.equal(progressWords({ done: 12, count: 5000, bytesDone: 45e6, bytesTotal: 1.2e9 }),
     '12 of 5,000 files, 45.0 MB of 1.2 GB');
   assert.equal(progressWords({ done: 1, count: 1, bytesDone: 5, bytesTotal: 5, finished: true }), '1 file, 5 bytes');
@@ -46,7 +46,7 @@ test('progress tells files and bytes, the pace only while something moves', () =
   assert.equal(paceWords({ state: 'PAUSED', rate: 1e6, secondsLeft: 30 }), '');
 });
 
-test('a failure names the files and what one can do', () => {
+test('names failed files and a remedy', () => {
   const one = failureWords({ names: ['a.txt'], total: 1, phase: 'running' });
   assert.match(one, /^1 file could not be sent: “a\.txt”\. Check that it is still there/);
   const many = failureWords({ names: ['a', 'b', 'c'], total: 1200, phase: 'running' });

@@ -119,7 +119,7 @@ void CSamples::makeWelcome() {
 
 void CSamples::makeManyFiles() {
   Sample& many =
-      addMessage("sample-many", "10,000 small files", "To see that their number is no matter.");
+      addMessage("sample-many", "10,000 small files", "Shows that any number of files works.");
   many.message.created -= kHour;  // so that the other sample comes first
   for (int i = 1; i <= kManyFiles; ++i) {
     const std::string number = std::to_string(i);

@@ -48,7 +48,7 @@ class Page(QWebEnginePage):
 
 
 class Steps:
-    """Runs one step after the other, then takes the picture and ends."""
+    """Runs the steps in order, then takes the picture and quits."""
 
     def __init__(self, view, steps):
         self.view = view
@@ -56,7 +56,7 @@ class Steps:
 
     def next(self):
         if not self.steps:
-            QTimer.singleShot(350, self.finish)  # what moves on the screen comes to rest
+            QTimer.singleShot(350, self.finish)  # until animations end
             return
         kind, _, argument = self.steps.pop(0).partition(":")
         getattr(self, f"do_{kind}")(argument)
@@ -106,4 +106,4 @@ view.show()
 view.load(QUrl(options.url))
 QTimer.singleShot(LIMIT_MS, steps.give_up)
 app.exec()
-os._exit(0)  # the engine's own end takes seconds
+os._exit(0)  # the engine's own shutdown takes seconds

@@ -7,7 +7,7 @@
 //   failEvery      every n-th file fails (0: none)
 //   failCodes      why they fail, in turn, as reported to the service (["refused"])
 //   waitFor        a code: transfers wait for this after their first file (none)
-// What was shown as a notification is kept in window.mockNotifications.
+// window.mockNotifications records the shown notifications.
 'use strict';
 (function () {
   const options = { files: 3, seconds: 4, failEvery: 0, failCodes: ['refused'], waitFor: '', ...window.mockOptions };

@@ -4,7 +4,7 @@
 const FILE = {
   url_expired: 'Its address has expired',
   token_expired: 'The time for this transfer is over',
-  bad_url: 'The service gave no address that can be used',
+  bad_url: 'The service gave no usable address',
   bad_request: 'The service asked for something that cannot be sent',
   source_missing: 'The file is not there any more',
   source_unreadable: 'The file cannot be read',
@@ -16,24 +16,24 @@ const FILE = {
   disk_trouble: 'The disk has a problem',
   server_busy: 'The server is too busy',
   server_trouble: 'The server has a problem',
-  wrong_digest: 'It arrived with other content',
-  wrong_size: 'It arrived with another size',
+  wrong_digest: 'It arrived with different content',
+  wrong_size: 'It arrived with a different size',
   server_changed: 'It keeps changing on the server',
   cannot_connect: 'The server cannot be reached',
-  connection_lost: 'The connection broke again and again',
-  not_trusted: 'The server cannot prove who it is',
-  queue_unreadable: 'It is no longer known what was to be done',
+  connection_lost: 'The connection was lost repeatedly',
+  not_trusted: 'The certificate of the server is not valid',
+  queue_unreadable: 'Its description on disk is damaged',
 };
 
 const REFUSED = { upload: 'The server does not take it', download: 'The server does not give it' };
 
 const WAITING = {
-  disk_full: 'The disk is full. It goes on by itself as soon as there is room.',
-  disk_trouble: 'The disk has a problem. It goes on by itself as soon as that is over.',
-  target_missing: 'The folder is not there. It goes on by itself as soon as the disk is connected.',
-  cannot_connect: 'The server cannot be reached. It goes on by itself as soon as it can.',
-  connection_lost: 'The connection broke. It goes on by itself in a moment.',
-  server_busy: 'The server is busy. It goes on by itself when the server has time.',
+  disk_full: 'The disk is full. It continues automatically when there is space.',
+  disk_trouble: 'The disk has a problem. It continues automatically when that is solved.',
+  target_missing: 'The folder is missing. It continues automatically when the disk is connected.',
+  cannot_connect: 'The server cannot be reached. It continues automatically when it can.',
+  connection_lost: 'The connection was lost. It continues automatically in a moment.',
+  server_busy: 'The server is busy. It continues automatically later.',
 };
 
 /** A short text for a failed file; empty if no reason is known. */
@@ -46,7 +46,7 @@ export function failedFileWords(reason, direction) {
 /** Why a transfer waits and what ends the wait; empty if it does not wait or the reason is unknown. */
 export function waitingWords(reason) {
   if (!reason) return '';
-  return WAITING[reason.code] ?? `It waits and goes on by itself: ${reason.reason}.`;
+  return WAITING[reason.code] ?? `It waits and continues automatically: ${reason.reason}.`;
 }
 
 /** Why files failed, in one sentence; empty if no reason is known. */

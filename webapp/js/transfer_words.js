@@ -8,16 +8,16 @@ const WORDS = {
   upload: {
     moving: 'Sending', done: 'Sent', over: { label: 'Finishing', tone: 'active' }, verb: 'sent',
     stopped: 'Sending stopped.',
-    interrupted: 'Not all files were added before this page was loaded anew. Send what was added, or cancel and send again.',
-    goesOn: 'Sending goes on as soon as the service can be reached.',
-    advice: (one) => `Check that ${one ? 'it is' : 'they are'} still there and can be read; else the service did not take ${one ? 'it' : 'them'}.`,
+    interrupted: 'This page was reloaded before all files were added. Send the added files, or cancel and send again.',
+    goesOn: 'Sending continues as soon as the service can be reached.',
+    advice: (one) => `Check that ${one ? 'it is' : 'they are'} still there and can be read. Otherwise the service refused ${one ? 'it' : 'them'}.`,
   },
   download: {
     moving: 'Downloading', done: 'Saved', over: { label: 'Downloaded', tone: 'done' }, verb: 'downloaded',
     stopped: 'The download stopped.',
-    interrupted: 'Not all files were added. Add the rest, or cancel and download again.',
-    goesOn: 'The download goes on as soon as the service can be reached.',
-    advice: () => 'Check that there is room in the folder and that you may write to it; else the service does not have the right content.',
+    interrupted: 'Not all files were added. Add the others, or cancel and download again.',
+    goesOn: 'The download continues as soon as the service can be reached.',
+    advice: () => 'Check that there is room in the folder and that you may write to it. Otherwise the service has wrong content.',
   },
 };
 
@@ -79,7 +79,7 @@ export function failureWords({ direction, names, total, phase, reachable = true,
     return total === 0 ? words.goesOn
       : `${failed}; ${total === 1 ? 'it is' : 'they are'} tried again as soon as the service can be reached.`;
   }
-  if (outOfTime) return `${total === 0 ? words.stopped : `${failed}.`} The time that the service allows for it is over; begin anew.`;
+  if (outOfTime) return `${total === 0 ? words.stopped : `${failed}.`} The service's time limit for it is over; start again.`;
   if (total === 0) return `${words.stopped} Check the connection to the service, then try again.`;
   const listed = names.map((name) => `“${name}”`).join(', ');
   const more = total > names.length ? ` and ${formatNumber(total - names.length)} more` : '';

@@ -14,8 +14,8 @@ export class QuitDialog {
       (collection) => collection.filter((transfer) => transfer.isUnfinished()));
     const filling = unfinished.some((transfer) => transfer.get('phase') === 'filling');
     if (unfinished.length > 0 && !await this.dialog.ask('Transfers are still running', filling
-      ? 'Files are still being added; those that are not added when you quit have to be added again. Everything else goes on when you open Zantrio again.'
-      : 'They go on when you open Zantrio again.')) return;
+      ? 'Files are still being added; files not added when you quit must be added again. Everything else continues when you open Zantrio again.'
+      : 'They continue when you open Zantrio again.')) return;
     try {
       await app.exit();
     } catch (error) {

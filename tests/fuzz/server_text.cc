@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "base/url_parts.h"
-#include "download/content_range.h"
+#include "download/response_plan.h"
 #include "http/error_document.h"
 #include "http/etag.h"
 #include "http/redirect.h"

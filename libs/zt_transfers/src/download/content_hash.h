@@ -2,8 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <list>
+#include <mutex>
 #include <string>
+#include <vector>
 
+#include "download/chunk_pool.h"
 #include "hash/md5.h"
 
 namespace zt_transfers {
@@ -26,6 +30,50 @@ class CContentHash {
  private:
   CMd5 md5_;
   std::uint64_t position_ = 0;
+};
+
+// What of a file is written and waits to be hashed, in the file's order. What is written in that
+// order waits in memory; all else is read back, and nothing waits in memory behind that, or the
+// memory would be held up.
+//
+// Thread: any.
+class CHashQueue {
+ public:
+  // Bytes up to `end` that follow those before; without a chunk they are read back.
+  struct Piece {
+    Chunk chunk;
+    std::uint64_t end = 0;
+
+    bool inMemory() const { return chunk.data != nullptr; }
+  };
+  using Pieces = std::vector<Piece>;
+
+  // The chunks were written, and up to `end` there is no gap in the file. Takes what it keeps out
+  // of `chunks`. True when there is something to hash and nobody at it.
+  bool add(std::vector<Chunk>& chunks, std::uint64_t end);
+  // What is to be hashed now. `done` after each, once it is hashed: true when more has come, else
+  // nobody is at it any more.
+  Pieces take();
+  bool done();
+
+  // Nobody is at it, and nobody needs to be.
+  bool idle() const;
+  // Gives up what waits; what is at work goes on. `close`: nothing is added any more.
+  std::list<Piece> clear();
+  void close();
+  // For another version, from the first byte; it must be idle.
+  void restart();
+
+ private:
+  bool readsBack() const { return !waiting_.empty() && !waiting_.back().inMemory(); }
+
+  mutable std::mutex mutex_;
+  // Guarded by mutex_.
+  std::list<Piece> waiting_;
+  std::uint64_t lined_ = 0;  // up to here it is hashed or waits
+  std::uint64_t taken_ = 0;  // up to here it is hashed, or somebody is at it
+  bool atWork_ = false;
+  bool closed_ = false;
 };
 
 }  // namespace zt_transfers

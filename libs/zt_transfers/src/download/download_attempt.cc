@@ -63,9 +63,10 @@ void CDownloadAttempt::begin() {
     return;
   }
   try {
-    writer_ = std::make_shared<CPartialWriter>(dependencies_, order_.attemptId,
-                                               std::make_shared<CPartialFile>(planOf(order_)),
-                                               order_.progress, *this);
+    writer_ = std::make_shared<CPartialWriter>(
+        dependencies_, order_.attemptId,
+        std::make_shared<CPartialFile>(dependencies_.fileOps, planOf(order_)), order_.progress,
+        *this);
   } catch (const std::exception& error) {
     report(AttemptOutcome::final(error.what(), failure::kUnsafePath));
     return;

@@ -4,8 +4,7 @@
 #include <exception>
 #include <utility>
 
-#include "download/check_content.h"
-#include "download/file_trouble.h"
+#include "download/disk_verdict.h"
 
 namespace zt_transfers {
 
@@ -13,8 +12,8 @@ bool CDownloadRunner::start(StartOrder order) {
   const AttemptId attemptId = order.attemptId;
   maxConcurrent_ = order.maxConcurrent;
   auto attempt = std::make_unique<CDownloadAttempt>(
-      CPartialWriter::Dependencies{loop_, pool_, chunks_, observer_}, log_, std::move(order),
-      *this);
+      CPartialWriter::Dependencies{loop_, pool_, chunks_, observer_, fileOps_}, log_,
+      std::move(order), *this);
   CDownloadAttempt& begun = *attempt;
   attempts_.emplace(attemptId, std::move(attempt));
   begun.begin();
@@ -91,15 +90,15 @@ void CDownloadRunner::syncToDisk() {
 }
 
 void CDownloadRunner::discard(const CleanupTask& order) {
-  pool_.post([order, &observer = observer_] {
+  pool_.post([order, &observer = observer_, &ops = fileOps_] {
     AttemptOutcome outcome = AttemptOutcome::done();
     try {
-      CPartialPlace::remove(order.orphan.folder, order.orphan.resume.download());
+      CPartialEntry::remove(ops, order.orphan.folder, order.orphan.resume.download());
     } catch (const CPartialFileInUse&) {
       // By an attempt that ends and removes it, or by one that has taken it over.
       outcome = AttemptOutcome::retry("", failure::kDiskTrouble);
     } catch (const std::exception& error) {
-      outcome = judgeFileTrouble(error);
+      outcome = judgeDiskError(error);
     }
     if (outcome.kind == AttemptOutcome::Kind::kFinal && outcome.code == failure::kTargetMissing) {
       outcome = AttemptOutcome::done();  // the folder that it was in is gone

@@ -12,18 +12,27 @@
 
 namespace zt_transfers {
 
-// Carries out download attempts over HTTP, and puts in place what has arrived. All given must
-// outlive it.
+// Downloads files over HTTP and gives those that have arrived their final names.
 class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IListener {
  public:
-  CDownloadRunner(CHttpLoop& loop, CWorkerPool& pool, ILog& log, IAttemptObserver& observer)
-      : loop_(loop),
-        pool_(pool),
-        log_(log),
-        observer_(observer),
+  // All must outlive the runner.
+  struct Dependencies {
+    CHttpLoop& loop;
+    CWorkerPool& pool;
+    ILog& log;
+    IAttemptObserver& observer;
+    IFileOps& fileOps;
+  };
+
+  explicit CDownloadRunner(const Dependencies& dependencies)
+      : loop_(dependencies.loop),
+        pool_(dependencies.pool),
+        log_(dependencies.log),
+        observer_(dependencies.observer),
+        fileOps_(dependencies.fileOps),
         finalizer_({.synced = [this](const auto& attempts) { observer_.keepDurably(attempts); },
                     .finalized = [this](const auto& ends) { finalized(ends); }}),
-        small_(pool, finalizer_, chunks_, [this](const auto& ends) { finalized(ends); }) {}
+        small_(pool_, finalizer_, chunks_, [this](const auto& ends) { finalized(ends); }) {}
 
   bool start(StartOrder order) override;
   void stop(const AttemptStop& stop) override;
@@ -52,6 +61,7 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
   CWorkerPool& pool_;
   ILog& log_;
   IAttemptObserver& observer_;
+  IFileOps& fileOps_;
   CFinalizer finalizer_;
   CChunkPool chunks_;
   CSmallFiles small_;

@@ -5,7 +5,7 @@
 #include <exception>
 #include <utility>
 
-#include "download/file_trouble.h"
+#include "download/disk_verdict.h"
 
 namespace zt_transfers {
 namespace {
@@ -76,7 +76,7 @@ void CFinalizer::notify(Batch& batch) {
 template <typename Step>
 void CFinalizer::tryStep(Finalization& finalization, Step step) {
   if (!finalization.trouble) {
-    finalization.trouble = troubleOf(step);
+    finalization.trouble = failureOf(step);
   }
 }
 

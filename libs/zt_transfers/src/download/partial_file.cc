@@ -1,7 +1,6 @@
 #include "download/partial_file.h"
 
-#include <fcntl.h>
-#include <unistd.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <array>
@@ -10,9 +9,7 @@
 
 #include "base/file_status.h"
 #include "base/system_failure.h"
-#include "download/file_trouble.h"
-#include "download/new_folders.h"
-#include "download/reserve_room.h"
+#include "download/disk_verdict.h"
 #include "download/target_folder.h"
 
 namespace zt_transfers {
@@ -20,60 +17,39 @@ namespace {
 
 constexpr std::uint64_t kReserveFrom = 1024 * 1024;  // smaller files are written at once
 
-void syncData(int file) {
-#if defined(__APPLE__)
-  const int failed = ::fsync(file);
-#else
-  const int failed = ::fdatasync(file);
-#endif
-  if (failed != 0) {
-    failWithErrno("cannot write the file to disk");
-  }
-}
+// Writing starts in windows of this size once they are complete, so that a sync has little left.
+constexpr std::uint64_t kWriteWindow = 8ULL * 1024 * 1024;
 
-// Has the disk begin with what is complete of it, so that a sync finds little left to do.
-void beginWriteback(int file, std::uint64_t begin, std::uint64_t end) {
-#if defined(__linux__)
-  constexpr std::uint64_t kWindow = 8ULL * 1024 * 1024;
-  const std::uint64_t from = begin / kWindow * kWindow;
-  const std::uint64_t to = end / kWindow * kWindow;
-  if (from < to) {
-    ::sync_file_range(file, static_cast<off_t>(from), static_cast<off_t>(to - from),
-                      SYNC_FILE_RANGE_WRITE);
-  }
-#else
-  static_cast<void>(file);
-  static_cast<void>(begin);
-  static_cast<void>(end);
-#endif
+[[noreturn]] void failToWrite() {
+  failWithErrno("cannot write the file to disk");
 }
 
 }  // namespace
 
 CPartialFile::~CPartialFile() {
-  // Nothing worth keeping is in an empty one.
+  // An empty file is not worth keeping.
   if (discarded_ || resume_.written.empty()) {
-    place_.unlink();
+    entry_.unlink();
   }
 }
 
 void CPartialFile::discardNow() {
   discarded_ = true;
-  place_.unlink();
+  entry_.unlink();
 }
 
 CPartialFile::Found CPartialFile::reopen(const DownloadResume& resume) {
-  if (!place_.contains(resume.partialPath)) {
+  if (!entry_.contains(resume.partialPath)) {
     return Found::kNothing;
   }
   resume_ = resume;
-  if (!place_.openFolder(MissingFolders::kFail)) {
+  if (!entry_.openFolder(MissingFolders::kFail)) {
     resume_ = {};
     return Found::kNothing;
   }
-  CUniqueFd file = place_.reopen(resume);
-  if (!file.valid() && place_.isFinalized(resume)) {
-    place_.syncFolder();
+  CUniqueFd file = entry_.reopen(resume);
+  if (!file.valid() && entry_.isFinalized(resume)) {
+    entry_.syncFolder();
     return Found::kFinalized;
   }
   resume_ = {};
@@ -97,15 +73,15 @@ void CPartialFile::create(std::uint64_t size) {
   if (file_.valid()) {
     return;
   }
-  place_.openFolder(MissingFolders::kMake);
-  adopt(place_.make());
+  entry_.openFolder(MissingFolders::kMake);
+  adopt(entry_.make());
   reserve(size);
 }
 
 void CPartialFile::adopt(CUniqueFd file) {
   file_ = std::move(file);
-  resume_.partialPath = place_.path();
-  resume_.inode = place_.inode();
+  resume_.partialPath = entry_.path();
+  resume_.inode = entry_.inode();
 }
 
 void CPartialFile::restart(const std::string& validator, std::uint64_t size) {
@@ -116,7 +92,7 @@ void CPartialFile::restart(const std::string& validator, std::uint64_t size) {
   hash_.reset();
   digest_.reset();
   if (file_.valid()) {
-    if (::ftruncate(file_.get(), 0) != 0) {
+    if (!ops_.truncate(file_.get())) {
       failWithErrno("cannot empty the partial file");
     }
     reserve(size);
@@ -127,19 +103,22 @@ void CPartialFile::write(std::uint64_t offset, const char* data, std::size_t siz
   create(resume_.size);
   std::size_t done = 0;
   while (done < size) {
-    const ssize_t put =
-        ::pwrite(file_.get(), data + done, size - done, static_cast<off_t>(offset + done));
-    if (put < 0 && errno == EINTR) {
+    const ssize_t written = ops_.write(file_.get(), data + done, size - done, offset + done);
+    if (written < 0 && errno == EINTR) {
       continue;
     }
-    if (put <= 0) {
+    if (written <= 0) {
       noteWritten({offset, offset + done});
       failWithErrno("cannot write to the file");
     }
-    done += static_cast<std::size_t>(put);
+    done += static_cast<std::size_t>(written);
   }
   noteWritten({offset, offset + size});
-  beginWriteback(file_.get(), offset, offset + size);
+  const std::uint64_t from = offset / kWriteWindow * kWriteWindow;
+  const std::uint64_t to = (offset + size) / kWriteWindow * kWriteWindow;
+  if (from < to) {
+    ops_.startWriting(file_.get(), from, to);
+  }
 }
 
 void CPartialFile::noteWritten(ByteSpan span) {
@@ -168,9 +147,11 @@ void CPartialFile::checkpoint() {
   if (!file_.valid()) {
     return;
   }
-  // What is written while it syncs may or may not get there.
+  // Bytes written during the sync may or may not be included.
   ByteSpans written = resume().written;
-  syncData(file_.get());
+  if (!ops_.syncContent(file_.get())) {
+    failToWrite();
+  }
   const std::lock_guard lock(mutex_);
   resume_.durable = std::move(written);
 }
@@ -211,62 +192,55 @@ void CPartialFile::sync(bool alone) {
     modified.tv_sec = static_cast<time_t>(plan_.modified / kMilliseconds);
     modified.tv_nsec = static_cast<long>(plan_.modified % kMilliseconds) * kNanoseconds;
     const std::array<timespec, 2> times{modified, modified};
-    // A file system that cannot keep such a time is no reason to lose the file.
+    // The file is kept even if its file system cannot store such a time.
     ::futimens(file_.get(), times.data());
   }
   if (alone && CNewFolders::shared().latest(statusOf(file_.get()).st_dev) != 0) {
     syncFileSystem();
     checkWritten();
-  } else if (alone && ::fsync(file_.get()) != 0) {
-    failWithErrno("cannot write the file to disk");
+  } else if (alone && !ops_.sync(file_.get())) {
+    failToWrite();
   }
 }
 
 bool CPartialFile::syncFileSystem() const {
-#if defined(__linux__)
   CNewFolders& folders = CNewFolders::shared();
   const dev_t device = statusOf(file_.get()).st_dev;
   const std::uint64_t made = folders.latest(device);
-  if (::syncfs(file_.get()) != 0) {
-    failWithErrno("cannot write the file to disk");
+  if (ops_.syncFileSystem(file_.get())) {
+    folders.noteSynced(device, made);
+    return true;
   }
-  folders.noteSynced(device, made);
-  return true;
-#else
-  if (::fsync(file_.get()) != 0) {
-    failWithErrno("cannot write the file to disk");
+  if (errno != ENOTSUP || !ops_.sync(file_.get())) {
+    failToWrite();
   }
   return false;
-#endif
 }
 
 void CPartialFile::checkWritten() const {
-#if defined(__linux__)
-  // Once all is written there is nothing to wait for.
-  if (::sync_file_range(file_.get(), 0, 0, SYNC_FILE_RANGE_WAIT_BEFORE) != 0) {
-    failWithErrno("cannot write the file to disk");
+  if (!ops_.contentWritten(file_.get())) {
+    failToWrite();
   }
-#endif
 }
 
 void CPartialFile::close() {
   file_ = CUniqueFd();
-  place_.close();
+  entry_.close();
 }
 
 void CPartialFile::reserve(std::uint64_t size) {
   if (size == DownloadResume::kUnknown || size < kReserveFrom) {
     return;
   }
-  try {
-    reserveRoom(file_.get(), size);
-  } catch (const std::system_error& error) {
-    if (plan_.size != 0) {
-      throw;
-    }
-    throw CNoRoomForClaim(error.code(), "cannot make room for the " + std::to_string(size) +
-                                            " bytes that the server announces");
+  if (ops_.reserve(file_.get(), size)) {
+    return;
   }
+  if (plan_.size != 0) {
+    failWithErrno("cannot make room for the file");
+  }
+  throw CNoRoomForClaim(
+      errno, std::generic_category(),
+      "cannot make room for the " + std::to_string(size) + " bytes that the server announces");
 }
 
 }  // namespace zt_transfers

@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "download/file_trouble.h"
+#include "download/disk_verdict.h"
 
 namespace zt_transfers {
 namespace {
@@ -132,7 +132,7 @@ void CPartialWriter::postSync() {
   syncing_ = true;
   durable_ = written_;
   pool_.post([self = shared_from_this()] {
-    const auto trouble = troubleOf([&] { self->file_->checkpoint(); });
+    const auto trouble = failureOf([&] { self->file_->checkpoint(); });
     self->progress_->setResume(self->file_->resume());
     self->loop_.post([self, trouble] { self->takeSynced(trouble); });
   });
@@ -142,7 +142,7 @@ CPartialWriter::Written CPartialWriter::work(Batch& batch) {
   Written written;
   written.trouble = batch.trouble;
   if (!written.trouble) {
-    written.trouble = troubleOf([&] { carryOut(batch, written); });
+    written.trouble = failureOf([&] { carryOut(batch, written); });
   }
   written.resume = file_->resume();
   progress_->setResume(written.resume);
@@ -196,7 +196,7 @@ bool CPartialWriter::withdraw() {
 // One turn of the hash, which sees to the next one by itself: the network thread may be busy.
 void CPartialWriter::hashNext() {
   auto pieces = std::make_shared<CHashQueue::Pieces>(hashQueue_.take());
-  const auto trouble = troubleOf([&] {
+  const auto trouble = failureOf([&] {
     for (const CHashQueue::Piece& piece : *pieces) {
       if (piece.inMemory()) {
         file_->hash(piece.chunk.data.get(), piece.chunk.size);

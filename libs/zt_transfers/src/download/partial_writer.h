@@ -10,7 +10,7 @@
 
 #include "base/worker_pool.h"
 #include "download/chunk_pool.h"
-#include "download/hash_queue.h"
+#include "download/content_hash.h"
 #include "download/partial_file.h"
 #include "engine/attempt.h"
 #include "http/http_loop.h"
@@ -54,6 +54,7 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
     CWorkerPool& pool;
     CChunkPool& chunks;
     IAttemptObserver& observer;
+    IFileOps& fileOps;
   };
 
   CPartialWriter(const Dependencies& dependencies, AttemptId attemptId,

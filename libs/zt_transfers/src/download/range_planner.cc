@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "download/missing_spans.h"
-
 namespace zt_transfers {
 namespace {
 
@@ -15,6 +13,32 @@ constexpr std::uint64_t kMaxPiece = 32 * kMebibyte;
 constexpr std::uint64_t kPieces = 8;
 
 }  // namespace
+
+ByteSpans missingSpans(const ByteSpans& there, std::uint64_t size) {
+  ByteSpans missing;
+  std::uint64_t position = 0;
+  for (const ByteSpan& span : there) {
+    if (span.begin >= size) {
+      break;
+    }
+    addSpan(missing, {position, span.begin});
+    position = span.end;
+  }
+  if (position < size) {
+    addSpan(missing, {position, size});
+  }
+  return missing;
+}
+
+ByteSpan takeFirst(ByteSpans& missing, std::uint64_t max) {
+  ByteSpan& first = missing.front();
+  const ByteSpan taken{first.begin, first.begin + std::min(max, first.length())};
+  first.begin = taken.end;
+  if (first.length() == 0) {
+    missing.erase(missing.begin());
+  }
+  return taken;
+}
 
 void CRangePlanner::takeUp(const DownloadResume& resume, const ByteSpans& there) {
   begun_ = true;

@@ -10,6 +10,12 @@
 
 namespace zt_transfers {
 
+// The ranges of the first `size` bytes that are not in `there`.
+ByteSpans missingSpans(const ByteSpans& there, std::uint64_t size);
+
+// Takes the first missing range, at most `max` bytes of it. There must be one.
+ByteSpan takeFirst(ByteSpans& missing, std::uint64_t max);
+
 // Of one version of a file the bytes that nobody fetches yet, and in which portions they are to be
 // asked for. A large file from a server that does ranges is fetched in pieces.
 //

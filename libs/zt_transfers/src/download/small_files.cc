@@ -7,8 +7,7 @@
 #include <string_view>
 #include <utility>
 
-#include "download/check_content.h"
-#include "download/file_trouble.h"
+#include "download/disk_verdict.h"
 #include "hash/md5.h"
 
 namespace zt_transfers {
@@ -21,7 +20,7 @@ constexpr std::chrono::milliseconds kGatherLimit{2};
 
 void write(CSmallFiles::Arrived& file) {
   CPartialFile& partial = *file.finalization.file;
-  file.trouble = troubleOf([&] {
+  file.trouble = failureOf([&] {
     partial.restart(file.validator, file.size);
     if (file.content.size != 0) {
       partial.write(0, file.content.data.get(), file.content.size);

@@ -6,14 +6,12 @@
 #include <cerrno>
 #include <system_error>
 
-#include "download/new_folders.h"
 #include "base/system_failure.h"
 
 namespace zt_transfers {
 namespace {
 
 constexpr int kOpenFolder = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
-constexpr mode_t kAllThatTheUmaskLeaves = 0777;
 
 [[noreturn]] void failGone() {
   throw CFolderGone(ENOENT, std::generic_category(),
@@ -28,10 +26,10 @@ void noteMade(int folder) {
   }
 }
 
-CUniqueFd openGroupFolder(const std::string& path, bool mayMake) {
+CUniqueFd openGroupFolder(IFileOps& ops, const std::string& path, bool mayMake) {
   CUniqueFd folder(::open(path.c_str(), kOpenFolder));
   if (!folder.valid() && errno == ENOENT && mayMake) {
-    const bool made = ::mkdir(path.c_str(), kAllThatTheUmaskLeaves) == 0;
+    const bool made = ops.makeFolder(AT_FDCWD, path.c_str());
     if (!made && errno != EEXIST && errno != ENOENT) {
       failWithErrno("cannot make the group's folder");
     }
@@ -49,8 +47,8 @@ CUniqueFd openGroupFolder(const std::string& path, bool mayMake) {
   return folder;
 }
 
-void make(int parent, const std::string& name) {
-  if (::mkdirat(parent, name.c_str(), kAllThatTheUmaskLeaves) == 0) {
+void make(IFileOps& ops, int parent, const std::string& name) {
+  if (ops.makeFolder(parent, name.c_str())) {
     noteMade(parent);
   } else if (errno != EEXIST) {
     failWithErrno("cannot make the folder \"" + name + "\"");
@@ -59,15 +57,15 @@ void make(int parent, const std::string& name) {
 
 }  // namespace
 
-CUniqueFd openTargetFolder(const std::string& groupFolder, const std::vector<std::string>& folders,
-                           MissingFolders missing) {
+CUniqueFd openTargetFolder(IFileOps& ops, const std::string& groupFolder,
+                           const std::vector<std::string>& folders, MissingFolders missing) {
   const bool mayMake = missing == MissingFolders::kMake;
-  CUniqueFd folder = openGroupFolder(groupFolder, mayMake);
+  CUniqueFd folder = openGroupFolder(ops, groupFolder, mayMake);
   for (const std::string& name : folders) {
     const int parent = folder.get();
     CUniqueFd next(::openat(parent, name.c_str(), kOpenFolder | O_NOFOLLOW));
     if (!next.valid() && errno == ENOENT && mayMake) {
-      make(parent, name);
+      make(ops, parent, name);
       next = CUniqueFd(::openat(parent, name.c_str(), kOpenFolder | O_NOFOLLOW));
     }
     if (!next.valid()) {
@@ -76,6 +74,30 @@ CUniqueFd openTargetFolder(const std::string& groupFolder, const std::vector<std
     folder = std::move(next);
   }
   return folder;
+}
+
+CNewFolders& CNewFolders::shared() {
+  static CNewFolders folders;
+  return folders;
+}
+
+void CNewFolders::noteMade(dev_t device) {
+  const std::lock_guard lock(mutex_);
+  latest_[device] = ++last_;
+}
+
+std::uint64_t CNewFolders::latest(dev_t device) const {
+  const std::lock_guard lock(mutex_);
+  const auto found = latest_.find(device);
+  return found == latest_.end() ? 0 : found->second;
+}
+
+void CNewFolders::noteSynced(dev_t device, std::uint64_t latest) {
+  const std::lock_guard lock(mutex_);
+  const auto found = latest_.find(device);
+  if (found != latest_.end() && found->second == latest) {
+    latest_.erase(found);
+  }
 }
 
 }  // namespace zt_transfers

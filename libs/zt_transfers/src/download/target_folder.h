@@ -1,26 +1,55 @@
 #pragma once
 
+#include <sys/types.h>
+
+#include <cstdint>
+#include <map>
+#include <mutex>
 #include <string>
 #include <system_error>
 #include <vector>
 
+#include "base/file_ops.h"
 #include "base/unique_fd.h"
 
 namespace zt_transfers {
 
 enum class MissingFolders { kMake, kFail };
 
-// The group's own folder is not there, and may come back.
+// The group's own folder is missing, and may come back.
 class CFolderGone : public std::system_error {
  public:
   using std::system_error::system_error;
 };
 
-// Opens a folder below a group's own, name by name, so that no symbolic link in between can lead
-// out of it. The group's folder itself may be anything the user chose. What is made is noted in
-// CNewFolders. Throws std::system_error. A missing folder of the group is made if only it itself is
-// missing: more missing looks like a disk that is not mounted, and is a CFolderGone.
-CUniqueFd openTargetFolder(const std::string& groupFolder, const std::vector<std::string>& folders,
-                           MissingFolders missing);
+// Opens a folder below a group's own, name by name, so that no symbolic link on the way can lead
+// out of it. The group's folder itself may be anything the user chose. New folders are recorded in
+// CNewFolders. Throws std::system_error. The group's folder is created only if its parent exists:
+// otherwise its disk is probably not mounted, and CFolderGone is thrown.
+CUniqueFd openTargetFolder(IFileOps& ops, const std::string& groupFolder,
+                           const std::vector<std::string>& folders, MissingFolders missing);
+
+// The file systems on which folders were created that may not be durable yet. This is not the
+// matter of one file: the file that created a folder may finish last, or fail, and syncing another
+// file need not make the folders above it durable.
+//
+// Thread: any.
+class CNewFolders {
+ public:
+  // The process's own.
+  static CNewFolders& shared();
+
+  void noteMade(dev_t device);
+  // The latest folder that was created there; 0: all are durable.
+  std::uint64_t latest(dev_t device) const;
+  // A sync of the whole file system has made folders up to this one durable.
+  void noteSynced(dev_t device, std::uint64_t latest);
+
+ private:
+  mutable std::mutex mutex_;
+  // Guarded by mutex_.
+  std::uint64_t last_ = 0;
+  std::map<dev_t, std::uint64_t> latest_;
+};
 
 }  // namespace zt_transfers

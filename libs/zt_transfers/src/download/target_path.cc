@@ -2,10 +2,15 @@
 
 #include <stdexcept>
 
+#include "hash/md5.h"
+
 namespace zt_transfers {
 namespace {
 
-constexpr std::size_t kLongestName = 255;  // bytes
+constexpr std::size_t kLongestName = 255;    // bytes
+constexpr std::size_t kLongestEnding = 32;   // anything longer belongs to the name
+constexpr std::size_t kShownOfPartial = 80;  // bytes of the name that a partial file's name shows
+constexpr std::size_t kDigestDigits = 16;
 
 void check(std::string_view name) {
   if (name.empty()) {
@@ -17,6 +22,19 @@ void check(std::string_view name) {
   if (name.size() > kLongestName) {
     throw std::invalid_argument("its path has a name of more than 255 bytes in it");
   }
+}
+
+// At most `limit` bytes, without a partial character at the end.
+std::string cut(const std::string& text, std::size_t limit) {
+  if (text.size() <= limit) {
+    return text;
+  }
+  std::size_t end = limit;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
+    --end;
+  }
+  // Text that is not UTF-8 is cut anywhere.
+  return text.substr(0, end == 0 ? limit : end);
 }
 
 }  // namespace
@@ -40,6 +58,24 @@ TargetPath parseTargetPath(std::string_view path) {
   check(path);
   target.name = path;
   return target;
+}
+
+std::string countedName(const std::string& name, unsigned count) {
+  if (count == 0) {
+    return name;
+  }
+  const auto dot = name.rfind('.');
+  const bool hasEnding =
+      dot != std::string::npos && dot != 0 && name.size() - dot <= kLongestEnding;
+  const std::string ending = hasEnding ? name.substr(dot) : "";
+  const std::string tail = " (" + std::to_string(count) + ")" + ending;
+  return cut(name.substr(0, name.size() - ending.size()), kLongestName - tail.size()) + tail;
+}
+
+std::string partialName(const std::string& name, std::string_view key) {
+  CMd5 md5;
+  md5.add(key.data(), key.size());
+  return "." + cut(name, kShownOfPartial) + "." + md5.finish().substr(0, kDigestDigits) + ".part";
 }
 
 }  // namespace zt_transfers

@@ -12,9 +12,20 @@ struct TargetPath {
   std::string name;
 };
 
-// A path from the service taken apart; slashes separate. Throws std::invalid_argument, with a
-// text that says why, for one that would leave the folder or names no file: absolute, "..", ".",
-// an empty name, a NUL, or a name longer than file systems take.
+// Splits a path from the service at its slashes. Throws std::invalid_argument, whose text says why,
+// for a path that would leave the folder or does not name a file: absolute, "..", ".", an empty
+// name, a NUL, or a name longer than file systems accept.
 TargetPath parseTargetPath(std::string_view path);
+
+// Names beyond this number are not tried.
+inline constexpr unsigned kMaxCounted = 10'000;
+
+// "name.ext" for 0, else "name (1).ext" and so on, shortened at a UTF-8 boundary to a length that
+// file systems accept.
+std::string countedName(const std::string& name, unsigned count);
+
+// The hidden name of the partial file for a file of this name: short enough for every name, and
+// determined by `key`.
+std::string partialName(const std::string& name, std::string_view key);
 
 }  // namespace zt_transfers

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <utility>
 
+#include "base/file_ops.h"
 #include "base/wide_bytes.h"
 #include "download/download_runner.h"
 #include "manager/batches.h"
@@ -42,9 +43,9 @@ class CDownloadManager::Impl {
               .database = "zt_downloads.db",
               .engine = {.activity = "download", .needsMark = false, .statsSources = false},
               .makeRunner =
-                  [](const CManagerCore::RunnerDependencies& parts) {
-                    return std::make_unique<CDownloadRunner>(parts.loop, parts.pool, parts.log,
-                                                             parts.observer);
+                  [this](const CManagerCore::RunnerDependencies& with) {
+                    return std::make_unique<CDownloadRunner>(CDownloadRunner::Dependencies{
+                        with.loop, with.pool, with.log, with.observer, fileOps});
                   },
               .deliver = [this](const TransferEvent& event) { deliver(event); }}) {
     core.configure(configuration);
@@ -62,6 +63,7 @@ class CDownloadManager::Impl {
 
   Configuration configuration;
   CSubscription<ICallback> subscription;
+  CPosixFileOps fileOps;
   CManagerCore core;  // last, so that its threads end before anything else goes
 };
 

@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "base/memory_file_system.h"
+#include "base/file_status.h"
 #include "upload/source_version.h"
 
 namespace zt_transfers {

@@ -62,7 +62,8 @@ class DownloadRunner : public ::testing::Test {
   CObserver observer;
   CHttpLoop loop{"zt-net-test", clock};
   CWorkerPool pool{"zt-disk-test"};
-  CDownloadRunner runner{loop, pool, log, observer};
+  CPosixFileOps ops;
+  CDownloadRunner runner{{loop, pool, log, observer, ops}};
 };
 
 TEST_F(DownloadRunner, ClearsAwayWhatAnAttemptHasLeftThatEndedJustBeforeItWasStopped) {

@@ -1,13 +1,9 @@
 #include "download/finalizer.h"
 
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
 #include <filesystem>
 #include <future>
@@ -15,76 +11,55 @@
 #include <thread>
 #include <vector>
 
-#include "download/file_trouble.h"
+#include "base/file_status.h"
+#include "download/disk_verdict.h"
 #include "download/small_files.h"
 #include "download/target_folder.h"
 #include "sandbox.h"
-
-namespace {
-
-std::atomic<int> failingFolderSyncs{0};
-std::atomic<ino_t> lostFile{0};  // whose bytes could not be written
-std::atomic<int> fileSystemSyncs{0};
-
-bool isFolder(int file) {
-  struct stat status {};
-  return ::fstat(file, &status) == 0 && S_ISDIR(status.st_mode);
-}
-
-bool isLost(int file) {
-  struct stat status {};
-  return lostFile != 0 && ::fstat(file, &status) == 0 && status.st_ino == lostFile;
-}
-
-}  // namespace
-
-// In the place of the system's, so that a disk can fail at the right moment.
-extern "C" int sync_file_range(int file, off64_t offset, off64_t size, unsigned int flags) {
-  if (isLost(file)) {
-    errno = EIO;
-    return -1;
-  }
-  return static_cast<int>(::syscall(SYS_sync_file_range, file, offset, size, flags));
-}
-
-extern "C" int syncfs(int file) noexcept {
-  ++fileSystemSyncs;
-  return static_cast<int>(::syscall(SYS_syncfs, file));
-}
-
-extern "C" int fsync(int file) {
-  if (isLost(file)) {
-    errno = EIO;
-    return -1;
-  }
-  if (failingFolderSyncs > 0 && isFolder(file)) {
-    --failingFolderSyncs;
-    errno = EIO;
-    return -1;
-  }
-  return static_cast<int>(::syscall(SYS_fsync, file));
-}
 
 namespace zt_transfers::test {
 namespace {
 
 using Kind = AttemptOutcome::Kind;
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
+
+// A disk that fails at the right moment.
+class CFailingFileOps final : public CPosixFileOps {
+ public:
+  bool sync(int file) override {
+    const bool isFolder = S_ISDIR(statusOf(file).st_mode);
+    const bool fails = isFolder ? failingFolderSyncs > 0 : isLost(file);
+    failingFolderSyncs -= fails && isFolder ? 1 : 0;
+    return fails ? fail() : CPosixFileOps::sync(file);
+  }
+  bool syncFileSystem(int file) override {
+    ++fileSystemSyncs;
+    return CPosixFileOps::syncFileSystem(file);
+  }
+  bool contentWritten(int file) override {
+    return isLost(file) ? fail() : CPosixFileOps::contentWritten(file);
+  }
+
+  int failingFolderSyncs = 0;
+  ino_t lostFile = 0;  // its bytes cannot be written
+  int fileSystemSyncs = 0;
+
+ private:
+  bool isLost(int file) const { return statusOf(file).st_ino == lostFile; }
+  static bool fail() {
+    errno = EIO;
+    return false;
+  }
+};
 
 class Finalization : public ::testing::Test {
  protected:
-  void TearDown() override {
-    failingFolderSyncs = 0;
-    lostFile = 0;
-  }
-
   std::shared_ptr<CPartialFile> newFile(const std::string& name) {
     CPartialFile::Plan plan;
     plan.folder = sandbox.folder().string();
     plan.target = parseTargetPath(name);
     plan.key = name;
-    return std::make_shared<CPartialFile>(std::move(plan));
+    return std::make_shared<CPartialFile>(ops, std::move(plan));
   }
   // One that has arrived.
   std::shared_ptr<CPartialFile> arrived(const std::string& name) {
@@ -109,6 +84,7 @@ class Finalization : public ::testing::Test {
   }
 
   CSandbox sandbox;
+  CFailingFileOps ops;
   std::vector<AttemptEnd> ends;
 };
 
@@ -133,11 +109,11 @@ TEST_F(Finalization, NotesAFileAsSyncedBeforeItGetsItsName) {
 TEST_F(Finalization, NamesNoFileTwiceWhenItsFolderCannotBeSynced) {
   CFinalizer finalizer({.synced = [](const auto&) {}, .finalized = keepEnds()});
   const auto progress = std::make_shared<AttemptProgress>();
-  failingFolderSyncs = 2;
+  ops.failingFolderSyncs = 2;
   finalizer.finalize({{1, arrived("file"), progress}});
   ASSERT_EQ(ends.size(), 1U);
   EXPECT_EQ(ends[0].outcome.kind, Kind::kRetry);
-  EXPECT_EQ(failingFolderSyncs, 1);
+  EXPECT_EQ(ops.failingFolderSyncs, 1);
   const DownloadResume rest = progress->resume().download();
   auto again = newFile("file");
   EXPECT_THROW(again->reopen(rest), std::system_error);
@@ -152,7 +128,7 @@ TEST_F(Finalization, NoticesWhichOfManyFilesCouldNotBeWrittenBeforeTheSyncOfAll)
   for (const char* name : {"a", "b", "c", "lost"}) {
     arrivals.push_back({arrivals.size(), arrived(name), std::make_shared<AttemptProgress>()});
   }
-  lostFile = arrivals.back().file->resume().inode;
+  ops.lostFile = arrivals.back().file->resume().inode;
   finalizer.finalize(std::move(arrivals));
   ASSERT_EQ(ends.size(), 4U);
   EXPECT_EQ(std::count_if(ends.begin(), ends.end(),
@@ -167,14 +143,14 @@ TEST_F(Finalization, KeepsNewFoldersOnceWhoeverMadeThem) {
   const auto progress = std::make_shared<AttemptProgress>();
   finalizer.finalize({{1, arrived("before"), progress}});
   const auto slow = arrived("folder/slow");
-  const int before = fileSystemSyncs;
+  const int before = ops.fileSystemSyncs;
   finalizer.finalize({{2, arrived("folder/quick"), progress}});
-  EXPECT_EQ(fileSystemSyncs, before + 1);
+  EXPECT_EQ(ops.fileSystemSyncs, before + 1);
   finalizer.finalize({{3, slow, progress}});
-  EXPECT_EQ(fileSystemSyncs, before + 1);
+  EXPECT_EQ(ops.fileSystemSyncs, before + 1);
   newFile("third/file")->create(1);
   finalizer.finalize({{4, arrived("third/again"), progress}});
-  EXPECT_EQ(fileSystemSyncs, before + 2);
+  EXPECT_EQ(ops.fileSystemSyncs, before + 2);
 }
 
 TEST_F(Finalization, MakesNoSmallFileThatWasDiscardedMeanwhile) {
@@ -235,8 +211,8 @@ TEST_F(Finalization, KeepsWhatIsThereWhileTheGroupsFolderIsGone) {
   EXPECT_EQ(newFile("file")->reopen(rest), CPartialFile::Found::kPartial);
 }
 
-TEST(FileTrouble, LetsTheGroupRestForTheDiskAndNotForWhatAServerClaims) {
-  const auto judged = [](const std::exception& error) { return judgeFileTrouble(error); };
+TEST(DiskVerdict, LetsTheGroupWaitForTheDiskAndNotForWhatAServerClaims) {
+  const auto judged = [](const std::exception& error) { return judgeDiskError(error); };
   const auto code = std::error_code(ENOSPC, std::generic_category());
   EXPECT_TRUE(judged(std::system_error(code)).sharedTrouble);
   EXPECT_TRUE(judged(CFolderGone(ENOENT, std::generic_category())).sharedTrouble);

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "download/content_range.h"
-
 namespace zt_transfers::test {
 namespace {
 

@@ -1,4 +1,4 @@
-#include "download/partial_place.h"
+#include "download/partial_entry.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -12,22 +12,19 @@
 
 #include "base/file_status.h"
 #include "base/system_failure.h"
-#include "download/counted_name.h"
 #include "download/publish.h"
 
 namespace zt_transfers {
 namespace {
 
-constexpr mode_t kAllThatTheUmaskLeaves = 0666;
 constexpr int kOpenPartial = O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
 constexpr int kMaxNames = 16;
-constexpr unsigned kMaxCounted = 10'000;
 
 bool tryLock(int file) {
   return ::flock(file, LOCK_EX | LOCK_NB) == 0;
 }
 
-// A partial file belongs to one attempt at a time. The one before may still be ending.
+// A partial file belongs to one attempt at a time. The previous one may still be ending.
 bool lock(int file) {
   constexpr std::chrono::seconds kLimit{10};
   constexpr std::chrono::milliseconds kPause{5};
@@ -46,10 +43,11 @@ bool lock(int file) {
 
 }  // namespace
 
-// Who has taken over the file since holds its lock.
-void CPartialPlace::remove(const std::string& groupFolder, const DownloadResume& resume) {
+// An attempt that has taken over the file since holds its lock.
+void CPartialEntry::remove(IFileOps& ops, const std::string& groupFolder,
+                           const DownloadResume& resume) {
   const TargetPath path = parseTargetPath(resume.partialPath);
-  const CUniqueFd folder = openTargetFolder(groupFolder, path.folders, MissingFolders::kFail);
+  const CUniqueFd folder = openTargetFolder(ops, groupFolder, path.folders, MissingFolders::kFail);
   const CUniqueFd file(::openat(folder.get(), path.name.c_str(), kOpenPartial));
   if (!file.valid()) {
     if (errno == ENOENT || errno == ELOOP) {
@@ -61,19 +59,19 @@ void CPartialPlace::remove(const std::string& groupFolder, const DownloadResume&
     return;
   }
   if (!tryLock(file.get()) && errno == EWOULDBLOCK) {
-    throw CPartialFileInUse("a download is at it");
+    throw CPartialFileInUse("a download uses it");
   }
-  if (::unlinkat(folder.get(), path.name.c_str(), 0) != 0 && errno != ENOENT) {
+  if (!ops.unlink(folder.get(), path.name.c_str()) && errno != ENOENT) {
     failWithErrno("cannot remove it");
   }
 }
 
-bool CPartialPlace::openFolder(MissingFolders missing) {
+bool CPartialEntry::openFolder(MissingFolders missing) {
   if (folder_.valid()) {
     return true;
   }
   try {
-    folder_ = openTargetFolder(groupFolder_, target_.folders, missing);
+    folder_ = openTargetFolder(ops_, groupFolder_, target_.folders, missing);
   } catch (const std::system_error& error) {
     const bool gone = dynamic_cast<const CFolderGone*>(&error) != nullptr;
     if (missing == MissingFolders::kFail && !gone && error.code().value() == ENOENT) {
@@ -87,14 +85,14 @@ bool CPartialPlace::openFolder(MissingFolders missing) {
   return true;
 }
 
-CUniqueFd CPartialPlace::reopen(const DownloadResume& resume) {
+CUniqueFd CPartialEntry::reopen(const DownloadResume& resume) {
   const std::string name = resume.partialPath.substr(pathOf("").size());
   CUniqueFd file = open(name);
   if (!file.valid()) {
     return file;
   }
   const struct stat status = statusOf(file.get());
-  // The attempt before may have removed it before it gave it free.
+  // The previous attempt may have removed it before it released the lock.
   if (!S_ISREG(status.st_mode) || status.st_ino != resume.inode || !lock(file.get()) ||
       !isThere(name, status.st_ino)) {
     return {};
@@ -103,11 +101,10 @@ CUniqueFd CPartialPlace::reopen(const DownloadResume& resume) {
   return file;
 }
 
-CUniqueFd CPartialPlace::make() {
+CUniqueFd CPartialEntry::make() {
   for (int number = 0; number < kMaxNames; ++number) {
     const std::string name = partialName(target_.name, key_ + '\0' + std::to_string(number));
-    CUniqueFd file(::openat(folder_.get(), name.c_str(), kOpenPartial | O_CREAT | O_EXCL,
-                            kAllThatTheUmaskLeaves));
+    CUniqueFd file = ops_.create(folder_.get(), name.c_str());
     if (file.valid()) {
       tryLock(file.get());
       take(name, statusOf(file.get()).st_ino);
@@ -125,8 +122,8 @@ CUniqueFd CPartialPlace::make() {
   failWithErrno("cannot make the file in its folder");
 }
 
-// Nobody knows how good its content is.
-CUniqueFd CPartialPlace::takeExisting(const std::string& name) {
+// Its content cannot be trusted.
+CUniqueFd CPartialEntry::takeExisting(const std::string& name) {
   CUniqueFd file = open(name);
   if (!file.valid()) {
     return file;
@@ -135,14 +132,14 @@ CUniqueFd CPartialPlace::takeExisting(const std::string& name) {
   const bool plain =
       S_ISREG(status.st_mode) && status.st_nlink == 1 && status.st_uid == ::geteuid();
   if (!plain || !tryLock(file.get()) || !isThere(name, status.st_ino) ||
-      ::ftruncate(file.get(), 0) != 0) {
+      !ops_.truncate(file.get())) {
     return {};
   }
   take(name, status.st_ino);
   return file;
 }
 
-bool CPartialPlace::isFinalized(const DownloadResume& resume) const {
+bool CPartialEntry::isFinalized(const DownloadResume& resume) const {
   const auto isWhole = [&](std::uint64_t size) {
     return resume.size == DownloadResume::kUnknown ? size >= lengthOf(resume.written)
                                                    : size == resume.size;
@@ -160,45 +157,45 @@ bool CPartialPlace::isFinalized(const DownloadResume& resume) const {
   return false;
 }
 
-std::string CPartialPlace::publish() {
+std::string CPartialEntry::publish() {
   if (!isThere(name_, inode_)) {
     errno = ESTALE;
     failWithErrno("the partial file was replaced");
   }
-  std::string name = zt_transfers::publish(folder_.get(), name_, target_.name);
+  std::string name = zt_transfers::publish(ops_, folder_.get(), name_, target_.name);
   name_.clear();
   return name;
 }
 
-void CPartialPlace::unlink() {
+void CPartialEntry::unlink() {
   if (!name_.empty() && isThere(name_, inode_)) {
-    ::unlinkat(folder_.get(), name_.c_str(), 0);
+    ops_.unlink(folder_.get(), name_.c_str());
   }
 }
 
-void CPartialPlace::syncFolder() const {
-  // Some file systems do not offer it; then the file's own sync has to do.
-  if (::fsync(folder_.get()) != 0 && errno != EINVAL && errno != EROFS) {
+void CPartialEntry::syncFolder() const {
+  // Some file systems cannot sync a folder; then the file's own sync must be enough.
+  if (!ops_.sync(folder_.get()) && errno != EINVAL && errno != EROFS) {
     failWithErrno("cannot write the folder to disk");
   }
 }
 
-bool CPartialPlace::sameFolder(const CPartialPlace& other) const {
+bool CPartialEntry::sameFolder(const CPartialEntry& other) const {
   return folderStatus_.st_dev == other.folderStatus_.st_dev &&
          folderStatus_.st_ino == other.folderStatus_.st_ino;
 }
 
-bool CPartialPlace::sameFileSystem(const CPartialPlace& other) const {
+bool CPartialEntry::sameFileSystem(const CPartialEntry& other) const {
   return folderStatus_.st_dev == other.folderStatus_.st_dev;
 }
 
-bool CPartialPlace::contains(const std::string& path) const {
+bool CPartialEntry::contains(const std::string& path) const {
   const std::string folder = pathOf("");
   return path.size() > folder.size() && path.compare(0, folder.size(), folder) == 0 &&
          path.find('/', folder.size()) == std::string::npos;
 }
 
-std::string CPartialPlace::pathOf(const std::string& name) const {
+std::string CPartialEntry::pathOf(const std::string& name) const {
   std::string path;
   for (const std::string& folder : target_.folders) {
     path += folder + '/';
@@ -206,16 +203,16 @@ std::string CPartialPlace::pathOf(const std::string& name) const {
   return path + name;
 }
 
-CUniqueFd CPartialPlace::open(const std::string& name) const {
+CUniqueFd CPartialEntry::open(const std::string& name) const {
   return CUniqueFd(::openat(folder_.get(), name.c_str(), kOpenPartial));
 }
 
-void CPartialPlace::take(const std::string& name, std::uint64_t inode) {
+void CPartialEntry::take(const std::string& name, std::uint64_t inode) {
   name_ = name;
   inode_ = inode;
 }
 
-bool CPartialPlace::isThere(const std::string& name, std::uint64_t inode) const {
+bool CPartialEntry::isThere(const std::string& name, std::uint64_t inode) const {
   struct stat status {};
   return ::fstatat(folder_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
          status.st_ino == inode && S_ISREG(status.st_mode);

@@ -1,15 +1,17 @@
-#include "download/file_trouble.h"
+#include "download/disk_verdict.h"
 
 #include <cerrno>
+#include <string>
 #include <system_error>
+#include <utility>
 
 #include "download/target_folder.h"
 
 namespace zt_transfers {
 namespace {
 
-// No file of the group would fare better now.
-AttemptOutcome diskTrouble(const std::string& reason, std::string_view code) {
+// The failure affects every file of the group.
+AttemptOutcome diskFailure(const std::string& reason, std::string_view code) {
   constexpr std::chrono::seconds kUntilItMayBeOver{5};
   AttemptOutcome outcome = AttemptOutcome::retry(reason, code);
   outcome.retryBudget = AttemptOutcome::RetryBudget::kFree;
@@ -20,23 +22,23 @@ AttemptOutcome diskTrouble(const std::string& reason, std::string_view code) {
 
 }  // namespace
 
-AttemptOutcome judgeFileTrouble(const std::exception& error) {
+AttemptOutcome judgeDiskError(const std::exception& error) {
   if (dynamic_cast<const CNoRoomForClaim*>(&error) != nullptr) {
     return AttemptOutcome::retry(error.what(),
                                  failure::kDiskFull);  // the server may have been wrong
   }
   if (dynamic_cast<const CFolderGone*>(&error) != nullptr) {
-    return diskTrouble(error.what(), failure::kTargetMissing);
+    return diskFailure(error.what(), failure::kTargetMissing);
   }
-  const auto* trouble = dynamic_cast<const std::system_error*>(&error);
-  switch (trouble != nullptr ? trouble->code().value() : 0) {
+  const auto* failed = dynamic_cast<const std::system_error*>(&error);
+  switch (failed != nullptr ? failed->code().value() : 0) {
     case ENOSPC:
     case EDQUOT:
-      return diskTrouble(std::string("the disk is full: ") + error.what(), failure::kDiskFull);
+      return diskFailure(std::string("the disk is full: ") + error.what(), failure::kDiskFull);
     case ENODEV:
     case ENOTCONN:
     case ENXIO:
-      return diskTrouble(std::string("the disk is gone: ") + error.what(), failure::kTargetMissing);
+      return diskFailure(std::string("the disk is gone: ") + error.what(), failure::kTargetMissing);
     case EIO:
     case EMFILE:
     case ENFILE:
@@ -50,4 +52,21 @@ AttemptOutcome judgeFileTrouble(const std::exception& error) {
   }
 }
 
+std::optional<AttemptOutcome> checkContent(CPartialFile& file, AttemptProgress& progress,
+                                           std::uint64_t size) {
+  std::optional<std::string> problem;
+  const auto failure = failureOf([&] {
+    problem = file.verify(size);
+    if (problem) {
+      file.discardNow();
+      progress.setResume({});
+    }
+  });
+  if (failure || !problem) {
+    return failure;
+  }
+  return AttemptOutcome::retry(std::move(*problem), failure::kWrongDigest);
+}
+
 }  // namespace zt_transfers
+

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "download/counted_name.h"
+#include "download/target_path.h"
 #include "engine/download_resume.h"
 
 namespace zt_transfers::test {

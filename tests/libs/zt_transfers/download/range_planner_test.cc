@@ -1,4 +1,4 @@
-#include "download/missing_spans.h"
+#include "download/range_planner.h"
 
 #include <gmock/gmock.h>
 

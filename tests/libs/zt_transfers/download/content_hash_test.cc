@@ -1,4 +1,4 @@
-#include "download/hash_queue.h"
+#include "download/content_hash.h"
 
 #include <gmock/gmock.h>
 

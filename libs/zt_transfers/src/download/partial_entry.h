@@ -1,0 +1,87 @@
+#pragma once
+
+#include <sys/stat.h>
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "base/file_ops.h"
+#include "base/unique_fd.h"
+#include "download/target_folder.h"
+#include "download/target_path.h"
+#include "engine/download_resume.h"
+
+namespace zt_transfers {
+
+// An attempt holds the partial file.
+class CPartialFileInUse : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// A partial file's directory entry: its folder, which stays open, and its hidden name there until
+// it gets the final one. Another file that has taken the name meanwhile is not touched.
+//
+// Thread: one at a time; calls block, and throw std::system_error.
+class CPartialEntry {
+ public:
+  // `key` identifies this file of this group. `ops` must outlive the entry.
+  CPartialEntry(IFileOps& ops, std::string groupFolder, TargetPath target, std::string key)
+      : ops_(ops),
+        groupFolder_(std::move(groupFolder)),
+        target_(std::move(target)),
+        key_(std::move(key)) {}
+
+  // Removes an earlier attempt's partial file if it exists. Throws CPartialFileInUse while an
+  // attempt holds it.
+  static void remove(IFileOps& ops, const std::string& groupFolder, const DownloadResume& resume);
+
+  // False when the folder is missing and was not to be created.
+  bool openFolder(MissingFolders missing);
+
+  // The functions below need the folder. They return locked files.
+
+  // The partial file of an earlier attempt; invalid when it does not exist any more.
+  CUniqueFd reopen(const DownloadResume& resume);
+  // A new partial file, or one of this name that an earlier run has left, emptied.
+  CUniqueFd make();
+  // Whether the file already has its final name: the program ended after the rename and before it
+  // recorded that.
+  bool isFinalized(const DownloadResume& resume) const;
+  // Gives the file its final name and returns that name.
+  std::string publish();
+  void unlink();
+  // Makes the folder's names durable where the file system can.
+  void syncFolder() const;
+
+  // The partial file's path below the group's folder.
+  std::string path() const { return pathOf(name_); }
+  std::uint64_t inode() const { return inode_; }
+  bool sameFolder(const CPartialEntry& other) const;
+  bool sameFileSystem(const CPartialEntry& other) const;
+  // Whether a partial file of this path lies in this folder.
+  bool contains(const std::string& path) const;
+
+  void close() { folder_ = CUniqueFd(); }
+
+ private:
+  std::string pathOf(const std::string& name) const;
+  CUniqueFd open(const std::string& name) const;
+  CUniqueFd takeExisting(const std::string& name);
+  void take(const std::string& name, std::uint64_t inode);
+  bool isThere(const std::string& name, std::uint64_t inode) const;
+
+  IFileOps& ops_;
+  const std::string groupFolder_;
+  const TargetPath target_;
+  const std::string key_;
+
+  CUniqueFd folder_;
+  struct stat folderStatus_ {};
+  std::string name_;  // of the partial file; empty: none exists, or it is published
+  std::uint64_t inode_ = 0;
+};
+
+}  // namespace zt_transfers

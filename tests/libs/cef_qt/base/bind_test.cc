@@ -26,9 +26,13 @@ class Counted : public CefBaseRefCounted {
   IMPLEMENT_REFCOUNTING(Counted);
 };
 
-TEST(Bind, KeepsACountedReceiverAliveUntilItHasRun) {
+TEST(Bind, KeepsACountedReceiverAliveUntilItHasRunUnlessItIsUnretained) {
   bool deleted = false;
   CefRefPtr<Counted> object(new Counted(&deleted));
+  base::OnceClosure unretained = base::BindOnce(&Counted::add, base::Unretained(object.get()), 4);
+  EXPECT_TRUE(object->HasOneRef());
+  std::move(unretained).Run();
+  EXPECT_EQ(object->sum, 4);
   base::OnceClosure closure = base::BindOnce(&Counted::add, object, 2);
   base::OnceClosure fromRaw = base::BindOnce(&Counted::add, object.get(), 3);
   object = nullptr;
@@ -37,14 +41,6 @@ TEST(Bind, KeepsACountedReceiverAliveUntilItHasRun) {
   EXPECT_FALSE(deleted);
   std::move(fromRaw).Run();
   EXPECT_TRUE(deleted);
-}
-
-TEST(Bind, LeavesUnretainedReceiversToTheCaller) {
-  const CefRefPtr<Counted> object(new Counted);
-  base::OnceClosure closure = base::BindOnce(&Counted::add, base::Unretained(object.get()), 4);
-  EXPECT_TRUE(object->HasOneRef());
-  std::move(closure).Run();
-  EXPECT_EQ(object->sum, 4);
 }
 
 TEST(Bind, MovesValuesIntoTheCallAndPassesTheRemainingArguments) {

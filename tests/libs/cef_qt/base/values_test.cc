@@ -7,27 +7,25 @@
 
 namespace {
 
-TEST(CefListValue, GrowsWithNullsAndGivesEmptyValuesForOtherTypes) {
-  const auto list = CefListValue::Create();
+TEST(CefListValue, GrowsWithNullsAndIsCopiedWithItsMessage) {
+  const auto message = CefProcessMessage::Create("name");
+  const auto list = message->GetArgumentList();
   list->SetString(2, "text");
   EXPECT_EQ(list->GetSize(), 3u);
   EXPECT_EQ(list->GetType(0), VTYPE_NULL);
-  EXPECT_EQ(list->GetInt(2), 0);
+  EXPECT_EQ(list->GetInt(2), 0);  // of another type
   EXPECT_EQ(list->GetString(2), "text");
   EXPECT_EQ(list->GetString(9), "");
   EXPECT_EQ(list->GetType(9), VTYPE_INVALID);
-  list->SetBool(0, true);
-  EXPECT_TRUE(list->Copy()->GetBool(0));
-}
 
-TEST(CefProcessMessage, CopiesAreIndependent) {
-  const auto message = CefProcessMessage::Create("name");
-  message->GetArgumentList()->SetInt(0, 1);
+  list->SetBool(0, true);
   const auto copy = message->Copy();
-  message->GetArgumentList()->SetInt(0, 2);
-  EXPECT_EQ(copy->GetName(), "name");
-  EXPECT_EQ(copy->GetArgumentList()->GetInt(0), 1);
+  const auto listCopy = list->Copy();
+  list->SetBool(0, false);
+  EXPECT_TRUE(listCopy->GetBool(0));
   EXPECT_TRUE(copy->IsValid());
+  EXPECT_EQ(copy->GetName(), "name");
+  EXPECT_TRUE(copy->GetArgumentList()->GetBool(0));
 }
 
 TEST(CefCommandLine, TellsSwitchesFromArguments) {

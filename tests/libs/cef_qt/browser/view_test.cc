@@ -1,5 +1,5 @@
-// What only Qt can do: drags over the window, its closing, the dialogs that the framework shows
-// itself, and loops inside handlers, as modal dialogs run them.
+// Behaviour that needs Qt's own events: drags over the window, closing it, the framework's default
+// dialogs, and nested loops inside handlers.
 #include <gtest/gtest.h>
 
 #include <QAbstractButton>
@@ -67,12 +67,23 @@ constexpr char kDropPage[] = R"(<body style='height: 400px'><script>
   requestAnimationFrame(() => requestAnimationFrame(() => testQuery({request: 'up'})));
 </script>)";
 
-TEST(View, ShowsDraggedFilesToTheClientAndThenToThePage) {
+TEST(View, ShowsDragsToTheClientWhichCanHideThemFromThePage) {
   TestBrowser page(kDropPage);
   ASSERT_TRUE(page.waitFor("up"));
+  QWebEngineView* view = viewOf(page.browser());
+  ASSERT_TRUE(view);
+  QMimeData text;
+  text.setText("words");
+  page.client().onDrag = [](CefRefPtr<CefDragData> dragged, unsigned int) {
+    EXPECT_EQ(dragged->GetFragmentText(), "words");
+    return true;
+  };
+  EXPECT_FALSE(enter(view, text));
+  drop(view, text);
+
   const std::string url = writePage("dragged file.txt", "contents");
-  QMimeData data;
-  data.setUrls({QUrl(QString::fromStdString(url))});
+  QMimeData file;
+  file.setUrls({QUrl(QString::fromStdString(url))});
   std::vector<CefString> paths;
   unsigned int mask = 0;
   page.client().onDrag = [&](CefRefPtr<CefDragData> dragged, unsigned int operations) {
@@ -82,33 +93,13 @@ TEST(View, ShowsDraggedFilesToTheClientAndThenToThePage) {
     mask = operations;
     return false;
   };
-  QWebEngineView* view = viewOf(page.browser());
-  ASSERT_TRUE(view);
-  EXPECT_TRUE(enter(view, data));
+  EXPECT_TRUE(enter(view, file));
   EXPECT_EQ(paths, std::vector<CefString>{temporaryFolder() + "/dragged file.txt"});
   EXPECT_EQ(mask, unsigned{DRAG_OPERATION_COPY} | unsigned{DRAG_OPERATION_LINK});
   EXPECT_TRUE(page.waitFor("enter"));
-  drop(view, data);
+  drop(view, file);
   EXPECT_TRUE(page.waitFor("drop dragged file.txt"));
-}
-
-TEST(View, HidesCanceledDragsFromThePage) {
-  TestBrowser page(kDropPage);
-  ASSERT_TRUE(page.waitFor("up"));
-  QMimeData data;
-  data.setText("words");
-  page.client().onDrag = [](CefRefPtr<CefDragData> dragged, unsigned int) {
-    EXPECT_EQ(dragged->GetFragmentText(), "words");
-    return true;
-  };
-  QWebEngineView* view = viewOf(page.browser());
-  EXPECT_FALSE(enter(view, data));
-  drop(view, data);
-  EXPECT_EQ(page.evaluate("new Promise(done => requestAnimationFrame(() => done('later')))"),
-            "later");
-  for (const std::string& request : page.client().requests) {
-    EXPECT_TRUE(request != "enter" && request.rfind("drop", 0) != 0) << request;
-  }
+  EXPECT_EQ(page.client().requests.size(), 3u);  // of the hidden drag the page has seen nothing
 }
 
 TEST(View, HasTheGivenTitleAndSizeAndItsClosingIsTheBrowsers) {
@@ -134,7 +125,7 @@ TEST(View, StaysWhenTheUserRefusesToLeaveThePage) {
       "'clicked'}); requestAnimationFrame(() => requestAnimationFrame(() => "
       "testQuery({request: 'up'})))</script>");
   ASSERT_TRUE(page.waitFor("up"));
-  // Without a gesture of the user a page is not listened to.
+  // Chromium ignores beforeunload without a user gesture.
   QTest::mouseClick(viewOf(page.browser())->focusProxy(), Qt::LeftButton, {}, QPoint(50, 50));
   ASSERT_TRUE(page.waitFor("clicked"));
   for (const bool leaves : {false, true}) {
@@ -171,7 +162,7 @@ TEST(View, ShowsTheDialogsThatTheClientLeavesToIt) {
   EXPECT_TRUE(page.waitFor("prompt chosen"));
 }
 
-// Runs a loop of its own until the condition holds, as a modal dialog does until it is answered.
+// Runs a nested loop until the condition holds, like a modal dialog.
 bool runNested(const std::function<bool()>& condition) {
   return QTest::qWaitFor(condition, 30000);
 }
@@ -201,7 +192,7 @@ TEST(NestedLoop, InAHandlerKeepsThePageAndItsQueriesAlive) {
             "modal");
 }
 
-// A loop that nothing but its end wakes.
+// A loop without other wake-ups.
 class QuietLoop {
  public:
   QuietLoop() {
@@ -214,20 +205,18 @@ class QuietLoop {
   QEventLoop loop_;
 };
 
-TEST(Tasks, ObjectsThatATaskDeletesLaterAreGoneSoonAfterIt) {
-  QuietLoop loop;
+TEST(Tasks, NeedNoOtherWakeUpForTheirDeferredDeletesOrWhenPostedByTheLoopItself) {
+  QuietLoop deleting;
   auto* object = new QObject;
-  QObject::connect(object, &QObject::destroyed, [&] { loop.end(); });
+  QObject::connect(object, &QObject::destroyed, [&] { deleting.end(); });
   CefPostTask(TID_UI, base::BindOnce([](QObject* doomed) { doomed->deleteLater(); }, object));
-  EXPECT_TRUE(loop.reachesItsEnd());
-}
+  EXPECT_TRUE(deleting.reachesItsEnd());
 
-TEST(Tasks, PostedFromTheLoopsOwnTimersNeedNothingElseToWakeIt) {
-  QuietLoop loop;
+  QuietLoop posting;
   QTimer::singleShot(1, [&] {
-    CefPostTask(TID_UI, base::BindOnce([](QuietLoop* quiet) { quiet->end(); }, &loop));
+    CefPostTask(TID_UI, base::BindOnce([](QuietLoop* quiet) { quiet->end(); }, &posting));
   });
-  EXPECT_TRUE(loop.reachesItsEnd());
+  EXPECT_TRUE(posting.reachesItsEnd());
 }
 
 TEST(NestedLoop, InADialogsHandlerKeepsOtherPagesAlive) {

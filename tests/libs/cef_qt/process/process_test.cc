@@ -1,4 +1,4 @@
-// Starts, restarts and ends of whole processes, with a small program of our own (cef_probe).
+// Start, restart and end of whole processes, with the program cef_probe.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A running cef_probe; its output, standard error included, can be waited for.
+// A running cef_probe with its output, standard error included.
 class Probe {
  public:
   explicit Probe(std::vector<std::string> arguments, const std::string& directory = "/") {
@@ -50,7 +50,7 @@ class Probe {
     close(output_);
   }
 
-  // Reads until the text comes; false at the output's end.
+  // Reads until the text appears. False at the end of the output.
   bool waitFor(const std::string& text) {
     char buffer[4096];
     while (read_.find(text) == std::string::npos) {
@@ -89,8 +89,7 @@ struct Process : testing::Test {
   }
 };
 
-void answerWithAPage(Poco::Net::HTTPServerRequest& /*request*/,
-                     Poco::Net::HTTPServerResponse& response) {
+void sendPage(Poco::Net::HTTPServerRequest& /*request*/, Poco::Net::HTTPServerResponse& response) {
   response.setContentType("text/html");
   response.set("Set-Cookie", "kept=1; Max-Age=3600");
   response.send() << "<!DOCTYPE html><title>page</title>";
@@ -101,7 +100,7 @@ std::string contentsOf(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-TEST_F(Process, IsOnlyRunOnceForACachePathAndHandsItsCommandLineToTheFirst) {
+TEST_F(Process, RunsOnceForACachePathAndAgainAfterTheHolderWasKilled) {
   const std::string folder = freshFolder();
   Probe first({"--root=" + folder, "--wait"});
   ASSERT_TRUE(first.waitFor("ready")) << first.output();
@@ -109,22 +108,16 @@ TEST_F(Process, IsOnlyRunOnceForACachePathAndHandsItsCommandLineToTheFirst) {
   EXPECT_EQ(second.wait(), CEF_RESULT_CODE_NORMAL_EXIT_PROCESS_NOTIFIED);
   EXPECT_NE(second.output().find("not initialized"), std::string::npos);
   EXPECT_TRUE(first.waitFor("relaunch in /tmp: an argument")) << first.output();
-}
-
-TEST_F(Process, StartsAgainAfterTheHolderOfTheCachePathWasKilled) {
-  const std::string folder = freshFolder();
-  Probe first({"--root=" + folder, "--wait"});
-  ASSERT_TRUE(first.waitFor("ready"));
   first.signal(SIGKILL);
   EXPECT_EQ(first.wait(), -1);
-  Probe second({"--root=" + folder});
-  EXPECT_EQ(second.wait(), 0) << second.output();
+  Probe third({"--root=" + folder});
+  EXPECT_EQ(third.wait(), 0) << third.output();
 }
 
 TEST_F(Process, KeepsItsDataInMemoryWhenTheCachePathCannotBeUsed) {
   const std::string file = temporaryFolder() + "/a file";
   std::ofstream(file) << "x";
-  const zantrio::test::HttpService server(answerWithAPage);
+  const zantrio::test::HttpService server(sendPage);
   Probe probe({"--root=" + file + "/below", "--url=" + server.url("/"), "--log=" + file + "/log"});
   EXPECT_EQ(probe.wait(), 0);
   EXPECT_NE(probe.output().find("keeps its data in memory"), std::string::npos) << probe.output();
@@ -169,7 +162,7 @@ TEST_F(Process, SendsTheUserAgentAndKeepsCookiesInTheCachePath) {
         const std::lock_guard lock(mutex);
         asked.emplace_back(request.get("User-Agent"), request.get("Cookie", "none"));
       }
-      answerWithAPage(request, response);
+      sendPage(request, response);
     });
     for (int run = 0; run < 2; ++run) {
       Probe probe({"--root=" + folder, "--agent=Test/1.0\xC3\xBC x", "--url=" + server.url("/")});
@@ -181,16 +174,14 @@ TEST_F(Process, SendsTheUserAgentAndKeepsCookiesInTheCachePath) {
   EXPECT_EQ(asked[1], (std::pair<std::string, std::string>("Test/1.0 x", "kept=1")));
 }
 
-TEST_F(Process, RunsTheGivenExecutableAsItsSubProcess) {
+TEST_F(Process, RunsTheGivenExecutableAsItsSubProcessAndGivesItsExitCode) {
   const std::string marker = freshFolder() + "/started";
   setenv("CEF_PROBE_MARKER", marker.c_str(), 1);
   Probe probe({"--subprocess=" CEF_PROBE, "--url=" + writePage("sub.html", "x")});
   EXPECT_EQ(probe.wait(), 0) << probe.output();
   unsetenv("CEF_PROBE_MARKER");
   EXPECT_NE(contentsOf(marker).find("--type=renderer"), std::string::npos);
-}
 
-TEST_F(Process, GivesTheSubProcessesExitCodeAndMinusOneInTheBrowserProcess) {
   Probe browser({"--execute-only"});
   EXPECT_EQ(browser.wait(), 77) << browser.output();
   setenv("CEF_QT_WEBENGINE_PROCESS", "/bin/false", 1);

@@ -84,13 +84,13 @@ struct Folder {
 
 struct Wait {
   std::function<bool()> condition;
-  std::chrono::steady_clock::time_point limit;
+  std::chrono::steady_clock::time_point deadline;
   bool met = false;
 };
 
 void check(Wait* wait) {
   wait->met = wait->condition();
-  if (wait->met || std::chrono::steady_clock::now() > wait->limit) {
+  if (wait->met || std::chrono::steady_clock::now() > wait->deadline) {
     CefQuitMessageLoop();
     return;
   }
@@ -107,8 +107,8 @@ int liveContexts() {
   return contexts;
 }
 
-bool runUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
-  Wait wait{condition, std::chrono::steady_clock::now() + limit};
+bool runUntil(const std::function<bool()>& condition, std::chrono::milliseconds timeout) {
+  Wait wait{condition, std::chrono::steady_clock::now() + timeout};
   CefPostTask(TID_UI, base::BindOnce(&check, &wait));
   CefRunMessageLoop();
   return wait.met;

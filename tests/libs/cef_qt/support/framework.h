@@ -9,30 +9,30 @@
 
 namespace cef_test {
 
-// Query functions that every document of the tests gets, with one cancel function.
+// The query functions of all documents; they share one cancel function.
 inline constexpr char kQuery[] = "testQuery";
 inline constexpr char kOtherQuery[] = "otherQuery";
 
 // The application of the tests: installs the two routers in every document.
 CefRefPtr<CefApp> makeApp(std::function<void()> onContextInitialized = {});
 
-// Documents that the render side knows at present.
+// The number of documents that are attached at present.
 int liveContexts();
 
-// Runs the message loop until the condition holds; false when it does not within the limit.
+// Runs the message loop until the condition holds. False at the timeout.
 bool runUntil(const std::function<bool()>& condition,
-              std::chrono::milliseconds limit = std::chrono::seconds(30));
+              std::chrono::milliseconds timeout = std::chrono::seconds(30));
 
-// Runs the loop until everything that is queued now was done.
+// Runs the loop until the tasks that are queued now have run.
 void runQueued();
 
-// A folder for the test program's files, removed at its end.
+// A folder for the files of the test program, removed when it ends.
 std::string temporaryFolder();
 
-// Writes a file into it and gives its URL.
+// Writes a file into that folder and returns its URL.
 std::string writePage(const std::string& name, const std::string& html);
 
-// Settings and environment that every test process uses: nothing on the screen.
+// Prepares the environment of a test process, which shows nothing on the screen.
 void prepareHeadless();
 
 }  // namespace cef_test

@@ -27,22 +27,6 @@ CefMouseEvent at(int x, int y, uint32_t flags) {
 
 }  // namespace
 
-void Screen::GetViewRect(CefRefPtr<CefBrowser> /*browser*/, CefRect& rect) {
-  rect.Set(0, 0, size.width, size.height);
-}
-
-bool Screen::GetScreenPoint(CefRefPtr<CefBrowser> /*browser*/, int viewX, int viewY, int& screenX,
-                            int& screenY) {
-  screenX = viewX + kPosition.x;
-  screenY = viewY + kPosition.y;
-  return true;
-}
-
-bool Screen::GetScreenInfo(CefRefPtr<CefBrowser> /*browser*/, CefScreenInfo& info) {
-  info.Set(scale, 24, 8, 0, CefRect(0, 0, 1000, 800), CefRect(0, 0, 1000, 800));
-  return true;
-}
-
 void Screen::OnPaint(CefRefPtr<CefBrowser> /*browser*/, PaintElementType type,
                      const RectList& dirtyRects, const void* buffer, int width, int height) {
   if (type == PET_POPUP) {
@@ -62,12 +46,6 @@ void Screen::OnPaint(CefRefPtr<CefBrowser> /*browser*/, PaintElementType type,
                   static_cast<std::size_t>(rect.width) * sizeof(uint32_t));
     }
   }
-}
-
-bool Screen::StartDragging(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefDragData> data,
-                           DragOperationsMask /*allowed*/, int /*x*/, int /*y*/) {
-  dragged = data;
-  return takesDrags;
 }
 
 bool Screen::OnCursorChange(CefRefPtr<CefBrowser> /*browser*/, CefCursorHandle /*cursor*/,

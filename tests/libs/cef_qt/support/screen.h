@@ -1,4 +1,4 @@
-// What an off-screen browser shows in a test.
+// The view of an off-screen browser in a test.
 #pragma once
 
 #include <string>
@@ -10,11 +10,11 @@
 
 namespace cef_test {
 
-// A view of 300 × 200 points that keeps the latest picture, put together from dirty rectangles, and
-// notes what it is told.
+// A view of 300 × 200 points. Records the calls and assembles the latest picture from the dirty
+// rectangles.
 class Screen final : public CefRenderHandler, public CefDisplayHandler {
  public:
-  // Of the view on its screen.
+  // The position of the view on the screen.
   static constexpr cef_point_t kPosition{40, 30};
 
   struct Paint {
@@ -24,10 +24,19 @@ class Screen final : public CefRenderHandler, public CefDisplayHandler {
     int height;
   };
 
-  void GetViewRect(CefRefPtr<CefBrowser> browser, CefRect& rect) override;
-  bool GetScreenPoint(CefRefPtr<CefBrowser> browser, int viewX, int viewY, int& screenX,
-                      int& screenY) override;
-  bool GetScreenInfo(CefRefPtr<CefBrowser> browser, CefScreenInfo& info) override;
+  void GetViewRect(CefRefPtr<CefBrowser> /*browser*/, CefRect& rect) override {
+    rect.Set(0, 0, size.width, size.height);
+  }
+  bool GetScreenPoint(CefRefPtr<CefBrowser> /*browser*/, int viewX, int viewY, int& screenX,
+                      int& screenY) override {
+    screenX = viewX + kPosition.x;
+    screenY = viewY + kPosition.y;
+    return true;
+  }
+  bool GetScreenInfo(CefRefPtr<CefBrowser> /*browser*/, CefScreenInfo& info) override {
+    info.Set(scale, 24, 8, 0, CefRect(0, 0, 1000, 800), CefRect(0, 0, 1000, 800));
+    return true;
+  }
   void OnPopupShow(CefRefPtr<CefBrowser> /*browser*/, bool show) override {
     popupShown = show;
     popupCount += show ? 1 : 0;
@@ -37,14 +46,16 @@ class Screen final : public CefRenderHandler, public CefDisplayHandler {
   }
   void OnPaint(CefRefPtr<CefBrowser> browser, PaintElementType type, const RectList& dirtyRects,
                const void* buffer, int width, int height) override;
-  bool StartDragging(CefRefPtr<CefBrowser> browser, CefRefPtr<CefDragData> data,
-                     DragOperationsMask allowed, int x, int y) override;
+  bool StartDragging(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefDragData> data,
+                     DragOperationsMask /*allowed*/, int /*x*/, int /*y*/) override {
+    dragged = data;
+    return takesDrags;
+  }
   void UpdateDragCursor(CefRefPtr<CefBrowser> /*browser*/, DragOperation operation) override {
     dragOperation = operation;
   }
   bool OnCursorChange(CefRefPtr<CefBrowser> browser, CefCursorHandle cursor, cef_cursor_type_t type,
                       const CefCursorInfo& info) override;
-
   void OnImeCompositionRangeChanged(CefRefPtr<CefBrowser> /*browser*/, const CefRange& /*range*/,
                                     const RectList& bounds) override {
     caret = bounds.at(0);
@@ -67,11 +78,11 @@ class Screen final : public CefRenderHandler, public CefDisplayHandler {
   std::vector<Paint> paints;  // of the page
   std::vector<Paint> popupPaints;
   bool popupShown = false;
-  int popupCount = 0;  // that were shown
+  int popupCount = 0;  // shown so far
   CefRect popupRect;
   cef_cursor_type_t cursor = CT_POINTER;
   CefCursorInfo cursorInfo;  // without its picture
-  uint32_t cursorPixel = 0;  // the picture's first
+  uint32_t cursorPixel = 0;  // the first of its picture
   cef_text_input_mode_t textMode = CEF_TEXT_INPUT_MODE_NONE;
   CefRect caret;
   std::string selectedText;

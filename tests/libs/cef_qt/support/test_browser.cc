@@ -22,7 +22,7 @@ bool contains(const Values& values, const Value& value) {
   return std::find(values.begin(), values.end(), value) != values.end();
 }
 
-bool answerWithItself(const Query& query) {
+bool echo(const Query& query) {
   query.callback->Success(query.request);
   return true;
 }
@@ -32,12 +32,12 @@ bool answerWithItself(const Query& query) {
 TestClient::TestClient() : router_(makeRouter(kQuery)), otherRouter_(makeRouter(kOtherQuery)) {
   router_->AddHandler(this, false);
   otherRouter_->AddHandler(this, false);
-  onQuery = answerWithItself;
+  onQuery = echo;
 }
 
 void TestClient::onRequest(const std::string& request, std::function<bool(const Query&)> handle) {
   onQuery = [request, handle = std::move(handle)](const Query& query) {
-    return query.request == request ? handle(query) : answerWithItself(query);
+    return query.request == request ? handle(query) : echo(query);
   };
 }
 
@@ -56,40 +56,11 @@ bool TestClient::OnProcessMessageReceived(CefRefPtr<CefBrowser> browser, CefRefP
   return first || second;
 }
 
-void TestClient::OnAfterCreated(CefRefPtr<CefBrowser> browser) {
-  events.push_back(browser->IsPopup() ? "popup" : "created");
-  browsers.push_back(browser);
-}
-
-bool TestClient::DoClose(CefRefPtr<CefBrowser> /*browser*/) {
-  events.push_back("doClose");
-  return doClose();
-}
-
 void TestClient::OnBeforeClose(CefRefPtr<CefBrowser> browser) {
   events.push_back("closed");
-  if (forwardClose) {
-    router_->OnBeforeClose(browser);
-    otherRouter_->OnBeforeClose(browser);
-  }
+  router_->OnBeforeClose(browser);
+  otherRouter_->OnBeforeClose(browser);
   std::erase_if(browsers, [&](const auto& open) { return open->IsSame(browser); });
-}
-
-bool TestClient::OnJSDialog(CefRefPtr<CefBrowser> /*browser*/, const CefString& /*origin*/,
-                            JSDialogType type, const CefString& text, const CefString& proposal,
-                            CefRefPtr<CefJSDialogCallback> callback, bool& /*suppress*/) {
-  return onDialog && onDialog(type, text, proposal, callback);
-}
-
-bool TestClient::OnDragEnter(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefDragData> data,
-                             DragOperationsMask mask) {
-  return onDrag && onDrag(data, mask);
-}
-
-void TestClient::OnRenderProcessTerminated(CefRefPtr<CefBrowser> browser, TerminationStatus status,
-                                           int /*error_code*/, const CefString& /*error*/) {
-  terminations.push_back(status);
-  router_->OnRenderProcessTerminated(browser);
 }
 
 bool TestClient::OnQuery(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame, int64_t query_id,
@@ -97,11 +68,6 @@ bool TestClient::OnQuery(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> fram
   EXPECT_TRUE(CefCurrentlyOn(TID_UI));
   requests.push_back(request);
   return onQuery({browser, frame, query_id, request, persistent, callback});
-}
-
-void TestClient::OnQueryCanceled(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> /*frame*/,
-                                 int64_t query_id) {
-  canceled.push_back(query_id);
 }
 
 TestBrowser::TestBrowser(const std::string& html, CefRefPtr<TestClient> client)
@@ -160,7 +126,7 @@ std::string TestBrowser::evaluate(const std::string& expression) {
   const std::string mark = "value " + std::to_string(++evaluations) + ": ";
   run("(async () => (" + expression + "))().catch(String).then(value => " + kQuery +
       "({request: '" + mark + "' + value}))");
-  std::string value = "(no answer)";
+  std::string value = "(no response)";
   runUntil([&] {
     for (const std::string& request : client_->requests) {
       if (request.rfind(mark, 0) == 0) {

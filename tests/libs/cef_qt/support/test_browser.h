@@ -1,4 +1,4 @@
-// A browser for a test, with a client that records what it is told.
+// A browser for a test, with a client that records its calls.
 #pragma once
 
 #include <deque>
@@ -22,7 +22,7 @@ struct Query {
   QueryCallback callback;
 };
 
-// Routes both query functions to itself. Behaviour is set by the functions that a test replaces.
+// Handles the queries of both query functions. Tests replace functions to change its behaviour.
 class TestClient final : public CefClient,
                          public CefLifeSpanHandler,
                          public CefJSDialogHandler,
@@ -32,9 +32,9 @@ class TestClient final : public CefClient,
  public:
   TestClient();
 
-  // True when the query was taken; by default it is answered with its own request.
+  // True if the query is accepted. By default the response is the request.
   std::function<bool(const Query&)> onQuery;
-  // Lets `handle` deal with this request; the others are answered with themselves.
+  // Passes this request to `handle`; other requests get themselves as response.
   void onRequest(const std::string& request, std::function<bool(const Query&)> handle);
   std::function<bool(CefRefPtr<CefProcessMessage>)> dropMessage = [](auto) { return false; };
   std::function<bool(JSDialogType, const CefString&, const CefString&,
@@ -42,15 +42,14 @@ class TestClient final : public CefClient,
       onDialog;
   std::function<bool(CefRefPtr<CefDragData>, DragOperationsMask)> onDrag;
   std::function<bool()> doClose = [] { return false; };
-  bool forwardClose = true;  // OnBeforeClose to the routers
-  // Set: the test browser is an off-screen one.
+  // If set, the test browser is an off-screen one.
   CefRefPtr<CefRenderHandler> renderHandler;
   CefRefPtr<CefDisplayHandler> displayHandler;
 
   std::vector<std::string> requests;
   std::vector<int64_t> canceled;
   std::vector<std::string> messageNames;
-  std::vector<CefRefPtr<CefBrowser>> browsers;  // open ones
+  std::vector<CefRefPtr<CefBrowser>> browsers;  // open
   std::vector<std::string> events;              // created, popup, doClose, closed, …
   std::vector<TerminationStatus> terminations;
   bool leavesRequestsToFramework = false;
@@ -69,20 +68,35 @@ class TestClient final : public CefClient,
 
   bool OnProcessMessageReceived(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
                                 CefProcessId source, CefRefPtr<CefProcessMessage> message) override;
-  void OnAfterCreated(CefRefPtr<CefBrowser> browser) override;
-  bool DoClose(CefRefPtr<CefBrowser> browser) override;
+  void OnAfterCreated(CefRefPtr<CefBrowser> browser) override {
+    events.push_back(browser->IsPopup() ? "popup" : "created");
+    browsers.push_back(browser);
+  }
+  bool DoClose(CefRefPtr<CefBrowser> /*browser*/) override {
+    events.push_back("doClose");
+    return doClose();
+  }
   void OnBeforeClose(CefRefPtr<CefBrowser> browser) override;
-  bool OnJSDialog(CefRefPtr<CefBrowser> browser, const CefString& origin, JSDialogType type,
+  bool OnJSDialog(CefRefPtr<CefBrowser> /*browser*/, const CefString& /*origin*/, JSDialogType type,
                   const CefString& text, const CefString& proposal,
-                  CefRefPtr<CefJSDialogCallback> callback, bool& suppress) override;
-  bool OnDragEnter(CefRefPtr<CefBrowser> browser, CefRefPtr<CefDragData> data,
-                   DragOperationsMask mask) override;
+                  CefRefPtr<CefJSDialogCallback> callback, bool& /*suppress*/) override {
+    return onDialog && onDialog(type, text, proposal, callback);
+  }
+  bool OnDragEnter(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefDragData> data,
+                   DragOperationsMask mask) override {
+    return onDrag && onDrag(data, mask);
+  }
   void OnRenderProcessTerminated(CefRefPtr<CefBrowser> browser, TerminationStatus status,
-                                 int error_code, const CefString& error) override;
+                                 int /*error_code*/, const CefString& /*error*/) override {
+    terminations.push_back(status);
+    router_->OnRenderProcessTerminated(browser);
+  }
   bool OnQuery(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame, int64_t query_id,
                const CefString& request, bool persistent, CefRefPtr<Callback> callback) override;
-  void OnQueryCanceled(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
-                       int64_t query_id) override;
+  void OnQueryCanceled(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> /*frame*/,
+                       int64_t query_id) override {
+    canceled.push_back(query_id);
+  }
 
  private:
   CefRefPtr<CefMessageRouterBrowserSide> router_;
@@ -90,7 +104,7 @@ class TestClient final : public CefClient,
   IMPLEMENT_REFCOUNTING(TestClient);
 };
 
-// A browser that is open for a test's time.
+// A browser that is open during a test.
 class TestBrowser {
  public:
   // Opens the page and waits for the browser; the page may still be loading.
@@ -120,7 +134,7 @@ class TestBrowser {
   bool loaded_ = false;
 };
 
-// Closes what a client has open, without asking.
+// Closes the open browsers of a client without asking.
 void closeAll(TestClient& client);
 
 }  // namespace cef_test

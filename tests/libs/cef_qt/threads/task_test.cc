@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
-#include <atomic>
+#include <algorithm>
+#include <chrono>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -20,7 +21,7 @@ constexpr CefThreadId kThreads[] = {TID_UI,
                                     TID_PROCESS_LAUNCHER,
                                     TID_IO};
 
-// What tasks noted down, from any thread.
+// The values that tasks recorded, in order. Thread-safe.
 class Notes : public base::RefCountedThreadSafe<Notes> {
  public:
   void note(int value) {
@@ -40,62 +41,51 @@ class Notes : public base::RefCountedThreadSafe<Notes> {
   std::vector<int> values_;
 };
 
-TEST(Tasks, RunOnTheThreadTheyWerePostedTo) {
+TEST(Tasks, RunOnTheirThreadInPostingOrderAndDelayedOnesByDueTime) {
   for (const CefThreadId thread : kThreads) {
-    std::atomic<int> right{-1};
+    SCOPED_TRACE(thread);
+    const CefRefPtr<Notes> threads(new Notes);
     CefPostTask(thread, base::BindOnce(
-                            [](std::atomic<int>* result, CefThreadId expected) {
-                              int current = 0;
+                            [](CefRefPtr<Notes> current) {
                               for (const CefThreadId any : kThreads) {
-                                current += CefCurrentlyOn(any) ? 1 : 0;
+                                if (CefCurrentlyOn(any)) {
+                                  current->note(any);
+                                }
                               }
-                              *result = current == 1 && CefCurrentlyOn(expected);
                             },
-                            &right, thread));
-    ASSERT_TRUE(runUntil([&] { return right != -1; })) << thread;
-    EXPECT_EQ(right, 1) << thread;
-  }
-}
-
-TEST(Tasks, OfOneThreadRunInPostingOrder) {
-  for (const CefThreadId thread : {TID_UI, TID_IO}) {
+                            threads));
     const CefRefPtr<Notes> notes(new Notes);
+    const auto start = std::chrono::steady_clock::now();
     std::vector<int> expected;
+    for (const int delay : {180, 60, 120}) {
+      CefPostDelayedTask(thread, base::BindOnce(&Notes::note, notes, 1000 + delay), delay);
+    }
     for (int i = 0; i < 500; ++i) {
       CefPostTask(thread, base::BindOnce(&Notes::note, notes, i));
       expected.push_back(i);
     }
+    expected.insert(expected.end(), {1060, 1120, 1180});
     ASSERT_TRUE(runUntil([&] { return notes->values().size() == expected.size(); }));
-    EXPECT_EQ(notes->values(), expected);
-  }
-}
-
-TEST(Tasks, WithDelaysRunByDueTimeAndNotEarlier) {
-  for (const CefThreadId thread : {TID_UI, TID_FILE_BACKGROUND}) {
-    const CefRefPtr<Notes> notes(new Notes);
-    const auto start = std::chrono::steady_clock::now();
-    for (const int delay : {120, 40, 80}) {
-      CefPostDelayedTask(thread, base::BindOnce(&Notes::note, notes, delay), delay);
-    }
-    CefPostTask(thread, base::BindOnce(&Notes::note, notes, 0));
-    ASSERT_TRUE(runUntil([&] { return notes->values().size() == 4; }));
-    EXPECT_EQ(notes->values(), (std::vector<int>{0, 40, 80, 120}));
-    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(120));
+    EXPECT_EQ(threads->values(), std::vector<int>{thread});
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(180));
+    std::vector<int> values = notes->values();
+    EXPECT_EQ(values.front(), 0);  // it was due before the delayed tasks
+    std::stable_partition(values.begin(), values.end(), [](int value) { return value < 1000; });
+    EXPECT_EQ(values, expected);
   }
 }
 
 TEST(Tasks, CanBePostedFromManyThreadsAtOnce) {
   const CefRefPtr<Notes> notes(new Notes);
-  std::vector<std::thread> posters;
-  for (int i = 0; i < 4; ++i) {
-    posters.emplace_back([&notes] {
-      for (int n = 0; n < 200; ++n) {
-        EXPECT_TRUE(CefPostTask(TID_UI, base::BindOnce(&Notes::note, notes, n)));
-      }
-    });
-  }
-  for (std::thread& poster : posters) {
-    poster.join();
+  {
+    std::vector<std::jthread> posters(4);
+    for (std::jthread& poster : posters) {
+      poster = std::jthread([&notes] {
+        for (int n = 0; n < 200; ++n) {
+          EXPECT_TRUE(CefPostTask(TID_UI, base::BindOnce(&Notes::note, notes, n)));
+        }
+      });
+    }
   }
   EXPECT_TRUE(runUntil([&] { return notes->values().size() == 800; }));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Poco/Any.h>
 #include <Poco/SharedPtr.h>
 
 #include <map>
@@ -19,13 +20,13 @@ class QueryHandlerRegistry {
 
   static QueryHandlerRegistry& instance();
 
-  // A handler that is there under the name already is released.
+  // Releases the handler that was stored under the name before.
   void set(const std::string& name, const HandlerPtr& handler);
   void clear();
 
   const Entries& entries() const { return entries_; }
 
-  // Ends the life of handlers that were given up while a query was being answered.
+  // Releases the handlers that were removed while a query was being answered.
   void releaseRetired();
 
  private:
@@ -34,5 +35,22 @@ class QueryHandlerRegistry {
   Entries entries_;
   std::vector<HandlerPtr> retired_;
 };
+
+// Calls `use` with the object of the given kind of every registered handler that has one, in the
+// order of the bridges' names. Data is the interface's type. Thread: UI.
+template <class Data, class Use>
+void forEachHandlerData(int kind, const Use& use) {
+  // A copy: `use` may run an event loop in which the registry is cleared.
+  QueryHandlerRegistry::Entries entries = QueryHandlerRegistry::instance().entries();
+  for (auto& [name, handler] : entries) {
+    if (handler.isNull()) {
+      continue;
+    }
+    Poco::Any data = handler->getHandlerData(kind);
+    if (Data* const* object = Poco::AnyCast<Data*>(&data)) {
+      use(**object);
+    }
+  }
+}
 
 }  // namespace zantrio

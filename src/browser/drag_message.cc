@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "bridge/handler_data.h"
-#include "files/file_data.h"
+#include "bridge/drag_handler.h"
+#include "bridge/query_handler_registry.h"
 
 namespace zantrio {
 

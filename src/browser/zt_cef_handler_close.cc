@@ -7,7 +7,7 @@
 #include "app/log/guarded.h"
 #include "app/log/logger.h"
 #include "bridge/app_lifecycle_events_handler.h"
-#include "bridge/handler_data.h"
+#include "bridge/query_handler_registry.h"
 #include "browser/zt_cef_handler.h"
 #include "include/base/cef_bind.h"
 #include "include/base/cef_callback.h"

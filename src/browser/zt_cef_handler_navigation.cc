@@ -3,7 +3,7 @@
 #include "app/log/logger.h"
 #include "bridge/app_lifecycle_events_handler.h"
 #include "bridge/drag_handler.h"
-#include "bridge/handler_data.h"
+#include "bridge/query_handler_registry.h"
 #include "browser/initial_files_container.h"
 #include "browser/zt_cef_handler.h"
 #include "include/cef_frame.h"

@@ -7,21 +7,31 @@
 #include <utility>
 #include <vector>
 
+#include "files/file_status.h"
+
 namespace zantrio {
 
-// Reads a folder, and holds it open so that its entries can be asked for without their whole path.
+struct EntryStatus {
+  int error = 0;  // 0, or why `status` is not set
+  FileStatus status;
+};
+
+// Reads a folder and keeps it open, so that its entries can be looked up relative to it.
 // Thread: any, one at a time.
 class CFolderListing {
  public:
-  // What kept the folder from being opened, or from being read to its end, stands in error().
+  // An error while opening or reading the folder is kept in error().
   explicit CFolderListing(const std::string& folder);
 
-  // All entries but "." and "..", in the order in which the file system gives them.
+  // All entries but "." and "..", in the order of the file system.
   std::vector<std::string> takeNames() { return std::move(names_); }
   int error() const { return error_; }
 
-  // The open folder's descriptor; -1 when it is not open.
-  int descriptor() const { return stream_ ? dirfd(stream_.get()) : -1; }
+  // The statuses of the named entries, in the order of the names; each takes one system call.
+  // `prefix` is the folder's path with a trailing "/".
+  std::vector<EntryStatus> readStatuses(const std::string& prefix,
+                                        const std::vector<std::string>& names) const;
+
   void close() { stream_.reset(); }
 
  private:

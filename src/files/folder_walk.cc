@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "app/log/logger.h"
-#include "files/entry_statuses.h"
 #include "files/file_item_json.h"
 #include "files/file_url.h"
 #include "files/folder_listing.h"
@@ -68,8 +67,8 @@ void CFolderWalk::takeEntries(const std::string& folder) {
   std::vector<std::string> names = listing.takeNames();
   std::erase_if(names, isHiddenName);
   const std::string prefix = withTrailingSlash(folder);
-  const std::vector<EntryStatus> statuses = readEntryStatuses(listing, prefix, names);
-  listing.close();  // descriptors are few, and what follows may go deep
+  const std::vector<EntryStatus> statuses = listing.readStatuses(prefix, names);
+  listing.close();  // descriptors are few, and the recursion may go deep
   // The same for all files of one folder; any name will do to ask for it.
   const std::string relative = relativeFolder(prefix + 'x', root_);
   for (std::size_t index = 0; index < names.size(); ++index) {

@@ -9,30 +9,31 @@
 namespace zantrio {
 namespace {
 
-void tellUnreadable(const std::string& path) {
+void showAlert(const std::string& text) {
   if (const std::unique_ptr<IAlertDialog> alert = createAlertDialog()) {
-    alert->show("Zantrio does not have read permissions to " + path +
-                ". Please select another item.");
+    alert->show(text);
   }
 }
 
-// Tells of every item that cannot be read, not only of the first.
-bool areAllReadable(IFilePermissionsRetriever& permissions, const std::vector<std::string>& urls) {
-  bool readable = true;
+// Reports every item without the permission, not only the first.
+bool areAllPermitted(IFilePermissionsRetriever& permissions, const RequiredPermission& required,
+                     const std::vector<std::string>& urls) {
+  bool permitted = true;
   for (const std::string& url : urls) {
     std::string path;
     fileUrlToPath(url, path);
-    if ((permissions.getPermissions(path) & IFilePermissionsRetriever::kRead) == 0) {
-      tellUnreadable(path);
-      readable = false;
+    if ((permissions.getPermissions(path) & required.permission) == 0) {
+      showAlert(required.alertText(path));
+      permitted = false;
     }
   }
-  return readable;
+  return permitted;
 }
 
 }  // namespace
 
-bool chooseReadableItems(const ShowChooseDialog& show, std::vector<std::string>& chosenUrls) {
+bool choosePermittedItems(const ShowChooseDialog& show, const RequiredPermission& required,
+                          std::vector<std::string>& chosenUrls) {
   const std::unique_ptr<IFilePermissionsRetriever> permissions = createFilePermissionsRetriever();
   if (!permissions) {
     return false;
@@ -42,7 +43,7 @@ bool chooseReadableItems(const ShowChooseDialog& show, std::vector<std::string>&
     if (!show(chosenUrls)) {
       return false;
     }
-  } while (!areAllReadable(*permissions, chosenUrls));
+  } while (!areAllPermitted(*permissions, required, chosenUrls));
   return true;
 }
 

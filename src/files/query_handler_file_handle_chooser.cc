@@ -6,28 +6,28 @@
 #include <utility>
 
 #include "app/log/logger.h"
+#include "bridge/drag_handler.h"
 #include "bridge/query_handler_context.h"
+#include "files/choose_dialogs.h"
 #include "files/chosen_items.h"
-#include "files/file_choose_dialog.h"
-#include "files/file_data.h"
 #include "files/file_drop.h"
-#include "files/folder_choose_dialog.h"
 #include "files/item_choice.h"
 #include "include/cef_frame.h"
+#include "services/file_permissions_retriever.h"
 
 namespace zantrio {
 namespace {
 
-// Runs a dialog of either kind until what was chosen can be read; false when nothing was chosen.
+std::string unreadableText(const std::string& path) {
+  return "Zantrio does not have read permissions to " + path + ". Please select another item.";
+}
+
+// False when the user chose nothing.
 template <class Dialog>
-bool choose(std::unique_ptr<Dialog> dialog, const std::string& title,
-            std::vector<std::string>& urls) {
-  if (!dialog) {
-    return false;
-  }
-  dialog->setTitle(title);
-  return chooseReadableItems(
-      [&dialog](std::vector<std::string>& chosen) { return dialog->show(chosen); }, urls);
+bool chooseReadable(const std::unique_ptr<Dialog>& dialog, const std::string& title,
+                    std::vector<std::string>& urls) {
+  return choosePermittedItems(dialog, title, {IFilePermissionsRetriever::kRead, unreadableText},
+                              urls);
 }
 
 void pushIntoPage(CefFrame& frame, const Json::Value& drop) {
@@ -79,7 +79,7 @@ void CQueryHandlerFileHandleChooser::filesDropped(const std::vector<std::string>
 
 Json::Value CQueryHandlerFileHandleChooser::selectFiles(const Json::Value&) {
   std::vector<std::string> urls;
-  if (!choose(createFileChooseDialog(), "Choose files", urls)) {
+  if (!chooseReadable(createFileChooseDialog(), "Choose files", urls)) {
     return {};
   }
   return describeChosenFiles(urls);
@@ -87,7 +87,7 @@ Json::Value CQueryHandlerFileHandleChooser::selectFiles(const Json::Value&) {
 
 Json::Value CQueryHandlerFileHandleChooser::selectFolder(const Json::Value&) {
   std::vector<std::string> urls;
-  if (!choose(createFolderChooseDialog(), "Choose folder", urls) || urls.empty()) {
+  if (!chooseReadable(createFolderChooseDialog(), "Choose folder", urls) || urls.empty()) {
     return {};
   }
   return describeChosenFolder(urls.front());

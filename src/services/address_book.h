@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "services/contacts/contact_entry.h"
+#include "services/contacts/contact.h"
 
 namespace zantrio {
 

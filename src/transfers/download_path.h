@@ -6,12 +6,13 @@
 
 namespace zantrio {
 
-// Decides where a new download group goes, and makes the folder: below the automatic download
-// directory if "autoDownload" of `parameters` is true, else, or where that fails, below a folder
-// that the user chooses; there in the folder that "summary" names (safeFolderName).
+// Chooses the folder for a new download group and creates it. With "autoDownload" true in
+// `parameters` its parent is "Downloads/Zantrio" in the home folder; otherwise, or when there is
+// no "Downloads" folder, its parent is a folder that the user chooses. "summary" names the folder
+// (see safeFolderName).
 //
-// True with the folder's absolute path in `path`. False, told in the log, when the user chose none
-// or the folder cannot be made. Throws Json::LogicError when "summary" cannot be a text.
+// True with the folder's absolute path in `path`. False, logged, when the user chose none or the
+// folder cannot be created. Throws Json::LogicError when "summary" cannot be converted to a text.
 // Thread: UI; blocks it while the dialog is open.
 bool resolveDownloadPath(const Json::Value& parameters, std::string& path);
 

@@ -8,30 +8,19 @@
 namespace zantrio {
 
 // The bridge "downloadManagerBridge_IPC": the page drives downloads. Every group gets a folder,
-// which a dialog may ask the user for. Starts the manager when the web application has announced
-// itself and stops it when the browser closes.
+// for which the user may be asked in a dialog. The manager starts when the web application reports
+// that it is ready, and stops when the browser closes. Thread: UI.
 class CQueryHandlerDownloadManager
     : public CQueryHandlerTransferManager<zt_transfers::CDownloadManager> {
  public:
   CQueryHandlerDownloadManager();
 
-  // Keeps the download manager.
-  void setHandlerData(const QueryHandlerContext& context) override;
-
-  void appStarted() override;
-  void appExiting() override;
-
  private:
-  Json::Value getConfiguration(const Json::Value& parameters);
-  Json::Value setConfiguration(const Json::Value& parameters);
-  Json::Value createGroup(const Json::Value& parameters);
-  Json::Value queueFiles(const Json::Value& parameters);
+  Json::Value getConfiguration(const Json::Value& parameters) override;
+  Json::Value createGroup(const Json::Value& parameters) override;
   Json::Value dequeueFiles(const Json::Value& parameters);
-  Json::Value pauseGroup(const Json::Value& parameters);
-  Json::Value resumeGroup(const Json::Value& parameters);
-  Json::Value cancelGroup(const Json::Value& parameters);
 
-  const bool autoDownload_ = true;  // told to the page, which decides for each group
+  const bool autoDownload_ = true;  // reported to the page, which decides for each group
 };
 
 }  // namespace zantrio

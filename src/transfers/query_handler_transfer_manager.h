@@ -10,19 +10,24 @@
 #include "app/log/logger.h"
 #include "bridge/app_lifecycle_events_handler.h"
 #include "bridge/query_handler_base.h"
-#include "transfers/json_record.h"
-#include "transfers/record_json.h"
+#include "bridge/query_handler_context.h"
+#include "transfers/transfer_json.h"
 
 namespace zantrio {
 
-// What the bridges of the upload and the download manager have in common. The derived classes keep
-// the names, the texts and the answers in which the two differ.
+// The methods that the upload and the download bridge share. The derived classes add the methods,
+// texts and responses in which they differ.
 //
-// A method that is called before the manager was handed over throws Poco::NullPointerException,
-// which the page gets as a failure.
+// A method that is called before setHandlerData throws Poco::NullPointerException, which the page
+// receives as a failure.
 template <class Manager>
 class CQueryHandlerTransferManager : public CQueryHandlerBase, public IAppLifecycleEventsHandler {
  public:
+  // Keeps the manager.
+  void setHandlerData(const QueryHandlerContext& context) override {
+    manager_ = context.*profile_.manager;
+  }
+
   // Kind 2: this object's IAppLifecycleEventsHandler.
   Poco::Any getHandlerData(int kind) override {
     if (kind == kAppLifecycleEventsHandler) {
@@ -31,8 +36,27 @@ class CQueryHandlerTransferManager : public CQueryHandlerBase, public IAppLifecy
     return CQueryHandlerBase::getHandlerData(kind);
   }
 
+  void appStarted() override {
+    logInformation(profile_.startingUp);
+    manager_->startup();
+  }
+
+  void appExiting() override {
+    logInformation(profile_.shuttingDown);
+    manager_->shutdown();
+  }
+
  protected:
-  // What createGroup of either manager takes first.
+  // The differences between the bridges.
+  struct Profile {
+    Poco::SharedPtr<Manager> QueryHandlerContext::*manager;
+    const char* logPrefix;
+    const char* startingUp;
+    const char* shuttingDown;
+    Json::Value changedGroup;  // the response once a group was paused, resumed or cancelled
+  };
+
+  // The first parameters of createGroup in both bridges.
   struct GroupRequest {
     std::string bucketId;
     std::string bucketType;
@@ -42,25 +66,24 @@ class CQueryHandlerTransferManager : public CQueryHandlerBase, public IAppLifecy
 
   static constexpr std::int32_t kNoGroup = -1;
 
-  // `name` begins the log's lines.
-  explicit CQueryHandlerTransferManager(const char* name) : logPrefix_(name + std::string(": ")) {}
-
-  Json::Value fetchGroupsState(const Json::Value& /*parameters*/) {
-    std::vector<typename Manager::GroupState> groups;
-    manager_->fetchGroupsInfo(groups);
-    Json::Value answer(Json::arrayValue);
-    for (const auto& group : groups) {
-      toJson(group, answer.append(Json::Value()));
-    }
-    return answer;
+  explicit CQueryHandlerTransferManager(Profile profile) : profile_(std::move(profile)) {
+    registerMethod("getConfiguration", &CQueryHandlerTransferManager::getConfiguration);
+    registerMethod("setConfiguration", &CQueryHandlerTransferManager::setConfiguration);
+    registerMethod("fetchGroupsState", &CQueryHandlerTransferManager::fetchGroupsState);
+    registerMethod("createGroup", &CQueryHandlerTransferManager::createGroup);
+    registerMethod("queueFiles", &CQueryHandlerTransferManager::queueFiles);
+    registerMethod("pauseGroup", &CQueryHandlerTransferManager::pauseGroup);
+    registerMethod("resumeGroup", &CQueryHandlerTransferManager::resumeGroup);
+    registerMethod("cancelGroup", &CQueryHandlerTransferManager::cancelGroup);
   }
 
-  // Changes what is given and leaves the rest of the configuration.
-  void changeConfiguration(const Json::Value& parameters) {
-    typename Manager::Configuration configuration = manager_->getConfiguration();
-    fromJson(parameters, configuration);
-    manager_->setConfiguration(configuration);
+  virtual Json::Value getConfiguration(const Json::Value& /*parameters*/) {
+    Json::Value response;
+    toJson(manager_->getConfiguration(), response);
+    return response;
   }
+
+  virtual Json::Value createGroup(const Json::Value& parameters) = 0;
 
   static GroupRequest readGroupRequest(const Json::Value& parameters) {
     GroupRequest request;
@@ -71,50 +94,86 @@ class CQueryHandlerTransferManager : public CQueryHandlerBase, public IAppLifecy
     return request;
   }
 
-  static Json::Value emptyGroupAnswer() {
-    Json::Value answer;
-    answer["id"] = Json::Value();
-    answer["state"] = Json::Value();
-    return answer;
+  // The response of createGroup while there is no group.
+  static Json::Value emptyGroupResponse() {
+    Json::Value response;
+    response["id"] = Json::Value();
+    response["state"] = Json::Value();
+    return response;
   }
 
   // The state stays null when the library does not know the group.
-  void fillGroupAnswer(std::int32_t groupId, Json::Value& answer) {
-    answer["id"] = std::to_string(groupId);
+  void fillGroupResponse(std::int32_t groupId, Json::Value& response) {
+    response["id"] = std::to_string(groupId);
     typename Manager::GroupState state;
     if (manager_->getGroupState(groupId, state) == 0) {
-      toJson(state, answer["state"]);
+      toJson(state, response["state"]);
     }
   }
 
-  // Hands the list of files to the manager, unless it is rejected. `doing` and `relation` make the
-  // log's line: "Adding 2 files to the group …".
+  // Hands the list of files to the manager unless the list is rejected. `doing` and `relation`
+  // make the log line: "Adding 2 files to the group …".
   template <class File>
-  void changeFiles(const Json::Value& parameters,
-                   void (Manager::*change)(std::int32_t, const std::vector<File>&),
-                   const char* doing, const char* relation) {
+  Json::Value changeFiles(const Json::Value& parameters,
+                          void (Manager::*change)(std::int32_t, const std::vector<File>&),
+                          const char* doing, const char* relation) {
     const std::int32_t groupId = groupIdFromJson(parameters);
     std::vector<File> files;
     const bool accepted = filesFromJson(parameters.get("files", Json::Value()), files);
-    logInformation(logPrefix_, doing, " ", files.size(), " files ", relation, " the group with id ",
-                   groupId);
+    logInformation(profile_.logPrefix, doing, " ", files.size(), " files ", relation,
+                   " the group with id ", groupId);
     if (accepted) {
       ((*manager_).*change)(groupId, files);
     }
+    return Json::Value(Json::objectValue);
   }
 
-  // `done` begins the log's text: "Paused group …".
-  void changeGroup(const Json::Value& parameters, void (Manager::*change)(std::int32_t),
-                   const char* done) {
+  // `done` begins the log text: "Paused group …".
+  Json::Value changeGroup(const Json::Value& parameters, void (Manager::*change)(std::int32_t),
+                          const char* done) {
     const std::int32_t groupId = groupIdFromJson(parameters);
     ((*manager_).*change)(groupId);
-    logInformation(logPrefix_, done, " group with id: ", groupId);
+    logInformation(profile_.logPrefix, done, " group with id: ", groupId);
+    return profile_.changedGroup;
   }
 
   Poco::SharedPtr<Manager> manager_;
 
  private:
-  const std::string logPrefix_;
+  Json::Value setConfiguration(const Json::Value& parameters) {
+    typename Manager::Configuration configuration = manager_->getConfiguration();
+    fromJson(parameters, configuration);
+    manager_->setConfiguration(configuration);
+    return getConfiguration(parameters);
+  }
+
+  Json::Value fetchGroupsState(const Json::Value& /*parameters*/) {
+    std::vector<typename Manager::GroupState> groups;
+    manager_->fetchGroupsInfo(groups);
+    Json::Value response(Json::arrayValue);
+    for (const auto& group : groups) {
+      toJson(group, response.append(Json::Value()));
+    }
+    return response;
+  }
+
+  Json::Value queueFiles(const Json::Value& parameters) {
+    return changeFiles(parameters, &Manager::queueFiles, "Adding", "to");
+  }
+
+  Json::Value pauseGroup(const Json::Value& parameters) {
+    return changeGroup(parameters, &Manager::pauseGroup, "Paused");
+  }
+
+  Json::Value resumeGroup(const Json::Value& parameters) {
+    return changeGroup(parameters, &Manager::resumeGroup, "Resumed");
+  }
+
+  Json::Value cancelGroup(const Json::Value& parameters) {
+    return changeGroup(parameters, &Manager::cancelGroup, "Canceled");
+  }
+
+  const Profile profile_;
 };
 
 }  // namespace zantrio

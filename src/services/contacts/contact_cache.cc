@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "services/contacts/contact_match.h"
+#include "services/contacts/contact_search.h"
 
 namespace zantrio {
 

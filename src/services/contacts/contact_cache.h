@@ -7,7 +7,6 @@
 #include <unordered_map>
 
 #include "services/contacts/contact.h"
-#include "services/contacts/contact_entry.h"
 
 namespace zantrio {
 

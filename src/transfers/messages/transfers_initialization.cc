@@ -4,7 +4,7 @@
 
 #include "app/log/logger.h"
 #include "app/settings/app_settings.h"
-#include "transfers/wide_text.h"
+#include "transfers/transfer_json.h"
 #include "zt_transfers/global_config.h"
 
 namespace zantrio::messages {

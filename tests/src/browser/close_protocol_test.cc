@@ -159,7 +159,7 @@ TEST_F(CloseProtocol, ClosesDuringADialogOfThePage) {
     void Continue(bool, const CefString&) override {}
     IMPLEMENT_REFCOUNTING(Ignore);
   };
-  services.duringConfirm = [&] { client->OnBeforeClose(browser); };
+  services.duringCall = [&] { client->OnBeforeClose(browser); };
   bool suppress = false;
   EXPECT_TRUE(
       client->OnJSDialog(browser, "", JSDIALOGTYPE_CONFIRM, "Sure?", "", new Ignore, suppress));

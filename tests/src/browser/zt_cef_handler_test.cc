@@ -4,7 +4,6 @@
 
 #include "bridge/drag_handler.h"
 #include "bridge/query_handler_base.h"
-#include "files/file_data.h"
 #include "src/browser/zt_cef_handler_fixture.h"
 
 namespace zantrio {

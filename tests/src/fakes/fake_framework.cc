@@ -111,7 +111,9 @@ bool FakeRouter::AddHandler(Handler* handler, bool first) {
 using zantrio::test::FakeFramework;
 
 bool CefCurrentlyOn(CefThreadId thread) {
-  return thread == TID_UI && FakeFramework::current()->onUiThread();
+  // Tests without this framework run on one thread.
+  return thread == TID_UI &&
+         (FakeFramework::current() == nullptr || FakeFramework::current()->onUiThread());
 }
 
 bool CefPostTask(CefThreadId thread, CefRefPtr<CefTask> task) {

@@ -2,9 +2,7 @@
 
 #include <memory>
 
-#include "files/file_choose_dialog.h"
-#include "files/folder_choose_dialog.h"
-#include "files/fs_item_choose_dialog_base.h"
+#include "files/choose_dialogs.h"
 #include "services/address_book.h"
 #include "services/alert_dialog.h"
 #include "services/clipboard.h"
@@ -33,6 +31,9 @@ FakeServices& fake() {
 
 bool record(const std::string& call) {
   fake().calls.push_back(call);
+  if (fake().duringCall) {
+    fake().duringCall();
+  }
   return true;
 }
 
@@ -45,9 +46,6 @@ class FakeConfirmDialog : public IConfirmDialog {
  public:
   bool ask(const std::string& text, int kind) override {
     record("confirm " + text + " " + std::to_string(kind));
-    if (fake().duringConfirm) {
-      fake().duringConfirm();
-    }
     return fake().confirmAnswer;
   }
 };

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "services/contacts/contact_entry.h"
+#include "services/contacts/contact.h"
 #include "services/file_permissions_retriever.h"
 
 namespace zantrio::test {
@@ -20,7 +20,7 @@ struct FakeServices {
   bool available = true;  // false: nothing can be made
   std::vector<std::string> calls;
   bool confirmAnswer = true;
-  std::function<void()> duringConfirm;
+  std::function<void()> duringCall;  // runs inside every call, once it is recorded
   bool hasAddressBook = true;
   ContactEntries contacts;  // what a search finds
   // What the user chooses, dialog by dialog, as URLs; with none left every dialog is cancelled.

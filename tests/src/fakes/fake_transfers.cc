@@ -65,6 +65,9 @@ std::int32_t CUploadManager::createGroup(const std::string& bucketId, const std:
   return fake().createdGroup;
 }
 int CUploadManager::getGroupState(std::int32_t groupId, GroupState& state) {
+  if (fake().groupStateThrows) {
+    throw std::runtime_error("no state");
+  }
   state.id = groupId;
   return fake().groupStateResult;
 }

@@ -27,6 +27,7 @@ struct FakeTransfers {
   std::wstring downloadDirectory;
   std::int32_t createdGroup = 1;
   int groupStateResult = 0;
+  bool groupStateThrows = false;
   bool startupThrows = false;
   bool shutdownThrows = false;
   zt_transfers::CUploadManager::ICallback* uploadCallback = nullptr;

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 #include <json/reader.h>
 
+#include "bridge/drag_handler.h"
 #include "bridge/query_handler_context.h"
-#include "files/file_data.h"
 #include "src/fakes/fake_browser.h"
 #include "src/fakes/fake_query_callback.h"
 #include "src/fakes/fake_services.h"

@@ -13,7 +13,7 @@
 #include "support/temporary_folder.h"
 #include "transfers/query_handler_download_manager.h"
 #include "transfers/query_handler_upload_manager.h"
-#include "transfers/wide_text.h"
+#include "transfers/transfer_json.h"
 
 namespace zantrio {
 namespace {
@@ -32,6 +32,8 @@ class Bridges : public testing::Test {
   Bridges() {
     fake.reset();
     services.reset();
+    fake.uploadConfiguration.partSize = 77;
+    fake.downloadConfiguration.partSize = 77;
     QueryHandlerContext context;
     context.uploadManager = new zt_transfers::CUploadManager;
     context.downloadManager = new zt_transfers::CDownloadManager;
@@ -59,16 +61,17 @@ class Bridges : public testing::Test {
   CQueryHandlerDownloadManager downloads;
 };
 
-// In what the two bridges differ.
+// The differences between the two bridges.
 struct Side {
   bool isUpload;
   const char* logPrefix;
-  const char* dequeue;                                        // what the manager calls it
-  const char* steered;                                        // the answer when a group was steered
-  std::vector<std::pair<const char*, const char*>> steering;  // methods and what the log says
-  std::vector<std::string> life;                              // calls of the manager
+  const char* dequeue;  // the manager's name for it
+  const char* steered;  // the response once a group was changed
+  std::vector<std::pair<const char*, const char*>> steering;  // methods and log words
+  std::vector<std::string> life;
   std::vector<std::string> lifeLines;
   const char* methods;
+  const char* configuration;
 };
 
 void PrintTo(const Side& side, std::ostream* out) {
@@ -151,11 +154,20 @@ TEST_P(BothBridges, ListTheirMethods) {
   EXPECT_EQ(answer("supportedMethods"), side.methods + std::string("\n"));
 }
 
-TEST_P(BothBridges, LeaveTheConfigurationWhenAKeyCannotBeConverted) {
-  EXPECT_THAT(answer("setConfiguration", R"({"maxConcurrentTransfers":3,"maxTransferRetries":{}})"),
+TEST_P(BothBridges, ChangeTheGivenSettingsOnly) {
+  const std::string expected = side.configuration + std::string("\n");
+  EXPECT_EQ(answer("setConfiguration",
+                   R"({"maxConcurrentTransfers":3,"maxTransferRetries":2,"autoDownload":false})"),
+            expected);
+  EXPECT_EQ(answer("getConfiguration"), expected);
+  const zt_transfers::CTransferManagerBase::Configuration& changed =
+      side.isUpload ? fake.uploadConfiguration : fake.downloadConfiguration;
+  EXPECT_EQ(changed.maxConcurrentTransfers, 3U);
+  EXPECT_EQ(changed.maxTransferRetries, 2U);
+  EXPECT_EQ(changed.partSize, 77U);
+  EXPECT_THAT(answer("setConfiguration", R"({"maxConcurrentTransfers":4,"maxTransferRetries":{}})"),
               StartsWith(kFailure));
-  EXPECT_EQ(fake.uploadConfiguration.maxConcurrentTransfers, 8U);
-  EXPECT_EQ(fake.downloadConfiguration.maxConcurrentTransfers, 8U);
+  EXPECT_EQ(answer("getConfiguration"), expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -174,7 +186,10 @@ INSTANTIATE_TEST_SUITE_P(
              {"information Starting up Upload Manager", "information Shutting down Upload Manager"},
              R"(["cancelGroup","createGroup","dequeueFiles","fetchGroupsState","getConfiguration",)"
              R"("markQueue","pauseGroup","queueFiles","resumeGroup","setConfiguration",)"
-             R"("supportedMethods","unmarkQueue"])"},
+             R"("supportedMethods","unmarkQueue"])",
+             R"({"maxConcurrentTransfers":3,"maxTransferRetries":2,"minMultipartSize":67108864,)"
+             R"("preventSleep":true,"serverTransferProgressInterval":0,)"
+             R"("throttleBytesPerSecond":0,"verifyUploads":true})"},
         Side{false,
              "QueryHandlerDownloadManager",
              "dequeueFiles",
@@ -184,35 +199,10 @@ INSTANTIATE_TEST_SUITE_P(
              {"information Starting up download manager",
               "information Shutting down download manager"},
              R"(["cancelGroup","createGroup","dequeueFiles","fetchGroupsState","getConfiguration",)"
-             R"("pauseGroup","queueFiles","resumeGroup","setConfiguration","supportedMethods"])"}));
-
-TEST_F(Bridges, OfUploadsAnswersAndChangesItsConfiguration) {
-  fake.uploadConfiguration.partSize = 77;
-  const Json::Value json =
-      parsed(askBridge(uploads, "setConfiguration", R"({"maxConcurrentTransfers":3})"));
-  EXPECT_EQ(json.size(), 7U);
-  EXPECT_TRUE(json.isMember("serverTransferProgressInterval"));
-  EXPECT_EQ(json["maxConcurrentTransfers"].asUInt(), 3U);
-  EXPECT_EQ(parsed(askBridge(uploads, "getConfiguration")), json);
-  EXPECT_EQ(fake.uploadConfiguration.maxConcurrentTransfers, 3U);
-  EXPECT_EQ(fake.uploadConfiguration.partSize, 77U);
-}
-
-TEST_F(Bridges, OfDownloadsAnswersAndChangesItsConfiguration) {
-  fake.downloadConfiguration.partSize = 77;
-  const std::string expected =
-      R"({"autoDownload":true,"maxConcurrentTransfers":3,"maxTransferRetries":5,)"
-      R"("minMultipartSize":67108864,"preventSleep":true,"throttleBytesPerSecond":9,)"
-      R"("verifyUploads":true})"
-      "\n";
-  EXPECT_EQ(askBridge(downloads, "setConfiguration",
-                      R"({"maxConcurrentTransfers":3,"throttleBytesPerSecond":9,)"
-                      R"("serverTransferProgressInterval":5,"autoDownload":false})"),
-            expected);
-  EXPECT_EQ(askBridge(downloads, "getConfiguration"), expected);
-  EXPECT_EQ(fake.downloadConfiguration.maxConcurrentTransfers, 3U);
-  EXPECT_EQ(fake.downloadConfiguration.partSize, 77U);
-}
+             R"("pauseGroup","queueFiles","resumeGroup","setConfiguration","supportedMethods"])",
+             R"({"autoDownload":true,"maxConcurrentTransfers":3,"maxTransferRetries":2,)"
+             R"("minMultipartSize":67108864,"preventSleep":true,"throttleBytesPerSecond":0,)"
+             R"("verifyUploads":true})"}));
 
 TEST_F(Bridges, OfUploadsCreatesGroups) {
   fake.createdGroup = 12;
@@ -231,9 +221,13 @@ TEST_F(Bridges, OfUploadsAnswersNullsForAGroupThatCannotBeCreatedOrIsUnknown) {
   const std::string nulls = "{\"id\":null,\"state\":null}\n";
   fake.createdGroup = -1;
   EXPECT_EQ(askBridge(uploads, "createGroup"), nulls);
+  const std::string unknownState = "{\"id\":\"5\",\"state\":null}\n";
   fake.createdGroup = 5;
   fake.groupStateResult = 1;
-  EXPECT_EQ(askBridge(uploads, "createGroup"), "{\"id\":\"5\",\"state\":null}\n");
+  EXPECT_EQ(askBridge(uploads, "createGroup"), unknownState);
+  fake.groupStateThrows = true;
+  EXPECT_EQ(askBridge(uploads, "createGroup"), unknownState);
+  EXPECT_EQ(log.lines().back(), "error createGroup: Exception: no state");
   fake.calls.clear();
   EXPECT_EQ(askBridge(uploads, "createGroup", R"({"tokenExpires":"never"})"), nulls);
   EXPECT_THAT(log.lines().back(), StartsWith("error createGroup: Exception: "));

@@ -6,7 +6,7 @@
 #include "platform/linux/contacts/contact_feed.h"
 #include "platform/linux/contacts/eds_service.h"
 #include "services/contacts/contact_cache.h"
-#include "services/contacts/patience.h"
+#include "services/contacts/wait_budget.h"
 
 namespace zantrio {
 namespace {
@@ -26,7 +26,7 @@ struct CAddressBookLinux::Impl {
 
   const GObjectPtr<GDBusConnection> bus;
   CContactCache cache;
-  CPatience loading;
+  CWaitBudget loading;
   CContactFeedLinux feed;
 };
 

@@ -7,7 +7,7 @@
 
 #include "app/log/logger.h"
 #include "services/contacts/contact_cache.h"
-#include "services/contacts/patience.h"
+#include "services/contacts/wait_budget.h"
 
 namespace zantrio {
 namespace {
@@ -33,7 +33,7 @@ struct CContactFeedLinux::Call {
   CGlibThreadLinux::CallToken token;
 };
 
-CContactFeedLinux::CContactFeedLinux(CContactCache& cache, CPatience& loading,
+CContactFeedLinux::CContactFeedLinux(CContactCache& cache, CWaitBudget& loading,
                                      std::chrono::milliseconds delay)
     : cache_(cache), loading_(loading), cancellable_(g_cancellable_new()) {
   thread_.post([this, delay] { thread_.runLater(delay, [this] { begin(); }); });

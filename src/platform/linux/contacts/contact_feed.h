@@ -14,7 +14,7 @@
 namespace zantrio {
 
 class CContactCache;
-class CPatience;
+class CWaitBudget;
 
 // Fills the cache from the Evolution Data Server in a thread of its own: the contacts of every
 // enabled address book, and what changes in them from then on. Nothing here waits for the server.
@@ -22,7 +22,7 @@ class CContactFeedLinux {
  public:
   // Begins after `delay`. `loading` is ended when the contacts that there are at the start have
   // arrived, or cannot be had. Both must outlive the feed.
-  CContactFeedLinux(CContactCache& cache, CPatience& loading, std::chrono::milliseconds delay);
+  CContactFeedLinux(CContactCache& cache, CWaitBudget& loading, std::chrono::milliseconds delay);
   CContactFeedLinux(const CContactFeedLinux&) = delete;
   CContactFeedLinux& operator=(const CContactFeedLinux&) = delete;
   ~CContactFeedLinux();
@@ -45,7 +45,7 @@ class CContactFeedLinux {
   void end();
 
   CContactCache& cache_;
-  CPatience& loading_;
+  CWaitBudget& loading_;
 
   // Of the thread alone.
   const GObjectPtr<GCancellable> cancellable_;

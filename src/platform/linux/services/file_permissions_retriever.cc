@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "services/access_check.h"
+#include "services/file_permissions_retriever.h"
 
 namespace zantrio {
 

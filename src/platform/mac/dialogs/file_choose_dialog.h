@@ -1,7 +1,6 @@
 #pragma once
 
-#include "files/file_choose_dialog.h"
-#include "files/fs_item_choose_dialog_base.h"
+#include "files/choose_dialogs.h"
 
 namespace zantrio {
 

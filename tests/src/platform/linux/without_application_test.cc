@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "files/file_choose_dialog.h"
-#include "files/folder_choose_dialog.h"
+#include "files/choose_dialogs.h"
 #include "services/alert_dialog.h"
 #include "services/clipboard.h"
 #include "services/confirm_dialog.h"

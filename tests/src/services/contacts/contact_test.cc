@@ -7,32 +7,22 @@ namespace {
 
 using Emails = std::vector<std::string>;
 
-ContactEntries entriesOf(const Contact& contact) {
-  ContactEntries entries;
-  appendEntries(contact, entries);
-  return entries;
+TEST(Contact, IsOneResultForEachAddressAndOneWithoutAnEmailProperty) {
+  const ContactEntry before{"Bo", "Lee", ""};
+  const std::pair<Contact, ContactEntries> cases[] = {
+      {{"Ann", "Lee", Emails{"z@example.org", "a@example.org"}},
+       {before, {"Ann", "Lee", "z@example.org"}, {"Ann", "Lee", "a@example.org"}}},
+      {{"Ann", "Lee", Emails{}}, {before}},
+      {{"Ann", "", std::nullopt}, {before, {"Ann", "", ""}}},
+  };
+  for (const auto& [contact, expected] : cases) {
+    ContactEntries entries{before};
+    appendEntries(contact, entries);
+    EXPECT_EQ(entries, expected);
+  }
 }
 
-TEST(Contact, IsAnEntryForEachOfItsAddressesInTheirOrder) {
-  EXPECT_EQ(entriesOf({"Ann", "Lee", Emails{"z@example.org", "a@example.org"}}),
-            (ContactEntries{{"Ann", "Lee", "z@example.org"}, {"Ann", "Lee", "a@example.org"}}));
-}
-
-TEST(Contact, IsNoEntryWhenItsEmailPropertyHoldsNothing) {
-  EXPECT_EQ(entriesOf({"Ann", "Lee", Emails{}}), ContactEntries{});
-}
-
-TEST(Contact, IsOneEntryWithoutAddressWhenItHasNoEmailProperty) {
-  EXPECT_EQ(entriesOf({"Ann", "", std::nullopt}), (ContactEntries{{"Ann", "", ""}}));
-}
-
-TEST(Contact, IsAppendedBehindWhatWasFoundBefore) {
-  ContactEntries entries{{"Ann", "Lee", ""}};
-  appendEntries({"Bo", "Lee", std::nullopt}, entries);
-  EXPECT_EQ(entries, (ContactEntries{{"Ann", "Lee", ""}, {"Bo", "Lee", ""}}));
-}
-
-TEST(DisplayName, JoinsTheNamesThatThereAre) {
+TEST(DisplayName, JoinsTheNamesThatAreSet) {
   EXPECT_EQ(displayName({"Ann", "Lee", "a@example.org"}), "Ann Lee");
   EXPECT_EQ(displayName({"Ann", "", ""}), "Ann");
   EXPECT_EQ(displayName({"", "Lee", ""}), "Lee");

@@ -7,7 +7,7 @@
 #include <QTest>
 #include <QWindow>
 
-#include "files/file_choose_dialog.h"
+#include "files/choose_dialogs.h"
 #include "services/confirm_dialog.h"
 #include "src/platform/linux/event_loop.h"
 

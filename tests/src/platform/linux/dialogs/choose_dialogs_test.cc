@@ -1,3 +1,5 @@
+#include "files/choose_dialogs.h"
+
 #include <gmock/gmock.h>
 
 #include <QDialogButtonBox>
@@ -6,9 +8,7 @@
 #include <QPushButton>
 #include <QToolButton>
 
-#include "files/file_choose_dialog.h"
 #include "files/file_url.h"
-#include "files/folder_choose_dialog.h"
 #include "src/platform/linux/event_loop.h"
 #include "support/temporary_folder.h"
 

@@ -1,9 +1,9 @@
+#include "files/choose_dialogs.h"
+
 #import <AppKit/AppKit.h>
 
 #include <map>
 
-#include "files/file_choose_dialog.h"
-#include "files/folder_choose_dialog.h"
 #include "src/platform/mac/fakes/calls.h"
 #include "src/platform/mac/fakes/core_foundation_fake.h"
 #include "src/platform/mac/fakes/method_swap.h"

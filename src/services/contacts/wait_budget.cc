@@ -1,23 +1,23 @@
-#include "services/contacts/patience.h"
+#include "services/contacts/wait_budget.h"
 
 #include <algorithm>
 
 namespace zantrio {
 
-CPatience::CPatience(std::chrono::milliseconds limit) : left_(limit) {}
+CWaitBudget::CWaitBudget(std::chrono::milliseconds total) : left_(total) {}
 
-void CPatience::end() {
+void CWaitBudget::end() {
   {
     const std::lock_guard lock(mutex_);
-    isOver_ = true;
+    hasEnded_ = true;
   }
   ended_.notify_all();
 }
 
-void CPatience::wait() {
+void CWaitBudget::wait() {
   std::unique_lock lock(mutex_);
   const Clock::time_point begin = Clock::now();
-  ended_.wait_until(lock, begin + left_, [this] { return isOver_; });
+  ended_.wait_until(lock, begin + left_, [this] { return hasEnded_; });
   left_ = std::max(Clock::duration::zero(), left_ - (Clock::now() - begin));
 }
 

@@ -1,8 +1,11 @@
-#include "transfers/messages/message_handler_base.h"
+#include "transfers/messages/message_handler.h"
+
+#include "include/wrapper/cef_helpers.h"
 
 namespace zantrio::messages {
 
 bool CMessageHandlerBase::onMessage(const CefRefPtr<CefProcessMessage>& message) {
+  CEF_REQUIRE_UI_THREAD();
   const auto entry = operations_.find(message->GetName().ToString());
   if (entry == operations_.end()) {
     return false;

@@ -1,4 +1,4 @@
-#include "services/contacts/contact_match.h"
+#include "services/contacts/contact_search.h"
 
 #include <gtest/gtest.h>
 
@@ -15,20 +15,20 @@ bool isContained(const std::string& query, const std::string& name) {
 
 const Contact kAnn{"Ann", "Lee", std::vector<std::string>{"first@example.org", "2nd@test.net"}};
 
-TEST(ContactMatch, LooksIntoFirstNameLastNameAndEveryAddress) {
+TEST(ContactSearch, LooksIntoFirstNameLastNameAndEveryAddress) {
   for (const char* query : {"Ann", "nn", "Lee", "first@", "example.org", "2nd@test.net"}) {
     EXPECT_TRUE(matches(kAnn, query)) << query;
   }
   EXPECT_FALSE(matches(kAnn, "Bob"));
 }
 
-TEST(ContactMatch, DoesNotReachFromOneTextIntoTheNext) {
+TEST(ContactSearch, DoesNotReachFromOneTextIntoTheNext) {
   for (const char* query : {"Ann Lee", "AnnLee", "Leefirst", "org2nd", "n\xFFL"}) {
     EXPECT_FALSE(matches(kAnn, query)) << query;
   }
 }
 
-TEST(ContactMatch, TakesUpperAndLowerCaseForTheSameInEveryScript) {
+TEST(ContactSearch, TakesUpperAndLowerCaseForTheSameInEveryScript) {
   EXPECT_TRUE(isContained("aNN", "Ann"));
   EXPECT_TRUE(isContained("АННА", "Анна"));
   EXPECT_TRUE(isContained("γιώργος", "ΓΙΏΡΓΟΣ"));
@@ -37,23 +37,23 @@ TEST(ContactMatch, TakesUpperAndLowerCaseForTheSameInEveryScript) {
   EXPECT_TRUE(isContained("Ъ", "объявление"));
 }
 
-TEST(ContactMatch, TakesComposedAndDecomposedLettersForTheSame) {
+TEST(ContactSearch, TakesComposedAndDecomposedLettersForTheSame) {
   EXPECT_TRUE(isContained("E\u0301", "Ren\u00E9"));
   EXPECT_TRUE(isContained("\u00C9", "Rene\u0301"));
 }
 
-TEST(ContactMatch, TellsAccentedLettersFromPlainOnes) {
+TEST(ContactSearch, TellsAccentedLettersFromPlainOnes) {
   EXPECT_FALSE(isContained("rene", "Ren\u00E9"));
   EXPECT_FALSE(isContained("é", "Rene"));
 }
 
-TEST(ContactMatch, FindsTheEmptyTextInEverything) {
+TEST(ContactSearch, FindsTheEmptyTextInEverything) {
   EXPECT_TRUE(matches(kAnn, ""));
   EXPECT_TRUE(matches({}, ""));
   EXPECT_FALSE(matches({}, " "));
 }
 
-TEST(ContactMatch, TakesWildcardsAndBrokenTextForWhatTheyAre) {
+TEST(ContactSearch, TakesWildcardsAndBrokenTextForWhatTheyAre) {
   EXPECT_FALSE(isContained("A*", "Ann"));
   EXPECT_FALSE(isContained("A%", "Ann"));
   EXPECT_TRUE(isContained("\")(", "x\")(y"));

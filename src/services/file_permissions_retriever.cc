@@ -1,8 +1,6 @@
-#include "services/access_check.h"
+#include "services/file_permissions_retriever.h"
 
 #include <unistd.h>
-
-#include "services/file_permissions_retriever.h"
 
 namespace zantrio {
 

@@ -1,11 +1,11 @@
-#include "transfers/messages/page_call.h"
+#include "transfers/messages/transfer_relay.h"
 
 #include "bridge/json_text.h"
 #include "include/cef_frame.h"
 
 namespace zantrio::messages {
 
-bool callPage(const CefRefPtr<CefBrowser>& browser, const char* function,
+bool callPage(const CefRefPtr<CefBrowser>& browser, const std::string& function,
               const Json::Value& argument) {
   const CefRefPtr<CefFrame> frame = browser ? browser->GetMainFrame() : nullptr;
   if (!frame) {

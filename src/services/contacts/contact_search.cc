@@ -1,4 +1,4 @@
-#include "services/contacts/folded_text.h"
+#include "services/contacts/contact_search.h"
 
 #include <unicode/bytestream.h>
 #include <unicode/casemap.h>
@@ -12,6 +12,9 @@
 namespace zantrio {
 namespace {
 
+// Occurs in no folded text, so that no query matches across two texts of a contact.
+constexpr char kSeparator = '\xFF';
+
 void requireSuccess(UErrorCode status) {
   if (U_FAILURE(status) != 0) {
     throw std::runtime_error(std::string("A text cannot be folded: ") + u_errorName(status));
@@ -22,8 +25,8 @@ icu::StringPiece piece(std::string_view text) {
   return {text.data(), static_cast<int32_t>(text.size())};
 }
 
-}  // namespace
-
+// Case folding and composition (NFC). The result is valid UTF-8: bytes that belong to no character
+// become U+FFFD.
 std::string foldedText(std::string_view text) {
   const std::string valid = toValidUtf8(text);
   UErrorCode status = U_ZERO_ERROR;
@@ -39,6 +42,24 @@ std::string foldedText(std::string_view text) {
   normalizer->normalizeUTF8(0, piece(folded), composedSink, nullptr, status);
   requireSuccess(status);
   return composed;
+}
+
+}  // namespace
+
+std::string searchText(const Contact& contact) {
+  std::string text = foldedText(contact.firstName) + kSeparator + foldedText(contact.lastName);
+  if (contact.emails) {
+    for (const std::string& email : *contact.emails) {
+      text += kSeparator + foldedText(email);
+    }
+  }
+  return text;
+}
+
+ContactQuery::ContactQuery(std::string_view query) : folded_(foldedText(query)) {}
+
+bool ContactQuery::matches(const std::string& searchText) const {
+  return searchText.find(folded_) != std::string::npos;
 }
 
 }  // namespace zantrio

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <mutex>
+#include <memory>
 #include <string>
 
 #include "zt_transfers/export.h"
@@ -27,13 +27,12 @@ class ZT_TRANSFERS_EXPORT CZtTransfersGlobalConfig {
   std::string appFilesPath() const;  // in bytes again
 
  private:
-  CZtTransfersGlobalConfig() = default;
+  struct Values;
 
-  mutable std::mutex mutex_;
-  // Guarded by mutex_.
-  std::string restEndPointUrl_;
-  std::string userAgent_;
-  std::string appFilesPath_;
+  CZtTransfersGlobalConfig();
+  ~CZtTransfersGlobalConfig();
+
+  const std::unique_ptr<Values> values_;
 };
 
 }  // namespace zt_transfers

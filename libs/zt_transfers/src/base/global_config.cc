@@ -1,8 +1,20 @@
 #include "zt_transfers/global_config.h"
 
+#include "base/mutex.h"
 #include "base/wide_bytes.h"
 
 namespace zt_transfers {
+
+struct CZtTransfersGlobalConfig::Values {
+  CMutex mutex;
+  std::string restEndPointUrl GUARDED_BY(mutex);
+  std::string userAgent GUARDED_BY(mutex);
+  std::string appFilesPath GUARDED_BY(mutex);
+};
+
+CZtTransfersGlobalConfig::CZtTransfersGlobalConfig() : values_(std::make_unique<Values>()) {}
+
+CZtTransfersGlobalConfig::~CZtTransfersGlobalConfig() = default;
 
 CZtTransfersGlobalConfig* CZtTransfersGlobalConfig::getInstance() {
   static CZtTransfersGlobalConfig instance;
@@ -10,33 +22,33 @@ CZtTransfersGlobalConfig* CZtTransfersGlobalConfig::getInstance() {
 }
 
 void CZtTransfersGlobalConfig::setRestEndPointUrl(const std::string& url) {
-  const std::lock_guard lock(mutex_);
-  restEndPointUrl_ = url;
+  const CMutexLock lock(values_->mutex);
+  values_->restEndPointUrl = url;
 }
 
 void CZtTransfersGlobalConfig::setUserAgent(const std::string& userAgent) {
-  const std::lock_guard lock(mutex_);
-  userAgent_ = userAgent;
+  const CMutexLock lock(values_->mutex);
+  values_->userAgent = userAgent;
 }
 
 void CZtTransfersGlobalConfig::setAppFilesPath(const std::wstring& path) {
-  const std::lock_guard lock(mutex_);
-  appFilesPath_ = bytesOf(path);
+  const CMutexLock lock(values_->mutex);
+  values_->appFilesPath = bytesOf(path);
 }
 
 std::string CZtTransfersGlobalConfig::restEndPointUrl() const {
-  const std::lock_guard lock(mutex_);
-  return restEndPointUrl_;
+  const CMutexLock lock(values_->mutex);
+  return values_->restEndPointUrl;
 }
 
 std::string CZtTransfersGlobalConfig::userAgent() const {
-  const std::lock_guard lock(mutex_);
-  return userAgent_;
+  const CMutexLock lock(values_->mutex);
+  return values_->userAgent;
 }
 
 std::string CZtTransfersGlobalConfig::appFilesPath() const {
-  const std::lock_guard lock(mutex_);
-  return appFilesPath_;
+  const CMutexLock lock(values_->mutex);
+  return values_->appFilesPath;
 }
 
 }  // namespace zt_transfers

@@ -12,6 +12,8 @@
 #include <map>
 #include <system_error>
 
+#include "base/mutex.h"
+
 namespace zt_transfers {
 namespace {
 
@@ -65,9 +67,9 @@ std::string lineFor(ILog::Priority priority, std::string_view message) {
 }  // namespace
 
 std::shared_ptr<CTransferLog> CTransferLog::inFolder(const std::string& folder) {
-  static std::mutex mutex;
+  static CMutex mutex;
   static std::map<std::string, std::weak_ptr<CTransferLog>> logs;
-  const std::lock_guard lock(mutex);
+  const CMutexLock lock(mutex);
   std::shared_ptr<CTransferLog> log = logs[folder].lock();
   if (!log) {
     log = std::make_shared<CTransferLog>(folder + "/zt_transfers.log");
@@ -78,14 +80,14 @@ std::shared_ptr<CTransferLog> CTransferLog::inFolder(const std::string& folder) 
 
 CTransferLog::CTransferLog(const std::string& path, std::uint64_t limit)
     : path_(path), limit_(limit) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   open();
 }
 
 void CTransferLog::write(Priority priority, std::string_view message) noexcept {
   try {
     const std::string line = lineFor(priority, message);
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     if (size_ != 0 && size_ + line.size() > limit_) {
       rotate();
     }

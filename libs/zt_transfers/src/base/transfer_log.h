@@ -2,10 +2,10 @@
 
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <string>
 
 #include "base/log.h"
+#include "base/mutex.h"
 #include "base/unique_fd.h"
 
 namespace zt_transfers {
@@ -29,19 +29,18 @@ class CTransferLog : public ILog {
   void write(Priority priority, std::string_view message) noexcept override;
 
  private:
-  void open();
-  void rotate();
-  void complain(int error);
+  void open() REQUIRES(mutex_);
+  void rotate() REQUIRES(mutex_);
+  void complain(int error) REQUIRES(mutex_);
 
   // Constant after construction.
   const std::string path_;
   const std::uint64_t limit_;
 
-  std::mutex mutex_;
-  // Guarded by mutex_.
-  CUniqueFd file_;
-  std::uint64_t size_ = 0;
-  bool complained_ = false;
+  CMutex mutex_;
+  CUniqueFd file_ GUARDED_BY(mutex_);
+  std::uint64_t size_ GUARDED_BY(mutex_) = 0;
+  bool complained_ GUARDED_BY(mutex_) = false;
 };
 
 }  // namespace zt_transfers

@@ -8,7 +8,7 @@ namespace zt_transfers {
 
 void CWorkerPool::start(unsigned threads) {
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     if (running_) {
       return;
     }
@@ -25,11 +25,11 @@ void CWorkerPool::start(unsigned threads) {
 void CWorkerPool::stop() {
   std::deque<std::function<void()>> dropped;
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     running_ = false;
     dropped.swap(tasks_);
   }
-  posted_.notify_all();
+  posted_.notifyAll();
   for (std::thread& thread : threads_) {
     thread.join();
   }
@@ -38,19 +38,19 @@ void CWorkerPool::stop() {
 
 void CWorkerPool::post(std::function<void()> task) {
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     if (!running_) {
       return;
     }
     tasks_.push_back(std::move(task));
   }
-  posted_.notify_one();
+  posted_.notifyOne();
 }
 
 void CWorkerPool::run() {
-  std::unique_lock lock(mutex_);
+  CMutexLock lock(mutex_);
   for (;;) {
-    posted_.wait(lock, [this] { return !running_ || !tasks_.empty(); });
+    posted_.wait(mutex_, [this]() REQUIRES(mutex_) { return !running_ || !tasks_.empty(); });
     if (!running_) {
       return;
     }

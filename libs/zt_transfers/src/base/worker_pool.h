@@ -1,12 +1,12 @@
 #pragma once
 
-#include <condition_variable>
 #include <deque>
 #include <functional>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
+
+#include "base/mutex.h"
 
 namespace zt_transfers {
 
@@ -34,11 +34,10 @@ class CWorkerPool {
   const std::string name_;
   std::vector<std::thread> threads_;
 
-  std::mutex mutex_;
-  std::condition_variable posted_;
-  // Guarded by mutex_.
-  std::deque<std::function<void()>> tasks_;
-  bool running_ = false;
+  CMutex mutex_;
+  CConditionVariable posted_;
+  std::deque<std::function<void()>> tasks_ GUARDED_BY(mutex_);
+  bool running_ GUARDED_BY(mutex_) = false;
 };
 
 }  // namespace zt_transfers

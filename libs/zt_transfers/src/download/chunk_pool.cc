@@ -16,7 +16,7 @@ Chunk CChunkPool::take(std::uint64_t wanted) {
   const auto least = std::clamp<std::uint64_t>(wanted, kSmallest, kLargest);
   const auto capacity = static_cast<std::size_t>(std::bit_ceil(least));
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     std::vector<Chunk>& spare = spare_[capacity];
     if (!spare.empty()) {
       Chunk chunk = std::move(spare.back());
@@ -32,7 +32,7 @@ Chunk CChunkPool::take(std::uint64_t wanted) {
 }
 
 void CChunkPool::giveBack(Chunk chunk) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   if (!chunk.data || kept_ + chunk.capacity > kMaxKept) {
     return;
   }

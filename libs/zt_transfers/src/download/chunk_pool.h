@@ -4,8 +4,9 @@
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <vector>
+
+#include "base/mutex.h"
 
 namespace zt_transfers {
 
@@ -32,10 +33,9 @@ class CChunkPool {
   void giveBack(Chunk chunk);
 
  private:
-  std::mutex mutex_;
-  // Guarded by mutex_.
-  std::map<std::size_t, std::vector<Chunk>> spare_;  // by capacity
-  std::size_t kept_ = 0;                             // bytes
+  CMutex mutex_;
+  std::map<std::size_t, std::vector<Chunk>> spare_ GUARDED_BY(mutex_);  // by capacity
+  std::size_t kept_ GUARDED_BY(mutex_) = 0;                             // bytes
 };
 
 }  // namespace zt_transfers

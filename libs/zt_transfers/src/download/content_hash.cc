@@ -42,7 +42,7 @@ void CContentHash::readBack(int file, std::uint64_t end) {
 }
 
 bool CHashQueue::add(std::vector<Chunk>& chunks, std::uint64_t end) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   if (closed_) {
     return false;
   }
@@ -66,7 +66,7 @@ bool CHashQueue::add(std::vector<Chunk>& chunks, std::uint64_t end) {
 
 // All that is in memory, or a part of what is to be read back.
 CHashQueue::Pieces CHashQueue::take() {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   Pieces pieces;
   while (!waiting_.empty() && waiting_.front().inMemory()) {
     pieces.push_back(std::move(waiting_.front()));
@@ -86,29 +86,29 @@ CHashQueue::Pieces CHashQueue::take() {
 }
 
 bool CHashQueue::done() {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   atWork_ = !waiting_.empty();
   return atWork_;
 }
 
 bool CHashQueue::idle() const {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   return !atWork_ && waiting_.empty();
 }
 
 std::list<CHashQueue::Piece> CHashQueue::clear() {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   return std::exchange(waiting_, {});
 }
 
 void CHashQueue::close() {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   closed_ = true;
   waiting_.clear();
 }
 
 void CHashQueue::restart() {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   waiting_.clear();
   lined_ = 0;
   taken_ = 0;

@@ -3,10 +3,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <list>
-#include <mutex>
 #include <string>
 #include <vector>
 
+#include "base/mutex.h"
 #include "download/chunk_pool.h"
 #include "hash/md5.h"
 
@@ -65,15 +65,16 @@ class CHashQueue {
   void restart();
 
  private:
-  bool readsBack() const { return !waiting_.empty() && !waiting_.back().inMemory(); }
+  bool readsBack() const REQUIRES(mutex_) {
+    return !waiting_.empty() && !waiting_.back().inMemory();
+  }
 
-  mutable std::mutex mutex_;
-  // Guarded by mutex_.
-  std::list<Piece> waiting_;
-  std::uint64_t lined_ = 0;  // up to here it is hashed or waits
-  std::uint64_t taken_ = 0;  // up to here it is hashed, or somebody is at it
-  bool atWork_ = false;
-  bool closed_ = false;
+  mutable CMutex mutex_;
+  std::list<Piece> waiting_ GUARDED_BY(mutex_);
+  std::uint64_t lined_ GUARDED_BY(mutex_) = 0;  // up to here it is hashed or waits
+  std::uint64_t taken_ GUARDED_BY(mutex_) = 0;  // up to here it is hashed, or somebody is at it
+  bool atWork_ GUARDED_BY(mutex_) = false;
+  bool closed_ GUARDED_BY(mutex_) = false;
 };
 
 }  // namespace zt_transfers

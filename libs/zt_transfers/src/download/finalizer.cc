@@ -21,13 +21,13 @@ constexpr std::chrono::milliseconds kGatherLimit{4};
 }  // namespace
 
 void CFinalizer::finalize(std::vector<Arrival> arrivals) {
-  std::unique_lock lock(mutex_);
+  CMutexLock lock(mutex_);
   for (Arrival& arrival : arrivals) {
     waiting_.emplace_back(std::move(arrival));
   }
   if (finalizing_) {
     if (waiting_.size() >= kWorthASync) {
-      enough_.notify_one();
+      enough_.notifyOne();
     }
     return;
   }
@@ -39,7 +39,8 @@ void CFinalizer::finalize(std::vector<Arrival> arrivals) {
     batch.clear();
     lock.lock();
     if (!waiting_.empty()) {
-      enough_.wait_for(lock, kGatherLimit, [this] { return waiting_.size() >= kWorthASync; });
+      enough_.waitFor(mutex_, kGatherLimit,
+                      [this]() REQUIRES(mutex_) { return waiting_.size() >= kWorthASync; });
     }
   }
   finalizing_ = false;

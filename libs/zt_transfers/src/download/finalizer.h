@@ -1,13 +1,12 @@
 #pragma once
 
-#include <condition_variable>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <utility>
 #include <vector>
 
+#include "base/mutex.h"
 #include "download/partial_file.h"
 #include "engine/attempt.h"
 
@@ -62,11 +61,10 @@ class CFinalizer {
   void notify(Batch& batch);
 
   const Dependencies calls_;
-  std::mutex mutex_;
-  std::condition_variable enough_;
-  // Guarded by mutex_.
-  Batch waiting_;
-  bool finalizing_ = false;
+  CMutex mutex_;
+  CConditionVariable enough_;
+  Batch waiting_ GUARDED_BY(mutex_);
+  bool finalizing_ GUARDED_BY(mutex_) = false;
 };
 
 }  // namespace zt_transfers

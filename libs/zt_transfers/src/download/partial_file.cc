@@ -42,9 +42,9 @@ CPartialFile::Found CPartialFile::reopen(const DownloadResume& resume) {
   if (!entry_.contains(resume.partialPath)) {
     return Found::kNothing;
   }
-  resume_ = resume;
+  setResume(resume);
   if (!entry_.openFolder(MissingFolders::kFail)) {
-    resume_ = {};
+    setResume({});
     return Found::kNothing;
   }
   CUniqueFd file = entry_.reopen(resume);
@@ -52,14 +52,15 @@ CPartialFile::Found CPartialFile::reopen(const DownloadResume& resume) {
     entry_.syncFolder();
     return Found::kFinalized;
   }
-  resume_ = {};
+  setResume({});
   if (!file.valid()) {
     return Found::kNothing;
   }
   adopt(std::move(file));
+  const auto there = static_cast<std::uint64_t>(statusOf(file_.get()).st_size);
+  const CMutexLock lock(mutex_);
   resume_.validator = resume.validator;
   resume_.size = resume.size;
-  const auto there = static_cast<std::uint64_t>(statusOf(file_.get()).st_size);
   for (const ByteSpan& span : resume.written) {
     addSpan(resume_.written, {std::min(span.begin, there), std::min(span.end, there)});
   }
@@ -80,15 +81,19 @@ void CPartialFile::create(std::uint64_t size) {
 
 void CPartialFile::adopt(CUniqueFd file) {
   file_ = std::move(file);
+  const CMutexLock lock(mutex_);
   resume_.partialPath = entry_.path();
   resume_.inode = entry_.inode();
 }
 
 void CPartialFile::restart(const std::string& validator, std::uint64_t size) {
-  resume_.validator = validator;
-  resume_.size = size;
-  resume_.written.clear();
-  resume_.durable.clear();
+  {
+    const CMutexLock lock(mutex_);
+    resume_.validator = validator;
+    resume_.size = size;
+    resume_.written.clear();
+    resume_.durable.clear();
+  }
   hash_.reset();
   digest_.reset();
   if (file_.valid()) {
@@ -100,7 +105,9 @@ void CPartialFile::restart(const std::string& validator, std::uint64_t size) {
 }
 
 void CPartialFile::write(std::uint64_t offset, const char* data, std::size_t size) {
-  create(resume_.size);
+  if (!file_.valid()) {
+    create(resume().size);
+  }
   std::size_t done = 0;
   while (done < size) {
     const ssize_t written = ops_.write(file_.get(), data + done, size - done, offset + done);
@@ -122,17 +129,22 @@ void CPartialFile::write(std::uint64_t offset, const char* data, std::size_t siz
 }
 
 void CPartialFile::noteWritten(ByteSpan span) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   addSpan(resume_.written, span);
 }
 
 void CPartialFile::noteSynced() {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   resume_.durable = resume_.written;
 }
 
+void CPartialFile::setResume(DownloadResume resume) {
+  const CMutexLock lock(mutex_);
+  resume_ = std::move(resume);
+}
+
 DownloadResume CPartialFile::resume() const {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   return resume_;
 }
 
@@ -152,15 +164,20 @@ void CPartialFile::checkpoint() {
   if (!ops_.syncContent(file_.get())) {
     failToWrite();
   }
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   resume_.durable = std::move(written);
 }
 
 std::optional<std::string> CPartialFile::verify(std::uint64_t size) {
   create(size);
-  resume_.size = size;
   const auto there = static_cast<std::uint64_t>(statusOf(file_.get()).st_size);
-  if (there != size || lengthOf(resume_.written) != size) {
+  std::uint64_t written = 0;
+  {
+    const CMutexLock lock(mutex_);
+    resume_.size = size;
+    written = lengthOf(resume_.written);
+  }
+  if (there != size || written != size) {
     return "the partial file has " + std::to_string(there) + " bytes instead of " +
            std::to_string(size);
   }

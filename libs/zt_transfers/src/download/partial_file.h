@@ -2,12 +2,12 @@
 
 #include <atomic>
 #include <cstdint>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
 
 #include "base/file_ops.h"
+#include "base/mutex.h"
 #include "base/unique_fd.h"
 #include "download/content_hash.h"
 #include "download/partial_entry.h"
@@ -98,6 +98,7 @@ class CPartialFile {
 
  private:
   void adopt(CUniqueFd file);
+  void setResume(DownloadResume resume);
   void reserve(std::uint64_t size);
   void noteWritten(ByteSpan span);
   CContentHash& openHash();
@@ -112,8 +113,8 @@ class CPartialFile {
   std::optional<CContentHash> hash_;
   std::optional<std::string> digest_;
 
-  mutable std::mutex mutex_;
-  DownloadResume resume_;  // mutex_ guards its spans once several threads use the file
+  mutable CMutex mutex_;
+  DownloadResume resume_ GUARDED_BY(mutex_);
 };
 
 }  // namespace zt_transfers

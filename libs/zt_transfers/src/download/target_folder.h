@@ -4,12 +4,12 @@
 
 #include <cstdint>
 #include <map>
-#include <mutex>
 #include <string>
 #include <system_error>
 #include <vector>
 
 #include "base/file_ops.h"
+#include "base/mutex.h"
 #include "base/unique_fd.h"
 
 namespace zt_transfers {
@@ -46,10 +46,9 @@ class CNewFolders {
   void noteSynced(dev_t device, std::uint64_t latest);
 
  private:
-  mutable std::mutex mutex_;
-  // Guarded by mutex_.
-  std::uint64_t last_ = 0;
-  std::map<dev_t, std::uint64_t> latest_;
+  mutable CMutex mutex_;
+  std::uint64_t last_ GUARDED_BY(mutex_) = 0;
+  std::map<dev_t, std::uint64_t> latest_ GUARDED_BY(mutex_);
 };
 
 }  // namespace zt_transfers

@@ -4,13 +4,13 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "base/clock.h"
+#include "base/mutex.h"
 #include "engine/failure.h"
 #include "engine/file_spec.h"
 #include "engine/orphan.h"
@@ -31,23 +31,23 @@ class AttemptProgress {
 
   // What the next attempt could go on with, should this one end now.
   void setResume(TransferResume resume) {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     resume_ = std::move(resume);
   }
   // Changes it where it lies.
   template <typename Change>
   void changeResume(Change change) {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     change(resume_);
   }
   TransferResume resume() const {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     return resume_;
   }
 
  private:
-  mutable std::mutex mutex_;
-  TransferResume resume_;  // guarded by mutex_
+  mutable CMutex mutex_;
+  TransferResume resume_ GUARDED_BY(mutex_);
 };
 
 // When a file is transferred in several parts at a time.

@@ -1,12 +1,11 @@
 #pragma once
 
-#include <condition_variable>
-#include <mutex>
 #include <optional>
 #include <variant>
 #include <vector>
 
 #include "base/clock.h"
+#include "base/mutex.h"
 #include "engine/transfer_group.h"
 
 namespace zt_transfers {
@@ -28,11 +27,10 @@ class CEventQueue {
   void wake();
 
  private:
-  mutable std::mutex mutex_;
-  std::condition_variable arrived_;
-  // Guarded by mutex_.
-  std::vector<TransferEvent> events_;
-  bool woken_ = false;
+  mutable CMutex mutex_;
+  CConditionVariable arrived_;
+  std::vector<TransferEvent> events_ GUARDED_BY(mutex_);
+  bool woken_ GUARDED_BY(mutex_) = false;
 };
 
 }  // namespace zt_transfers

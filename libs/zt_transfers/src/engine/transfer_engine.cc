@@ -16,7 +16,7 @@ CTransferEngine::CTransferEngine(Options options, const Dependencies& dependenci
       planner_(table_, store_, clock_, options_.backoff) {}
 
 void CTransferEngine::restore(RestoredQueue queue) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   pendingSizes_.clear();
   for (const auto& [kept, files, resumes, failures] : queue.groups) {
     for (std::uint32_t index = 0; index < files.size(); ++index) {
@@ -29,13 +29,13 @@ void CTransferEngine::restore(RestoredQueue queue) {
 }
 
 std::int32_t CTransferEngine::createGroup(GroupIdentity identity) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   const CTransferGroup* group = table_.create(std::move(identity), options_.needsMark);
   return group == nullptr ? -1 : group->id();
 }
 
 std::vector<GroupSnapshot> CTransferEngine::groups() const {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   const TimePoint now = clock_.now();
   std::vector<GroupSnapshot> shots;
   shots.reserve(table_.groups().size());
@@ -46,7 +46,7 @@ std::vector<GroupSnapshot> CTransferEngine::groups() const {
 }
 
 std::optional<GroupSnapshot> CTransferEngine::group(std::int32_t groupId) const {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   const auto found = table_.groups().find(groupId);
   if (found == table_.groups().end()) {
     return std::nullopt;
@@ -55,7 +55,7 @@ std::optional<GroupSnapshot> CTransferEngine::group(std::int32_t groupId) const 
 }
 
 std::optional<CTransferEngine::GroupReport> CTransferEngine::report(std::int32_t groupId) const {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   const auto found = table_.groups().find(groupId);
   if (found == table_.groups().end() || found->second->cancelled()) {
     return std::nullopt;
@@ -76,7 +76,7 @@ std::optional<CTransferEngine::GroupReport> CTransferEngine::report(std::int32_t
 void CTransferEngine::change(std::int32_t groupId,
                              const std::function<void(CTransferGroup&)>& change) {
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     CTransferGroup* group = table_.find(groupId);
     if (group == nullptr || group->cancelled()) {
       return;
@@ -88,7 +88,7 @@ void CTransferEngine::change(std::int32_t groupId,
 }
 
 void CTransferEngine::queueFiles(std::int32_t groupId, const std::vector<FileSpec>& specs) {
-  change(groupId, [&](CTransferGroup& group) {
+  change(groupId, [&](CTransferGroup& group) REQUIRES(mutex_) {
     for (const FileSpec& spec : specs) {
       queueFile(group, spec);
     }
@@ -134,7 +134,7 @@ void CTransferEngine::requeueFile(CTransferGroup& group, std::uint32_t index,
 }
 
 void CTransferEngine::dequeueFiles(std::int32_t groupId, const std::vector<std::string>& fileIds) {
-  change(groupId, [&](CTransferGroup& group) {
+  change(groupId, [&](CTransferGroup& group) REQUIRES(mutex_) {
     for (const std::string& fileId : fileIds) {
       if (const auto index = store_.find(groupId, fileId)) {
         table_.remove(group, *index);
@@ -144,14 +144,14 @@ void CTransferEngine::dequeueFiles(std::int32_t groupId, const std::vector<std::
 }
 
 void CTransferEngine::setMarked(std::int32_t groupId, bool marked) {
-  change(groupId, [&](CTransferGroup& group) {
+  change(groupId, [&](CTransferGroup& group) REQUIRES(mutex_) {
     group.setMarked(marked);
     table_.keep(group);
   });
 }
 
 void CTransferEngine::pauseGroup(std::int32_t groupId) {
-  change(groupId, [&](CTransferGroup& group) {
+  change(groupId, [&](CTransferGroup& group) REQUIRES(mutex_) {
     group.setPaused(true);
     table_.keep(group);
     table_.hold(group, FilePhase::kPaused, false);
@@ -162,7 +162,7 @@ void CTransferEngine::pauseGroup(std::int32_t groupId) {
 }
 
 void CTransferEngine::resumeGroup(std::int32_t groupId) {
-  change(groupId, [&](CTransferGroup& group) {
+  change(groupId, [&](CTransferGroup& group) REQUIRES(mutex_) {
     group.setPaused(false);
     table_.keep(group);
     group.pace.notBefore = TimePoint{};
@@ -186,12 +186,12 @@ void CTransferEngine::resumeGroup(std::int32_t groupId) {
 }
 
 void CTransferEngine::cancelGroup(std::int32_t groupId) {
-  change(groupId, [&](CTransferGroup& group) { table_.cancel(group); });
+  change(groupId, [&](CTransferGroup& group) REQUIRES(mutex_) { table_.cancel(group); });
 }
 
 void CTransferEngine::setSettings(const Settings& settings) {
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     planner_.setSettings(settings);
   }
   wake_();
@@ -199,7 +199,7 @@ void CTransferEngine::setSettings(const Settings& settings) {
 
 void CTransferEngine::start() {
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     planner_.start();
     table_.eventThrottle().setRunning(true);
     table_.forgetCancelled();
@@ -212,7 +212,7 @@ void CTransferEngine::start() {
 }
 
 void CTransferEngine::stop() {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   planner_.stop();
   table_.eventThrottle().setRunning(false);
   for (const auto& [id, group] : table_.groups()) {
@@ -230,7 +230,7 @@ CTransferEngine::Work CTransferEngine::takeWork() {
   const bool congested = events_.congested();
   Work work;
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     work = planner_.takeWork(congested);
   }
   for (const std::string& failure : work.failures) {
@@ -242,7 +242,7 @@ CTransferEngine::Work CTransferEngine::takeWork() {
 void CTransferEngine::onAttemptsDone(const std::vector<AttemptEnd>& ends) {
   std::vector<std::pair<ILog::Priority, std::string>> lines;
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     CTransferGroup* touched = nullptr;
     for (const auto& [id, outcome] : ends) {
       RunningAttempt* attempt = table_.attempts().find(id);
@@ -277,7 +277,7 @@ void CTransferEngine::reschedule(CTransferGroup& group) {
 }
 
 bool CTransferEngine::onAttemptCheckpoint(AttemptId id) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   return keepResume(id);
 }
 
@@ -292,7 +292,7 @@ bool CTransferEngine::keepResume(AttemptId id) {
 
 bool CTransferEngine::onAttemptFinalizing(AttemptId id) {
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     RunningAttempt* attempt = table_.attempts().find(id);
     if (attempt == nullptr) {
       return false;
@@ -305,7 +305,7 @@ bool CTransferEngine::onAttemptFinalizing(AttemptId id) {
 
 void CTransferEngine::keepDurably(const std::vector<AttemptId>& attempts) {
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     for (const AttemptId attemptId : attempts) {
       keepResume(attemptId);
     }
@@ -315,7 +315,7 @@ void CTransferEngine::keepDurably(const std::vector<AttemptId>& attempts) {
 
 void CTransferEngine::onOrphaned(Orphan orphan) {
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     table_.cleanups().addOnce(std::move(orphan));
   }
   wake_();
@@ -325,7 +325,7 @@ void CTransferEngine::onCleanedUp(OrphanId id, const AttemptOutcome& outcome) {
   const bool done = outcome.kind == AttemptOutcome::Kind::kDone;
   std::string message;
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     message = table_.cleanups().applyOutcome(id, outcome);
   }
   if (!message.empty()) {
@@ -335,12 +335,12 @@ void CTransferEngine::onCleanedUp(OrphanId id, const AttemptOutcome& outcome) {
 }
 
 bool CTransferEngine::isTransferring() const {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   return !table_.attempts().empty();
 }
 
 bool CTransferEngine::collectProgress() {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   const TimePoint now = clock_.now();
   for (auto& [id, attempt] : table_.attempts()) {
     CTransferGroup& group = *table_.find(attempt.file.groupId);
@@ -356,13 +356,17 @@ bool CTransferEngine::collectProgress() {
     }
   }
   table_.eventThrottle().notifyDue(
-      [this](std::int32_t groupId) -> const CTransferGroup* { return table_.find(groupId); }, now);
+      [this](std::int32_t groupId) -> const CTransferGroup* {
+        mutex_.assertHeld();
+        return table_.find(groupId);
+      },
+      now);
   return !table_.attempts().empty() || table_.eventThrottle().hasDue();
 }
 
 std::vector<CTransferEngine::PendingSize> CTransferEngine::takePendingSizes(std::size_t limit) {
-  const std::lock_guard lock(mutex_);
-  return pendingSizes_.take(limit, store_, [this](FileRef file) {
+  const CMutexLock lock(mutex_);
+  return pendingSizes_.take(limit, store_, [this](FileRef file) REQUIRES(mutex_) {
     const CTransferGroup* group = table_.find(file.groupId);
     return group != nullptr && !group->cancelled() &&
            group->file(file.index).phase == FilePhase::kWaiting;
@@ -370,12 +374,12 @@ std::vector<CTransferEngine::PendingSize> CTransferEngine::takePendingSizes(std:
 }
 
 bool CTransferEngine::hasPendingSizes() const {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   return pendingSizes_.ready();
 }
 
 void CTransferEngine::applySizes(const std::vector<FileSize>& sizes) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   CTransferGroup* touched = nullptr;
   for (const auto& [file, size] : sizes) {
     CTransferGroup* group = table_.find(file.groupId);
@@ -396,7 +400,7 @@ void CTransferEngine::applySizes(const std::vector<FileSize>& sizes) {
 
 void CTransferEngine::specsArrived(std::int32_t groupId) {
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     pendingSizes_.reschedule();
     CTransferGroup* group = table_.find(groupId);
     if (group != nullptr && !group->cancelled()) {

@@ -2,12 +2,12 @@
 
 #include <cstdint>
 #include <functional>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "base/log.h"
+#include "base/mutex.h"
 #include "engine/attempt.h"
 #include "engine/pending_sizes.h"
 #include "engine/queue_store.h"
@@ -120,10 +120,11 @@ class CTransferEngine final : public IAttemptObserver {
  private:
   // Does this to a group that is there and not cancelled.
   void change(std::int32_t groupId, const std::function<void(CTransferGroup&)>& change);
-  void queueFile(CTransferGroup& group, const FileSpec& spec);
-  void reschedule(CTransferGroup& group);
-  bool keepResume(AttemptId attemptId);
-  void requeueFile(CTransferGroup& group, std::uint32_t index, const FileSpec& spec);
+  void queueFile(CTransferGroup& group, const FileSpec& spec) REQUIRES(mutex_);
+  void reschedule(CTransferGroup& group) REQUIRES(mutex_);
+  bool keepResume(AttemptId attemptId) REQUIRES(mutex_);
+  void requeueFile(CTransferGroup& group, std::uint32_t index, const FileSpec& spec)
+      REQUIRES(mutex_);
 
   // Constant after construction.
   const Options options_;
@@ -134,11 +135,10 @@ class CTransferEngine final : public IAttemptObserver {
   std::function<void()> wake_;
   std::function<void()> flush_;
 
-  mutable std::mutex mutex_;
-  // Guarded by mutex_.
-  CTransferTable table_;
-  CWorkPlanner planner_;
-  CPendingSizes pendingSizes_;
+  mutable CMutex mutex_;
+  CTransferTable table_ GUARDED_BY(mutex_);
+  CWorkPlanner planner_ GUARDED_BY(mutex_);
+  CPendingSizes pendingSizes_ GUARDED_BY(mutex_);
 };
 
 }  // namespace zt_transfers

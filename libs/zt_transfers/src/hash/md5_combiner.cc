@@ -21,12 +21,12 @@ CMd5Combiner& CMd5Combiner::shared() {
 }
 
 CMd5Combiner::CMember::CMember(CMd5Combiner& combiner) : combiner_(combiner) {
-  const std::lock_guard lock(combiner_.mutex_);
+  const CMutexLock lock(combiner_.mutex_);
   ++combiner_.members_;
 }
 
 CMd5Combiner::CMember::~CMember() {
-  const std::lock_guard lock(combiner_.mutex_);
+  const CMutexLock lock(combiner_.mutex_);
   --combiner_.members_;
 }
 
@@ -36,10 +36,11 @@ void CMd5Combiner::CMember::add(Md5State& state, const unsigned char* data, std:
 
 void CMd5Combiner::add(Md5State& state, const unsigned char* data, std::size_t blocks) {
   Task own{.piece = {.state = &state, .data = data, .blocks = blocks}};
-  std::unique_lock lock(mutex_);
+  CMutexLock lock(mutex_);
   waiting_.push_back(&own);
-  gather(lock, own);
-  changed_.wait(lock, [&] { return own.done || (!own.taken && atWork_ < maxRunning_); });
+  gather(own);
+  changed_.wait(
+      mutex_, [&]() REQUIRES(mutex_) { return own.done || (!own.taken && atWork_ < maxRunning_); });
   if (own.done) {
     return;
   }
@@ -57,16 +58,17 @@ void CMd5Combiner::add(Md5State& state, const unsigned char* data, std::size_t b
     task->done = true;
   }
   lock.unlock();
-  changed_.notify_all();
+  changed_.notifyAll();
 }
 
 // A message that comes alone waits for those that are under way besides it.
-void CMd5Combiner::gather(std::unique_lock<std::mutex>& lock, const Task& own) {
+void CMd5Combiner::gather(const Task& own) {
   const std::size_t wanted = std::min(members_, kMd5Lanes) * 3 / 4;
   if (waiting_.size() >= wanted) {
-    changed_.notify_all();
+    changed_.notifyAll();
   } else if (wanted >= kWorthWaitingFor) {
-    changed_.wait_for(lock, kGatherLimit, [&] { return own.taken || waiting_.size() >= wanted; });
+    changed_.waitFor(mutex_, kGatherLimit,
+                     [&]() REQUIRES(mutex_) { return own.taken || waiting_.size() >= wanted; });
   }
 }
 

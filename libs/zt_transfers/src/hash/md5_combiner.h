@@ -1,10 +1,9 @@
 #pragma once
 
-#include <condition_variable>
 #include <cstddef>
-#include <mutex>
 #include <vector>
 
+#include "base/mutex.h"
 #include "hash/md5_lockstep.h"
 
 namespace zt_transfers {
@@ -47,17 +46,16 @@ class CMd5Combiner {
   };
 
   void add(Md5State& state, const unsigned char* data, std::size_t blocks);
-  void gather(std::unique_lock<std::mutex>& lock, const Task& own);
-  std::vector<Task*> take(Task& own);
+  void gather(const Task& own) REQUIRES(mutex_);
+  std::vector<Task*> take(Task& own) REQUIRES(mutex_);
 
   const unsigned maxRunning_;
 
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  // Guarded by mutex_.
-  std::vector<Task*> waiting_;  // the oldest first
-  unsigned atWork_ = 0;
-  std::size_t members_ = 0;
+  CMutex mutex_;
+  CConditionVariable changed_;
+  std::vector<Task*> waiting_ GUARDED_BY(mutex_);  // the oldest first
+  unsigned atWork_ GUARDED_BY(mutex_) = 0;
+  std::size_t members_ GUARDED_BY(mutex_) = 0;
 };
 
 }  // namespace zt_transfers

@@ -37,7 +37,7 @@ CHttpLoop::CHttpLoop(std::string name, const IClock& clock)
 
 void CHttpLoop::start(Tick tick, std::function<void()> last) {
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     if (running_) {
       return;
     }
@@ -57,7 +57,7 @@ void CHttpLoop::start(Tick tick, std::function<void()> last) {
 
 void CHttpLoop::stop() {
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     running_ = false;
   }
   wake();
@@ -65,7 +65,7 @@ void CHttpLoop::stop() {
     thread_.join();
   }
   std::vector<std::function<void()>> dropped;
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   dropped.swap(tasks_);
 }
 
@@ -79,7 +79,7 @@ void CHttpLoop::wake() {
 
 void CHttpLoop::post(std::function<void()> task) {
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     if (!running_) {
       return;
     }
@@ -126,7 +126,7 @@ bool CHttpLoop::runTasks() {
   again_ = false;
   std::vector<std::function<void()>> tasks;
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     if (!running_) {
       return false;
     }

@@ -5,7 +5,6 @@
 #include <atomic>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <set>
 #include <string>
@@ -14,6 +13,7 @@
 #include <vector>
 
 #include "base/clock.h"
+#include "base/mutex.h"
 #include "base/retired.h"
 #include "http/curl_handles.h"
 #include "http/throttle.h"
@@ -80,10 +80,9 @@ class CHttpLoop {
   std::atomic<bool> sleeping_ = false;  // only then somebody has to wake it
   std::atomic<bool> woken_ = false;     // and has not got to it yet
 
-  std::mutex mutex_;
-  // Guarded by mutex_.
-  std::vector<std::function<void()>> tasks_;
-  bool running_ = false;
+  CMutex mutex_;
+  std::vector<std::function<void()>> tasks_ GUARDED_BY(mutex_);
+  bool running_ GUARDED_BY(mutex_) = false;
 
   // The loop's thread only.
   CThrottle throttle_;

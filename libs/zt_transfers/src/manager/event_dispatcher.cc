@@ -13,7 +13,10 @@ CEventDispatcher::CEventDispatcher(std::string name, CEventQueue& events, Depend
 
 void CEventDispatcher::start() {
   if (!thread_.joinable()) {
-    stopping_ = false;
+    {
+      const CMutexLock lock(mutex_);
+      stopping_ = false;
+    }
     thread_ = std::thread([this] {
       nameThisThread(name_);
       run();
@@ -24,10 +27,10 @@ void CEventDispatcher::start() {
 void CEventDispatcher::stop() {
   if (thread_.joinable()) {
     {
-      const std::lock_guard lock(mutex_);
+      const CMutexLock lock(mutex_);
       stopping_ = true;
     }
-    stopped_.notify_all();
+    stopped_.notifyAll();
     events_.wake();
     thread_.join();
   }
@@ -36,8 +39,8 @@ void CEventDispatcher::stop() {
 // So that a burst of events costs one change of threads and not one each.
 bool CEventDispatcher::rest() {
   constexpr std::chrono::milliseconds kRest{4};
-  std::unique_lock lock(mutex_);
-  return !stopped_.wait_for(lock, kRest, [this] { return stopping_; });
+  CMutexLock lock(mutex_);
+  return !stopped_.waitFor(mutex_, kRest, [this]() REQUIRES(mutex_) { return stopping_; });
 }
 
 void CEventDispatcher::run() {

@@ -1,12 +1,11 @@
 #pragma once
 
-#include <condition_variable>
 #include <functional>
-#include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "base/mutex.h"
 #include "engine/event_queue.h"
 
 namespace zt_transfers {
@@ -47,9 +46,9 @@ class CEventDispatcher {
   const Dependencies calls_;
   std::thread thread_;
 
-  std::mutex mutex_;
-  std::condition_variable stopped_;
-  bool stopping_ = false;  // guarded by mutex_
+  CMutex mutex_;
+  CConditionVariable stopped_;
+  bool stopping_ GUARDED_BY(mutex_) = false;
 };
 
 }  // namespace zt_transfers

@@ -100,7 +100,7 @@ CTransferEngine& CManagerCore::openEngine() {
 }
 
 void CManagerCore::openQueue() {
-  const std::lock_guard lock(opening_);
+  const CMutexLock lock(opening_);
   if (opened_) {
     return;
   }
@@ -169,7 +169,7 @@ void CManagerCore::shutdown() {
 // From here on another manager may have the queue; whoever needs it again here reads it anew.
 // Without a database, what is in memory is all there is.
 void CManagerCore::closeQueue() {
-  const std::lock_guard lock(opening_);
+  const CMutexLock lock(opening_);
   opened_ = queue_.isOpen() ? !queue_.close() : !engine_.groups().empty();
 }
 

@@ -2,11 +2,11 @@
 
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <vector>
 
 #include "base/log.h"
+#include "base/mutex.h"
 #include "base/worker_pool.h"
 #include "engine/event_queue.h"
 #include "engine/transfer_engine.h"
@@ -86,8 +86,8 @@ class CManagerCore {
   CEventDispatcher dispatcher_;
   CSleepGuard sleepGuard_;
   const std::unique_ptr<IAttemptRunner> runner_;
-  std::mutex opening_;
-  bool opened_ = false;  // guarded by opening_
+  CMutex opening_;
+  bool opened_ GUARDED_BY(opening_) = false;
   bool started_ = false;
   std::uint64_t throttle_ = 0;
   bool statting_ = false;  // the network thread only

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <condition_variable>
-#include <mutex>
 #include <thread>
+
+#include "base/mutex.h"
 
 namespace zt_transfers {
 
@@ -14,10 +14,10 @@ class CSubscription {
   // When it returns, the callback before is not running and will not be called again, unless
   // this is called from within that callback.
   void set(Callback* callback) {
-    std::unique_lock lock(mutex_);
+    CMutexLock lock(mutex_);
     callback_ = callback;
     if (calling_ != std::this_thread::get_id()) {
-      ended_.wait(lock, [this] { return calling_ == std::thread::id(); });
+      ended_.wait(mutex_, [this]() REQUIRES(mutex_) { return calling_ == std::thread::id(); });
     }
   }
 
@@ -25,7 +25,7 @@ class CSubscription {
   void call(Call&& call) {
     Callback* callback = nullptr;
     {
-      const std::lock_guard lock(mutex_);
+      const CMutexLock lock(mutex_);
       callback = callback_;
       if (callback == nullptr) {
         return;
@@ -34,18 +34,17 @@ class CSubscription {
     }
     call(*callback);
     {
-      const std::lock_guard lock(mutex_);
+      const CMutexLock lock(mutex_);
       calling_ = std::thread::id();
     }
-    ended_.notify_all();
+    ended_.notifyAll();
   }
 
  private:
-  std::mutex mutex_;
-  std::condition_variable ended_;
-  // Guarded by mutex_.
-  Callback* callback_ = nullptr;
-  std::thread::id calling_;
+  CMutex mutex_;
+  CConditionVariable ended_;
+  Callback* callback_ GUARDED_BY(mutex_) = nullptr;
+  std::thread::id calling_ GUARDED_BY(mutex_);
 };
 
 }  // namespace zt_transfers

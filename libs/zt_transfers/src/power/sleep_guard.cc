@@ -11,45 +11,49 @@ CSleepGuard::CSleepGuard(std::string threadName, std::unique_ptr<ISleepInhibitor
     : threadName_(std::move(threadName)), inhibitor_(std::move(inhibitor)), linger_(linger) {}
 
 void CSleepGuard::start() {
-  stopping_ = false;
+  {
+    const CMutexLock lock(mutex_);
+    stopping_ = false;
+  }
   thread_ = std::thread([this] { run(); });
 }
 
 void CSleepGuard::stop() {
   if (thread_.joinable()) {
-    set(stopping_, true);
+    {
+      const CMutexLock lock(mutex_);
+      change(stopping_, true);
+    }
     thread_.join();
   }
 }
 
 void CSleepGuard::setWanted(bool wanted) {
-  set(wanted_, wanted);
+  const CMutexLock lock(mutex_);
+  change(wanted_, wanted);
 }
 
 void CSleepGuard::setTransferring(bool transferring) {
-  set(transferring_, transferring);
+  const CMutexLock lock(mutex_);
+  change(transferring_, transferring);
 }
 
-void CSleepGuard::set(bool& flag, bool value) {
-  {
-    const std::lock_guard lock(mutex_);
-    if (std::exchange(flag, value) == value) {
-      return;
-    }
+void CSleepGuard::change(bool& flag, bool value) {
+  if (std::exchange(flag, value) != value) {
+    changed_.notifyOne();
   }
-  changed_.notify_one();
 }
 
 void CSleepGuard::run() {
   nameThisThread(threadName_);
-  std::unique_lock lock(mutex_);
+  CMutexLock lock(mutex_);
   while (!stopping_) {
-    changed_.wait(lock, [this] { return mustHold() || stopping_; });
+    changed_.wait(mutex_, [this]() REQUIRES(mutex_) { return mustHold() || stopping_; });
     if (mustHold()) {
       lock.unlock();
       inhibitor_->inhibit();
       lock.lock();
-      waitForEnd(lock);
+      waitForEnd();
       lock.unlock();
       inhibitor_->release();
       lock.lock();
@@ -57,10 +61,11 @@ void CSleepGuard::run() {
   }
 }
 
-void CSleepGuard::waitForEnd(std::unique_lock<std::mutex>& lock) {
+void CSleepGuard::waitForEnd() {
   do {
-    changed_.wait(lock, [this] { return !mustHold(); });
-    changed_.wait_for(lock, linger_, [this] { return mustHold() || !wanted_ || stopping_; });
+    changed_.wait(mutex_, [this]() REQUIRES(mutex_) { return !mustHold(); });
+    changed_.waitFor(mutex_, linger_,
+                     [this]() REQUIRES(mutex_) { return mustHold() || !wanted_ || stopping_; });
   } while (mustHold());
 }
 

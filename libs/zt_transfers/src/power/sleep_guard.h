@@ -1,12 +1,11 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <memory>
-#include <mutex>
 #include <string>
 #include <thread>
 
+#include "base/mutex.h"
 #include "power/sleep_inhibitor.h"
 
 namespace zt_transfers {
@@ -34,21 +33,20 @@ class CSleepGuard {
 
  private:
   void run();
-  void waitForEnd(std::unique_lock<std::mutex>& lock);
-  void set(bool& flag, bool value);
-  bool mustHold() const { return wanted_ && transferring_ && !stopping_; }
+  void waitForEnd() REQUIRES(mutex_);
+  void change(bool& flag, bool value) REQUIRES(mutex_);
+  bool mustHold() const REQUIRES(mutex_) { return wanted_ && transferring_ && !stopping_; }
 
   const std::string threadName_;
   const std::unique_ptr<ISleepInhibitor> inhibitor_;  // the guard's thread only
   const std::chrono::milliseconds linger_;
   std::thread thread_;
 
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  // Guarded by mutex_.
-  bool wanted_ = false;
-  bool transferring_ = false;
-  bool stopping_ = false;
+  CMutex mutex_;
+  CConditionVariable changed_;
+  bool wanted_ GUARDED_BY(mutex_) = false;
+  bool transferring_ GUARDED_BY(mutex_) = false;
+  bool stopping_ GUARDED_BY(mutex_) = false;
 };
 
 }  // namespace zt_transfers

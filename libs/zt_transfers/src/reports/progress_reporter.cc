@@ -22,7 +22,7 @@ CProgressReporter::CProgressReporter(std::string direction, Parts parts)
 
 void CProgressReporter::note(const GroupSnapshot& shot) {
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     if (shot.cancelled) {
       standings_.erase(shot.id);
       changed_[shot.id] = false;
@@ -40,7 +40,7 @@ void CProgressReporter::note(const GroupSnapshot& shot) {
 }
 
 void CProgressReporter::setProxy(const std::string& proxy) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   proxy_ = proxy;
 }
 
@@ -83,7 +83,7 @@ std::optional<TimePoint> CProgressReporter::dueOf(const Group& group, Duration i
 void CProgressReporter::takeNotes() {
   std::map<std::int32_t, bool> changed;
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     changed.swap(changed_);
   }
   for (const auto& [id, isThere] : changed) {
@@ -120,7 +120,7 @@ void CProgressReporter::send(std::int32_t groupId, Group& group, TimePoint now) 
   request.userAgent = config->userAgent();
   request.headers.emplace_back("X-Zantrio-Token", report->token);
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     request.proxy = proxy_;
   }
   if (request.url.empty()) {
@@ -160,7 +160,7 @@ void CProgressReporter::failed(const std::string& why) {
 void CProgressReporter::stop() {
   groups_.clear();
   underWay_ = 0;
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   standings_.clear();  // after the next start all is told anew
   changed_.clear();
 }

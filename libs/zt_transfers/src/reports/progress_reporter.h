@@ -4,11 +4,11 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 
 #include "base/log.h"
+#include "base/mutex.h"
 #include "engine/transfer_engine.h"
 #include "http/http_loop.h"
 #include "reports/report_interval.h"
@@ -75,11 +75,10 @@ class CProgressReporter {
   const std::string direction_;
   const Parts parts_;
 
-  std::mutex mutex_;
-  // Guarded by mutex_.
-  std::map<std::int32_t, Standing> standings_;
-  std::map<std::int32_t, bool> changed_;  // groups; false: gone
-  std::string proxy_;
+  CMutex mutex_;
+  std::map<std::int32_t, Standing> standings_ GUARDED_BY(mutex_);
+  std::map<std::int32_t, bool> changed_ GUARDED_BY(mutex_);  // groups; false: gone
+  std::string proxy_ GUARDED_BY(mutex_);
 
   // The loop's thread only.
   std::map<std::int32_t, Group> groups_;  // with something to tell

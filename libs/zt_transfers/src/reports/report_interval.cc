@@ -3,7 +3,7 @@
 namespace zt_transfers {
 
 void CReportInterval::set(std::chrono::seconds interval) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   if (interval_ == interval) {
     return;
   }
@@ -14,17 +14,17 @@ void CReportInterval::set(std::chrono::seconds interval) {
 }
 
 std::chrono::seconds CReportInterval::interval() const {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   return interval_;
 }
 
 void CReportInterval::join(CHttpLoop& loop) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   loops_.insert(&loop);
 }
 
 void CReportInterval::leave(CHttpLoop& loop) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   loops_.erase(&loop);
 }
 

@@ -2,9 +2,9 @@
 
 #include <chrono>
 #include <cstdint>
-#include <mutex>
 #include <set>
 
+#include "base/mutex.h"
 #include "http/http_loop.h"
 
 namespace zt_transfers {
@@ -30,10 +30,9 @@ class CReportInterval {
  private:
   CReportInterval() = default;
 
-  mutable std::mutex mutex_;
-  // Guarded by mutex_.
-  std::chrono::seconds interval_{0};
-  std::set<CHttpLoop*> loops_;
+  mutable CMutex mutex_;
+  std::chrono::seconds interval_ GUARDED_BY(mutex_){0};
+  std::set<CHttpLoop*> loops_ GUARDED_BY(mutex_);
 };
 
 }  // namespace zt_transfers

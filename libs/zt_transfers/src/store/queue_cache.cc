@@ -9,12 +9,12 @@ namespace zt_transfers {
 using Kind = QueueChange::Kind;
 
 void CQueueCache::record(Listener listener) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   listener_ = std::move(listener);
 }
 
 void CQueueCache::stopRecording() {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   listener_.reset();
   changes_.clear();
   changedGroups_.clear();
@@ -40,7 +40,7 @@ void CQueueCache::note(Kind kind, FileRef file, const StoredState& state) {
 }
 
 void CQueueCache::saveGroup(const StoredGroup& group) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   const std::int32_t id = group.identity.id;
   std::unique_ptr<CFileTable>& files = tables_[id];
   if (!files) {
@@ -54,7 +54,7 @@ void CQueueCache::saveGroup(const StoredGroup& group) {
 
 void CQueueCache::removeGroup(std::int32_t groupId) {
   std::unique_ptr<CFileTable> removed;  // which takes its time, so not under the lock
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   const auto found = tables_.find(groupId);
   if (found != tables_.end()) {
     removed = std::move(found->second);
@@ -67,7 +67,7 @@ void CQueueCache::removeGroup(std::int32_t groupId) {
 
 void CQueueCache::append(std::int32_t groupId, const FileSpec& spec, const StoredState& state) {
   CPackedSpec packed(spec);
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   CFileTable& files = *tables_.at(groupId);
   files.append(spec.fileId, std::move(packed));
   note(Kind::kFile, {groupId, files.size() - 1}, state);
@@ -75,13 +75,13 @@ void CQueueCache::append(std::int32_t groupId, const FileSpec& spec, const Store
 
 void CQueueCache::replace(FileRef file, const FileSpec& spec) {
   CPackedSpec packed(spec);
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   tables_.at(file.groupId)->replace(file.index, std::move(packed));
   note(Kind::kSpec, file);
 }
 
 void CQueueCache::setState(FileRef file, const StoredState& state) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   CFileTable& files = *tables_.at(file.groupId);
   if (state.phase == FilePhase::kCompleted) {
     files.forget(file.index);
@@ -95,14 +95,14 @@ void CQueueCache::setState(FileRef file, const StoredState& state) {
 }
 
 void CQueueCache::remove(FileRef file) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   tables_.at(file.groupId)->remove(file.index);
   resumes_.erase({file.groupId, file.index});
   note(Kind::kFileRemoved, file);
 }
 
 void CQueueCache::saveResume(FileRef file, const TransferResume& resume) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   noteResume(file, resume.begun() ? packed(resume) : std::string());
 }
 
@@ -116,7 +116,7 @@ void CQueueCache::noteResume(FileRef file, std::string packed) {
 }
 
 void CQueueCache::saveFailure(FileRef file, const Failure& failure) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   if (listener_) {
     changedFailures_[{file.groupId, file.index}] = failure;
     note(Kind::kFailure, file);
@@ -132,7 +132,7 @@ void CQueueCache::removeOrphan(OrphanId id) {
 }
 
 void CQueueCache::noteOrphan(OrphanId id, std::string packed) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   if (listener_) {
     changedOrphans_[id] = std::move(packed);
     note(Kind::kOrphan, {0, id});
@@ -140,19 +140,19 @@ void CQueueCache::noteOrphan(OrphanId id, std::string packed) {
 }
 
 std::string CQueueCache::fileId(FileRef file) const {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   return std::string(tables_.at(file.groupId)->fileId(file.index));
 }
 
 std::optional<std::uint32_t> CQueueCache::find(std::int32_t groupId,
                                                const std::string& fileId) const {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   const CFileTable* files = table(groupId);
   return files == nullptr ? std::nullopt : files->find(fileId);
 }
 
 std::optional<FileSpec> CQueueCache::spec(FileRef file) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   CFileTable& files = *tables_.at(file.groupId);
   auto spec = files.spec(file.index).unpacked();
   if (spec) {
@@ -165,12 +165,12 @@ std::optional<FileSpec> CQueueCache::spec(FileRef file) {
 }
 
 std::optional<std::string> CQueueCache::place(FileRef file) const {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   return tables_.at(file.groupId)->spec(file.index).place();
 }
 
 bool CQueueCache::load(FileRef file) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   if (!listener_) {
     return false;
   }
@@ -196,20 +196,20 @@ void CQueueCache::request(const Range& range) {
 }
 
 void CQueueCache::clear() {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   tables_.clear();
   resumes_.clear();
 }
 
 void CQueueCache::restoreGroup(std::int32_t groupId) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   auto files = std::make_unique<CFileTable>(held_);
   files->setAhead(0);
   tables_[groupId] = std::move(files);
 }
 
 void CQueueCache::restoreFile(FileRef file, std::string_view fileId) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   CFileTable& files = *tables_.at(file.groupId);
   while (files.size() < file.index) {
     files.restoreGap();
@@ -218,22 +218,22 @@ void CQueueCache::restoreFile(FileRef file, std::string_view fileId) {
 }
 
 void CQueueCache::restoreResume(FileRef file) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   resumes_.insert({file.groupId, file.index});
 }
 
 std::size_t CQueueCache::changesWaiting() const {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   return changes_.size();
 }
 
 std::uint64_t CQueueCache::changesNoted() const {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   return noted_;
 }
 
 std::uint64_t CQueueCache::changesTaken() const {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   return noted_ - changes_.size();
 }
 
@@ -241,7 +241,7 @@ QueueBatch CQueueCache::collect(std::size_t most) {
   QueueBatch batch;
   batch.writes.reserve(most);
   for (std::size_t done = 0; done < most; done += kAtOnce) {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     collectSome(batch, std::min(most - done, kAtOnce));
   }
   return batch;
@@ -309,7 +309,7 @@ bool CQueueCache::fillIn(QueueWrite& write, QueueBatch& batch) {
 void CQueueCache::written(const QueueBatch& batch) {
   std::vector<CPackedSpec> released;  // given free without the lock
   for (std::size_t done = 0; done < batch.writes.size(); done += kAtOnce) {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     const std::size_t end = std::min(done + kAtOnce, batch.writes.size());
     for (std::size_t at = done; at < end; ++at) {
       const FileRef file = batch.writes[at].change.file;
@@ -325,7 +325,7 @@ void CQueueCache::written(const QueueBatch& batch) {
 }
 
 void CQueueCache::putBack(const QueueBatch& batch) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   for (auto write = batch.writes.rbegin(); write != batch.writes.rend(); ++write) {
     const FileRef file = write->change.file;
     // Unless it has changed again.
@@ -350,7 +350,7 @@ void CQueueCache::putBack(const QueueBatch& batch) {
 }
 
 std::optional<CQueueCache::Range> CQueueCache::takeRequest() {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   if (requests_.empty()) {
     return std::nullopt;
   }
@@ -360,7 +360,7 @@ std::optional<CQueueCache::Range> CQueueCache::takeRequest() {
 }
 
 void CQueueCache::arrive(FileRef file, std::string_view spec) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   CFileTable* files = table(file.groupId);
   if (files != nullptr && file.index < files->size()) {
     files->arrive(file.index, spec);
@@ -368,7 +368,7 @@ void CQueueCache::arrive(FileRef file, std::string_view spec) {
 }
 
 void CQueueCache::endArrival(const Range& range) {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   if (CFileTable* files = table(range.groupId)) {
     files->endArrival(range.from, range.to);
   }

@@ -6,7 +6,6 @@
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <set>
 #include <string>
@@ -14,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/mutex.h"
 #include "engine/queue_store.h"
 #include "store/file_table.h"
 #include "store/queue_batch.h"
@@ -94,27 +94,29 @@ class CQueueCache : public IQueueStore {
   // How much the writer does before it gives the lock free for others.
   static constexpr std::size_t kAtOnce = 256;
 
-  CFileTable* table(std::int32_t groupId) const;
-  void noteResume(FileRef file, std::string packed);
+  CFileTable* table(std::int32_t groupId) const REQUIRES(mutex_);
+  void noteResume(FileRef file, std::string packed) REQUIRES(mutex_);
   void noteOrphan(OrphanId id, std::string packed);
-  void note(QueueChange::Kind kind, FileRef file, const StoredState& state = {});
-  void request(const Range& range);
-  void collectSome(QueueBatch& batch, std::size_t most);
-  bool fillIn(QueueWrite& write, QueueBatch& batch);
+  void note(QueueChange::Kind kind, FileRef file, const StoredState& state = {}) REQUIRES(mutex_);
+  void request(const Range& range) REQUIRES(mutex_);
+  void collectSome(QueueBatch& batch, std::size_t most) REQUIRES(mutex_);
+  bool fillIn(QueueWrite& write, QueueBatch& batch) REQUIRES(mutex_);
 
-  mutable std::mutex mutex_;
-  // Guarded by mutex_.
-  std::optional<Listener> listener_;
-  std::size_t held_ = 0;
-  std::unordered_map<std::int32_t, std::unique_ptr<CFileTable>> tables_;
-  std::unordered_map<std::int32_t, StoredGroup> changedGroups_;  // not written yet
-  std::map<Key, std::string> changedResumes_;       // not written yet; empty: none any more
-  std::map<Key, Failure> changedFailures_;          // not written yet
-  std::map<OrphanId, std::string> changedOrphans_;  // not written yet; empty: gone
-  std::set<Key> resumes_;                           // files that have one
-  std::deque<QueueChange> changes_;
-  std::uint64_t noted_ = 0;
-  std::deque<Range> requests_;
+  mutable CMutex mutex_;
+  std::optional<Listener> listener_ GUARDED_BY(mutex_);
+  std::size_t held_ GUARDED_BY(mutex_) = 0;
+  std::unordered_map<std::int32_t, std::unique_ptr<CFileTable>> tables_ GUARDED_BY(mutex_);
+  std::unordered_map<std::int32_t, StoredGroup> changedGroups_
+      GUARDED_BY(mutex_);  // not written yet
+  std::map<Key, std::string> changedResumes_
+      GUARDED_BY(mutex_);  // not written yet; empty: none any more
+  std::map<Key, Failure> changedFailures_ GUARDED_BY(mutex_);  // not written yet
+  std::map<OrphanId, std::string> changedOrphans_
+      GUARDED_BY(mutex_);                     // not written yet; empty: gone
+  std::set<Key> resumes_ GUARDED_BY(mutex_);  // files that have one
+  std::deque<QueueChange> changes_ GUARDED_BY(mutex_);
+  std::uint64_t noted_ GUARDED_BY(mutex_) = 0;
+  std::deque<Range> requests_ GUARDED_BY(mutex_);
 };
 
 }  // namespace zt_transfers

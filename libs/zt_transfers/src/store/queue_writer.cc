@@ -21,16 +21,16 @@ CQueueWriter::CQueueWriter(std::string name, const Parts& parts,
     : name_(std::move(name)), parts_(parts), pace_(pace), database_(std::move(database)) {
   parts_.store.record({.changed =
                            [this] {
-                             const std::lock_guard lock(mutex_);
+                             const CMutexLock lock(mutex_);
                              if (!std::exchange(changed_, true)) {
-                               woken_.notify_one();
+                               woken_.notifyOne();
                              }
                            },
                        .requested =
                            [this] {
-                             const std::lock_guard lock(mutex_);
+                             const CMutexLock lock(mutex_);
                              requested_ = true;
-                             woken_.notify_one();
+                             woken_.notifyOne();
                            }});
   thread_ = std::thread([this] {
     nameThisThread(name_);
@@ -41,10 +41,10 @@ CQueueWriter::CQueueWriter(std::string name, const Parts& parts,
 CQueueWriter::~CQueueWriter() {
   flush();
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     stopping_ = true;
   }
-  woken_.notify_one();
+  woken_.notifyOne();
   thread_.join();
   parts_.store.stopRecording();
   database_.reset();
@@ -55,31 +55,33 @@ CQueueWriter::~CQueueWriter() {
 
 bool CQueueWriter::flush() {
   const std::uint64_t wanted = parts_.store.changesNoted();
-  std::unique_lock lock(mutex_);
+  CMutexLock lock(mutex_);
   // A try that is under way may have begun before there was room again: its failure says nothing.
   const std::uint64_t next = tries_ + 1;
   ordered_ = true;
-  woken_.notify_one();
-  finished_.wait(lock, [&] { return durable_ >= wanted || failedTry_ >= next; });
+  woken_.notifyOne();
+  finished_.wait(mutex_,
+                 [&]() REQUIRES(mutex_) { return durable_ >= wanted || failedTry_ >= next; });
   return durable_ >= wanted;
 }
 
 void CQueueWriter::flush(std::chrono::milliseconds limit) {
   const std::uint64_t wanted = parts_.store.changesNoted();
-  std::unique_lock lock(mutex_);
+  CMutexLock lock(mutex_);
   if (failing_ || durable_ >= wanted) {
     return;
   }
   ordered_ = true;
-  woken_.notify_one();
-  finished_.wait_for(lock, limit, [&] { return failing_ || durable_ >= wanted; });
+  woken_.notifyOne();
+  finished_.waitFor(mutex_, limit,
+                    [&]() REQUIRES(mutex_) { return failing_ || durable_ >= wanted; });
 }
 
 void CQueueWriter::run() {
   for (;;) {
     wait();
     {
-      const std::lock_guard lock(mutex_);
+      const CMutexLock lock(mutex_);
       if (stopping_) {
         return;
       }
@@ -93,12 +95,12 @@ void CQueueWriter::run() {
 
 // Until there is something to do.
 void CQueueWriter::wait() {
-  std::unique_lock lock(mutex_);
-  const auto urgent = [this] { return stopping_ || ordered_ || requested_; };
+  CMutexLock lock(mutex_);
+  const auto urgent = [this]() REQUIRES(mutex_) { return stopping_ || ordered_ || requested_; };
   if (due_) {
-    woken_.wait_until(lock, *due_, urgent);
+    woken_.waitUntil(mutex_, *due_, urgent);
   } else if (!sweeping_) {
-    woken_.wait(lock, [&] { return urgent() || changed_; });
+    woken_.wait(mutex_, [&]() REQUIRES(mutex_) { return urgent() || changed_; });
   }
   if (!due_ && changed_) {
     due_ = now() + pace_.gather;
@@ -147,7 +149,7 @@ void CQueueWriter::writeDue() {
 
 // Whether it is time to write.
 bool CQueueWriter::takeOrder() {
-  const std::lock_guard lock(mutex_);
+  const CMutexLock lock(mutex_);
   if (!std::exchange(ordered_, false) && (!due_ || *due_ > now())) {
     return false;
   }
@@ -159,7 +161,7 @@ bool CQueueWriter::takeOrder() {
 void CQueueWriter::tellFinished(bool done) {
   const std::uint64_t durable = parts_.store.changesTaken();
   {
-    const std::lock_guard lock(mutex_);
+    const CMutexLock lock(mutex_);
     failing_ = !done;
     if (done) {
       durable_ = durable;
@@ -167,7 +169,7 @@ void CQueueWriter::tellFinished(bool done) {
       failedTry_ = tries_;
     }
   }
-  finished_.notify_all();
+  finished_.notifyAll();
 }
 
 bool CQueueWriter::writeBatch() {

@@ -1,17 +1,16 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
 
 #include "base/clock.h"
 #include "base/log.h"
+#include "base/mutex.h"
 #include "store/database_file.h"
 #include "store/queue_cache.h"
 
@@ -77,18 +76,17 @@ class CQueueWriter {
   bool sweeping_ = true;
   std::string damage_;  // why the database is to be set aside
 
-  std::mutex mutex_;
-  std::condition_variable woken_;
-  std::condition_variable finished_;
-  // Guarded by mutex_.
-  bool changed_ = false;
-  bool requested_ = false;
-  bool stopping_ = false;
-  bool ordered_ = false;         // somebody waits for it
-  std::uint64_t tries_ = 0;      // to write that were begun, ever
-  std::uint64_t failedTry_ = 0;  // the latest that failed
-  bool failing_ = false;
-  std::uint64_t durable_ = 0;  // changes
+  CMutex mutex_;
+  CConditionVariable woken_;
+  CConditionVariable finished_;
+  bool changed_ GUARDED_BY(mutex_) = false;
+  bool requested_ GUARDED_BY(mutex_) = false;
+  bool stopping_ GUARDED_BY(mutex_) = false;
+  bool ordered_ GUARDED_BY(mutex_) = false;         // somebody waits for it
+  std::uint64_t tries_ GUARDED_BY(mutex_) = 0;      // to write that were begun, ever
+  std::uint64_t failedTry_ GUARDED_BY(mutex_) = 0;  // the latest that failed
+  bool failing_ GUARDED_BY(mutex_) = false;
+  std::uint64_t durable_ GUARDED_BY(mutex_) = 0;  // changes
 
   std::thread thread_;
 };

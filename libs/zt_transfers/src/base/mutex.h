@@ -4,16 +4,17 @@
 #include <condition_variable>
 #include <mutex>
 
-// A mutex that clang checks at compile time (-Wthread-safety, run by script/lint): every member
-// that is GUARDED_BY a mutex is used with that mutex held, every function that REQUIRES one is
-// called so. The attributes are empty for other compilers.
+// A mutex whose use clang checks at compile time (-Wthread-safety, see script/lint). A member that
+// is GUARDED_BY a mutex is only used while that mutex is held. A function that REQUIRES a mutex is
+// only called while it is held. The attributes are empty for other compilers.
 //
-// Lock order: a thread that holds several mutexes of the library has locked them in this order, and
-// skips any that it does not need.
-//   1. CManagerCore, while it opens or closes its store
+// Lock order: a thread that holds several mutexes has locked them in this order.
+//   1. CManagerCore, while it opens or closes the queue
 //   2. CTransferEngine
-//   3. the mutexes of single objects, whose code calls no other object while they are held:
-//      CEventQueue, CQueueCache, CQueueWriter, CHttpLoop, CWorkerPool, ...
+//   3. CQueueCache, which the engine calls
+//   4. CQueueWriter, which the cache wakes
+// The list of all logs is locked before a log. While any other mutex is held, nothing is called
+// that locks another one.
 #if defined(__clang__)
 #define ZT_THREAD_ANNOTATION(annotation) __attribute__((annotation))
 #else
@@ -23,9 +24,7 @@
 #define CAPABILITY(name) ZT_THREAD_ANNOTATION(capability(name))
 #define SCOPED_CAPABILITY ZT_THREAD_ANNOTATION(scoped_lockable)
 #define GUARDED_BY(mutex) ZT_THREAD_ANNOTATION(guarded_by(mutex))
-#define PT_GUARDED_BY(mutex) ZT_THREAD_ANNOTATION(pt_guarded_by(mutex))
 #define REQUIRES(...) ZT_THREAD_ANNOTATION(requires_capability(__VA_ARGS__))
-#define EXCLUDES(...) ZT_THREAD_ANNOTATION(locks_excluded(__VA_ARGS__))
 #define ACQUIRE(...) ZT_THREAD_ANNOTATION(acquire_capability(__VA_ARGS__))
 #define RELEASE(...) ZT_THREAD_ANNOTATION(release_capability(__VA_ARGS__))
 #define ASSERT_CAPABILITY(mutex) ZT_THREAD_ANNOTATION(assert_capability(mutex))

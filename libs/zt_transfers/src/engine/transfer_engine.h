@@ -22,8 +22,9 @@ namespace zt_transfers {
 // stopped when, and what is told to the program. It does no input or output itself: the network
 // thread asks it for work and tells it results.
 //
-// Thread: any; one mutex guards all of it and is never held while anything foreign is called,
-// except for the queue store and the event queue, which call nobody.
+// Thread: any; one mutex guards all state. It is held while the queue store and the event queue are
+// called; the store wakes its writer from there (lock order: base/mutex.h). The wake and flush
+// callbacks and the log are called without it.
 class CTransferEngine final : public IAttemptObserver {
  public:
   struct Options {

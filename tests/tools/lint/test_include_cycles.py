@@ -1,25 +1,12 @@
 """Planted source trees: the check finds each cycle and names the lines, and nothing else."""
 
-import os
-import tempfile
 import unittest
 
 from lint.include_cycles import Root, check
+from planted_tree import PlantedTree
 
 
-class IncludeCycles(unittest.TestCase):
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.repository = folder.name
-
-    def plant(self, files):
-        for path, text in files.items():
-            path = os.path.join(self.repository, path)
-            os.makedirs(os.path.dirname(path), exist_ok=True)
-            with open(path, 'w', encoding='utf-8') as file:
-                file.write(text)
-
+class IncludeCycles(PlantedTree):
     def findings(self, **root):
         return check(self.repository, [Root('src', **root)])
 

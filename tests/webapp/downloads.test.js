@@ -110,8 +110,8 @@ test('recalls a download of an earlier session with its chosen files', async () 
   assert.deepEqual([transfer.get('subject'), transfer.get('place')], ['For you', 'Downloads › Zantrio › Fotos März April']);
   assert.deepEqual([transfer.files.count, transfer.files.at(0).name], [1, 'c.txt']);
   assert.equal(transfer.get('filesKnown'), false);
-  assert.equal(transfer.addressIsOld('2', 1_999_000), false);
-  assert.equal(transfer.addressIsOld('2', 2_000_000), true, 'the URLs of the earlier session have expired');
+  assert.equal(transfer.hasExpiredUrl('2', 1_999_000), false);
+  assert.equal(transfer.hasExpiredUrl('2', 2_000_000), true, 'the URLs of the earlier session have expired');
   later.groupChanged(groupEvent('1', { type: 'COMPLETED', bytesTotal: 7, bytesTransferred: 7 }));
   assert.equal(transfer.files.countIn('COMPLETED'), 1);
 });

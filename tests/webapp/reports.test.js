@@ -79,13 +79,13 @@ test('requests new URLs of refused files once, and of expired ones more often', 
 test('shows the reason for a wait until bytes move again', async () => {
   const { service, downloads, transfer } = make();
   downloads.groupChanged(groupEvent('1', { type: 'TRANSFERRING', bytesTransferred: 1 }));
-  downloads.lookForStandstill();
+  downloads.checkForStandstill();
   service.reports = { download: { state: 'TRANSFERRING', waitingFor: { code: 'disk_full', reason: 'full' }, failures: [] } };
-  downloads.lookForStandstill();
+  downloads.checkForStandstill();
   await settled();
   assert.equal(transfer.get('waitingFor').code, 'disk_full');
   downloads.groupChanged(groupEvent('1', { type: 'TRANSFERRING', bytesTransferred: 2 }));
-  downloads.lookForStandstill();
+  downloads.checkForStandstill();
   assert.equal(transfer.get('waitingFor'), null);
 });
 

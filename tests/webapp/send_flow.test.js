@@ -39,7 +39,7 @@ test('creates the group, fills it in batches with their upload details, and mark
     id: '651', fileURL: 'file:///home/ann/d/650.txt', uploadDetails: { url: 'u651' },
   });
   assert.equal(transfer.get('phase'), 'running');
-  assert.equal(transfer.get('handedOver'), 1200);
+  assert.equal(transfer.get('queuedCount'), 1200);
 });
 
 test('includes files that are not queued yet in the progress', async () => {

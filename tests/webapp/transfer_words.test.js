@@ -1,7 +1,7 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
 import {
-  failureWords, fileWords, groupWords, paceWords, progressWords,
+  failureWords, fileWords, groupWords, rateWords, progressWords,
 } from '../../webapp/js/transfer_words.js';
 
 test('has a label for every state and phase', () => {
@@ -28,7 +28,7 @@ test('has own texts for downloads, which the page pauses while it fills them', (
   assert.equal(progressWords({ done: 0, count: 3, bytesDone: 5, bytesTotal: 10, known: false }), '5 bytes of 10 bytes');
   assert.match(failureWords({ direction: 'download', names: ['a'], total: 1, phase: 'running' }),
     /could not be downloaded: “a”\. Check that there is room/);
-  assert.match(failureWords({ direction: 'download', names: ['a'], total: 1, outOfTime: true }), /time .* is over/);
+  assert.match(failureWords({ direction: 'download', names: ['a'], total: 1, timeLimitOver: true }), /time .* is over/);
 });
 
 test('shows the percentage of a file being sent, and the state of any other', () => {
@@ -41,9 +41,9 @@ test('shows files and bytes, and the rate only during a transfer', () => {
   assert.equal(progressWords({ done: 12, count: 5000, bytesDone: 45e6, bytesTotal: 1.2e9 }),
     '12 of 5,000 files, 45.0 MB of 1.2 GB');
   assert.equal(progressWords({ done: 1, count: 1, bytesDone: 5, bytesTotal: 5, finished: true }), '1 file, 5 bytes');
-  assert.equal(paceWords({ state: 'TRANSFERRING', rate: 1e6, secondsLeft: 30 }), '1.0 MB/s, 30 s left');
-  assert.equal(paceWords({ state: 'TRANSFERRING', rate: 1e6, secondsLeft: 0 }), '1.0 MB/s');
-  assert.equal(paceWords({ state: 'PAUSED', rate: 1e6, secondsLeft: 30 }), '');
+  assert.equal(rateWords({ state: 'TRANSFERRING', rate: 1e6, secondsLeft: 30 }), '1.0 MB/s, 30 s left');
+  assert.equal(rateWords({ state: 'TRANSFERRING', rate: 1e6, secondsLeft: 0 }), '1.0 MB/s');
+  assert.equal(rateWords({ state: 'PAUSED', rate: 1e6, secondsLeft: 30 }), '');
 });
 
 test('names failed files and a remedy', () => {

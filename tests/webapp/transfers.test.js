@@ -97,17 +97,17 @@ test('checks the service if nothing moves between two checks', async () => {
   const { transfers, service } = make();
   let asked = 0;
   service.status = async () => { asked += 1; };
-  transfers.lookForStandstill();
-  transfers.lookForStandstill();
+  transfers.checkForStandstill();
+  transfers.checkForStandstill();
   running(transfers);
   const sending = (bytesTransferred) => transfers.groupChanged(
     groupEvent('1', { type: 'TRANSFERRING', bytesTransferred, bytesTotal: 10, marked: true }));
   for (const bytes of [1, 2, 3]) {
     sending(bytes);
-    transfers.lookForStandstill();
+    transfers.checkForStandstill();
   }
   assert.equal(asked, 0);
-  transfers.lookForStandstill();
+  transfers.checkForStandstill();
   assert.equal(asked, 1);
 });
 

@@ -45,7 +45,7 @@ class SendPage:
         self._page.click(selector)
         self._page.command("Input.insertText", text=text)
 
-    def settle(self):
+    def wait_until_drawn(self):
         """Waits until the latest changes are drawn."""
         self._page.evaluate(
             "new Promise(done => requestAnimationFrame(() => requestAnimationFrame(done)))")

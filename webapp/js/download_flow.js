@@ -81,7 +81,7 @@ export class DownloadFlow {
   async #queue(transfer, files) {
     transfer.takeAddresses(files);
     await this.#manager.queueFiles(transfer.id, files);
-    transfer.set('handedOver', transfer.get('handedOver') + files.length);
+    transfer.set('queuedCount', transfer.get('queuedCount') + files.length);
     this.#transfers.batcher.mark(transfer);
   }
 }

@@ -39,8 +39,8 @@ Backbone.history.start();
 
 const STANDSTILL_CHECK_MS = 4000;
 setInterval(() => {
-  transfers.lookForStandstill();
-  downloads.lookForStandstill();
+  transfers.checkForStandstill();
+  downloads.checkForStandstill();
 }, STANDSTILL_CHECK_MS);
 
 async function start() {

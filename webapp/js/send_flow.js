@@ -72,7 +72,7 @@ export class SendFlow {
     await this.#uploads.queueFiles(transfer.id, announced.map((file, index) => ({
       id: file.id, fileURL: batch[index].fileURL, uploadDetails: file.uploadDetails,
     })));
-    transfer.set('handedOver', transfer.get('handedOver') + batch.length);
+    transfer.set('queuedCount', transfer.get('queuedCount') + batch.length);
     this.#transfers.batcher.mark(transfer);
   }
 }

@@ -33,7 +33,7 @@ export class TransferReports {
     if (!bucketId) return;
     try {
       const reports = await this.#service.progressOf(bucketId, transfer.id);
-      if (reports[direction]) transfer.takeReport(reports[direction]);
+      if (reports[direction]) transfer.applyReport(reports[direction]);
     } catch {
       // The service has no reports, or is unreachable.
     }

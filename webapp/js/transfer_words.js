@@ -9,14 +9,14 @@ const WORDS = {
     moving: 'Sending', done: 'Sent', over: { label: 'Finishing', tone: 'active' }, verb: 'sent',
     stopped: 'Sending stopped.',
     interrupted: 'This page was reloaded before all files were added. Send the added files, or cancel and send again.',
-    goesOn: 'Sending continues as soon as the service can be reached.',
+    continues: 'Sending continues as soon as the service can be reached.',
     advice: (one) => `Check that ${one ? 'it is' : 'they are'} still there and can be read. Otherwise the service refused ${one ? 'it' : 'them'}.`,
   },
   download: {
     moving: 'Downloading', done: 'Saved', over: { label: 'Downloaded', tone: 'done' }, verb: 'downloaded',
     stopped: 'The download stopped.',
     interrupted: 'Not all files were added. Add the others, or cancel and download again.',
-    goesOn: 'The download continues as soon as the service can be reached.',
+    continues: 'The download continues as soon as the service can be reached.',
     advice: () => 'Check that there is room in the folder and that you may write to it. Otherwise the service has wrong content.',
   },
 };
@@ -65,21 +65,21 @@ export function progressWords({ done, count, bytesDone, bytesTotal, finished, kn
 }
 
 /** "12.3 MB/s, 3 min left"; empty if nothing is transferring. */
-export function paceWords({ state, rate, secondsLeft }) {
+export function rateWords({ state, rate, secondsLeft }) {
   if (state !== 'TRANSFERRING') return '';
   return [formatRate(rate), formatTimeLeft(secondsLeft)].filter(Boolean).join(', ');
 }
 
 /** The failure and a remedy; empty if nothing failed. */
-export function failureWords({ direction, names, total, phase, reachable = true, outOfTime = false, reason = '' }) {
+export function failureWords({ direction, names, total, phase, reachable = true, timeLimitOver = false, reason = '' }) {
   const words = wordsOf(direction);
   if (phase === 'interrupted') return words.interrupted;
   const failed = `${formatCount(total, 'file')} could not be ${words.verb}`;
   if (!reachable) {
-    return total === 0 ? words.goesOn
+    return total === 0 ? words.continues
       : `${failed}; ${total === 1 ? 'it is' : 'they are'} tried again as soon as the service can be reached.`;
   }
-  if (outOfTime) return `${total === 0 ? words.stopped : `${failed}.`} The service's time limit for it is over; start again.`;
+  if (timeLimitOver) return `${total === 0 ? words.stopped : `${failed}.`} The service's time limit for it is over; start again.`;
   if (total === 0) return `${words.stopped} Check the connection to the service, then try again.`;
   const listed = names.map((name) => `“${name}”`).join(', ');
   const more = total > names.length ? ` and ${formatNumber(total - names.length)} more` : '';

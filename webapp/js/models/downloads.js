@@ -3,7 +3,7 @@ import { rememberedDownload, rememberFilled } from '../download_memory.js';
 import { splitPath } from '../paths.js';
 import { TransferGroups } from './transfer_groups.js';
 
-export const ADDRESS_BATCH = 2000;
+export const URL_BATCH = 2000;
 const RENEWALS = 3;
 // For these failure codes a new URL may help.
 const RENEWALS_BY_REASON = { url_expired: RENEWALS, refused: 1 };
@@ -11,13 +11,13 @@ const RENEWAL_PAUSE_MS = 300;
 
 /** All downloads. */
 export const Downloads = TransferGroups.extend({
-  hidingPlace: 'zantrio.clearedDownloads',
-  hidingKey: ({ id, bucketId }) => `${id}:${bucketId}`,
+  clearedStorageKey: 'zantrio.clearedDownloads',
+  clearedIdOf: ({ id, bucketId }) => `${id}:${bucketId}`,
 
   restored: (group) => ({ direction: 'download', phase: 'running', ...rememberedDownload(group)?.attributes }),
 
   /** Asks the service for the message of an earlier session's download. */
-  async recall(transfer) {
+  async loadMessage(transfer) {
     const bucketId = transfer.get('bucketId');
     try {
       const [message, files] = await this.connection.persistently(() => Promise.all([
@@ -62,7 +62,7 @@ export const Downloads = TransferGroups.extend({
 
   /** URLs expire: a file with an expired URL gets a new one. */
   renewSoon(transfer, fileId) {
-    if (!transfer.addressIsOld(fileId) || (transfer.renewals.get(fileId) ?? 0) >= RENEWALS) return;
+    if (!transfer.hasExpiredUrl(fileId) || (transfer.renewals.get(fileId) ?? 0) >= RENEWALS) return;
     this.addRenewal(transfer, fileId);
   },
 
@@ -87,7 +87,7 @@ export const Downloads = TransferGroups.extend({
 
   /** Queues files again, with new URLs. */
   async queueAnew(transfer, ids) {
-    for (const batch of inBatches(ids, ADDRESS_BATCH)) {
+    for (const batch of inBatches(ids, URL_BATCH)) {
       const { files } = await this.connection.persistently(
         () => this.service.requestDownloads(transfer.get('bucketId'), batch));
       transfer.takeAddresses(files);

@@ -7,7 +7,7 @@ const MOST_REASONS = 100;
  * One group of the transfer library: a message being sent (direction "upload") or received ("download").
  *
  * `phase` is the page's own state of it:
- *   filling      files are being queued, `handedOver` of `fileCount` so far
+ *   filling      files are being queued, `queuedCount` of `fileCount` so far
  *   interrupted  the page was reloaded while it was being filled; some files are missing
  *   running      the library has all files
  *   undelivered  the library is done, but the service does not accept the message
@@ -21,7 +21,7 @@ const MOST_REASONS = 100;
 export const Transfer = Backbone.Model.extend({
   defaults: {
     direction: 'upload', bucketId: '', sender: '', place: '', filesKnown: true, subject: '', recipients: [], phase: 'running', state: 'UNKNWON', marked: false,
-    bytesTransferred: 0, bytesTotal: 0, rate: 0, secondsLeft: 0, handedOver: 0, fileCount: 0,
+    bytesTransferred: 0, bytesTotal: 0, rate: 0, secondsLeft: 0, queuedCount: 0, fileCount: 0,
     tokenExpires: 0, addressesExpire: 0,
     plannedBytes: 0, problem: '', created: 0, waitingFor: null,
   },
@@ -54,7 +54,7 @@ export const Transfer = Backbone.Model.extend({
   },
 
   /** Applies the library's report to the service. */
-  takeReport({ state, waitingFor, failures }) {
+  applyReport({ state, waitingFor, failures }) {
     const rests = state === 'TRANSFERRING' && this.get('state') === 'TRANSFERRING';
     this.set('waitingFor', rests ? waitingFor : null);
     for (const { fileId, code, reason } of failures ?? []) {
@@ -77,7 +77,7 @@ export const Transfer = Backbone.Model.extend({
   },
 
   /** Whether a file's URL has expired; of an earlier session only the earliest expiry is known. */
-  addressIsOld(fileId, now = Date.now()) {
+  hasExpiredUrl(fileId, now = Date.now()) {
     const expires = this.expiries.get(fileId) ?? this.get('addressesExpire');
     return expires > 0 && expires * 1000 <= now;
   },

@@ -49,7 +49,7 @@ export const TransferGroups = Backbone.Collection.extend({
     if (!transfer) {
       if (this.isHidden(group)) return;
       transfer = this.add({ ...this.restored(group), id: group.id, bucketId: group.bucketId });
-      this.recall(transfer);
+      this.loadMessage(transfer);
     }
     const before = transfer.get('state');
     transfer.takeGroup(group);
@@ -100,7 +100,7 @@ export const TransferGroups = Backbone.Collection.extend({
   },
 
   /** Called every few seconds: if nothing moves any more, the service may be unreachable. */
-  lookForStandstill() {
+  checkForStandstill() {
     const moving = this.filter((transfer) => transfer.get('state') === 'TRANSFERRING');
     const still = moving.filter((transfer) => !this.hasMoved(transfer));
     if (still.length === moving.length && still.length > 0) this.checkService();
@@ -144,21 +144,21 @@ export const TransferGroups = Backbone.Collection.extend({
   /** Removes finished transfers from the list, also for later sessions. */
   clearFinished() {
     const finished = this.filter((transfer) => transfer.isFinished());
-    const keys = finished.map((transfer) => this.hidingKey(transfer.attributes));
+    const keys = finished.map((transfer) => this.clearedIdOf(transfer.attributes));
     const hidden = new Set([...this.hidden(), ...keys]);
-    localStorage.setItem(this.hidingPlace, JSON.stringify([...hidden].slice(-1000)));
+    localStorage.setItem(this.clearedStorageKey, JSON.stringify([...hidden].slice(-1000)));
     this.remove(finished);
   },
 
   hidden() {
     try {
-      return JSON.parse(localStorage.getItem(this.hidingPlace)) ?? [];
+      return JSON.parse(localStorage.getItem(this.clearedStorageKey)) ?? [];
     } catch {
       return [];
     }
   },
 
   isHidden(group) {
-    return this.hidden().includes(this.hidingKey(group));
+    return this.hidden().includes(this.clearedIdOf(group));
   },
 });

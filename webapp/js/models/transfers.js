@@ -3,15 +3,15 @@ import { TransferGroups } from './transfer_groups.js';
 
 /** All uploads. */
 export const Transfers = TransferGroups.extend({
-  hidingPlace: 'zantrio.cleared',
-  hidingKey: ({ bucketId }) => bucketId,
+  clearedStorageKey: 'zantrio.cleared',
+  clearedIdOf: ({ bucketId }) => bucketId,
 
   restored: (group) => ({
     direction: 'upload', phase: group.marked || group.cancelled ? 'running' : 'interrupted',
   }),
 
   /** Asks the service for the message of an earlier session's transfer. */
-  async recall(transfer) {
+  async loadMessage(transfer) {
     if (!transfer.get('bucketId')) return;
     try {
       const bucketId = transfer.get('bucketId');

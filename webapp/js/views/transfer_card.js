@@ -4,7 +4,7 @@ import { formatNumber } from '../format.js';
 import { icon } from '../icons.js';
 import { commonReason, waitingWords } from '../reason_words.js';
 import { senderName } from '../sender_name.js';
-import { failureWords, groupWords, paceWords, progressWords } from '../transfer_words.js';
+import { failureWords, groupWords, rateWords, progressWords } from '../transfer_words.js';
 import { ConfirmDialog } from './dialog.js';
 import { TransferFilesView } from './transfer_files_view.js';
 
@@ -138,7 +138,7 @@ export const TransferCard = Backbone.View.extend({
     this.progress.className = `bar bar-${words.tone}`;
     this.progress.setAttribute('aria-valuenow', String(Math.floor(fraction * 100)));
     setText(this.detail, this.detailText(total, finished));
-    setText(this.pace, phase === 'cancelled' || waitingFor ? '' : paceWords({ state, rate, secondsLeft: model.timeLeft() }));
+    setText(this.pace, phase === 'cancelled' || waitingFor ? '' : rateWords({ state, rate, secondsLeft: model.timeLeft() }));
   },
 
   whose() {
@@ -160,7 +160,7 @@ export const TransferCard = Backbone.View.extend({
       known: model.get('filesKnown'),
     });
     if (model.get('phase') !== 'filling') return words;
-    return `${words}. Adding files: ${formatNumber(model.get('handedOver'))} of ${formatNumber(model.get('fileCount'))}`;
+    return `${words}. Adding files: ${formatNumber(model.get('queuedCount'))} of ${formatNumber(model.get('fileCount'))}`;
   },
 
   updateProblem() {
@@ -181,7 +181,7 @@ export const TransferCard = Backbone.View.extend({
       direction, names, total: model.files.countIn('ERRORED'), phase,
       reachable: this.connection.get('reachable'),
       reason: model.knowsAllReasons() ? commonReason([...model.reasons.values()], direction) : '',
-      outOfTime: tokenExpires > 0 && tokenExpires * 1000 <= Date.now(),
+      timeLimitOver: tokenExpires > 0 && tokenExpires * 1000 <= Date.now(),
     }) : '';
     setText(this.problemText, [problem, words].filter(Boolean).join(' '));
   },

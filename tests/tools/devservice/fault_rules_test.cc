@@ -40,6 +40,10 @@ TEST(FaultRules, ApplyOldestFirstBetweenSkipAndCount) {
   using enum Fault::Type;
   EXPECT_EQ(faults, (std::vector{kNone, kReset, kReset, kNone, kStall}));
   EXPECT_EQ(rules.list()[0]["used"].asInt(), 2);
+  rules.clear();
+  rules.add(parsed(R"({"type":"etag","query":"partNumber=2&*"})"));
+  EXPECT_EQ(rules.match("PUT", "/a", "partNumber=1&uploadId=2").type, kNone);
+  EXPECT_EQ(rules.match("PUT", "/a", "partNumber=2&uploadId=2").type, kEtag);
 }
 
 TEST(FaultRules, RefuseInvalidRules) {

@@ -28,6 +28,8 @@ TEST_F(FaultsTest, RespondsWithTheStatusRetryAfterAndTagOfTheRule) {
   const Response failed = put("x");
   EXPECT_EQ(failed.status, 429);
   EXPECT_EQ(failed.header.get("Retry-After"), "7");
+  addRule(R"({"method":"PUT","count":1,"type":"status","status":200,"body":"<Error/>"})");
+  EXPECT_EQ(put("x").body, "<Error/>");
   EXPECT_EQ(put("x").status, 200);
   addRule(R"({"method":"PUT","count":1,"type":"etag"})");
   EXPECT_EQ(put("hello").header.get("ETag"), "\"00000000000000000000000000000000\"");

@@ -165,17 +165,4 @@ TEST_F(MultipartAreaTest, EnforcesAMinimumPartSizeAndCanBeSwitchedOff) {
   EXPECT_EQ(call("POST", announce("", "b") + "?uploads").status, 501);
 }
 
-TEST_F(MultipartAreaTest, AppliesFaults) {
-  const std::string body = "<Error><Code>InternalError</Code><Message>Try again</Message></Error>";
-  request("POST", "/faults",
-          R"({"type":"status","method":"POST","status":200,"count":1,"body":")" + body + "\"}");
-  put(1, "x");
-  EXPECT_EQ(complete({{1, md5Of("x")}}).body, body);
-  request("POST", "/faults", R"({"type":"status","query":"partNumber=2&*"})");
-  EXPECT_EQ(put(2, "x").status, 503);
-  request("POST", "/faults", R"({"type":"etag","method":"PUT","count":1})");
-  EXPECT_EQ(put(1, "x").header.get("ETag"), "\"00000000000000000000000000000000\"");
-  EXPECT_EQ(complete({{1, md5Of("x")}}).status, 200);
-}
-
 }  // namespace zantrio::devservice

@@ -58,7 +58,7 @@ fs::path fileBelow(const fs::path& folder, const std::string& relative, const CE
   }
   std::error_code error;
   const fs::path root = fs::canonical(folder, error);
-  const fs::path path = fs::canonical(root / relative, error);
+  fs::path path = fs::canonical(root / relative, error);
   if (error || !liesBelow(path, root) || !fs::is_regular_file(path)) {
     notFound(exchange);
   }

@@ -4,8 +4,8 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 #include <filesystem>
+#include <system_error>
 
 #include "app/log/logger.h"
 #include "osr/input/drag_contents.h"
@@ -90,7 +90,8 @@ std::optional<std::string> writePromisedFile(CefDragData& data, const std::strin
     unlink(path.c_str());
   }
   zantrio::logError("The dragged file ", path.string(),
-                    " cannot be written: ", std::strerror(error), "; it is left out.");
+                    " cannot be written: ", std::generic_category().message(error),
+                    "; it is left out.");
   return std::nullopt;
 }
 

@@ -30,7 +30,7 @@ constexpr qsizetype kMostCharacters = 10'000;
 const QString kApplication = QStringLiteral("zantrio");
 
 QString cut(const std::string& text) {
-  const QString shown = toShownText(text);
+  QString shown = toShownText(text);
   if (shown.size() <= kMostCharacters) {
     return shown;
   }

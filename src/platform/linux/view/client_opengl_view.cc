@@ -29,7 +29,7 @@ std::shared_ptr<ClientOpenGLView> ClientOpenGLView::open(const OffScreenViewOpti
   if (!canvas) {
     return nullptr;
   }
-  const std::shared_ptr<ClientOpenGLView> view(new ClientOpenGLView(options, std::move(canvas)));
+  std::shared_ptr<ClientOpenGLView> view(new ClientOpenGLView(options, std::move(canvas)));
   view->self_ = view;
   view->show();
   view->setFocus();

@@ -71,6 +71,8 @@ TEST_F(ReceivedAreaTest, SignsUrlsForOneFileForAWhileAndNotForWriting) {
   EXPECT_EQ(request("DELETE", url).status, 409) << "a complete message does not change";
   waitUntilPast(downloads["files"][0]["downloadDetails"]["expires"].asInt64());
   EXPECT_EQ(request("GET", url).code(), "url_expired");
+  options_.urlLifetime = 3600;
+  restart();
   EXPECT_EQ(request("GET", target(download(bucket_, "1"))).body, "second");
 }
 

@@ -13,8 +13,8 @@ constexpr std::size_t kMaxKept = 32 * CChunkPool::kLargest;
 }  // namespace
 
 Chunk CChunkPool::take(std::uint64_t wanted) {
-  const auto least = std::clamp<std::uint64_t>(wanted, kSmallest, kLargest);
-  const auto capacity = static_cast<std::size_t>(std::bit_ceil(least));
+  const auto size = std::clamp<std::uint64_t>(wanted, kSmallest, kLargest);
+  const auto capacity = static_cast<std::size_t>(std::bit_ceil(size));
   {
     const CMutexLock lock(mutex_);
     std::vector<Chunk>& spare = spare_[capacity];

@@ -20,15 +20,14 @@ struct Chunk {
   std::uint64_t end() const { return offset + size; }
 };
 
-// Keeps chunks that were used for those that come next, of whatever file: memory that is new to
-// the process costs more than filling it.
+// Reuses chunks, across files: memory that is new to the process costs more than filling it.
 //
 // Thread: any.
 class CChunkPool {
  public:
   static constexpr std::size_t kLargest = std::size_t{256} * 1024;  // bytes of a chunk
 
-  // An empty one for about `wanted` bytes.
+  // An empty chunk for about `wanted` bytes.
   Chunk take(std::uint64_t wanted);
   void giveBack(Chunk chunk);
 

@@ -13,7 +13,7 @@ namespace {
 
 // Per step of the queue, so that an end does not have to wait long.
 constexpr std::uint64_t kMaxReadBack = 16ULL * 1024 * 1024;
-constexpr std::uint64_t kReadBack = 256ULL * 1024;  // bytes at once; they stay in the core's cache
+constexpr std::uint64_t kReadBack = 256ULL * 1024;  // bytes at once; they fit into the core's cache
 
 }  // namespace
 
@@ -47,56 +47,56 @@ bool CHashQueue::add(std::vector<Chunk>& chunks, std::uint64_t end) {
     return false;
   }
   for (Chunk& chunk : chunks) {
-    if (chunk.offset == lined_ && !readsBack()) {
-      lined_ = chunk.end();
-      waiting_.push_back({std::move(chunk), lined_});
+    if (chunk.offset == queued_ && !readsBack()) {
+      queued_ = chunk.end();
+      waiting_.push_back({std::move(chunk), queued_});
     }
   }
   std::erase_if(chunks, [](const Chunk& chunk) { return chunk.data == nullptr; });
-  if (end > lined_) {
-    lined_ = end;
+  if (end > queued_) {
+    queued_ = end;
     if (readsBack()) {
       waiting_.back().end = end;
     } else {
       waiting_.push_back({{}, end});
     }
   }
-  return !waiting_.empty() && !std::exchange(atWork_, true);
+  return !waiting_.empty() && !std::exchange(running_, true);
 }
 
-// All that is in memory, or a part of what is to be read back.
-CHashQueue::Pieces CHashQueue::take() {
+// Returns everything that is in memory, or one range that is to be read back.
+CHashQueue::Entries CHashQueue::take() {
   const CMutexLock lock(mutex_);
-  Pieces pieces;
+  Entries entries;
   while (!waiting_.empty() && waiting_.front().inMemory()) {
-    pieces.push_back(std::move(waiting_.front()));
+    entries.push_back(std::move(waiting_.front()));
     waiting_.pop_front();
   }
-  if (pieces.empty() && !waiting_.empty()) {
+  if (entries.empty() && !waiting_.empty()) {
     const std::uint64_t end = waiting_.front().end;
-    pieces.push_back({{}, std::min(end, taken_ + kMaxReadBack)});
-    if (pieces.back().end == end) {
+    entries.push_back({{}, std::min(end, taken_ + kMaxReadBack)});
+    if (entries.back().end == end) {
       waiting_.pop_front();
     }
   }
-  if (!pieces.empty()) {
-    taken_ = pieces.back().end;
+  if (!entries.empty()) {
+    taken_ = entries.back().end;
   }
-  return pieces;
+  return entries;
 }
 
 bool CHashQueue::done() {
   const CMutexLock lock(mutex_);
-  atWork_ = !waiting_.empty();
-  return atWork_;
+  running_ = !waiting_.empty();
+  return running_;
 }
 
 bool CHashQueue::idle() const {
   const CMutexLock lock(mutex_);
-  return !atWork_ && waiting_.empty();
+  return !running_ && waiting_.empty();
 }
 
-std::list<CHashQueue::Piece> CHashQueue::clear() {
+std::list<CHashQueue::Entry> CHashQueue::clear() {
   const CMutexLock lock(mutex_);
   return std::exchange(waiting_, {});
 }
@@ -110,7 +110,7 @@ void CHashQueue::close() {
 void CHashQueue::restart() {
   const CMutexLock lock(mutex_);
   waiting_.clear();
-  lined_ = 0;
+  queued_ = 0;
   taken_ = 0;
 }
 

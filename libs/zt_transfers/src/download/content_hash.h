@@ -12,17 +12,17 @@
 
 namespace zt_transfers {
 
-// The MD5 digest of a file that is being written: computed in the order of its bytes, whatever the
-// order in which they come. What is not given as it comes is read back from the file.
+// The MD5 digest of a file that is being written, computed in file order. Bytes that are not added
+// from memory are read back from the file.
 //
 // Thread: one at a time.
 class CContentHash {
  public:
-  // So many bytes from the beginning are in it.
+  // Bytes from the beginning of the file that the digest covers.
   std::uint64_t position() const { return position_; }
   // The bytes at `position`.
   void add(const char* data, std::size_t size);
-  // Those up to `end`, from the open file. Throws std::system_error.
+  // The bytes up to `end`, read from the open file. Throws std::system_error.
   void readBack(int file, std::uint64_t end);
   // In lower-case hexadecimal. Ends the computation.
   std::string finish() { return md5_.finish(); }
@@ -32,36 +32,36 @@ class CContentHash {
   std::uint64_t position_ = 0;
 };
 
-// What of a file is written and waits to be hashed, in the file's order. What is written in that
-// order waits in memory; all else is read back, and nothing waits in memory behind that, or the
-// memory would be held up.
+// Queue of written ranges waiting to be hashed, in file order. Bytes that were written in that
+// order wait in memory. All others are read back, and none waits in memory behind those, because
+// that would hold up the memory.
 //
 // Thread: any.
 class CHashQueue {
  public:
-  // Bytes up to `end` that follow those before; without a chunk they are read back.
-  struct Piece {
+  // The bytes up to `end` that follow the previous entry; without a chunk they are read back.
+  struct Entry {
     Chunk chunk;
     std::uint64_t end = 0;
 
     bool inMemory() const { return chunk.data != nullptr; }
   };
-  using Pieces = std::vector<Piece>;
+  using Entries = std::vector<Entry>;
 
-  // The chunks were written, and up to `end` there is no gap in the file. Takes what it keeps out
-  // of `chunks`. True when there is something to hash and nobody at it.
+  // The chunks were written, and the file has no gap up to `end`. Takes those that it keeps out of
+  // `chunks`. True when a hash task must be started.
   bool add(std::vector<Chunk>& chunks, std::uint64_t end);
-  // What is to be hashed now. `done` after each, once it is hashed: true when more has come, else
-  // nobody is at it any more.
-  Pieces take();
+  // The entries to hash now. Call `done` once they are hashed: true when more are waiting, else the
+  // hash task ends.
+  Entries take();
   bool done();
 
-  // Nobody is at it, and nobody needs to be.
+  // No hash task is running or needed.
   bool idle() const;
-  // Gives up what waits; what is at work goes on. `close`: nothing is added any more.
-  std::list<Piece> clear();
+  // Drops waiting entries; a running task goes on. `close`: no entry is added any more.
+  std::list<Entry> clear();
   void close();
-  // For another version, from the first byte; it must be idle.
+  // Starts with the first byte of another version. The queue must be idle.
   void restart();
 
  private:
@@ -70,10 +70,10 @@ class CHashQueue {
   }
 
   mutable CMutex mutex_;
-  std::list<Piece> waiting_ GUARDED_BY(mutex_);
-  std::uint64_t lined_ GUARDED_BY(mutex_) = 0;  // up to here it is hashed or waits
-  std::uint64_t taken_ GUARDED_BY(mutex_) = 0;  // up to here it is hashed, or somebody is at it
-  bool atWork_ GUARDED_BY(mutex_) = false;
+  std::list<Entry> waiting_ GUARDED_BY(mutex_);
+  std::uint64_t queued_ GUARDED_BY(mutex_) = 0;  // up to here bytes are hashed or waiting
+  std::uint64_t taken_ GUARDED_BY(mutex_) = 0;   // up to here bytes are hashed or being hashed
+  bool running_ GUARDED_BY(mutex_) = false;      // a hash task
   bool closed_ GUARDED_BY(mutex_) = false;
 };
 

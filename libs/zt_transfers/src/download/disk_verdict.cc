@@ -69,4 +69,3 @@ std::optional<AttemptOutcome> checkContent(CPartialFile& file, AttemptProgress& 
 }
 
 }  // namespace zt_transfers
-

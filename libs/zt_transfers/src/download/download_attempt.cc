@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <stdexcept>
 #include <utility>
 
 #include "base/ascii.h"
@@ -14,12 +15,13 @@ namespace {
 
 constexpr std::uint64_t kMebibyte = 1024 * 1024;
 
-// One request that brings so much a second is not held up by its line, and more would only cost.
-constexpr double kQuick = 200e6;
-constexpr std::chrono::milliseconds kLongEnoughToJudge{250};
+// In bytes a second. A faster request is not limited by its connection, and further ones would not
+// pay.
+constexpr double kFastRequest = 200e6;
+constexpr std::chrono::milliseconds kMinMeasurement{250};
 
-// So much more than the attempt before makes up for the retry that it cost.
-constexpr std::uint64_t kWorthARetry = kMebibyte;
+// Progress that refunds the retry.
+constexpr std::uint64_t kRetryRefund = kMebibyte;
 
 std::string text(std::uint64_t number) {
   return std::to_string(number);
@@ -46,13 +48,26 @@ CDownloadAttempt::CDownloadAttempt(const CPartialWriter::Dependencies& dependenc
       order_(std::move(order)),
       listener_(listener),
       planner_({.size = order_.spec.size,
-                .piecesFrom = order_.parts.from,
-                .pieceSize = order_.parts.size}) {}
+                .splitFrom = order_.parts.from,
+                .rangeSize = order_.parts.size}) {}
 
 CDownloadAttempt::~CDownloadAttempt() {
-  fetches_.clear();
+  if (state_ != State::kEnded) {
+    enter(State::kEnded);
+  }
   if (writer_) {
     writer_->close();
+  }
+}
+
+void CDownloadAttempt::enter(State next) {
+  if (!mayFollow(state_, next)) {
+    throw std::logic_error("a download's state " + text(static_cast<unsigned>(state_)) +
+                           " cannot become " + text(static_cast<unsigned>(next)));
+  }
+  state_ = next;
+  if (next == State::kFlushing || next == State::kEnded) {
+    endAll();
   }
 }
 
@@ -72,8 +87,10 @@ void CDownloadAttempt::begin() {
     return;
   }
   if (order_.resume.begun()) {
+    enter(State::kReopening);
     writer_->reopen(order_.resume.download());
   } else {
+    enter(State::kFetching);
     fetchNext();
   }
 }
@@ -86,8 +103,8 @@ void CDownloadAttempt::discard() {
 
 void CDownloadAttempt::narrow() {
   if (fetches_.size() > 1) {
-    planner_.giveBack(fetches_.back()->rest());
-    fetches_.pop_back();
+    planner_.giveBack(fetches_.back()->remaining());
+    end(*fetches_.back());
   }
 }
 
@@ -98,7 +115,7 @@ void CDownloadAttempt::onReopened(CPartialFile::Found found, const DownloadResum
   }
   ByteSpans there = resume.written;
   if (!isExact(resume.validator)) {
-    // Only what one answer has brought is known to be of one version.
+    // Only the bytes of one response are known to belong to one version.
     there.resize(!there.empty() && there.front().begin == 0 ? 1 : 0);
   }
   if (found == CPartialFile::Found::kPartial && !there.empty()) {
@@ -109,16 +126,17 @@ void CDownloadAttempt::onReopened(CPartialFile::Found found, const DownloadResum
     planner_.takeUp(resume, there);
     order_.progress->bytes = lengthOf(there);
   }
+  enter(State::kFetching);
   fetchNext();
 }
 
-// Asks for the first bytes that nobody fetches. False when that has ended the attempt.
+// Requests the first range that no request covers yet. False when the attempt has ended instead.
 bool CDownloadAttempt::fetchNext() {
   try {
-    const std::uint64_t most = order_.spec.size != 0 ? order_.spec.size : CRangeFetch::kNoEnd;
+    const std::uint64_t maxSize = order_.spec.size != 0 ? order_.spec.size : CRangeFetch::kNoEnd;
     fetches_.push_back(std::make_unique<CRangeFetch>(
         CRangeFetch::Dependencies{loop_, log_, *writer_, *order_.progress, *this}, request(),
-        planner_.take(), most));
+        planner_.take(), maxSize));
     return true;
   } catch (const std::exception& error) {
     finish(AttemptOutcome::final(error.what(), failure::kBadRequest));
@@ -130,7 +148,7 @@ HttpRequest CDownloadAttempt::request() const {
   HttpRequest request;
   request.method = "GET";
   request.url = order_.spec.url;
-  // Bytes as they are stored, so that they can be counted.
+  // The bytes as they are stored, so that ranges and sizes match.
   request.headers.emplace_back("Accept-Encoding", "identity");
   request.responseSize = order_.spec.size;
   request.proxy = order_.proxy;
@@ -138,9 +156,9 @@ HttpRequest CDownloadAttempt::request() const {
   return request;
 }
 
-// Begins further requests as long as each of them is likely to pay.
+// Sends further requests as long as each of them is likely to pay.
 void CDownloadAttempt::widen() {
-  while (planner_.begun() && planner_.takesPieces() && !fetches_.empty() &&
+  while (planner_.begun() && planner_.splits() && !fetches_.empty() &&
          fetches_.size() < maxFetches_ && worthMore() && listener_.hasRoom()) {
     if ((planner_.none() && !splitLargest()) || !fetchNext()) {
       return;
@@ -154,32 +172,38 @@ bool CDownloadAttempt::worthMore() const {
   }
   const Duration time = loop_.clock().now() - *firstByte_;
   const std::uint64_t bytes = order_.progress->bytes - bytesBefore_;
-  return time >= kLongEnoughToJudge &&
-         static_cast<double>(bytes) < kQuick * std::chrono::duration<double>(time).count();
+  return time >= kMinMeasurement &&
+         static_cast<double>(bytes) < kFastRequest * std::chrono::duration<double>(time).count();
 }
 
-// Leaves a piece of the largest rest to its request, and all else to others.
+// Shortens the request with the largest remaining range to one range, and frees the others.
 bool CDownloadAttempt::splitLargest() {
-  const auto largest = std::max_element(fetches_.begin(), fetches_.end(),
-                                        [this](const auto& left, const auto& right) {
-                                          return restOf(*left).length() < restOf(*right).length();
-                                        });
-  const ByteSpan rest = restOf(**largest);
-  if (!planner_.size() || rest.length() < 2 * planner_.pieceSize()) {
+  const auto largest = std::max_element(
+      fetches_.begin(), fetches_.end(), [this](const auto& left, const auto& right) {
+        return remainingOf(*left).length() < remainingOf(*right).length();
+      });
+  const ByteSpan remaining = remainingOf(**largest);
+  if (!planner_.size() || remaining.length() < 2 * planner_.rangeSize()) {
     return false;
   }
-  const std::uint64_t stop = rest.begin + planner_.pieceSize();
+  const std::uint64_t stop = remaining.begin + planner_.rangeSize();
   (*largest)->stopAt(stop);
-  planner_.giveBack({stop, rest.end});
+  planner_.giveBack({stop, remaining.end});
   return true;
 }
 
-std::unique_ptr<CRangeFetch> CDownloadAttempt::takeOut(CRangeFetch& fetch) {
+void CDownloadAttempt::end(CRangeFetch& fetch) {
+  fetch.end();
   const auto found = std::find_if(fetches_.begin(), fetches_.end(),
                                   [&](const auto& one) { return one.get() == &fetch; });
-  std::unique_ptr<CRangeFetch> taken = std::move(*found);
+  loop_.retire(std::move(*found));
   fetches_.erase(found);
-  return taken;
+}
+
+void CDownloadAttempt::endAll() {
+  while (!fetches_.empty()) {
+    end(*fetches_.back());
+  }
 }
 
 bool CDownloadAttempt::onHead(CRangeFetch& fetch, const FetchPlan& plan) {
@@ -195,7 +219,7 @@ bool CDownloadAttempt::onHead(CRangeFetch& fetch, const FetchPlan& plan) {
   }
   planner_.noteServer(fetch.rangeRequest(), plan);
   if (!plan.partial && fetches_.size() > 1) {
-    return false;  // the others are of another version, or the last to be had
+    return false;  // the others belong to another version
   }
   if (!plan.partial || !planner_.begun()) {
     if (plan.partial && !plan.offersRanges) {
@@ -215,13 +239,13 @@ bool CDownloadAttempt::onHead(CRangeFetch& fetch, const FetchPlan& plan) {
   return true;
 }
 
-// Its first bytes come now.
+// The first bytes of a version follow.
 void CDownloadAttempt::beginVersion(const CRangeFetch& fetch, const FetchPlan& plan) {
   if (planner_.begun()) {
     log_.information("Starting over with " + loggableUrl(order_.spec.url) +
                      ": the server sends all of it, or another version");
   }
-  planner_.beginVersion(plan, fetch.rest());
+  planner_.beginVersion(plan, fetch.remaining());
   writer_->restart(planner_.validator(), planner_.size().value_or(DownloadResume::kUnknown));
   order_.progress->bytes = 0;
   firstByte_.reset();
@@ -250,7 +274,7 @@ void CDownloadAttempt::onFetched(CRangeFetch& fetch, const HttpResponse& respons
   }
 }
 
-// Asks for the whole, without a condition that the server could get wrong again.
+// Requests the whole file, without a condition that the server could evaluate wrongly again.
 void CDownloadAttempt::startOver(std::string reason) {
   if (startedOver_) {
     finish(AttemptOutcome::retry(std::move(reason), failure::kServerChanged));
@@ -258,13 +282,14 @@ void CDownloadAttempt::startOver(std::string reason) {
   }
   startedOver_ = true;
   log_.warning("Starting over with " + loggableUrl(order_.spec.url) + ": " + reason);
-  fetches_.clear();
+  endAll();
   planner_.forgetVersion();
   planner_.refuseRanges();
+  enter(State::kFetching);
   fetchNext();
 }
 
-// One of several leaves its part to the others, which may well be what the server wants.
+// When one of several requests fails, the others take over its range: the server may want fewer.
 void CDownloadAttempt::judgeFailed(CRangeFetch& fetch, const AttemptOutcome& outcome) {
   if (fetches_.size() == 1) {
     finish(outcome);
@@ -272,13 +297,13 @@ void CDownloadAttempt::judgeFailed(CRangeFetch& fetch, const AttemptOutcome& out
   }
   log_.information("One of " + text(fetches_.size()) + " requests for " +
                    loggableUrl(order_.spec.url) +
-                   " failed, the others fetch its part: " + outcome.reason);
-  planner_.giveBack(fetch.rest());
-  takeOut(fetch);
+                   " failed, the others fetch its range: " + outcome.reason);
+  planner_.giveBack(fetch.remaining());
+  end(fetch);
   maxFetches_ = fetches_.size();
 }
 
-// The server has nothing beyond what is there.
+// The server has no bytes beyond those that have arrived.
 void CDownloadAttempt::judgeComplete(CRangeFetch& fetch) {
   const std::uint64_t there = fetch.rangeRequest().begin;
   if (order_.spec.size != 0 && there != order_.spec.size) {
@@ -295,7 +320,7 @@ void CDownloadAttempt::judgeBody(CRangeFetch& fetch, const HttpResponse& respons
     startOver("the server sends all of it, or another version");
     return;
   }
-  const std::uint64_t arrived = fetch.rest().begin;
+  const std::uint64_t arrived = fetch.remaining().begin;
   if (fetch.tooLong()) {
     finish(AttemptOutcome::retry(
         "the server sent more than the " + text(arrived) + " bytes that it should",
@@ -306,7 +331,7 @@ void CDownloadAttempt::judgeBody(CRangeFetch& fetch, const HttpResponse& respons
     judgeFailed(fetch, judgeTransport(response));
     return;
   }
-  // A server may send less of a range than it was asked for, and need not say how much there is.
+  // A server may send less of a range than was requested, and need not announce the size.
   const bool mayBeMore =
       fetch.stopped() || (fetch.plan()->partial && arrived > fetch.rangeRequest().begin);
   const std::uint64_t expected = order_.spec.size;
@@ -314,28 +339,29 @@ void CDownloadAttempt::judgeBody(CRangeFetch& fetch, const HttpResponse& respons
       planner_.size() ? planner_.size() : (expected != 0 ? std::optional(expected) : std::nullopt);
   if (!mayBeMore && size && arrived < *size) {
     finish(AttemptOutcome::retry(
-        "the answer ended after " + text(arrived) + " of " + text(*size) + " bytes",
+        "the response ended after " + text(arrived) + " of " + text(*size) + " bytes",
         failure::kConnectionLost));
     return;
   }
-  goOnAfter(takeOut(fetch), mayBeMore);
+  continueAfter(fetch, mayBeMore);
 }
 
-void CDownloadAttempt::goOnAfter(std::unique_ptr<CRangeFetch> fetch, bool mayBeMore) {
+void CDownloadAttempt::continueAfter(CRangeFetch& fetch, bool mayBeMore) {
+  const ByteSpan remaining = fetch.remaining();
   if (!mayBeMore) {
-    fetch->add();
-    arrive(fetch->rest().begin);
+    fetch.add();
+    arrive(remaining.begin);
     return;
   }
-  planner_.giveBack(fetch->rest());
+  planner_.giveBack(remaining);
   maxFetches_ = std::min(maxFetches_ + 1, kMaxFetches);
-  if (planner_.none() && fetches_.empty()) {
-    fetch->add();
+  if (planner_.none() && fetches_.size() == 1) {
+    fetch.add();
     arrive(*planner_.size());
     return;
   }
-  fetch.reset();
-  // Under a limit one request does as much as several.
+  end(fetch);
+  // With a limited rate one request is as fast as several.
   const bool enough = loop_.throttle().limited() && !fetches_.empty();
   if (!planner_.none() && !enough && fetchNext()) {
     widen();
@@ -343,30 +369,34 @@ void CDownloadAttempt::goOnAfter(std::unique_ptr<CRangeFetch> fetch, bool mayBeM
 }
 
 void CDownloadAttempt::arrive(std::uint64_t size) {
-  fetches_.clear();
+  enter(State::kEnded);
   order_.progress->size = size;
   order_.progress->bytes = size;
   listener_.onArrived(order_.attemptId, size);
 }
 
-// Reports once what has come is written, so that the next attempt finds it.
+// Reports only once received bytes are written, so that the next attempt finds them.
 void CDownloadAttempt::finish(AttemptOutcome outcome) {
-  fetches_.clear();
+  enter(State::kFlushing);
   writer_->endInput();
   if (writer_->idle()) {
     report(std::move(outcome));
   } else {
-    ending_ = std::move(outcome);
+    outcome_ = std::move(outcome);
   }
 }
 
 void CDownloadAttempt::report(AttemptOutcome outcome) {
+  enter(State::kEnded);
   const DownloadResume& before = order_.resume.download();
   const DownloadResume now = order_.progress->resume().download();
   const bool sameVersion =
       before.begun() && !now.validator.empty() && now.validator == before.validator;
   outcome.progressed =
-      sameVersion && lengthOf(now.written) >= lengthOf(before.written) + kWorthARetry;
+      sameVersion && lengthOf(now.written) >= lengthOf(before.written) + kRetryRefund;
+  if (writer_) {
+    writer_->close();
+  }
   listener_.onEnded(order_.attemptId, outcome);
 }
 
@@ -378,14 +408,9 @@ void CDownloadAttempt::onWriterReady() {
 }
 
 void CDownloadAttempt::onWriterIdle() {
-  if (ending_) {
-    report(*ending_);
+  if (state_ == State::kFlushing) {
+    report(std::move(*outcome_));
   }
-}
-
-void CDownloadAttempt::onWriterFailed(const AttemptOutcome& outcome) {
-  fetches_.clear();
-  report(outcome);
 }
 
 }  // namespace zt_transfers

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,19 +16,48 @@
 
 namespace zt_transfers {
 
-// One attempt to download one file, up to the moment at which all of it has arrived:
+// The states of CDownloadAttempt, whose function `enter` is the one that changes them:
 //
-//   reopening ──► fetching ──► arrived
-//   (if there is  ▲      │
-//    a rest)      └──────┘ start over, another range
+//   kNew ──► kReopening ──► kFetching ──► kFlushing ──► kEnded
+//     │          │           ▲  │  │                      ▲
+//     │          │           └──┘  │   all bytes arrived  │
+//     │          │        restart  └──────────────────────┤
+//     └──────────┴── nothing to fetch, or it cannot be ───┘
 //
-// A large file from a server that does ranges is fetched in pieces, in their order, and by several
-// requests at a time where there is room for them and one alone is slow. Whatever one of them does
-// not bring is fetched by another.
+// kNew also goes straight to kFetching when an earlier attempt has left nothing. Every state can be
+// left for kEnded: the file cannot be written, or the attempt is stopped.
+enum class DownloadState : std::uint8_t {
+  kNew,
+  kReopening,  // the pool opens the partial file of an earlier attempt
+  kFetching,   // at least one request is under way, or is about to be sent
+  kFlushing,   // the attempt has failed, and received bytes are still being written
+  kEnded,      // no request is under way, and no further report follows
+};
+
+constexpr bool mayFollow(DownloadState from, DownloadState to) {
+  switch (to) {
+    case DownloadState::kNew:
+      return false;
+    case DownloadState::kReopening:
+      return from == DownloadState::kNew;
+    case DownloadState::kFetching:
+      return from != DownloadState::kFlushing && from != DownloadState::kEnded;
+    case DownloadState::kFlushing:
+      return from == DownloadState::kFetching;
+    case DownloadState::kEnded:
+      return from != DownloadState::kEnded;
+  }
+  return false;
+}
+
+// One attempt to download one file, until all of its bytes have arrived.
 //
-// Destruction ends it without an answer; what has come stays in the partial file.
+// A large file from a server that supports ranges is fetched range by range, in file order. Several
+// requests run in parallel if the connection limit allows it and one alone is slow. A range that
+// one of them does not complete is fetched by another.
 //
-// Thread: the loop's. The listener's calls may destroy the attempt.
+// Thread: the loop's. Destruction ends the attempt without a report; received bytes stay in the
+// partial file.
 class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFetch::IListener {
  public:
   static constexpr std::size_t kMaxFetches = 4;
@@ -35,10 +65,12 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   class IListener {
    public:
     virtual void onCheckpoint(AttemptId attemptId) = 0;
-    // All bytes were received: the writer has them and is nobody's from now on.
+    // Each of these is the last call; the listener then retires the attempt.
+    //
+    // All bytes were received. The listener takes over the writer and finishes it.
     virtual void onArrived(AttemptId attemptId, std::uint64_t size) = 0;
     virtual void onEnded(AttemptId attemptId, const AttemptOutcome& outcome) = 0;
-    // Whether there is room for one more request, beside those of all attempts.
+    // Whether all attempts together may send one more request.
     virtual bool hasRoom() const = 0;
 
    protected:
@@ -56,7 +88,7 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
 
   // Requests under way, at least one.
   std::size_t width() const { return std::max<std::size_t>(fetches_.size(), 1); }
-  // Gives up one of several requests, for another file.
+  // Gives up one of several requests for the benefit of another file.
   void narrow();
 
   const std::shared_ptr<CPartialWriter>& writer() const { return writer_; }
@@ -64,8 +96,10 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   void discard();
 
  private:
+  using State = DownloadState;
   using Fetches = std::vector<std::unique_ptr<CRangeFetch>>;
 
+  void enter(State next);
   bool fetchNext();
   HttpRequest request() const;
   void beginVersion(const CRangeFetch& fetch, const FetchPlan& plan);
@@ -73,13 +107,16 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   bool worthMore() const;
   bool splitLargest();
 
-  ByteSpan restOf(const CRangeFetch& fetch) const { return planner_.within(fetch.rest()); }
-  std::unique_ptr<CRangeFetch> takeOut(CRangeFetch& fetch);
+  ByteSpan remainingOf(const CRangeFetch& fetch) const {
+    return planner_.within(fetch.remaining());
+  }
+  void end(CRangeFetch& fetch);
+  void endAll();
   void startOver(std::string reason);
   void judgeFailed(CRangeFetch& fetch, const AttemptOutcome& outcome);
   void judgeComplete(CRangeFetch& fetch);
   void judgeBody(CRangeFetch& fetch, const HttpResponse& response);
-  void goOnAfter(std::unique_ptr<CRangeFetch> fetch, bool mayBeMore);
+  void continueAfter(CRangeFetch& fetch, bool mayBeMore);
   void arrive(std::uint64_t size);
   void finish(AttemptOutcome outcome);
   void report(AttemptOutcome outcome);
@@ -89,7 +126,7 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   void onReopened(CPartialFile::Found found, const DownloadResume& resume) override;
   void onWriterReady() override;
   void onWriterIdle() override;
-  void onWriterFailed(const AttemptOutcome& outcome) override;
+  void onWriterFailed(const AttemptOutcome& outcome) override { report(outcome); }
   void onCheckpoint() override { listener_.onCheckpoint(order_.attemptId); }
 
   const CPartialWriter::Dependencies dependencies_;
@@ -98,6 +135,7 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   const StartOrder order_;
   IListener& listener_;
 
+  State state_ = State::kNew;
   std::shared_ptr<CPartialWriter> writer_;
   Fetches fetches_;
   std::size_t maxFetches_ = kMaxFetches;  // less after some have failed
@@ -106,9 +144,9 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   CRangePlanner planner_;
 
   std::optional<TimePoint> firstByte_;     // of this attempt
-  std::uint64_t bytesBefore_ = 0;          // that were there by then
-  std::optional<AttemptOutcome> refusal_;  // of an answer whose head is not what it should be
-  std::optional<AttemptOutcome> ending_;   // to be reported once everything is written
+  std::uint64_t bytesBefore_ = 0;          // present by then
+  std::optional<AttemptOutcome> refusal_;  // of a response whose head is not acceptable
+  std::optional<AttemptOutcome> outcome_;  // reported when kFlushing ends
 };
 
 }  // namespace zt_transfers

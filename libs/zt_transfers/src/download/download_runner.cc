@@ -29,7 +29,7 @@ std::size_t CDownloadRunner::requests() const {
   return count;
 }
 
-// A file that waits is worth more than one more request for a file that is under way.
+// A waiting file gets its request before a file under way gets a second one.
 void CDownloadRunner::makeRoom() {
   while (requests() > maxConcurrent_) {
     const auto widest = std::max_element(attempts_.begin(), attempts_.end(),
@@ -50,12 +50,11 @@ void CDownloadRunner::stop(const AttemptStop& stop) {
     if (stop.discard) {
       attempt->second->discard();
     }
-    release(std::move(attempt->second));
-    attempts_.erase(attempt);
+    release(stop.attemptId);
   } else if (finalization == finalizing_.end() && stop.discard) {
     observer_.onOrphaned(stop.orphan());
   } else if (stop.discard) {
-    // Nobody is told of its landing any more, so it is forgotten here; the pool closes it.
+    // No end is reported for a discarded file, so it is forgotten here. The pool closes it.
     finalization->second.file->discard();
     pool_.post([file = std::move(finalization->second.file)] {});
     finalizing_.erase(finalization);
@@ -68,8 +67,8 @@ void CDownloadRunner::stopAll() {
       stopped_.push_back({attempt->writer()->file(), attempt->progress()});
     }
   }
-  for (const auto& [attemptId, rest] : finalizing_) {
-    stopped_.push_back(rest);
+  for (const auto& [attemptId, written] : finalizing_) {
+    stopped_.push_back(written);
   }
   attempts_.clear();
   finalizing_.clear();
@@ -82,8 +81,7 @@ void CDownloadRunner::syncToDisk() {
       file->checkpoint();
       progress->setResume(file->resume());
     } catch (const std::exception& error) {
-      log_.warning("What was downloaded of a file may be fetched again: " +
-                   std::string(error.what()));
+      log_.warning("Downloaded bytes of a file may be fetched again: " + std::string(error.what()));
     }
   }
   stopped_.clear();
@@ -95,66 +93,66 @@ void CDownloadRunner::discard(const CleanupTask& order) {
     try {
       CPartialEntry::remove(ops, order.orphan.folder, order.orphan.resume.download());
     } catch (const CPartialFileInUse&) {
-      // By an attempt that ends and removes it, or by one that has taken it over.
+      // The attempt ends and removes the file, or has taken it over.
       outcome = AttemptOutcome::retry("", failure::kDiskTrouble);
     } catch (const std::exception& error) {
       outcome = judgeDiskError(error);
     }
     if (outcome.kind == AttemptOutcome::Kind::kFinal && outcome.code == failure::kTargetMissing) {
-      outcome = AttemptOutcome::done();  // the folder that it was in is gone
+      outcome = AttemptOutcome::done();  // the file's folder does not exist any more
     }
     observer.onCleanedUp(order.id, outcome);
   });
 }
 
 void CDownloadRunner::onArrived(AttemptId attemptId, std::uint64_t size) {
-  if (!observer_.onAttemptFinalizing(attemptId)) {
-    return;  // its stop is on the way
-  }
   const auto found = attempts_.find(attemptId);
   const std::shared_ptr<CPartialWriter> writer = found->second->writer();
   const std::shared_ptr<AttemptProgress> progress = found->second->progress();
-  finalizing_.emplace(attemptId, Rest{writer->file(), progress});
+  if (!observer_.onAttemptFinalizing(attemptId)) {
+    writer->close();
+    return;  // the attempt was stopped, and `stop` follows
+  }
+  finalizing_.emplace(attemptId, Written{writer->file(), progress});
   CFinalizer::Arrival arrival{attemptId, writer->file(), progress};
-  if (auto whole = writer->takeCompleteBody()) {
-    small_.add({.finalization = std::move(arrival),
-                .validator = std::move(whole->validator),
+  if (auto body = writer->takeCompleteBody()) {
+    small_.add({.arrival = std::move(arrival),
+                .validator = std::move(body->validator),
                 .size = size,
-                .content = std::move(whole->content)},
+                .content = std::move(body->content)},
                loop_.clock().now());
   } else {
     writer->finish([this, size, arrival](const std::shared_ptr<CPartialFile>& file,
-                                         const std::optional<AttemptOutcome>& trouble) {
-      const auto wrong = trouble ? trouble : checkContent(*file, *arrival.progress, size);
-      if (wrong) {
-        finalized({{arrival.attemptId, *wrong}});
+                                         const std::optional<AttemptOutcome>& writeFailure) {
+      const auto failure =
+          writeFailure ? writeFailure : checkContent(*file, *arrival.progress, size);
+      if (failure) {
+        finalized({{arrival.attemptId, *failure}});
       } else {
         finalizer_.finalize({arrival});
       }
     });
   }
+  loop_.retire(std::move(found->second));
   attempts_.erase(found);
 }
 
 void CDownloadRunner::onEnded(AttemptId attemptId, const AttemptOutcome& outcome) {
-  // The outcome may be the attempt's own.
-  const AttemptOutcome kept = outcome;
-  const auto attempt = attempts_.find(attemptId);
-  release(std::move(attempt->second));
-  attempts_.erase(attempt);
-  observer_.onAttemptDone(attemptId, kept);
+  release(attemptId);
+  observer_.onAttemptDone(attemptId, outcome);
 }
 
 // Lets the pool close, and possibly remove, the partial file.
-void CDownloadRunner::release(std::unique_ptr<CDownloadAttempt> attempt) {
-  const std::shared_ptr<CPartialWriter> writer = attempt->writer();
-  attempt.reset();
-  if (writer) {
+void CDownloadRunner::release(AttemptId attemptId) {
+  const auto attempt = attempts_.find(attemptId);
+  if (const auto& writer = attempt->second->writer()) {
     pool_.post([file = writer->file()] {});
   }
+  loop_.retire(std::move(attempt->second));
+  attempts_.erase(attempt);
 }
 
-// On the pool. The engine is told before the loop, which can be stopping.
+// On the pool. Reports to the engine before the loop, which may be stopping.
 void CDownloadRunner::finalized(const std::vector<AttemptEnd>& ends) {
   observer_.onAttemptsDone(ends);
   loop_.post([this, ends] {

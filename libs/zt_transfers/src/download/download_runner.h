@@ -42,8 +42,8 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
   void discard(const CleanupTask& order) override;
 
  private:
-  // What an attempt has written, and where that is noted.
-  struct Rest {
+  // An attempt's partial file and its resume data.
+  struct Written {
     std::shared_ptr<CPartialFile> file;
     std::shared_ptr<AttemptProgress> progress;
   };
@@ -54,7 +54,7 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
   bool hasRoom() const override { return requests() < maxConcurrent_; }
   std::size_t requests() const;
   void makeRoom();
-  void release(std::unique_ptr<CDownloadAttempt> attempt);
+  void release(AttemptId attemptId);
   void finalized(const std::vector<AttemptEnd>& ends);
 
   CHttpLoop& loop_;
@@ -67,9 +67,9 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
   CSmallFiles small_;
   std::size_t maxConcurrent_ = 1;  // requests of all attempts
   std::unordered_map<AttemptId, std::unique_ptr<CDownloadAttempt>> attempts_;
-  // Those that need the network no more.
-  std::unordered_map<AttemptId, Rest> finalizing_;
-  std::vector<Rest> stopped_;  // at the end, to be settled
+  // Attempts whose bytes have all arrived.
+  std::unordered_map<AttemptId, Written> finalizing_;
+  std::vector<Written> stopped_;  // synced when the client ends
 };
 
 }  // namespace zt_transfers

@@ -10,12 +10,12 @@
 namespace zt_transfers {
 namespace {
 
-// From here on one sync of the file system is quicker than one for each file.
+// For this many files, one sync of the file system is faster than one for each file.
 constexpr std::size_t kSyncTogetherFrom = 4;
 
-// As long as files keep arriving, so many are waited for, a moment at most: a sync costs the same
-// for all of them.
-constexpr std::size_t kWorthASync = 32;
+// While files keep arriving, a sync waits until there are this many, for a moment at most: it costs
+// the same for all of them.
+constexpr std::size_t kGatherFiles = 32;
 constexpr std::chrono::milliseconds kGatherLimit{4};
 
 }  // namespace
@@ -26,7 +26,7 @@ void CFinalizer::finalize(std::vector<Arrival> arrivals) {
     waiting_.emplace_back(std::move(arrival));
   }
   if (finalizing_) {
-    if (waiting_.size() >= kWorthASync) {
+    if (waiting_.size() >= kGatherFiles) {
       enough_.notifyOne();
     }
     return;
@@ -40,7 +40,7 @@ void CFinalizer::finalize(std::vector<Arrival> arrivals) {
     lock.lock();
     if (!waiting_.empty()) {
       enough_.waitFor(mutex_, kGatherLimit,
-                      [this]() REQUIRES(mutex_) { return waiting_.size() >= kWorthASync; });
+                      [this]() REQUIRES(mutex_) { return waiting_.size() >= kGatherFiles; });
     }
   }
   finalizing_ = false;
@@ -63,21 +63,21 @@ void CFinalizer::finalizeAll(Batch& batch) {
 void CFinalizer::notify(Batch& batch) {
   std::vector<AttemptEnd> ends;
   for (Finalization& finalization : batch) {
-    if (finalization.goesOn()) {
+    if (finalization.continues()) {
       finalization.file->close();
       ends.push_back({finalization.attemptId, std::move(*finalization.folderSynced)});
-    } else if (finalization.trouble) {
-      ends.push_back({finalization.attemptId, std::move(*finalization.trouble)});
+    } else if (finalization.failure) {
+      ends.push_back({finalization.attemptId, std::move(*finalization.failure)});
     }
   }
-  calls_.finalized(ends);
+  dependencies_.finalized(ends);
 }
 
-// Ends the file's landing if the step fails.
+// A failed step ends the file's finalization.
 template <typename Step>
 void CFinalizer::tryStep(Finalization& finalization, Step step) {
-  if (!finalization.trouble) {
-    finalization.trouble = failureOf(step);
+  if (!finalization.failure) {
+    finalization.failure = failureOf(step);
   }
 }
 
@@ -102,19 +102,19 @@ void CFinalizer::syncAll(Batch& batch) {
 void CFinalizer::noteSynced(Batch& batch) {
   std::vector<AttemptId> attempts;
   for (const Finalization& finalization : batch) {
-    if (finalization.goesOn()) {
+    if (finalization.continues()) {
       finalization.file->noteSynced();
       finalization.progress->setResume(finalization.file->resume());
       attempts.push_back(finalization.attemptId);
     }
   }
-  calls_.synced(attempts);
+  dependencies_.synced(attempts);
 }
 
-// Once for each folder, as a second sync may not tell any more that the first one has failed.
+// Once for each folder, because a second sync may not report again that the first one has failed.
 void CFinalizer::syncFolders(Batch& batch) {
   for (auto finalization = batch.begin(); finalization != batch.end(); ++finalization) {
-    if (!finalization->goesOn()) {
+    if (!finalization->continues()) {
       continue;
     }
     const auto same = std::find_if(batch.begin(), finalization, [&](const Finalization& other) {

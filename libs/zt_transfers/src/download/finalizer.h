@@ -12,14 +12,15 @@
 
 namespace zt_transfers {
 
-// Puts files that have arrived in place: durable first, then noted as about to be renamed, then
-// renamed, then the name durable. What arrives while it is at it waits and is done together, with
-// one sync for all where there are many; waiting for the disk is most of the work of a small file.
+// Gives files that have arrived their final names: syncs the content, records that the rename
+// follows, renames, and syncs the folder. Files that arrive meanwhile wait and are finalized
+// together, many of them with one sync, because waiting for the disk is most of the work of a small
+// file.
 //
-// A folder whose sync fails is tried again by the file's next attempt, which finds the file by its
-// final name and does not rename it a second time.
+// After a failed folder sync the file's next attempt syncs again: it finds the file by its final
+// name and does not rename it a second time.
 //
-// Thread: any of the pool's. The one that finds nobody at it does the work.
+// Thread: any of the pool's. The first one does the work for those that come while it is busy.
 class CFinalizer {
  public:
   struct Arrival {
@@ -31,11 +32,11 @@ class CFinalizer {
   struct Dependencies {
     // See IAttemptObserver::keepDurably.
     std::function<void(const std::vector<AttemptId>& attempts)> synced;
-    // Not for a file that was discarded.
+    // Not called for a discarded file.
     std::function<void(const std::vector<AttemptEnd>& ends)> finalized;
   };
 
-  explicit CFinalizer(Dependencies calls) : calls_(std::move(calls)) {}
+  explicit CFinalizer(Dependencies dependencies) : dependencies_(std::move(dependencies)) {}
 
   void finalize(std::vector<Arrival> arrivals);
 
@@ -43,12 +44,11 @@ class CFinalizer {
   struct Finalization : Arrival {
     explicit Finalization(Arrival arrival) : Arrival(std::move(arrival)) {}
 
-    bool syncedAll = false;  // its sync was one of the whole file system
-    // Why it goes no further, or how the sync of its folder went.
-    std::optional<AttemptOutcome> trouble{};
-    std::optional<AttemptOutcome> folderSynced{};
+    bool syncedAll = false;  // by a sync of the whole file system
+    std::optional<AttemptOutcome> failure{};
+    std::optional<AttemptOutcome> folderSynced{};  // the result of that sync
 
-    bool goesOn() const { return !trouble && !file->discarded(); }
+    bool continues() const { return !failure && !file->discarded(); }
   };
   using Batch = std::vector<Finalization>;
 
@@ -60,7 +60,7 @@ class CFinalizer {
   static void syncFolders(Batch& batch);
   void notify(Batch& batch);
 
-  const Dependencies calls_;
+  const Dependencies dependencies_;
   CMutex mutex_;
   CConditionVariable enough_;
   Batch waiting_ GUARDED_BY(mutex_);

@@ -10,12 +10,13 @@
 namespace zt_transfers {
 namespace {
 
-// What a power cut may cost, unless the disk is slower still.
+// Limits what a power cut can lose, unless the disk is slower still.
 constexpr std::uint64_t kCheckpointBytes = 64ULL * 1024 * 1024;
 constexpr std::uint64_t kMinCheckpoint = 1024 * 1024;
 constexpr std::chrono::seconds kCheckpointInterval{5};
 
-std::uint64_t withoutGap(const DownloadResume& resume) {
+// Bytes from the beginning without a gap.
+std::uint64_t contiguous(const DownloadResume& resume) {
   const bool begun = !resume.written.empty() && resume.written.front().begin == 0;
   return begun ? resume.written.front().end : 0;
 }
@@ -32,7 +33,7 @@ CPartialWriter::CPartialWriter(const Dependencies& dependencies, AttemptId attem
       attemptId_(attemptId),
       file_(std::move(file)),
       progress_(std::move(progress)),
-      listener_(&listener) {}
+      listener_(listener) {}
 
 void CPartialWriter::reopen(const DownloadResume& resume) {
   batch_.reopen = resume;
@@ -43,8 +44,8 @@ void CPartialWriter::restart(const std::string& validator, std::uint64_t size) {
   for (Chunk& chunk : std::exchange(batch_.chunks, {})) {
     recycle(std::move(chunk));
   }
-  for (CHashQueue::Piece& piece : hashQueue_.clear()) {
-    recycle(std::move(piece.chunk));
+  for (CHashQueue::Entry& entry : hashQueue_.clear()) {
+    recycle(std::move(entry.chunk));
   }
   batch_.restart = {validator, size};
 }
@@ -65,16 +66,28 @@ void CPartialWriter::add(Chunk chunk) {
   batch_.chunks.push_back(std::move(chunk));
 }
 
-void CPartialWriter::close() {
-  listener_ = nullptr;
-  if (!batch_.last) {
-    hashQueue_.close();  // who goes on with the file begins to hash anew
+void CPartialWriter::enter(State next) {
+  if (!mayFollow(state_, next)) {
+    throw std::logic_error("a partial file's writer in state " +
+                           std::to_string(static_cast<unsigned>(state_)) + " cannot enter state " +
+                           std::to_string(static_cast<unsigned>(next)));
   }
-  post();
+  state_ = next;
+  if (next == State::kFailed || next == State::kClosed) {
+    hashQueue_.close();  // the next attempt hashes the file from its beginning
+  }
+}
+
+void CPartialWriter::close() {
+  if (state_ != State::kFinishing && state_ != State::kClosed) {
+    enter(State::kClosed);
+    post();
+  }
 }
 
 std::optional<CPartialWriter::CompleteBody> CPartialWriter::takeCompleteBody() {
-  const bool isWhole = !begun_ && batch_.restart && !batch_.reopen && batch_.chunks.size() <= 1 &&
+  const bool isWhole = state_ == State::kUnused && batch_.restart && !batch_.reopen &&
+                       batch_.chunks.size() <= 1 &&
                        (batch_.chunks.empty() || batch_.chunks.front().offset == 0);
   if (!isWhole) {
     return std::nullopt;
@@ -83,13 +96,13 @@ std::optional<CPartialWriter::CompleteBody> CPartialWriter::takeCompleteBody() {
   if (!batch_.chunks.empty()) {
     whole.content = std::move(batch_.chunks.front());
   }
-  listener_ = nullptr;
   batch_ = {};
+  enter(State::kClosed);
   return whole;
 }
 
 void CPartialWriter::finish(Last last) {
-  listener_ = nullptr;
+  enter(State::kFinishing);
   batch_.last = std::move(last);
   post();
 }
@@ -101,18 +114,20 @@ void CPartialWriter::post() {
 }
 
 bool CPartialWriter::mayWrite() const {
-  // A file that takes no more is only waited for to be told so.
-  if (writing_ || batch_.empty() || (trouble_ && !batch_.last)) {
+  // After a failure only the last job runs, to report it.
+  if (writing_ || batch_.empty() || (failure_ && !batch_.last)) {
     return false;
   }
   return !batch_.alone() || (!syncing_ && hashQueue_.idle());
 }
 
-// Every job holds this writer, so that what was handed over gets written when nobody waits for it.
+// Every job holds this writer, so that received bytes are written even after the attempt has ended.
 void CPartialWriter::postWrite() {
+  if (state_ == State::kUnused) {
+    enter(State::kOpen);
+  }
   writing_ = true;
-  begun_ = true;
-  batch_.trouble = trouble_;
+  batch_.failure = failure_;
   auto batch = std::make_shared<Batch>(std::exchange(batch_, {}));
   if (batch->restart) {
     hashQueue_.restart();
@@ -132,25 +147,25 @@ void CPartialWriter::postSync() {
   syncing_ = true;
   durable_ = written_;
   pool_.post([self = shared_from_this()] {
-    const auto trouble = failureOf([&] { self->file_->checkpoint(); });
+    const auto failure = failureOf([&] { self->file_->checkpoint(); });
     self->progress_->setResume(self->file_->resume());
-    self->loop_.post([self, trouble] { self->takeSynced(trouble); });
+    self->loop_.post([self, failure] { self->takeSynced(failure); });
   });
 }
 
 CPartialWriter::Written CPartialWriter::work(Batch& batch) {
   Written written;
-  written.trouble = batch.trouble;
-  if (!written.trouble) {
-    written.trouble = failureOf([&] { carryOut(batch, written); });
+  written.failure = batch.failure;
+  if (!written.failure) {
+    written.failure = failureOf([&] { carryOut(batch, written); });
   }
   written.resume = file_->resume();
   progress_->setResume(written.resume);
   written.chunks = std::move(batch.chunks);
   if (batch.last) {
-    batch.last(file_, written.trouble);
-  } else if (!written.trouble && file_->open() && file_->hashes() &&
-             hashQueue_.add(written.chunks, withoutGap(written.resume))) {
+    batch.last(file_, written.failure);
+  } else if (!written.failure && file_->open() && file_->hashes() &&
+             hashQueue_.add(written.chunks, contiguous(written.resume))) {
     postHash();
   }
   return written;
@@ -170,7 +185,7 @@ void CPartialWriter::carryOut(Batch& batch, Written& written) {
   }
   for (const Chunk& chunk : batch.chunks) {
     file_->write(chunk.offset, chunk.data.get(), chunk.size);
-    // Nobody hashes it later.
+    // The last bytes are not queued for hashing.
     if (batch.last && file_->hashes() && file_->hashed() == chunk.offset) {
       file_->hash(chunk.data.get(), chunk.size);
     }
@@ -178,9 +193,8 @@ void CPartialWriter::carryOut(Batch& batch, Written& written) {
   written.made = !wasOpen && file_->open();
 }
 
-// Has nobody take the bytes of another version for those that the file has held so far: neither
-// after a crash, for which the note on disk goes first, nor after a stop, which has taken the note
-// over: false, and the file must stay what it is.
+// Invalidates the stored resume record before bytes of a new version are written. False when the
+// attempt was stopped meanwhile: the record stays in use, so the file must not change.
 bool CPartialWriter::withdraw() {
   DownloadResume nothing = file_->resume();
   nothing.written.clear();
@@ -193,25 +207,26 @@ bool CPartialWriter::withdraw() {
   return true;
 }
 
-// One turn of the hash, which sees to the next one by itself: the network thread may be busy.
+// Hashes one step and posts the next one itself, because the network thread may be busy.
 void CPartialWriter::hashNext() {
-  auto pieces = std::make_shared<CHashQueue::Pieces>(hashQueue_.take());
-  const auto trouble = failureOf([&] {
-    for (const CHashQueue::Piece& piece : *pieces) {
-      if (piece.inMemory()) {
-        file_->hash(piece.chunk.data.get(), piece.chunk.size);
+  auto entries = std::make_shared<CHashQueue::Entries>(hashQueue_.take());
+  const auto failure = failureOf([&] {
+    for (const CHashQueue::Entry& entry : *entries) {
+      if (entry.inMemory()) {
+        file_->hash(entry.chunk.data.get(), entry.chunk.size);
       } else {
-        file_->hashWritten(piece.end);
+        file_->hashWritten(entry.end);
       }
     }
   });
-  if (trouble) {
+  if (failure) {
     hashQueue_.close();
   }
   if (hashQueue_.done()) {
     postHash();
   }
-  loop_.post([self = shared_from_this(), pieces, trouble] { self->takeHashed(*pieces, trouble); });
+  loop_.post(
+      [self = shared_from_this(), entries, failure] { self->takeHashed(*entries, failure); });
 }
 
 void CPartialWriter::take(Written& written) {
@@ -223,64 +238,66 @@ void CPartialWriter::take(Written& written) {
   for (Chunk& chunk : written.chunks) {
     recycle(std::move(chunk));
   }
-  if (written.trouble) {
-    fail(*written.trouble);
+  if (written.failure) {
+    fail(*written.failure);
     return;
   }
-  if (listener_ != nullptr && !syncing_ && !batch_.alone() && checkpointDue()) {
+  if (reports() && !syncing_ && !batch_.alone() && checkpointDue()) {
     postSync();
   }
   post();
-  // The listener may go with any of these calls, and with it this writer's last owner but `self`.
-  // A new file is worth a note at once, so that it is found again.
-  if (listener_ != nullptr && written.made) {
-    listener_->onCheckpoint();
+  // Each of these calls may close the writer. A new file is recorded at once so that it is found
+  // again.
+  if (reports() && written.made) {
+    listener_.onCheckpoint();
   }
-  if (listener_ != nullptr && written.found) {
-    listener_->onReopened(*written.found, written.resume);
+  if (reports() && written.found) {
+    listener_.onReopened(*written.found, written.resume);
   }
-  if (listener_ != nullptr && idle()) {
-    listener_->onWriterIdle();
+  if (reports() && idle()) {
+    listener_.onWriterIdle();
   }
-  if (listener_ != nullptr && !full()) {
-    listener_->onWriterReady();
+  if (reports() && !full()) {
+    listener_.onWriterReady();
   }
 }
 
-void CPartialWriter::takeHashed(CHashQueue::Pieces& pieces,
-                                const std::optional<AttemptOutcome>& trouble) {
-  for (CHashQueue::Piece& piece : pieces) {
-    recycle(std::move(piece.chunk));
+void CPartialWriter::takeHashed(CHashQueue::Entries& entries,
+                                const std::optional<AttemptOutcome>& failure) {
+  for (CHashQueue::Entry& entry : entries) {
+    recycle(std::move(entry.chunk));
   }
-  if (trouble) {
-    fail(*trouble);
+  if (failure) {
+    fail(*failure);
     return;
   }
   post();
-  if (listener_ != nullptr && !full()) {
-    listener_->onWriterReady();
+  if (reports() && !full()) {
+    listener_.onWriterReady();
   }
 }
 
-void CPartialWriter::takeSynced(const std::optional<AttemptOutcome>& trouble) {
+void CPartialWriter::takeSynced(const std::optional<AttemptOutcome>& failure) {
   syncing_ = false;
   syncedAt_ = std::chrono::steady_clock::now();
-  if (trouble) {
-    fail(*trouble);
+  if (failure) {
+    fail(*failure);
     return;
   }
   post();
-  if (listener_ != nullptr) {
-    listener_->onCheckpoint();
+  if (reports()) {
+    listener_.onCheckpoint();
   }
 }
 
-void CPartialWriter::fail(const AttemptOutcome& trouble) {
-  trouble_ = trouble;
-  hashQueue_.close();
-  post();
-  if (listener_ != nullptr) {
-    listener_->onWriterFailed(trouble);
+void CPartialWriter::fail(const AttemptOutcome& failure) {
+  failure_ = failure;
+  if (reports()) {
+    enter(State::kFailed);
+    listener_.onWriterFailed(failure);
+  } else {
+    hashQueue_.close();
+    post();
   }
 }
 

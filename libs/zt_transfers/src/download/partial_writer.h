@@ -17,36 +17,65 @@
 
 namespace zt_transfers {
 
-// The way of received bytes into a partial file: the network thread hands them over in any order,
-// the pool writes them, and beside that hashes them in the file's order and syncs them now and
-// then. Who is too quick for the disk is held back, and so is who is too quick for the hash as
-// long as the bytes come in order; those that come out of order are read back later.
+// The states of CPartialWriter, whose function `enter` is the one that changes them:
 //
-//   handed over ──► written ──► hashed (from memory)
-//                      └──────► hashed (read back)
+//   kUnused ──► kOpen ──► kFailed ─┐
+//      │          │          │     │
+//      │          ├──────────┴─────┼──► kFinishing   finish()
+//      └──────────┴────────────────┴──► kClosed      close(), takeCompleteBody()
+enum class WriterState : std::uint8_t {
+  kUnused,     // no job has been posted: the file does not exist yet
+  kOpen,       // jobs write what is passed to the writer
+  kFailed,     // the file cannot be written; its owner finishes or closes the writer
+  kFinishing,  // the listener is not called any more; the last job reports
+  kClosed,     // the listener is not called any more
+};
+
+constexpr bool mayFollow(WriterState from, WriterState to) {
+  switch (to) {
+    case WriterState::kUnused:
+      return false;
+    case WriterState::kOpen:
+      return from == WriterState::kUnused;
+    case WriterState::kFailed:
+      return from == WriterState::kOpen;
+    case WriterState::kFinishing:
+    case WriterState::kClosed:
+      return from != WriterState::kFinishing && from != WriterState::kClosed;
+  }
+  return false;
+}
+
+// Writes received bytes into a partial file. The network thread passes them on in any order, and
+// jobs on the pool write them, hash them in file order, and sync them now and then. The network is
+// held back while the disk is slower, and also while hashing is slower than bytes that arrive in
+// order; bytes out of order are read back later.
 //
-// Thread: the loop's, on which the listener is called, too. After close() no call follows; what
-// was handed over is written nevertheless.
+//   received ──► written ──► hashed from memory
+//                   └──────► hashed after being read back
+//
+// Thread: the loop's, on which the listener is called, too. No call follows close() or finish();
+// received bytes are written nevertheless.
 class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
  public:
   class IListener {
    public:
     virtual void onReopened(CPartialFile::Found found, const DownloadResume& resume) = 0;
-    // Some of what was handed over is written, and it is not full.
+    // Some bytes were written, and the writer is not full.
     virtual void onWriterReady() = 0;
-    // Everything handed over is written.
+    // All received bytes are written.
     virtual void onWriterIdle() = 0;
-    // The file takes no more. May destroy the listener.
+    // The file cannot be written. This is the last call.
     virtual void onWriterFailed(const AttemptOutcome& outcome) = 0;
     virtual void onCheckpoint() = 0;
 
    protected:
     ~IListener() = default;
   };
-  // Called on the pool once everything is written and hashed, instead of the listener; with what
-  // went wrong.
+  // Called on the pool, instead of the listener, once all bytes are written and hashed; with the
+  // failure, if any.
   using Last = std::function<void(const std::shared_ptr<CPartialFile>& file,
-                                  const std::optional<AttemptOutcome>& trouble)>;
+                                  const std::optional<AttemptOutcome>& failure)>;
 
   // All must outlive the loop's and the pool's threads.
   struct Dependencies {
@@ -65,22 +94,22 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   const std::shared_ptr<CPartialFile>& file() const { return file_; }
 
   void reopen(const DownloadResume& resume);
-  // Another version comes now; drops what was handed over of the one before.
+  // Another version follows; drops bytes of the previous one that are not written yet.
   void restart(const std::string& validator, std::uint64_t size);
-  // Nothing comes any more. The version before stays if not a byte of another has come.
+  // No bytes follow. The previous version stays if no byte of another one has arrived.
   void endInput();
 
   // An empty chunk for about `wanted` bytes.
   Chunk chunk(std::uint64_t wanted) { return chunks_.take(wanted); }
   void write(Chunk chunk);
-  // The same without hurry: something else follows at once.
+  // Does not start to write: something else follows at once.
   void add(Chunk chunk);
   bool full() const { return held_ >= kMaxHeld; }
   bool idle() const { return !writing_ && batch_.empty(); }
-  // Nothing may follow. Closes.
+  // Nothing may follow.
   void finish(Last last);
-  // Instead of `finish`, where all of the file is in one chunk and nothing was written yet:
-  // somebody else sees to that. Closes.
+  // Closes the writer and returns the body if all of the file is in one chunk and no job was posted
+  // yet. Then the caller writes it. Otherwise use finish().
   struct CompleteBody {
     std::string validator;
     Chunk content;
@@ -88,10 +117,12 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   std::optional<CompleteBody> takeCompleteBody();
 
  private:
-  // Bytes handed over and not done with.
+  // Bytes that are passed to the writer and neither written nor hashed.
   static constexpr std::size_t kMaxHeld = 2 * CChunkPool::kLargest;
 
-  // What the next job that writes does, in this order.
+  using State = WriterState;
+
+  // The work of the next writing job, in this order.
   struct Batch {
     std::optional<DownloadResume> reopen;
     struct Restart {
@@ -101,20 +132,22 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
     std::optional<Restart> restart;
     std::vector<Chunk> chunks;
     Last last;
-    std::optional<AttemptOutcome> trouble;  // of a job before: only `last` is to be called
+    std::optional<AttemptOutcome> failure;  // of an earlier job: only `last` is called
 
     bool empty() const { return !reopen && !restart && chunks.empty() && !last; }
-    // Nothing else may be done to the file meanwhile.
+    // No other job may use the file meanwhile.
     bool alone() const { return reopen || restart || last; }
   };
   struct Written {
     std::optional<CPartialFile::Found> found;
     DownloadResume resume;
     bool made = false;  // the file is new
-    std::optional<AttemptOutcome> trouble;
+    std::optional<AttemptOutcome> failure;
     std::vector<Chunk> chunks;
   };
 
+  void enter(State next);
+  bool reports() const { return state_ == State::kUnused || state_ == State::kOpen; }
   void post();
   bool mayWrite() const;
   void postWrite();
@@ -127,11 +160,11 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   void hashNext();
 
   void take(Written& written);
-  void takeHashed(CHashQueue::Pieces& pieces, const std::optional<AttemptOutcome>& trouble);
-  void takeSynced(const std::optional<AttemptOutcome>& trouble);
+  void takeHashed(CHashQueue::Entries& entries, const std::optional<AttemptOutcome>& failure);
+  void takeSynced(const std::optional<AttemptOutcome>& failure);
   bool checkpointDue() const;
   void recycle(Chunk chunk);
-  void fail(const AttemptOutcome& trouble);
+  void fail(const AttemptOutcome& failure);
 
   CHttpLoop& loop_;
   CWorkerPool& pool_;
@@ -141,17 +174,17 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   const std::shared_ptr<CPartialFile> file_;  // used by one job of each kind at a time
   const std::shared_ptr<AttemptProgress> progress_;
   CHashQueue hashQueue_;
-  IListener* listener_;
+  IListener& listener_;
 
+  State state_ = State::kUnused;
   Batch batch_;
   std::size_t held_ = 0;
-  bool writing_ = false;
-  bool begun_ = false;     // to write
-  bool reopened_ = false;  // for the job that writes
-  std::optional<AttemptOutcome> trouble_;
+  bool writing_ = false;   // a job writes
+  bool reopened_ = false;  // used by that job only
+  std::optional<AttemptOutcome> failure_;
 
-  bool syncing_ = false;
-  std::uint64_t written_ = 0;  // bytes in the file, of this version
+  bool syncing_ = false;       // a job syncs
+  std::uint64_t written_ = 0;  // bytes of this version in the file
   std::uint64_t durable_ = 0;  // those of them that were synced
   std::chrono::steady_clock::time_point syncedAt_ = std::chrono::steady_clock::now();
 };

@@ -4,16 +4,11 @@
 #include <cstring>
 #include <utility>
 
-#include "base/url_parts.h"
-#include "http/redirect.h"
-
 namespace zt_transfers {
 namespace {
 
-constexpr int kMaxRedirects = 5;
-
-// What a pause or a broken connection may cost on a slow line.
-constexpr std::chrono::milliseconds kLongestInChunk{500};
+// Limits what a pause or a broken connection can lose on a slow line.
+constexpr std::chrono::milliseconds kMaxTimeInChunk{500};
 
 std::string rangeText(const RangeRequest& rangeRequest) {
   // The header names the last byte.
@@ -24,7 +19,7 @@ std::string rangeText(const RangeRequest& rangeRequest) {
 }  // namespace
 
 CRangeFetch::CRangeFetch(const Dependencies& dependencies, HttpRequest request,
-                         RangeRequest rangeRequest, std::uint64_t most)
+                         RangeRequest rangeRequest, std::uint64_t maxSize)
     : loop_(dependencies.loop),
       log_(dependencies.log),
       writer_(dependencies.writer),
@@ -32,15 +27,15 @@ CRangeFetch::CRangeFetch(const Dependencies& dependencies, HttpRequest request,
       listener_(dependencies.listener),
       request_(std::move(request)),
       rangeRequest_(std::move(rangeRequest)),
-      max_(most),
-      url_(request_.url),
+      maxSize_(maxSize),
+      place_(request_.url, request_.headers),
       position_(rangeRequest_.begin),
       stop_(rangeRequest_.end.value_or(kNoEnd)) {
   send();
   loop_.throttle().enter(*this);
 }
 
-CRangeFetch::~CRangeFetch() {
+void CRangeFetch::end() {
   exchange_.reset();
   loop_.throttle().leave(*this);
   flush();
@@ -48,41 +43,37 @@ CRangeFetch::~CRangeFetch() {
 
 void CRangeFetch::send() {
   HttpRequest request = request_;
-  request.url = url_;
+  request.url = place_.url();
+  request.headers = place_.headers();
   if (rangeRequest_.ranged) {
     request.headers.emplace_back("Range", rangeText(rangeRequest_));
     if (!rangeRequest_.validator.empty()) {
       request.headers.emplace_back("If-Range", rangeRequest_.validator);
     }
   }
-  exchange_.reset();
   exchange_ =
       std::make_unique<CHttpExchange>(loop_, request, static_cast<IHttpSink&>(*this),
                                       [this](const HttpResponse& response) { judgeEnd(response); });
 }
 
 void CRangeFetch::judgeEnd(const HttpResponse& response) {
-  if (response.code == CURLE_OK && isRedirect(response.status) && followRedirect(response)) {
+  loop_.retire(std::move(exchange_));
+  if (place_.follow(response, log_)) {
+    plan_.reset();
+    wanted_ = false;
+    send();
     return;
   }
   if (!plan_ && response.status != 0) {
-    begin(response);  // there was no body
+    begin(response);  // the response has no body
   }
   listener_.onFetched(*this, response);
 }
 
-bool CRangeFetch::followRedirect(const HttpResponse& response) {
-  const auto target = redirectTarget(url_, response);
-  if (!target || redirects_ == kMaxRedirects) {
-    return false;
+void CRangeFetch::resume() {
+  if (exchange_) {
+    exchange_->resumeBody();
   }
-  ++redirects_;
-  log_.information("Redirected from " + loggableUrl(url_) + " to " + loggableUrl(*target));
-  url_ = *target;
-  plan_.reset();
-  wanted_ = false;
-  send();
-  return true;
 }
 
 void CRangeFetch::flush() {
@@ -102,7 +93,7 @@ bool CRangeFetch::begin(const HttpResponse& head) {
   wanted_ = listener_.onHead(*this, *plan_) && plan_->kind == FetchPlan::Kind::kBody;
   if (wanted_) {
     position_ = plan_->begin;
-    end_ = plan_->end.value_or(max_);
+    end_ = plan_->end.value_or(maxSize_);
     stop_ = plan_->partial ? stop_ : kNoEnd;
   }
   return wanted_;
@@ -119,18 +110,19 @@ IHttpSink::Write CRangeFetch::write(const HttpResponse& head, const char* data, 
     tooLong_ = true;
     return Write::kBroken;
   }
-  const auto part = static_cast<std::size_t>(std::min<std::uint64_t>(size, stop_ - position_));
-  if (!allowed(part) || writer_.full()) {
+  const auto wantedSize =
+      static_cast<std::size_t>(std::min<std::uint64_t>(size, stop_ - position_));
+  if (!allowed(wantedSize) || writer_.full()) {
     return Write::kLater;
   }
-  credit_ -= std::min<std::uint64_t>(credit_, part);
-  take(data, part);
+  credit_ -= std::min<std::uint64_t>(credit_, wantedSize);
+  take(data, wantedSize);
   stopped_ = position_ == stop_ && stop_ < end_;
   return stopped_ ? Write::kBroken : Write::kTaken;
 }
 
-// Saves up what the throttle grants until it is enough: bytes come in pieces that cannot be
-// taken in part.
+// Saves up the throttle's grants until they are enough, because a block of received bytes can only
+// be taken whole.
 bool CRangeFetch::allowed(std::size_t size) {
   while (credit_ < size) {
     const std::uint64_t granted = loop_.throttle().take(*this, size - credit_, loop_.clock().now());
@@ -150,16 +142,16 @@ void CRangeFetch::take(const char* data, std::size_t size) {
       chunk_.offset = position_;
       chunkBegun_ = now;
     }
-    const std::size_t part = std::min(size, chunk_.capacity - chunk_.size);
-    std::memcpy(chunk_.data.get() + chunk_.size, data, part);
-    chunk_.size += part;
-    position_ += part;
-    progress_.bytes += part;
-    data += part;
-    size -= part;
-    // The last bytes go with what follows at once, the end of the file.
+    const std::size_t count = std::min(size, chunk_.capacity - chunk_.size);
+    std::memcpy(chunk_.data.get() + chunk_.size, data, count);
+    chunk_.size += count;
+    position_ += count;
+    progress_.bytes += count;
+    data += count;
+    size -= count;
+    // The last bytes are passed on together with the end of the file.
     const bool more = position_ < end_;
-    if ((chunk_.size == chunk_.capacity && more) || now - chunkBegun_ > kLongestInChunk) {
+    if ((chunk_.size == chunk_.capacity && more) || now - chunkBegun_ > kMaxTimeInChunk) {
       flush();
     }
   }

@@ -11,21 +11,23 @@
 #include "download/response_plan.h"
 #include "engine/attempt.h"
 #include "http/http_exchange.h"
+#include "http/request_place.h"
 #include "http/throttle.h"
 
 namespace zt_transfers {
 
-// One request for bytes of a file, on their way into its partial file: as fast as the throttle
-// and the disk allow, by way of redirects if need be.
+// One request for a range of a file, whose bytes go to the partial file as fast as the throttle and
+// the disk allow. Follows redirects.
 //
-// Thread: the loop's. Destroying it ends the request and hands over what has come.
+// Thread: the loop's. Destruction ends the request; see end().
 class CRangeFetch final : public IHttpSink, public CThrottle::IUser {
  public:
   class IListener {
    public:
-    // The head of the answer is there: whether its body is wanted. Must destroy nothing.
+    // The head of the response has arrived. Returns whether the body is wanted. Must not end the
+    // fetch.
     virtual bool onHead(CRangeFetch& fetch, const FetchPlan& plan) = 0;
-    // The answer has ended. May destroy the fetch.
+    // The response has ended. This is the last call; the listener then ends and retires the fetch.
     virtual void onFetched(CRangeFetch& fetch, const HttpResponse& response) = 0;
 
    protected:
@@ -41,43 +43,44 @@ class CRangeFetch final : public IHttpSink, public CThrottle::IUser {
 
   static constexpr std::uint64_t kNoEnd = std::numeric_limits<std::int64_t>::max();
 
-  // Asks with this request, to which the ask adds its headers; the file has `most` bytes at most.
-  // Throws std::invalid_argument when it cannot be sent.
+  // Sends `request` with the headers of the range added; the file has `maxSize` bytes at most.
+  // Throws std::invalid_argument for a request that cannot be sent.
   CRangeFetch(const Dependencies& dependencies, HttpRequest request, RangeRequest rangeRequest,
-              std::uint64_t most);
-  ~CRangeFetch();
+              std::uint64_t maxSize);
+  ~CRangeFetch() { end(); }
   CRangeFetch(const CRangeFetch&) = delete;
   CRangeFetch& operator=(const CRangeFetch&) = delete;
 
-  // After the writer was full.
-  void resume() { exchange_->resumeBody(); }
-  // Hands over what has come so far; `add`: something else follows at once.
-  void flush();
+  // Ends the request without a report and passes received bytes on.
+  void end();
+  // The writer takes bytes again.
+  void resume();
+  // Passes received bytes on without starting to write: more follows at once.
   void add();
-  // Ends at `end`, before what was asked for does; somebody else fetches the rest.
+  // Ends at `end` already; another request fetches what follows.
   void stopAt(std::uint64_t end) { stop_ = end; }
 
   const RangeRequest& rangeRequest() const { return rangeRequest_; }
-  // Once the head is there.
+  // Set once the head has arrived.
   const std::optional<FetchPlan>& plan() const { return plan_; }
-  // Its body is bytes of the file.
+  // Whether the body consists of bytes of the file.
   bool wanted() const { return wanted_; }
-  // What is still to come of what it is to fetch; nobody may know its end.
-  ByteSpan rest() const { return {position_, stop_}; }
-  // It has ended where it was stopped.
+  // The part of the range that has not arrived; kNoEnd while its end is unknown.
+  ByteSpan remaining() const { return {position_, stop_}; }
+  // Whether it has ended where stopAt said.
   bool stopped() const { return stopped_; }
-  // More came than the head announced.
+  // Whether more bytes came than the head announced.
   bool tooLong() const { return tooLong_; }
 
  private:
   void send();
   void judgeEnd(const HttpResponse& response);
-  bool followRedirect(const HttpResponse& response);
   bool begin(const HttpResponse& head);
   Write write(const HttpResponse& head, const char* data, std::size_t size) override;
-  void onThrottleOpen() override { exchange_->resumeBody(); }
+  void onThrottleOpen() override { resume(); }
   bool allowed(std::size_t size);
   void take(const char* data, std::size_t size);
+  void flush();
 
   CHttpLoop& loop_;
   ILog& log_;
@@ -86,9 +89,8 @@ class CRangeFetch final : public IHttpSink, public CThrottle::IUser {
   IListener& listener_;
   const HttpRequest request_;
   const RangeRequest rangeRequest_;
-  const std::uint64_t max_;
-  std::string url_;  // where it is asked for now; changes with a redirect
-  int redirects_ = 0;
+  const std::uint64_t maxSize_;
+  CRequestPlace place_;
 
   std::optional<FetchPlan> plan_;
   bool wanted_ = false;
@@ -96,8 +98,8 @@ class CRangeFetch final : public IHttpSink, public CThrottle::IUser {
   bool stopped_ = false;
   std::uint64_t position_ = 0;
   std::uint64_t end_ = 0;     // of the body
-  std::uint64_t stop_ = 0;    // of what is to be fetched
-  std::uint64_t credit_ = 0;  // bytes the throttle has granted
+  std::uint64_t stop_ = 0;    // end of the range that this request fetches
+  std::uint64_t credit_ = 0;  // bytes that the throttle has granted
   Chunk chunk_;
   TimePoint chunkBegun_{};
   std::unique_ptr<CHttpExchange> exchange_;

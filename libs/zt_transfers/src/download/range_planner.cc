@@ -7,10 +7,10 @@ namespace {
 
 constexpr std::uint64_t kMebibyte = 1024 * 1024;
 
-// Small enough that the hash, which goes through the file in order, does not fall far behind.
-constexpr std::uint64_t kMinPiece = 8 * kMebibyte;
-constexpr std::uint64_t kMaxPiece = 32 * kMebibyte;
-constexpr std::uint64_t kPieces = 8;
+// Small enough that hashing, which follows the file's order, does not fall far behind.
+constexpr std::uint64_t kMinRange = 8 * kMebibyte;
+constexpr std::uint64_t kMaxRange = 32 * kMebibyte;
+constexpr std::uint64_t kRanges = 8;
 
 }  // namespace
 
@@ -77,26 +77,26 @@ void CRangePlanner::noteSize(const FetchPlan& plan) {
   }
 }
 
-bool CRangePlanner::takesPieces() const {
+bool CRangePlanner::splits() const {
   const std::uint64_t size = expectedSize();
-  return offersRanges_ && !refusesRanges_ && size != 0 && size >= file_.piecesFrom &&
+  return offersRanges_ && !refusesRanges_ && size != 0 && size >= file_.splitFrom &&
          (!begun_ || isExact(validator_));
 }
 
-std::uint64_t CRangePlanner::pieceSize() const {
-  return file_.pieceSize != 0 ? file_.pieceSize
-                              : std::clamp(expectedSize() / kPieces, kMinPiece, kMaxPiece);
+std::uint64_t CRangePlanner::rangeSize() const {
+  return file_.rangeSize != 0 ? file_.rangeSize
+                              : std::clamp(expectedSize() / kRanges, kMinRange, kMaxRange);
 }
 
 RangeRequest CRangePlanner::take() {
-  // Without a name for the version nobody can tell whether the rest would be of the same.
+  // Without a validator the remaining bytes could belong to another version.
   if (begun_ && validator_.empty()) {
     forgetVersion();
   }
-  const ByteSpan span = takeFirst(missing_, takesPieces() ? pieceSize() : kNoEnd);
+  const ByteSpan span = takeFirst(missing_, splits() ? rangeSize() : kNoEnd);
   RangeRequest rangeRequest;
   rangeRequest.begin = span.begin;
-  rangeRequest.ranged = begun_ || takesPieces();
+  rangeRequest.ranged = begun_ || splits();
   if (begun_) {
     rangeRequest.validator = validator_;
     rangeRequest.size = size_;

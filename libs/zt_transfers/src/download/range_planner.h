@@ -16,45 +16,45 @@ ByteSpans missingSpans(const ByteSpans& there, std::uint64_t size);
 // Takes the first missing range, at most `max` bytes of it. There must be one.
 ByteSpan takeFirst(ByteSpans& missing, std::uint64_t max);
 
-// Of one version of a file the bytes that nobody fetches yet, and in which portions they are to be
-// asked for. A large file from a server that does ranges is fetched in pieces.
+// The byte ranges of one file version that no request covers yet. A large file from a server that
+// supports ranges is fetched range by range.
 //
 // Thread: one at a time.
 class CRangePlanner {
  public:
   struct File {
-    std::uint64_t size = 0;        // bytes, as the page said; 0: it did not say
-    std::uint64_t piecesFrom = 0;  // bytes; a smaller file is not fetched in pieces
-    std::uint64_t pieceSize = 0;   // bytes; 0: chosen by the file's size
+    std::uint64_t size = 0;       // bytes, as announced by the page; 0: not announced
+    std::uint64_t splitFrom = 0;  // bytes; a smaller file is fetched by one request
+    std::uint64_t rangeSize = 0;  // bytes; 0: derived from the file's size
   };
 
   explicit CRangePlanner(const File& file) : file_(file) { forgetVersion(); }
 
-  // Goes on with a version of which these bytes are there.
+  // Continues a version of which these bytes have arrived.
   void takeUp(const DownloadResume& resume, const ByteSpans& there);
-  // There are no bytes of any version.
+  // Starts over: no bytes of any version have arrived.
   void forgetVersion();
-  // An answer to a ranged or another request shows what the server does.
+  // Learns from a response whether the server supports ranges.
   void noteServer(const RangeRequest& rangeRequest, const FetchPlan& plan);
-  // All of a version is asked for at once, until an answer shows anew what the server does.
+  // Requests the whole file until a response shows again that the server supports ranges.
   void refuseRanges() { offersRanges_ = false; }
-  // The first answer of a version, which brings this much of it.
+  // The first response of a version has arrived, and brings this range.
   void beginVersion(const FetchPlan& plan, ByteSpan fetched);
-  // The size, if an answer tells it.
+  // Learns the size if the response contains it.
   void noteSize(const FetchPlan& plan);
 
   bool begun() const { return begun_; }
   const std::string& validator() const { return validator_; }
   std::optional<std::uint64_t> size() const { return size_; }
-  bool takesPieces() const;
-  std::uint64_t pieceSize() const;
+  bool splits() const;
+  std::uint64_t rangeSize() const;
 
   bool none() const { return missing_.empty(); }
-  // The first bytes that are missing, which count as fetched from now on. There must be some.
+  // Takes the first missing range, which counts as covered from now on. There must be one.
   RangeRequest take();
-  // They are not fetched after all.
+  // The range is not covered any more.
   void giveBack(ByteSpan span);
-  // What of the span lies within the file.
+  // The part of the range that lies within the file.
   ByteSpan within(ByteSpan span) const;
 
  private:
@@ -63,7 +63,7 @@ class CRangePlanner {
   std::uint64_t expectedSize() const { return size_.value_or(file_.size); }
 
   const File file_;
-  bool begun_ = false;  // of this version there are bytes, or are about to be
+  bool begun_ = false;  // bytes of this version have arrived or are about to
   std::string validator_;
   std::optional<std::uint64_t> size_;
   bool offersRanges_ = true;  // until the server shows otherwise

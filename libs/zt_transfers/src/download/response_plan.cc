@@ -64,7 +64,7 @@ FetchPlan planNothingLeft(const HttpResponse& head, const RangeRequest& rangeReq
   plan.begin = rangeRequest.begin;
   plan.size = range->total;
   plan.validator = validatorOf(head);
-  // Servers need not name the version in this answer.
+  // Servers need not name the version in this response.
   const bool changed = !plan.validator.empty() && !sameVersion(rangeRequest, plan);
   return changed ? startOver("the file has changed on the server") : plan;
 }

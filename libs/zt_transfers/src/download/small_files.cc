@@ -13,29 +13,29 @@
 namespace zt_transfers {
 namespace {
 
-// A multiple of those that are hashed together.
+// A multiple of the number of files that are hashed together.
 constexpr std::size_t kMaxFiles = 4 * kMd5Lanes;
 constexpr std::size_t kMaxBytes = kMd5Lanes * CChunkPool::kLargest;
 constexpr std::chrono::milliseconds kGatherLimit{2};
 
 void write(CSmallFiles::Arrived& file) {
-  CPartialFile& partial = *file.finalization.file;
-  file.trouble = failureOf([&] {
+  CPartialFile& partial = *file.arrival.file;
+  file.failure = failureOf([&] {
     partial.restart(file.validator, file.size);
     if (file.content.size != 0) {
       partial.write(0, file.content.data.get(), file.content.size);
     }
   });
-  // Also of what could only be begun, so that it is found again.
-  file.finalization.progress->setResume(partial.resume());
+  // Also after a failure, so that the next attempt finds the file.
+  file.arrival.progress->setResume(partial.resume());
 }
 
 void hashAll(std::vector<CSmallFiles::Arrived>& files) {
   std::vector<CPartialFile*> hashed;
   std::vector<std::string_view> contents;
   for (const CSmallFiles::Arrived& file : files) {
-    if (!file.trouble && file.finalization.file->hashes()) {
-      hashed.push_back(file.finalization.file.get());
+    if (!file.failure && file.arrival.file->hashes()) {
+      hashed.push_back(file.arrival.file.get());
       contents.emplace_back(file.content.data.get(), file.content.size);
     }
   }
@@ -78,32 +78,31 @@ void CSmallFiles::begin() {
 }
 
 void CSmallFiles::finish(Batch batch) {
-  // Nobody is told of those that were discarded.
-  batch.erase(
-      std::remove_if(batch.begin(), batch.end(),
-                     [](const Arrived& file) { return file.finalization.file->discarded(); }),
-      batch.end());
+  // No end is reported for discarded files.
+  batch.erase(std::remove_if(batch.begin(), batch.end(),
+                             [](const Arrived& file) { return file.arrival.file->discarded(); }),
+              batch.end());
   for (Arrived& file : batch) {
     write(file);
   }
   hashAll(batch);
   std::vector<AttemptEnd> failed;
-  std::vector<CFinalizer::Arrival> finalization;
+  std::vector<CFinalizer::Arrival> arrivals;
   for (Arrived& file : batch) {
     chunks_.giveBack(std::move(file.content));
-    if (!file.trouble) {
-      file.trouble = checkContent(*file.finalization.file, *file.finalization.progress, file.size);
+    if (!file.failure) {
+      file.failure = checkContent(*file.arrival.file, *file.arrival.progress, file.size);
     }
-    if (file.trouble) {
-      failed.push_back({file.finalization.attemptId, std::move(*file.trouble)});
+    if (file.failure) {
+      failed.push_back({file.arrival.attemptId, std::move(*file.failure)});
     } else {
-      finalization.push_back(std::move(file.finalization));
+      arrivals.push_back(std::move(file.arrival));
     }
   }
   if (!failed.empty()) {
     failed_(failed);
   }
-  finalizer_.finalize(std::move(finalization));
+  finalizer_.finalize(std::move(arrivals));
 }
 
 }  // namespace zt_transfers

@@ -15,31 +15,32 @@
 
 namespace zt_transfers {
 
-// Makes, writes and checks files that have arrived whole and are still in memory: several in one
-// job of the pool, which hashes them together and hands them to the lander together. A change of
-// threads costs more than such a file.
+// Creates, writes and verifies files that have arrived completely and are still in memory. One job
+// on the pool handles several of them, hashes them together, and passes them to the finalizer
+// together, because a change of threads costs more than such a file.
 //
-// Thread: the loop's. Pool, lander and chunks must outlive the pool's jobs.
+// Thread: the loop's. Pool, finalizer and chunks must outlive the pool's jobs.
 class CSmallFiles {
  public:
   struct Arrived {
-    CFinalizer::Arrival finalization;
+    CFinalizer::Arrival arrival;
     std::string validator;
     std::uint64_t size = 0;  // bytes
-    Chunk content;           // all of them; without memory for an empty file
-    std::optional<AttemptOutcome> trouble{};
+    Chunk content;           // all of it; without memory for an empty file
+    std::optional<AttemptOutcome> failure{};
   };
 
-  // Called on the pool for those that are not what they should be, or cannot be written.
+  // Called on the pool for files with wrong content and for those that cannot be written.
   using Failed = std::function<void(const std::vector<AttemptEnd>& ends)>;
 
   CSmallFiles(CWorkerPool& pool, CFinalizer& finalizer, CChunkPool& chunks, Failed failed)
       : pool_(pool), finalizer_(finalizer), chunks_(chunks), failed_(std::move(failed)) {}
 
   void add(Arrived file, TimePoint now);
-  // Begins with what has waited for others long enough; gives the time for the next look, if any.
+  // Starts a job for files that have waited long enough. Returns when to call it again, if files
+  // wait.
   std::optional<TimePoint> tick(TimePoint now);
-  // Forgets what has not begun.
+  // Forgets files for which no job has started.
   void clear() { waiting_.clear(); }
 
  private:
@@ -54,7 +55,7 @@ class CSmallFiles {
   CChunkPool& chunks_;
   const Failed failed_;
   Batch waiting_;
-  TimePoint since_{};  // the first of them waits
+  TimePoint since_{};  // when the first of them was added
 };
 
 }  // namespace zt_transfers

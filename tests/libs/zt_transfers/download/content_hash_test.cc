@@ -21,31 +21,31 @@ std::vector<Chunk> chunksAt(std::initializer_list<std::uint64_t> offsets) {
 }
 
 TEST(HashQueue, KeepsInMemoryWhatComesInOrder) {
-  CHashQueue line;
+  CHashQueue queue;
   auto chunks = chunksAt({0, 10});
-  EXPECT_TRUE(line.add(chunks, 20));
+  EXPECT_TRUE(queue.add(chunks, 20));
   EXPECT_THAT(chunks, IsEmpty());
-  EXPECT_THAT(line.take(), SizeIs(2));
+  EXPECT_THAT(queue.take(), SizeIs(2));
   chunks = chunksAt({20});
-  EXPECT_FALSE(line.add(chunks, 30));  // somebody is at it
-  EXPECT_TRUE(line.done());
-  EXPECT_EQ(line.take().front().end, 30U);
-  EXPECT_FALSE(line.done());
-  EXPECT_TRUE(line.idle());
+  EXPECT_FALSE(queue.add(chunks, 30));  // somebody is at it
+  EXPECT_TRUE(queue.done());
+  EXPECT_EQ(queue.take().front().end, 30U);
+  EXPECT_FALSE(queue.done());
+  EXPECT_TRUE(queue.idle());
 }
 
 TEST(HashQueue, HasTheRestReadBackAndNothingInMemoryWaitForThat) {
-  CHashQueue line;
+  CHashQueue queue;
   auto chunks = chunksAt({20});
-  EXPECT_FALSE(line.add(chunks, 0));  // there is a gap before it
+  EXPECT_FALSE(queue.add(chunks, 0));  // there is a gap before it
   EXPECT_THAT(chunks, SizeIs(1));
   chunks = chunksAt({0, 10});
-  EXPECT_TRUE(line.add(chunks, 30));
+  EXPECT_TRUE(queue.add(chunks, 30));
   chunks = chunksAt({30});
-  EXPECT_FALSE(line.add(chunks, 40));
+  EXPECT_FALSE(queue.add(chunks, 40));
   EXPECT_THAT(chunks, SizeIs(1));
-  EXPECT_TRUE(line.take().back().inMemory());
-  const auto rest = line.take();
+  EXPECT_TRUE(queue.take().back().inMemory());
+  const auto rest = queue.take();
   ASSERT_THAT(rest, SizeIs(1));
   EXPECT_FALSE(rest.front().inMemory());
   EXPECT_EQ(rest.front().end, 40U);

@@ -160,8 +160,8 @@ TEST_F(Finalization, MakesNoSmallFileThatWasDiscardedMeanwhile) {
   CSmallFiles small(pool, finalizer, chunks, keepEnds());
   const auto progress = std::make_shared<AttemptProgress>();
   const auto file = newFile("folder/file");
-  small.add({.finalization = {1, file, progress}, .validator = {}, .content = {}}, TimePoint{});
-  small.add({.finalization = {2, newFile("other"), progress}, .validator = {}, .content = {}},
+  small.add({.arrival = {1, file, progress}, .validator = {}, .content = {}}, TimePoint{});
+  small.add({.arrival = {2, newFile("other"), progress}, .validator = {}, .content = {}},
             TimePoint{});
   file->discard();
   pool.start(1);

@@ -55,7 +55,7 @@ AttemptOutcome judgeDiskError(const std::exception& error) {
 std::optional<AttemptOutcome> checkContent(CPartialFile& file, AttemptProgress& progress,
                                            std::uint64_t size) {
   std::optional<std::string> problem;
-  const auto failure = failureOf([&] {
+  auto failure = failureOf([&] {
     problem = file.verify(size);
     if (problem) {
       file.discardNow();

@@ -47,6 +47,7 @@ void CMd5Combiner::add(Md5State& state, const unsigned char* data, std::size_t b
   ++atWork_;
   const std::vector<Task*> taken = take(own);
   std::vector<Md5Piece> pieces;
+  pieces.reserve(taken.size());
   for (const Task* task : taken) {
     pieces.push_back(task->piece);
   }

@@ -3,7 +3,7 @@
 #include <fcntl.h>
 #include <systemd/sd-bus.h>
 
-#include <cstring>
+#include <system_error>
 #include <utility>
 
 namespace zt_transfers {
@@ -20,6 +20,11 @@ struct MessageUnref {
 using Bus = std::unique_ptr<sd_bus, BusClose>;
 using Message = std::unique_ptr<sd_bus_message, MessageUnref>;
 
+// Of a negative result of the bus library.
+std::string textOf(int result) {
+  return std::generic_category().message(-result);
+}
+
 class BusError {
  public:
   BusError() = default;
@@ -29,7 +34,7 @@ class BusError {
 
   sd_bus_error* get() { return &error_; }
   std::string text(int result) const {
-    return error_.message != nullptr ? error_.message : std::strerror(-result);
+    return error_.message != nullptr ? error_.message : textOf(result);
   }
 
  private:
@@ -45,7 +50,7 @@ struct Taken {
 Taken takeLock(const std::string& reason) {
   sd_bus* opened = nullptr;
   if (const int result = sd_bus_open_system(&opened); result < 0) {
-    return {{}, std::string("no system bus: ") + std::strerror(-result)};
+    return {{}, "no system bus: " + textOf(result)};
   }
   const Bus bus(opened);
   sd_bus_set_method_call_timeout(bus.get(), kAnswerLimitMicroseconds);

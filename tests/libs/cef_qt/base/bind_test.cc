@@ -70,7 +70,7 @@ TEST(RefPtr, CountsConvertsAndReleases) {
   first = nullptr;
   EXPECT_FALSE(deleted);
   CefRefPtr<CefBaseRefCounted> third = std::move(second);
-  EXPECT_FALSE(second);
+  EXPECT_FALSE(second);  // NOLINT(bugprone-use-after-move)
   third = third.get();
   EXPECT_FALSE(deleted);
   third = nullptr;

@@ -137,7 +137,7 @@ bool BrowserProcess::prepareDataFolder() const {
   }
   std::error_code error;
   if (std::filesystem::create_directories(folder, error)) {
-    // The log and the browser's data hold what signs the user in.
+    // The log and the browser's data contain the user's credentials.
     std::filesystem::permissions(folder, std::filesystem::perms::owner_all, error);
   }
   if (!error && access(folder.c_str(), W_OK | X_OK) != 0) {
@@ -150,7 +150,7 @@ bool BrowserProcess::prepareDataFolder() const {
   }
   std::string logPath;
   settings_->getAppLogPath(logPath);
-  // Before the first line of this run makes the log the newer.
+  // Before the first line of this run, which makes the log newer than any report.
   const std::vector<std::string> crashes = CrashReportFolder(folder).writtenAfter(logPath);
   if (CLogHolder* const log = CLogHolder::get()) {
     log->setLogPath(logPath);

@@ -13,14 +13,14 @@
 
 namespace zantrio {
 
-// The browser process from its start to its end. What keeps it from starting is told on standard
-// error and, where it can be written, in the application log.
+// The browser process from its start to its end. Errors that keep it from starting are reported on
+// standard error and, where it can be written, in the application log.
 class BrowserProcess {
  public:
   BrowserProcess(int argc, char** argv);
 
-  // Gives the exit code: 0 after a clean end, and when another process has taken over the files.
-  // In a sub-process of the framework, that sub-process's.
+  // Returns the exit code: 0 after a clean end, and when another process has taken over the files.
+  // In a sub-process of the framework, the exit code of that sub-process.
   int run();
 
  private:

@@ -6,7 +6,8 @@ namespace zantrio {
 
 class CAppSettings;
 
-// What the framework is initialised with. `settings` must know the home folder and the version.
+// Fills in the settings for initialising the framework. `settings` must know the home folder and
+// the version.
 void fillFrameworkSettings(const CAppSettings& settings, CefSettings& frameworkSettings);
 
 }  // namespace zantrio

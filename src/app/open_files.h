@@ -5,10 +5,11 @@
 
 namespace zantrio {
 
-// The folder that relative names count from; empty when it is gone.
+// The current working directory; empty when it was deleted.
 std::string workingFolder();
 
-// The named files as absolute paths: relative names count from `folder`. Nothing is looked up.
+// Makes the names absolute: relative ones are resolved against `folder`. The file system is not
+// accessed.
 std::vector<std::string> absolutePaths(const std::vector<std::string>& names,
                                        const std::string& folder);
 

@@ -4,8 +4,8 @@
 
 namespace zantrio {
 
-// Runs `run` and gives its exit code; 1, and a line on standard error under `program`'s name, when
-// a standard exception ended it.
+// Runs `run` and returns its exit code. A standard exception is reported on standard error under
+// the name `program`, and the exit code is 1.
 int runReported(const char* program, const std::function<int()>& run);
 
 }  // namespace zantrio

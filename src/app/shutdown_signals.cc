@@ -16,19 +16,19 @@ constexpr std::array kSignals = {SIGTERM, SIGINT, SIGHUP};
 constexpr char kSignalled = 's';
 constexpr char kEnd = 'e';
 
-// A signal handler may do little more than write to a pipe. Both ends are set before the handler
-// is installed.
+// A signal handler may do little more than write to a pipe. Both ends are set before the handler is
+// installed.
 int readEnd = -1;
 int writeEnd = -1;
 
-void tell(char what) {
+void notifyThread(char what) {
   const int savedError = errno;
   [[maybe_unused]] const ssize_t written = write(writeEnd, &what, 1);
   errno = savedError;
 }
 
 void onSignal(int /*signal*/) {
-  tell(kSignalled);
+  notifyThread(kSignalled);
 }
 
 void setHandler(void (*handler)(int)) {
@@ -41,7 +41,7 @@ void setHandler(void (*handler)(int)) {
   }
 }
 
-// False at the end.
+// False when the object is being destroyed.
 bool waitForSignal() {
   char what = kEnd;
   ssize_t length = 0;
@@ -66,7 +66,7 @@ ShutdownSignals::ShutdownSignals(std::function<void(bool force)> close) : close_
 
 ShutdownSignals::~ShutdownSignals() {
   setHandler(SIG_DFL);
-  tell(kEnd);
+  notifyThread(kEnd);
   thread_.join();
   ::close(readEnd);
   ::close(writeEnd);

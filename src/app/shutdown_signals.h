@@ -5,11 +5,11 @@
 
 namespace zantrio {
 
-// Turns the signals that ask a program to end (SIGTERM, SIGINT, SIGHUP) into calls: the first into
-// close(false), the second into close(true). From the third on they end the process.
+// Turns the termination signals (SIGTERM, SIGINT, SIGHUP) into calls: close(false) for the first,
+// close(true) for the second. Later ones end the process.
 //
-// `close` is called on a thread of this object's own. One at a time in a process; its destruction
-// gives the signals back and waits for the thread.
+// `close` is called on a thread of this object. One instance at a time in a process; the destructor
+// restores the default handling of the signals and joins the thread.
 class ShutdownSignals {
  public:
   explicit ShutdownSignals(std::function<void(bool force)> close);

@@ -3,7 +3,7 @@
 namespace zantrio {
 namespace {
 
-// A single dash is a name like any other.
+// A single dash is a file name.
 bool isOption(const std::string& argument) {
   return argument.size() > 1 && argument[0] == '-';
 }

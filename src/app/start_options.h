@@ -5,7 +5,7 @@
 
 namespace zantrio {
 
-// What the user asked for on the command line.
+// The options of the command line.
 struct StartOptions {
   bool help = false;
   bool version = false;
@@ -14,7 +14,7 @@ struct StartOptions {
   std::string error;               // a sentence for the user; empty when all was understood
 };
 
-// `arguments` without the program's name. What follows "--" are files, whatever they begin with.
+// `arguments` excludes the program's name. Everything after "--" is a file.
 StartOptions parseStartOptions(const std::vector<std::string>& arguments);
 
 }  // namespace zantrio

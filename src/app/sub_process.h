@@ -2,8 +2,8 @@
 
 namespace zantrio {
 
-// The plain process entry, which the framework starts for its sub-processes. It runs no message
-// loop of its own. Gives the exit code.
+// The entry of the framework's sub-processes, which runs no message loop of its own. Returns the
+// exit code.
 int runSubProcess(int argc, char** argv);
 
 }  // namespace zantrio

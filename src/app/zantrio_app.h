@@ -11,16 +11,16 @@
 
 namespace zantrio {
 
-// The application object of every process. In the browser process it opens the one window; in a
-// render process it gives the page its query functions.
+// The framework's application object in every process. In the browser process it opens the window;
+// in a render process it gives the page its query functions.
 //
-// Ownership: counted references, one held by the entry point. Thread: UI, or the render process's
-// main thread. Errors: logged under the callback's name; none reaches the framework.
+// Ownership: counted references, one of them held by the entry point. Thread: UI, or the render
+// process's main thread. Errors: logged under the callback's name; none reaches the framework.
 class ZantrioApp : public CefApp, public CefBrowserProcessHandler, public CefRenderProcessHandler {
  public:
   explicit ZantrioApp(Poco::SharedPtr<CAppSettings> settings);
-  // The browser's pages are drawn in the application's own OpenGL view; before the framework
-  // starts.
+  // Makes the browser draw off screen, into the application's own OpenGL view. Call it before the
+  // framework starts.
   void showOffScreen() { offScreen_ = true; }
   ZantrioApp(const ZantrioApp&) = delete;
   ZantrioApp& operator=(const ZantrioApp&) = delete;
@@ -35,7 +35,7 @@ class ZantrioApp : public CefApp, public CefBrowserProcessHandler, public CefRen
 
   // CefBrowserProcessHandler
   void OnContextInitialized() override;
-  // The program was started once more: what that start was asked to open is opened here.
+  // Another start of the program was forwarded to this process: opens the files named there.
   bool OnAlreadyRunningAppRelaunch(CefRefPtr<CefCommandLine> command_line,
                                    const CefString& current_directory) override;
 
@@ -54,13 +54,13 @@ class ZantrioApp : public CefApp, public CefBrowserProcessHandler, public CefRen
 
  private:
   void openBrowser();
-  // The render handler of a view of our own, whose window `window` then names; null, with the
-  // reason logged, when there can be none.
+  // Opens an off-screen view, sets its window as the parent in `window`, and returns its render
+  // handler. Null, logged, when the system cannot draw off screen.
   CefRefPtr<client::RenderHandler> makeOffScreenView(CefWindowInfo& window) const;
 
   const Poco::SharedPtr<CAppSettings> settings_;
   bool offScreen_ = false;
-  // Render process: one a bridge, in the order of the bridges' names.
+  // Render process: one per bridge, in the order of the bridges' names.
   std::vector<CefRefPtr<CefMessageRouterRendererSide>> routers_;
 
   IMPLEMENT_REFCOUNTING(ZantrioApp);

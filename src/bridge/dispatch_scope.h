@@ -2,8 +2,8 @@
 
 namespace zantrio {
 
-// Marks that a query is being answered. While any is, handlers that the registry gives up stay
-// alive: a method may run a nested event loop in which the browser closes. Thread: UI.
+// Marks that a query is being answered. A method may run a nested event loop in which the browser
+// closes, so the registry keeps removed handlers alive while any scope exists. Thread: UI.
 class DispatchScope {
  public:
   DispatchScope();

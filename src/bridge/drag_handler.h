@@ -23,8 +23,8 @@ struct DragMessage {
   Poco::Any payload;  // a FileData for kFiles
 };
 
-// Offered by query handlers that take in files (IQueryHandler::getHandlerData, kind 1).
-// Ownership: the query handler's own. Thread: UI.
+// Offered by query handlers that accept files (IQueryHandler::getHandlerData, kind 1). Ownership:
+// the query handler's. Thread: UI.
 class IDragHandler {
  public:
   // A drag entered the browser view. True when this handler accepts it.

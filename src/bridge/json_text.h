@@ -6,13 +6,13 @@
 
 namespace zantrio {
 
-// The JSON text forms that travel between the page and the program. Thread: any.
+// Conversion of the JSON texts exchanged with the page. Thread: any.
 
-// False when the text is not JSON. Comments are allowed; what follows the value is not looked at.
+// False when the text is not JSON. Comments are allowed; text after the value is ignored.
 bool parseJson(const std::string& text, Json::Value& value);
 
-// One line without blanks, ended by a line feed. Members come in the order of their names;
-// non-ASCII characters are escaped.
+// One line without blanks, ended by a line feed. Members are sorted by name; non-ASCII characters
+// are escaped.
 std::string writeCompactJson(const Json::Value& value);
 
 }  // namespace zantrio

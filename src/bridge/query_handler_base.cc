@@ -7,14 +7,15 @@
 #include "bridge/dispatch_scope.h"
 #include "bridge/json_text.h"
 #include "bridge/platform_exceptions.h"
+#include "include/wrapper/cef_helpers.h"
 
 namespace zantrio {
 namespace {
 
 constexpr int kFailureCode = -1;
 
-// A C++ exception is carried past the platform's frames rather than thrown through them, because
-// not every platform's exceptions get along with C++'s.
+// A C++ exception is carried past the platform's frames instead of thrown through them, because not
+// every platform runtime can unwind both kinds.
 bool callGuarded(const std::function<Json::Value()>& call, Json::Value& result) {
   std::exception_ptr failure;
   const bool finished = callCatchingPlatformExceptions([&] {
@@ -39,11 +40,12 @@ CQueryHandlerBase::CQueryHandlerBase() {
 bool CQueryHandlerBase::OnQuery(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> /*frame*/,
                                 int64_t /*query_id*/, const CefString& request, bool /*persistent*/,
                                 CefRefPtr<Callback> callback) {
+  CEF_REQUIRE_UI_THREAD();
   if (!callback) {
     return false;
   }
-  // A method may show a dialog, and the browser may close meanwhile: the handlers then stay until
-  // the call is over.
+  // A method may show a dialog during which the browser closes; the scope keeps the handlers alive
+  // until the call has ended.
   const DispatchScope scope;
   try {
     return dispatch(request.ToString(), *callback);
@@ -52,7 +54,7 @@ bool CQueryHandlerBase::OnQuery(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<Cef
     callback->Failure(kFailureCode, std::string("Exception caught when executing query handler: ") +
                                         exception.what());
   } catch (...) {
-    answerUnknownException(*callback);
+    failWithUnknownException(*callback);
   }
   return true;
 }
@@ -99,12 +101,12 @@ bool CQueryHandlerBase::callMethod(const std::string& name, const Json::Value& p
   if (callGuarded([&] { return (this->*method)(parameters); }, result)) {
     callback.Success(writeCompactJson(result));
   } else {
-    answerUnknownException(callback);
+    failWithUnknownException(callback);
   }
   return true;
 }
 
-void CQueryHandlerBase::answerUnknownException(Callback& callback) {
+void CQueryHandlerBase::failWithUnknownException(Callback& callback) {
   logError("Objective-C Exception caught when executing query handler");
   callback.Failure(kFailureCode, "Exception caught when executing query handler");
 }

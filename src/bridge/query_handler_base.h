@@ -9,11 +9,11 @@
 
 namespace zantrio {
 
-// Answers the queries of one bridge: parses the request, finds the method by its name, calls it
-// and answers the page, or tells the page what failed. Derived classes register their methods in
-// their constructors and do not override OnQuery.
+// Answers the queries of one bridge: parses the request, finds the method by its name, calls it,
+// and sends the page the result or the reason of a failure. Derived classes register their methods
+// in their constructors and do not override OnQuery.
 //
-// Every query is answered before OnQuery returns; an exception that leaves a method becomes the
+// Every query is answered before OnQuery returns. An exception thrown by a method becomes the
 // answer. Thread: UI.
 class CQueryHandlerBase : public IQueryHandler {
  public:
@@ -34,8 +34,8 @@ class CQueryHandlerBase : public IQueryHandler {
   Poco::Any getHandlerData(int kind) override;
 
  protected:
-  // A name that is registered again gets the later method. A null method may stand in the table;
-  // calling it is reported as an error.
+  // Registering a name again replaces its method. A null method may be registered; calling it is
+  // reported as an error.
   template <class Handler>
   void registerMethod(const std::string& name,
                       Json::Value (Handler::*method)(const Json::Value& parameters)) {
@@ -45,7 +45,7 @@ class CQueryHandlerBase : public IQueryHandler {
  private:
   bool dispatch(const std::string& request, Callback& callback);
   bool callMethod(const std::string& name, const Json::Value& parameters, Callback& callback);
-  static void answerUnknownException(Callback& callback);
+  static void failWithUnknownException(Callback& callback);
   Json::Value supportedMethods(const Json::Value& parameters);
 
   std::map<std::string, Method> methods_;

@@ -10,8 +10,8 @@ namespace zantrio {
 
 class IWebAppLifeCycleCallback;
 
-// What the browser client hands to every query handler and event relay. One record is made for
-// each main browser window; whoever keeps a copy of a member keeps that object alive.
+// The objects that the browser client shares with every query handler and event relay. One record
+// per main browser window; a copied member keeps its object alive.
 struct QueryHandlerContext {
   CefRefPtr<CefBrowser> browser;
   IWebAppLifeCycleCallback* lifeCycleCallback = nullptr;  // not owned

@@ -16,7 +16,7 @@ void QueryHandlerRegistry::set(const std::string& name, const HandlerPtr& handle
 }
 
 void QueryHandlerRegistry::clear() {
-  // Moved out first: a handler's end may look at the registry.
+  // Moved out first: a handler's destructor may access the registry.
   const Entries released = std::move(entries_);
   entries_.clear();
   for (const auto& [name, handler] : released) {

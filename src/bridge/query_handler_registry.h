@@ -11,8 +11,9 @@
 
 namespace zantrio {
 
-// The table from bridge name to handler, in ascending byte order of the names. One a process,
-// filled when the main browser window has been created and cleared when it closes. Thread: UI.
+// Maps the bridges' names to their handlers, in ascending byte order of the names. One per process,
+// filled when the main browser window has been created and cleared when it closes. Thread: UI, or
+// the render process's main thread.
 class QueryHandlerRegistry {
  public:
   using HandlerPtr = Poco::SharedPtr<IQueryHandler>;

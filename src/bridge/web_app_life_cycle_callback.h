@@ -2,7 +2,7 @@
 
 namespace zantrio {
 
-// Through this the web application reports its own life to the browser client.
+// The web application reports its own life cycle to the browser client through this interface.
 // Ownership: the browser client, which outlives the bridges. Thread: UI.
 class IWebAppLifeCycleCallback {
  public:

@@ -6,6 +6,7 @@
 #include "app/log/logger.h"
 #include "bridge/query_handler_context.h"
 #include "bridge/query_handler_registry.h"
+#include "include/wrapper/cef_helpers.h"
 
 namespace zantrio {
 namespace {
@@ -21,6 +22,7 @@ CefRefPtr<CefMessageRouterBrowserSide> createRouter(const std::string& bridge) {
 }  // namespace
 
 void BridgeRouters::connect(const QueryHandlerContext& context) {
+  CEF_REQUIRE_UI_THREAD();
   QueryHandlerRegistry::Entries entries = QueryHandlerRegistry::instance().entries();
   for (auto& [name, handler] : entries) {
     if (handler.isNull()) {
@@ -41,7 +43,7 @@ void BridgeRouters::connect(const QueryHandlerContext& context) {
 bool BridgeRouters::onProcessMessageReceived(const CefRefPtr<CefBrowser>& browser,
                                              const CefRefPtr<CefFrame>& frame, CefProcessId source,
                                              const CefRefPtr<CefProcessMessage>& message) const {
-  // A copy: a query's method may run an event loop in which the routers are closed.
+  // A copy: a method may run a nested event loop in which the routers are closed.
   const auto routers = routers_;
   bool handled = false;
   for (const auto& router : routers) {
@@ -64,6 +66,7 @@ void BridgeRouters::onRenderProcessTerminated(const CefRefPtr<CefBrowser>& brows
 }
 
 void BridgeRouters::close(const CefRefPtr<CefBrowser>& browser) {
+  CEF_REQUIRE_UI_THREAD();
   const auto routers = std::exchange(routers_, {});
   for (const auto& router : routers) {
     router->OnBeforeClose(browser);

@@ -5,10 +5,10 @@
 
 namespace zantrio {
 
-// What the drag handlers are told of a drag.
+// Describes a drag to the drag handlers.
 DragMessage toDragMessage(const CefRefPtr<CefDragData>& data);
 
-// Offers the drag to every drag handler; true when at least one takes it. Thread: UI.
+// Offers the drag to every drag handler; true when at least one accepts it. Thread: UI.
 bool offerDrag(const DragMessage& message);
 
 }  // namespace zantrio

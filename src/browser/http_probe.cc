@@ -16,7 +16,7 @@ struct CurlDeleter {
 };
 using CurlPtr = std::unique_ptr<CURL, CurlDeleter>;
 
-// The status is all that is asked for: the body's first bytes end the transfer.
+// Only the status matters: ends the transfer at the first bytes of the body.
 std::size_t refuseBody(char* /*data*/, std::size_t /*size*/, std::size_t /*count*/,
                        void* /*context*/) {
   return 0;
@@ -40,7 +40,7 @@ CurlPtr createRequest(const std::string& url, const std::stop_token& stop) {
   curl_easy_setopt(request.get(), CURLOPT_MAXREDIRS, kMaxRedirects);
   curl_easy_setopt(request.get(), CURLOPT_TIMEOUT, kTimeLimitSeconds);
   curl_easy_setopt(request.get(), CURLOPT_NOSIGNAL, 1L);
-  // A name that is still being looked up does not hold the program back when it ends.
+  // A name lookup in progress does not delay the end of the program.
   curl_easy_setopt(request.get(), CURLOPT_QUICK_EXIT, 1L);
   curl_easy_setopt(request.get(), CURLOPT_WRITEFUNCTION, refuseBody);
   curl_easy_setopt(request.get(), CURLOPT_XFERINFOFUNCTION, abortWhenStopped);
@@ -49,7 +49,7 @@ CurlPtr createRequest(const std::string& url, const std::stop_token& stop) {
   return request;
 }
 
-// Signing in, to the service or to a proxy, is between the user and the page.
+// The user signs in on the page, to the service or to a proxy.
 bool promisesPage(long status) {
   return (status >= 200 && status < 400) || status == 401 || status == 403 || status == 407;
 }

@@ -5,16 +5,15 @@
 
 namespace zantrio {
 
-// The items that the application was asked to open before the web application was ready.
-// One a process. Thread: filled on the main thread before the message loop runs, afterwards
-// used on the UI thread only.
+// The items that the application was asked to open before the web application was ready. One per
+// process. Thread: main until the message loop runs, then UI.
 class CInitialFilesContainer {
  public:
   static CInitialFilesContainer& instance();
 
-  // `paths` are absolute, in UTF-8; the flags travel with them to IDragHandler::filesDropped.
+  // `paths` are absolute, in UTF-8. The flags are passed to IDragHandler::filesDropped.
   void set(const std::vector<std::string>& paths, bool complete, bool defer);
-  // Puts more items behind those that are there.
+  // Appends items.
   void append(const std::vector<std::string>& paths);
 
   const std::vector<std::string>& files() const { return files_; }

@@ -4,9 +4,9 @@
 
 namespace zantrio {
 
-// Shows the page's alert or confirm dialog natively and continues the callback with the answer; an
-// alert always succeeds. False for every other dialog, and when there is no native one.
-// Thread: UI, which a confirm dialog blocks.
+// Shows the page's alert or confirm dialog natively and continues the callback with the result,
+// which is success for an alert. False for every other kind of dialog, and when no native dialog
+// can be created. Thread: UI, which a confirm dialog blocks.
 bool answerPageDialog(CefJSDialogHandler::JSDialogType type, const CefString& text,
                       const CefRefPtr<CefJSDialogCallback>& callback);
 

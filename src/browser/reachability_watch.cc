@@ -12,18 +12,19 @@
 #include "include/base/cef_callback.h"
 #include "include/cef_frame.h"
 #include "include/wrapper/cef_closure_task.h"
+#include "include/wrapper/cef_helpers.h"
 
 namespace zantrio {
 namespace {
 
-constexpr std::int64_t kLookPeriodMs = 250;
-// Looks in a row at a quiet page before the service is asked: one second, and two seconds while
-// the loading page tells that it did not answer.
-constexpr int kQuietLooks = 4;
-constexpr int kQuietLooksBeforeRetry = 8;
+constexpr std::int64_t kCheckPeriodMs = 250;
+// Number of consecutive checks of a quiet page before the service is probed: one second, or two
+// while the loading page shows that the service is unreachable.
+constexpr int kQuietChecks = 4;
+constexpr int kQuietChecksBeforeRetry = 8;
 
-// The service may have come up between the page's try and the probe. Does nothing on a page that
-// did load.
+// The service may have become reachable between the page's load and the probe. Does nothing on a
+// page that has loaded.
 std::string retryOnErrorPage(const std::string& appUrl) {
   return "(function () {"
          " var entry = performance.getEntriesByType('navigation')[0];"
@@ -44,30 +45,33 @@ ReachabilityWatch::ReachabilityWatch(ReachabilityProbe probe) : probe_(std::move
 ReachabilityWatch::~ReachabilityWatch() = default;
 
 void ReachabilityWatch::start(const CefRefPtr<CefBrowser>& browser, const Page& page) {
+  CEF_REQUIRE_UI_THREAD();
   browser_ = browser;
   page_ = page;
-  quietLooks_ = 0;
-  secondLook_ = false;
-  if (!looking_) {
-    looking_ = true;
-    postLook();
+  quietChecks_ = 0;
+  retriedErrorPage_ = false;
+  if (!checkPosted_) {
+    checkPosted_ = true;
+    postCheck();
   }
 }
 
 void ReachabilityWatch::stop() {
+  CEF_REQUIRE_UI_THREAD();
   browser_ = nullptr;
   result_.reset();
   probeThread_.request_stop();
 }
 
-void ReachabilityWatch::postLook() {
+void ReachabilityWatch::postCheck() {
   CefPostDelayedTask(TID_UI,
-                     base::BindOnce(&ReachabilityWatch::look, CefRefPtr<ReachabilityWatch>(this)),
-                     kLookPeriodMs);
+                     base::BindOnce(&ReachabilityWatch::check, CefRefPtr<ReachabilityWatch>(this)),
+                     kCheckPeriodMs);
 }
 
-void ReachabilityWatch::look() {
-  looking_ = false;
+void ReachabilityWatch::check() {
+  CEF_REQUIRE_UI_THREAD();
+  checkPosted_ = false;
   guarded("ReachabilityWatch", [this] {
     if (!browser_) {
       return;
@@ -78,15 +82,15 @@ void ReachabilityWatch::look() {
       startProbe();
     }
     if (browser_) {
-      looking_ = true;
-      postLook();
+      checkPosted_ = true;
+      postCheck();
     }
   });
 }
 
 bool ReachabilityWatch::isTimeToProbe() {
-  quietLooks_ = isQuiet() ? quietLooks_ + 1 : 0;
-  return quietLooks_ >= (showsLoadingPage() ? kQuietLooksBeforeRetry : kQuietLooks);
+  quietChecks_ = isQuiet() ? quietChecks_ + 1 : 0;
+  return quietChecks_ >= (showsLoadingPage() ? kQuietChecksBeforeRetry : kQuietChecks);
 }
 
 bool ReachabilityWatch::isQuiet() const {
@@ -109,9 +113,9 @@ void ReachabilityWatch::startProbe() {
 }
 
 void ReachabilityWatch::useResult(bool reachable) {
-  quietLooks_ = 0;
+  quietChecks_ = 0;
   if (!isQuiet()) {
-    return;  // it has moved on meanwhile
+    return;  // the page has moved on
   }
   if (showsLoadingPage()) {
     if (reachable) {
@@ -120,7 +124,7 @@ void ReachabilityWatch::useResult(bool reachable) {
   } else if (!reachable) {
     showLoadingPage();
   } else {
-    lookAtLoadedPage();
+    retryErrorPageOnce();
   }
 }
 
@@ -132,13 +136,13 @@ void ReachabilityWatch::retry() {
 void ReachabilityWatch::showLoadingPage() {
   logWarning("The web application cannot be reached at ", page_.appUrl,
              ", showing the loading page");
-  secondLook_ = false;
+  retriedErrorPage_ = false;
   browser_->GetMainFrame()->LoadURL(page_.unreachablePageUrl);
 }
 
-void ReachabilityWatch::lookAtLoadedPage() {
-  if (!secondLook_) {
-    secondLook_ = true;
+void ReachabilityWatch::retryErrorPageOnce() {
+  if (!retriedErrorPage_) {
+    retriedErrorPage_ = true;
     const CefRefPtr<CefFrame> frame = browser_->GetMainFrame();
     frame->ExecuteJavaScript(retryOnErrorPage(page_.appUrl), frame->GetURL(), 0);
     return;

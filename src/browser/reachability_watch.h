@@ -10,17 +10,17 @@
 
 namespace zantrio {
 
-// Notices that the web application did not come up, shows the loading page in its place, which
-// says so, and loads the web application once the service answers.
+// Detects that the web application did not load, shows the loading page with a message instead, and
+// loads the web application once the service responds.
 //
-// The framework does not tell this client about failed loads. A page counts as settled when it has
-// stopped loading without announcing itself (see stop) for a second. The service is then asked
-// from here: when it answers, the page is left as it is, else the loading page takes its place,
-// and the service is asked again from time to time. The loading page may also try for itself; a
-// failed try is noticed as any other.
+// The framework does not report failed loads to this client. A page that has stopped loading for a
+// second without announcing itself (see stop) is therefore checked: a probe requests the
+// application's URL. If the service responds, the page is left alone; otherwise the loading page
+// replaces it and the probe is repeated. A retry by the loading page's button is handled like the
+// first load.
 //
-// Ownership: counted references; a watch that runs keeps itself alive through its posted tasks.
-// Thread: UI, but for the probe, which has a thread of its own.
+// Ownership: counted references; posted tasks keep a running watch alive. Thread: UI, except the
+// probe, which has its own thread.
 class ReachabilityWatch : public CefBaseRefCounted {
  public:
   struct Page {
@@ -32,21 +32,22 @@ class ReachabilityWatch : public CefBaseRefCounted {
   ReachabilityWatch(const ReachabilityWatch&) = delete;
   ReachabilityWatch& operator=(const ReachabilityWatch&) = delete;
 
-  // Begins to watch the browser, into which the web application is being loaded.
+  // Starts watching a browser in which the web application is being loaded.
   void start(const CefRefPtr<CefBrowser>& browser, const Page& page);
-  // The web application has announced itself, or the browser closes. Does not wait for the probe.
+  // Call it when the web application has announced itself or the browser closes. Does not wait for
+  // the probe.
   void stop();
 
  protected:
-  // Waits for the probe, which ends soon when it is told to.
+  // Stops the probe and waits for its thread.
   ~ReachabilityWatch() override;
 
  private:
-  // What a probe's thread leaves for the UI thread.
+  // A probe's result, handed from its thread to the UI thread.
   struct Result;
 
-  void postLook();
-  void look();
+  void postCheck();
+  void check();
   bool isTimeToProbe();
   bool isQuiet() const;
   bool showsLoadingPage() const;
@@ -54,15 +55,15 @@ class ReachabilityWatch : public CefBaseRefCounted {
   void useResult(bool reachable);
   void retry();
   void showLoadingPage();
-  void lookAtLoadedPage();
+  void retryErrorPageOnce();
 
   const ReachabilityProbe probe_;
   CefRefPtr<CefBrowser> browser_;
   Page page_;
-  int quietLooks_ = 0;
-  bool secondLook_ = false;  // the service has answered once already
-  bool looking_ = false;
-  std::shared_ptr<Result> result_;  // while a probe runs, and until its result is used
+  int quietChecks_ = 0;
+  bool retriedErrorPage_ = false;  // since the loading page was shown last
+  bool checkPosted_ = false;
+  std::shared_ptr<Result> result_;  // set from the start of a probe until its result is used
   std::jthread probeThread_;
 
   IMPLEMENT_REFCOUNTING(ReachabilityWatch);

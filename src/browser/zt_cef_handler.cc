@@ -123,6 +123,7 @@ void ZtCefHandler::OnRenderProcessTerminated(CefRefPtr<CefBrowser> browser,
   guarded("OnRenderProcessTerminated", [&] { routers_.onRenderProcessTerminated(browser); });
 }
 
+// Never called, by contract: see the declaration.
 bool ZtCefHandler::OnBeforeBrowse(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
                                   CefRefPtr<CefRequest> /*request*/, bool /*user_gesture*/,
                                   bool /*is_redirect*/) {

@@ -25,7 +25,7 @@ void ZtCefHandler::CloseAllBrowsers(bool forceClose) {
                                          CefRefPtr<ZtCefHandler>(this), forceClose));
       return;
     }
-    // A copy: a browser may be gone, and out of the list, when CloseBrowser returns.
+    // A copy: CloseBrowser may remove a browser from the list before it returns.
     const auto browsers = browsers_;
     for (const CefRefPtr<CefBrowser>& browser : browsers) {
       browser->GetHost()->CloseBrowser(forceClose);
@@ -54,14 +54,14 @@ bool ZtCefHandler::DoClose(CefRefPtr<CefBrowser> browser) {
 void ZtCefHandler::OnBeforeClose(CefRefPtr<CefBrowser> browser) {
   CEF_REQUIRE_UI_THREAD();
   constexpr const char* kOperation = "OnBeforeClose";
-  // The last browser's end may be the framework's reason to release its client.
+  // The framework may release its client when the last browser ends.
   const CefRefPtr<ZtCefHandler> self(this);
   guarded(kOperation, [&] {
     logInformation(kOperation, ": Shutting down!");
     if (browser->IsPopup()) {
       return;
     }
-    // Each step on its own: whatever fails, the application comes to its end.
+    // Each step has its own guard, so that a failure does not keep the application from ending.
     guarded(kOperation, [this] { cancelCloseTask(); });
     if (renderHandler_) {
       renderHandler_->OnBeforeClose(browser);
@@ -93,8 +93,8 @@ void ZtCefHandler::onCloseTask() {
     logWarning(
         "ZtCefHandler::OnBeforeClose has not been called within the expected period, calling it "
         "manually!");
-    // Not bound to this object: its end may have begun on the UI thread, which a new reference
-    // could not stop.
+    // Not bound to this object: its destruction may have begun on the UI thread, and a new
+    // reference would not stop it.
     CefPostTask(TID_UI, base::BindOnce(&ZtCefHandler::finishOverdueClose));
   });
 }

@@ -1,4 +1,4 @@
-// What ZtCefHandler and the web application tell each other: readiness, exit, files, routes.
+// The calls between ZtCefHandler and the web application: ready, exit, files, routes.
 #include "app/log/guarded.h"
 #include "app/log/logger.h"
 #include "bridge/app_lifecycle_events_handler.h"

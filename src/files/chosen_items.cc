@@ -18,13 +18,13 @@ Json::Value textOrNull(const std::string& text) {
   return text.empty() ? Json::Value() : Json::Value(toValidUtf8(text));
 }
 
-Json::Value makeAnswer(Json::Value files, const std::string& directoryName,
-                       const std::string& summary) {
-  Json::Value answer(Json::objectValue);
-  answer["files"] = std::move(files);
-  answer["directoryName"] = textOrNull(directoryName);
-  answer["summary"] = textOrNull(summary);
-  return answer;
+Json::Value makeResponse(Json::Value files, const std::string& directoryName,
+                         const std::string& summary) {
+  Json::Value response(Json::objectValue);
+  response["files"] = std::move(files);
+  response["directoryName"] = textOrNull(directoryName);
+  response["summary"] = textOrNull(summary);
+  return response;
 }
 
 std::string toPath(const std::string& url) {
@@ -49,14 +49,15 @@ Json::Value describeChosenFiles(const std::vector<std::string>& urls) {
     if (fillFileItemJson(record, path, "", "")) {
       files.append(std::move(record));
     }
-    // Names are compared, not whole paths: the same name in two places counts as one folder.
+    // Only names are compared, not whole paths: folders with equal names in two places count as
+    // one.
     if (!directoryName.empty() && parentFolderName(Poco::Path(path)) != directoryName) {
       directoryName.clear();
     }
   }
   const std::string summary =
       urls.size() == 1 ? Poco::Path(toPath(urls.front())).getFileName() : directoryName;
-  return makeAnswer(std::move(files), directoryName, summary);
+  return makeResponse(std::move(files), directoryName, summary);
 }
 
 Json::Value describeChosenFolder(const std::string& url) {
@@ -65,7 +66,7 @@ Json::Value describeChosenFolder(const std::string& url) {
   Json::Value files(Json::arrayValue);
   CFolderWalk(files, folder).walk(folder);
   const std::string name = Poco::Path(folder).getBaseName();
-  return makeAnswer(std::move(files), name, name);
+  return makeResponse(std::move(files), name, name);
 }
 
 }  // namespace zantrio

@@ -7,10 +7,10 @@
 
 namespace zantrio {
 
-// The answers for what the user chose in a dialog: {"files", "directoryName", "summary"}, where
-// "directoryName" is the folder's name that all items have in common and "summary" a label for the
-// whole; null where there is none. What is chosen is logged. Throws Poco::SyntaxException for what
-// is no URL. Thread: UI.
+// The responses for the items chosen in a dialog: {"files", "directoryName", "summary"}, where
+// "directoryName" is the name of the common parent folder and "summary" a label for the selection;
+// null where there is none. The chosen items are logged. Throws Poco::SyntaxException for an
+// invalid URL. Thread: UI.
 
 Json::Value describeChosenFiles(const std::vector<std::string>& urls);
 Json::Value describeChosenFolder(const std::string& url);

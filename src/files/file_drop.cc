@@ -30,18 +30,18 @@ Json::Value CFileDrop::describe() {
   countFolders();
   chooseCommonFolder();
   for (const Poco::Path& item : items_) {
-    takeItem(item);
+    addItem(item);
   }
-  Json::Value answer(Json::objectValue);
-  answer["files"] = std::move(files_);
+  Json::Value response(Json::objectValue);
+  response["files"] = std::move(files_);
   if (!directoryName_.empty()) {
-    answer["directoryName"] = toValidUtf8(directoryName_);
-    answer["summary"] = toValidUtf8(directoryName_);
+    response["directoryName"] = toValidUtf8(directoryName_);
+    response["summary"] = toValidUtf8(directoryName_);
   }
-  return answer;
+  return response;
 }
 
-// Puts every folder ahead of what lies inside it.
+// Sorts every folder before the items inside it.
 void CFileDrop::sortByDepth() {
   std::sort(items_.begin(), items_.end(), [](const Poco::Path& left, const Poco::Path& right) {
     return static_cast<std::int32_t>(left.depth()) < static_cast<std::int32_t>(right.depth());
@@ -78,36 +78,37 @@ void CFileDrop::chooseCommonFolder() {
   }
 }
 
-void CFileDrop::takeItem(const Poco::Path& item) {
+void CFileDrop::addItem(const Poco::Path& item) {
   const std::string path = item.toString();
   FileStatus status;
   if (!exists(path, status)) {
     reportMissing(path);
     return;
   }
-  // A hidden item is taken even so: the walk of its folder leaves it out.
-  if (!isHidden(item) && liesInTakenFolder(path)) {
+  // A hidden item is kept: the walk of its folder skips it.
+  if (!isHidden(item) && isInAddedFolder(path)) {
     logWarning("Handling files drop: Item ", path, " is a child of another item.");
     return;
   }
   if (status.isDirectory()) {
-    takeFolder(item);
+    addFolder(item);
   } else if (status.isRegularFile()) {
-    takeFile(item);
+    addFile(item);
   } else {
     logError("handleDrop: file ", path, " is nor a regular file or a directory");
   }
   keepCommonFolderOf(item);
 }
 
-// Several folders: the records' "path" begins with the name of the dropped folder.
-void CFileDrop::takeFolder(const Poco::Path& item) {
+// With several folders, the "path" of the records begins with the name of the dropped folder.
+void CFileDrop::addFolder(const Poco::Path& item) {
   const std::string folder = item.toString();
-  takenFolders_.insert(folder);
+  addedFolders_.insert(folder);
   CFolderWalk(files_, multipleFolders_ ? item.parent().toString() : folder).walk(folder);
 }
 
-void CFileDrop::takeFile(const Poco::Path& item) {
+void CFileDrop::addFile(const Poco::Path& item) {
+  // A file that has vanished since the check stays in the list as an empty object.
   Json::Value record(Json::objectValue);
   fillFileItemJson(record, item.toString(), "", "");
   files_.append(std::move(record));
@@ -119,10 +120,10 @@ void CFileDrop::keepCommonFolderOf(const Poco::Path& item) {
   }
 }
 
-bool CFileDrop::liesInTakenFolder(std::string_view path) const {
+bool CFileDrop::isInAddedFolder(std::string_view path) const {
   for (std::size_t end = path.find('/'); end != std::string_view::npos;
        end = path.find('/', end + 1)) {
-    if (takenFolders_.find(path.substr(0, end)) != takenFolders_.end()) {
+    if (addedFolders_.find(path.substr(0, end)) != addedFolders_.end()) {
       return true;
     }
   }

@@ -13,9 +13,8 @@
 
 namespace zantrio {
 
-// Turns a set of dropped items into the answer for the page: files are described, folders walked,
-// an item inside a folder that was dropped with it is left out.
-// One object serves one drop. Thread: UI.
+// Describes a set of dropped items to the page: files are described, folders walked, and items
+// inside a dropped folder left out. One object serves one drop. Thread: UI.
 class CFileDrop {
  public:
   // `items` must not be empty.
@@ -25,7 +24,7 @@ class CFileDrop {
   Json::Value describe();
 
  private:
-  // Lets the taken folders be found by a part of a path without a copy of it.
+  // Allows lookups of a part of a path without copying it.
   struct TextHash {
     using is_transparent = void;
     std::size_t operator()(std::string_view text) const {
@@ -36,15 +35,15 @@ class CFileDrop {
   void sortByDepth();
   void countFolders();
   void chooseCommonFolder();
-  void takeItem(const Poco::Path& item);
-  void takeFolder(const Poco::Path& item);
-  void takeFile(const Poco::Path& item);
+  void addItem(const Poco::Path& item);
+  void addFolder(const Poco::Path& item);
+  void addFile(const Poco::Path& item);
   void keepCommonFolderOf(const Poco::Path& item);
-  bool liesInTakenFolder(std::string_view path) const;
+  bool isInAddedFolder(std::string_view path) const;
 
   std::vector<Poco::Path> items_;
   Json::Value files_{Json::arrayValue};
-  std::unordered_set<std::string, TextHash, std::equal_to<>> takenFolders_;
+  std::unordered_set<std::string, TextHash, std::equal_to<>> addedFolders_;
   std::string directoryName_;
   bool checksCommonFolder_ = false;
   bool multipleFolders_ = false;

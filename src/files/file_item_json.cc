@@ -10,7 +10,7 @@
 namespace zantrio {
 namespace {
 
-// Static texts spare every record a copy of each key.
+// Static texts save a copy of each key for every record.
 const Json::StaticString kFileUrl("fileURL");
 const Json::StaticString kName("name");
 const Json::StaticString kPath("path");
@@ -22,13 +22,13 @@ std::string_view fileName(std::string_view path) {
   return path.substr(path.rfind('/') + 1);
 }
 
-// Most names are ASCII, and need no copy to become valid.
+// Most names are ASCII, which needs no conversion.
 Json::Value shownText(std::string_view text) {
   return isAscii(text) ? Json::Value(text.data(), text.data() + text.size())
                        : Json::Value(toValidUtf8(text));
 }
 
-// Ends in "/".
+// Ends with "/".
 std::string parentFolder(const std::string& path) {
   const bool isFolderPath = path.size() > 1 && path.ends_with('/');
   return path.substr(0, path.rfind('/', isFolderPath ? path.size() - 2 : path.npos) + 1);
@@ -47,8 +47,8 @@ std::string relativeFolder(const std::string& path, const std::string& rootFolde
   const std::string parent = parentFolder(path);
   const char last = rootFolder.back();
   const std::size_t skip = rootFolder.size() + (last == '/' || last == '\\' ? 0 : 1);
-  // Below zero for an item in the root itself; as an unsigned length that is all of the nothing
-  // that is left.
+  // For an item directly in the root the length underflows to the largest value, which yields the
+  // empty rest.
   return parent.substr(skip, parent.size() - skip - 1);
 }
 

@@ -55,11 +55,11 @@ void CFolderWalk::enterFolder(const std::string& folder, const FileStatus::Ident
     return;
   }
   entered_.push_back(identity);
-  takeEntries(folder);
+  addEntries(folder);
   entered_.pop_back();
 }
 
-void CFolderWalk::takeEntries(const std::string& folder) {
+void CFolderWalk::addEntries(const std::string& folder) {
   CFolderListing listing(folder);
   if (listing.error() != 0) {
     reportUnreadable(folder, listing.error());
@@ -69,7 +69,7 @@ void CFolderWalk::takeEntries(const std::string& folder) {
   const std::string prefix = withTrailingSlash(folder);
   const std::vector<EntryStatus> statuses = listing.readStatuses(prefix, names);
   listing.close();  // descriptors are few, and the recursion may go deep
-  // The same for all files of one folder; any name will do to ask for it.
+  // Equal for all files of one folder, so it is computed for any name.
   const std::string relative = relativeFolder(prefix + 'x', root_);
   for (std::size_t index = 0; index < names.size(); ++index) {
     const std::string path = prefix + names[index];
@@ -77,22 +77,22 @@ void CFolderWalk::takeEntries(const std::string& folder) {
     if (error != 0) {
       reportUnreadable(path, error);
     } else {
-      takeEntry(path, relative, status);
+      addEntry(path, relative, status);
     }
   }
 }
 
-void CFolderWalk::takeEntry(const std::string& path, const std::string& relative,
-                            const FileStatus& status) {
+void CFolderWalk::addEntry(const std::string& path, const std::string& relative,
+                           const FileStatus& status) {
   if (status.isDirectory()) {
     enterFolder(path, status.identity);
   } else if (status.isRegularFile()) {
-    takeFile(path, relative, status);
+    addFile(path, relative, status);
   }
 }
 
-void CFolderWalk::takeFile(const std::string& path, const std::string& relative,
-                           const FileStatus& status) {
+void CFolderWalk::addFile(const std::string& path, const std::string& relative,
+                          const FileStatus& status) {
   filePathToUrl(path, false, url_);
   setFileItemJson(files_.append(Json::Value(Json::objectValue)), path, url_, relative, status);
 }

@@ -9,33 +9,33 @@
 
 namespace zantrio {
 
-// Describes the regular files in a folder and in all folders below it, hidden ones (names that
-// begin with ".") left out. The file system is asked once for each entry.
+// Describes the regular files in a folder and in all folders below it, without hidden ones (names
+// that begin with "."). Each entry takes one system call.
 //
-// Symbolic links count as what they lead to. A link to a folder that holds it, which would have no
-// end, is left out, as is what cannot be read; both are logged. What vanished since it was listed
-// is left out silently.
+// Symbolic links are followed. A link to an enclosing folder would never end and is skipped, as are
+// unreadable items; both are logged. Items that vanished after they were listed are skipped
+// silently.
 //
 // Thread: any; one walk at a time.
 class CFolderWalk {
  public:
-  // `files`, a JSON array that outlives the walk, gets one file item record for each file, in the
-  // order of the file system; the records' "path" is relative to `root`.
+  // `files`, a JSON array that outlives the walk, receives one file item record for each file in
+  // the order of the file system. The "path" of the records is relative to `root`.
   CFolderWalk(Json::Value& files, std::string root);
 
-  // Adds nothing when there is no such folder, or when it is hidden and not itself the root.
+  // Adds nothing when the folder does not exist, or is hidden and not the root itself.
   void walk(const std::string& folder);
 
  private:
   void enterFolder(const std::string& folder, const FileStatus::Identity& identity);
-  void takeEntries(const std::string& folder);
-  void takeEntry(const std::string& path, const std::string& relative, const FileStatus& status);
-  void takeFile(const std::string& path, const std::string& relative, const FileStatus& status);
+  void addEntries(const std::string& folder);
+  void addEntry(const std::string& path, const std::string& relative, const FileStatus& status);
+  void addFile(const std::string& path, const std::string& relative, const FileStatus& status);
   bool isEntered(const FileStatus::Identity& identity) const;
 
   Json::Value& files_;
   const std::string root_;
-  // The folder being walked and those that lead to it.
+  // The folder being walked and its enclosing ones.
   std::vector<FileStatus::Identity> entered_;
   std::string url_;  // of the file at hand; kept for its memory
 };

@@ -5,8 +5,8 @@
 namespace zantrio {
 namespace {
 
-// RFC 3986's unreserved and path characters. ";" is left out: it separates path parameters for
-// older readers, and the file URLs of desktop systems encode it.
+// The unreserved and path characters of RFC 3986, without ";": old readers take it as a separator
+// of path parameters, and desktop systems encode it in file URLs.
 constexpr std::string_view kKept =
     "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/!$&'()*+,=:@";
 

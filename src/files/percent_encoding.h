@@ -5,9 +5,9 @@
 
 namespace zantrio {
 
-// Appends the bytes of an absolute path as the path of a URL: what may stand in a URL's path as it
-// is stays, "/" included; every other byte becomes "%" and two upper-case hexadecimal digits. Any
-// bytes can be encoded, so names that are no UTF-8 survive.
+// Appends an absolute path to a URL, percent-encoded: characters that are allowed in a URL's path
+// stay, "/" included; every other byte becomes "%" and two upper-case hexadecimal digits. The path
+// may contain any bytes, not only UTF-8.
 void appendPercentEncodedPath(std::string_view path, std::string& url);
 
 }  // namespace zantrio

@@ -70,8 +70,8 @@ void CQueryHandlerFileHandleChooser::filesDropped(const std::vector<std::string>
   if (!frame) {
     return;
   }
-  rememberDropped(paths);
-  Json::Value drop = takeInDraggedFiles();
+  storeDroppedPaths(paths);
+  Json::Value drop = describeDraggedFiles();
   drop["complete"] = complete;
   drop["defer"] = defer;
   pushIntoPage(*frame, drop);
@@ -94,10 +94,10 @@ Json::Value CQueryHandlerFileHandleChooser::selectFolder(const Json::Value&) {
 }
 
 Json::Value CQueryHandlerFileHandleChooser::handleDrop(const Json::Value&) {
-  return takeInDraggedFiles();
+  return describeDraggedFiles();
 }
 
-Json::Value CQueryHandlerFileHandleChooser::takeInDraggedFiles() {
+Json::Value CQueryHandlerFileHandleChooser::describeDraggedFiles() {
   if (draggedFiles_.empty()) {
     logError("FileHandleChooser: handleDrop method called, but no files where previously dragged!");
     return {};
@@ -105,7 +105,7 @@ Json::Value CQueryHandlerFileHandleChooser::takeInDraggedFiles() {
   return CFileDrop(std::exchange(draggedFiles_, {})).describe();
 }
 
-void CQueryHandlerFileHandleChooser::rememberDropped(const std::vector<std::string>& paths) {
+void CQueryHandlerFileHandleChooser::storeDroppedPaths(const std::vector<std::string>& paths) {
   draggedFiles_.clear();
   draggedFiles_.reserve(paths.size());
   logInformation("The following files have been dropped to app dock icon: ");

@@ -11,12 +11,13 @@
 
 namespace zantrio {
 
-// The bridge through which the page gets files: chosen in a dialog, dragged onto the browser view,
-// or handed to the application itself, which are pushed into the page.
+// The bridge "fileHandleChooserBridge_IPC", through which the page receives files: chosen in a
+// dialog, dragged onto the browser view, or opened with the application, which are pushed into the
+// page.
 //
-// Methods, none of which reads its parameters: "selectFiles", "selectFolder" and "handleDrop",
-// each answering {"files", "directoryName", "summary"}, or null when the user cancelled or there
-// was nothing to take in.
+// The methods "selectFiles", "selectFolder" and "handleDrop" ignore their parameters. Each responds
+// with {"files", "directoryName", "summary"}, or null when the user cancelled or there was nothing
+// to describe.
 //
 // Ownership: as every query handler. Thread: UI.
 class CQueryHandlerFileHandleChooser : public CQueryHandlerBase, public IDragHandler {
@@ -26,10 +27,10 @@ class CQueryHandlerFileHandleChooser : public CQueryHandlerBase, public IDragHan
   void setHandlerData(const QueryHandlerContext& context) override;
   Poco::Any getHandlerData(int kind) override;
 
-  // Remembers the paths of a drag that carries files, for the drop that may follow. Throws
-  // Poco::BadCastException when the payload is no FileData.
+  // Stores the paths of a drag that carries files until it is dropped. Throws
+  // Poco::BadCastException when the payload is not a FileData.
   bool onDragData(const DragMessage& message) override;
-  // Ignored while there is no browser with a main frame.
+  // Ignored when the browser has no main frame.
   void filesDropped(const std::vector<std::string>& paths, bool complete, bool defer) override;
 
  private:
@@ -37,10 +38,10 @@ class CQueryHandlerFileHandleChooser : public CQueryHandlerBase, public IDragHan
   Json::Value selectFolder(const Json::Value& parameters);
   Json::Value handleDrop(const Json::Value& parameters);
 
-  Json::Value takeInDraggedFiles();
-  void rememberDropped(const std::vector<std::string>& paths);
+  Json::Value describeDraggedFiles();
+  void storeDroppedPaths(const std::vector<std::string>& paths);
 
-  // The items of the last drag that were not taken in yet.
+  // The items of the last drag that was not dropped yet.
   std::vector<Poco::Path> draggedFiles_;
   CefRefPtr<CefBrowser> browser_;
 };

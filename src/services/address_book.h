@@ -8,10 +8,10 @@
 
 namespace zantrio {
 
-// The user's contacts, as the system keeps them. Ownership: the caller's. Thread: UI.
+// The address book of the system. Ownership: the caller's. Thread: UI.
 class IAddressBook {
  public:
-  // The system has no address book, or does not let us at it.
+  // The system has no address book, or denies access to it.
   class CAddressBookObtainError : public std::runtime_error {
    public:
     CAddressBookObtainError()
@@ -21,12 +21,13 @@ class IAddressBook {
   virtual ~IAddressBook() = default;
 
   // Appends an entry for each e-mail address of every person whose first name, last name or e-mail
-  // address contains `query`, upper and lower case being the same. What cannot be read is left
-  // out: a failure is a search that finds nothing.
+  // address contains `query`, ignoring case. Contacts that cannot be read are skipped; a failed
+  // search finds nothing.
   virtual void search(const std::string& query, ContactEntries& results) = 0;
 };
 
-// Null when there was no memory for it. Throws IAddressBook::CAddressBookObtainError.
+// Null when memory runs out. Throws IAddressBook::CAddressBookObtainError. Implemented by each
+// platform.
 std::unique_ptr<IAddressBook> createAddressBook();
 
 }  // namespace zantrio

@@ -5,19 +5,19 @@
 
 namespace zantrio {
 
-// A notice that the user dismisses with its only button.
-// Ownership: the caller's; a notice that is shown outlives the object. Thread: UI.
+// A message that the user dismisses with its only button. Ownership: the caller's; a displayed
+// message outlives the object. Thread: UI.
 class IAlertDialog {
  public:
   virtual ~IAlertDialog() = default;
 
-  // Shows `text` and returns at once; the notice stays until the user dismisses it, and several may
-  // stand at the same time. A notice that cannot be shown is dropped. Linux takes the bytes of
-  // `text` for UTF-8, macOS takes them for Mac Roman.
+  // Shows `text` without waiting for the user. Several messages may be open at the same time; one
+  // that cannot be shown is dropped. Linux takes the bytes of `text` for UTF-8, macOS for Mac
+  // Roman.
   virtual void show(const std::string& text) = 0;
 };
 
-// Null when there was no memory for it.
+// Null when memory runs out. Implemented by each platform.
 std::unique_ptr<IAlertDialog> createAlertDialog();
 
 }  // namespace zantrio

@@ -10,12 +10,12 @@ class IClipboard {
  public:
   virtual ~IClipboard() = default;
 
-  // Replaces what the clipboard holds by `text`, the bytes of a UTF-8 plain text. False, with the
-  // clipboard untouched, when there is no clipboard or it did not take the text.
+  // Replaces the contents of the clipboard with `text` (UTF-8, plain text). False, with the
+  // clipboard unchanged, when there is no clipboard or it rejected the text.
   virtual bool copyText(const std::string& text) = 0;
 };
 
-// Null when there was no memory for it.
+// Null when memory runs out. Implemented by each platform.
 std::unique_ptr<IClipboard> createClipboard();
 
 }  // namespace zantrio

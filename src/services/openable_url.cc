@@ -14,8 +14,8 @@ bool isLetterOrDigit(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
 }
 
-// The characters of which a URL is made. Blanks, quotes, backslashes, control characters and
-// non-ASCII bytes are not among them.
+// The characters that a URL may contain: no blanks, quotes, backslashes, control characters or
+// non-ASCII bytes.
 bool isUrlCharacter(char c) {
   constexpr std::string_view kMarks = "-._~:/?#[]@!$&'()*+,;=%";
   return isLetterOrDigit(c) || kMarks.find(c) != std::string_view::npos;

@@ -4,10 +4,9 @@
 
 namespace zantrio {
 
-// Whether a URL that comes from the page may be handed to the user's program for it: an absolute
-// URL in ASCII, of a kind that shows a page or begins a message or a call (http, https, mailto,
-// tel, sms). Everything that could start a program or open a local file is refused, and so is a
-// text that is no clean URL. Thread: any.
+// Whether a URL from the page may be opened in the user's default program: an absolute ASCII URL
+// that shows a page or starts a message or a call (http, https, mailto, tel, sms). URLs that could
+// start a program or open a local file are refused, and so are malformed ones. Thread: any.
 bool isOpenableUrl(const std::string& url);
 
 }  // namespace zantrio

@@ -4,18 +4,17 @@
 
 namespace zantrio {
 
-// Prepares the platform for the application once its main window stands.
-// Ownership: the browser client's. Thread: UI.
+// Prepares the platform once the main window exists. Ownership: the browser client's. Thread: UI.
 class IPlatformInit {
  public:
   virtual ~IPlatformInit() = default;
 
-  // To be called once, before the bridges are registered. What fails is told to the system's log
-  // and does not keep the application from starting.
+  // Call it once, before the bridges are registered. Failures go to the system's log and do not
+  // keep the application from starting.
   virtual void init() = 0;
 };
 
-// Null when there was no memory for it.
+// Null when memory runs out. Implemented by each platform.
 std::unique_ptr<IPlatformInit> createPlatformInit();
 
 }  // namespace zantrio

@@ -4,9 +4,9 @@
 
 namespace zantrio {
 
-// What the platform does in the browser process before anything else, and undoes last: main makes
-// it first, while the process has one thread and has opened nothing, and keeps it to its end.
-// Implemented by each platform, which tells the system's log what fails; the process goes on.
+// The platform's preparation of the browser process: main creates it first, while the process has
+// one thread and no open files, and destroys it last. Failures go to the system's log; the process
+// continues. Implemented by each platform that needs it.
 class ProcessPreparation {
  public:
   ProcessPreparation();

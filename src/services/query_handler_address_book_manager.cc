@@ -36,11 +36,11 @@ Json::Value CQueryHandlerAddressBookManager::search(const Json::Value& parameter
   const std::string query = parameters.get("query", Json::Value()).asString();
   ContactEntries entries;
   addressBook_->search(query, entries);
-  Json::Value answer(Json::arrayValue);
+  Json::Value response(Json::arrayValue);
   for (const ContactEntry& entry : entries) {
-    answer.append(toJson(entry));
+    response.append(toJson(entry));
   }
-  return answer;
+  return response;
 }
 
 }  // namespace zantrio

@@ -10,8 +10,8 @@ namespace zantrio {
 
 class IAddressBook;
 
-// The bridge "addressBookSearchManagerBridge_IPC": the page looks for people among the user's
-// contacts, to suggest them as recipients.
+// The bridge "addressBookSearchManagerBridge_IPC": the page searches the user's contacts to suggest
+// recipients. Thread: UI.
 class CQueryHandlerAddressBookManager : public CQueryHandlerBase {
  public:
   // Throws IAddressBook::CAddressBookObtainError where the system has no address book.

@@ -6,8 +6,8 @@
 
 namespace zantrio {
 
-// The bridge "eventNotificationBridge_IPC": the page raises a desktop notification. Whether the
-// desktop showed it is not told. Thread: UI.
+// The bridge "eventNotificationBridge_IPC": the page shows a desktop notification. Whether the
+// desktop displayed it is not reported. Thread: UI.
 class CQueryHandlerEventNotification : public CQueryHandlerBase {
  public:
   CQueryHandlerEventNotification();

@@ -8,13 +8,14 @@ namespace zantrio {
 
 class IWebAppLifeCycleCallback;
 
-// The bridge "nativeAppBridge_IPC": the page reports that it is ready or wants to leave, opens
-// URLs with the system and fills the clipboard. Whether the system did as asked is not told.
+// The bridge "nativeAppBridge_IPC": the page reports that it is ready or wants to exit, opens URLs
+// with the system and fills the clipboard. Whether the system succeeded is not reported. Thread:
+// UI.
 class CQueryHandlerNativeApp : public CQueryHandlerBase {
  public:
   CQueryHandlerNativeApp();
 
-  // Keeps the life-cycle callback in place of an earlier one.
+  // Replaces the life-cycle callback.
   void setHandlerData(const QueryHandlerContext& context) override;
 
  private:

@@ -12,18 +12,18 @@ struct UserNotification {
   std::string url;  // kept with the notification; a click on it does nothing
 };
 
-// The desktop's notifications. Ownership: the caller's; a notification outlives the object.
-// Thread: UI.
+// Shows desktop notifications. Ownership: the caller's; a notification outlives the object. Thread:
+// UI.
 class IUserNotificationHandler {
  public:
   virtual ~IUserNotificationHandler() = default;
 
-  // Hands the notification to the desktop and returns at once. Where the desktop shows no
-  // notifications it is dropped without a word.
+  // Sends the notification to the desktop without waiting. Without a notification service it is
+  // dropped silently.
   virtual void show(const UserNotification& notification) = 0;
 };
 
-// Null when there was no memory for it.
+// Null when memory runs out. Implemented by each platform.
 std::unique_ptr<IUserNotificationHandler> createUserNotificationHandler();
 
 }  // namespace zantrio

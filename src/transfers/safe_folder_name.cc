@@ -7,7 +7,7 @@ namespace zantrio {
 namespace {
 
 constexpr char kReplacement = '_';
-constexpr std::size_t kLongestName = 255;  // bytes
+constexpr std::size_t kMaxNameLength = 255;  // bytes
 
 bool isControl(char character) {
   const auto byte = static_cast<unsigned char>(character);
@@ -19,10 +19,10 @@ bool continuesCharacter(char byte) {
 }
 
 void cut(std::string& name) {
-  if (name.size() <= kLongestName) {
+  if (name.size() <= kMaxNameLength) {
     return;
   }
-  std::size_t end = kLongestName;
+  std::size_t end = kMaxNameLength;
   while (end > 0 && continuesCharacter(name[end])) {
     --end;
   }

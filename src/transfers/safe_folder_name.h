@@ -4,11 +4,10 @@
 
 namespace zantrio {
 
-// What a text from the service may be as the name of a folder: a relative path that stays below
-// the folder that it is put behind. "/" makes nested folders, of which empty ones, "." and ".."
-// are left out. A dot at the beginning of a name would hide the folder, or write into the user's
-// hidden ones, and becomes "_", and so does every control character, NUL included; names that are
-// too long for a file system are cut. Empty when nothing is left. Thread: any.
+// Makes a text from the service safe as a folder name: a relative path that stays below its parent
+// folder. "/" separates nested folders; empty names, "." and ".." are dropped. A leading dot, which
+// would hide a folder or address a hidden one, and every control character (NUL included) become
+// "_". Names too long for a file system are cut. The result may be empty. Thread: any.
 std::string safeFolderName(const std::string& text);
 
 }  // namespace zantrio

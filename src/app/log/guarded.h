@@ -6,7 +6,7 @@
 
 namespace zantrio {
 
-// Logs what was caught. Where not even that can be done, there is nobody left to tell.
+// Logs a caught exception. A failure to log it is ignored: nothing else can report it.
 inline void logCaught(const char* operation, const char* text) noexcept {
   try {
     logError(operation, ": Exception: ", text);
@@ -14,8 +14,8 @@ inline void logCaught(const char* operation, const char* text) noexcept {
   }
 }
 
-// The outer level of a framework callback, posted task or timer task: no exception may leave it,
-// so everything is caught and logged under the operation's name.
+// For framework callbacks, posted tasks and timer tasks, which no exception may leave: every
+// exception is caught and logged under the operation's name.
 template <class Body>
 void guarded(const char* operation, const Body& body) noexcept {
   try {
@@ -27,7 +27,7 @@ void guarded(const char* operation, const Body& body) noexcept {
   }
 }
 
-// As above for operations with a result: `fallback` when an exception was caught.
+// The same for operations with a result, which is `fallback` when an exception was caught.
 template <class Result, class Body>
 Result guarded(const char* operation, Result fallback, const Body& body) noexcept {
   guarded(operation, [&] { fallback = body(); });

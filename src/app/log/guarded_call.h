@@ -4,8 +4,8 @@
 
 namespace zantrio {
 
-// As `guarded`, for Objective-C++: on some of its runtimes code of that language cannot catch the
-// exceptions of C++. `body` must not raise one of the system's.
+// As `guarded`, for Objective-C++ code, which cannot catch C++ exceptions in every runtime. `body`
+// must not raise a platform exception.
 void guardedCall(const char* operation, const std::function<void()>& body) noexcept;
 
 }  // namespace zantrio

@@ -13,7 +13,7 @@ namespace {
 const std::string kLoggerName = "ZantrioLogger";
 
 Poco::FastMutex creationMutex;
-// Guarded by creationMutex. Kept to the process's end: threads may log until then.
+// Guarded by creationMutex. Never deleted: threads may log until the process ends.
 CLogHolder* holder = nullptr;
 
 Poco::AutoPtr<Poco::FileChannel> makeFileChannel() {
@@ -58,12 +58,12 @@ void CLogHolder::setLogPath(const std::string& path) {
 }
 
 void CLogHolder::writeLine(Poco::Message::Priority priority, std::string line) {
-  // File names may hold any bytes. The stream takes this one for the end of all output, and would
-  // keep what it has so far for the next line. It stands in no UTF-8 text.
+  // File names may hold any bytes. The stream takes 0xFF for the end of the output, so that the
+  // text so far would join the next line. No UTF-8 text contains it.
   std::replace(line.begin(), line.end(), '\xFF', '?');
   const Poco::FastMutex::ScopedLock lock(mutex_);
-  // A line that could not be written (a full disk, no path yet) has left the stream failed; the
-  // next one tries again.
+  // After a line that could not be written (full disk, no path yet) the stream is in a failed
+  // state; clearing it lets the next line try again.
   stream_.clear();
   stream_.priority(priority);
   stream_ << line << std::endl;

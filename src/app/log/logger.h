@@ -11,21 +11,21 @@
 
 namespace zantrio {
 
-// The application log: one named logger that writes to a rotating file. One a process, made when
-// it is first asked for and kept to the process's end. Thread: any; each line is written whole.
+// The application log: one named logger that writes to a rotating file. One per process, created on
+// first use and kept until the process ends. Thread: any; each line is written whole.
 class CLogHolder {
  public:
-  // Null when there was no memory for it.
+  // Null when memory runs out.
   static CLogHolder* get();
 
   CLogHolder();
   CLogHolder(const CLogHolder&) = delete;
   CLogHolder& operator=(const CLogHolder&) = delete;
 
-  // To be set before the first line; an empty path is ignored.
+  // Call it before the first line is written. An empty path is ignored.
   void setLogPath(const std::string& path);
 
-  // Writes the pieces, one after the other, as one line. A line that cannot be written is lost.
+  // Writes the pieces, concatenated, as one line. A line that cannot be written is lost.
   template <class... Pieces>
   void write(Poco::Message::Priority priority, const Pieces&... pieces) {
     std::ostringstream line;

@@ -31,8 +31,8 @@ void CAppSettings::getAppDataFolder(std::string& folder) const {
   }
 }
 
-// The folder's slash and the one in front of the names both stay; the file system takes them as
-// one.
+// The result has two slashes, one of the folder and one of the name, which the file system treats
+// as one.
 void CAppSettings::getCachePath(std::string& path) const {
   getInAppDataFolder("/Cache", path);
 }

@@ -8,14 +8,14 @@
 
 namespace zantrio {
 
-// Answers where the application lives and what it is called. Everything is computed when asked
-// for, from the bundle's information dictionary and the environment.
+// The application's paths, names and addresses, computed on every call from the bundle's
+// information dictionary and the environment.
 //
-// Every operation writes into the caller's text and leaves it as it was where its source is
-// missing. Thread: any. Errors: Poco::NullPointerException when there is no bundle object.
+// Every getter writes into the caller's text and leaves it unchanged when its source is missing.
+// Thread: any. Errors: Poco::NullPointerException when there is no bundle object.
 class CAppSettings {
  public:
-  // `executablePath`: the path of the program's file, as the process was started with.
+  // `executablePath`: the path of the program's file, as resolveExecutablePath returns it.
   CAppSettings(Poco::SharedPtr<CMainBundle> bundle, std::string executablePath);
 
   void getHomeFolder(std::string& folder) const;
@@ -36,7 +36,7 @@ class CAppSettings {
 
  private:
   void getInAppDataFolder(const std::string& name, std::string& path) const;
-  // The default stands in for an entry that is missing or empty, not for one of another type.
+  // The default replaces an entry that is missing or empty, but not one of another type.
   void getOrDefault(const std::string& key, const std::string& defaultValue,
                     std::string& value) const;
 

@@ -23,7 +23,7 @@ void getHomeFromUserDatabase(std::string& folder) {
 }  // namespace
 
 void readHomeFolder(std::string& folder) {
-  // Nothing changes the environment once threads run.
+  // The environment is not changed once threads run.
   if (const char* home = std::getenv("HOME")) {  // NOLINT(concurrency-mt-unsafe)
     folder = home;
   } else {

@@ -4,8 +4,8 @@
 
 namespace zantrio {
 
-// Sets `folder` to the user's home folder: what the environment says, else the user database.
-// Leaves it as it was when neither knows one. Thread: any.
+// Sets `folder` to the user's home folder from the environment or, without HOME, from the user
+// database. Leaves it unchanged when neither has one. Thread: any.
 void readHomeFolder(std::string& folder);
 
 }  // namespace zantrio

@@ -17,11 +17,11 @@ class CMainBundle {
   CMainBundle& operator=(const CMainBundle&) = delete;
   ~CMainBundle();
 
-  // What keeps the dictionary from being read, as a sentence for the user; empty when it was read.
+  // Why the dictionary could not be read, as a sentence for the user; empty when it was read.
   const std::string& error() const;
   // Whether there is an entry of any type.
   bool hasEntry(const std::string& key) const;
-  // False, and `value` as it was, when the entry is missing or not a string.
+  // False, with `value` unchanged, when the entry is missing or not a string.
   bool getString(const std::string& key, std::string& value) const;
 
  private:

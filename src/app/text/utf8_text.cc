@@ -11,7 +11,7 @@ bool isContinuation(char character) {
   return (static_cast<unsigned char>(character) & 0xC0) == 0x80;
 }
 
-// The length that a character with this first byte has; 0 for a byte that begins none.
+// The length of a character with this first byte; 0 for a byte that begins no character.
 std::size_t announcedLength(unsigned char first) {
   if (first < 0x80) {
     return 1;
@@ -25,7 +25,7 @@ std::size_t announcedLength(unsigned char first) {
   return first >= 0xF0 && first < 0xF5 ? 4 : 0;
 }
 
-// Over-long forms, surrogates and values beyond Unicode show in the second byte.
+// Overlong forms, surrogates and values beyond Unicode are recognised by the second byte.
 bool isSecondByteAllowed(unsigned char first, unsigned char second) {
   switch (first) {
     case 0xE0:
@@ -41,7 +41,7 @@ bool isSecondByteAllowed(unsigned char first, unsigned char second) {
   }
 }
 
-// The length of the character at the beginning of `text`; 0 when no valid one stands there.
+// The length of the valid character at the beginning of `text`; 0 when there is none.
 std::size_t characterLength(std::string_view text) {
   const auto first = static_cast<unsigned char>(text[0]);
   const std::size_t length = announcedLength(first);

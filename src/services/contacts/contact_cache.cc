@@ -39,9 +39,9 @@ void CContactCache::search(const std::string& query, ContactEntries& results) co
   const ContactQuery wanted(query);
   const std::lock_guard lock(mutex_);
   for (const auto& [id, book] : books_) {
-    for (const auto& [arrival, kept] : book.contacts) {
-      if (wanted.matches(kept.searchText)) {
-        appendEntries(kept.contact, results);
+    for (const auto& [arrival, cached] : book.contacts) {
+      if (wanted.matches(cached.searchText)) {
+        appendEntries(cached.contact, results);
       }
     }
   }

@@ -25,7 +25,7 @@ std::size_t countCharacters(std::string_view utf8) {
          static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), isContinuation));
 }
 
-// Without the bytes at the front that only end a character.
+// Drops the continuation bytes at the front.
 std::string_view withoutSplitCharacter(std::string_view tail) {
   std::size_t split = 0;
   while (split < tail.size() && split < kLongestCharacter - 1 && isContinuation(tail[split])) {
@@ -34,7 +34,7 @@ std::string_view withoutSplitCharacter(std::string_view tail) {
   return tail.substr(split);
 }
 
-// Reads until the file ends or `length` bytes are there.
+// Reads until the end of the file or `length` bytes.
 std::string readFrom(int fd, off_t position, std::size_t length) {
   std::string bytes(length, '\0');
   std::size_t done = 0;
@@ -55,15 +55,15 @@ std::string tailOf(int fd, std::size_t maximum) {
   if (fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) {
     return {};
   }
-  // One byte more than the text needs tells logDataToText that something was cut off.
+  // Reading one byte more than the maximum tells logDataToText that the data was cut.
   const off_t wanted = std::min(status.st_size, static_cast<off_t>(maximum) + 1);
   return logDataToText(readFrom(fd, status.st_size - wanted, static_cast<std::size_t>(wanted)),
                        maximum);
 }
 
-// Only the tail of a file is read, however large it is.
+// Reads only the tail of the file, however large it is.
 std::string tailOfFile(const std::string& path, std::size_t maximum) {
-  // Not blocking: opening a pipe in a log's place must not wait for its writer.
+  // O_NONBLOCK: opening a pipe in place of a log must not wait for its writer.
   const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (fd < 0) {
     return {};

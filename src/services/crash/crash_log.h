@@ -6,12 +6,11 @@
 
 namespace zantrio {
 
-// What a crash report says of the time before the crash: the ends of the application's log files,
-// joined to one text with a header before each. The sizes are bounded, so that a report stays small
-// while the most recent lines are kept.
+// The logs in a crash report: the tails of the application's log files, joined into one text with a
+// header before each. The sizes are limited, so that a report stays small and has the most recent
+// lines.
 //
-// Thread: any. Errors: a file that is missing, cannot be read or is no ordinary file counts as
-// empty.
+// Thread: any. Errors: a file that is missing, unreadable or not a regular file counts as empty.
 
 // The paths of the log files.
 struct CrashLogFiles {
@@ -24,13 +23,12 @@ struct CrashLogFiles {
 // `appDataFolder` ends with a slash.
 CrashLogFiles crashLogFilesIn(const std::string& appDataFolder);
 
-// The last min(length, maximum) bytes of `data` as valid UTF-8. What is left at the front of a
-// character that the cut has split is dropped; other bytes that belong to no character become
-// U+FFFD.
+// The last min(length, maximum) bytes of `data` as valid UTF-8. The rest of a character that the
+// cut has split is dropped; other bytes that belong to no character become U+FFFD.
 std::string logDataToText(std::string_view data, std::size_t maximum);
 
-// The joined text, in valid UTF-8. The secondary transfer log is part of it only when the text of
-// the first one has fewer characters than its cap has bytes.
+// The joined text, in valid UTF-8. It includes the secondary transfer log only when the text of the
+// first one has fewer characters than its cap has bytes.
 std::string collectCrashLog(const CrashLogFiles& files);
 
 }  // namespace zantrio

@@ -6,15 +6,15 @@
 
 namespace zantrio::messages {
 
-// The relays of transfer events. One list a process. Thread: UI.
+// The relays of transfer events. One list per process. Thread: UI.
 class CMessageHandlerList {
  public:
   static CMessageHandlerList& instance();
 
-  // Puts a new upload and a new download relay in place of those that are there.
+  // Replaces the relays with a new upload and a new download relay.
   void fill();
   void attach(const QueryHandlerContext& context);
-  // True when a relay took the message.
+  // True when a relay handled the message.
   bool onMessage(const CefRefPtr<CefProcessMessage>& message);
   // Detaches and releases the relays; tasks that they have posted still run.
   void clear();

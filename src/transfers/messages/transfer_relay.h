@@ -74,7 +74,7 @@ class CTransferRelay : public CMessageHandlerBase, private Manager::ICallback {
     callPage(browser_, profile_.fileStateChanged, event);
   }
 
-  // Tells the page of the group. False when there was no main frame.
+  // Sends the group to the page. False when there is no main frame.
   bool forward(const GroupState& group) const {
     return callPage(browser_, profile_.groupStateChanged, groupEventToJson(group));
   }

@@ -6,8 +6,8 @@ class CAppSettings;
 
 namespace zantrio::messages {
 
-// Tells the transfer library the service's address, the user agent and where its files go. To be
-// called before the first manager is used. Thread: UI.
+// Sets the transfer library's service address, user agent and data folder. Call it before the first
+// manager is used. Thread: UI.
 void initializeTransfers(const CAppSettings& settings);
 
 }  // namespace zantrio::messages

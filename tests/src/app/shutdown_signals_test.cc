@@ -11,7 +11,7 @@
 namespace zantrio {
 namespace {
 
-// What ShutdownSignals asked for, and a way to wait for it.
+// Records the calls of ShutdownSignals, and waits for them.
 class Requests {
  public:
   void add(bool force) {

@@ -51,17 +51,20 @@ class Reachability : public test::ZtCefHandlerTest {
       "file:///bundle/Resources/loading.html#unreachable=http%3A%2F%2F127.0.0.1%3A9%2Fapp";
 };
 
-TEST_F(Reachability, IsNotAskedForWhileThePageLoads) {
+TEST_F(Reachability, IsNotProbedWhileThePageLoadsNorOnceItIsReadyOrClosed) {
   browser->loading = true;
   advanceAMinute();
   EXPECT_EQ(probes, 0);
-}
-
-TEST_F(Reachability, IsNotAskedForOnceThePageHasAnnouncedItself) {
-  client->onStartup();
-  advanceAMinute();
-  EXPECT_EQ(probes, 0);
-  EXPECT_EQ(framework.pendingTasks(), 0U);
+  const std::function<void()> ends[] = {[this] { client->onStartup(); },
+                                        [this] { client->OnBeforeClose(browser); }};
+  for (const auto& end : ends) {
+    client->loadApp(browser);
+    browser->loading = false;
+    end();
+    advanceAMinute();
+    EXPECT_EQ(probes, 0);
+    EXPECT_EQ(framework.pendingTasks(), 0U);
+  }
 }
 
 TEST_F(Reachability, ShowsTheLoadingPageWhenTheServiceDoesNotAnswer) {
@@ -105,13 +108,6 @@ TEST_F(Reachability, TriesAgainFromAnErrorPageWhenTheServiceHasComeUpMeanwhile) 
   const std::string& script = browser->frame->scripts[0].code;
   EXPECT_NE(script.find("location.protocol === 'chrome-error:'"), std::string::npos);
   EXPECT_NE(script.find("location.replace(\"" + appUrl + "\")"), std::string::npos);
-}
-
-TEST_F(Reachability, IsForgottenWhenTheBrowserCloses) {
-  client->OnBeforeClose(browser);
-  advanceAMinute();
-  EXPECT_EQ(probes, 0);
-  EXPECT_EQ(framework.pendingTasks(), 0U);
 }
 
 TEST(LoadingPage, EscapesItsPath) {

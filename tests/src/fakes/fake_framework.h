@@ -39,7 +39,7 @@ class FakeFramework {
   // The next routers for this query function cannot be made.
   void failRouterFor(const std::string& queryFunction) { failingRouter_ = queryFunction; }
 
-  // What the framework's functions do.
+  // Called by the framework's functions.
   bool post(CefThreadId thread, CefRefPtr<CefTask> task, std::int64_t delay);
   bool onUiThread() const { return std::this_thread::get_id() == uiThread_; }
   void quit() { ++quitCalls_; }

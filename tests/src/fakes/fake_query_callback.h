@@ -23,7 +23,7 @@ class FakeQueryCallback : public CefMessageRouterBrowserSide::Callback {
   IMPLEMENT_REFCOUNTING(FakeQueryCallback);
 };
 
-// What the page would get for this query: the answer's text, or "code text" of the failure.
+// The page's response to this query: its text, or "code text" of the failure.
 inline std::string askBridge(CQueryHandlerBase& handler, const std::string& method,
                              const std::string& parameters = "null") {
   const CefRefPtr<FakeQueryCallback> callback(new FakeQueryCallback);

@@ -11,8 +11,8 @@
 
 namespace zantrio::test {
 
-// What the stand-ins for the platform's services were asked to do, and what they answer. Linked
-// instead of the platform's.
+// The calls of the platform services' stand-ins, and their results. Linked instead of the
+// platform's.
 struct FakeServices {
   static FakeServices& instance();
   void reset();
@@ -23,7 +23,7 @@ struct FakeServices {
   std::function<void()> duringCall;  // runs inside every call, once it is recorded
   bool hasAddressBook = true;
   ContactEntries contacts;  // what a search finds
-  // What the user chooses, dialog by dialog, as URLs; with none left every dialog is cancelled.
+  // The user's choices as URLs, one element per dialog; further dialogs are cancelled.
   std::deque<std::vector<std::string>> choices;
   int openDialogs = 0;  // choose dialogs that were not destroyed yet
   int permissions = IFilePermissionsRetriever::kRead + IFilePermissionsRetriever::kWrite;

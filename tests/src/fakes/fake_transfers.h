@@ -9,8 +9,7 @@
 
 namespace zantrio::test {
 
-// What the stand-in for the transfer library was asked to do, and what it answers. Linked instead
-// of the library.
+// The calls of the transfer library's stand-in, and its results. Linked instead of the library.
 struct FakeTransfers {
   static FakeTransfers& instance();
   // Forgets everything.

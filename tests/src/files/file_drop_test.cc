@@ -19,7 +19,6 @@ using test::placesOf;
 using test::TemporaryFolder;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::UnorderedElementsAre;
 
 // The answer for these dropped items.
 Json::Value drop(const std::vector<std::string>& paths) {
@@ -53,53 +52,53 @@ TEST_F(FileDrop, TakesAFolderOnceWithWhatLiesInside) {
   }
 }
 
-TEST_F(FileDrop, TakesAnItemWhoseNameOnlyBeginsLikeATakenFolder) {
-  folder_.makeFile("d/x.txt");
-  const std::string file = folder_.makeFile("dd/y.txt");
-  EXPECT_THAT(placesOf(drop({folder_.path() + "/d", file})["files"]),
-              ElementsAre("null/x.txt", "null/y.txt"));
+TEST_F(FileDrop, DescribesFilesFoldersAndWhatTheyHaveInCommon) {
+  for (const char* file : {"d/x.txt", "d/.secret", "dd/y.txt", "p/A/direct.txt", "p/A/sub/deep.txt",
+                           "p/B/b.txt", "p/q/1.txt", "p/q/2.txt", "r/q/3.txt", ".h/x.txt"}) {
+    folder_.makeFile(file);
+  }
+  using Texts = std::vector<std::string>;
+  const struct {
+    Texts items;
+    Texts places;
+    const char* commonFolder;  // null: none
+  } kCases[] = {
+      // One item names itself, also when it is written with a slash.
+      {{"p/A"}, {"null/direct.txt", "sub/deep.txt"}, "A"},
+      {{"p/A/"}, {"null/direct.txt", "sub/deep.txt"}, "A"},
+      {{"p/q/1.txt"}, {"null/1.txt"}, "1.txt"},
+      // The paths of several folders begin with their names.
+      {{"p/A", "p/B"}, {"A/direct.txt", "A/sub/deep.txt", "B/b.txt"}, "p"},
+      // The name of an item may begin like that of a folder.
+      {{"d", "dd/y.txt"}, {"null/x.txt", "null/y.txt"}, nullptr},
+      {{"d", "p/q/1.txt"}, {"null/x.txt", "null/1.txt"}, nullptr},
+      // The names of the parent folders are compared.
+      {{"p/q/1.txt", "p/q/2.txt"}, {"null/1.txt", "null/2.txt"}, "q"},
+      {{"p/q/1.txt", "r/q/3.txt"}, {"null/1.txt", "null/3.txt"}, "q"},
+      {{"p/q/1.txt", "p/q/2.txt", "p/B/b.txt"},
+       {"null/1.txt", "null/2.txt", "null/b.txt"},
+       nullptr},
+      // A hidden file is described even inside a dropped folder, a hidden folder only on its own.
+      {{"d/.secret"}, {"null/.secret"}, ".secret"},
+      {{"d", "d/.secret"}, {"null/x.txt", "null/.secret"}, nullptr},
+      {{".h"}, {"null/x.txt"}, ".h"},
+      {{".h", "p/B"}, {"B/b.txt"}, nullptr},
+  };
+  for (const auto& [items, places, commonFolder] : kCases) {
+    SCOPED_TRACE(testing::PrintToString(items));
+    Texts paths;
+    for (const std::string& item : items) {
+      paths.push_back(folder_.path() + "/" + item);
+    }
+    const Json::Value response = drop(paths);
+    EXPECT_THAT(placesOf(response["files"]), testing::UnorderedElementsAreArray(places));
+    if (commonFolder != nullptr) {
+      expectCommonFolder(response, commonFolder);
+    } else {
+      expectNoCommonFolder(response);
+    }
+  }
   EXPECT_THAT(log_.lines(), IsEmpty());
-}
-
-TEST_F(FileDrop, BeginsThePathsOfSeveralFoldersWithTheirNames) {
-  folder_.makeFile("p/A/direct.txt");
-  folder_.makeFile("p/A/sub/deep.txt");
-  folder_.makeFile("p/B/b.txt");
-  const Json::Value answer = drop({folder_.path() + "/p/A", folder_.path() + "/p/B"});
-  EXPECT_THAT(placesOf(answer["files"]),
-              UnorderedElementsAre("A/direct.txt", "A/sub/deep.txt", "B/b.txt"));
-  expectCommonFolder(answer, "p");
-}
-
-TEST_F(FileDrop, MakesThePathsOfOneFolderRelativeToIt) {
-  folder_.makeFile("p/A/direct.txt");
-  folder_.makeFile("p/A/sub/deep.txt");
-  const Json::Value answer = drop({folder_.path() + "/p/A"});
-  EXPECT_THAT(placesOf(answer["files"]), UnorderedElementsAre("null/direct.txt", "sub/deep.txt"));
-  expectCommonFolder(answer, "A");
-}
-
-TEST_F(FileDrop, NamesASingleItemAlsoWhenItIsWrittenWithASlash) {
-  folder_.makeFile("A/x.txt");
-  expectCommonFolder(drop({folder_.path() + "/A/"}), "A");
-  expectCommonFolder(drop({folder_.path() + "/A/x.txt"}), "x.txt");
-}
-
-TEST_F(FileDrop, HasNoCommonFolderForAFolderAndAFileBelow) {
-  folder_.makeFile("A/x.txt");
-  const Json::Value answer = drop({folder_.path() + "/A", folder_.makeFile("q/r/y.txt")});
-  EXPECT_EQ(answer["files"].size(), 2U);
-  expectNoCommonFolder(answer);
-}
-
-TEST_F(FileDrop, ComparesTheNamesOfTheFoldersOfSeveralFiles) {
-  const std::string one = folder_.makeFile("p/q/1.txt");
-  const std::string two = folder_.makeFile("p/q/2.txt");
-  const std::string sameName = folder_.makeFile("r/q/3.txt");
-  const std::string otherName = folder_.makeFile("p/s/4.txt");
-  expectCommonFolder(drop({one, two}), "q");
-  expectCommonFolder(drop({one, sameName}), "q");
-  expectNoCommonFolder(drop({one, two, otherName}));
 }
 
 TEST_F(FileDrop, ReportsMissingItemsInBothPassesAndTakesTheRest) {
@@ -114,23 +113,6 @@ TEST_F(FileDrop, KeepsTheNameOfASingleItemThatIsGone) {
   const Json::Value answer = drop({folder_.path() + "/gone"});
   EXPECT_EQ(answer["files"], Json::Value(Json::arrayValue));
   expectCommonFolder(answer, "gone");
-}
-
-TEST_F(FileDrop, DescribesADroppedHiddenFileEvenInsideATakenFolder) {
-  folder_.makeFile("d/x.txt");
-  const std::string hidden = folder_.makeFile("d/.secret");
-  EXPECT_THAT(placesOf(drop({hidden})["files"]), ElementsAre("null/.secret"));
-  EXPECT_THAT(placesOf(drop({folder_.path() + "/d", hidden})["files"]),
-              ElementsAre("null/x.txt", "null/.secret"));
-  EXPECT_THAT(log_.lines(), IsEmpty());
-}
-
-TEST_F(FileDrop, WalksADroppedHiddenFolderOnlyWhenItIsAlone) {
-  folder_.makeFile(".h/x.txt");
-  folder_.makeFile("v/y.txt");
-  EXPECT_THAT(placesOf(drop({folder_.path() + "/.h"})["files"]), ElementsAre("null/x.txt"));
-  EXPECT_THAT(placesOf(drop({folder_.path() + "/.h", folder_.path() + "/v"})["files"]),
-              ElementsAre("v/y.txt"));
 }
 
 TEST_F(FileDrop, RefusesWhatIsNeitherFileNorFolder) {

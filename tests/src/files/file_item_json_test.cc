@@ -42,6 +42,7 @@ TEST_F(FileItemJson, DescribesAFileWithTheUrlOfTheCallerIfThereIsOne) {
   EXPECT_EQ(record.getMemberNames(),
             (std::vector<std::string>{"created", "fileURL", "modified", "name", "path", "size"}));
   EXPECT_EQ(recordOf(path, "", "zt://a%20b")["fileURL"], "zt://a%20b");
+  EXPECT_EQ(recordOf(folder.makeFile("empty"))["size"], Json::Value(Json::UInt64(0)));
 }
 
 TEST_F(FileItemJson, LeavesTheRecordUntouchedForAMissingItem) {
@@ -50,12 +51,6 @@ TEST_F(FileItemJson, LeavesTheRecordUntouchedForAMissingItem) {
   EXPECT_FALSE(fillFileItemJson(record, "", "", ""));
   EXPECT_FALSE(fillFileItemJson(record, folder.makeLink("dangling", "nothing"), "", ""));
   EXPECT_EQ(record, "before");
-}
-
-TEST_F(FileItemJson, HasAnUnsignedZeroForAnEmptyFile) {
-  const Json::Value size = recordOf(folder.makeFile("empty"))["size"];
-  EXPECT_EQ(size.type(), Json::uintValue);
-  EXPECT_EQ(size.asUInt64(), 0U);
 }
 
 TEST_F(FileItemJson, CutsTimesTowardZero) {
@@ -91,21 +86,23 @@ TEST_F(FileItemJson, SaturatesTimesThatCannotBeCounted) {
   EXPECT_EQ(toMicroseconds(-1, 999'999'999), -1);
 }
 
-TEST_F(FileItemJson, MakesThePathRelativeToTheRoot) {
-  EXPECT_EQ(relativeFolder("/r/a/b/x.txt", "/r"), "a/b");
-  EXPECT_EQ(relativeFolder("/r/a/b/x.txt", "/r/"), "a/b");
-  EXPECT_EQ(relativeFolder("/r/x.txt", "/r"), "");
-  EXPECT_EQ(relativeFolder("/r/x.txt", "/r/"), "");
-  EXPECT_EQ(relativeFolder("/x.txt", "/"), "");
-  EXPECT_EQ(relativeFolder("/a/x.txt", "/"), "a");
-  EXPECT_EQ(relativeFolder("/r/x.txt", ""), "");
-  EXPECT_EQ(relativeFolder("/other/a/x.txt", "/r"), "");
-}
-
-TEST_F(FileItemJson, ComparesTheRootAsTextOnly) {
-  EXPECT_EQ(relativeFolder("/a/bc/x.txt", "/a/b"), "");
-  EXPECT_EQ(relativeFolder("/a/bc/de/x.txt", "/a/b"), "/de");
-  EXPECT_EQ(relativeFolder("/a/b\\c/x.txt", "/a/b\\"), "c");
+TEST_F(FileItemJson, MakesThePathRelativeToTheRootWhichIsComparedAsText) {
+  const std::tuple<const char*, const char*, const char*> cases[] = {
+      {"/r/a/b/x.txt", "/r", "a/b"},
+      {"/r/a/b/x.txt", "/r/", "a/b"},
+      {"/r/x.txt", "/r", ""},
+      {"/r/x.txt", "/r/", ""},
+      {"/x.txt", "/", ""},
+      {"/a/x.txt", "/", "a"},
+      {"/r/x.txt", "", ""},
+      {"/other/a/x.txt", "/r", ""},
+      {"/a/bc/x.txt", "/a/b", ""},
+      {"/a/bc/de/x.txt", "/a/b", "/de"},
+      {"/a/b\\c/x.txt", "/a/b\\", "c"},
+  };
+  for (const auto& [path, root, expected] : cases) {
+    EXPECT_EQ(relativeFolder(path, root), expected) << path << " in " << root;
+  }
 }
 
 TEST_F(FileItemJson, ReportsAFileThatIsItsOwnRoot) {

@@ -26,19 +26,7 @@ class FileHandleChooser : public testing::Test {
     services_.permissions = IFilePermissionsRetriever::kRead;
   }
 
-  CefRefPtr<test::FakeQueryCallback> ask(const std::string& method) {
-    CefRefPtr<test::FakeQueryCallback> answer = new test::FakeQueryCallback;
-    EXPECT_TRUE(handler_.OnQuery(nullptr, nullptr, 1, "{\"method\":\"" + method + "\"}", false,
-                                 answer.get()));
-    return answer;
-  }
-
-  // The text of the only answer.
-  std::string query(const std::string& method) {
-    const auto answer = ask(method);
-    EXPECT_TRUE(answer->failures.empty());
-    return answer->successes.size() == 1 ? answer->successes.front() : std::string();
-  }
+  std::string query(const std::string& method) { return test::askBridge(handler_, method); }
 
   Json::Value queryJson(const std::string& method) {
     Json::Value value;
@@ -81,12 +69,9 @@ std::vector<std::string> namesOf(const Json::Value& answer) {
   return names;
 }
 
-TEST_F(FileHandleChooser, SupportsItsThreeMethods) {
+TEST_F(FileHandleChooser, SupportsItsThreeMethodsAndOffersADragHandler) {
   EXPECT_EQ(query("supportedMethods"),
             "[\"handleDrop\",\"selectFiles\",\"selectFolder\",\"supportedMethods\"]\n");
-}
-
-TEST_F(FileHandleChooser, OffersADragHandlerOnly) {
   EXPECT_EQ(Poco::AnyCast<IDragHandler*>(handler_.getHandlerData(IQueryHandler::kDragHandler)),
             &handler_);
   EXPECT_TRUE(handler_.getHandlerData(IQueryHandler::kAppLifecycleEventsHandler).empty());
@@ -120,11 +105,11 @@ TEST_F(FileHandleChooser, DescribesOneChosenFile) {
                   "information \t" + url));
 }
 
-TEST_F(FileHandleChooser, NamesTheFolderThatAllChosenFilesShare) {
+TEST_F(FileHandleChooser, NamesTheFolderThatAllChosenFilesShareAndSkipsThoseThatAreGone) {
   const std::string one = urlOf(folder_.makeFile("a/x/1"));
   const std::string two = urlOf(folder_.makeFile("b/x/2"));
   const std::string other = urlOf(folder_.makeFile("y/3"));
-  services_.choices = {{one, two}, {one, other, two}};
+  services_.choices = {{one, two}, {one, other, urlOf(folder_.path() + "/gone"), two}};
   Json::Value answer = queryJson("selectFiles");
   EXPECT_EQ(answer["directoryName"], "x");
   EXPECT_EQ(answer["summary"], "x");
@@ -132,11 +117,6 @@ TEST_F(FileHandleChooser, NamesTheFolderThatAllChosenFilesShare) {
   EXPECT_TRUE(answer.isMember("directoryName") && answer["directoryName"].isNull());
   EXPECT_TRUE(answer.isMember("summary") && answer["summary"].isNull());
   EXPECT_THAT(namesOf(answer), ElementsAre("1", "3", "2"));
-}
-
-TEST_F(FileHandleChooser, SkipsAChosenFileThatIsGone) {
-  services_.choices = {{urlOf(folder_.path() + "/gone"), urlOf(folder_.makeFile("there"))}};
-  EXPECT_THAT(namesOf(queryJson("selectFiles")), ElementsAre("there"));
 }
 
 TEST_F(FileHandleChooser, AnswersAnEmptyListWhenNothingWasChosen) {
@@ -192,35 +172,25 @@ TEST_F(FileHandleChooser, WalksTheChosenFolder) {
   EXPECT_TRUE(answer["summary"].isNull());
 }
 
-TEST_F(FileHandleChooser, AnswersAFailureWhenADialogGivesNoUrl) {
+TEST_F(FileHandleChooser, FailsWhenADialogReturnsAnInvalidUrl) {
   services_.choices = {{"file:///a%zz"}};
-  EXPECT_THAT(
-      ask("selectFiles")->failures,
-      ElementsAre(testing::StartsWith("-1 Exception caught when executing query handler: ")));
+  EXPECT_TRUE(
+      query("selectFiles").starts_with("-1 Exception caught when executing query handler: "));
 }
 
-TEST_F(FileHandleChooser, TakesInADragOnce) {
-  const std::string file = folder_.makeFile("q/a.txt");
+TEST_F(FileHandleChooser, DescribesTheFilesOfTheLastDragOnce) {
   drag({folder_.makeFile("first.txt")});
-  drag({file});
+  drag({folder_.makeFile("q/a.txt")});
+  EXPECT_FALSE(handler_.onDragData(DragMessage()));  // carries no files
+  DragMessage foreign;
+  foreign.kind = DragMessage::kFiles;
+  foreign.payload = std::string("no paths");
+  EXPECT_THROW(handler_.onDragData(foreign), Poco::BadCastException);
   EXPECT_THAT(namesOf(queryJson("handleDrop")), ElementsAre("a.txt"));
   EXPECT_EQ(query("handleDrop"), "null\n");
   EXPECT_EQ(log_.lines().back(),
             "error FileHandleChooser: handleDrop method called, but no files where previously "
             "dragged!");
-}
-
-TEST_F(FileHandleChooser, IgnoresDragsWithoutFiles) {
-  drag({folder_.makeFile("a.txt")});
-  EXPECT_FALSE(handler_.onDragData(DragMessage()));
-  EXPECT_THAT(namesOf(queryJson("handleDrop")), ElementsAre("a.txt"));
-}
-
-TEST_F(FileHandleChooser, RefusesADragWithAForeignPayload) {
-  DragMessage message;
-  message.kind = DragMessage::kFiles;
-  message.payload = std::string("no paths");
-  EXPECT_THROW(handler_.onDragData(message), Poco::BadCastException);
 }
 
 TEST_F(FileHandleChooser, IgnoresADockDropWithoutBrowserOrMainFrame) {

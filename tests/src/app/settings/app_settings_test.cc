@@ -54,47 +54,43 @@ TEST_F(Settings, TakesTheUserDatabasesHomeWhenTheEnvironmentHasNone) {
   EXPECT_EQ(folder[0], '/');
 }
 
-TEST_F(Settings, FindsResourcesBesideTheExecutablesFolder) {
-  EXPECT_EQ(value("", &CAppSettings::getResourcesFolder),
-            "/Applications/My App/Contents/Resources/");
-  EXPECT_EQ(value("", &CAppSettings::getLoadingPagePath),
-            "/Applications/My App/Contents/Resources/loading.html");
-}
-
-TEST_F(Settings, ReadsStringsFromTheBundle) {
-  const std::string entries =
+TEST_F(Settings, ReadTheBundleAndItsPlace) {
+  const std::string text =
       "<key>CFBundleName</key><string>Zäntrio &amp; Co</string>"
       "<key>CFBundleShortVersionString</key><string>1.2.3</string>"
       "<key>AppBaseUrl</key><string>http://127.0.0.1:80</string>"
       "<key>AppPath</key><string>/other</string>";
-  EXPECT_EQ(value(entries, &CAppSettings::getProductName), "Zantrio");
-  EXPECT_EQ(value(entries, &CAppSettings::getBundleName), "Zäntrio & Co");
-  EXPECT_EQ(value(entries, &CAppSettings::getVersion), "1.2.3");
-  EXPECT_EQ(value(entries, &CAppSettings::getAppBaseUrl), "http://127.0.0.1:80");
-  EXPECT_EQ(value(entries, &CAppSettings::getAppPath), "/other");
-  EXPECT_EQ(value(entries, &CAppSettings::getAppUrl), "http://127.0.0.1:80/other");
-}
-
-TEST_F(Settings, DefaultsServiceAddressesThatAreEmptyOrMissing) {
-  for (const char* entries : {"",
-                              "<key>AppBaseUrl</key><string></string>"
-                              "<key>AppPath</key><string></string>"}) {
-    EXPECT_EQ(value(entries, &CAppSettings::getAppPath), "/app");
-    EXPECT_EQ(value(entries, &CAppSettings::getAppBaseUrl).find("https://"), 0U);
-    EXPECT_EQ(value(entries, &CAppSettings::getAppUrl),
-              value(entries, &CAppSettings::getAppBaseUrl) + "/app");
-  }
-}
-
-TEST_F(Settings, LeaveTheTextAloneForEntriesThatAreNoStrings) {
-  const std::string entries =
+  const std::string empty =
+      "<key>AppBaseUrl</key><string></string><key>AppPath</key><string></string>";
+  const std::string otherTypes =
       "<key>CFBundleName</key><integer>5</integer>"
       "<key>CFBundleShortVersionString</key><true/>"
       "<key>AppBaseUrl</key><array/><key>AppPath</key><integer>1</integer>";
-  for (const Getter getter :
-       {&CAppSettings::getBundleName, &CAppSettings::getVersion, &CAppSettings::getAppBaseUrl,
-        &CAppSettings::getAppPath, &CAppSettings::getAppUrl}) {
-    EXPECT_EQ(value(entries, getter), "(untouched)");
+  const std::string untouched = "(untouched)";
+  const std::tuple<std::string, Getter, std::string> cases[] = {
+      {text, &CAppSettings::getProductName, "Zantrio"},
+      {text, &CAppSettings::getBundleName, "Zäntrio & Co"},
+      {text, &CAppSettings::getVersion, "1.2.3"},
+      {text, &CAppSettings::getAppBaseUrl, "http://127.0.0.1:80"},
+      {text, &CAppSettings::getAppPath, "/other"},
+      {text, &CAppSettings::getAppUrl, "http://127.0.0.1:80/other"},
+      {empty, &CAppSettings::getAppPath, "/app"},
+      {otherTypes, &CAppSettings::getBundleName, untouched},
+      {otherTypes, &CAppSettings::getVersion, untouched},
+      {otherTypes, &CAppSettings::getAppBaseUrl, untouched},
+      {otherTypes, &CAppSettings::getAppPath, untouched},
+      {otherTypes, &CAppSettings::getAppUrl, untouched},
+      {"", &CAppSettings::getResourcesFolder, "/Applications/My App/Contents/Resources/"},
+      {"", &CAppSettings::getLoadingPagePath,
+       "/Applications/My App/Contents/Resources/loading.html"},
+  };
+  for (const auto& [entries, getter, expected] : cases) {
+    EXPECT_EQ(value(entries, getter), expected) << entries;
+  }
+  for (const std::string& entries : {std::string(), empty}) {
+    const std::string base = value(entries, &CAppSettings::getAppBaseUrl);
+    EXPECT_TRUE(base.starts_with("https://")) << base;
+    EXPECT_EQ(value(entries, &CAppSettings::getAppUrl), base + "/app");
   }
 }
 

@@ -9,10 +9,6 @@ bool matches(const Contact& contact, const std::string& query) {
   return ContactQuery(query).matches(searchText(contact));
 }
 
-bool isContained(const std::string& query, const std::string& name) {
-  return matches({name, "", std::nullopt}, query);
-}
-
 const Contact kAnn{"Ann", "Lee", std::vector<std::string>{"first@example.org", "2nd@test.net"}};
 
 TEST(ContactSearch, LooksIntoFirstNameLastNameAndEveryAddress) {
@@ -28,37 +24,38 @@ TEST(ContactSearch, DoesNotReachFromOneTextIntoTheNext) {
   }
 }
 
-TEST(ContactSearch, TakesUpperAndLowerCaseForTheSameInEveryScript) {
-  EXPECT_TRUE(isContained("aNN", "Ann"));
-  EXPECT_TRUE(isContained("АННА", "Анна"));
-  EXPECT_TRUE(isContained("γιώργος", "ΓΙΏΡΓΟΣ"));
-  EXPECT_TRUE(isContained("STRASSE", "Straße"));
-  EXPECT_TRUE(isContained("田", "山田"));
-  EXPECT_TRUE(isContained("Ъ", "объявление"));
-}
-
-TEST(ContactSearch, TakesComposedAndDecomposedLettersForTheSame) {
-  EXPECT_TRUE(isContained("E\u0301", "Ren\u00E9"));
-  EXPECT_TRUE(isContained("\u00C9", "Rene\u0301"));
-}
-
-TEST(ContactSearch, TellsAccentedLettersFromPlainOnes) {
-  EXPECT_FALSE(isContained("rene", "Ren\u00E9"));
-  EXPECT_FALSE(isContained("é", "Rene"));
+TEST(ContactSearch, IgnoresCaseAndCompositionButNotAccents) {
+  const struct {
+    const char* query;
+    const char* name;
+    bool isContained;
+  } kCases[] = {
+      {"aNN", "Ann", true},
+      {"АННА", "Анна", true},
+      {"γιώργος", "ΓΙΏΡΓΟΣ", true},
+      {"STRASSE", "Straße", true},
+      {"田", "山田", true},
+      {"Ъ", "объявление", true},
+      {"E\u0301", "Ren\u00E9", true},
+      {"\u00C9", "Rene\u0301", true},
+      {"rene", "Ren\u00E9", false},
+      {"é", "Rene", false},
+      // No wildcards, and bytes that are not UTF-8.
+      {"A*", "Ann", false},
+      {"A%", "Ann", false},
+      {"\")(", "x\")(y", true},
+      {"\xC3", "Ann", false},
+      {"nn", "\xC3 Ann", true},
+  };
+  for (const auto& [query, name, isContained] : kCases) {
+    EXPECT_EQ(matches({name, "", std::nullopt}, query), isContained) << query << " in " << name;
+  }
 }
 
 TEST(ContactSearch, FindsTheEmptyTextInEverything) {
   EXPECT_TRUE(matches(kAnn, ""));
   EXPECT_TRUE(matches({}, ""));
   EXPECT_FALSE(matches({}, " "));
-}
-
-TEST(ContactSearch, TakesWildcardsAndBrokenTextForWhatTheyAre) {
-  EXPECT_FALSE(isContained("A*", "Ann"));
-  EXPECT_FALSE(isContained("A%", "Ann"));
-  EXPECT_TRUE(isContained("\")(", "x\")(y"));
-  EXPECT_FALSE(isContained("\xC3", "Ann"));
-  EXPECT_TRUE(isContained("nn", "\xC3 Ann"));
 }
 
 }  // namespace

@@ -34,11 +34,8 @@ class CrashLog : public testing::Test {
   const test::TemporaryFolder folder_;
 };
 
-TEST_F(CrashLog, IsFourHeadersWhenThereAreNoLogs) {
+TEST_F(CrashLog, TakesSmallLogsWholeAndMissingOnesAsEmpty) {
   EXPECT_EQ(collect(), kAppHeader + kTransfersHeader + kSecondaryHeader + kBrowserHeader);
-}
-
-TEST_F(CrashLog, TakesSmallLogsWhole) {
   folder_.makeFile("zt_app.log", digits(100));
   folder_.makeFile("zt_transfers.log", "now\n");
   folder_.makeFile("zt_transfers.log.0", "before\n");
@@ -94,24 +91,26 @@ TEST_F(CrashLog, CountsWhatIsNoOrdinaryFileAsEmpty) {
   EXPECT_EQ(collect(), kAppHeader + kTransfersHeader + kSecondaryHeader + kBrowserHeader);
 }
 
-TEST(LogDataToText, KeepsTheTail) {
-  EXPECT_EQ(logDataToText("", 5), "");
-  EXPECT_EQ(logDataToText("abc", 0), "");
-  EXPECT_EQ(logDataToText("abc", 3), "abc");
-  EXPECT_EQ(logDataToText("abcd", 3), "bcd");
-}
-
-TEST(LogDataToText, DropsOnlyWhatTheCutLeftOfACharacter) {
+TEST(LogDataToText, KeepsTheTailWithoutTheRestOfACutCharacter) {
   const std::string text = "x\U0001F600\u20ACz";
-  EXPECT_EQ(logDataToText(text, 8), text.substr(1));
-  EXPECT_EQ(logDataToText(text, 7), "\u20ACz");
-  EXPECT_EQ(logDataToText(text, 4), "\u20ACz");
-  EXPECT_EQ(logDataToText(text, 3), "z");
-  EXPECT_EQ(logDataToText(text, 1), "z");
-  // Nothing was cut, or more than a character can be: these bytes are in the log itself.
-  EXPECT_EQ(logDataToText("\x82\xACz", 3), "\uFFFD\uFFFDz");
-  EXPECT_EQ(logDataToText("a\x80\x80\x80\x80z", 5), "\uFFFDz");
-  EXPECT_EQ(logDataToText("aa\xFFz", 3), "a\uFFFDz");
+  const std::tuple<std::string, std::size_t, std::string> cases[] = {
+      {"", 5, ""},
+      {"abc", 0, ""},
+      {"abc", 3, "abc"},
+      {"abcd", 3, "bcd"},
+      {text, 8, text.substr(1)},
+      {text, 7, "\u20ACz"},
+      {text, 4, "\u20ACz"},
+      {text, 3, "z"},
+      {text, 1, "z"},
+      // Nothing was cut, or more than a character can be: these bytes are in the log itself.
+      {"\x82\xACz", 3, "\uFFFD\uFFFDz"},
+      {"a\x80\x80\x80\x80z", 5, "\uFFFDz"},
+      {"aa\xFFz", 3, "a\uFFFDz"},
+  };
+  for (const auto& [data, maximum, expected] : cases) {
+    EXPECT_EQ(logDataToText(data, maximum), expected) << data << " to " << maximum;
+  }
 }
 
 }  // namespace

@@ -18,6 +18,7 @@ test('names the reasons why it cannot be sent', () => {
 test('uses a title from the files unless one is written', () => {
   const draft = new Draft();
   draft.addFiles({ files: records(2), summary: 'Wedding' });
+  draft.addFiles({ files: records(2), summary: 'The same files again' });
   draft.set('recipients', 'ann@example.org');
   assert.equal(draft.content().subject, 'Wedding');
   draft.set('subject', ' Mine ');

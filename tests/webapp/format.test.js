@@ -7,7 +7,7 @@ import {
 test('sizes have one digit below a hundred and never reach four digits', () => {
   const expected = [
     [0, '0 bytes'], [1, '1 byte'], [999, '999 bytes'], [1000, '1.0 KB'], [99_940, '99.9 KB'], [99_960, '100 KB'],
-    [999_499, '999 KB'], [999_500, '1.0 MB'], [1_234_567_890, '1.2 GB'], [5e15, '5.0 PB'],
+    [999_499, '999 KB'], [999_500, '1.0 MB'], [1_234_567_890, '1.2 GB'], [5e15, '5.0 PB'], [5e18, '5000 PB'],
   ];
   for (const [bytes, text] of expected) assert.equal(formatSize(bytes), text);
   assert.equal(formatSize(Number.NaN), '–');
@@ -26,6 +26,7 @@ test('rates and remaining times use the largest useful unit and are empty if unk
 test('near dates are more exact', () => {
   const now = new Date(2026, 4, 3, 15, 0).getTime();
   assert.equal(formatDate(new Date(2026, 4, 3, 9, 5).getTime(), now), 'Today 09:05');
+  assert.equal(formatDate(new Date(2026, 4, 3, 0, 0).getTime(), now), 'Today 00:00');
   assert.equal(formatDate(new Date(2026, 4, 2, 23, 59).getTime(), now), 'Yesterday');
   assert.equal(formatDate(new Date(2026, 3, 30).getTime(), now), '30 Apr');
   assert.equal(formatDate(new Date(2025, 11, 31).getTime(), now), '31 Dec 2025');

@@ -19,7 +19,8 @@ test('counts files by state', () => {
   assert.equal(files.bytesDone, 4);
   assert.deepEqual(files.indicesIn('ERRORED'), [2]);
   assert.equal(files.indicesIn(null), null);
-  assert.equal(files.bytes, 30);
+  files.update('2', 'ERRORED', 0, 0);
+  assert.equal(files.bytes, 30, 'an event without a size keeps the known one');
 });
 
 test('keeps events that come before the description of their file', () => {

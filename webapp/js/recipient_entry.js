@@ -27,15 +27,15 @@ export function replaceEntry(text, caret, person) {
 }
 
 /** The search results to suggest: with an address, each once, without recipients already entered. */
-export function usableSuggestions(answer, taken, most) {
+export function usableSuggestions(found, taken, max) {
   const known = new Set(taken.map((address) => address.toLowerCase()));
   const people = [];
-  for (const person of Array.isArray(answer) ? answer : []) {
+  for (const person of Array.isArray(found) ? found : []) {
     const email = person?.email;
     if (typeof email !== 'string' || known.has(email.toLowerCase())) continue;
     known.add(email.toLowerCase());
     people.push({ name: person.name ?? '', email });
-    if (people.length === most) break;
+    if (people.length === max) break;
   }
   return people;
 }

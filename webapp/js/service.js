@@ -28,12 +28,12 @@ async function call(method, path, { body, token } = {}) {
   const abort = new AbortController();
   const timer = setTimeout(() => abort.abort(), TIME_LIMIT);
   try {
-    const answer = await fetch(path, {
+    const response = await fetch(path, {
       method, headers, body: body === undefined ? undefined : JSON.stringify(body),
       signal: abort.signal, cache: 'no-store',
     });
-    if (!answer.ok) throw await refusal(answer);
-    return answer.status === 204 ? null : await answer.json();
+    if (!response.ok) throw await refusal(response);
+    return response.status === 204 ? null : await response.json();
   } catch (error) {
     if (error instanceof ServiceRefused || error instanceof ServiceUnreachable) throw error;
     throw new ServiceUnreachable();
@@ -42,18 +42,18 @@ async function call(method, path, { body, token } = {}) {
   }
 }
 
-async function refusal(answer) {
-  if (WORTH_RETRYING.includes(answer.status)) {
+async function refusal(response) {
+  if (WORTH_RETRYING.includes(response.status)) {
     return new ServiceUnreachable('The service is too busy to answer.');
   }
   let error = {};
   try {
-    error = (await answer.json()).error ?? {};
+    error = (await response.json()).error ?? {};
   } catch {
     // Not a response of the service itself; the status is the only reason.
   }
   return new ServiceRefused(
-    error.message ?? `The service refused (${answer.status}).`, answer.status, error.code);
+    error.message ?? `The service refused (${response.status}).`, response.status, error.code);
 }
 
 const bucketPath = (bucketId) => `/api/messages/${encodeURIComponent(bucketId)}`;

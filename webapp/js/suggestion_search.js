@@ -2,10 +2,10 @@ import { parseRecipients } from './recipients.js';
 import { usableSuggestions } from './recipient_entry.js';
 
 const PAUSE_MS = 150;
-const MOST = 8;
+const MAX_SUGGESTIONS = 8;
 
 /**
- * Searches the address book while the user types: not for every letter, and an answer counts only if no
+ * Searches the address book while the user types: not for every letter, and a result counts only if no
  * newer search has begun. Without an address book nothing is found.
  */
 export class SuggestionSearch {
@@ -35,13 +35,13 @@ export class SuggestionSearch {
   }
 
   async #search(number, text, recipients) {
-    let answer = [];
+    let people = [];
     try {
-      answer = await this.addressBook.search(text);
+      people = await this.addressBook.search(text);
     } catch {
       // No address book exists.
     }
     if (number !== this.#latest) return;
-    this.found(usableSuggestions(answer, parseRecipients(recipients).addresses, MOST));
+    this.found(usableSuggestions(people, parseRecipients(recipients).addresses, MAX_SUGGESTIONS));
   }
 }

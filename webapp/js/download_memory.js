@@ -4,7 +4,7 @@
 import { fromRanges, toRanges } from './id_ranges.js';
 
 const PLACE = 'zantrio.downloads';
-const MOST = 50;
+const MAX_DOWNLOADS = 50;
 
 const keyOf = ({ id, bucketId }) => `${id}:${bucketId}`;
 
@@ -34,7 +34,7 @@ const known = (transfer) => {
 
 function write(transfer, entry) {
   const all = { ...readAll(), [keyOf(transfer.attributes)]: entry };
-  const kept = Object.entries(all).sort(([, a], [, b]) => b.created - a.created).slice(0, MOST);
+  const kept = Object.entries(all).sort(([, a], [, b]) => b.created - a.created).slice(0, MAX_DOWNLOADS);
   try {
     localStorage.setItem(PLACE, JSON.stringify(Object.fromEntries(kept)));
   } catch {

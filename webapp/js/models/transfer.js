@@ -1,7 +1,7 @@
 import { Backbone } from '../lib.js';
 import { TransferFiles } from '../transfer_files.js';
 
-const MOST_REASONS = 100;
+const MAX_REASONS = 100;
 
 /**
  * One group of the transfer library: a message being sent (direction "upload") or received ("download").
@@ -65,7 +65,7 @@ export const Transfer = Backbone.Model.extend({
 
   /** A report contains only the newest hundred failures; the others stay without a reason. */
   knowsAllReasons() {
-    return this.reasons.size >= Math.min(this.files.countIn('ERRORED'), MOST_REASONS);
+    return this.reasons.size >= Math.min(this.files.countIn('ERRORED'), MAX_REASONS);
   },
 
   /** Records when the files' URLs expire. */

@@ -29,7 +29,7 @@ QString usableFolder(const QString& path) {
     warn(path, "is not an absolute path: the browser keeps its data in memory.");
     return {};
   }
-  const QString clean = QDir::cleanPath(path);
+  QString clean = QDir::cleanPath(path);
   if (!QDir().mkpath(clean) || access(QFile::encodeName(clean).constData(), W_OK | X_OK) != 0) {
     warn(path, "cannot be written: the browser keeps its data in memory.");
     return {};

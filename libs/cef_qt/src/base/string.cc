@@ -172,7 +172,7 @@ CefString::~CefString() {
 }
 
 CefString& CefString::operator=(const CefString& other) {
-  if (text_ != other.text_) {
+  if (this != &other && text_ != other.text_) {
     assign(other.view());
   }
   return *this;

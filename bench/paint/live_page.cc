@@ -13,7 +13,7 @@
 #include "include/cef_client.h"
 #include "include/wrapper/cef_closure_task.h"
 #include "osr/client_osr_handler.h"
-#include "osr/view/off_screen_view.h"
+#include "osr/view/osr_view.h"
 #include "timing.h"
 
 namespace bench {

@@ -11,8 +11,8 @@
 #include "browser/loading_page.h"
 #include "browser/zt_cef_handler.h"
 #include "include/wrapper/cef_helpers.h"
-#include "osr/osr_window.h"
-#include "osr/view/off_screen_view.h"
+#include "osr/client_osr_handler.h"
+#include "osr/view/osr_view.h"
 
 namespace zantrio {
 namespace {

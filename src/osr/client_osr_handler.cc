@@ -115,7 +115,7 @@ void ClientOSRHandler::OnPaint(CefRefPtr<CefBrowser> browser, PaintElementType t
   });
 }
 
-// The fresh view has painted over it.
+// Needed after each view paint, which overwrites the pop-up in the texture.
 void ClientOSRHandler::repaintPopup(const CefRefPtr<CefBrowser>& browser) {
   paintingPopup_ = true;
   guarded("OnPaint", [&] { browser->GetHost()->Invalidate(PET_POPUP); });

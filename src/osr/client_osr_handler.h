@@ -2,14 +2,15 @@
 
 #include <memory>
 
+#include "include/cef_base.h"
 #include "osr/render_handler.h"
 #include "osr/view/osr_view.h"
 
 namespace client {
 
-// Serves an off-screen browser from a view: answers the engine's questions about it, and passes
-// paints, cursors, drags and what input methods need on to it. Without the view, queries answer
-// false and the rest does nothing.
+// Connects an off-screen browser to a view: answers the engine's queries about the view and
+// forwards paints, cursors, drags and input method state to it. Without a view, queries return
+// false and notifications do nothing.
 //
 // Ownership: held by the browser's client; the view is held weakly. Thread: UI. Errors: an
 // exception of the view is logged under the operation's name and does not reach the engine.
@@ -20,7 +21,7 @@ class ClientOSRHandler : public RenderHandler {
   ClientOSRHandler& operator=(const ClientOSRHandler&) = delete;
 
   bool GetRootScreenRect(CefRefPtr<CefBrowser> browser, CefRect& rect) override;
-  // Never left empty, as the engine asks: without a view, or with one of no size, one point.
+  // The engine requires a non-empty rectangle: without a view, or with an empty one, it is 1 × 1.
   void GetViewRect(CefRefPtr<CefBrowser> browser, CefRect& rect) override;
   bool GetScreenPoint(CefRefPtr<CefBrowser> browser, int viewX, int viewY, int& screenX,
                       int& screenY) override;
@@ -49,10 +50,31 @@ class ClientOSRHandler : public RenderHandler {
   void repaintPopup(const CefRefPtr<CefBrowser>& browser);
 
   const std::weak_ptr<OsrView> view_;
-  // The engine paints the pop-up inside the paint of the view that asked for it.
+  // True while a view paint repaints the pop-up: the engine then calls OnPaint recursively.
   bool paintingPopup_ = false;
 
   IMPLEMENT_REFCOUNTING(ClientOSRHandler);
+};
+
+// Ties the render handler to its view when a browser is created. Thread: UI.
+class OSRWindow : public CefBaseRefCounted {
+ public:
+  static CefRefPtr<OSRWindow> Create(const std::shared_ptr<OsrView>& view) {
+    return new OSRWindow(view);
+  }
+  OSRWindow(const OSRWindow&) = delete;
+  OSRWindow& operator=(const OSRWindow&) = delete;
+
+  // Returned to the framework by the browser's client.
+  CefRefPtr<RenderHandler> GetRenderHandler() const { return handler_; }
+
+ private:
+  explicit OSRWindow(const std::shared_ptr<OsrView>& view) : handler_(new ClientOSRHandler(view)) {}
+  ~OSRWindow() override = default;
+
+  const CefRefPtr<RenderHandler> handler_;
+
+  IMPLEMENT_REFCOUNTING(OSRWindow);
 };
 
 }  // namespace client

@@ -5,11 +5,11 @@
 
 namespace client {
 
-// What a browser client is given to draw its browser off screen: it hands the framework this object
-// as render handler and as display handler, and tells it of the browser's end. Thread: UI.
+// The render and display handler that a client gives the framework for an off-screen browser; the
+// client also reports the browser's end to it. Thread: UI.
 class RenderHandler : public CefRenderHandler, public CefDisplayHandler {
  public:
-  // The browser is about to close; it must not be used any more.
+  // The browser is about to close and must not be used any more.
   virtual void OnBeforeClose(CefRefPtr<CefBrowser> browser) = 0;
 };
 

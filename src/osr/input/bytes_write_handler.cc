@@ -9,10 +9,10 @@
 namespace client {
 namespace {
 
-constexpr uint64_t kMost = std::numeric_limits<int64_t>::max();
+constexpr uint64_t kMaxSize = std::numeric_limits<int64_t>::max();
 
-bool wouldPassMost(std::size_t size, std::size_t count, uint64_t offset) {
-  return size != 0 && count > (kMost - offset) / size;
+bool exceedsMaxSize(std::size_t size, std::size_t count, uint64_t offset) {
+  return size != 0 && count > (kMaxSize - offset) / size;
 }
 
 }  // namespace
@@ -20,7 +20,7 @@ bool wouldPassMost(std::size_t size, std::size_t count, uint64_t offset) {
 BytesWriteHandler::BytesWriteHandler(std::size_t grow)
     : grow_(grow),
       data_(static_cast<unsigned char*>(std::malloc(grow))),
-      // Without the memory, the first write asks for it once more and reports the failure.
+      // If the allocation fails, the first write retries it and reports the failure.
       capacity_(data_ != nullptr ? static_cast<int64_t>(grow) : 0) {}
 
 BytesWriteHandler::~BytesWriteHandler() {
@@ -29,7 +29,7 @@ BytesWriteHandler::~BytesWriteHandler() {
 
 std::size_t BytesWriteHandler::Write(const void* data, std::size_t size, std::size_t count) {
   const std::lock_guard lock(lock_);
-  if (wouldPassMost(size, count, static_cast<uint64_t>(offset_))) {
+  if (exceedsMaxSize(size, count, static_cast<uint64_t>(offset_))) {
     return 0;
   }
   const std::size_t bytes = size * count;
@@ -49,7 +49,7 @@ bool BytesWriteHandler::grow(std::size_t bytes) {
     return true;
   }
   const auto capacity = static_cast<uint64_t>(capacity_);
-  if (growth > kMost - capacity) {
+  if (growth > kMaxSize - capacity) {
     return false;
   }
   void* const larger = std::realloc(data_, capacity + growth);
@@ -76,7 +76,7 @@ int BytesWriteHandler::Seek(int64_t offset, int whence) {
       position = offset_ + offset;
       break;
     case SEEK_END:
-      // The offset's sign does not matter: the end cannot be passed.
+      // Both signs count back from the end.
       if (offset > capacity_ || offset < -capacity_) {
         return kRefused;
       }

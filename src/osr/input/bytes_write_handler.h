@@ -8,23 +8,23 @@
 
 namespace client {
 
-// Collects bytes in memory that grows as needed. Positions are checked against what is allocated,
-// not against what was written. Thread: any.
+// Collects bytes in a growing buffer. Positions are checked against the capacity, not against the
+// bytes written. Thread: any.
 class BytesWriteHandler : public CefWriteHandler {
  public:
-  // `grow` bytes are allocated at once, and at least as many each time that more are needed.
+  // `grow`: the initial capacity, and the minimum by which the buffer grows.
   explicit BytesWriteHandler(std::size_t grow);
   BytesWriteHandler(const BytesWriteHandler&) = delete;
   BytesWriteHandler& operator=(const BytesWriteHandler&) = delete;
 
-  // 0, with nothing written, when there is no memory for it.
+  // Returns 0 and writes nothing if memory is exhausted.
   std::size_t Write(const void* data, std::size_t size, std::size_t count) override;
   int Seek(int64_t offset, int whence) override;
   int64_t Tell() override;
   int Flush() override;
   bool MayBlock() override { return false; }
 
-  // What lies before the position. Owned by this object and valid until the next Write.
+  // The bytes before the position. Owned by this object and valid until the next Write.
   const void* data() const;
   int64_t size() const;
 

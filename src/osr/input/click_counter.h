@@ -6,8 +6,8 @@
 
 namespace client {
 
-// Counts presses of one button that follow each other shortly and in one place, for systems whose
-// events tell no more than a double click. Thread: UI.
+// Counts multiple clicks, for systems whose events report at most a double click: presses of the
+// same button that are close in time and position. Thread: UI.
 class ClickCounter {
  public:
   struct Press {
@@ -16,12 +16,12 @@ class ClickCounter {
     int64_t ms = 0;  // of any clock
   };
 
-  // Presses are counted together up to this time and distance from each to the next.
+  // `ms` and `distance`: the maximum time and distance between consecutive presses.
   ClickCounter(int64_t ms, double distance) : ms_(ms), distance_(distance) {}
 
-  // Gives the press's number, from 1.
+  // Returns the press's number, from 1.
   int pressed(const Press& press);
-  // Of the latest press; 0 before the first.
+  // The latest press's number; 0 before the first.
   int count() const { return count_; }
 
  private:

@@ -1,8 +1,31 @@
 #include "osr/input/drag_session.h"
 
+#include <filesystem>
 #include <utility>
 
+#include "osr/input/drag_out.h"
+
 namespace client {
+namespace {
+
+bool exists(const std::string& path) {
+  std::error_code error;
+  return std::filesystem::exists(path, error);
+}
+
+// Adds the text, and every path that exists.
+void populateDropData(CefDragData& data, const DroppedItems& items) {
+  if (items.text) {
+    data.SetFragmentText(*items.text);
+  }
+  for (const std::string& path : items.paths) {
+    if (exists(path)) {
+      data.AddFile(path, std::filesystem::path(path).filename().string());
+    }
+  }
+}
+
+}  // namespace
 
 void DragSession::begin(CefRefPtr<CefDragData> data, cef_drag_operations_mask_t allowed) {
   resetDragDrop();
@@ -21,7 +44,7 @@ void DragSession::endedAt(const OsrPoint& point, unsigned int operation) {
 
 void DragSession::entered(const CefMouseEvent& at, const DroppedItems& items,
                           cef_drag_operations_mask_t sourceOperations) {
-  currentDragOp_ = DRAG_OPERATION_NONE;  // the last drag's
+  currentDragOp_ = DRAG_OPERATION_NONE;  // clears the previous drag's
   const CefRefPtr<CefBrowserHost> target = host();
   if (!target) {
     return;

@@ -19,7 +19,7 @@ void InterpretedKeys::press(const SystemEvent& event, const std::function<void()
     apply(made);
     keys_.sendKeyDown(event);
   } else {
-    keys_.sendUsedUpKeyDown(event);
+    keys_.sendConsumedKeyDown(event);
     apply(made);
   }
 }
@@ -46,7 +46,7 @@ void InterpretedKeys::insert(const std::u16string& text, std::optional<CefRange>
   if (current_) {
     current_->inserted += text;
     current_->replaced = replaced;
-    current_->marked.reset();  // finished by this
+    current_->marked.reset();  // replaced by the inserted text
   } else {
     text_.commit(text, replaced);
   }

@@ -9,7 +9,7 @@
 
 namespace client {
 
-// What an input method made of a press.
+// The result of an input method for one key press.
 struct InterpretedPress {
   struct Marked {
     std::u16string text;
@@ -27,26 +27,25 @@ struct InterpretedPress {
   bool isCommand = false;
 };
 
-// Presses that the system's input method looks at first, for systems that leave that to the view:
-// what it makes of a press decides what the browser gets. Ownership: the view's, as is what it
-// stands on. Thread: UI.
+// Key presses on systems where the view passes them to the input method first: its result decides
+// which events the browser gets. Ownership: the view's, as are the key and text input. Thread: UI.
 class InterpretedKeys {
  public:
   InterpretedKeys(KeyInput& keys, TextInput& text) : keys_(keys), text_(text) {}
   InterpretedKeys(const InterpretedKeys&) = delete;
   InterpretedKeys& operator=(const InterpretedKeys&) = delete;
 
-  // `interpret` hands the press to the input method, which answers by the operations below inside
-  // the call. It is left out where nothing takes text. A press that types one character, or none,
-  // is a key as any other; one that the input method used up is told as such.
+  // `interpret` passes the press to the input method, which calls the functions below before it
+  // returns. It is not called if no element takes text. A press that inserts one character or none
+  // is sent as an ordinary key; one that the input method consumed is sent as such.
   void press(const SystemEvent& event, const std::function<void()>& interpret);
 
-  // Of the input method, also without a press.
+  // Called by the input method, also without a press.
   void insert(const std::u16string& text, std::optional<CefRange> replaced);
   void mark(const std::u16string& text, const TextInput::Underlines& underlines,
             const CefRange& selected, std::optional<CefRange> replaced);
   void unmark();
-  // The press is none of text: the page has to act on it.
+  // The press is a command, which the page handles.
   void command();
 
  private:
@@ -55,7 +54,7 @@ class InterpretedKeys {
 
   KeyInput& keys_;
   TextInput& text_;
-  std::optional<InterpretedPress> current_;  // while a press is looked at
+  std::optional<InterpretedPress> current_;  // set while a press is interpreted
 };
 
 }  // namespace client

@@ -1,9 +1,67 @@
 #include "osr/input/mouse_input.h"
 
-#include "osr/input/event_flags.h"
+#include "osr/input/system_event.h"
 #include "osr/renderer/osr_renderer.h"
 
 namespace client {
+
+namespace {
+
+// The open pop-up as drawn and as placed by the engine, in view points; empty without a pop-up.
+struct PopupPosition {
+  CefRect drawn;
+  CefRect given;
+
+  bool isUnder(const OsrPoint& point) const;
+  int offsetX() const { return given.x - drawn.x; }
+  int offsetY() const { return given.y - drawn.y; }
+  bool isDisplaced() const { return offsetX() != 0 || offsetY() != 0; }
+
+  // The point in the engine's coordinates.
+  OsrPoint toEngine(const OsrPoint& point) const;
+};
+
+bool PopupPosition::isUnder(const OsrPoint& point) const {
+  return point.x >= drawn.x && point.x < drawn.x + drawn.width && point.y >= drawn.y &&
+         point.y < drawn.y + drawn.height;
+}
+
+OsrPoint PopupPosition::toEngine(const OsrPoint& point) const {
+  if (!isUnder(point)) {
+    return point;
+  }
+  return {point.x + offsetX(), point.y + offsetY()};
+}
+
+PopupPosition popupPositionOf(OsrView& view) {
+  const OsrRenderer& renderer = view.renderer();
+  return {view.convertRectFromBacking(renderer.popupRect()),
+          view.convertRectFromBacking(renderer.givenPopupRect())};
+}
+
+CefMouseEvent recordOf(const SystemEvent& event, const PopupPosition& popup) {
+  return mouseEventAt(popup.toEngine(event.point), getModifiersForEvent(event));
+}
+
+}  // namespace
+
+void Rotation::begin(const OsrPoint& point) {
+  lastMousePos_ = point;
+  curMousePos_ = point;
+  rotating_ = true;
+}
+
+void Rotation::move(const OsrPoint& point, OsrRenderer& renderer) {
+  curMousePos_ = point;
+  renderer.setSpin(renderer.spinX() - static_cast<float>(curMousePos_.x - lastMousePos_.x),
+                   renderer.spinY() - static_cast<float>(curMousePos_.y - lastMousePos_.y));
+  lastMousePos_ = curMousePos_;
+}
+
+void Rotation::end(OsrRenderer& renderer) {
+  renderer.setSpin(0, 0);
+  rotating_ = false;
+}
 
 void MouseInput::handle(const SystemEvent& event) {
   switch (event.kind) {
@@ -62,12 +120,12 @@ void MouseInput::sendMouseClick(const SystemEvent& event, cef_mouse_button_type_
   if (!target) {
     return;
   }
-  const PopupPlace popup = popupPlaceOf(view_);
+  const PopupPosition popup = popupPositionOf(view_);
   const bool overPopup = popup.isUnder(event.point);
   if (!isUp) {
     wasLastMouseDownOnView_ = !overPopup;
   } else if (wasLastMouseDownOnView_ && overPopup && popup.isDisplaced()) {
-    // A press on the page must not end as a click in a pop-up that is elsewhere for the engine.
+    // A press on the page must not become a click in a pop-up that the engine placed elsewhere.
     return;
   }
   target->SendMouseClickEvent(recordOf(event, popup), button, isUp, event.clickCount);
@@ -80,19 +138,15 @@ void MouseInput::sendMouseMove(const SystemEvent& event, bool leaves) {
     return;
   }
   if (const CefRefPtr<CefBrowserHost> target = host()) {
-    target->SendMouseMoveEvent(recordOf(event, popupPlaceOf(view_)), leaves);
+    target->SendMouseMoveEvent(recordOf(event, popupPositionOf(view_)), leaves);
   }
 }
 
 void MouseInput::sendScrollWheel(const SystemEvent& event) {
   if (const CefRefPtr<CefBrowserHost> target = host()) {
-    target->SendMouseWheelEvent(recordOf(event, popupPlaceOf(view_)),
+    target->SendMouseWheelEvent(recordOf(event, popupPositionOf(view_)),
                                 static_cast<int>(event.deltaX), static_cast<int>(event.deltaY));
   }
-}
-
-CefMouseEvent MouseInput::recordOf(const SystemEvent& event, const PopupPlace& popup) {
-  return mouseEventAt(popup.toEngine(event.point), getModifiersForEvent(event));
 }
 
 CefRefPtr<CefBrowserHost> MouseInput::host() const {

@@ -1,12 +1,28 @@
 #pragma once
 
-#include "osr/input/popup_place.h"
-#include "osr/input/rotation.h"
 #include "osr/input/system_event.h"
+#include "osr/view/osr_view.h"
 
 namespace client {
 
-// Turns pointer events into the browser's. Ownership: the view's, which must outlive it. Thread:
+// Rotates the drawn page while the right button, pressed with Shift, is held. Thread: UI.
+class Rotation {
+ public:
+  bool isRotating() const { return rotating_; }
+
+  void begin(const OsrPoint& point);
+  // Follows the pointer.
+  void move(const OsrPoint& point, OsrRenderer& renderer);
+  // Resets the rotation.
+  void end(OsrRenderer& renderer);
+
+ private:
+  OsrPoint lastMousePos_;
+  OsrPoint curMousePos_;
+  bool rotating_ = false;
+};
+
+// Converts pointer events for the browser. Ownership: the view's, which must outlive it. Thread:
 // UI.
 class MouseInput {
  public:
@@ -14,7 +30,7 @@ class MouseInput {
   MouseInput(const MouseInput&) = delete;
   MouseInput& operator=(const MouseInput&) = delete;
 
-  // Takes every kind of pointer event: presses, releases, moves, entering, leaving and scrolling.
+  // Handles presses, releases, moves, entering, leaving and scrolling.
   void handle(const SystemEvent& event);
 
   void sendMouseClick(const SystemEvent& event, cef_mouse_button_type_t button, bool isUp);
@@ -28,7 +44,6 @@ class MouseInput {
  private:
   void rightDown(const SystemEvent& event);
   void rightUp(const SystemEvent& event);
-  static CefMouseEvent recordOf(const SystemEvent& event, const PopupPlace& popup);
   // Null without a browser.
   CefRefPtr<CefBrowserHost> host() const;
 

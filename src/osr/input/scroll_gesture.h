@@ -6,14 +6,14 @@
 
 namespace client {
 
-// Sees to it that the end of a scroll gesture reaches the browser even outside the view: from the
-// gesture's beginning to its end the view watches all scroll events of the application. Thread: UI.
+// Delivers the end of a scroll gesture to the browser even outside the view: during a gesture it
+// monitors all scroll events of the application. Thread: UI.
 class ScrollGesture {
  public:
   using Send = std::function<void(const SystemEvent&)>;
 
-  // How the system watches scroll events; every one that it sees goes to `shortCircuit`, and then
-  // on to where it was going.
+  // Installs and removes the system's monitor of scroll events. Each monitored event is passed to
+  // `shortCircuit` and then delivered as usual.
   struct Monitor {
     std::function<void()> install;
     std::function<void()> remove;
@@ -21,12 +21,12 @@ class ScrollGesture {
 
   ScrollGesture(Monitor monitor, Send send);
 
-  // Watches from now on when a gesture begins with the event, which is not sent.
+  // Starts monitoring if the event begins a gesture. Does not send the event.
   void watchFrom(const SystemEvent& event);
-  // A scroll event in the view: watches until the gesture's end, and sends it.
+  // A scroll event in the view: sends it, and monitors until the gesture ends.
   void scrollWheel(const SystemEvent& event);
-  // A scroll event that the monitor saw, of which only a gesture's end is sent. Where the view gets
-  // that itself, the monitor leaves it to `scrollWheel`.
+  // A monitored scroll event: only a gesture's end is sent. A monitor must skip events that the
+  // view itself gets.
   void shortCircuit(const SystemEvent& event);
 
   bool isWatching() const { return watching_; }

@@ -8,7 +8,7 @@
 
 namespace client {
 
-// What a system event is, as far as an off-screen browser is concerned.
+// The kinds of system events that an off-screen browser handles.
 enum class EventKind {
   kLeftDown,
   kLeftUp,
@@ -25,7 +25,7 @@ enum class EventKind {
   kScroll,
   kKeyDown,
   kKeyUp,
-  kFlagsChanged,  // a modifier key went down or up, and the event tells only the state after it
+  kFlagsChanged,  // a modifier key changed; the event holds only the state after it
   kOther
 };
 
@@ -41,28 +41,46 @@ enum SystemModifier : uint32_t {
 
 enum class ScrollPhase { kNone, kBegan, kChanged, kEnded, kCancelled };
 
-// An event in terms that all systems share: a view fills in what its event has.
+// A system's event in portable terms. A view sets the fields that its event has.
 struct SystemEvent {
   EventKind kind = EventKind::kOther;
   uint32_t modifiers = 0;  // SystemModifier
 
-  // Of pointer events, in the view.
+  // Pointer events; in view coordinates.
   OsrPoint point;
   int clickCount = 0;
 
-  // Of scroll events; in the browser's units, positive towards the start.
+  // Scroll events; in the browser's units, positive towards the start.
   double deltaX = 0;
   double deltaY = 0;
   ScrollPhase phase = ScrollPhase::kNone;
 
-  // Of key events. The key's code in macOS's numbering; none on other systems.
+  // Key events. The key code of macOS; unset on other systems.
   std::optional<int> keyCode;
-  // Where there is none: the key's code by Windows' numbering, and by the system's own; 0 if
-  // unknown.
+  // Without a macOS code: the key code of Windows and that of the system; 0 if unknown.
   int windowsKeyCode = 0;
   int nativeKeyCode = 0;
   std::u16string characters;
   std::u16string charactersIgnoringModifiers;
 };
+
+// The browser's event flags of an event.
+uint32_t getModifiersForEvent(const SystemEvent& event);
+
+// Whether a key event comes from the numeric key pad.
+bool isKeyPadEvent(const SystemEvent& event);
+
+// Whether a key event, or a change of the modifier keys, is a key's release.
+bool isKeyUpEvent(const SystemEvent& event);
+
+// The characters that the key types without Control, for systems that do not report them: Control
+// turns letters into control characters.
+std::u16string charactersWithoutControl(const SystemEvent& event);
+
+// Fills all but the event's type.
+void getKeyEvent(CefKeyEvent& keyEvent, const SystemEvent& event);
+
+// The record of a pointer event at a point of the view.
+CefMouseEvent mouseEventAt(const OsrPoint& point, uint32_t modifiers);
 
 }  // namespace client

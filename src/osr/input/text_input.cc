@@ -6,7 +6,7 @@
 namespace client {
 namespace {
 
-// The framework's word for no range.
+// The framework's value for no range.
 CefRange rangeOrNone(const std::optional<CefRange>& range) {
   constexpr uint32_t kNone = std::numeric_limits<uint32_t>::max();
   return range.value_or(CefRange(kNone, kNone));
@@ -21,7 +21,7 @@ void TextInput::compose(const std::u16string& text, const Underlines& underlines
     return;
   }
   if (const CefRefPtr<CefBrowserHost> target = host()) {
-    // It begins where the text before it ends.
+    // A new composition starts where the replaced text starts.
     const uint32_t from = isComposing() ? composed_.from : replaced.value_or(selectedRange_).from;
     composed_ = CefRange(from, from + static_cast<uint32_t>(text.size()));
     target->ImeSetComposition(text, underlines, rangeOrNone(replaced), selected);
@@ -58,7 +58,7 @@ bool TextInput::endComposition() {
 void TextInput::setMode(cef_text_input_mode_t mode) {
   mode_ = mode;
   if (!isWanted()) {
-    endComposition();  // its field has lost the focus, and the page has ended it
+    endComposition();  // the field lost the focus, which ended the composition in the page
   }
   view_.textInputChanged();
 }

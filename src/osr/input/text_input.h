@@ -8,9 +8,9 @@
 
 namespace client {
 
-// Text that an input method makes: hands it to the browser while it is composed and when it is
-// finished, and keeps what an input method asks of the focused field. Without a browser, nothing
-// happens. Ranges count UTF-16 units. Ownership: the view's, which must outlive it. Thread: UI.
+// Forwards an input method's text to the browser, composed or committed, and stores the focused
+// field's state for the input method. Without a browser it does nothing. Ranges count UTF-16 units.
+// Ownership: the view's, which must outlive it. Thread: UI.
 class TextInput {
  public:
   using Underlines = std::vector<CefCompositionUnderline>;
@@ -19,35 +19,35 @@ class TextInput {
   TextInput(const TextInput&) = delete;
   TextInput& operator=(const TextInput&) = delete;
 
-  // A composition takes the place of the one before it; an empty one cancels that. `selected` is in
-  // the composition. `replaced`, a part of the field's text, gives way to it.
+  // Replaces the current composition; an empty text cancels it. `selected` is relative to the
+  // composition. `replaced` is the range of the field's text to replace.
   void compose(const std::u16string& text, const Underlines& underlines, const CefRange& selected,
                std::optional<CefRange> replaced = std::nullopt);
-  // Finished text takes the composition's place.
+  // Replaces the composition with final text.
   void commit(const std::u16string& text, std::optional<CefRange> replaced = std::nullopt);
-  // The composition stays as it is, as text.
+  // Keeps the composition as final text.
   void finish();
   void cancel();
   bool isComposing() const { return composed_.to > composed_.from; }
-  // Of the field's text; empty without a composition.
+  // In the field's text; empty without a composition.
   const CefRange& composedRange() const { return composed_; }
 
-  // What the browser tells of the focused field. The view hears of every change.
+  // The focused field's state, as the browser reports it. Each change notifies the view.
   void setMode(cef_text_input_mode_t mode);
   void setSelection(const CefString& text, const CefRange& range);
   void setPlaces(const std::vector<CefRect>& characters);
 
-  // Whether the focused element takes text of input methods.
+  // Whether the focused element accepts input methods.
   bool isWanted() const { return mode_ != CEF_TEXT_INPUT_MODE_NONE; }
   cef_text_input_mode_t mode() const { return mode_; }
   const CefString& selectedText() const { return selectedText_; }
   const CefRange& selectedRange() const { return selectedRange_; }
-  // Where a character of the composition is, or the last one that is known, or else the caret; in
-  // the view. Empty before the browser has told.
+  // The position in the view of a character of the composition, else of the last known character or
+  // the caret. Empty before the browser has reported one.
   CefRect placeOf(std::size_t character) const;
 
  private:
-  // Forgets the composition; false when there was none.
+  // Returns false if there was no composition.
   bool endComposition();
   CefRefPtr<CefBrowserHost> host() const;
 

@@ -1,19 +1,33 @@
 #pragma once
 
+#include "include/cef_base.h"
 #include "include/cef_render_handler.h"
-#include "osr/renderer/changed_area.h"
 #include "osr/renderer/gl.h"
 
 namespace client {
 
-// Keeps the page of an off-screen browser in one texture, copies painted regions into it and draws
-// it: over a background that shows through a transparent page, with the open pop-up, and with an
-// outline of the last updated region when asked for.
+// The bounding rectangle of the changes to a page since it was last drawn.
+class ChangedArea {
+ public:
+  void add(const CefRect& rect);
+  void addAll() { all_ = true; }
+
+  // Returns and clears the part of a page of this size to redraw; the whole page if no change was
+  // recorded.
+  CefRect take(const CefSize& page);
+
+ private:
+  bool all_ = true;  // nothing has been drawn yet
+  CefRect around_;
+};
+
+// Holds the page of an off-screen browser in one texture, copies painted regions into it and draws
+// it: over a background that shows through a transparent page, with the open pop-up, and optionally
+// with an outline of the last updated region.
 //
-// Ownership: one for each view, as long as the view. Thread: UI. The view's OpenGL context must be
-// current in Initialize, Render and OnPaint, and when the renderer is deleted. Sizes are in pixels.
-// Buffers hold BGRA pixels, top row first, and are read during the call only; nothing is allocated
-// for a frame.
+// Ownership: one per view, with the view's lifetime. Thread: UI. The view's OpenGL context must be
+// current in Initialize, Render, OnPaint and the destructor. Sizes are in pixels. Buffers hold BGRA
+// pixels, top row first, and are read only during the call; no memory is allocated per frame.
 class OsrRenderer {
  public:
   OsrRenderer(bool transparent, bool showUpdateRect)
@@ -22,23 +36,23 @@ class OsrRenderer {
   OsrRenderer& operator=(const OsrRenderer&) = delete;
   virtual ~OsrRenderer();
 
-  // Sets the context up and makes the texture, once.
+  // Sets up the context and the texture, once.
   void Initialize();
-  // Draws; nothing before the first view paint.
+  // Draws the page; does nothing before the first view paint.
   void Render();
 
-  // For a surface that keeps what was drawn on it: Render draws only around what has changed.
+  // For a surface that preserves its contents: Render then redraws only the changed area.
   void setSurfaceKeepsDrawing(bool keeps) { surfaceKeepsDrawing_ = keeps; }
-  // The surface is a new one; all of it is drawn next.
+  // For a new surface: the next Render draws everything.
   void forgetDrawing() { changed_.addAll(); }
-  // What the latest Render drew, from the page's left upper corner.
+  // The rectangle that the latest Render drew, from the page's upper left corner.
   const CefRect& drawnRect() const { return drawnRect_; }
 
   void OnPopupShow(CefRefPtr<CefBrowser> browser, bool show);
   // Places the pop-up; an empty rectangle changes nothing.
   void OnPopupSize(CefRefPtr<CefBrowser> browser, const CefRect& rect);
   void ClearPopupRects();
-  // Where a pop-up of this rectangle lies when it is moved into the page; its size is kept.
+  // The rectangle moved into the page; its size is kept.
   CefRect GetPopupRectInWebView(const CefRect& givenRect) const;
 
   void OnPaint(CefRefPtr<CefBrowser> browser, CefRenderHandler::PaintElementType type,

@@ -5,11 +5,17 @@
 
 namespace client {
 
-// Makes the texture anew from a whole buffer.
+// Reallocates the texture from a complete buffer.
 void uploadWhole(const void* buffer, const CefSize& size);
 
-// Replaces the texture's rectangle `target` by the pixels of the buffer from `from` on. The length
-// of the buffer's rows is set before.
+// Replaces the rectangle `target` of the texture with pixels of the buffer, starting at `from`. The
+// caller sets GL_UNPACK_ROW_LENGTH first.
 void uploadPart(const void* buffer, const CefPoint& from, const CefRect& target);
+
+// Replaces the part of the texture that a pop-up covers. `buffer` holds the whole pop-up of the
+// given size, whose left upper corner is at `position` of the page, perhaps outside. All in pixels.
+// A pop-up that is all outside copies nothing.
+void uploadPopup(const CefPoint& position, const CefSize& size, const CefSize& page,
+                 const void* buffer);
 
 }  // namespace client

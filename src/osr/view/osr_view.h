@@ -1,6 +1,9 @@
 #pragma once
 
+#include <functional>
+#include <memory>
 #include <optional>
+#include <string>
 
 #include "include/cef_browser.h"
 #include "include/cef_drag_data.h"
@@ -10,7 +13,7 @@ namespace client {
 class OsrRenderer;
 class TextInput;
 
-// In view points, from the view's left upper corner unless said.
+// In view points, from the view's upper left corner unless noted.
 struct OsrPoint {
   double x = 0;
   double y = 0;
@@ -21,7 +24,7 @@ struct OsrSize {
   double height = 0;
 };
 
-// The screen that a view is on. Rectangles count from the left upper corner.
+// The screen of a view. Rectangles start at the upper left corner.
 struct OsrScreen {
   int depth = 0;  // bits of a pixel
   int depthPerComponent = 0;
@@ -30,8 +33,8 @@ struct OsrScreen {
   CefRect availableRect;  // without docks and menu bars
 };
 
-// What the portable part of an off-screen browser asks of the system's view. The view is held by
-// the system; others hold it weakly. Thread: UI.
+// The system's view as the portable part of an off-screen browser sees it. Held by the system,
+// elsewhere weakly. Thread: UI.
 class OsrView {
  public:
   OsrView() = default;
@@ -54,7 +57,7 @@ class OsrView {
   virtual CefRect convertRectFromBacking(const CefRect& pixels) const = 0;
   virtual void stopObservingScale() = 0;
 
-  // Asks the system to draw the view soon.
+  // Schedules a redraw.
   virtual void redraw() = 0;
   virtual void makeContextCurrent() = 0;
   virtual void clearCurrentContext() = 0;
@@ -62,12 +65,31 @@ class OsrView {
 
   virtual void setCursor(CefCursorHandle cursor, cef_cursor_type_t type,
                          const CefCursorInfo& custom) = 0;
-  // The system's input method has to ask `textInput` again.
+  // The input method must query `textInput` again.
   virtual void textInputChanged() = 0;
   // False when the drag cannot be started.
   virtual bool startDragging(CefRefPtr<CefBrowser> browser, CefRefPtr<CefDragData> data,
                              cef_drag_operations_mask_t allowed, int x, int y) = 0;
   virtual void setCurrentDragOperation(cef_drag_operations_mask_t operation) = 0;
 };
+
+// Returns the view's browser; null before it exists.
+using BrowserProvider = std::function<CefRefPtr<CefBrowser>()>;
+
+struct OffScreenViewOptions {
+  std::string title;  // UTF-8
+  CefRect bounds;     // of the page, in points
+  bool transparent = false;
+  bool showUpdateRect = false;
+  BrowserProvider browserProvider;
+};
+
+// Opens a window with a view for an off-screen browser. It owns itself until its browser is closed.
+// Returns null and sets `error` if the system has no OpenGL.
+std::shared_ptr<OsrView> createOffScreenView(const OffScreenViewOptions& options,
+                                             std::string& error);
+
+// The native handle to pass to the framework as the browser's parent.
+CefWindowHandle windowOf(const OsrView& view);
 
 }  // namespace client

@@ -8,7 +8,7 @@
 
 namespace client {
 
-// What a view's window knows of its scale.
+// The scale of a view's window.
 struct WindowScale {
   std::optional<float> backing;  // none on systems without backing scale factors
   float userSpace = 1;
@@ -17,14 +17,14 @@ struct WindowScale {
 // 1 without a window.
 float getDeviceScaleFactor(const std::optional<WindowScale>& window);
 
-// Tells the browser that the screen information changed, when the scale did.
+// Notifies the browser if the scale differs from `oldScale`.
 void reportScaleChange(OsrView& view, float oldScale);
 
-// Every pixel that the points touch, and the points that pixels touch.
+// Round outwards: every pixel that the points touch, and vice versa.
 CefRect pointsToPixels(const CefRect& points, float scale);
 CefRect pixelsToPoints(const CefRect& pixels, float scale);
 
-// A rectangle of a screen whose y axis points up from the bottom, counted from the top instead.
+// Converts a rectangle of a screen whose y axis points up to a top left origin.
 CefRect toTopLeftOrigin(const CefRect& target, const CefRect& screenFrame);
 
 }  // namespace client

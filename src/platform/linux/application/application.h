@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QIcon>
 #include <QString>
 #include <string>
 
@@ -7,15 +8,17 @@ class QWidget;
 
 namespace zantrio {
 
-// Whether there is an application object that can show widgets, and this is its thread.
+// True on the thread of a QApplication that is not shutting down.
 bool canShowWidgets();
 
-// The window that a dialog belongs to: the active one, else any window of the application that is
-// visible and no dialog itself; null for none.
+// The parent for dialogs: the active window, else any visible main window; null if there is none.
 QWidget* windowForDialogs();
 
-// UTF-8 for the toolkit; what is no UTF-8 shows as U+FFFD, and so does U+0000, which would end the
+// Converts UTF-8 for display. Invalid bytes become U+FFFD, and so does U+0000, which would end the
 // text in other programs.
 QString toShownText(const std::string& text);
+
+// The theme's icon "zantrio" if installed, else a drawn copy.
+QIcon applicationIcon();
 
 }  // namespace zantrio

@@ -2,7 +2,7 @@
 
 namespace zantrio {
 
-// There are none but C++ exceptions here.
+// Linux has only C++ exceptions.
 bool callCatchingPlatformExceptions(const std::function<void()>& call) {
   call();
   return true;

@@ -8,18 +8,18 @@
 
 namespace zantrio {
 
-// The contacts of the Evolution Data Server, which GNOME's and other desktops' programs use. They
-// are kept in memory and up to date there, so that a search does not wait for the server.
+// Searches the contacts of the Evolution Data Server, which GNOME and other desktops use. They are
+// cached in memory and kept up to date, so a search does not wait for the server.
 class CAddressBookLinux : public IAddressBook {
  public:
-  // Contacts are read this long after the construction, or with the first search, so that the start
-  // of the server does not slow down the application's own.
+  // Delay before reading contacts, so that starting the server does not slow down the application's
+  // start. The first search ends the delay.
   static constexpr std::chrono::milliseconds kStartDelay{2000};
-  // While the contacts are being read, searches wait for them, together at most this long; then
-  // they find what has arrived.
+  // The total time that searches wait for contacts that are still loading; after that they search
+  // the contacts loaded so far.
   static constexpr std::chrono::milliseconds kLoadingLimit{1000};
 
-  // Throws CAddressBookObtainError when there is no such server.
+  // Throws CAddressBookObtainError if there is no Evolution Data Server.
   explicit CAddressBookLinux(std::chrono::milliseconds startDelay = kStartDelay,
                              std::chrono::milliseconds loadingLimit = kLoadingLimit);
   CAddressBookLinux(const CAddressBookLinux&) = delete;

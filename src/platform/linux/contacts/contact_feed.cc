@@ -12,7 +12,7 @@
 namespace zantrio {
 namespace {
 
-// After the server has ended, before it is started again.
+// Delay before a book whose server ended is reopened.
 constexpr std::chrono::seconds kReopenDelay(5);
 
 std::vector<GObjectPtr<ESource>> enabledBooks(ESourceRegistry* registry) {
@@ -27,7 +27,8 @@ std::vector<GObjectPtr<ESource>> enabledBooks(ESourceRegistry* registry) {
 
 }  // namespace
 
-// Rides on an asynchronous call. The feed's thread waits for the call's end, and the feed for it.
+// User data of an asynchronous call. The token makes the thread wait for the call, so `feed` stays
+// valid.
 struct CContactFeedLinux::Call {
   CContactFeedLinux* feed;
   CGlibThreadLinux::CallToken token;
@@ -97,7 +98,7 @@ void CContactFeedLinux::matchEnabledBooks() {
       openBook(source.get());
     }
   }
-  // A book that was still being read may have been disabled.
+  // A book that was still loading may have been disabled.
   endLoadingWhenLoaded();
 }
 

@@ -16,24 +16,24 @@ namespace zantrio {
 class CContactCache;
 class CWaitBudget;
 
-// Fills the cache from the Evolution Data Server in a thread of its own: the contacts of every
-// enabled address book, and what changes in them from then on. Nothing here waits for the server.
+// Fills the cache from the Evolution Data Server on its own thread: the contacts of every enabled
+// address book and their later changes. No call blocks on the server.
 class CContactFeedLinux {
  public:
-  // Begins after `delay`. `loading` is ended when the contacts that there are at the start have
-  // arrived, or cannot be had. Both must outlive the feed.
+  // Begins after `delay`. `loading` ends when the initial contacts are loaded or cannot be read.
+  // Both references must outlive the feed.
   CContactFeedLinux(CContactCache& cache, CWaitBudget& loading, std::chrono::milliseconds delay);
   CContactFeedLinux(const CContactFeedLinux&) = delete;
   CContactFeedLinux& operator=(const CContactFeedLinux&) = delete;
   ~CContactFeedLinux();
 
-  // Begins now, if it has not yet. Thread: any.
+  // Begins at once unless already begun. Thread: any.
   void hurry();
 
  private:
   struct Call;
 
-  // All that follows: in the feed's thread.
+  // The functions below run on the feed's thread.
   void begin();
   static void onRegistry(GObject*, GAsyncResult* result, gpointer call);
   static void onSourcesChanged(ESourceRegistry*, ESource*, gpointer self);
@@ -47,7 +47,7 @@ class CContactFeedLinux {
   CContactCache& cache_;
   CWaitBudget& loading_;
 
-  // Of the thread alone.
+  // Used only on the feed's thread.
   const GObjectPtr<GCancellable> cancellable_;
   bool begun_ = false;
   bool ended_ = false;

@@ -1,10 +1,12 @@
 #include "platform/linux/contacts/eds_book.h"
 
 #include <array>
+#include <optional>
 #include <utility>
 
 #include "app/log/logger.h"
-#include "platform/linux/contacts/eds_contact.h"
+#include "app/text/utf8_text.h"
+#include "services/contacts/contact.h"
 #include "services/contacts/contact_cache.h"
 
 namespace zantrio {
@@ -13,10 +15,10 @@ namespace {
 // Matches every contact.
 constexpr const char* kAllContacts = R"((contains "x-evolution-any-field" ""))";
 
-// Any number of seconds would be waited for in full; this asks for the connection alone.
+// Any number of seconds would be waited in full; -1 only connects.
 constexpr guint32 kDoNotWaitForBackend = static_cast<guint32>(-1);
 
-// All that is read of a contact; the server need not send photos and notes.
+// Limits the data sent to the fields used here; excludes photos and notes.
 void limitFields(EBookClientView* view) {
   static constexpr std::array kFields = {E_CONTACT_UID,         E_CONTACT_GIVEN_NAME,
                                          E_CONTACT_FAMILY_NAME, E_CONTACT_FULL_NAME,
@@ -25,14 +27,52 @@ void limitFields(EBookClientView* view) {
   for (const EContactField field : kFields) {
     names = g_slist_prepend(names, const_cast<char*>(e_contact_field_name(field)));
   }
-  // A server that refuses sends everything.
+  // On failure the server sends all fields.
   e_book_client_view_set_fields_of_interest(view, names, nullptr);
   g_slist_free(names);
 }
 
+std::string readText(EContact* record, EContactField field) {
+  const void* const text = e_contact_get_const(record, field);
+  return text == nullptr ? std::string() : toValidUtf8(static_cast<const char*>(text));
+}
+
+std::optional<std::vector<std::string>> readEmails(EContact* record) {
+  auto* const values = static_cast<GList*>(e_contact_get(record, E_CONTACT_EMAIL));
+  if (values == nullptr) {
+    return std::nullopt;
+  }
+  std::vector<std::string> emails;
+  for (const GList* value = values; value != nullptr; value = value->next) {
+    const auto* const text = static_cast<const char*>(value->data);
+    // Skips e-mail properties without a value.
+    if (text != nullptr && *text != '\0') {
+      emails.push_back(toValidUtf8(text));
+    }
+  }
+  g_list_free_full(values, g_free);
+  return emails;
+}
+
+// Converts a record, with texts in valid UTF-8; nothing for a list of contacts. A record with only
+// a full name has it as the first name.
+std::optional<Contact> readContact(EContact* record) {
+  if (e_contact_get(record, E_CONTACT_IS_LIST) != nullptr) {
+    return std::nullopt;
+  }
+  Contact contact;
+  contact.firstName = readText(record, E_CONTACT_GIVEN_NAME);
+  contact.lastName = readText(record, E_CONTACT_FAMILY_NAME);
+  if (contact.firstName.empty() && contact.lastName.empty()) {
+    contact.firstName = readText(record, E_CONTACT_FULL_NAME);
+  }
+  contact.emails = readEmails(record);
+  return contact;
+}
+
 }  // namespace
 
-// Rides on an asynchronous call; the book may be gone when it ends.
+// User data of an asynchronous call; the book may be destroyed before the call ends.
 struct CEdsBookLinux::Call {
   std::weak_ptr<CEdsBookLinux> book;
   CGlibThreadLinux::CallToken token;

@@ -13,13 +13,13 @@ namespace zantrio {
 
 class CContactCache;
 
-// One address book of the Evolution Data Server: keeps its contacts in the cache and up to date
-// there, from open() to the end of the object, which takes them out again. Thread: that of GLib.
+// Caches the contacts of one address book of the Evolution Data Server and keeps them up to date,
+// from open() to destruction, which removes them from the cache. Thread: GLib's.
 class CEdsBookLinux : public std::enable_shared_from_this<CEdsBookLinux> {
  public:
   struct Listener {
-    std::function<void()> onLoaded;  // once: all contacts are there, or the book cannot be read
-    std::function<void()> onDied;    // the server ended; the book must be opened anew
+    std::function<void()> onLoaded;  // once: all contacts are loaded, or the book cannot be read
+    std::function<void()> onDied;    // the server ended; the book must be reopened
   };
 
   // The thread and the cache must outlive the object.

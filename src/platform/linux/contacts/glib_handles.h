@@ -20,7 +20,7 @@ struct GMainContextUnref {
   void operator()(GMainContext* context) const { g_main_context_unref(context); }
 };
 
-// A reference that is held.
+// Owns one reference.
 template <class Object>
 using GObjectPtr = std::unique_ptr<Object, GObjectUnref>;
 using GErrorPtr = std::unique_ptr<GError, GErrorFree>;
@@ -32,7 +32,7 @@ GObjectPtr<Object> addReference(Object* object) {
   return GObjectPtr<Object>(static_cast<Object*>(g_object_ref(object)));
 }
 
-// Takes the error, which may be null, and gives its text.
+// Frees the error, which may be null, and returns its message.
 inline std::string takeText(GError* error) {
   const GErrorPtr owned(error);
   return owned ? owned->message : "unknown error";

@@ -7,7 +7,7 @@ namespace {
 
 using Task = std::function<void()>;
 
-// How long calls that were cancelled may take to notice.
+// How long to wait for cancelled calls.
 constexpr std::chrono::milliseconds kEndLimit(1000);
 
 gboolean runTask(gpointer task) {
@@ -56,8 +56,8 @@ void CGlibThreadLinux::run() {
   g_main_context_pop_thread_default(context_.get());
 }
 
-// Until none is left: a task may wait in the context itself, and swallow the call that a task
-// behind it sent to wake the thread.
+// Repeats until the queue is empty: a task may iterate the context itself and consume the wake-up
+// of a later task.
 void CGlibThreadLinux::runPosted() {
   for (std::vector<Task> tasks = takePosted(); !tasks.empty(); tasks = takePosted()) {
     for (const Task& task : tasks) {

@@ -11,22 +11,22 @@
 
 namespace zantrio {
 
-// A thread in which GLib's events are handled, apart from the program's own event loop: what is
-// begun in it hears of its end in it. Its end waits for calls that are under way, a moment at most.
+// A thread with a GLib main context of its own, separate from the application's event loop. Calls
+// begun on it complete on it. Destruction waits briefly for pending calls.
 class CGlibThreadLinux {
  public:
   CGlibThreadLinux();
   CGlibThreadLinux(const CGlibThreadLinux&) = delete;
   CGlibThreadLinux& operator=(const CGlibThreadLinux&) = delete;
-  // Calls that are under way are to be cancelled before; tasks that still wait are not run.
+  // Pending calls must be cancelled first; queued tasks are dropped.
   ~CGlibThreadLinux();
 
-  // Runs the task in the thread, after those posted before. Thread: any.
+  // Runs the task on the thread, after earlier ones. Thread: any.
   void post(std::function<void()> task);
 
-  // The rest is for the thread's own use.
+  // The functions below are only for this thread.
   void runLater(std::chrono::milliseconds delay, std::function<void()> task);
-  // Held while an asynchronous call of GLib's kind is under way.
+  // Held by each pending asynchronous GLib call.
   using CallToken = std::shared_ptr<void>;
   CallToken beginCall() const { return calls_; }
 
@@ -41,7 +41,7 @@ class CGlibThreadLinux {
   std::mutex mutex_;
   std::vector<std::function<void()>> posted_;  // guarded by mutex_
 
-  // Of the thread alone.
+  // Used only on this thread.
   const CallToken calls_;
   bool stopping_ = false;
   bool expired_ = false;

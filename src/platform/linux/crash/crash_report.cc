@@ -8,15 +8,15 @@
 #include <system_error>
 
 #include "platform/linux/crash/process_stacks.h"
+#include "platform/linux/crash/process_threads.h"
 #include "platform/linux/crash/signal_text.h"
-#include "platform/linux/crash/thread_names.h"
 #include "services/crash/crash_log.h"
 #include "services/crash/crash_report_folder.h"
 
 namespace zantrio {
 namespace {
 
-constexpr std::size_t kKeptReports = 10;
+constexpr std::size_t kMaxReports = 10;
 
 void append(int file, const std::string& text) {
   std::size_t done = 0;
@@ -29,7 +29,7 @@ void append(int file, const std::string& text) {
   }
 }
 
-// In the zone of the logs' lines.
+// In the time zone of the logs.
 std::string localTime() {
   const time_t now = time(nullptr);
   tm local{};
@@ -68,7 +68,7 @@ void writeCrashReport(const CrashReportFacts& facts, const CrashNotice& notice) 
     throw;
   }
   close(file);
-  folder.keepNewest(kKeptReports);
+  folder.keepNewest(kMaxReports);
 }
 
 }  // namespace zantrio

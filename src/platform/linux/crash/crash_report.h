@@ -4,12 +4,12 @@
 
 namespace zantrio {
 
-// Writes the report of a crash into the folder of the reports: what happened to which thread, the
-// stacks of all threads, and the ends of the logs. The crashed process must still be there. What is
-// known first is written first, so that a report that breaks off is still of use.
+// Writes a crash report into the report folder: the signal and thread, all stacks, and the log
+// tails. The crashed process must still exist. The most certain facts are written first, so that a
+// truncated report is still useful.
 //
-// Errors: std::system_error when there can be no report. Stacks that cannot be read are said to be
-// so in the report.
+// Errors: std::system_error if the report cannot be written. Unreadable stacks are noted in the
+// report.
 void writeCrashReport(const CrashReportFacts& facts, const CrashNotice& notice);
 
 }  // namespace zantrio

@@ -13,6 +13,7 @@
 
 #include "platform/linux/crash/crash_watcher.h"
 #include "platform/linux/crash/fatal_signals.h"
+#include "services/process_preparation.h"
 
 namespace zantrio {
 namespace {
@@ -45,7 +46,7 @@ CrashReporter::CrashReporter() {
   if (watcher_ == 0) {
     close(ends[0]);
     CrashWatcher(ends[1]).run();
-    // Nothing of the program's end: what was there at the fork is not the watcher's.
+    // Skips the destructors and exit handlers that were inherited by the fork.
     _exit(0);
   }
   if (watcher_ < 0) {
@@ -61,7 +62,7 @@ CrashReporter::~CrashReporter() {
   if (socket_ >= 0) {
     close(socket_);
   }
-  // It has nothing left to do. The number is its own as long as nobody has waited for it.
+  // The watcher has no work left. Its process id stays valid until it is waited for.
   if (watcher_ > 0 && waitpid(watcher_, nullptr, WNOHANG) == 0) {
     kill(watcher_, SIGKILL);
     while (waitpid(watcher_, nullptr, 0) < 0 && errno == EINTR) {
@@ -77,10 +78,20 @@ bool CrashReporter::start(const CrashReportFacts& facts) {
   if (watcher_ < 0 || !sendFacts(socket_, facts)) {
     return false;
   }
-  // Where a process may only be looked into by its ancestors, this one allows its watcher to.
+  // Allows the watcher to trace this process even where only ancestors may.
   prctl(PR_SET_PTRACER, watcher_, 0, 0, 0);
   signals_ = std::make_unique<FatalSignals>(socket_);
   return true;
 }
+
+// Forks the watcher; CPlatformInitLinux starts it.
+class ProcessPreparation::Impl {
+ private:
+  const CrashReporter reporter_;
+};
+
+ProcessPreparation::ProcessPreparation() : impl_(std::make_unique<Impl>()) {}
+
+ProcessPreparation::~ProcessPreparation() = default;
 
 }  // namespace zantrio

@@ -10,26 +10,26 @@ namespace zantrio {
 
 class FatalSignals;
 
-// Writes a report when this process crashes, by way of a watcher: a process of its own that is
-// forked while all is well, so that a report needs nothing of the crashed process but that it can
-// write to a socket. The watcher ends with this process, however it ends.
+// Reports crashes of this process through a watcher, a process forked at the start: a report needs
+// only that the crashed process can write to a socket. The watcher ends with this process, however
+// it ends.
 //
-// Ownership: main's, for the life of the process; one a process. Thread: main's.
+// Ownership: main's, for the life of the process; one per process. Thread: main's.
 class CrashReporter {
  public:
-  // Forks the watcher, which never returns from here. To be called before any thread exists and
-  // anything is opened. Where there can be no watcher, there are no reports.
+  // Forks the watcher, in which this constructor never returns. Call it before any thread exists or
+  // file is opened. Without a watcher, crashes are not reported.
   CrashReporter();
   CrashReporter(const CrashReporter&) = delete;
   CrashReporter& operator=(const CrashReporter&) = delete;
-  // Gives the signals back and waits for the watcher's end.
+  // Restores the signal handlers and waits for the watcher to end.
   ~CrashReporter();
 
-  // The process's reporter; null where there is none.
+  // The process's reporter, or null.
   static CrashReporter* current();
 
-  // From here on crashes are reported. Called once, on the main thread, whose stack may overflow:
-  // it gets another one for signals. False when there is no watcher.
+  // Starts reporting. Call once, on the main thread, which gets an alternate signal stack so that
+  // its stack overflows can be reported. Returns false without a watcher.
   bool start(const CrashReportFacts& facts);
 
  private:

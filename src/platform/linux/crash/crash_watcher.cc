@@ -19,10 +19,10 @@
 namespace zantrio {
 namespace {
 
-constexpr std::size_t kLargestMessage = 64 * 1024;
+constexpr std::size_t kMaxMessageSize = 64 * 1024;
 constexpr int kFirstFreeFd = 3;
 
-// The standard ones lead nowhere; all others but the socket are closed.
+// Redirects the standard streams to /dev/null and closes everything except the socket.
 void leaveOpenOnly(int socket) {
   const int nowhere = open("/dev/null", O_RDWR);
   for (int fd = 0; fd < kFirstFreeFd; ++fd) {
@@ -36,12 +36,12 @@ void leaveOpenOnly(int socket) {
 
 void becomeWatcher(int socket) {
   prctl(PR_SET_NAME, "zantrio-watcher");
-  // Nothing that is typed in the client's terminal or done with its process group concerns it.
+  // Detaches from the client's terminal and process group, and their signals.
   setsid();
   leaveOpenOnly(socket);
-  [[maybe_unused]] const int moved = chdir("/");  // holds no file system in use
+  [[maybe_unused]] const int moved = chdir("/");  // keeps no file system busy
   umask(S_IRWXG | S_IRWXO);
-  // Symbols are looked up on this machine only, never on a server.
+  // Looks up symbols locally, never on a server.
   unsetenv("DEBUGINFOD_URLS");  // NOLINT(concurrency-mt-unsafe): the only thread
 }
 
@@ -67,7 +67,7 @@ void CrashWatcher::run() {
 }
 
 std::optional<std::string> CrashWatcher::receive() const {
-  std::string message(kLargestMessage, '\0');
+  std::string message(kMaxMessageSize, '\0');
   ssize_t length = 0;
   do {
     length = recv(socket_, message.data(), message.size(), 0);

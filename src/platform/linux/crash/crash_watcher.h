@@ -7,16 +7,16 @@
 
 namespace zantrio {
 
-// The watcher process's whole life: it waits for its client's crash or end and writes a report of
-// the crash. It has left the client's terminal and session and has nothing open but its socket.
-// What keeps it from writing a report is told to the system's log.
+// The watcher process: waits for its client to crash or end and writes a report of the crash. It
+// has left the client's terminal and session and holds only its socket open. Failures to write a
+// report go to syslog.
 class CrashWatcher {
  public:
-  // `socket`: the connection with the client. To be made in the forked process, which becomes the
-  // watcher with it.
+  // `socket`: the connection to the client. Construct it in the forked process, which becomes the
+  // watcher.
   explicit CrashWatcher(int socket);
 
-  // Returns when there is nothing left to do.
+  // Returns when the client has ended or the report is written.
   void run();
 
  private:

@@ -41,9 +41,9 @@ long millisecondsNow() {
   return now.tv_sec * 1000 + now.tv_nsec / 1'000'000;
 }
 
-// Until there is something to read, or for as long as a report may take. A negative socket only
-// waits. The watcher's look at the threads interrupts system calls.
-void waitAtMostForReport(int socket) {
+// Waits until the socket is readable, or for the report's time limit. With a negative socket it
+// only waits. The watcher's ptrace interrupts system calls, hence the loop.
+void waitForReport(int socket) {
   const long end = millisecondsNow() + FatalSignals::kReportLimitSeconds * 1000L;
   pollfd watched{socket, POLLIN, 0};
   for (long left = end - millisecondsNow(); left > 0; left = end - millisecondsNow()) {
@@ -66,7 +66,7 @@ void report(int signal, const siginfo_t& info) {
   }
   if (send(watcherSocket, &notice, sizeof notice, MSG_NOSIGNAL | MSG_DONTWAIT) ==
       static_cast<ssize_t>(sizeof notice)) {
-    waitAtMostForReport(watcherSocket);
+    waitForReport(watcherSocket);
   }
 }
 
@@ -76,7 +76,7 @@ void restorePreviousActions() {
   }
 }
 
-// The signal is blocked until the handler returns, and then arrives as it did the first time.
+// The signal is blocked until the handler returns; then it is delivered again.
 void raiseAgain(int signal, siginfo_t* info) {
   const auto thread = syscall(SYS_gettid);
   if (syscall(SYS_rt_tgsigqueueinfo, getpid(), thread, signal, info) != 0) {
@@ -86,12 +86,12 @@ void raiseAgain(int signal, siginfo_t* info) {
 
 void onFatalSignal(int signal, siginfo_t* info, void* /*context*/) {
   const int savedError = errno;
-  // A child that was forked and has not become another program yet is not what is watched.
+  // A forked child that has not called exec is not watched.
   if (getpid() == owner) {
     if (!crashed.test_and_set()) {
       report(signal, *info);
     } else {
-      waitAtMostForReport(-1);  // on another thread, which ends the process when it is done
+      waitForReport(-1);  // another thread is reporting and will end the process
     }
   }
   restorePreviousActions();
@@ -107,7 +107,7 @@ void noteException(const char* type, const char* text) {
   std::free(readable);
 }
 
-// The exception is still as it was thrown: nothing has been unwound, so that the stack shows where.
+// Nothing has been unwound, so the stack still shows where the exception was thrown.
 void onTerminate() {
   if (const std::type_info* const type = abi::__cxa_current_exception_type()) {
     try {
@@ -122,7 +122,7 @@ void onTerminate() {
   std::abort();
 }
 
-void giveThisThreadSignalStack() {
+void installSignalStack() {
   stack_t existing{};
   if (sigaltstack(nullptr, &existing) == 0 && !(existing.ss_flags & SS_DISABLE)) {
     return;  // a sanitizer's
@@ -138,7 +138,7 @@ void giveThisThreadSignalStack() {
 FatalSignals::FatalSignals(int socket) {
   watcherSocket = socket;
   owner = getpid();
-  giveThisThreadSignalStack();
+  installSignalStack();
   struct sigaction action {};
   action.sa_sigaction = onFatalSignal;
   action.sa_flags = SA_SIGINFO | SA_ONSTACK;

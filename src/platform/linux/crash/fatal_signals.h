@@ -2,13 +2,13 @@
 
 namespace zantrio {
 
-// Catches the signals with which a program crashes, and uncaught exceptions: tells the watcher at
-// the other end of the socket, waits until it has written its report (at most kReportLimitSeconds),
-// and lets what was set for the signal before take its course, which is the process's end.
+// Handles fatal signals and uncaught exceptions: notifies the watcher at the other end of the
+// socket, waits until the report is written (at most kReportLimitSeconds), and passes the signal to
+// the previous handler, which ends the process.
 //
-// What runs in the crashed process is safe in a signal handler and takes no memory. One a process;
-// the socket stays the caller's. A thread that overflows its stack can only be caught when it has
-// another stack for signals; the thread that makes this object is given one.
+// The handler is async-signal-safe and allocates nothing. One per process; the caller keeps the
+// socket. A stack overflow can be handled only on a thread with an alternate signal stack; the
+// constructing thread gets one.
 class FatalSignals {
  public:
   static constexpr int kReportLimitSeconds = 20;

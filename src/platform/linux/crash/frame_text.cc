@@ -64,7 +64,7 @@ std::string lineAt(Dwfl_Module* file, Dwarf_Addr address) {
 
 std::string FrameText::describe(const Frame& frame) {
   const Dwarf_Addr call = frame.isInterrupted ? frame.address : frame.address - 1;
-  const auto [entry, isNew] = told_.try_emplace(call);
+  const auto [entry, isNew] = cache_.try_emplace(call);
   if (isNew) {
     Dwfl_Module* const file = dwfl_addrmodule(dwfl_, call);
     entry->second = file ? describeInFile(file, call) : "?";
@@ -81,7 +81,7 @@ std::string FrameText::describeFiles() const {
 }
 
 std::string FrameText::describeInFile(Dwfl_Module* file, Dwarf_Addr call) {
-  // With its symbols, a file's own addresses become known too.
+  // Loading the symbols also sets the file's load bias.
   const std::string function = functionAt(file, call);
   GElf_Addr bias = 0;
   dwfl_module_getelf(file, &bias);

@@ -8,14 +8,13 @@
 #include <vector>
 
 #include "platform/linux/crash/frame_text.h"
-#include "platform/linux/crash/stopped_threads.h"
-#include "platform/linux/crash/thread_names.h"
+#include "platform/linux/crash/process_threads.h"
 
 namespace zantrio {
 namespace {
 
-// A stack that has overflown has a hundred thousand frames.
-constexpr std::size_t kMostFrames = 128;
+// An overflowed stack has a hundred thousand frames.
+constexpr std::size_t kMaxFrames = 128;
 
 struct DwflDeleter {
   void operator()(Dwfl* dwfl) const { dwfl_end(dwfl); }
@@ -26,7 +25,7 @@ char* debugInfoPath = nullptr;  // the usual places
 const Dwfl_Callbacks kCallbacks = {dwfl_linux_proc_find_elf, dwfl_standard_find_debuginfo, nullptr,
                                    &debugInfoPath};
 
-// Null when the process cannot be looked into; dwfl_errmsg(-1) tells why.
+// Null if the process cannot be traced; dwfl_errmsg(-1) says why.
 DwflPtr openProcess(pid_t process) {
   DwflPtr dwfl(dwfl_begin(&kCallbacks));
   const bool opened = dwfl && dwfl_linux_proc_report(dwfl.get(), process) == 0 &&
@@ -46,7 +45,7 @@ int addFrame(Dwfl_Frame* state, void* argument) {
   if (!dwfl_frame_pc(state, &frame.address, &frame.isInterrupted)) {
     return DWARF_CB_ABORT;
   }
-  stack.isCut = stack.frames.size() == kMostFrames;
+  stack.isCut = stack.frames.size() == kMaxFrames;
   if (stack.isCut) {
     return DWARF_CB_ABORT;
   }
@@ -54,8 +53,8 @@ int addFrame(Dwfl_Frame* state, void* argument) {
   return DWARF_CB_OK;
 }
 
-// Up to where the signal came in: only the handler lies above, and the frame that the system has
-// put below the handler, which counts as interrupted too.
+// Removes the signal handler's frames and the kernel's trampoline below them, which also counts as
+// interrupted.
 void dropHandler(std::vector<Frame>& frames) {
   const auto isInterrupted = [](const Frame& frame) { return frame.isInterrupted; };
   if (frames.empty()) {
@@ -70,7 +69,7 @@ void dropHandler(std::vector<Frame>& frames) {
 
 using Stacks = std::map<pid_t, Stack>;
 
-// While the threads stand still; naming the frames takes longer and has time until later.
+// Runs while the threads are stopped; the slower naming of frames follows later.
 Stacks readStacks(Dwfl* dwfl, const StoppedThreads& stopped, pid_t crashedThread) {
   Stacks stacks;
   for (const pid_t thread : stopped.threads()) {

@@ -6,13 +6,12 @@
 
 namespace zantrio {
 
-// The stacks of all threads of another process as text, the crashed thread's first and without the
-// frames of its signal handler; then the files that the frames belong to, with their build ids.
-// Functions are named, and lines of source, as far as the files on this machine tell; each frame
-// has its file's offset, with which the rest can be found elsewhere. The threads stand still
-// meanwhile.
+// Formats the stacks of all threads of another process, the crashed thread's first and without its
+// signal handler, then the files of the frames with their build ids. Functions and source lines are
+// named as far as local files allow; each frame has its file offset for later lookup. The threads
+// are stopped meanwhile.
 //
-// Where the system does not let one process look into another, the text says so.
+// If the system does not allow tracing, the text says so.
 std::string describeStacks(pid_t process, pid_t crashedThread);
 
 }  // namespace zantrio

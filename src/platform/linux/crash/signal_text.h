@@ -6,11 +6,11 @@
 
 namespace zantrio {
 
-// The signal's name and what brought it, as in "SIGSEGV (Segmentation fault) at 0x0000000000000008,
+// The signal's name and cause, as in "SIGSEGV (Segmentation fault) at 0x0000000000000008,
 // SEGV_MAPERR" or "SIGABRT (Aborted), sent by process 1234".
 std::string describeSignal(const CrashNotice& notice);
 
-// As 0x and 16 digits.
+// 0x and 16 digits.
 std::string hexadecimal(std::uintptr_t number);
 
 }  // namespace zantrio

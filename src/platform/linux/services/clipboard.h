@@ -6,8 +6,8 @@ class QClipboard;
 
 namespace zantrio {
 
-// The toolkit keeps the text for the other programs, and hands it to the desktop's clipboard
-// manager, where there is one, when the application ends.
+// Qt serves the text to other programs and passes it to the desktop's clipboard manager, if any,
+// when the application ends.
 class CClipboardLinux : public IClipboard {
  public:
   CClipboardLinux();

@@ -4,19 +4,52 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
+#include <QProcess>
+#include <QProcessEnvironment>
 #include <QStringList>
 #include <new>
 
 #include "files/file_status.h"
 #include "files/file_url.h"
-#include "platform/linux/services/desktop_opener.h"
 #include "services/openable_url.h"
 
 namespace zantrio {
 namespace {
 
-// Long enough for a file manager that has to be started first.
-constexpr int kAnswerLimitMs = 10'000;
+// Another browser on the same engine would inherit our switches, sandbox and debugging port.
+bool isFrameworksOwn(const QString& variable) {
+  return variable.startsWith(QLatin1String("QTWEBENGINE")) ||
+         variable.startsWith(QLatin1String("CEF_QT_")) ||
+         variable == QLatin1String("QT_QUICK_BACKEND") || variable == QLatin1String("QT_NO_GLIB");
+}
+
+QProcessEnvironment usersEnvironment() {
+  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+  for (const QString& variable : environment.keys()) {
+    if (isFrameworksOwn(variable)) {
+      environment.remove(variable);
+    }
+  }
+  return environment;
+}
+
+// Starts xdg-open with `url` as its only argument, without a shell, and does not wait. It gets the
+// user's environment without the browser framework's variables. Returns false if it cannot be
+// started.
+bool startDesktopOpener(const QString& url) {
+  QProcess opener;
+  opener.setProgram(QStringLiteral("xdg-open"));
+  opener.setArguments({url});
+  opener.setProcessEnvironment(usersEnvironment());
+  // Started programs outlive the application and must not write into its logs.
+  opener.setStandardInputFile(QProcess::nullDevice());
+  opener.setStandardOutputFile(QProcess::nullDevice());
+  opener.setStandardErrorFile(QProcess::nullDevice());
+  return opener.startDetached();
+}
+
+// Allows for a file manager that has to start.
+constexpr int kReplyTimeoutMs = 10'000;
 
 QDBusMessage showFolderRequest(const QString& folderUrl) {
   QDBusMessage request = QDBusMessage::createMethodCall(
@@ -27,15 +60,15 @@ QDBusMessage showFolderRequest(const QString& folderUrl) {
   return request;
 }
 
-// The answer comes when the caller is long gone, so the watcher belongs to the application.
+// The reply arrives after the caller is destroyed, so the watcher belongs to the application.
 void askFileManager(const QDBusConnection& bus, const QString& folderUrl) {
-  auto* answer = new QDBusPendingCallWatcher(
-      bus.asyncCall(showFolderRequest(folderUrl), kAnswerLimitMs), QCoreApplication::instance());
-  QObject::connect(answer, &QDBusPendingCallWatcher::finished, answer, [answer, folderUrl] {
-    if (answer->isError()) {
+  auto* reply = new QDBusPendingCallWatcher(
+      bus.asyncCall(showFolderRequest(folderUrl), kReplyTimeoutMs), QCoreApplication::instance());
+  QObject::connect(reply, &QDBusPendingCallWatcher::finished, reply, [reply, folderUrl] {
+    if (reply->isError()) {
       startDesktopOpener(folderUrl);
     }
-    answer->deleteLater();
+    reply->deleteLater();
   });
 }
 

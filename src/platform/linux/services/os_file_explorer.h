@@ -4,14 +4,13 @@
 
 namespace zantrio {
 
-// Folders are opened by the file manager on the session bus (org.freedesktop.FileManager1), or,
-// when it does not answer, by the desktop's opener; URLs by the desktop's opener. Neither is
-// waited for.
+// Opens folders through the file manager on the session bus (org.freedesktop.FileManager1) or, if
+// it fails, through xdg-open; URLs through xdg-open. Does not wait for either.
 class COsFileExplorerLinux : public IOsFileExplorer {
  public:
-  // False also for what is no folder: the opener would run it or open it in a program.
+  // Returns false unless the path is a folder: xdg-open would run or open a file.
   bool openFolder(const std::string& path) override;
-  // False for every URL that isOpenableUrl refuses.
+  // Returns false for URLs that isOpenableUrl rejects.
   bool openURL(const std::string& url) override;
 };
 

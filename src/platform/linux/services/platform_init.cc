@@ -10,7 +10,6 @@
 #include "app/settings/app_settings.h"
 #include "app/settings/executable_path.h"
 #include "platform/linux/application/application.h"
-#include "platform/linux/application/application_icon.h"
 #include "platform/linux/crash/crash_reporter.h"
 
 namespace zantrio {

@@ -4,10 +4,9 @@
 
 namespace zantrio {
 
-// Puts the watcher of crashes to work, which main has prepared (ProcessPreparation). Then tells the
-// desktop which of its applications this is and gives all windows their icon. There is no
-// display name: the toolkit would append it to the titles of windows, which are fixed texts. The
-// system's log (syslog) is told what happens.
+// Starts the crash watcher that main prepared (ProcessPreparation), then sets the application's
+// desktop file name and window icon. Sets no display name: Qt would append it to window titles,
+// which are fixed texts. Logs to syslog.
 class CPlatformInitLinux : public IPlatformInit {
  public:
   void init() override;

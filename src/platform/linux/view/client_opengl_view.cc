@@ -90,10 +90,10 @@ std::optional<OsrScreen> ClientOpenGLView::screen() const {
   if (!windowHandle() || !shown) {
     return std::nullopt;
   }
-  // A depth of 32 has bits that are no colour's.
+  // A depth of 32 includes 8 bits without a colour.
   constexpr int kComponents = 3;
-  constexpr int kMostBits = 8;
-  return OsrScreen{shown->depth(), std::min(shown->depth() / kComponents, kMostBits), false,
+  constexpr int kMaxBits = 8;
+  return OsrScreen{shown->depth(), std::min(shown->depth() / kComponents, kMaxBits), false,
                    toRect(shown->geometry()), toRect(shown->availableGeometry())};
 }
 
@@ -155,7 +155,7 @@ void ClientOpenGLView::paintEvent(QPaintEvent* /*event*/) {
     painter.fillRect(rect(), Qt::white);
   }
   painter.drawImage(QRectF(QPointF(), drawn), picture);
-  // A window that is being resized wants the page again.
+  // During a resize the page must be painted again.
   const CefRefPtr<CefBrowserHost> target = host();
   if (std::exchange(resized_, false) && target) {
     target->Invalidate(PET_VIEW);
@@ -182,7 +182,7 @@ void ClientOpenGLView::scaleMayHaveChanged() {
 }
 
 void ClientOpenGLView::closeEvent(QCloseEvent* event) {
-  // The page and the client are asked first; the window goes when they agree.
+  // The page and the client can refuse; the window closes with the browser.
   if (const CefRefPtr<CefBrowserHost> target = host()) {
     event->ignore();
     target->CloseBrowser(false);

@@ -10,16 +10,16 @@
 #include "osr/input/scroll_gesture.h"
 #include "osr/input/text_input.h"
 #include "osr/renderer/osr_renderer.h"
-#include "osr/view/off_screen_view.h"
+#include "osr/view/osr_view.h"
 #include "platform/linux/view/egl_canvas.h"
 
 namespace client {
 
-// A window that shows an off-screen browser and feeds it input: translates Qt's events for the
-// portable parts and does what they ask of the system.
+// A window that shows an off-screen browser and sends it input: converts Qt's events for the
+// portable classes and implements their requests.
 //
-// Ownership: keeps itself from `open` until its browser is closed. Thread: UI. OpenGL draws into
-// memory, which is then painted as a picture: that works on every display, and on none.
+// Ownership: owns itself from `open` until its browser is closed. Thread: UI. OpenGL renders into
+// memory, which is painted as an image: this works on every display, and on none.
 class ClientOpenGLView final : public QWidget, public OsrView {
  public:
   static std::shared_ptr<ClientOpenGLView> open(const OffScreenViewOptions& options,

@@ -1,4 +1,4 @@
-// What the view makes of pointer, keys and input methods.
+// Pointer, key and input method events of the view.
 #include <QApplication>
 #include <QInputMethod>
 
@@ -10,7 +10,7 @@
 namespace client {
 namespace {
 
-// Others have no place among the page's events; as in an ordinary window, two of them navigate.
+// The page gets no other buttons; as in an ordinary browser window, two of them navigate.
 bool isOfPage(Qt::MouseButton button) {
   return button == Qt::LeftButton || button == Qt::RightButton || button == Qt::MiddleButton;
 }
@@ -35,7 +35,7 @@ bool ClientOpenGLView::event(QEvent* event) {
 }
 
 bool ClientOpenGLView::eventFilter(QObject* watched, QEvent* event) {
-  // The view's own come to it as any other.
+  // The view gets its own events directly.
   if (event->type() == QEvent::Wheel && watched->isWidgetType() && watched != this) {
     const auto& wheel = *static_cast<QWheelEvent*>(event);
     SystemEvent shared = toSystemEvent(wheel);
@@ -66,7 +66,7 @@ void ClientOpenGLView::mousePressEvent(QMouseEvent* event) {
   handleMouse(*event, clicks_.count());
 }
 
-// To Qt, every other press is one.
+// Qt reports every second press as a double click.
 void ClientOpenGLView::mouseDoubleClickEvent(QMouseEvent* event) {
   mousePressEvent(event);
 }
@@ -117,13 +117,13 @@ void ClientOpenGLView::keyReleaseEvent(QKeyEvent* event) {
 }
 
 void ClientOpenGLView::inputMethodEvent(QInputMethodEvent* event) {
-  takeInputMethodEvent(text_, *event);
+  applyInputMethodEvent(text_, *event);
   event->accept();
 }
 
 QVariant ClientOpenGLView::inputMethodQuery(Qt::InputMethodQuery query) const {
-  const QVariant answer = answerInputMethod(text_, query);
-  return answer.isValid() ? answer : QWidget::inputMethodQuery(query);
+  const QVariant reply = inputMethodReply(text_, query);
+  return reply.isValid() ? reply : QWidget::inputMethodQuery(query);
 }
 
 void ClientOpenGLView::textInputChanged() {
@@ -142,14 +142,14 @@ void ClientOpenGLView::focusInEvent(QFocusEvent* /*event*/) {
 }
 
 void ClientOpenGLView::focusOutEvent(QFocusEvent* event) {
-  // A menu takes the keys, and the page still has what is selected.
+  // A menu takes the keyboard, but the page keeps its selection.
   if (event->reason() != Qt::PopupFocusReason) {
     finishComposition();
     setFocusOfBrowser(false);
   }
 }
 
-// The page's focus may go elsewhere: the text stays in its field.
+// Keeps the composed text in its field before the page's focus can change.
 void ClientOpenGLView::finishComposition() {
   if (text_.isComposing()) {
     QGuiApplication::inputMethod()->commit();

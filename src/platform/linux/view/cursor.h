@@ -7,7 +7,7 @@
 
 namespace client {
 
-// The cursor of a type; of CT_CUSTOM the picture, or an arrow when there is none.
+// CT_CUSTOM yields the image, or an arrow if there is none.
 QCursor toCursor(cef_cursor_type_t type, const CefCursorInfo& custom);
 
 }  // namespace client

@@ -8,23 +8,24 @@
 
 namespace client {
 
-// An OpenGL context that draws into memory, with or without a graphics device and a display, and
-// the picture that was drawn. Thread: UI.
+// An OpenGL context that renders into memory, with or without a graphics device and a display, and
+// the resulting image. Thread: UI.
 class EglCanvas {
  public:
-  // Null when there is no OpenGL; `error` says what is missing.
+  // Returns null and sets `error` if OpenGL is not available.
   static std::unique_ptr<EglCanvas> create(std::string& error);
   ~EglCanvas();
   EglCanvas(const EglCanvas&) = delete;
   EglCanvas& operator=(const EglCanvas&) = delete;
 
-  // The context is current between these; nothing can be drawn when there is no memory for `size`.
-  // True when the surface is a new one, on which nothing is drawn yet.
+  // The context is current between these calls; without memory for `size` nothing is drawn. Returns
+  // true if the surface is new and empty.
   bool makeCurrent(const QSize& size);
   void clearCurrent();
 
-  // Takes a part of the picture over from OpenGL, whose lower left part of this size it is; all of
-  // it when the size is new. Gives what was taken. In pixels, from the picture's left upper corner.
+  // Copies a part of the rendered picture, which is the lower left part of the surface with this
+  // size; all of it if the size changed. Returns the copied rectangle, in pixels from the picture's
+  // upper left corner.
   QRect takePicture(const QSize& size, const QRect& part);
   const QImage& picture() const { return picture_; }
 

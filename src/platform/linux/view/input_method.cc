@@ -17,7 +17,7 @@ uint32_t toPosition(int position) {
   return static_cast<uint32_t>(std::max(position, 0));
 }
 
-// A part that stands out, as the one that is being chosen, has a background.
+// Input methods mark the active clause by a background.
 CefCompositionUnderline underlineOf(const Attribute& attribute) {
   CefCompositionUnderline underline;
   const auto [first, last] = std::minmax({attribute.start, attribute.start + attribute.length});
@@ -43,7 +43,7 @@ TextInput::Underlines underlinesOf(const QInputMethodEvent& event) {
   return underlines;
 }
 
-// Behind the text, unless the input method says where.
+// At the end, unless the input method sets it.
 CefRange caretOf(const QInputMethodEvent& event) {
   auto caret = static_cast<uint32_t>(event.preeditString().size());
   for (const Attribute& attribute : event.attributes()) {
@@ -65,7 +65,7 @@ std::optional<CefRange> replacedBy(const QInputMethodEvent& event, const TextInp
 
 }  // namespace
 
-void takeInputMethodEvent(TextInput& text, const QInputMethodEvent& event) {
+void applyInputMethodEvent(TextInput& text, const QInputMethodEvent& event) {
   const std::optional<CefRange> replaced = replacedBy(event, text);
   const bool commits = !event.commitString().isEmpty() || replaced;
   if (commits) {
@@ -78,7 +78,7 @@ void takeInputMethodEvent(TextInput& text, const QInputMethodEvent& event) {
   }
 }
 
-QVariant answerInputMethod(const TextInput& text, Qt::InputMethodQuery query) {
+QVariant inputMethodReply(const TextInput& text, Qt::InputMethodQuery query) {
   switch (query) {
     case Qt::ImEnabled:
       return text.isWanted();

@@ -8,11 +8,11 @@
 
 namespace client {
 
-// Hands on what the input method composes, finishes or takes back.
-void takeInputMethodEvent(TextInput& text, const QInputMethodEvent& event);
+// Applies a composition, commit or cancellation.
+void applyInputMethodEvent(TextInput& text, const QInputMethodEvent& event);
 
-// What an input method asks of the focused field; invalid where only the widget knows.
-QVariant answerInputMethod(const TextInput& text, Qt::InputMethodQuery query);
+// Answers an input method's query about the focused field; invalid if only the widget knows.
+QVariant inputMethodReply(const TextInput& text, Qt::InputMethodQuery query);
 
 Qt::InputMethodHints inputMethodHintsOf(cef_text_input_mode_t mode);
 

@@ -5,12 +5,12 @@
 #include <QUrl>
 #include <algorithm>
 
-#include "osr/input/event_flags.h"
+#include "osr/input/system_event.h"
 
 namespace client {
 namespace {
 
-// What a wheel's line scrolls, in points, as in an ordinary browser window.
+// Points per wheel line, as in an ordinary browser window.
 constexpr double kPointsOfALine = 20;
 constexpr double kAngleOfAStep = 120;
 

@@ -1,4 +1,4 @@
-// Qt's events in the terms that all systems share.
+// Converts Qt's events to portable ones.
 #pragma once
 
 #include <QDropEvent>
@@ -8,25 +8,25 @@
 #include <QWheelEvent>
 #include <optional>
 
-#include "osr/input/drag_contents.h"
-#include "osr/input/edit_commands.h"
+#include "osr/input/drag_session.h"
+#include "osr/input/key_input.h"
 #include "osr/input/system_event.h"
 
 namespace client {
 
-// A press, release or move; `clickCount` is of the press that it belongs to.
+// `clickCount`: of the press that the event belongs to.
 SystemEvent toSystemEvent(const QMouseEvent& event, int clickCount);
 SystemEvent toSystemEvent(const QWheelEvent& event);
 SystemEvent toSystemEvent(const QKeyEvent& event);
 uint32_t toSystemModifiers(Qt::KeyboardModifiers modifiers);
 
-// What a keyboard's own edit key asks for, which the browser has no code for; none of other keys.
+// The command of a dedicated edit key, for which the browser has no key code; none for other keys.
 std::optional<EditCommand> editCommandOf(const QKeyEvent& event);
 
 DroppedItems toDroppedItems(const QMimeData& mime);
 cef_drag_operations_mask_t toDragOperations(Qt::DropActions actions);
 Qt::DropActions toDropActions(cef_drag_operations_mask_t operations);
-// The action of one operation; ignore for none.
+// Ignore for no operation.
 Qt::DropAction toDropAction(cef_drag_operations_mask_t operation);
 
 }  // namespace client

@@ -6,8 +6,8 @@
 
 namespace zantrio {
 
-// The system's application object with its delegate and its menu, from before the framework starts
-// until after it has ended. One a process, on the main thread.
+// The NSApplication with its delegate and menu. Create it before the framework starts and destroy
+// it after the framework has ended. One per process, on the main thread.
 class CApplicationMac {
  public:
   explicit CApplicationMac(std::unique_ptr<IApplicationCommands> commands);

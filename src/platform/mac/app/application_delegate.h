@@ -6,15 +6,15 @@ namespace zantrio {
 class IApplicationCommands;
 }
 
-// What the system asks of the application: files that are opened with it or dropped on its icon in
-// the dock, its menu's own commands, and its service for other programs. Passes everything on to
-// the commands. Thread: main.
+// Handles the system's requests to the application: files opened with it or dropped on its dock
+// icon, menu commands, and the service for other programs. Forwards all of them to the commands.
+// Thread: main.
 @interface ZantrioApplicationDelegate : NSObject {
  @private
   zantrio::IApplicationCommands* _commands;
 }
 
-// `commands` are not owned and outlive the delegate.
+// `commands` is not owned and must outlive the delegate.
 - (id)initWithCommands:(zantrio::IApplicationCommands*)commands;
 
 // NSApplicationDelegate
@@ -24,10 +24,10 @@ class IApplicationCommands;
 - (void)newMessage:(id)sender;
 - (void)newShare:(id)sender;
 
-// Quitting, of which ZantrioApplication tells.
+// Called by ZantrioApplication to quit.
 - (void)quit;
 
-// The service "Send with Zantrio". Without files on the pasteboard `error` is set.
+// The service "Send with Zantrio". Sets `error` if the pasteboard has no files.
 - (void)sendFiles:(NSPasteboard*)pasteboard userData:(NSString*)userData error:(NSString**)error;
 
 @end

@@ -1,10 +1,10 @@
 #include "platform/mac/app/application_delegate.h"
 
 #include "browser/application_commands.h"
-#include "platform/mac/base/utf8_text.h"
+#include "platform/mac/base/system_text.h"
 
-// The pasteboard type is the one that services are offered files in; the way to come to the front
-// is the one that all systems have.
+// Services still use this deprecated pasteboard type; activateIgnoringOtherApps: exists on all
+// systems.
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
 
 @implementation ZantrioApplicationDelegate

@@ -4,8 +4,8 @@
 
 #include "include/cef_application_mac.h"
 
-// The application object, as the browser framework needs it: it tells whether an event is being
-// sent. It is named as the principal class in the bundle's information.
+// The application class that the browser framework requires: it reports whether an event is being
+// sent. The bundle's NSPrincipalClass names it.
 @interface ZantrioApplication : NSApplication <CefAppProtocol> {
  @private
   BOOL _handlingSendEvent;

@@ -17,9 +17,8 @@
   [super sendEvent:event];
 }
 
-// The system's own way would end the process at once. The browser is closed instead, and the
-// process ends when it is gone; so a log-out, which asks by this too, waits rather than being
-// refused.
+// The default would end the process at once. Instead the browser is closed, and the process ends
+// after it. A log-out, which also calls this, waits instead of being refused.
 - (void)terminate:(id)sender {
   (void)sender;
   [(ZantrioApplicationDelegate*)[self delegate] quit];

@@ -4,14 +4,14 @@
 
 #include "services/address_book.h"
 
-// The framework is deprecated, and its interface what the client was made for.
+// Uses the deprecated AddressBook framework.
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
 
 namespace zantrio {
 
-// The user's shared address book. Query and names are in Mac Roman, the system's narrow encoding:
-// what has other characters does not match, and names that have them come out empty.
+// Searches the user's shared address book. Query and names are in Mac Roman, the system's narrow
+// encoding: other characters do not match, and names with them are returned empty.
 class CAddressBookMac : public IAddressBook {
  public:
   CAddressBookMac();

@@ -3,7 +3,7 @@
 #include <new>
 #include <vector>
 
-#include "platform/mac/base/system_string.h"
+#include "platform/mac/base/system_text.h"
 #include "services/contacts/contact.h"
 
 // As in the header.
@@ -12,7 +12,7 @@
 namespace zantrio {
 namespace {
 
-// The empty text for what is no string or cannot be written in Mac Roman.
+// Empty if `value` is not a string or cannot be encoded in Mac Roman.
 std::string textOf(id value) {
   std::string text;
   if ([value isKindOfClass:[NSString class]]) {
@@ -47,7 +47,7 @@ ABSearchElement* containing(NSString* query, NSString* property) {
                                  comparison:kABContainsSubStringCaseInsensitive];
 }
 
-// Null when an element cannot be made.
+// Nil if an element cannot be created.
 ABSearchElement* searchFor(NSString* query) {
   ABSearchElement* const firstName = containing(query, kABFirstNameProperty);
   ABSearchElement* const lastName = containing(query, kABLastNameProperty);

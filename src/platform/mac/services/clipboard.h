@@ -2,7 +2,7 @@
 
 #include <ApplicationServices/ApplicationServices.h>
 
-#include "platform/mac/base/cf_owned.h"
+#include "platform/mac/base/system_text.h"
 #include "services/clipboard.h"
 
 namespace zantrio {

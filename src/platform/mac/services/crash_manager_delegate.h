@@ -2,8 +2,8 @@
 
 #import <HockeySDK/HockeySDK.h>
 
-// Tells the crash-reporting SDK what to attach to a report: the ends of the application's logs.
-// Thread: any. A log that is missing counts as empty.
+// Provides the log tails that the crash-reporting SDK attaches to a report. Thread: any. A missing
+// log counts as empty.
 @interface CrashManagerDelegate : NSObject <BITCrashManagerDelegate>
 
 - (NSString*)applicationLogForCrashManager:(BITCrashManager*)crashManager;

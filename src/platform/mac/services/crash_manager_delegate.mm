@@ -7,8 +7,8 @@
 
 namespace {
 
-// Where the settings let the logs be written, which is nowhere without a home folder. The folder
-// does not depend on the bundle.
+// The log paths from the settings; empty without a home folder. The folder does not depend on the
+// bundle.
 zantrio::CrashLogFiles logFiles() {
   std::string folder;
   zantrio::CAppSettings(nullptr, "").getAppDataFolder(folder);

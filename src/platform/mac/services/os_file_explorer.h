@@ -4,11 +4,11 @@
 
 namespace zantrio {
 
-// Folders are opened by the shared workspace, URLs by Launch Services.
+// Opens folders through the shared workspace and URLs through Launch Services.
 class COsFileExplorerMac : public IOsFileExplorer {
  public:
   bool openFolder(const std::string& path) override;
-  // What is no URL, or one that nothing can open, is left to the system to refuse.
+  // Invalid or unhandled URLs are left to the system.
   bool openURL(const std::string& url) override;
 };
 

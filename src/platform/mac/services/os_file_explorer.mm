@@ -5,12 +5,12 @@
 
 #include <new>
 
-#include "platform/mac/base/cf_owned.h"
+#include "platform/mac/base/system_text.h"
 
 namespace zantrio {
 namespace {
 
-// Apart from the frame with the handler, so that what is owned here is released in any case.
+// A separate function, so that the URL is released before the exception is caught.
 void openWithLaunchServices(const std::string& url) {
   const CfOwned<CFURLRef> opened(
       CFURLCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>(url.data()),

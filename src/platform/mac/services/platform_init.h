@@ -4,8 +4,8 @@
 
 namespace zantrio {
 
-// Starts the crash reporter and offers the application's services to other programs. What happens
-// goes to the system's log.
+// Starts the crash reporter and registers the application's services for other programs. Logs with
+// NSLog.
 class CPlatformInitMac : public IPlatformInit {
  public:
   void init() override;

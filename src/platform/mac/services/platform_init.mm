@@ -13,7 +13,7 @@ namespace {
 // The account under which crash reports are filed.
 NSString* const kCrashAccount = @"5f0c2e9a7b3d41e68a2c9d7f0b4e1a36";
 
-// The SDK does not keep its delegate, and may ask it at any time until the process ends.
+// The SDK does not retain its delegate and may call it until the process ends.
 CrashManagerDelegate* crashManagerDelegate() {
   static CrashManagerDelegate* const delegate = [[CrashManagerDelegate alloc] init];
   return delegate;

@@ -4,7 +4,8 @@
 
 namespace zantrio {
 
-// Schedules the notification, for now, on the system's notification centre, where there is one.
+// Schedules the notification for immediate delivery by the notification centre, if the system has
+// one.
 class CUserNotificationHandlerMac : public IUserNotificationHandler {
  public:
   void show(const UserNotification& notification) override;

@@ -4,7 +4,7 @@
 
 #include <new>
 
-// The notification centre is older than the program's oldest system, and is to be replaced one day.
+// The notification centre API is deprecated; older systems have no other.
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
 
 namespace zantrio {
@@ -18,7 +18,7 @@ NSString* fromUtf8(const std::string& text) {
 
 void CUserNotificationHandlerMac::show(const UserNotification& notification) {
   @autoreleasepool {
-    // By their names, as systems without the centre have not even the classes.
+    // Looked up by name, because systems without the centre lack the classes.
     Class const centerClass = NSClassFromString(@"NSUserNotificationCenter");
     Class const notificationClass = NSClassFromString(@"NSUserNotification");
     if (centerClass == Nil || notificationClass == Nil) {

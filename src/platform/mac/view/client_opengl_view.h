@@ -4,7 +4,7 @@
 
 #include <memory>
 
-#include "osr/view/off_screen_view.h"
+#include "osr/view/osr_view.h"
 
 @class OffScreenWindowDelegate;
 
@@ -12,13 +12,13 @@ namespace client {
 class ViewParts;
 }
 
-// Shows an off-screen browser and feeds it input: translates the system's events for the portable
-// parts, and does what they ask of the system. It is the source of drags that begin in the page and
-// takes those that come over it.
+// Shows an off-screen browser and sends it input: converts the system's events for the portable
+// classes and implements their requests. Source of drags out of the page and destination of drags
+// into it.
 //
-// Ownership: as of any view. Thread: main, which is the framework's UI thread. Errors: a C++
-// exception is logged under the operation's name, an exception of the system's pasteboard or drag
-// goes to the system's log; neither reaches the system.
+// Ownership: as any view. Thread: main, which is the framework's UI thread. Errors: C++ exceptions
+// are logged under the operation's name, exceptions of the system's pasteboard or drag with NSLog;
+// neither reaches the system.
 @interface ClientOpenGLView : NSOpenGLView {
  @private
   client::ViewParts* parts_;
@@ -30,7 +30,7 @@ class ViewParts;
   NSInteger promisedChange_;  // state of the pasteboard since which it has this view's promises
 }
 
-// Nil when the system cannot draw with OpenGL.
+// Returns nil if the system has no OpenGL.
 - (id)initWithFrame:(NSRect)frame
       andTransparency:(BOOL)transparency
     andShowUpdateRect:(BOOL)showUpdateRect;
@@ -38,12 +38,12 @@ class ViewParts;
 - (void)setBrowserProvider:(client::BrowserProvider)provider;
 // Null before the browser exists and once it is closed.
 - (CefRefPtr<CefBrowserHost>)browserHost;
-// For the window around the view, which asks it before it closes.
+// The window's delegate, which is asked before the window closes.
 - (id<NSWindowDelegate>)windowDelegate;
-// The browser is closed; closes the window, too.
+// Called when the browser is closed; closes the window.
 - (void)forgetBrowser;
 
-// The view as the portable code sees it, to be held weakly: it serves as long as the view lives.
+// The view's portable interface; usable as long as the view exists. Hold it weakly.
 - (std::shared_ptr<client::OsrView>)osrView;
 
 // Whether the last press was on the page, not on its pop-up.
@@ -61,32 +61,32 @@ class ViewParts;
 @interface ClientOpenGLView (Input)
 
 - (void)sendMouseClick:(NSEvent*)event button:(cef_mouse_button_type_t)button isUp:(bool)isUp;
-// Only sends; `scrollWheel:` sees to a gesture's end first.
+// Only sends; `scrollWheel:` monitors the gesture first.
 - (void)sendScrollWheelEvet:(NSEvent*)event;
-// A scroll event anywhere in the application while a gesture runs that began in the view.
+// A scroll event anywhere in the application during a gesture that began in the view.
 - (void)shortCircuitScrollWheelEvent:(NSEvent*)event;
 - (void)installEndWheelMonitor;
 - (void)removeEndWheelMonitor;
 
 @end
 
-// Takes text of the system's input methods, dead keys among them. Ranges count UTF-16 units.
+// Text of input methods, including dead keys. Ranges count UTF-16 units.
 @interface ClientOpenGLView (Text) <NSTextInputClient>
 @end
 
 @interface ClientOpenGLView (Drags) <NSDraggingSource>
 
-// `point` is in the view, from its left upper corner. False when the drag cannot be started. The
-// drag runs a loop of the system's, which is entered from the application's own.
+// `point`: from the view's upper left corner. Returns NO if the drag cannot start. The drag runs a
+// nested loop, started from the application's loop.
 - (BOOL)startDragging:(CefRefPtr<CefDragData>)data
           allowed_ops:(cef_drag_operations_mask_t)allowed
                 point:(NSPoint)point;
-// Offers the dragged data's kinds. False when the system raised an exception.
+// Declares the dragged data's types. Returns NO if the system raised an exception.
 - (BOOL)fillPasteboard;
 - (void)pasteboard:(NSPasteboard*)pasteboard provideDataForType:(NSString*)type;
 - (void)setCurrentDragOperation:(cef_drag_operations_mask_t)operation;
 - (void)resetDragDrop;
-// Leaves no promise on the pasteboard that this view would have to keep.
+// Removes this view's promised types from the pasteboard.
 - (void)withdrawPromises;
 
 @end

@@ -6,9 +6,9 @@
 #include "osr/view/view_scale.h"
 #include "platform/mac/view/client_opengl_view_parts.h"
 #include "platform/mac/view/drag_pasteboard.h"
-#include "platform/mac/view/off_screen_window_delegate.h"
+#include "platform/mac/view/off_screen_window.h"
 
-// OpenGL, pasteboard types and the scale of old systems are what the view was made for.
+// Uses the deprecated OpenGL, pasteboard type and scale APIs.
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
 
 using zantrio::guardedCall;
@@ -84,7 +84,7 @@ NSOpenGLPixelFormat* makePixelFormat() {
     // The texture belongs to the context.
     [[self openGLContext] makeCurrentContext];
     delete parts_;
-    parts_ = nullptr;  // the system asks a view on until it is gone
+    parts_ = nullptr;  // AppKit still calls the view during deallocation
     [NSOpenGLContext clearCurrentContext];
   }
   [tracking_area_ release];
@@ -109,7 +109,7 @@ NSOpenGLPixelFormat* makePixelFormat() {
 }
 
 - (void)forgetBrowser {
-  // The window lets go of the view.
+  // The window releases the view.
   [[self retain] autorelease];
   [NSObject cancelPreviousPerformRequestsWithTarget:self];
   [[self window] close];
@@ -227,7 +227,7 @@ NSOpenGLPixelFormat* makePixelFormat() {
 }
 
 - (BOOL)isOpaque {
-  return YES;  // transparent pages lie on a background of the renderer's
+  return YES;  // the renderer draws a background below transparent pages
 }
 
 - (void)drawRect:(NSRect)dirty {

@@ -1,8 +1,8 @@
 #include "app/log/guarded_call.h"
 #include "bridge/platform_exceptions.h"
-#include "osr/input/event_flags.h"
-#include "osr/input/promised_file.h"
-#include "platform/mac/base/utf8_text.h"
+#include "osr/input/drag_out.h"
+#include "osr/input/system_event.h"
+#include "platform/mac/base/system_text.h"
 #include "platform/mac/view/client_opengl_view.h"
 #include "platform/mac/view/client_opengl_view_parts.h"
 #include "platform/mac/view/drag_pasteboard.h"
@@ -28,14 +28,14 @@ CefMouseEvent recordOf(id<NSDraggingInfo> drag, NSView* view) {
                               client::getModifiersForEvent(event));
 }
 
-// False when an exception, of C++ or of the system's, ended `body`.
+// Returns false if a C++ or system exception ended `body`.
 bool callGuarded(const char* operation, const std::function<void()>& body) {
   bool ran = false;
   guardedCall(operation, [&] { ran = callCatchingPlatformExceptions(body); });
   return ran;
 }
 
-// What hangs on the pointer.
+// The image at the pointer.
 NSImage* dragImage() {
   constexpr CGFloat kSide = 16;
   NSImage* const image = [[[NSImage alloc] initWithSize:NSMakeSize(kSide, kSide)] autorelease];
@@ -50,7 +50,7 @@ NSImage* dragImage() {
 
 @implementation ClientOpenGLView (Drags)
 
-// As the source
+// Drags out of the view
 
 - (BOOL)startDragging:(CefRefPtr<CefDragData>)data
           allowed_ops:(cef_drag_operations_mask_t)allowed
@@ -83,7 +83,7 @@ NSImage* dragImage() {
   });
 }
 
-// `point` is in the view. Ends when the drag has ended, of which draggingSession: tells.
+// `point`: in view coordinates. Returns after draggingSession:endedAtPoint:operation:.
 - (void)runDragFrom:(NSValue*)point {
   const NSPoint start = [point pointValue];
   const bool ran = callGuarded("runDragFrom", [self, start] {
@@ -159,7 +159,7 @@ NSImage* dragImage() {
   }
 }
 
-// The promised file's name, when it could be written.
+// Returns the written file's name, if any.
 - (NSArray*)namesOfPromisedFilesDroppedAtDestination:(NSURL*)folder {
   NSArray* names = [NSArray array];
   const CefRefPtr<CefDragData> data = parts_->drags.currentDragData();
@@ -176,11 +176,11 @@ NSImage* dragImage() {
   return names;
 }
 
-// As the destination
+// Drags into the view
 
 - (NSDragOperation)draggingEntered:(id<NSDraggingInfo>)drag {
   client::DroppedItems items;
-  // A drag that began here is known, and its pasteboard would only ask this view.
+  // The data of a drag out of this view is known; its pasteboard would only ask this view.
   if (!parts_->drags.currentDragData()) {
     callGuarded("draggingEntered",
                 [&] { items = client::droppedItemsOf([drag draggingPasteboard]); });

@@ -1,6 +1,6 @@
 #include "app/log/guarded_call.h"
 #include "bridge/platform_exceptions.h"
-#include "osr/input/edit_commands.h"
+#include "osr/input/key_input.h"
 #include "platform/mac/view/client_opengl_view.h"
 #include "platform/mac/view/client_opengl_view_parts.h"
 #include "platform/mac/view/system_event.h"
@@ -37,7 +37,7 @@ using zantrio::guardedCall;
               [&] { parts_->mouse.sendMouseClick(toSystemEvent(event, self), button, isUp); });
 }
 
-// The right button may rotate the page instead.
+// The right button may start a rotation.
 - (void)rightMouseDown:(NSEvent*)event {
   [self handleMouse:event];
 }
@@ -92,7 +92,7 @@ using zantrio::guardedCall;
 }
 
 - (void)installEndWheelMonitor {
-  // A plain pointer, as the block must not retain the view, which removes the monitor when it goes.
+  // A plain pointer: the block must not retain the view, which removes the monitor on deallocation.
   void* const view = self;
   NSEvent* (^const handler)(NSEvent*) = ^NSEvent*(NSEvent* event) {
     [(ClientOpenGLView*)view shortCircuitScrollWheelEvent:event];
@@ -114,7 +114,7 @@ using zantrio::guardedCall;
 
 - (void)keyDown:(NSEvent*)event {
   guardedCall("keyDown", [&] {
-    // A press that the input method fails at is a key as any other.
+    // If the input method raises an exception, the press is an ordinary key.
     parts_->presses.press(toSystemEvent(event, self), [self, event] {
       zantrio::callCatchingPlatformExceptions(
           [&] { [self interpretKeyEvents:[NSArray arrayWithObject:event]]; });

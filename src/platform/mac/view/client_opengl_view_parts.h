@@ -1,4 +1,4 @@
-// What ClientOpenGLView is made of, for its own files.
+// The members of ClientOpenGLView; included only by its own files.
 #pragma once
 
 #include "osr/input/drag_session.h"
@@ -9,8 +9,7 @@
 
 namespace client {
 
-// The portable parts that the view translates for. Ownership: the view's, which has them from its
-// initialisation to its end.
+// The portable objects behind the view. Ownership: the view's, from initialisation to deallocation.
 class ViewParts {
  public:
   ViewParts(ClientOpenGLView* view, bool transparent, bool showUpdateRect);

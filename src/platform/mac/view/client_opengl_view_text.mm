@@ -2,11 +2,45 @@
 #include "app/log/guarded_call.h"
 #include "platform/mac/view/client_opengl_view.h"
 #include "platform/mac/view/client_opengl_view_parts.h"
-#include "platform/mac/view/input_method_text.h"
 
 using zantrio::guardedCall;
 
 namespace {
+
+CefCompositionUnderline underlineOf(NSRange range, NSInteger style) {
+  CefCompositionUnderline underline;
+  underline.range =
+      CefRange(static_cast<uint32_t>(range.location), static_cast<uint32_t>(NSMaxRange(range)));
+  underline.thick = style > 1 ? 1 : 0;  // the active clause
+  return underline;
+}
+
+// `string`: an NSString or NSAttributedString.
+std::u16string textOf(id string) {
+  NSString* const text =
+      [string isKindOfClass:[NSAttributedString class]] ? [string string] : (NSString*)string;
+  std::u16string units([text length], u'\0');
+  [text getCharacters:reinterpret_cast<unichar*>(units.data()) range:NSMakeRange(0, units.size())];
+  return units;
+}
+
+// The underlines that the attributes request, else one under the whole text.
+client::TextInput::Underlines underlinesOf(id string) {
+  const NSUInteger length = [string length];
+  if (![string isKindOfClass:[NSAttributedString class]]) {
+    return {underlineOf(NSMakeRange(0, length), 1)};
+  }
+  client::TextInput::Underlines underlines;
+  for (NSUInteger at = 0; at < length;) {
+    NSRange part;
+    NSNumber* const style = [string attribute:NSUnderlineStyleAttributeName
+                                      atIndex:at
+                               effectiveRange:&part];
+    underlines.push_back(underlineOf(part, [style integerValue]));
+    at = NSMaxRange(part);
+  }
+  return underlines;
+}
 
 NSRange toNSRange(const CefRange& range) {
   return NSMakeRange(range.from, range.to - range.from);
@@ -25,15 +59,14 @@ std::optional<CefRange> replacedBy(NSRange range) {
 @implementation ClientOpenGLView (Text)
 
 - (void)insertText:(id)string replacementRange:(NSRange)replaced {
-  guardedCall("insertText",
-              [&] { parts_->presses.insert(client::textOf(string), replacedBy(replaced)); });
+  guardedCall("insertText", [&] { parts_->presses.insert(textOf(string), replacedBy(replaced)); });
 }
 
 - (void)setMarkedText:(id)string
         selectedRange:(NSRange)selected
      replacementRange:(NSRange)replaced {
   guardedCall("setMarkedText", [&] {
-    parts_->presses.mark(client::textOf(string), client::underlinesOf(string), toCefRange(selected),
+    parts_->presses.mark(textOf(string), underlinesOf(string), toCefRange(selected),
                          replacedBy(replaced));
   });
 }
@@ -42,7 +75,7 @@ std::optional<CefRange> replacedBy(NSRange range) {
   guardedCall("unmarkText", [&] { parts_->presses.unmark(); });
 }
 
-// The press that asked for it goes to the page.
+// The key press itself is sent to the page.
 - (void)doCommandBySelector:(SEL)selector {
   (void)selector;
   parts_->presses.command();
@@ -65,7 +98,7 @@ std::optional<CefRange> replacedBy(NSRange range) {
   return [NSArray arrayWithObject:NSUnderlineStyleAttributeName];
 }
 
-// Of the field's text only the selected part is known.
+// Only the selected part of the field's text is known.
 - (NSAttributedString*)attributedSubstringForProposedRange:(NSRange)range
                                                actualRange:(NSRangePointer)actual {
   if (range.length == 0 || !NSEqualRanges(range, [self selectedRange])) {

@@ -1,26 +1,27 @@
-// What drags carry, on the system's pasteboard.
+// Data of drags out of and into the view on the system's pasteboard.
 #pragma once
 
 #import <AppKit/AppKit.h>
 
-#include "osr/input/drag_contents.h"
+#include "osr/input/drag_out.h"
+#include "osr/input/drag_session.h"
 
 namespace client {
 
-// On the pasteboard of every drag that begins in a page, so that such a view takes it.
+// Marks every drag out of a page, so that such a view accepts it.
 extern NSString* const kDragDummyPboardType;
 
-// Strings and lists of file names.
+// A drag into the view: its text and file names.
 DroppedItems droppedItemsOf(NSPasteboard* pasteboard);
 
-// The uniform type identifier of the file that the data would make, by the MIME type of its name.
+// The uniform type identifier of the dragged virtual file, from its name's MIME type.
 NSString* fileTypeOf(CefDragData& data);
 
-// Declares the data's kinds, which `owner` provides when they are asked for. `fileType` is that of
-// promised contents; nil when there are none.
+// Declares the data's types, which `owner` provides on request. `fileType`: the type of promised
+// contents; nil if there are none.
 void declareKinds(NSPasteboard* pasteboard, CefDragData& data, NSString* fileType, id owner);
 
-// Puts what the data has of a declared kind on the pasteboard.
+// Writes the data of one declared type.
 void provideKind(NSPasteboard* pasteboard, NSString* type, CefDragData& data, NSString* fileType);
 
 }  // namespace client

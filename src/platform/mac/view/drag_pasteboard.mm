@@ -5,8 +5,7 @@
 #include <filesystem>
 
 #include "include/cef_parser.h"
-#include "platform/mac/base/system_string.h"
-#include "platform/mac/base/utf8_text.h"
+#include "platform/mac/base/system_text.h"
 
 // The pasteboard types and the ways to type identifiers are those that all systems have.
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
@@ -15,7 +14,7 @@ namespace client {
 namespace {
 
 NSString* const kUrlNamePboardType = @"public.url-name";
-// Of contents of which nothing is known.
+// Fallback for unknown contents.
 NSString* const kUnknownFileType = @"public.data";
 
 NSString* toNSString(const CefString& text) {

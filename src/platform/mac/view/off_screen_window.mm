@@ -1,15 +1,46 @@
-// The window with a view for an off-screen browser.
-#include "osr/view/off_screen_view.h"
+#include "platform/mac/view/off_screen_window.h"
+
+#include "app/log/guarded_call.h"
+#include "osr/view/osr_view.h"
 #include "platform/mac/view/client_opengl_view.h"
 #include "platform/mac/view/osr_view.h"
 
 // The window's styles have newer names, which older systems lack.
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
 
+@implementation OffScreenWindowDelegate
+
+- (id)initWithView:(ClientOpenGLView*)view {
+  self = [super init];
+  if (self != nil) {
+    view_ = view;
+  }
+  return self;
+}
+
+// The page and the client can refuse; the window closes with the browser, or at once without one.
+- (BOOL)windowShouldClose:(id)sender {
+  (void)sender;
+  bool close = false;
+  zantrio::guardedCall("windowShouldClose", [&] {
+    if (const CefRefPtr<CefBrowserHost> host = [view_ browserHost]) {
+      host->CloseBrowser(false);
+    } else {
+      close = true;
+    }
+  });
+  if (close) {
+    [[view_ retain] autorelease];  // the window releases it, and it owns this delegate
+  }
+  return close;
+}
+
+@end
+
 namespace client {
 namespace {
 
-// Releases itself when it is closed, which the view sees to at its browser's end.
+// Releases itself when closed; the view closes it with its browser.
 NSWindow* openWindow(const OffScreenViewOptions& options, NSRect frame) {
   NSWindow* const window =
       [[NSWindow alloc] initWithContentRect:frame

@@ -6,23 +6,23 @@
 
 #include "osr/input/text_input.h"
 #include "osr/renderer/osr_renderer.h"
-#include "osr/view/off_screen_view.h"
+#include "osr/view/osr_view.h"
 
 @class ClientOpenGLView;
 
 namespace client {
 
-// A ClientOpenGLView as the portable code sees it: translates, and hands on what it is asked for.
+// Adapts a ClientOpenGLView to OsrView.
 //
-// Ownership: the view's, which it does not own and which detaches it when it goes. Thread: UI.
+// Ownership: the view's, which it does not own and which detaches it on deallocation. Thread: UI.
 class OsrViewMac final : public OsrView {
  public:
   OsrViewMac(ClientOpenGLView* view, bool transparent, bool showUpdateRect);
   ~OsrViewMac() override;
 
-  // Ends the renderer, for which the view's context must be current, and lets go of the view.
+  // Destroys the renderer, for which the view's context must be current, and clears the view.
   void detach();
-  // Nil when the view is gone.
+  // Nil after detach.
   ClientOpenGLView* view() const { return view_; }
   void setBrowserProvider(BrowserProvider provider) { browserProvider_ = std::move(provider); }
 

@@ -1,4 +1,4 @@
-// From the system's events to those that all systems share.
+// Converts AppKit's events to portable ones.
 #pragma once
 
 #import <AppKit/AppKit.h>
@@ -7,10 +7,10 @@
 
 namespace client {
 
-// `flags` are the system's modifier flags; gives those of SystemModifier.
+// Converts modifier flags to SystemModifier.
 uint32_t toSystemModifiers(NSUInteger flags);
 
-// A point of the view's window, whose y axis points up, in the view and from its left upper corner.
+// Converts a window point, whose y axis points up, to the view's upper left origin.
 OsrPoint toViewPoint(NSPoint pointInWindow, NSView* view);
 
 // A mouse, scroll or key event, as the view sees it.

@@ -6,7 +6,7 @@
 namespace client {
 namespace {
 
-// What a notch of an ordinary wheel, which counts in lines, scrolls in points.
+// Points per line of an ordinary wheel.
 constexpr double kPointsOfALine = 40;
 
 EventKind kindOf(NSEvent* event) {
@@ -97,7 +97,7 @@ void addCharacters(NSEvent* event, SystemEvent& result) {
   result.charactersIgnoringModifiers = toText([event charactersIgnoringModifiers]);
 }
 
-// What an event of one kind is asked for raises an exception for another.
+// AppKit raises an exception for properties of another event type.
 void addDetails(NSEvent* event, SystemEvent& result) {
   switch (result.kind) {
     case EventKind::kLeftDown:

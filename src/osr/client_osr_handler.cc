@@ -163,7 +163,7 @@ void ClientOSRHandler::OnImeCompositionRangeChanged(CefRefPtr<CefBrowser> /*brow
   CEF_REQUIRE_UI_THREAD();
   guarded("OnImeCompositionRangeChanged", [&] {
     if (const auto view = view_.lock()) {
-      view->textInput().setPlaces(characters);
+      view->textInput().setCharacterBounds(characters);
     }
   });
 }
@@ -192,7 +192,7 @@ void ClientOSRHandler::OnBeforeClose(CefRefPtr<CefBrowser> /*browser*/) {
   CEF_REQUIRE_UI_THREAD();
   guarded("OnBeforeClose", [&] {
     if (const auto view = view_.lock()) {
-      view->forgetBrowser();
+      view->browserClosed();
     }
   });
 }

@@ -5,7 +5,7 @@
 namespace client {
 
 void InterpretedKeys::press(const SystemEvent& event, const std::function<void()>& interpret) {
-  if (!text_.isWanted()) {
+  if (!text_.acceptsText()) {
     keys_.sendKeyDown(event);
     return;
   }

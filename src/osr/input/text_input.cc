@@ -57,7 +57,7 @@ bool TextInput::endComposition() {
 
 void TextInput::setMode(cef_text_input_mode_t mode) {
   mode_ = mode;
-  if (!isWanted()) {
+  if (!acceptsText()) {
     endComposition();  // the field lost the focus, which ended the composition in the page
   }
   view_.textInputChanged();
@@ -69,13 +69,15 @@ void TextInput::setSelection(const CefString& text, const CefRange& range) {
   view_.textInputChanged();
 }
 
-void TextInput::setPlaces(const std::vector<CefRect>& characters) {
-  places_ = characters;
+void TextInput::setCharacterBounds(const std::vector<CefRect>& characters) {
+  characterBounds_ = characters;
   view_.textInputChanged();
 }
 
-CefRect TextInput::placeOf(std::size_t character) const {
-  return places_.empty() ? CefRect() : places_[std::min(character, places_.size() - 1)];
+CefRect TextInput::boundsOf(std::size_t character) const {
+  return characterBounds_.empty()
+             ? CefRect()
+             : characterBounds_[std::min(character, characterBounds_.size() - 1)];
 }
 
 CefRefPtr<CefBrowserHost> TextInput::host() const {

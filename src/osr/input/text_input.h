@@ -35,16 +35,16 @@ class TextInput {
   // The focused field's state, as the browser reports it. Each change notifies the view.
   void setMode(cef_text_input_mode_t mode);
   void setSelection(const CefString& text, const CefRange& range);
-  void setPlaces(const std::vector<CefRect>& characters);
+  void setCharacterBounds(const std::vector<CefRect>& characters);
 
   // Whether the focused element accepts input methods.
-  bool isWanted() const { return mode_ != CEF_TEXT_INPUT_MODE_NONE; }
+  bool acceptsText() const { return mode_ != CEF_TEXT_INPUT_MODE_NONE; }
   cef_text_input_mode_t mode() const { return mode_; }
   const CefString& selectedText() const { return selectedText_; }
   const CefRange& selectedRange() const { return selectedRange_; }
   // The position in the view of a character of the composition, else of the last known character or
   // the caret. Empty before the browser has reported one.
-  CefRect placeOf(std::size_t character) const;
+  CefRect boundsOf(std::size_t character) const;
 
  private:
   // Returns false if there was no composition.
@@ -56,7 +56,7 @@ class TextInput {
   cef_text_input_mode_t mode_ = CEF_TEXT_INPUT_MODE_NONE;
   CefString selectedText_;
   CefRange selectedRange_;
-  std::vector<CefRect> places_;
+  std::vector<CefRect> characterBounds_;
 };
 
 }  // namespace client

@@ -44,7 +44,7 @@ class OsrRenderer {
   // For a surface that preserves its contents: Render then redraws only the changed area.
   void setSurfaceKeepsDrawing(bool keeps) { surfaceKeepsDrawing_ = keeps; }
   // For a new surface: the next Render draws everything.
-  void forgetDrawing() { changed_.addAll(); }
+  void invalidateSurface() { changed_.addAll(); }
   // The rectangle that the latest Render drew, from the page's upper left corner.
   const CefRect& drawnRect() const { return drawnRect_; }
 

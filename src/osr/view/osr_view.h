@@ -46,7 +46,8 @@ class OsrView {
   virtual TextInput& textInput() = 0;
   // Null before the browser exists and once it is closed.
   virtual CefRefPtr<CefBrowser> browser() const = 0;
-  virtual void forgetBrowser() = 0;
+  // Releases the browser and closes the window.
+  virtual void browserClosed() = 0;
 
   virtual OsrSize bounds() const = 0;
   virtual OsrPoint toScreen(const OsrPoint& point) const = 0;

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 
-#include "osr/osr_window.h"
 #include "src/osr/renderer/egl_context.h"
 #include "src/osr/view/fake_osr_view.h"
 #include "support/allocation_count.h"
@@ -26,11 +25,14 @@ class ClientOSRHandlerTest : public testing::Test {
   Pixels page_{100, 60, distinct};
 };
 
-TEST_F(ClientOSRHandlerTest, AnswersTheEnginesQuestionsAboutTheView) {
+TEST_F(ClientOSRHandlerTest, AnswersTheEnginesQueriesAboutTheView) {
   CefRect rect;
   EXPECT_FALSE(handler_->GetRootScreenRect(browser(), rect));
   handler_->GetViewRect(browser(), rect);
   EXPECT_EQ(rect, CefRect(0, 0, 200, 100));
+  view_->size = {0.5, 100};
+  handler_->GetViewRect(browser(), rect);
+  EXPECT_FALSE(rect.IsEmpty());
   int x = 0;
   int y = 0;
   EXPECT_TRUE(handler_->GetScreenPoint(browser(), 10, 20, x, y));
@@ -46,13 +48,6 @@ TEST_F(ClientOSRHandlerTest, AnswersTheEnginesQuestionsAboutTheView) {
   EXPECT_TRUE(info.is_monochrome);
   EXPECT_EQ(CefRect(info.rect), CefRect(0, 0, 1920, 1080));
   EXPECT_EQ(CefRect(info.available_rect), CefRect(0, 30, 1920, 1050));
-}
-
-TEST_F(ClientOSRHandlerTest, NeverLeavesTheViewRectEmpty) {
-  view_->size = {0.5, 100};
-  CefRect rect(0, 0, 0, 0);
-  handler_->GetViewRect(browser(), rect);
-  EXPECT_FALSE(rect.IsEmpty());
 }
 
 TEST_F(ClientOSRHandlerTest, AnswersFalseAndDoesNothingWithoutAView) {
@@ -115,12 +110,12 @@ TEST_F(ClientOSRHandlerTest, HasAnOpenPopupPaintedOverEveryFreshView) {
   EXPECT_TRUE(view_->osrRenderer.givenPopupRect().IsEmpty());
 }
 
-TEST_F(ClientOSRHandlerTest, PassesCursorsInputMethodsAndDragsOn) {
+TEST_F(ClientOSRHandlerTest, ForwardsCursorsInputMethodsAndDrags) {
   handler_->OnTextSelectionChanged(browser(), "b", CefRange(1, 2));
   handler_->OnImeCompositionRangeChanged(browser(), CefRange(1, 2), {CefRect(1, 2, 3, 4)});
   handler_->OnVirtualKeyboardRequested(browser(), CEF_TEXT_INPUT_MODE_URL);
   EXPECT_EQ(view_->text.selectedText().ToString(), "b");
-  EXPECT_EQ(view_->text.placeOf(0), CefRect(1, 2, 3, 4));
+  EXPECT_EQ(view_->text.boundsOf(0), CefRect(1, 2, 3, 4));
   EXPECT_EQ(view_->text.mode(), CEF_TEXT_INPUT_MODE_URL);
   view_->lines.clear();
   EXPECT_TRUE(handler_->OnCursorChange(browser(), 0, CT_HAND, {}));
@@ -147,7 +142,7 @@ TEST_F(ClientOSRHandlerTest, AllocatesNothingForAFrame) {
     return allocations.count();
   };
   paint(PET_VIEW, page_, page_.rect());
-  context_.release();  // what the driver allocates is not counted
+  context_.release();  // excludes the driver's allocations
   frames(1);
   EXPECT_EQ(frames(50), 0);
 }

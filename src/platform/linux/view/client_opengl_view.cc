@@ -70,7 +70,7 @@ CefRefPtr<CefBrowserHost> ClientOpenGLView::host() const {
   return current ? current->GetHost() : nullptr;
 }
 
-void ClientOpenGLView::forgetBrowser() {
+void ClientOpenGLView::browserClosed() {
   browserProvider_ = nullptr;
   hide();
   self_.reset();
@@ -128,7 +128,7 @@ void ClientOpenGLView::redraw() {
 
 void ClientOpenGLView::makeContextCurrent() {
   if (canvas_->makeCurrent(sizeInPixels())) {
-    renderer_->forgetDrawing();
+    renderer_->invalidateSurface();
   }
 }
 

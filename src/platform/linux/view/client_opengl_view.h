@@ -29,7 +29,7 @@ class ClientOpenGLView final : public QWidget, public OsrView {
   OsrRenderer& renderer() override { return *renderer_; }
   TextInput& textInput() override { return text_; }
   CefRefPtr<CefBrowser> browser() const override;
-  void forgetBrowser() override;
+  void browserClosed() override;
   OsrSize bounds() const override;
   OsrPoint toScreen(const OsrPoint& point) const override;
   std::optional<OsrScreen> screen() const override;

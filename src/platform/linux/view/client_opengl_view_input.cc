@@ -128,7 +128,7 @@ QVariant ClientOpenGLView::inputMethodQuery(Qt::InputMethodQuery query) const {
 
 void ClientOpenGLView::textInputChanged() {
   setInputMethodHints(inputMethodHintsOf(text_.mode()));
-  setAttribute(Qt::WA_InputMethodEnabled, text_.isWanted());
+  setAttribute(Qt::WA_InputMethodEnabled, text_.acceptsText());
   updateMicroFocus();
 }
 

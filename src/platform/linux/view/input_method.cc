@@ -81,10 +81,10 @@ void applyInputMethodEvent(TextInput& text, const QInputMethodEvent& event) {
 QVariant inputMethodReply(const TextInput& text, Qt::InputMethodQuery query) {
   switch (query) {
     case Qt::ImEnabled:
-      return text.isWanted();
+      return text.acceptsText();
     case Qt::ImCursorRectangle:
     case Qt::ImAnchorRectangle: {
-      const CefRect place = text.placeOf(0);
+      const CefRect place = text.boundsOf(0);
       return QRect(place.x, place.y, place.width, place.height);
     }
     case Qt::ImCurrentSelection:

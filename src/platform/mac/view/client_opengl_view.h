@@ -41,7 +41,7 @@ class ViewParts;
 // The window's delegate, which is asked before the window closes.
 - (id<NSWindowDelegate>)windowDelegate;
 // Called when the browser is closed; closes the window.
-- (void)forgetBrowser;
+- (void)browserClosed;
 
 // The view's portable interface; usable as long as the view exists. Hold it weakly.
 - (std::shared_ptr<client::OsrView>)osrView;

@@ -108,7 +108,7 @@ NSOpenGLPixelFormat* makePixelFormat() {
   return windowDelegate_;
 }
 
-- (void)forgetBrowser {
+- (void)browserClosed {
   // The window releases the view.
   [[self retain] autorelease];
   [NSObject cancelPreviousPerformRequestsWithTarget:self];

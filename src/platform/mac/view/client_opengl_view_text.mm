@@ -126,7 +126,7 @@ std::optional<CefRange> replacedBy(NSRange range) {
   }
   const client::TextInput& text = parts_->osr->textInput();
   const NSUInteger start = text.composedRange().from;
-  const CefRect place = text.placeOf(range.location > start ? range.location - start : 0);
+  const CefRect place = text.boundsOf(range.location > start ? range.location - start : 0);
   const NSRect upright = NSMakeRect(place.x, NSHeight([self bounds]) - place.y - place.height,
                                     place.width, place.height);
   return [[self window] convertRectToScreen:[self convertRect:upright toView:nil]];

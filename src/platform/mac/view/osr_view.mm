@@ -47,9 +47,9 @@ CefRefPtr<CefBrowser> OsrViewMac::browser() const {
   return browserProvider_ ? browserProvider_() : nullptr;
 }
 
-void OsrViewMac::forgetBrowser() {
+void OsrViewMac::browserClosed() {
   browserProvider_ = nullptr;
-  [view_ forgetBrowser];
+  [view_ browserClosed];
 }
 
 OsrSize OsrViewMac::bounds() const {
@@ -113,7 +113,7 @@ void OsrViewMac::setCursor(CefCursorHandle cursor, cef_cursor_type_t /*type*/,
 }
 
 void OsrViewMac::textInputChanged() {
-  if (!text_.isWanted()) {
+  if (!text_.acceptsText()) {
     [[view_ inputContext] discardMarkedText];
   }
   [[view_ inputContext] invalidateCharacterCoordinates];

@@ -1,12 +1,12 @@
-// What the view decides about events, whatever the system.
+// Input decisions that are the same on every system.
 #include <gmock/gmock.h>
 
 #include <set>
 
 #include "osr/input/click_counter.h"
-#include "osr/input/event_flags.h"
 #include "osr/input/mouse_input.h"
 #include "osr/input/scroll_gesture.h"
+#include "osr/input/system_event.h"
 #include "osr/view/view_scale.h"
 #include "src/osr/renderer/egl_context.h"
 #include "src/osr/view/fake_osr_view.h"
@@ -32,31 +32,34 @@ SystemEvent keyOf(EventKind kind, int code, uint32_t modifiers = 0) {
   return event;
 }
 
-TEST(EventFlags, MapsEveryModifierAndTheButtonOfTheEvent) {
-  const auto flags = [](EventKind kind, uint32_t modifiers) {
-    return getModifiersForEvent(eventOf(kind, {}, modifiers));
+TEST(EventFlags, MapModifiersAndTheEventsButton) {
+  using K = EventKind;
+  struct Case {
+    std::vector<EventKind> kinds;
+    uint32_t modifiers;
+    uint32_t flags;
   };
-  EXPECT_EQ(flags(EventKind::kMoved, kCapsLock), 1u);
-  EXPECT_EQ(flags(EventKind::kMoved, kShift), 2u);
-  EXPECT_EQ(flags(EventKind::kMoved, kControl), 4u);
-  EXPECT_EQ(flags(EventKind::kMoved, kOption), 8u);
-  EXPECT_EQ(flags(EventKind::kMoved, kCommand), 128u);
-  EXPECT_EQ(flags(EventKind::kMoved, kFunction), 0u);
-  for (const auto kind : {EventKind::kLeftDown, EventKind::kLeftUp, EventKind::kLeftDragged}) {
-    EXPECT_EQ(flags(kind, 0), 16u);
+  const Case cases[] = {{{K::kMoved}, kCapsLock, 1},
+                        {{K::kMoved}, kShift, 2},
+                        {{K::kMoved}, kControl, 4},
+                        {{K::kMoved}, kOption, 8},
+                        {{K::kMoved}, kCommand, 128},
+                        {{K::kMoved}, kFunction, 0},
+                        {{K::kLeftDown, K::kLeftUp, K::kLeftDragged}, 0, 16},
+                        {{K::kOtherDown, K::kOtherUp, K::kOtherDragged}, 0, 32},
+                        {{K::kRightDown, K::kRightUp, K::kRightDragged}, kShift | kCommand, 194},
+                        // Only key events come from a key pad.
+                        {{K::kKeyUp}, kNumericPad, 512},
+                        {{K::kScroll}, kNumericPad, 0}};
+  for (const Case& each : cases) {
+    for (const EventKind kind : each.kinds) {
+      EXPECT_EQ(getModifiersForEvent(eventOf(kind, {}, each.modifiers)), each.flags)
+          << static_cast<int>(kind) << " with " << each.modifiers;
+    }
   }
-  for (const auto kind : {EventKind::kOtherDown, EventKind::kOtherUp, EventKind::kOtherDragged}) {
-    EXPECT_EQ(flags(kind, 0), 32u);
-  }
-  for (const auto kind : {EventKind::kRightDown, EventKind::kRightUp, EventKind::kRightDragged}) {
-    EXPECT_EQ(flags(kind, kShift | kCommand), 64u + 2u + 128u);
-  }
-  // Only key events come from a key pad.
-  EXPECT_EQ(flags(EventKind::kKeyUp, kNumericPad), 512u);
-  EXPECT_EQ(flags(EventKind::kScroll, kNumericPad), 0u);
 }
 
-TEST(EventFlags, KnowsWhatAKeyTypesWithoutControl) {
+TEST(EventFlags, ReconstructWhatAKeyTypesWithoutControl) {
   const auto without = [](uint32_t modifiers, int windowsKeyCode, const char16_t* typed) {
     SystemEvent event = eventOf(EventKind::kKeyDown, {}, modifiers);
     event.windowsKeyCode = windowsKeyCode;
@@ -71,7 +74,7 @@ TEST(EventFlags, KnowsWhatAKeyTypesWithoutControl) {
   EXPECT_EQ(without(kShift, 'C', u"C"), u"C");
 }
 
-TEST(EventFlags, KnowsTheKeysOfTheKeyPad) {
+TEST(EventFlags, RecognizeTheKeyPad) {
   const std::set<int> pad{65, 67, 69, 71, 75, 76, 78, 81, 82, 83, 84, 85, 86, 87, 88, 89, 91, 92};
   for (int code = 0; code < 130; ++code) {
     EXPECT_EQ(isKeyPadEvent(keyOf(EventKind::kKeyDown, code)), pad.count(code) == 1) << code;
@@ -80,7 +83,7 @@ TEST(EventFlags, KnowsTheKeysOfTheKeyPad) {
   EXPECT_FALSE(isKeyPadEvent(eventOf(EventKind::kKeyDown)));
 }
 
-TEST(EventFlags, TellsAModifierKeysReleaseByTheFlagThatIsClear) {
+TEST(EventFlags, RecognizeAModifierKeysReleaseByItsClearFlag) {
   const std::vector<std::pair<int, uint32_t>> keys{
       {54, kCommand}, {55, kCommand}, {56, kShift},   {60, kShift},   {57, kCapsLock},
       {58, kOption},  {61, kOption},  {59, kControl}, {62, kControl}, {63, kFunction}};
@@ -93,7 +96,7 @@ TEST(EventFlags, TellsAModifierKeysReleaseByTheFlagThatIsClear) {
   EXPECT_FALSE(isKeyUpEvent(keyOf(EventKind::kKeyDown, 54)));
 }
 
-TEST(EventFlags, FillsKeyEventsWithTheFirstUnitsOfTheTexts) {
+TEST(EventFlags, FillKeyEventsWithTheFirstUnits) {
   SystemEvent event = keyOf(EventKind::kKeyDown, 65, kShift);
   event.characters = u"\u00c4x";
   event.charactersIgnoringModifiers = u"\u00e4";
@@ -130,7 +133,7 @@ class MouseInputTest : public testing::Test {
   const OsrPoint onPopup_{160, 60};
 };
 
-TEST_F(MouseInputTest, SendsPressesMovesAndWheelsWithButtonsAndCounts) {
+TEST_F(MouseInputTest, SendsPressesMovesAndWheels) {
   SystemEvent twice = eventOf(EventKind::kLeftDown, {10.9, 20.9}, kShift);
   twice.clickCount = 2;
   EXPECT_THAT(sent(twice), ElementsAre("click 10,20 flags 18 left down x2"));
@@ -149,7 +152,7 @@ TEST_F(MouseInputTest, SendsPressesMovesAndWheelsWithButtonsAndCounts) {
   EXPECT_THAT(sent(wheel), ElementsAre("wheel 10,10 flags 0 by -3,120"));
 }
 
-TEST_F(MouseInputTest, MovesPointsOverADisplacedPopupToWhereTheEnginePlacedIt) {
+TEST_F(MouseInputTest, MapsPointsOverADisplacedPopupToItsOriginalPosition) {
   openPopup();
   EXPECT_THAT(sent(eventOf(EventKind::kMoved, onPopup_)), ElementsAre("move 180,70 flags 0"));
   EXPECT_THAT(sent(eventOf(EventKind::kMoved, {150, 50})), ElementsAre("move 170,60 flags 0"));
@@ -176,7 +179,7 @@ TEST_F(MouseInputTest, DropsAReleaseOverADisplacedPopupOfAPressOnThePage) {
               ElementsAre("click 160,60 flags 16 left up x1"));
 }
 
-TEST_F(MouseInputTest, SpinsThePageWhileTheRightButtonIsHeldWithShift) {
+TEST_F(MouseInputTest, RotatesThePageWithTheRightButtonAndShift) {
   EXPECT_THAT(sent(eventOf(EventKind::kRightDown, {50, 50}, kShift)), IsEmpty());
   EXPECT_THAT(sent(eventOf(EventKind::kRightDragged, {60, 45})), IsEmpty());
   EXPECT_EQ(view_.osrRenderer.spinX(), -10);
@@ -211,7 +214,7 @@ TEST(ClickCounter, CountsPressesOfOneButtonThatAreNearInTimeAndPlace) {
   EXPECT_EQ(clicks.count(), 1);
 }
 
-TEST(ScrollGesture, WatchesFromTheBeginningToTheEndOfAGesture) {
+TEST(ScrollGesture, MonitorsAGestureFromBeginningToEnd) {
   std::vector<std::string> lines;
   ScrollGesture gesture(
       {[&] { lines.emplace_back("install"); }, [&] { lines.emplace_back("remove"); }},
@@ -244,13 +247,10 @@ TEST(ScrollGesture, WatchesFromTheBeginningToTheEndOfAGesture) {
   EXPECT_THAT(lines, ElementsAre("install", "send 1", "send 3", "remove"));
 }
 
-TEST(ViewScale, TakesTheBackingScaleElseTheUserSpaceScaleElseOne) {
+TEST(ViewScale, PrefersTheBackingScaleAndReportsChanges) {
   EXPECT_EQ(getDeviceScaleFactor(std::nullopt), 1);
   EXPECT_EQ(getDeviceScaleFactor(WindowScale{2.0F, 1.5F}), 2);
   EXPECT_EQ(getDeviceScaleFactor(WindowScale{std::nullopt, 1.5F}), 1.5F);
-}
-
-TEST(ViewScale, TellsTheBrowserOnlyOfARealChange) {
   FakeOsrView view;
   reportScaleChange(view, 2);
   EXPECT_THAT(view.host->lines, IsEmpty());

@@ -7,7 +7,7 @@
 
 namespace client::test {
 
-// Current from its making to its end. Draws into memory; needs no graphics device.
+// Current for its lifetime. Renders into memory; needs no graphics device.
 class EglContext {
  public:
   EglContext(int width, int height);
@@ -15,10 +15,10 @@ class EglContext {
   EglContext(const EglContext&) = delete;
   EglContext& operator=(const EglContext&) = delete;
 
-  // From now on OpenGL's operations do nothing.
+  // Makes no context current: OpenGL calls then do nothing.
   void release() const;
 
-  // What is drawn in the lower left corner of the given size. The alpha of all is 255.
+  // Reads the lower left rectangle of this size, with alpha 255.
   static Pixels read(int width, int height);
 
  private:

@@ -12,13 +12,13 @@ int rowLength = 0;
 int skippedPixels = 0;
 int skippedRows = 0;
 
-// The library's own operation, behind ours of the same name.
+// The library's function.
 template <class Function>
 Function* real(const char* name) {
   return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
-// `describe` is called only when someone listens.
+// Calls `describe` only while a recorder lives.
 template <class Describe>
 void note(const Describe& describe) {
   if (current != nullptr) {
@@ -42,7 +42,7 @@ GlRecorder::~GlRecorder() {
 
 }  // namespace client::test
 
-// They take the place of the library's in this program.
+// Interpose the library's functions.
 extern "C" {
 
 void glPixelStorei(GLenum name, GLint value) {

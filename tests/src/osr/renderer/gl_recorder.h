@@ -1,4 +1,4 @@
-// Records what is asked of OpenGL.
+// Records OpenGL calls.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace client::test {
 
-// While one lives, the texture and clear calls of this process are noted, and still done.
+// Records this process's texture and clear calls while it lives, and forwards them.
 class GlRecorder {
  public:
   GlRecorder();

@@ -1,9 +1,9 @@
-// The renderer under a real OpenGL context: what it draws, pixel by pixel, and what it uploads.
+// The renderer's pixels and uploads under a real OpenGL context.
 #include "osr/renderer/osr_renderer.h"
 
 #include <gmock/gmock.h>
 
-#include "osr/renderer/popup_upload.h"
+#include "osr/renderer/texture_upload.h"
 #include "src/osr/renderer/egl_context.h"
 #include "src/osr/renderer/gl_recorder.h"
 #include "src/osr/renderer/pixels.h"
@@ -39,7 +39,7 @@ class OsrRendererTest : public testing::Test {
   Pixels page_{kWidth, kHeight, distinct};
 };
 
-// What shows behind a transparent page: red at the bottom, blue at the top.
+// The background of a transparent page: red at the bottom, blue at the top.
 Color background(int y) {
   const double blue = 1 - (y + 0.5) / kHeight;
   return {static_cast<uint8_t>(blue * 255 + 0.5), 0, static_cast<uint8_t>((1 - blue) * 255 + 0.5),
@@ -182,7 +182,7 @@ TEST_F(OsrRendererTest, DrawsOnlyAroundWhatChangedOnASurfaceThatKeepsItsDrawing)
   paintPopup(Pixels(10, 10, distinct));
   drawn();
   EXPECT_EQ(renderer_->drawnRect(), CefRect(54, 38, 10, 10));
-  renderer_->forgetDrawing();
+  renderer_->invalidateSurface();
   expected.fill({54, 38, 10, 10}, [](int x, int y) { return distinct(x - 54, y - 38); });
   EXPECT_EQ(difference(drawn(), expected), "");
   for (const float spin : {20.0F, 0.0F}) {
@@ -211,38 +211,29 @@ TEST_F(OsrRendererTest, RotatesThePageAndNotTheBackground) {
   EXPECT_EQ(difference(drawn(), page_), "");
 }
 
-// A pop-up of 20 × 10, somewhere at or over an edge of the page.
-struct PopupCase {
-  const char* name;
-  CefPoint position;
-  CefRect visible;  // of the page
-  const char* call;
-};
-
-class PopupUploadTest : public OsrRendererTest, public testing::WithParamInterface<PopupCase> {};
-
-TEST_P(PopupUploadTest, CopiesWhatLiesInThePage) {
-  const PopupCase& edge = GetParam();
-  paintView(page_, {page_.rect()});
+TEST_F(OsrRendererTest, UploadsThePartOfAPopupInThePage) {
+  struct Case {
+    CefPoint position;
+    CefRect visible;  // in the page
+    const char* call;
+  };
   const Pixels popup(20, 10, changed);
-  Pixels expected = page_;
-  expected.fill(edge.visible,
-                [&](int x, int y) { return popup.at(x - edge.position.x, y - edge.position.y); });
-  const GlRecorder recorder;
-  uploadPopup(edge.position, {20, 10}, {kWidth, kHeight}, popup.data());
-  EXPECT_THAT(recorder.calls(), ElementsAre(edge.call));
-  EXPECT_EQ(difference(drawn(), expected), "");
+  for (const Case& each : {Case{{7, 9}, {7, 9, 20, 10}, "part 7,9 20x10 from 0,0 of 20"},
+                           Case{{-10, 9}, {0, 9, 10, 10}, "part 0,9 10x10 from 10,0 of 20"},
+                           Case{{7, -3}, {7, 0, 20, 7}, "part 7,0 20x7 from 0,3 of 20"},
+                           Case{{50, 9}, {50, 9, 14, 10}, "part 50,9 14x10 from 0,0 of 20"},
+                           Case{{7, 44}, {7, 44, 20, 4}, "part 7,44 20x4 from 0,0 of 20"},
+                           Case{{60, 45}, {60, 45, 4, 3}, "part 60,45 4x3 from 0,0 of 20"}}) {
+    paintView(page_, {page_.rect()});
+    Pixels expected = page_;
+    expected.fill(each.visible,
+                  [&](int x, int y) { return popup.at(x - each.position.x, y - each.position.y); });
+    const GlRecorder recorder;
+    uploadPopup(each.position, {20, 10}, {kWidth, kHeight}, popup.data());
+    EXPECT_THAT(recorder.calls(), ElementsAre(each.call));
+    EXPECT_EQ(difference(drawn(), expected), "") << each.call;
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Edges, PopupUploadTest,
-    testing::Values(PopupCase{"Inside", {7, 9}, {7, 9, 20, 10}, "part 7,9 20x10 from 0,0 of 20"},
-                    PopupCase{"Left", {-10, 9}, {0, 9, 10, 10}, "part 0,9 10x10 from 10,0 of 20"},
-                    PopupCase{"Top", {7, -3}, {7, 0, 20, 7}, "part 7,0 20x7 from 0,3 of 20"},
-                    PopupCase{"Right", {50, 9}, {50, 9, 14, 10}, "part 50,9 14x10 from 0,0 of 20"},
-                    PopupCase{"Bottom", {7, 44}, {7, 44, 20, 4}, "part 7,44 20x4 from 0,0 of 20"},
-                    PopupCase{"Corner", {60, 45}, {60, 45, 4, 3}, "part 60,45 4x3 from 0,0 of 20"}),
-    [](const auto& caseInfo) { return caseInfo.param.name; });
 
 TEST_F(OsrRendererTest, UploadsNothingOfAPopupThatIsOutsideOrHidden) {
   paintView(page_, {page_.rect()});
@@ -258,9 +249,14 @@ TEST_F(OsrRendererTest, UploadsNothingOfAPopupThatIsOutsideOrHidden) {
   EXPECT_EQ(difference(drawn(), page_), "");
 }
 
-TEST_F(OsrRendererTest, PaintsAPopupWhereItWasMovedTo) {
+TEST_F(OsrRendererTest, MovesPopupsIntoThePageAndKeepsTheirSize) {
   paintView(page_, {page_.rect()});
+  EXPECT_EQ(renderer_->GetPopupRectInWebView({-5, -6, 10, 10}), CefRect(0, 0, 10, 10));
+  EXPECT_EQ(renderer_->GetPopupRectInWebView({60, 40, 10, 10}), CefRect(54, 38, 10, 10));
+  EXPECT_EQ(renderer_->GetPopupRectInWebView({5, 5, 100, 90}), CefRect(0, 0, 100, 90));
   renderer_->OnPopupSize(nullptr, {60, 45, 20, 10});
+  renderer_->OnPopupSize(nullptr, {9, 9, 0, 4});  // ignored
+  renderer_->OnPopupSize(nullptr, {9, 9, 3, -1});
   renderer_->OnPopupShow(nullptr, true);
   EXPECT_EQ(renderer_->popupRect(), CefRect(44, 38, 20, 10));
   EXPECT_EQ(renderer_->givenPopupRect(), CefRect(60, 45, 20, 10));
@@ -269,18 +265,6 @@ TEST_F(OsrRendererTest, PaintsAPopupWhereItWasMovedTo) {
   Pixels expected = page_;
   expected.fill({44, 38, 20, 10}, [&](int x, int y) { return popup.at(x - 44, y - 38); });
   EXPECT_EQ(difference(drawn(), expected), "");
-}
-
-TEST_F(OsrRendererTest, MovesPopupsIntoThePageAndKeepsTheirSize) {
-  paintView(page_, {page_.rect()});
-  EXPECT_EQ(renderer_->GetPopupRectInWebView({-5, -6, 10, 10}), CefRect(0, 0, 10, 10));
-  EXPECT_EQ(renderer_->GetPopupRectInWebView({60, 40, 10, 10}), CefRect(54, 38, 10, 10));
-  EXPECT_EQ(renderer_->GetPopupRectInWebView({5, 5, 100, 90}), CefRect(0, 0, 100, 90));
-  renderer_->OnPopupSize(nullptr, {1, 2, 3, 4});
-  renderer_->OnPopupSize(nullptr, {9, 9, 0, 4});
-  renderer_->OnPopupSize(nullptr, {9, 9, 3, -1});
-  EXPECT_EQ(renderer_->popupRect(), CefRect(1, 2, 3, 4));
-  EXPECT_EQ(renderer_->givenPopupRect(), CefRect(1, 2, 3, 4));
 }
 
 }  // namespace

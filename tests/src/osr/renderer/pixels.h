@@ -1,4 +1,4 @@
-// Pictures of tests.
+// Pictures in tests.
 #pragma once
 
 #include <cstdint>
@@ -36,10 +36,10 @@ class Pixels {
   std::vector<Color> colors_;
 };
 
-// The pixels in which a picture is not as expected, as lines; empty when there are none.
+// Describes the differing pixels, one per line; empty if equal.
 std::string difference(const Pixels& actual, const Pixels& expected);
 
-// A picture in which no two places of up to 200 × 200 look alike.
+// A different colour for every pixel up to 200 × 200.
 Color distinct(int x, int y);
 // The same with other colours.
 Color changed(int x, int y);

@@ -1,4 +1,4 @@
-// A view and a browser that record what is asked of them.
+// A recording view and browser.
 #pragma once
 
 #include <memory>
@@ -15,7 +15,7 @@ namespace client::test {
 using zantrio::test::FakeBrowser;
 using zantrio::test::FakeHost;
 
-// Notes every call as a line, as "click 10,20 flags 16 left down x2".
+// Records every call as a line, as in "click 10,20 flags 16 left down x2".
 class RecordingHost : public FakeHost {
  public:
   void NotifyScreenInfoChanged() override { lines.emplace_back("screen info"); }
@@ -52,7 +52,7 @@ class FakeOsrView : public OsrView {
   OsrRenderer& renderer() override { return osrRenderer; }
   TextInput& textInput() override { return text; }
   CefRefPtr<CefBrowser> browser() const override { return hasBrowser ? fakeBrowser : nullptr; }
-  void forgetBrowser() override { hasBrowser = false; }
+  void browserClosed() override { hasBrowser = false; }
   OsrSize bounds() const override { return size; }
   OsrPoint toScreen(const OsrPoint& point) const override {
     return {point.x + 1000.9, point.y + 500.9};

@@ -15,9 +15,8 @@ constexpr int kWaitLimitMs = 20'000;
 // Runs the event loop until `done` holds; false when it does not in time.
 bool waitFor(const std::function<bool()>& done);
 
-// As soon as a modal dialog of this kind is open, calls `action` with it, once. Serves calls that
-// block until their dialog is closed. When none opens in time, the test fails and what is open is
-// closed.
+// Calls `action` once, as soon as a modal dialog of this class is open; for calls that block until
+// their dialog closes. If none opens in time, the test fails and all windows are closed.
 template <class Dialog>
 void whenModal(const std::function<void(Dialog&)>& action) {
   auto* timer = new QTimer(qApp);

@@ -33,8 +33,8 @@ bool RecordedService::handleMessage(const QDBusMessage& message,
   calls_.push_back(message);
   if (refused_.contains(message.member())) {
     connection.send(message.createErrorReply(QDBusError::Failed, "refused"));
-  } else if (const auto answer = answers_.find(message.member()); answer != answers_.end()) {
-    connection.send(message.createReply(answer->second));
+  } else if (const auto reply = replies_.find(message.member()); reply != replies_.end()) {
+    connection.send(message.createReply(reply->second));
   } else {
     connection.send(message.createReply());
   }

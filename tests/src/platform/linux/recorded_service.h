@@ -8,17 +8,18 @@
 
 namespace zantrio::test {
 
-// A service on the session bus, with one object, that records the calls it gets. It answers them
-// with what was set for their method, else with nothing.
+// A service on the session bus with one object. Records its calls and sends the reply set for the
+// method, else an empty one.
 class RecordedService : public QDBusVirtualObject {
  public:
   RecordedService(const QString& name, const QString& path);
   ~RecordedService() override;
 
-  void answer(const QString& method, const QVariant& value) { answers_[method] = value; }
+  void setReply(const QString& method, const QVariant& value) { replies_[method] = value; }
   void refuse(const QString& method) { refused_.push_back(method); }
   const std::vector<QDBusMessage>& calls() const { return calls_; }
-  // Waits for one; fails the test when it does not come.
+  void forgetCalls() { calls_.clear(); }
+  // Waits for a call; the test fails if none arrives.
   QDBusMessage waitForCall(const QString& method);
 
   QString introspect(const QString&) const override { return {}; }
@@ -26,9 +27,9 @@ class RecordedService : public QDBusVirtualObject {
 
  private:
   const QString name_;
-  QDBusConnection connection_;  // one of its own, so that calls really pass over the bus
+  QDBusConnection connection_;  // separate, so that calls really pass over the bus
   std::vector<QDBusMessage> calls_;
-  std::map<QString, QVariant> answers_;
+  std::map<QString, QVariant> replies_;
   QStringList refused_;
 };
 

@@ -3,14 +3,14 @@
 #import <Foundation/Foundation.h>
 #include <gtest/gtest.h>
 
-// "/" and half of a surrogate pair, which the strings of the system here refuse to be made of.
+// "/" and an unpaired surrogate, which GNUstep's strings reject.
 @interface HalfPair : NSString
 @end
 
 namespace zantrio::mac_test {
 
-// Starts every test with fresh fakes and a recorded system log, and ends it by looking whether all
-// that the system gave was released.
+// Resets the fakes and records the system log for each test; afterwards checks that every
+// CoreFoundation object was released.
 class MacTest : public ::testing::Test {
  protected:
   void SetUp() override;

@@ -1,9 +1,9 @@
 #include "src/platform/mac/mac_fixture.h"
 
+#include "src/platform/mac/fakes/appkit_fake.h"
 #include "src/platform/mac/fakes/calls.h"
 #include "src/platform/mac/fakes/core_foundation_fake.h"
 #include "src/platform/mac/fakes/system_services_fake.h"
-#include "src/platform/mac/fakes/view_fake.h"
 
 @implementation HalfPair
 + (id)string {
@@ -31,13 +31,13 @@ void MacTest::SetUp() {
   calls().clear();
   coreFoundation() = {};
   systemServices() = {};
-  views() = {};
+  appKit() = {};
   recordSystemLog();
 }
 
 void MacTest::TearDown() {
   [pool_ drain];
-  EXPECT_EQ(coreFoundation().ownedObjects, 0) << "objects of the system kept or released too often";
+  EXPECT_EQ(coreFoundation().ownedObjects, 0) << "CoreFoundation objects leaked or over-released";
 }
 
 }  // namespace zantrio::mac_test

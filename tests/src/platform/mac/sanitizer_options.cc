@@ -1,4 +1,4 @@
-// What the sanitizers, where the programs are built with them, take from the program itself.
+// Options that the sanitizers read from the program.
 
 extern "C" {
 

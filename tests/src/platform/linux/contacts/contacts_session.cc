@@ -24,14 +24,14 @@ std::string contentOf(const fs::path& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// The name is cut off by the system after 15 characters.
+// Truncated to 15 characters by the kernel.
 std::string nameOf(int process) {
   const std::string line = contentOf("/proc/" + std::to_string(process) + "/comm");
   return line.substr(0, line.find('\n'));
 }
 
-// The services that the session's bus has started: they have its home folder in their environment.
-// Their parent says nothing, as the bus hands them over to the system.
+// The services activated by the session's bus, found by its home folder in their environment: they
+// are reparented.
 std::vector<int> servicesWithHome(const std::string& home) {
   const std::string mark = '\0' + ("HOME=" + home) + '\0';
   std::vector<int> found;

@@ -10,9 +10,9 @@
 
 namespace zantrio::test {
 
-// A session bus with a home of its own, on which a real Evolution Data Server is started when it
-// is asked for; this process is in that session as long as the object lives. There are the address
-// books "friends" and "work", and "hidden", which is disabled.
+// A session bus with its own home folder, which activates a real Evolution Data Server; this
+// process uses it while the object lives. Has the address books "friends", "work" and the disabled
+// "hidden".
 class ContactsSession {
  public:
   enum class Services { kEds, kNone, kHanging };
@@ -22,7 +22,7 @@ class ContactsSession {
   ContactsSession& operator=(const ContactsSession&) = delete;
   ~ContactsSession();
 
-  // Changes contacts as another program does; throws when it fails.
+  // Change contacts from another program; throw on failure.
   void add(const std::string& book, const std::string& cards) const;
   void modify(const std::string& book, const std::string& cards) const;
   void remove(const std::string& book, const std::string& id) const;
@@ -30,7 +30,7 @@ class ContactsSession {
 
   // Ends the bus, and with it the services.
   void endBus();
-  // Ends the processes that keep the address books, as a crash does.
+  // Kills the address book processes.
   void killBookServers() const;
 
  private:

@@ -15,8 +15,7 @@
 
 namespace {
 
-// What is to be found in a report must not be optimised away, and what is to crash must get that
-// far.
+// Keeps the functions in the report's stacks, and lets undefined behaviour crash.
 #define NAMED [[gnu::noinline, gnu::noclone, gnu::no_sanitize("undefined")]]
 
 volatile int sink = 0;

@@ -7,45 +7,32 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <iterator>
 #include <string>
-#include <thread>
 #include <vector>
 
-#include "platform/linux/crash/thread_names.h"
+#include "platform/linux/crash/process_threads.h"
+#include "support/eventually.h"
 #include "support/temporary_folder.h"
 
 namespace zantrio {
 namespace {
 
 namespace fs = std::filesystem;
+using test::eventually;
 using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::Not;
 using testing::SizeIs;
 
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kSanitized = true;  // the sanitizer has the last word on how the program ends
+constexpr bool kSanitized = true;  // the sanitizer sets the exit status
 #else
 constexpr bool kSanitized = false;
 #endif
-
-bool becomesTrue(const std::function<bool()>& condition) {
-  const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > limit) {
-      return false;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
-  return true;
-}
 
 // The children of a process, by the system's own list.
 std::vector<pid_t> childrenOf(pid_t process) {
@@ -60,7 +47,7 @@ bool isThere(pid_t process) {
 
 class CrashReporterTest : public testing::Test {
  protected:
-  // Gives the program's process id.
+  // Returns the program's process id.
   pid_t start(const std::string& way) {
     int input[2];
     int output[2];
@@ -80,7 +67,7 @@ class CrashReporterTest : public testing::Test {
     return program;
   }
 
-  // Starts it and waits until it waits for the end of its input. Gives its watcher.
+  // Starts the program, waits until it reads its input and returns its watcher.
   pid_t startWaiting(pid_t& program) {
     program = start("wait");
     char line[6];
@@ -186,7 +173,7 @@ INSTANTIATE_TEST_SUITE_P(
       return name;
     });
 
-TEST_F(CrashReporterTest, ShowsTheOtherThreadsAndTheEndsOfTheLogs) {
+TEST_F(CrashReporterTest, ShowsTheOtherThreadsAndTheLogTails) {
   folder_.makeFile("zt_app.log", "the last thing that was done\n");
   folder_.makeFile("cef_browser.log", "the last thing of the page\n");
   run("second-thread");
@@ -199,14 +186,11 @@ TEST_F(CrashReporterTest, ShowsTheOtherThreadsAndTheEndsOfTheLogs) {
   EXPECT_THAT(report, HasSubstr("the last thing of the page\n"));
 }
 
-TEST_F(CrashReporterTest, WritesOneReportWhenTwoThreadsCrashAtOnce) {
-  run("two-threads");
-  EXPECT_THAT(onlyReport(), HasSubstr("Signal:  SIGSEGV "));
-}
-
-TEST_F(CrashReporterTest, LeavesCrashesOfForkedProcessesAlone) {
+TEST_F(CrashReporterTest, WritesOneReportForTwoThreadsAndNoneForForkedProcesses) {
   EXPECT_EQ(run("forked-child"), 0);
   EXPECT_THAT(reports(), IsEmpty());
+  run("two-threads");
+  EXPECT_THAT(onlyReport(), HasSubstr("Signal:  SIGSEGV "));
 }
 
 TEST_F(CrashReporterTest, KeepsTheTenNewestReportsToItsOwner) {
@@ -231,13 +215,13 @@ TEST_F(CrashReporterTest, KeepsTheTenNewestReportsToItsOwner) {
   }
 }
 
-TEST_F(CrashReporterTest, EndsByItsSignalWhereNoReportCanBeWritten) {
+TEST_F(CrashReporterTest, EndsByItsSignalIfNoReportCanBeWritten) {
   folder_.makeFile("Crash Reports", "in the way");
   const int status = run("abort");
   EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGABRT) << status;
 }
 
-TEST_F(CrashReporterTest, SaysThatStacksCannotBeReadWhereAnotherProcessTracesTheProgram) {
+TEST_F(CrashReporterTest, ReportsUnreadableStacksOfATracedProgram) {
   pid_t program = -1;
   startWaiting(program);
   ASSERT_EQ(ptrace(PTRACE_SEIZE, program, nullptr, nullptr), 0);
@@ -258,9 +242,9 @@ TEST_F(CrashReporterTest, SaysThatStacksCannotBeReadWhereAnotherProcessTracesThe
 TEST_F(CrashReporterTest, WatchesWithNothingOpenAndEndsWithTheProgram) {
   pid_t program = -1;
   const pid_t watcher = startWaiting(program);
-  ASSERT_TRUE(becomesTrue(
+  ASSERT_TRUE(eventually(
       [&] { return nameThread(watcher, watcher).find("zantrio-watcher") != std::string::npos; }));
-  ASSERT_TRUE(becomesTrue([&] {
+  ASSERT_TRUE(eventually([&] {
     const fs::directory_iterator open("/proc/" + std::to_string(watcher) + "/fd");
     return std::distance(begin(open), end(open)) == 4;  // the standard three and its socket
   }));
@@ -272,20 +256,20 @@ TEST_F(CrashReporterTest, WatchesWithNothingOpenAndEndsWithTheProgram) {
   EXPECT_THAT(reports(), IsEmpty());
 }
 
-TEST_F(CrashReporterTest, EndsItsWatcherAlsoWhenTheProgramIsKilled) {
+TEST_F(CrashReporterTest, EndsItsWatcherIfTheProgramIsKilled) {
   pid_t program = -1;
   const pid_t watcher = startWaiting(program);
   kill(program, SIGKILL);
   waitFor(program);
-  EXPECT_TRUE(becomesTrue([&] { return !isThere(watcher); }));
+  EXPECT_TRUE(eventually([&] { return !isThere(watcher); }));
   EXPECT_THAT(reports(), IsEmpty());
 }
 
-TEST_F(CrashReporterTest, GoesOnWithoutItsWatcher) {
+TEST_F(CrashReporterTest, SurvivesItsWatcher) {
   pid_t program = -1;
   const pid_t watcher = startWaiting(program);
   kill(watcher, SIGKILL);
-  ASSERT_TRUE(becomesTrue([&] { return !isThere(watcher); }));
+  ASSERT_TRUE(eventually([&] { return !isThere(watcher); }));
   EXPECT_TRUE(isThere(program));
   kill(program, SIGABRT);
   const int status = waitFor(program);

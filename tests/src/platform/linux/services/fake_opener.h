@@ -7,7 +7,7 @@
 
 namespace zantrio::test {
 
-// Puts an xdg-open of its own in front of the system's while it lives.
+// Replaces xdg-open in PATH while it lives.
 class FakeOpener {
  public:
   FakeOpener();
@@ -15,11 +15,11 @@ class FakeOpener {
   FakeOpener& operator=(const FakeOpener&) = delete;
   ~FakeOpener();
 
-  // "count: first argument" for each time that it was started.
+  // "argument count: first argument" for each start.
   QStringList starts() const;
-  // Waits until it was started that often; fails the test when it is not.
+  // Waits for this number of starts; the test fails without them.
   QStringList waitForStarts(int count) const;
-  // The environment, a variable a line, in which it was started last.
+  // The environment of the latest start, one variable per line.
   QStringList environment() const;
 
  private:

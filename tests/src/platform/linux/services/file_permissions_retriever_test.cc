@@ -10,8 +10,8 @@
 namespace zantrio {
 namespace {
 
-// What an ordinary user, whom every check concerns, gets as the answer. As root, a process of the
-// user "nobody" asks.
+// The permissions of an ordinary user: root passes every check, so a process of "nobody" asks for
+// it.
 int permissionsForOrdinaryUser(const std::string& path) {
   if (geteuid() != 0) {
     return createFilePermissionsRetriever()->getPermissions(path);

@@ -1,4 +1,4 @@
-// The view on Linux with a real page in it: what Qt sends it, and what it shows and answers.
+// The view with a real page: Qt's events, and the view's picture and replies.
 #include "platform/linux/view/client_opengl_view.h"
 
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 #include <QTest>
 #include <QTextCharFormat>
 
-#include "osr/osr_window.h"
+#include "osr/client_osr_handler.h"
 #include "support/framework.h"
 #include "support/test_browser.h"
 
@@ -26,12 +26,12 @@ class ShownPage {
     page_.browser()->GetHost()->WasResized();
     view_->activateWindow();
     EXPECT_TRUE(page_.becomes("document.readyState + innerWidth", "complete300"));
-    // What is not drawn yet takes no input.
+    // A page that has not been drawn takes no input.
     EXPECT_EQ(page_.evaluate("new Promise(done => requestAnimationFrame(() => "
                              "requestAnimationFrame(() => done('drawn'))))"),
               "drawn");
   }
-  ~ShownPage() { view_->forgetBrowser(); }
+  ~ShownPage() { view_->browserClosed(); }
 
   ClientOpenGLView& view() { return *view_; }
   TestBrowser& page() { return page_; }
@@ -77,7 +77,7 @@ class InputMethod {
                                    {QInputMethodEvent::Cursor, caret, 1, QVariant()}});
     QApplication::sendEvent(&view_, &event);
   }
-  // Only the clause before the end stands out; some methods count back to its beginning.
+  // Marks the last clause, as some input methods do: with a negative length.
   void composeWithClause(const QString& text, int length) {
     QTextCharFormat format;
     format.setBackground(Qt::green);
@@ -107,7 +107,7 @@ TEST(ClientOpenGLViewLinux, ShowsWhichClauseOfACompositionStandsOut) {
   shown.click({100, 40});
   ASSERT_TRUE(runUntil([&] { return method.ask(Qt::ImEnabled).toBool(); }));
   method.composeWithClause("WWWWWWWWWW", 5);
-  // Where the line below the text begins.
+  // The start of the underline.
   const auto clause = [&] {
     const QImage line = shown.view().grab({20, 49, 200, 1}).toImage();
     int first = line.width();
@@ -144,7 +144,7 @@ TEST(ClientOpenGLViewLinux, ComposesTextWhereTheCaretIs) {
   EXPECT_EQ(page.evaluate("seen.join()"),
             "start ,update ni,update nih,update \u4f60,end \u4f60,start ,update x,update ,end ");
 
-  // A place before the caret, as methods have it that correct what was typed.
+  // Replaces text before the caret, as autocorrection does.
   method.commit("abc");
   EXPECT_TRUE(page.becomes("field.value", "\u4f60abc"));
   ASSERT_TRUE(runUntil([&] { return shown.view().textInput().selectedRange().from == 4; }));

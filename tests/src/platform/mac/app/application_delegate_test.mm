@@ -6,14 +6,14 @@
 #include "src/platform/mac/fakes/core_foundation_fake.h"
 #include "src/platform/mac/mac_fixture.h"
 
-// A pasteboard that answers with what it was made with.
-@interface AnsweringPasteboard : NSObject {
+// A pasteboard of file names.
+@interface FilenamesPasteboard : NSObject {
  @public
   id _filenames;
 }
 @end
 
-@implementation AnsweringPasteboard
+@implementation FilenamesPasteboard
 - (id)propertyListForType:(NSString*)type {
   return [type isEqual:NSFilenamesPboardType] ? _filenames : nil;
 }
@@ -31,9 +31,9 @@ class ApplicationDelegateMac : public MacTest {
     delegate_ = [[[ZantrioApplicationDelegate alloc] initWithCommands:&commands_] autorelease];
   }
 
-  // Gives the service's error.
+  // Returns the service's error.
   std::string send(id filenames) {
-    AnsweringPasteboard* const pasteboard = [[[AnsweringPasteboard alloc] init] autorelease];
+    FilenamesPasteboard* const pasteboard = [[[FilenamesPasteboard alloc] init] autorelease];
     pasteboard->_filenames = filenames;
     NSString* error = nil;
     [delegate_ sendFiles:(NSPasteboard*)pasteboard userData:nil error:&error];
@@ -45,27 +45,16 @@ class ApplicationDelegateMac : public MacTest {
   ZantrioApplicationDelegate* delegate_ = nil;
 };
 
-TEST_F(ApplicationDelegateMac, HandsFilesOnInUtf8AndTellsTheSystemSo) {
-  [delegate_ application:NSApp openFiles:@[ @"/b", @"/Zo\u00EB" ]];
-  EXPECT_EQ(calls(), (Calls{"open /b", "open /Zo\u00EB", "replyToOpenOrPrint: 0"}));
-}
-
-TEST_F(ApplicationDelegateMac, LeavesOutANameThatIsNoTextInUnicode) {
-  [delegate_ application:NSApp openFiles:@[ [HalfPair string], @"/b" ]];
-  EXPECT_EQ(calls(), (Calls{"log: An item of a list was left out, as it is no text in Unicode.",
-                            "open /b", "replyToOpenOrPrint: 0"}));
-}
-
-TEST_F(ApplicationDelegateMac, FailsWhenItCanReadNoneOfTheNames) {
-  const std::string line = "log: An item of a list was left out, as it is no text in Unicode.";
-  [delegate_ application:NSApp openFiles:@[ [HalfPair string] ]];
-  EXPECT_EQ(calls(), (Calls{line, "replyToOpenOrPrint: 2"}));
+TEST_F(ApplicationDelegateMac, OpensFilesAndRepliesToTheSystem) {
+  const std::string skipped = "log: An item of a list was left out, as it is no text in Unicode.";
+  [delegate_ application:NSApp openFiles:@[ [HalfPair string], @"/b", @"/Zo\u00EB" ]];
+  EXPECT_EQ(calls(), (Calls{skipped, "open /b", "open /Zo\u00EB", "replyToOpenOrPrint: 0"}));
   calls().clear();
-  EXPECT_EQ(send(@[ [HalfPair string] ]), "The names of the files cannot be read.");
-  EXPECT_EQ(calls(), Calls{line});
+  [delegate_ application:NSApp openFiles:@[ [HalfPair string] ]];
+  EXPECT_EQ(calls(), (Calls{skipped, "replyToOpenOrPrint: 2"}));
 }
 
-TEST_F(ApplicationDelegateMac, TheMenusCommandsAreTheApplications) {
+TEST_F(ApplicationDelegateMac, ForwardsTheMenusCommands) {
   [delegate_ newMessage:nil];
   [delegate_ newShare:nil];
   [delegate_ quit];
@@ -75,13 +64,12 @@ TEST_F(ApplicationDelegateMac, TheMenusCommandsAreTheApplications) {
 TEST_F(ApplicationDelegateMac, TheServiceSendsTheFilesOnThePasteboard) {
   EXPECT_EQ(send(@[ @"/a", @"/b c" ]), "(null)");
   EXPECT_EQ(calls(), (Calls{"activateIgnoringOtherApps:", "open /a", "open /b c"}));
-}
-
-TEST_F(ApplicationDelegateMac, TheServiceTellsWhenThereAreNoFiles) {
+  calls().clear();
   for (id filenames : { (id) nil, (id) @[], (id) @"/a" }) {
     EXPECT_EQ(send(filenames), "There are no files to send.");
   }
   EXPECT_EQ(calls(), Calls());
+  EXPECT_EQ(send(@[ [HalfPair string] ]), "The names of the files cannot be read.");
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The real application object, delegate and menu, on a display of the test's own.
+// The real application object, delegate and menu on a display of their own.
 #include "platform/mac/app/application.h"
 
 #include "app/main_mac.h"
@@ -15,13 +15,13 @@ namespace {
 
 using Calls = std::vector<std::string>;
 
-// Whether an event was being sent when a command came.
-bool commandCameDuringAnEvent = false;
+// Whether the last command was called while an event was being sent.
+bool calledDuringAnEvent = false;
 
-class NoticingCommands : public RecordingCommands {
+class EventCheckingCommands : public RecordingCommands {
  public:
   void newShare() override {
-    commandCameDuringAnEvent = [(ZantrioApplication*)NSApp isHandlingSendEvent];
+    calledDuringAnEvent = [(ZantrioApplication*)NSApp isHandlingSendEvent];
     RecordingCommands::newShare();
   }
 };
@@ -60,12 +60,13 @@ class ApplicationMac : public MacTest {
   }
 };
 
-TEST_F(ApplicationMac, IsTheFrameworksKindAndHasADelegateAsLongAsItLives) {
+TEST_F(ApplicationMac, IsTheFrameworksClassWithADelegateForItsLifetime) {
   {
     const CApplicationMac application(std::make_unique<RecordingCommands>());
     EXPECT_TRUE([NSApp isKindOfClass:[ZantrioApplication class]]);
-    EXPECT_FALSE([(ZantrioApplication*)NSApp isHandlingSendEvent]);
     EXPECT_TRUE([[NSApp delegate] isKindOfClass:[ZantrioApplicationDelegate class]]);
+    [NSApp terminate:nil];
+    EXPECT_EQ(calls(), Calls{"quit"}) << "quitting closes the browser, not the process";
   }
   EXPECT_EQ([NSApp delegate], nil);
 }
@@ -86,25 +87,14 @@ TEST_F(ApplicationMac, HasTheUsualMenusAndItsOwnCommands) {
   EXPECT_EQ([NSApp windowsMenu], menu(@"Window"));
 }
 
-TEST_F(ApplicationMac, TheMenuGivesTheApplicationsCommands) {
-  const CApplicationMac application(std::make_unique<RecordingCommands>());
+TEST_F(ApplicationMac, RunsMenuCommandsAndReportsThatAnEventIsBeingSent) {
+  const CApplicationMac application(std::make_unique<EventCheckingCommands>());
   [menu(@"File") performActionForItemAtIndex:0];
-  [menu(@"File") performActionForItemAtIndex:1];
-  EXPECT_EQ(calls(), (Calls{"new message", "new share"}));
-}
-
-TEST_F(ApplicationMac, TellsTheFrameworkWhileAnEventIsBeingSent) {
-  const CApplicationMac application(std::make_unique<NoticingCommands>());
-  press(@"N");
-  EXPECT_EQ(calls(), Calls{"new share"});
-  EXPECT_TRUE(commandCameDuringAnEvent);
   EXPECT_FALSE([(ZantrioApplication*)NSApp isHandlingSendEvent]);
-}
-
-TEST_F(ApplicationMac, QuittingClosesTheBrowserInsteadOfEndingTheProcess) {
-  const CApplicationMac application(std::make_unique<RecordingCommands>());
-  [NSApp terminate:nil];
-  EXPECT_EQ(calls(), Calls{"quit"});
+  press(@"N");
+  EXPECT_EQ(calls(), (Calls{"new message", "new share"}));
+  EXPECT_TRUE(calledDuringAnEvent);
+  EXPECT_FALSE([(ZantrioApplication*)NSApp isHandlingSendEvent]);
 }
 
 class MainMac : public ApplicationMac {
@@ -114,14 +104,16 @@ class MainMac : public ApplicationMac {
   char* arguments_[3] = {name_, file_, nullptr};
 };
 
-TEST_F(MainMac, LoadsTheFrameworkBeforeTheBrowserProcessAndUnloadsItAfter) {
+TEST_F(MainMac, LoadsTheFrameworkAroundTheBrowserProcess) {
   client().exitCode = 3;
   EXPECT_EQ(runApplication(2, arguments_), 3);
   EXPECT_EQ(calls(), (Calls{"LoadInMain", "browser process", "unload framework"}));
   EXPECT_EQ(client().arguments, (Calls{"Zantrio", "/a"}));
-}
 
-TEST_F(MainMac, AFrameworkThatCannotBeLoadedIsTheEnd) {
+  client().failure = "no settings";
+  EXPECT_EQ(runApplication(2, arguments_), 1);
+  EXPECT_EQ(calls().back(), "unload framework");
+  calls().clear();
   client().loadsFramework = false;
   EXPECT_EQ(runApplication(2, arguments_), 1);
   EXPECT_EQ(calls(),
@@ -130,31 +122,22 @@ TEST_F(MainMac, AFrameworkThatCannotBeLoadedIsTheEnd) {
                    "unload framework"}));
 }
 
-TEST_F(MainMac, AFailureOfTheBrowserProcessIsTheExitCode) {
-  client().failure = "no settings";
-  EXPECT_EQ(runApplication(2, arguments_), 1);
-  EXPECT_EQ(calls().back(), "unload framework");
-}
-
-TEST_F(MainMac, TheHelperEntersTheSandboxBeforeItLoadsTheFramework) {
+TEST_F(MainMac, TheHelperRunsOnlyInTheSandboxAndWithTheFramework) {
   client().exitCode = 4;
   EXPECT_EQ(runHelper(2, arguments_), 4);
   EXPECT_EQ(calls(), (Calls{"enter sandbox 2 Zantrio", "LoadInHelper", "sub-process",
                             "unload framework", "leave sandbox"}));
-}
-
-TEST_F(MainMac, TheHelperRunsNeitherOutsideTheSandboxNorWithoutTheFramework) {
+  calls().clear();
+  client().loadsFramework = false;
+  EXPECT_EQ(runHelper(2, arguments_), 1);
+  EXPECT_EQ(calls()[1], "LoadInHelper");
+  EXPECT_EQ(calls()[3], "unload framework");
+  calls().clear();
   client().entersSandbox = false;
   EXPECT_EQ(runHelper(2, arguments_), 1);
   EXPECT_EQ(calls(), (Calls{"enter sandbox 2 Zantrio",
                             "log: Zantrio Helper cannot run: the sandbox cannot be entered",
                             "leave sandbox"}));
-  calls().clear();
-  client().entersSandbox = true;
-  client().loadsFramework = false;
-  EXPECT_EQ(runHelper(2, arguments_), 1);
-  EXPECT_EQ(calls()[1], "LoadInHelper");
-  EXPECT_EQ(calls()[3], "unload framework");
 }
 
 }  // namespace
@@ -167,7 +150,7 @@ int main(int argc, char** argv) {
   }
   const zantrio::test::VirtualDisplay display;
   @autoreleasepool {
-    // The first one lets GNUstep log what it finds of the display.
+    // GNUstep logs the display's properties when the first application is created.
     const zantrio::CApplicationMac first(std::make_unique<zantrio::mac_test::RecordingCommands>());
   }
   @autoreleasepool {

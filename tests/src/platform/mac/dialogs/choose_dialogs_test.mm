@@ -13,18 +13,18 @@ using namespace zantrio::mac_test;
 
 namespace {
 
-// What the open panel that stands in for the system's answers, and what was set on it.
-struct OpenPanel {
-  long answer = 1;
+// The open panel's result, and its settings.
+struct OpenPanelRecord {
+  long result = 1;
   std::vector<std::string> urls;
-  std::string raisesIn;  // the name of a message that raises an exception
+  std::string raisesIn;  // a message that raises an exception
 
   std::map<std::string, bool> flags;
   std::string title;
   bool hasDirectory = true;
 };
 
-OpenPanel panel;
+OpenPanelRecord panel;
 
 void called(const std::string& message) {
   recordCall(message);
@@ -33,12 +33,14 @@ void called(const std::string& message) {
   }
 }
 
-void setFlag(const std::string& message, BOOL value) {
-  called(message);
-  panel.flags[message] = value;
-}
-
 }  // namespace
+
+// A setter of a flag, recorded under its name.
+#define FLAG_SETTER(name)       \
+  -(void)name : (BOOL)value {   \
+    called(#name ":");          \
+    panel.flags[#name] = value; \
+  }
 
 @interface RecordingOpenPanel : NSObject
 @end
@@ -49,21 +51,10 @@ void setFlag(const std::string& message, BOOL value) {
   return [[[RecordingOpenPanel alloc] init] autorelease];
 }
 
-- (void)setAllowsMultipleSelection:(BOOL)flag {
-  setFlag("setAllowsMultipleSelection:", flag);
-}
-
-- (void)setCanChooseFiles:(BOOL)flag {
-  setFlag("setCanChooseFiles:", flag);
-}
-
-- (void)setCanChooseDirectories:(BOOL)flag {
-  setFlag("setCanChooseDirectories:", flag);
-}
-
-- (void)setCanCreateDirectories:(BOOL)flag {
-  setFlag("setCanCreateDirectories:", flag);
-}
+FLAG_SETTER(setAllowsMultipleSelection)
+FLAG_SETTER(setCanChooseFiles)
+FLAG_SETTER(setCanChooseDirectories)
+FLAG_SETTER(setCanCreateDirectories)
 
 - (void)setTitle:(NSString*)title {
   called("setTitle:");
@@ -77,7 +68,7 @@ void setFlag(const std::string& message, BOOL value) {
 
 - (NSInteger)runModal {
   called("runModal");
-  return panel.answer;
+  return panel.result;
 }
 
 - (NSArray*)URLs {
@@ -105,57 +96,47 @@ class ChooseDialogsMac : public MacTest {
   };
 };
 
-TEST_F(ChooseDialogsMac, TheFilesPanelIsSetUpToTakeSeveralFilesAndNoFoldersBeforeItRuns) {
+TEST_F(ChooseDialogsMac, TheFilesPanelTakesSeveralFilesAndNoFolders) {
   panel.urls = {"file:///tmp/a%20b.txt", "file:///tmp/Zo%C3%AB"};
   const auto dialog = createFileChooseDialog();
   dialog->setTitle("Choose files");
   Urls chosen = {"before"};
   EXPECT_TRUE(dialog->show(chosen));
-
   EXPECT_EQ(chosen, (Urls{"before", "file:///tmp/a%20b.txt", "file:///tmp/Zo%C3%AB"}));
   EXPECT_EQ(calls(), (Urls{"openPanel", "setAllowsMultipleSelection:", "setCanChooseFiles:",
                            "setCanChooseDirectories:", "setTitle:", "setDirectoryURL:", "runModal",
                            "URLs"}));
-  EXPECT_EQ(panel.flags, (Flags{{"setAllowsMultipleSelection:", true},
-                                {"setCanChooseFiles:", true},
-                                {"setCanChooseDirectories:", false}}));
+  EXPECT_EQ(panel.flags, (Flags{{"setAllowsMultipleSelection", true},
+                                {"setCanChooseFiles", true},
+                                {"setCanChooseDirectories", false}}));
   EXPECT_EQ(panel.title, "Choose files");
   EXPECT_FALSE(panel.hasDirectory);
 }
 
-TEST_F(ChooseDialogsMac, TheFolderPanelTakesOneFolderAndMayMakeIt) {
+TEST_F(ChooseDialogsMac, TheFolderPanelTakesOneFolderAndMayCreateIt) {
   panel.urls = {"file:///tmp/folder/"};
-  const auto dialog = createFolderChooseDialog();
-  dialog->setTitle("Choose folder");
   Urls chosen;
-  EXPECT_TRUE(dialog->show(chosen));
-
+  EXPECT_TRUE(createFolderChooseDialog()->show(chosen));
   EXPECT_EQ(chosen, (Urls{"file:///tmp/folder/"}));
-  EXPECT_EQ(panel.flags, (Flags{{"setAllowsMultipleSelection:", false},
-                                {"setCanChooseFiles:", false},
-                                {"setCanChooseDirectories:", true},
-                                {"setCanCreateDirectories:", true}}));
-  EXPECT_EQ(panel.title, "Choose folder");
-  EXPECT_FALSE(panel.hasDirectory);
+  EXPECT_EQ(panel.flags, (Flags{{"setAllowsMultipleSelection", false},
+                                {"setCanChooseFiles", false},
+                                {"setCanChooseDirectories", true},
+                                {"setCanCreateDirectories", true}}));
 }
 
-TEST_F(ChooseDialogsMac, EveryAnswerButOkAndAnEmptyChoiceLeaveTheListAsItWas) {
-  const Urls before = {"before"};
-  for (const long answer : {0L, -1L, 2L, 1000L}) {
-    panel = {};
-    panel.answer = answer;
+TEST_F(ChooseDialogsMac, EveryResultButOkAndAnEmptyChoiceLeaveTheListUnchanged) {
+  Urls chosen = {"before"};
+  for (const long result : {0L, -1L, 2L, 1000L}) {
+    panel.result = result;
     panel.urls = {"file:///tmp/a"};
-    Urls chosen = before;
-    EXPECT_FALSE(createFileChooseDialog()->show(chosen)) << answer;
-    EXPECT_EQ(chosen, before);
+    EXPECT_FALSE(createFileChooseDialog()->show(chosen)) << result;
   }
   panel = {};
-  Urls chosen = before;
   EXPECT_FALSE(createFolderChooseDialog()->show(chosen));
-  EXPECT_EQ(chosen, before);
+  EXPECT_EQ(chosen, Urls{"before"});
 }
 
-TEST_F(ChooseDialogsMac, AnExceptionAtAnyStepIsTheSameAsACancel) {
+TEST_F(ChooseDialogsMac, AnExceptionAtAnyStepCancels) {
   for (const char* step : {"openPanel", "setAllowsMultipleSelection:", "setCanChooseFiles:",
                            "setCanChooseDirectories:", "setCanCreateDirectories:", "setTitle:",
                            "setDirectoryURL:", "runModal", "URLs"}) {

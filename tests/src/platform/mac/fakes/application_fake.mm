@@ -60,12 +60,4 @@ ApplicationInPlace::~ApplicationInPlace() {
   NSApp = before_;
 }
 
-id ApplicationInPlace::delegate() const {
-  return [NSApp delegate];
-}
-
-id ApplicationInPlace::servicesProvider() const {
-  return [NSApp servicesProvider];
-}
-
 }  // namespace zantrio::mac_test

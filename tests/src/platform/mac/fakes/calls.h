@@ -5,13 +5,12 @@
 
 namespace zantrio::mac_test {
 
-// What was called of the fakes, and what was written to the system's log, in one order.
+// The calls of the fakes and the lines of the system's log, in order.
 std::vector<std::string>& calls();
 
 void recordCall(const std::string& call);
 
-// From now on the system's log (NSLog) is recorded too, each line as "log: " and its text, and no
-// longer written.
+// Redirects NSLog into the calls, each line as "log: " and its text.
 void recordSystemLog();
 
 }  // namespace zantrio::mac_test

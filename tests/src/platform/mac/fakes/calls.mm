@@ -20,7 +20,7 @@ void record(NSString* written) {
   std::string line = [written UTF8String];
   line.erase(0, line.find("] ") + 2);
   line.erase(line.find_last_not_of('\n') + 1);
-  // What the display here says of windows that go is none of the client's.
+  // The X server's complaints about closed windows do not concern the client.
   if (!line.starts_with("X-Windows error")) {
     recordCall("log: " + line);
   }

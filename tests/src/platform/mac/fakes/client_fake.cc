@@ -24,8 +24,8 @@ int runAs(const std::string& process) {
 
 }  // namespace
 
-ClientFake& client() {
-  static ClientFake fake;
+ClientRecord& client() {
+  static ClientRecord fake;
   return fake;
 }
 

@@ -7,9 +7,9 @@
 
 namespace zantrio::mac_test {
 
-// How the browser process and the sub-process, which stand in for the client's, end, and what the
-// framework's loader and sandbox answer.
-struct ClientFake {
+// The results of the fake browser process and sub-process, and of the framework's loader and
+// sandbox.
+struct ClientRecord {
   bool loadsFramework = true;
   bool entersSandbox = true;
   int exitCode = 0;
@@ -17,7 +17,7 @@ struct ClientFake {
   std::vector<std::string> arguments;
 };
 
-ClientFake& client();
+ClientRecord& client();
 
 // Records the commands among the calls.
 class RecordingCommands : public IApplicationCommands {

@@ -8,8 +8,8 @@
 
 namespace zantrio::mac_test {
 
-// What CoreFoundation's functions answer, and what was handed to them.
-struct CoreFoundationFake {
+// The calls of CoreFoundation's functions, and their results.
+struct CoreFoundationRecord {
   // Created and retained objects that nothing has released yet.
   int ownedObjects = 0;
   // Of the strings and URLs made, in order.
@@ -33,11 +33,11 @@ struct CoreFoundationFake {
   std::string alternateButton;
   bool hasOtherParts = false;  // icon, sound, localization, third button
   SInt32 displayResult = 0;
-  bool answers = true;  // whether the response is written
+  bool writesResponse = true;
   CFOptionFlags response = kCFUserNotificationDefaultResponse;
 };
 
-CoreFoundationFake& coreFoundation();
+CoreFoundationRecord& coreFoundation();
 
 // Text of a string in UTF-8; "(null)" for none.
 std::string textOf(NSString* string);

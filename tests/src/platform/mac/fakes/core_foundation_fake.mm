@@ -4,8 +4,8 @@
 
 namespace zantrio::mac_test {
 
-CoreFoundationFake& coreFoundation() {
-  static CoreFoundationFake fake;
+CoreFoundationRecord& coreFoundation() {
+  static CoreFoundationRecord fake;
   return fake;
 }
 
@@ -30,7 +30,7 @@ NSStringEncoding foundationEncoding(CFStringEncoding encoding) {
   }
 }
 
-// To the caller an object that it has to release.
+// Returns an object that the caller must release.
 template <class Ref>
 Ref given(id object) {
   coreFoundation().ownedObjects += object == nil ? 0 : 1;
@@ -47,7 +47,7 @@ NSString* decoded(const UInt8* bytes, CFIndex length, CFStringEncoding encoding)
 void recordDialog(const char* function, CFTimeInterval timeout, CFOptionFlags flags,
                   CFStringRef header, CFStringRef message, CFStringRef defaultButton,
                   bool hasOtherParts) {
-  CoreFoundationFake& fake = coreFoundation();
+  CoreFoundationRecord& fake = coreFoundation();
   recordCall(function);
   fake.timeout = timeout;
   fake.flags = flags;
@@ -103,7 +103,7 @@ const char* CFStringGetCStringPtr(CFStringRef string, CFStringEncoding encoding)
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex bufferSize,
                            CFStringEncoding encoding) {
   coreFoundation().copiedIn.push_back(encoding);
-  // Where Foundation here raises an exception, the system tells by its result.
+  // GNUstep raises an exception where the system returns false.
   return [(NSString*)string canBeConvertedToEncoding:foundationEncoding(encoding)] &&
          [(NSString*)string getCString:buffer
                              maxLength:static_cast<NSUInteger>(bufferSize)
@@ -161,9 +161,9 @@ SInt32 CFUserNotificationDisplayAlert(CFTimeInterval timeout, CFOptionFlags flag
                                       CFStringRef otherButtonTitle, CFOptionFlags* responseFlags) {
   recordDialog("CFUserNotificationDisplayAlert", timeout, flags, alertHeader, alertMessage,
                defaultButtonTitle, iconURL || soundURL || localizationURL || otherButtonTitle);
-  CoreFoundationFake& fake = coreFoundation();
+  CoreFoundationRecord& fake = coreFoundation();
   fake.alternateButton = textOf(alternateButtonTitle);
-  if (fake.answers) {
+  if (fake.writesResponse) {
     *responseFlags = fake.response;
   }
   return fake.displayResult;

@@ -8,9 +8,9 @@
 
 namespace zantrio::mac_test {
 
-// What the pasteboard manager, Launch Services, Gestalt, the types' registries and the loader
-// answer, and what was handed to them.
-struct SystemServicesFake {
+// The calls of the pasteboard manager, Launch Services, Gestalt, the type registry and the loader,
+// and their results.
+struct SystemServicesRecord {
   OSStatus pasteboardCreation = noErr;
   OSStatus pasteboardPut = noErr;
   std::string pasteboardName;
@@ -23,7 +23,7 @@ struct SystemServicesFake {
   bool launchServicesRaise = false;
   OSStatus launchResult = noErr;
 
-  std::map<OSType, SInt32> gestalt;  // what is missing is answered with an error
+  std::map<OSType, SInt32> gestalt;  // missing selectors are errors
 
   std::map<std::string, std::string> mimeTypes;        // by extension
   std::map<std::string, std::string> typeIdentifiers;  // by MIME type
@@ -31,6 +31,6 @@ struct SystemServicesFake {
   std::string executablePath;  // empty: the loader fails
 };
 
-SystemServicesFake& systemServices();
+SystemServicesRecord& systemServices();
 
 }  // namespace zantrio::mac_test

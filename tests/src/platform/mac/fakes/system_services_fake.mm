@@ -11,8 +11,8 @@
 
 namespace zantrio::mac_test {
 
-SystemServicesFake& systemServices() {
-  static SystemServicesFake fake;
+SystemServicesRecord& systemServices() {
+  static SystemServicesRecord fake;
   return fake;
 }
 
@@ -45,7 +45,7 @@ PasteboardSyncFlags PasteboardSynchronize(PasteboardRef) {
 OSStatus PasteboardPutItemFlavor(PasteboardRef, PasteboardItemID item, CFStringRef flavorType,
                                  CFDataRef flavorData, PasteboardFlavorFlags flavorFlags) {
   recordCall("PasteboardPutItemFlavor");
-  SystemServicesFake& fake = systemServices();
+  SystemServicesRecord& fake = systemServices();
   fake.item = reinterpret_cast<std::uintptr_t>(item);
   fake.flavor = textOf((NSString*)flavorType);
   NSData* const data = (NSData*)flavorData;

@@ -10,14 +10,14 @@
 
 namespace {
 
-// What was handed to the workspace that stands in for the system's, and what it does.
-struct Workspace {
+// The calls of the shared workspace, and its results.
+struct WorkspaceRecord {
   std::string openedUrl;
   bool raises = false;
   bool opens = true;
 };
 
-Workspace workspace;
+WorkspaceRecord workspace;
 
 }  // namespace
 
@@ -50,37 +50,30 @@ class OsFileExplorerMac : public MacTest {
   };
 };
 
-TEST_F(OsFileExplorerMac, FoldersAreOpenedByTheWorkspaceAsUtf8DirectoryUrls) {
+TEST_F(OsFileExplorerMac, OpensFoldersThroughTheWorkspaceAndIgnoresItsResult) {
   EXPECT_TRUE(createOsFileExplorer()->openFolder("/nowhere/My Fil\xC3\xABs"));
   EXPECT_EQ(workspace.openedUrl, "file:///nowhere/My%20Fil%C3%ABs/");
-
   workspace.opens = false;
-  EXPECT_TRUE(createOsFileExplorer()->openFolder("/nowhere")) << "the answer is not checked";
+  EXPECT_TRUE(createOsFileExplorer()->openFolder("/nowhere"));
 }
 
-TEST_F(OsFileExplorerMac, AnExceptionWhileOpeningAFolderIsAFailure) {
-  workspace.raises = true;
-  EXPECT_FALSE(createOsFileExplorer()->openFolder("/nowhere"));
-}
-
-TEST_F(OsFileExplorerMac, UrlsAreOpenedByLaunchServicesFromAscii) {
+TEST_F(OsFileExplorerMac, OpensAsciiUrlsThroughLaunchServicesAndIgnoresItsResult) {
   EXPECT_TRUE(createOsFileExplorer()->openURL("https://example.org/a%20b?c=d#e"));
   EXPECT_EQ(systemServices().openedUrl, "https://example.org/a%20b?c=d#e");
   EXPECT_EQ(coreFoundation().encodings, std::vector<CFStringEncoding>{kCFStringEncodingASCII});
   EXPECT_EQ(calls(), std::vector<std::string>{"LSOpenCFURLRef"});
-}
-
-TEST_F(OsFileExplorerMac, WhatLaunchServicesAnswersIsNotChecked) {
   systemServices().launchResult = -10814;
   EXPECT_TRUE(createOsFileExplorer()->openURL("unknown:thing"));
-  for (const char* noUrl : {"", "https://example.org/Zo\xC3\xAB"}) {
+  for (const char* invalid : {"", "https://example.org/Zo\xC3\xAB"}) {
     systemServices().openedUrl.clear();
-    EXPECT_TRUE(createOsFileExplorer()->openURL(noUrl)) << noUrl;
-    EXPECT_EQ(systemServices().openedUrl, "(null)") << noUrl;
+    EXPECT_TRUE(createOsFileExplorer()->openURL(invalid)) << invalid;
+    EXPECT_EQ(systemServices().openedUrl, "(null)") << invalid;
   }
 }
 
-TEST_F(OsFileExplorerMac, AnExceptionWhileOpeningAUrlIsAFailureAndLeaksNothing) {
+TEST_F(OsFileExplorerMac, ReportsExceptionsOfTheSystemAsFailures) {
+  workspace.raises = true;
+  EXPECT_FALSE(createOsFileExplorer()->openFolder("/nowhere"));
   systemServices().launchServicesRaise = true;
   EXPECT_FALSE(createOsFileExplorer()->openURL("https://example.org/"));
 }

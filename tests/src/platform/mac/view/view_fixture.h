@@ -3,18 +3,17 @@
 #include <stdexcept>
 
 #include "include/cef_frame.h"
-#include "osr/osr_window.h"
+#include "osr/client_osr_handler.h"
 #include "platform/mac/view/client_opengl_view.h"
-#include "src/osr/renderer/pixels.h"
 #include "src/osr/view/fake_osr_view.h"
-#include "src/platform/mac/fakes/view_fake.h"
+#include "src/platform/mac/fakes/appkit_fake.h"
 #include "src/platform/mac/mac_fixture.h"
 
-// A view that is counted, and is resized when the fake says so.
+// Counts its instances, and is in a live resize when the record says so.
 @interface TestView : ClientOpenGLView
 @end
 
-// A window with the fake's scale.
+// A window with the record's scale.
 @interface TestWindow : NSWindow
 @end
 
@@ -22,13 +21,13 @@ namespace zantrio::mac_test {
 
 using Lines = std::vector<std::string>;
 
-// Records what the view's resizing leads to, too.
+// Also records resizes.
 class ViewHost : public client::test::RecordingHost {
  public:
   void WasResized() override { lines.emplace_back("resized"); }
 };
 
-// A view of 200 × 100 points in a window at (50, 30) of the screen, with a browser that records.
+// A view of 200 × 100 points in a window at (50, 30), with a recording browser.
 class ViewTest : public MacTest {
  protected:
   void SetUp() override;
@@ -36,9 +35,7 @@ class ViewTest : public MacTest {
 
   client::OsrView& osrView() { return *[view_ osrView]; }
   CefRefPtr<client::RenderHandler> handler() { return handler_; }
-  // Hands a frame over, as the browser does.
-  void paint(const client::test::Pixels& pixels);
-  // Gives what was sent to the browser since the last call.
+  // Returns and clears the calls of the browser.
   Lines sent();
 
   static NSEvent* mouse(NSEventType type, NSPoint point, NSUInteger flags = 0, int clicks = 1);

@@ -6,30 +6,30 @@ using namespace zantrio::mac_test;
 - (id)initWithFrame:(NSRect)frame
       andTransparency:(BOOL)transparency
     andShowUpdateRect:(BOOL)showUpdateRect {
-  ++views().liveViews;
+  ++appKit().liveViews;
   return [super initWithFrame:frame andTransparency:transparency andShowUpdateRect:showUpdateRect];
 }
 
 - (void)dealloc {
-  --views().liveViews;
+  --appKit().liveViews;
   [super dealloc];
 }
 
 - (void)interpretKeyEvents:(NSArray*)events {
   (void)events;
-  if (views().inputMethod) {
-    views().inputMethod();
+  if (appKit().inputMethod) {
+    appKit().inputMethod();
   }
 }
 
 - (BOOL)inLiveResize {
-  return views().resizing;
+  return appKit().resizing;
 }
 @end
 
 @implementation TestWindow
 - (CGFloat)backingScaleFactor {
-  return views().scale;
+  return appKit().scale;
 }
 @end
 
@@ -57,9 +57,9 @@ void ViewTest::SetUp() {
 }
 
 void ViewTest::TearDown() {
-  // A drag that waits for the application's loop keeps the view.
+  // A drag waiting for the application's loop retains the view.
   [NSObject cancelPreviousPerformRequestsWithTarget:view_];
-  // The view goes while it has a window, as the display here wants it.
+  // The X server requires that the view is destroyed before its window.
   @autoreleasepool {
     [window_ setContentView:[[[NSView alloc] initWithFrame:NSZeroRect] autorelease]];
     [view_ release];
@@ -67,14 +67,9 @@ void ViewTest::TearDown() {
   [window_ close];
   [window_ release];
   MacTest::TearDown();
-  EXPECT_EQ(views().liveViews, 0) << "views that nothing released";
-  EXPECT_EQ(views().trackingAreas, 0);
-  EXPECT_EQ(views().monitor, nil);
-}
-
-void ViewTest::paint(const client::test::Pixels& pixels) {
-  handler_->OnPaint(browser_, PET_VIEW, {pixels.rect()}, pixels.data(), pixels.width(),
-                    pixels.height());
+  EXPECT_EQ(appKit().liveViews, 0) << "views that nothing released";
+  EXPECT_EQ(appKit().trackingAreas, 0);
+  EXPECT_EQ(appKit().monitor, nil);
 }
 
 Lines ViewTest::sent() {
@@ -124,7 +119,6 @@ GestureEvent* ViewTest::gesture(NSEventPhase phase, NSPoint point, CGFloat delta
   event->_phase = phase;
   event->_location = point;
   event->_deltaY = deltaY;
-  event->_precise = YES;
   return event;
 }
 

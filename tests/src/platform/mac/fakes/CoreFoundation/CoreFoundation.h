@@ -67,7 +67,6 @@ CFTypeRef CFBundleGetValueForInfoDictionaryKey(CFBundleRef bundle, CFStringRef k
 
 enum : CFOptionFlags {
   kCFUserNotificationStopAlertLevel = 0,
-  kCFUserNotificationNoteAlertLevel = 1,
   kCFUserNotificationCautionAlertLevel = 2,
   kCFUserNotificationPlainAlertLevel = 3,
 };

@@ -1,4 +1,4 @@
-// What the framework asks of the application object on macOS, declared with the framework's names.
+// The framework's protocols of the application object on macOS.
 #pragma once
 
 #import <AppKit/AppKit.h>

@@ -1,4 +1,4 @@
-// What the client uses of the framework's parser, with the framework's names.
+// The part of the framework's parser that the client uses.
 #pragma once
 
 #include "include/internal/cef_string.h"

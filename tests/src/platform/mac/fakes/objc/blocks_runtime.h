@@ -1,4 +1,4 @@
-// What Foundation's headers here ask for where there are blocks, from the library that runs them.
+// GNUstep's headers include this for blocks.
 #pragma once
 
 #include <Block.h>

@@ -1,4 +1,4 @@
-// What loads the framework at run time on macOS, declared with the framework's names.
+// The framework's loader on macOS.
 #pragma once
 
 class CefScopedLibraryLoader {

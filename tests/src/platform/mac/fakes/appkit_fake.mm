@@ -1,4 +1,4 @@
-#include "src/platform/mac/fakes/view_fake.h"
+#include "src/platform/mac/fakes/appkit_fake.h"
 
 #include <Block.h>
 
@@ -6,8 +6,8 @@
 
 namespace zantrio::mac_test {
 
-ViewFake& views() {
-  static ViewFake fake;
+AppKitRecord& appKit() {
+  static AppKitRecord fake;
   return fake;
 }
 
@@ -19,7 +19,7 @@ NSString* const NSWindowDidChangeBackingPropertiesNotification =
     @"NSWindowDidChangeBackingPropertiesNotification";
 NSString* const NSBackingPropertyOldScaleFactorKey = @"NSBackingPropertyOldScaleFactorKey";
 
-// Records what an input method is told.
+// Records the calls of an input method's context.
 @interface RecordingInputContext : NSObject
 @end
 
@@ -40,26 +40,26 @@ NSString* const NSBackingPropertyOldScaleFactorKey = @"NSBackingPropertyOldScale
 
 - (void)addTrackingArea:(NSTrackingArea*)area {
   (void)area;
-  ++views().trackingAreas;
+  ++appKit().trackingAreas;
 }
 
 - (void)removeTrackingArea:(NSTrackingArea*)area {
   (void)area;
-  --views().trackingAreas;
+  --appKit().trackingAreas;
 }
 
 - (void)setWantsBestResolutionOpenGLSurface:(BOOL)flag {
-  views().bestResolution = flag;
+  appKit().bestResolution = flag;
 }
 
 - (NSRect)convertRectToBacking:(NSRect)rect {
-  const CGFloat scale = views().scale;
+  const CGFloat scale = appKit().scale;
   return NSMakeRect(NSMinX(rect) * scale, NSMinY(rect) * scale, NSWidth(rect) * scale,
                     NSHeight(rect) * scale);
 }
 
 - (NSRect)convertRectFromBacking:(NSRect)rect {
-  const CGFloat scale = views().scale;
+  const CGFloat scale = appKit().scale;
   return NSMakeRect(NSMinX(rect) / scale, NSMinY(rect) / scale, NSWidth(rect) / scale,
                     NSHeight(rect) / scale);
 }
@@ -81,22 +81,22 @@ NSString* const NSBackingPropertyOldScaleFactorKey = @"NSBackingPropertyOldScale
 + (id)addLocalMonitorForEventsMatchingMask:(NSEventMask)mask
                                    handler:(NSEvent* (^)(NSEvent* event))handler {
   recordCall("add monitor");
-  views().monitored = mask;
-  views().monitor = Block_copy(handler);
+  appKit().monitored = mask;
+  appKit().monitor = Block_copy(handler);
   return [[[NSObject alloc] init] autorelease];
 }
 
 + (void)removeMonitor:(id)monitor {
   recordCall(monitor != nil ? "remove monitor" : "remove no monitor");
-  Block_release(views().monitor);
-  views().monitor = nil;
+  Block_release(appKit().monitor);
+  appKit().monitor = nil;
 }
 @end
 
 @implementation NSScreen (LackingParts)
 - (NSColorSpace*)colorSpace {
-  return views().grayScreen ? [NSColorSpace genericGrayColorSpace]
-                            : [NSColorSpace genericRGBColorSpace];
+  return appKit().grayScreen ? [NSColorSpace genericGrayColorSpace]
+                             : [NSColorSpace genericRGBColorSpace];
 }
 @end
 
@@ -118,11 +118,11 @@ NSString* const NSBackingPropertyOldScaleFactorKey = @"NSBackingPropertyOldScale
 }
 
 - (BOOL)hasPreciseScrollingDeltas {
-  return _precise;
+  return YES;
 }
 
 - (CGFloat)scrollingDeltaX {
-  return _deltaX;
+  return 0;
 }
 
 - (CGFloat)scrollingDeltaY {
@@ -143,10 +143,10 @@ NSString* const NSBackingPropertyOldScaleFactorKey = @"NSBackingPropertyOldScale
         slideBack:(BOOL)slideBack {
   (void)offset;
   recordCall(image != nil && source == self && slideBack ? "drag image" : "drag badly");
-  views().dragStart = start;
-  views().dragPress = [event locationInWindow];
-  views().dragPasteboard = pasteboard;
-  if (views().dragRaises) {
+  appKit().dragStart = start;
+  appKit().dragPress = [event locationInWindow];
+  appKit().dragPasteboard = pasteboard;
+  if (appKit().dragRaises) {
     [NSException raise:NSGenericException format:@"drag"];
   }
 }

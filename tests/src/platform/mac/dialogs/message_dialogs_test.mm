@@ -1,5 +1,5 @@
-#include "services/alert_dialog.h"
-#include "services/confirm_dialog.h"
+#include "platform/mac/dialogs/message_dialogs.h"
+
 #include "src/platform/mac/fakes/calls.h"
 #include "src/platform/mac/fakes/core_foundation_fake.h"
 #include "src/platform/mac/mac_fixture.h"
@@ -7,16 +7,15 @@
 namespace zantrio::mac_test {
 namespace {
 
-using DialogsMac = MacTest;
+using MessageDialogsMac = MacTest;
 
 // The same bytes are "Zoë" in UTF-8.
 constexpr const char* kText = "Zo\xC3\xAB";
 constexpr const char* kTextInMacRoman = "Zo\u221A\u00B4";
 
-TEST_F(DialogsMac, AlertsAreSystemNoticesWithTheTextInMacRoman) {
+TEST_F(MessageDialogsMac, ShowAlertsAsSystemNoticesWithTheTextInMacRoman) {
   createAlertDialog()->show(kText);
-
-  const CoreFoundationFake& notice = coreFoundation();
+  const CoreFoundationRecord& notice = coreFoundation();
   EXPECT_EQ(calls(), std::vector<std::string>{"CFUserNotificationDisplayNotice"});
   EXPECT_EQ(notice.timeout, 0);
   EXPECT_EQ(notice.flags, kCFUserNotificationPlainAlertLevel);
@@ -26,10 +25,9 @@ TEST_F(DialogsMac, AlertsAreSystemNoticesWithTheTextInMacRoman) {
   EXPECT_FALSE(notice.hasOtherParts);
 }
 
-TEST_F(DialogsMac, QuestionsHaveTheTextInMacRomanAndTheButtonsYesAndNo) {
+TEST_F(MessageDialogsMac, AskQuestionsInMacRomanWithTheButtonsYesAndNo) {
   EXPECT_TRUE(createConfirmDialog()->ask(kText, IConfirmDialog::kCaution));
-
-  const CoreFoundationFake& question = coreFoundation();
+  const CoreFoundationRecord& question = coreFoundation();
   EXPECT_EQ(calls(), std::vector<std::string>{"CFUserNotificationDisplayAlert"});
   EXPECT_EQ(question.timeout, 0);
   EXPECT_EQ(question.header, "");
@@ -39,7 +37,7 @@ TEST_F(DialogsMac, QuestionsHaveTheTextInMacRomanAndTheButtonsYesAndNo) {
   EXPECT_FALSE(question.hasOtherParts);
 }
 
-TEST_F(DialogsMac, TheKindOfAQuestionIsItsAlertLevel) {
+TEST_F(MessageDialogsMac, MapKindsToAlertLevelsAndOnlyTheDefaultButtonToYes) {
   const std::pair<int, CFOptionFlags> levels[] = {{0, kCFUserNotificationCautionAlertLevel},
                                                   {1, kCFUserNotificationStopAlertLevel},
                                                   {2, kCFUserNotificationPlainAlertLevel},
@@ -49,23 +47,13 @@ TEST_F(DialogsMac, TheKindOfAQuestionIsItsAlertLevel) {
     createConfirmDialog()->ask("?", kind);
     EXPECT_EQ(coreFoundation().flags, level) << "kind " << kind;
   }
-}
-
-TEST_F(DialogsMac, OnlyTheDefaultButtonIsAYes) {
-  const std::pair<CFOptionFlags, bool> answers[] = {{kCFUserNotificationDefaultResponse, true},
-                                                    {kCFUserNotificationAlternateResponse, false},
-                                                    {kCFUserNotificationOtherResponse, false},
-                                                    {kCFUserNotificationCancelResponse, false}};
-  for (const auto& [response, yes] : answers) {
+  for (const CFOptionFlags response : {0, 1, 2, 3}) {
     coreFoundation().response = response;
-    EXPECT_EQ(createConfirmDialog()->ask("?", 0), yes) << "response " << response;
+    EXPECT_EQ(createConfirmDialog()->ask("?", 0), response == kCFUserNotificationDefaultResponse);
   }
-}
-
-TEST_F(DialogsMac, AQuestionThatCannotBeShownIsAYes) {
-  coreFoundation().answers = false;
+  coreFoundation().writesResponse = false;
   coreFoundation().displayResult = -1;
-  EXPECT_TRUE(createConfirmDialog()->ask("?", 0));
+  EXPECT_TRUE(createConfirmDialog()->ask("?", 0)) << "a question that cannot be shown";
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
-#include "platform/linux/dialogs/alert_dialog.h"
+#include "platform/linux/dialogs/message_dialogs.h"
 
+#include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
@@ -8,7 +9,6 @@
 #include <QWindow>
 
 #include "files/choose_dialogs.h"
-#include "services/confirm_dialog.h"
 #include "src/platform/linux/event_loop.h"
 
 namespace zantrio {
@@ -16,16 +16,13 @@ namespace {
 
 using test::openWindows;
 using test::waitFor;
+using test::whenModal;
 
 class AlertDialogLinux : public testing::Test {
  protected:
-  ~AlertDialogLinux() override {
-    for (QMessageBox* notice : openWindows<QMessageBox>()) {
-      delete notice;
-    }
-  }
+  ~AlertDialogLinux() override { qDeleteAll(openWindows<QMessageBox>()); }
 
-  // Shows a notice and gives its window.
+  // Shows a notice and returns its window.
   static QMessageBox& showNotice(const std::string& text) {
     const QList<QMessageBox*> before = openWindows<QMessageBox>();
     createAlertDialog()->show(text);
@@ -48,24 +45,18 @@ TEST_F(AlertDialogLinux, ShowsThePlainTextWithoutHeaderOrIcon) {
   EXPECT_FALSE(notice.isModal());
 }
 
-TEST_F(AlertDialogLinux, KeepsEachNoticeUntilItIsDismissed) {
+TEST_F(AlertDialogLinux, StaysUntilDismissedEvenWithoutTheActiveWindow) {
+  auto window = std::make_unique<QWidget>();
+  window->show();
+  QApplication::setActiveWindow(window.get());
   const QPointer<QMessageBox> first(&showNotice("first"));
   const QPointer<QMessageBox> second(&showNotice("second"));
+  window.reset();
   ASSERT_EQ(openWindows<QMessageBox>().size(), 2);
   first->button(QMessageBox::Ok)->click();
   EXPECT_TRUE(waitFor([&] { return first.isNull(); }));
   ASSERT_FALSE(second.isNull());
   EXPECT_TRUE(second->isVisible());
-}
-
-TEST_F(AlertDialogLinux, OutlivesTheWindowThatWasActive) {
-  auto window = std::make_unique<QWidget>();
-  window->show();
-  QApplication::setActiveWindow(window.get());
-  const QPointer<QMessageBox> notice(&showNotice("stays"));
-  window.reset();
-  ASSERT_FALSE(notice.isNull());
-  EXPECT_TRUE(notice->isVisible());
 }
 
 // Clicks as the window system does, which does not reach a window that a dialog blocks.
@@ -89,7 +80,7 @@ TEST_F(AlertDialogLinux, CanBeDismissedWhileAQuestionOrAFileDialogBlocksTheWindo
       [&urls] { createFileChooseDialog()->show(urls); }};
   for (const auto& call : blockingCalls) {
     const QPointer<QMessageBox> notice(&showNotice("dismiss me"));
-    test::whenModal<QDialog>([&](QDialog& dialog) {
+    whenModal<QDialog>([&](QDialog& dialog) {
       click(window);
       click(*notice->button(QMessageBox::Ok));
       EXPECT_TRUE(waitFor([&] { return notice.isNull(); }));
@@ -100,7 +91,7 @@ TEST_F(AlertDialogLinux, CanBeDismissedWhileAQuestionOrAFileDialogBlocksTheWindo
   EXPECT_EQ(windowClicks, 1);
 }
 
-TEST_F(AlertDialogLinux, FitsOnTheScreenWhateverTheText) {
+TEST_F(AlertDialogLinux, FitsOnTheScreenAndKeepsTheWholeTextBehindDetails) {
   std::string manyLines;
   for (int line = 0; line < 5000; ++line) {
     manyLines += "line " + std::to_string(line) + "\n";
@@ -111,14 +102,74 @@ TEST_F(AlertDialogLinux, FitsOnTheScreenWhateverTheText) {
     const QMessageBox& notice = showNotice(text);
     EXPECT_LE(notice.width(), screen.width());
     EXPECT_LE(notice.height(), screen.height());
+    if (text.size() > 2000) {
+      EXPECT_LT(notice.text().size(), 2000);
+      EXPECT_EQ(notice.detailedText().toStdString(), text);
+    }
   }
 }
 
-TEST_F(AlertDialogLinux, KeepsTheWholeOfALongTextBehindDetails) {
-  const std::string text(100'000, 'x');
-  const QMessageBox& notice = showNotice(text);
-  EXPECT_LT(notice.text().size(), 2000);
-  EXPECT_EQ(notice.detailedText().toStdString(), text);
+bool ask(int kind, const std::function<void(QMessageBox&)>& answer,
+         const std::string& text = "Stop <i>now</i>?") {
+  whenModal<QMessageBox>(answer);
+  return createConfirmDialog()->ask(text, kind);
+}
+
+void clickButton(QMessageBox& question, const QString& name) {
+  for (QAbstractButton* candidate : question.buttons()) {
+    if (candidate->text().remove('&') == name) {
+      candidate->click();
+      return;
+    }
+  }
+  ADD_FAILURE() << "no button " << name.toStdString();
+  question.close();
+}
+
+TEST(ConfirmDialogLinux, IsTrueOnlyForYesHoweverItIsAnswered) {
+  EXPECT_TRUE(ask(0, [](QMessageBox& question) { clickButton(question, "Yes"); }));
+  EXPECT_FALSE(ask(0, [](QMessageBox& question) { clickButton(question, "No"); }));
+  EXPECT_TRUE(ask(0, [](QMessageBox& question) { QTest::keyClick(&question, Qt::Key_Return); }));
+  EXPECT_FALSE(ask(0, [](QMessageBox& question) { QTest::keyClick(&question, Qt::Key_Escape); }));
+  EXPECT_FALSE(ask(0, [](QMessageBox& question) { question.close(); }));
+  auto* window = new QWidget;
+  window->show();
+  QApplication::setActiveWindow(window);
+  EXPECT_FALSE(ask(0, [window](QMessageBox& question) {
+    EXPECT_EQ(question.parentWidget(), window);
+    delete window;
+  }));
+}
+
+TEST(ConfirmDialogLinux, ShowsThePlainTextTwoButtonsAndTheKindsIcon) {
+  const std::pair<int, QMessageBox::Icon> kinds[] = {
+      {IConfirmDialog::kCaution, QMessageBox::Warning},
+      {IConfirmDialog::kStop, QMessageBox::Critical},
+      {IConfirmDialog::kPlain, QMessageBox::Information},
+      {7, QMessageBox::Critical},
+      {-1, QMessageBox::Critical}};
+  for (const auto& [kind, icon] : kinds) {
+    ask(kind, [expected = icon](QMessageBox& question) {
+      EXPECT_EQ(question.icon(), expected);
+      EXPECT_EQ(question.text(), "Stop <i>now</i>?");
+      EXPECT_EQ(question.textFormat(), Qt::PlainText);
+      EXPECT_EQ(question.windowTitle().trimmed(), "");
+      EXPECT_EQ(question.buttons().size(), 2);
+      EXPECT_EQ(question.defaultButton()->text().remove('&'), "Yes");
+      question.close();
+    });
+  }
+}
+
+TEST(ConfirmDialogLinux, ShowsEveryAmpersandOfTheText) {
+  const std::string text = "R" + std::string(20, '&') + "D";
+  const auto check = [&text](QMessageBox& question) {
+    const auto* label = question.findChild<QLabel*>("qt_msgbox_label");
+    const int whole = label->fontMetrics().horizontalAdvance(QString::fromStdString(text));
+    EXPECT_GE(label->sizeHint().width(), whole);
+    question.close();
+  };
+  ask(0, check, text);
 }
 
 }  // namespace

@@ -11,9 +11,8 @@
 
 namespace zantrio::mac_test {
 
-// What the system's views, windows and events answer of what they lack here, and what was handed to
-// them.
-struct ViewFake {
+// The calls of AppKit that GNUstep lacks, and their results. Global; reset for each test.
+struct AppKitRecord {
   CGFloat scale = 1;  // of views and of TestWindow
   bool grayScreen = false;
   int trackingAreas = 0;
@@ -23,7 +22,7 @@ struct ViewFake {
   NSEventMask monitored = 0;
   int liveViews = 0;      // of TestView
   bool resizing = false;  // in TestView's window
-  // What an input method makes of a press in TestView.
+  // The input method's reaction to a press in TestView.
   std::function<void()> inputMethod;
 
   // The last drag of an image.
@@ -33,20 +32,18 @@ struct ViewFake {
   id dragPasteboard = nil;          // not owned
 };
 
-ViewFake& views();
+AppKitRecord& appKit();
 
 // Records drags of images instead of running them.
 std::unique_ptr<InstanceMethodSwap> putImageDragInPlace();
 
 }  // namespace zantrio::mac_test
 
-// A scroll event with a gesture.
+// A precise vertical scroll event of a gesture.
 @interface GestureEvent : NSEvent {
  @public
   NSPoint _location;
   NSEventPhase _phase;
-  CGFloat _deltaX;
   CGFloat _deltaY;
-  BOOL _precise;
 }
 @end

@@ -1,4 +1,4 @@
-#include "platform/linux/notifications/user_notification_handler.h"
+#include "platform/linux/services/user_notification_handler.h"
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@ const QString kServerPath = "/org/freedesktop/Notifications";
 
 class UserNotificationHandlerLinux : public testing::Test {
  protected:
-  UserNotificationHandlerLinux() { server_.answer("GetCapabilities", QStringList{"body"}); }
+  UserNotificationHandlerLinux() { server_.setReply("GetCapabilities", QStringList{"body"}); }
 
   static void show(const UserNotification& notification) {
     createUserNotificationHandler()->show(notification);
@@ -31,7 +31,7 @@ class UserNotificationHandlerLinux : public testing::Test {
   test::RecordedService server_{kServer, kServerPath};
 };
 
-TEST_F(UserNotificationHandlerLinux, HandsOnAllFields) {
+TEST_F(UserNotificationHandlerLinux, SendsAllFields) {
   show({"Fertig: gr\u00FC\u00DFe \u65E5\u672C", "2 files", "https://example.test/t/1"});
   const QDBusMessage call = server_.waitForCall("Notify");
   EXPECT_EQ(call.interface(), kServer);
@@ -50,7 +50,7 @@ TEST_F(UserNotificationHandlerLinux, HandsOnAllFields) {
   EXPECT_EQ(arguments[7].toInt(), -1);
 }
 
-TEST_F(UserNotificationHandlerLinux, HandsOnTheDrawnIconWhereNoneIsInstalled) {
+TEST_F(UserNotificationHandlerLinux, SendsTheDrawnIconIfNoneIsInstalled) {
   ASSERT_FALSE(QIcon::hasThemeIcon("zantrio"));
   show({"title", "", ""});
   const auto hints = qdbus_cast<QVariantMap>(server_.waitForCall("Notify").arguments().value(6));
@@ -75,44 +75,34 @@ TEST_F(UserNotificationHandlerLinux, HandsOnTheDrawnIconWhereNoneIsInstalled) {
   EXPECT_EQ(pixels.mid(32 * bytesPerLine + 4 * 4, 4).toHex(), "0b6e7dff");
 }
 
-TEST_F(UserNotificationHandlerLinux, EscapesTheMessageForServersThatReadMarkup) {
-  server_.answer("GetCapabilities", QStringList{"body", "body-markup"});
+TEST_F(UserNotificationHandlerLinux, MakesTheMessageSafeForTheServerAndTheBus) {
+  const std::string kept(9'999, 'x');
+  const std::pair<std::string, QString> messages[] = {
+      {"<b>a</b> & b", "<b>a</b> & b"},
+      {std::string("a\0b\xFF", 4), QString::fromUtf8("a\uFFFDb\uFFFD")},
+      {std::string(5'000'000, 'x'), QString(10'000, 'x') + u'…'},
+      // The cut does not split the character.
+      {kept + "😀 and more", QString::fromStdString(kept) + u'…'},
+      {"", ""}};
+  for (const auto& [message, shown] : messages) {
+    EXPECT_EQ(shownMessage(message), shown);
+    server_.forgetCalls();
+  }
+  server_.setReply("GetCapabilities", QStringList{"body", "body-markup"});
   EXPECT_EQ(shownMessage("<img src=x> & \"<b>\""), "&lt;img src=x&gt; &amp; &quot;&lt;b&gt;&quot;");
 }
 
-TEST_F(UserNotificationHandlerLinux, LeavesTheMessageAsItIsForOtherServers) {
-  EXPECT_EQ(shownMessage("<b>a</b> & b"), "<b>a</b> & b");
-}
-
-TEST_F(UserNotificationHandlerLinux, ShowsWhatNoMessageOfTheBusMayHold) {
-  EXPECT_EQ(shownMessage(std::string("a\0b\xFF", 4)), QString::fromUtf8("a\uFFFDb\uFFFD"));
-}
-
-TEST_F(UserNotificationHandlerLinux, CutsATextWithoutMeasure) {
-  EXPECT_EQ(shownMessage(std::string(5'000'000, 'x')).size(), 10'001);
-}
-
-TEST_F(UserNotificationHandlerLinux, NeverCutsACharacterInTwo) {
-  const std::string kept(9'999, 'x');
-  EXPECT_EQ(shownMessage(kept + "😀 and more").toStdString(), kept + "…");
-}
-
-TEST_F(UserNotificationHandlerLinux, ShowsANotificationWithoutAnyText) {
-  show({});
-  EXPECT_EQ(server_.waitForCall("Notify").arguments().value(3).toString(), "");
-}
-
-TEST_F(UserNotificationHandlerLinux, DropsTheNotificationWhenTheServerIsNone) {
+TEST_F(UserNotificationHandlerLinux, DropsTheNotificationIfTheServerRefuses) {
   server_.refuse("GetCapabilities");
   show({"title", "message", ""});
   server_.waitForCall("GetCapabilities");
-  // The answer to a later call comes behind whatever followed the refusal.
+  // A later call gets its reply after anything that follows the refusal.
   QDBusConnection bus = QDBusConnection::sessionBus();
-  bool answered = false;
+  bool replied = false;
   QDBusPendingCallWatcher later(
       bus.asyncCall(QDBusMessage::createMethodCall(kServer, kServerPath, kServer, "Later")));
-  QObject::connect(&later, &QDBusPendingCallWatcher::finished, [&answered] { answered = true; });
-  EXPECT_TRUE(test::waitFor([&answered] { return answered; }));
+  QObject::connect(&later, &QDBusPendingCallWatcher::finished, [&replied] { replied = true; });
+  EXPECT_TRUE(test::waitFor([&replied] { return replied; }));
   EXPECT_EQ(server_.calls().size(), 2U);
 }
 

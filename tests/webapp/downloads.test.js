@@ -71,6 +71,7 @@ test('renews expired URLs automatically, but not indefinitely', async () => {
     all.downloads.fileChanged(fileEvent('1', 'ERRORED'));
     all.downloads.fileChanged(fileEvent('3', 'ERRORED'));
     all.downloads.groupChanged(groupEvent('1', { type: 'ERRORED' }));
+    if (round === 0) assert.ok(transfer.renewal, 'a failure starts the renewal');
     clearTimeout(transfer.renewal);
     if (transfer.renewal) await all.downloads.renewNow(transfer);
     await settled();
@@ -107,7 +108,8 @@ test('recalls a download of an earlier session with its chosen files', async () 
   later.groupChanged(groupEvent('1', { type: 'TRANSFERRING', bytesTotal: 7 }));
   await settled();
   const transfer = later.get('1');
-  assert.deepEqual([transfer.get('subject'), transfer.get('place')], ['For you', 'Downloads › Zantrio › Fotos März April']);
+  assert.deepEqual(['subject', 'place', 'phase'].map((name) => transfer.get(name)),
+    ['For you', 'Downloads › Zantrio › Fotos März April', 'running']);
   assert.deepEqual([transfer.files.count, transfer.files.at(0).name], [1, 'c.txt']);
   assert.equal(transfer.get('filesKnown'), false);
   assert.equal(transfer.hasExpiredUrl('2', 1_999_000), false);

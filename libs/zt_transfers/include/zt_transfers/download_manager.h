@@ -11,7 +11,7 @@
 
 namespace zt_transfers {
 
-// Downloads groups of files in the background, each group into a folder of its own.
+// Downloads groups of files in the background, each group into its own folder.
 // Ownership, threads and errors: as CUploadManager.
 class ZT_TRANSFERS_EXPORT CDownloadManager : public CTransferManagerBase {
  public:

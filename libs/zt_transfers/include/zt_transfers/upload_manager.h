@@ -16,8 +16,8 @@ namespace zt_transfers {
 //
 // Ownership: created and destroyed by the program; destruction shuts it down.
 // Thread: all operations from one thread; callbacks come from the manager's own threads.
-// Errors: an operation on an unknown group changes nothing; what goes wrong with a file is told
-// by its state and in the library's log.
+// Errors: an operation on an unknown group changes nothing; a failed file is reported by its state
+// and in the library's log.
 class ZT_TRANSFERS_EXPORT CUploadManager : public CTransferManagerBase {
  public:
   struct GroupState : GroupStateBase {
@@ -31,7 +31,7 @@ class ZT_TRANSFERS_EXPORT CUploadManager : public CTransferManagerBase {
   struct FileDesc {
     std::string fileId;
     std::wstring fileURL;  // a file: URL, one byte a character
-    std::string url;       // where the file is PUT to
+    std::string url;       // the target of the PUT
     std::vector<std::pair<std::string, std::string>> headers;
   };
 
@@ -52,25 +52,25 @@ class ZT_TRANSFERS_EXPORT CUploadManager : public CTransferManagerBase {
   void subscribeToEvents(ICallback* callback);
 
   const Configuration& getConfiguration() const;
-  // Takes effect at once, also for what is running.
+  // Takes effect at once, also for running transfers.
   void setConfiguration(const Configuration& configuration);
 
   // Fills `groups` with all groups in the order of their creation.
   void fetchGroupsInfo(std::vector<GroupState>& groups);
-  // `tokenExpires` in seconds since 1970, 0: never. Gives the group's id, -1 on failure.
+  // `tokenExpires` in seconds since 1970, 0: never. Returns the group's id, -1 on failure.
   std::int32_t createGroup(const std::string& bucketId, const std::string& bucketType,
                            const std::string& token, std::uint64_t tokenExpires);
-  // Gives 0 when the group was found and `state` filled.
+  // Returns 0 and fills `state` if the group exists.
   int getGroupState(std::int32_t groupId, GroupState& state);
 
   void queueFiles(std::int32_t groupId, const std::vector<FileDesc>& files);
-  // Files are found by their fileId; one that is being sent is stopped.
+  // Removes the files with these fileIds; running transfers are stopped.
   void dequeueFile(std::int32_t groupId, const std::vector<FileDesc>& files);
   // A marked group is COMPLETED as soon as all of its files are.
   void markQueue(std::int32_t groupId);
   void unmarkQueue(std::int32_t groupId);
   void pauseGroup(std::int32_t groupId);
-  // Also gives files that failed another chance.
+  // Also retries failed files.
   void resumeGroup(std::int32_t groupId);
   void cancelGroup(std::int32_t groupId);
 

@@ -30,7 +30,7 @@ std::string text(std::uint64_t number) {
 CPartialFile::Plan planOf(const StartOrder& order) {
   CPartialFile::Plan plan;
   plan.folder = order.folder;
-  plan.target = parseTargetPath(order.spec.place);
+  plan.target = parseTargetPath(order.spec.location);
   plan.key = std::to_string(order.file.groupId) + '\0' + order.spec.fileId;
   plan.size = order.spec.size;
   plan.modified = order.spec.modified;

@@ -13,7 +13,6 @@
 #include "base/mutex.h"
 #include "engine/failure.h"
 #include "engine/file_spec.h"
-#include "engine/orphan.h"
 #include "engine/transfer_resume.h"
 
 namespace zt_transfers {
@@ -21,7 +20,7 @@ namespace zt_transfers {
 // One attempt to transfer one file. Never used twice.
 using AttemptId = std::uint64_t;
 
-// Written by the attempt, read by the engine when it reports. Thread: any.
+// Written by the attempt, read by the engine for its reports. Thread: any.
 class AttemptProgress {
  public:
   static constexpr std::uint64_t kUnknown = ~std::uint64_t{0};
@@ -29,12 +28,12 @@ class AttemptProgress {
   std::atomic<std::uint64_t> bytes{0};
   std::atomic<std::uint64_t> size{kUnknown};  // of the file, once the attempt knows it
 
-  // What the next attempt could go on with, should this one end now.
+  // From here the next attempt resumes.
   void setResume(TransferResume resume) {
     const CMutexLock lock(mutex_);
     resume_ = std::move(resume);
   }
-  // Changes it where it lies.
+  // Changes it in place.
   template <typename Change>
   void changeResume(Change change) {
     const CMutexLock lock(mutex_);
@@ -50,24 +49,24 @@ class AttemptProgress {
   TransferResume resume_ GUARDED_BY(mutex_);
 };
 
-// When a file is transferred in several parts at a time.
+// Which files are transferred in several parts at a time.
 struct PartPolicy {
-  std::uint64_t from = ~std::uint64_t{0};  // least size of the file in bytes
+  std::uint64_t from = ~std::uint64_t{0};  // minimum size of the file in bytes
   std::uint64_t size = 0;                  // bytes of a part; 0: chosen by the attempt
-  std::uint32_t requests = 1;              // at a time, of all files together
+  std::uint32_t requests = 1;              // concurrent ones, of all files together
 };
 
-// What an attempt is to do.
+// The order to begin an attempt.
 struct StartOrder {
   AttemptId attemptId = 0;
   FileRef file;
   FileSpec spec;
   std::string folder;     // the group's; downloads only
-  TransferResume resume;  // what an attempt before has left
+  TransferResume resume;  // left by an earlier attempt
   bool verify = true;
   std::string proxy;
   PartPolicy parts;
-  std::uint32_t maxConcurrent = 1;  // requests of all attempts; who has several gives way to others
+  std::uint32_t maxConcurrent = 1;  // requests of all attempts together
   std::shared_ptr<AttemptProgress> progress;
 };
 
@@ -75,27 +74,27 @@ struct StartOrder {
 struct AttemptOutcome {
   enum class Kind {
     kDone,   // every byte is confirmed
-    kRetry,  // may go better next time
-    kFinal,  // would fail again
+    kRetry,  // another attempt may succeed
+    kFinal,  // another attempt would fail as well
   };
 
-  // Whose trouble it is, and with that how many more attempts there are.
+  // How a retry counts against the limit.
   enum class RetryBudget {
-    kCounts,      // it uses up a retry
-    kAtLeastOne,  // the same, but whatever is allowed, one more attempt tells whether it is the
-                  // file
-    kFree,        // neither the file's nor its server's: waiting helps, and uses up nothing
+    kCounts,      // it uses up one of the file's retries
+    kAtLeastOne,  // the same, but one retry is made even if none is allowed: it shows whether the
+                  // file is to blame
+    kFree,        // it uses up nothing: neither the file nor the server is to blame
   };
 
   Kind kind = Kind::kFinal;
   std::string reason{};  // for the log and for people; no secrets
   std::string_view code = failure::kOther;
   RetryBudget retryBudget = RetryBudget::kCounts;
-  // What the server asked to wait.
+  // The delay that the server asked for.
   std::optional<std::chrono::milliseconds> retryAfter{};
-  // The server or the network is in trouble, not this file: the group's others wait, too.
-  bool sharedTrouble = false;
-  // It brought the file so much further that it does not count as one of the retries.
+  // The server or the network fails, not this file: the group's other files wait, too.
+  bool outage = false;
+  // The file came so much further that its used retries are refunded.
   bool progressed = false;
 
   static AttemptOutcome done() { return {.kind = Kind::kDone}; }
@@ -112,43 +111,42 @@ struct AttemptEnd {
   AttemptOutcome outcome;
 };
 
-// An attempt is to end.
+// The order to end an attempt.
 struct AttemptStop {
   AttemptId attemptId = 0;
-  bool discard = false;  // it is to leave nothing behind: nobody would find it
+  bool discard = false;  // its partial file or session will not be resumed
   std::string folder{};  // the group's; downloads only
   std::shared_ptr<AttemptProgress> progress{};
 
   Orphan orphan() const { return {.folder = folder, .resume = progress->resume()}; }
 };
 
-// What was left behind is to be cleared away.
+// The order to delete a partial file or to abort an upload session.
 struct CleanupTask {
   OrphanId id = 0;
   Orphan orphan;
   std::string proxy;
 };
 
-// Told how attempts go. Thread: any.
+// Receives the reports of attempts. Thread: any; downloads report from the pool, too.
 class IAttemptObserver {
  public:
   virtual void onAttemptsDone(const std::vector<AttemptEnd>& ends) = 0;
   void onAttemptDone(AttemptId attemptId, const AttemptOutcome& outcome) {
     onAttemptsDone({{attemptId, outcome}});
   }
-  // Its progress has a resume that is worth to be kept. False when it was stopped meanwhile.
+  // Its progress has resume data to be stored. False when it was stopped meanwhile.
   virtual bool onAttemptCheckpoint(AttemptId attemptId) = 0;
-  // Every byte of a download has arrived, and the file is about to appear under its final name.
-  // From here on the attempt does not count as a transfer and is only stopped with its file.
-  // False when it was stopped meanwhile: then it must not go on.
+  // Every byte of a download has arrived, and the file is about to get its final name. From here on
+  // the attempt does not count as a transfer, and a pause does not stop it. False when it was
+  // stopped meanwhile: then it must not go on.
   virtual bool onAttemptFinalizing(AttemptId attemptId) = 0;
-  // Notes what the progress of these holds, on disk if that can be had, before a step that could
-  // not be told from it otherwise should the process end: downloads get their final names, a
-  // server takes parts of an upload or puts them together. Blocks.
+  // Persists these attempts' resume data before an irreversible step (rename, first part,
+  // completion). Blocks, for a limited time.
   virtual void keepDurably(const std::vector<AttemptId>& attempts) = 0;
-  // Nobody will go on with this: it comes back as an order to discard it.
+  // This will not be resumed; a CleanupTask for it follows.
   virtual void onOrphaned(Orphan orphan) = 0;
-  // How an order to discard something went.
+  // The outcome of a CleanupTask.
   virtual void onCleanedUp(OrphanId id, const AttemptOutcome& outcome) = 0;
 
  protected:
@@ -156,22 +154,22 @@ class IAttemptObserver {
 };
 
 // Carries out attempts: the seam between the engine, which decides, and the network.
-// Thread: the network thread, for all operations and for the answers.
+// Thread: the network thread, unless an operation says otherwise.
 class IAttemptRunner {
  public:
   virtual ~IAttemptRunner() = default;
-  // False when the attempt has ended already, with its answer given.
+  // False when the attempt has ended and was reported already.
   virtual bool start(StartOrder order) = 0;
-  // The attempt ends without an answer. It may have ended by itself already: then only what it left
-  // is discarded, if that is wanted.
+  // The attempt ends without a report. If it has ended by itself already, only `discard` has an
+  // effect.
   virtual void stop(const AttemptStop& stop) = 0;
   virtual void stopAll() = 0;
-  // Called once a turn of the network thread; gives the time at which it wants another one.
+  // Called once a round of the network thread; returns when the next call is due at the latest.
   virtual std::optional<TimePoint> tick() { return std::nullopt; }
-  // Once neither the network nor the pool runs: makes durable what stopped attempts have written,
-  // and notes it in their progress. Thread: the owner's.
+  // Syncs the files of stopped attempts and records that in their progress. Called once neither the
+  // network nor the pool runs. Thread: the owner's.
   virtual void syncToDisk() {}
-  // Clears away what an attempt that has ended left behind; the observer is told how that went.
+  // Carries out the task; the observer is told its outcome.
   virtual void discard(const CleanupTask& order) = 0;
 };
 

@@ -13,29 +13,28 @@
 
 namespace zt_transfers {
 
-// The engine's notes on an attempt under way.
+// The engine's record of an attempt under way.
 struct RunningAttempt {
   AttemptId id = 0;
   FileRef file;
   std::shared_ptr<AttemptProgress> progress;
-  std::uint64_t counted = 0;  // bytes of it that the group's counters hold
+  std::uint64_t counted = 0;  // bytes in the group's counters
   bool finalization = false;  // see IAttemptObserver::onAttemptFinalizing
   CRateMeter rate;
   std::uint64_t reported = 0;  // bytes, as last reported
   TimePoint reportedAt{};
 };
 
-// Takes what the attempt has got done since the last time into its group's counters; false when
-// there was nothing.
+// Adds the attempt's progress since the last call to its group's counters; false without progress.
 bool foldProgress(RunningAttempt& attempt, CTransferGroup& group, TimePoint now);
 
-// The attempts under way; there are as many as transfers at once are allowed.
+// The attempts under way.
 //
 // Thread: none of its own; the engine guards it.
 class CAttemptTable {
  public:
   RunningAttempt& add(FileRef file, TimePoint now);
-  // Null when it does not run (any more).
+  // Null when it does not run.
   RunningAttempt* find(AttemptId id);
   RunningAttempt* findFile(FileRef file);
   const RunningAttempt* findFile(FileRef file) const;
@@ -43,7 +42,7 @@ class CAttemptTable {
   void erase(AttemptId id) { attempts_.erase(id); }
 
   std::size_t size() const { return attempts_.size(); }
-  // Those that use the network.
+  // Number of attempts that use the network.
   std::size_t transferring() const;
   bool empty() const { return attempts_.empty(); }
   auto begin() { return attempts_.begin(); }

@@ -7,19 +7,19 @@
 namespace zt_transfers {
 namespace {
 
-constexpr std::chrono::milliseconds kUntilItIsFree{50};
+constexpr std::chrono::milliseconds kInUseDelay{50};
 
 std::string textOf(const Orphan& orphan) {
   return orphan.resume.isUpload()
-             ? "the upload in parts to " + loggableUrl(orphan.resume.upload().url)
+             ? "the multipart upload to " + loggableUrl(orphan.resume.upload().url)
              : "the partial file " + orphan.folder + "/" + orphan.resume.download().partialPath;
 }
 
 }  // namespace
 
-void CCleanupQueue::restore(std::vector<std::pair<OrphanId, Orphan>> kept) {
+void CCleanupQueue::restore(std::vector<std::pair<OrphanId, Orphan>> stored) {
   entries_.clear();
-  for (auto& [id, orphan] : kept) {
+  for (auto& [id, orphan] : stored) {
     last_ = std::max(last_, id);
     entries_.emplace(id, Entry{std::move(orphan)});
   }
@@ -31,7 +31,7 @@ void CCleanupQueue::add(Orphan orphan) {
     return;
   }
   if (orphan.resume.isUpload()) {
-    orphan.resume.upload().parts.clear();  // thousands, maybe, and of no use any more
+    orphan.resume.upload().parts.clear();  // not needed for an abort
   }
   orphan.since = clock_.secondsSince1970();
   store_.saveOrphan(++last_, orphan);
@@ -86,18 +86,18 @@ std::string CCleanupQueue::applyOutcome(OrphanId id, const AttemptOutcome& outco
   const bool done = outcome.kind == AttemptOutcome::Kind::kDone;
   if (outcome.kind == AttemptOutcome::Kind::kRetry && outcome.reason.empty()) {
     waiting_.push_back(id);
-    notBefore_ = std::max(notBefore_, clock_.now() + kUntilItIsFree);
+    notBefore_ = std::max(notBefore_, clock_.now() + kInUseDelay);
     return {};
   }
-  const bool old = clock_.secondsSince1970() - found->second.orphan.since > kLongest.count();
+  const bool old = clock_.secondsSince1970() - found->second.orphan.since > kMaxAge.count();
   if (outcome.kind == AttemptOutcome::Kind::kRetry && !old) {
-    rest(outcome);
+    backOff(outcome);
     waiting_.push_back(id);
     const bool known = std::exchange(found->second.failedBefore, true);
     return known ? "" : "Cannot discard " + text + " now, it is tried again: " + outcome.reason;
   }
   if (done) {
-    troubles_ = 0;
+    failures_ = 0;
   }
   store_.removeOrphan(id);
   entries_.erase(found);
@@ -105,7 +105,7 @@ std::string CCleanupQueue::applyOutcome(OrphanId id, const AttemptOutcome& outco
               : "Cannot discard " + text + ", and tries no more: " + outcome.reason;
 }
 
-// A download's new attempt takes over the partial file that an earlier one has left.
+// A new attempt of a download reuses the partial file of an earlier one.
 bool CCleanupQueue::sameThing(const Orphan& one, const Orphan& other) {
   if (!one.resume.begun() || one.resume.isUpload() != other.resume.isUpload()) {
     return false;
@@ -118,11 +118,11 @@ bool CCleanupQueue::sameThing(const Orphan& one, const Orphan& other) {
          one.resume.download().partialPath == other.resume.download().partialPath;
 }
 
-// Failures during a rest were under way when it began and do not lengthen it.
-void CCleanupQueue::rest(const AttemptOutcome& outcome) {
+// Failures of tasks that were under way when a delay began do not lengthen it.
+void CCleanupQueue::backOff(const AttemptOutcome& outcome) {
   const TimePoint now = clock_.now();
   if (notBefore_ <= now) {
-    notBefore_ = now + retries_.delay(++troubles_, outcome);
+    notBefore_ = now + retries_.delay(++failures_, outcome);
   }
 }
 
@@ -131,7 +131,7 @@ void CCleanupQueue::stop() {
   for (const auto& [id, entry] : entries_) {
     waiting_.push_back(id);
   }
-  troubles_ = 0;
+  failures_ = 0;
   notBefore_ = TimePoint{};
 }
 

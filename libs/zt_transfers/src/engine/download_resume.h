@@ -15,25 +15,24 @@ struct ByteSpan {
   bool operator==(const ByteSpan&) const = default;
 };
 
-using ByteSpans = std::vector<ByteSpan>;  // ascending, none touches another
+using ByteSpans = std::vector<ByteSpan>;  // ascending, with gaps between them
 
 std::uint64_t lengthOf(const ByteSpans& spans);
 
-// Adds a span to those that are there.
+// Merges a span into `spans`.
 void addSpan(ByteSpans& spans, ByteSpan span);
 
-// What an attempt to download a file left behind for the next one: its partial file, and how far
-// that can be trusted. Whoever keeps it beyond the process keeps `durable` and gives it back as
-// `written`, too.
+// The partial file of a download, and which of its bytes can be trusted. The store keeps `durable`
+// and returns it as `written`, too.
 struct DownloadResume {
   static constexpr std::uint64_t kUnknown = ~std::uint64_t{0};
 
-  std::string partialPath;  // below the group's folder; empty: nothing was begun
-  std::uint64_t inode = 0;  // of the partial file, which keeps it under its final name
+  std::string partialPath;  // below the group's folder; empty: not begun
+  std::uint64_t inode = 0;  // of the partial file; the rename to its final name keeps it
   std::string validator;    // the version's strong ETag, else its Last-Modified; empty: none
-  std::uint64_t size = 0;   // bytes of the whole version
-  ByteSpans written;        // what this process has written: it survives the process, at most
-  ByteSpans durable;        // the part of it that was synced: it survives a power cut
+  std::uint64_t size = 0;   // bytes of the complete version
+  ByteSpans written;        // by this process: survives its end
+  ByteSpans durable;        // synced: survives a power cut
 
   bool begun() const { return !partialPath.empty(); }
   bool operator==(const DownloadResume&) const = default;

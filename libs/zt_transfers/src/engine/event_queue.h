@@ -12,17 +12,17 @@ namespace zt_transfers {
 
 using TransferEvent = std::variant<GroupSnapshot, FileState>;
 
-// Events on their way from the engine to the program, in the order in which they happened.
+// Events for the program, in their order.
 // Thread: any.
 class CEventQueue {
  public:
-  // More than this many and the engine begins no further files until the program has caught up.
+  // With more events than this the engine begins no further files.
   static constexpr std::size_t kCongestion = 4096;
 
   void push(TransferEvent event);
   bool congested() const;
 
-  // Takes all events. Without any it waits for one, for `poke`, or for `limit` if there is one.
+  // Takes all events. Waits for one, for `wake`, or for `limit` if there is one.
   std::vector<TransferEvent> take(std::optional<Duration> limit);
   void wake();
 

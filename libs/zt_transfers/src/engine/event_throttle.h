@@ -9,9 +9,8 @@
 
 namespace zt_transfers {
 
-// Decides which changes become events: a change of state at once, mere progress at most ten
-// times a second a group. The last progress of a group is never left out: it stays due until it
-// was told.
+// Decides which changes become events: changes of state at once, progress at most ten times a
+// second for each group. The last progress of a group stays due until it is reported.
 //
 // Thread: none of its own; the engine guards it.
 class CEventThrottle {
@@ -24,15 +23,16 @@ class CEventThrottle {
   bool running() const { return running_; }
 
   void file(const FileState& state);
-  // After anything about the group changed.
+  // Call it after every change of the group.
   void group(const CTransferGroup& group, TimePoint now);
-  // At the start, whatever was told before. A group that is completed is no news: the program opens
-  // the folders of downloads when it is told so.
+  // At the start, whatever was reported before. Completed groups are left out, as the program opens
+  // the folder of a completed download.
   void groupAnew(const CTransferGroup& group, TimePoint now);
   void forget(std::int32_t groupId);
 
   bool hasDue() const { return !due_.empty(); }
-  // Tells the progress of groups whose turn has come. `groupOf` gives a group or null by its id.
+  // Reports the progress of groups whose interval is over. `groupOf` returns a group or null by its
+  // id.
   template <typename GroupOf>
   void notifyDue(GroupOf groupOf, TimePoint now) {
     const std::set<std::int32_t> due = due_;

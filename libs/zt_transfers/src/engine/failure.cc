@@ -8,12 +8,12 @@ bool isControl(char character) {
   return byte < 0x20 || byte == 0x7F;
 }
 
-// As much of the text as is kept, without a part of a character (in UTF-8) at its end.
+// Cuts the text at its limit, between two UTF-8 characters.
 std::string_view shortened(std::string_view text) {
-  if (text.size() <= Failure::kLongestReason) {
+  if (text.size() <= Failure::kMaxReason) {
     return text;
   }
-  std::size_t end = Failure::kLongestReason;
+  std::size_t end = Failure::kMaxReason;
   while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
     --end;
   }

@@ -5,9 +5,9 @@
 
 namespace zt_transfers {
 
-// Why a file failed or a group waits, in words that do not change from version to version: they
-// are kept with the queue, told to the service, and put into people's language by the page.
-// docs/transfers.md explains each.
+// Codes for why a file failed or a group waits. They do not change between versions: they are
+// stored with the queue, sent to the service, and translated by the page. docs/transfers.md
+// explains each.
 namespace failure {
 inline constexpr std::string_view kOther = "failed";
 inline constexpr std::string_view kUrlExpired = "url_expired";
@@ -34,15 +34,15 @@ inline constexpr std::string_view kNotTrusted = "not_trusted";
 inline constexpr std::string_view kQueueUnreadable = "queue_unreadable";
 }  // namespace failure
 
-// What is wrong, as it is found out; `code` is one of the above.
-struct Trouble {
+// Why something cannot be done, as found; `code` is one of the above.
+struct Problem {
   std::string_view code = failure::kOther;
-  std::string reason;  // a sentence for people, without secrets
+  std::string reason;  // for people; no secrets
 };
 
-// The same to be kept: short, and nothing in it but text.
+// The same for storing: limited in length and free of control characters.
 struct Failure {
-  static constexpr std::size_t kLongestReason = 300;  // bytes
+  static constexpr std::size_t kMaxReason = 300;  // bytes
 
   std::string code;
   std::string reason;

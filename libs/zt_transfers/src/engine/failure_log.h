@@ -10,7 +10,7 @@
 
 namespace zt_transfers {
 
-// Why files of each group failed: the newest ones are at hand, all of them are in the store.
+// The newest failures of each group; the store has all of them.
 //
 // Thread: none of its own; the engine guards it.
 class CFailureLog {

@@ -6,7 +6,7 @@
 
 namespace zt_transfers {
 
-// Where a file stands, inside the library. CTransferGroup::changePhase is the one function that
+// The phase of a file inside the library. CTransferGroup::changePhase is the one function that
 // changes it:
 //
 //                  ┌─────────── retry is due ───────────┐
@@ -19,15 +19,15 @@ namespace zt_transfers {
 //               └── kFailed ◄──┘                             (gave up)
 //
 // Waiting files can fail without running (their token has expired), and every phase can be left
-// for kRemoved, which is final. Shutdown puts kRunning and kBackingOff back to kWaiting. A
-// failed or completed file that is queued again waits again.
+// for kRemoved, which is final. Shutdown changes kRunning and kBackingOff to kWaiting. A failed or
+// completed file that is queued again changes to kWaiting.
 enum class FilePhase : std::uint8_t {
-  kWaiting,     // to be begun, or to be begun again
+  kWaiting,     // for its first or next attempt
   kRunning,     // an attempt is under way
   kBackingOff,  // an attempt failed, the next one is due later
-  kPaused,      // was begun when its group was paused
-  kCompleted,   // the other side has confirmed every byte
-  kFailed,      // nothing more is tried until the group is resumed
+  kPaused,      // had been begun when its group was paused
+  kCompleted,   // every byte was confirmed
+  kFailed,      // no attempt is made until the group is resumed
   kRemoved,     // dequeued
 };
 
@@ -52,7 +52,7 @@ constexpr bool mayFollow(FilePhase from, FilePhase to) {
   return false;
 }
 
-// As the program is told. Between two attempts a file is still being transferred.
+// The state that is reported to the program. Between two attempts a file counts as transferring.
 constexpr FileStateCode publicState(FilePhase phase) {
   switch (phase) {
     case FilePhase::kRunning:

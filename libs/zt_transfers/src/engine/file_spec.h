@@ -7,11 +7,11 @@
 
 namespace zt_transfers {
 
-// What is to be done for one file, as the program queued it. Both managers use it; `headers` is
-// for uploads only, what follows it for downloads only.
+// A file as the program queued it. `headers` is for uploads only, the members after it are for
+// downloads only.
 struct FileSpec {
   std::string fileId;
-  std::string place;  // upload: the file: URL; download: the path below the group's folder
+  std::string location;  // upload: the file: URL; download: the path below the group's folder
   std::string url;
   std::vector<std::pair<std::string, std::string>> headers;
   std::uint64_t size = 0;
@@ -20,7 +20,7 @@ struct FileSpec {
   std::string contentMd5;
 };
 
-// A file by its place in its group's queue.
+// Identifies a file by its index in its group's queue.
 struct FileRef {
   std::int32_t groupId = 0;
   std::uint32_t index = 0;

@@ -7,13 +7,13 @@ namespace zt_transfers {
 std::vector<CPendingSizes::File> CPendingSizes::take(std::size_t limit, IQueueStore& store,
                                                      const std::function<bool(FileRef)>& isWanted) {
   std::vector<File> taken;
-  while (taken.size() < limit && !files_.empty() && !coming_) {
+  while (taken.size() < limit && !files_.empty() && !loading_) {
     const FileRef file = files_.front();
     if (isWanted(file)) {
-      if (auto place = store.place(file)) {
-        taken.push_back({file, std::move(*place)});
+      if (auto location = store.location(file)) {
+        taken.push_back({file, std::move(*location)});
       } else if (store.load(file)) {
-        coming_ = true;
+        loading_ = true;
         continue;
       }
     }

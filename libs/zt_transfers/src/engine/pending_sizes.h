@@ -12,30 +12,29 @@
 
 namespace zt_transfers {
 
-// Uploads whose size is not known yet, in the order in which it is to be found out.
+// Uploads whose sources are still to be statted, in this order.
 //
 // Thread: none of its own; the engine guards it.
 class CPendingSizes {
  public:
   struct File {
     FileRef file;
-    std::string place;
+    std::string location;
   };
 
   void add(FileRef file) { files_.push_back(file); }
   void clear() { *this = CPendingSizes(); }
-  // Whether `take` can give something now.
-  bool ready() const { return !files_.empty() && !coming_; }
-  // Up to `limit` of those that `isWanted` still accepts. Stops where a file's description has to
-  // be brought first.
+  // Whether `take` can return files now.
+  bool ready() const { return !files_.empty() && !loading_; }
+  // Up to `limit` files that `isWanted` still accepts. Stops at a file whose description must be
+  // loaded first.
   std::vector<File> take(std::size_t limit, IQueueStore& store,
                          const std::function<bool(FileRef)>& isWanted);
-  // Descriptions have come.
-  void reschedule() { coming_ = false; }
+  void onSpecsArrived() { loading_ = false; }
 
  private:
   std::deque<FileRef> files_;
-  bool coming_ = false;
+  bool loading_ = false;
 };
 
 }  // namespace zt_transfers

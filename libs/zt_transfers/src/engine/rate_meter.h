@@ -6,8 +6,8 @@
 
 namespace zt_transfers {
 
-// A smoothed rate of bytes a second: recent traffic weighs most, older fades with a time
-// constant of three seconds. Correct from the first moments on, not only once it has run in.
+// An exponentially smoothed rate with a time constant of three seconds, without a bias in its first
+// seconds.
 //
 // Thread: one.
 class CRateMeter {
@@ -22,7 +22,7 @@ class CRateMeter {
   double weighted_ = 0;  // bytes a second, as of last_
 };
 
-// Seconds until `left` bytes are through, rounded up; 0 when the rate says nothing.
+// Seconds to transfer `left` bytes, rounded up; 0 when the rate is 0.
 std::uint64_t etaSeconds(std::uint64_t left, std::uint64_t bytesPerSecond);
 
 }  // namespace zt_transfers

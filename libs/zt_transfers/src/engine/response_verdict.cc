@@ -7,15 +7,15 @@ namespace zt_transfers {
 
 namespace {
 
-// The network's trouble, or the server is not there: it is nothing that a file could help.
+// The network or the server is down, whatever the file.
 AttemptOutcome unreachable(const std::string& reason) {
   AttemptOutcome outcome = AttemptOutcome::retry(reason, failure::kCannotConnect);
-  outcome.sharedTrouble = true;
+  outcome.outage = true;
   outcome.retryBudget = AttemptOutcome::RetryBudget::kFree;
   return outcome;
 }
 
-// It may have been the network, or the server that cannot take just this file.
+// Either the network failed, or the server cannot take this file.
 AttemptOutcome lost(const std::string& reason) {
   AttemptOutcome outcome = AttemptOutcome::retry(reason, failure::kConnectionLost);
   outcome.retryBudget = AttemptOutcome::RetryBudget::kAtLeastOne;
@@ -27,7 +27,7 @@ AttemptOutcome lost(const std::string& reason) {
 AttemptOutcome judgeTransport(const HttpResponse& response) {
   if (response.stalled) {
     AttemptOutcome outcome = lost("the connection stalled");
-    outcome.sharedTrouble = true;
+    outcome.outage = true;
     return outcome;
   }
   switch (response.code) {
@@ -41,7 +41,7 @@ AttemptOutcome judgeTransport(const HttpResponse& response) {
     case CURLE_COULDNT_CONNECT:
     case CURLE_OPERATION_TIMEDOUT:
       return unreachable(response.error);
-    // Also what is no HTTP at all: bytes that an answer before left on the connection.
+    // Also a response that is not HTTP: rests of an earlier one on the connection.
     default:
       return lost(response.error);
   }
@@ -52,14 +52,14 @@ AttemptOutcome judgeRefusal(const HttpResponse& response, std::int64_t now) {
   if (const auto code = errorDocumentCode(response.body)) {
     reason += " (" + *code + ")";
   }
-  const bool pace = response.status == 429 || response.status == 503;
-  if (!pace && response.status != 408 && response.status < 500) {
+  const bool throttled = response.status == 429 || response.status == 503;
+  if (!throttled && response.status != 408 && response.status < 500) {
     return AttemptOutcome::final(reason, failure::kRefused);
   }
   AttemptOutcome outcome =
-      AttemptOutcome::retry(reason, pace ? failure::kServerBusy : failure::kServerTrouble);
+      AttemptOutcome::retry(reason, throttled ? failure::kServerBusy : failure::kServerTrouble);
   outcome.retryAfter = parseRetryAfter(response.header("retry-after"), now);
-  outcome.sharedTrouble = pace;
+  outcome.outage = throttled;
   return outcome;
 }
 

@@ -7,10 +7,10 @@
 
 namespace zt_transfers {
 
-// What follows when no whole answer came (`answer.code` is not CURLE_OK).
+// The outcome when no complete response came (`response.code` is not CURLE_OK).
 AttemptOutcome judgeTransport(const HttpResponse& response);
 
-// What follows from an answer that is neither a success nor a redirect that can be followed.
+// The outcome of a response that is neither a success nor a redirect that can be followed.
 // `now` in seconds since 1970.
 AttemptOutcome judgeRefusal(const HttpResponse& response, std::int64_t now);
 

@@ -26,8 +26,8 @@ TransferResume CResumeTable::take(CTransferGroup& group, std::uint32_t index) {
   return resume;
 }
 
-std::vector<CResumeTable::Left> CResumeTable::takeAll(CTransferGroup& group) {
-  std::vector<Left> all;
+std::vector<CResumeTable::FileResume> CResumeTable::takeAll(CTransferGroup& group) {
+  std::vector<FileResume> all;
   const auto begin = entries_.lower_bound({group.id(), 0});
   const auto end = entries_.upper_bound({group.id(), std::numeric_limits<std::uint32_t>::max()});
   for (auto entry = begin; entry != end; ++entry) {

@@ -11,23 +11,23 @@
 
 namespace zt_transfers {
 
-// The partial files and sessions that attempts have left behind. Their bytes stay counted in their
-// groups as in flight, so that a pause takes no progress away.
+// The resume data of files that are not running. Their bytes stay counted as in flight, so that a
+// pause loses no progress.
 //
 // Thread: none of its own; the engine guards it.
 class CResumeTable {
  public:
-  struct Left {
+  struct FileResume {
     std::uint32_t index = 0;
     TransferResume resume;
   };
 
-  // Keeps what was left of the file and counts it; nothing begun forgets the file.
+  // Keeps the resume data and counts its bytes. Data that was not begun removes the entry.
   void keep(CTransferGroup& group, std::uint32_t index, const TransferResume& resume);
-  // Nothing begun when there is none.
+  // Not begun when there is no entry.
   TransferResume take(CTransferGroup& group, std::uint32_t index);
-  std::vector<Left> takeAll(CTransferGroup& group);
-  // How many bytes of the file are there already.
+  std::vector<FileResume> takeAll(CTransferGroup& group);
+  // Bytes of the file that are counted.
   std::uint64_t counted(FileRef file) const;
 
  private:

@@ -6,13 +6,13 @@
 #include <queue>
 #include <vector>
 
-#include "engine/file_spec.h"
 #include "base/clock.h"
+#include "engine/file_spec.h"
 
 namespace zt_transfers {
 
-// The order of things to come: groups that have something to begin take turns, and retries and
-// rests wait for their time.
+// The round of groups that have files to begin, and the times at which retries and delayed groups
+// are due.
 //
 // Thread: none of its own; the engine guards it.
 class CSchedule {
@@ -20,16 +20,16 @@ class CSchedule {
   struct Due {
     TimePoint when;
     FileRef file;
-    bool wholeGroup = false;  // the group's rest is over; `file.index` says nothing
+    bool wholeGroup = false;  // the group's delay is over; `file.index` is unused
   };
 
-  // The round of groups. A group must be added only once until it was taken.
+  // A group must not be added again before it was taken.
   void addToRound(std::int32_t groupId) { round_.push_back(groupId); }
   std::optional<std::int32_t> takeFromRound();
   void clearRound() { round_.clear(); }
 
   void addDue(const Due& due) { dues_.push(due); }
-  // The next one whose time has come.
+  // The next one that is due.
   std::optional<Due> takeDue(TimePoint now);
   std::optional<TimePoint> nextDue() const;
   void clearDues() { dues_ = {}; }

@@ -64,7 +64,7 @@ std::optional<CTransferEngine::GroupReport> CTransferEngine::report(std::int32_t
   GroupReport report{.shot = group.snapshot(planner_.running(), clock_.now()),
                      .token = group.identity().token};
   if (!report.shot.waitingFor.empty()) {
-    report.waitingFor = group.pace.waitingFor;
+    report.waitingFor = group.scheduling.waitingFor;
   }
   report.filesFailed = group.count(FilePhase::kFailed);
   for (auto& [index, failure] : table_.failures().of(groupId)) {
@@ -73,8 +73,8 @@ std::optional<CTransferEngine::GroupReport> CTransferEngine::report(std::int32_t
   return report;
 }
 
-void CTransferEngine::change(std::int32_t groupId,
-                             const std::function<void(CTransferGroup&)>& change) {
+template <typename Change>
+void CTransferEngine::change(std::int32_t groupId, const Change& change) {
   {
     const CMutexLock lock(mutex_);
     CTransferGroup* group = table_.find(groupId);
@@ -108,18 +108,18 @@ void CTransferEngine::queueFile(CTransferGroup& group, const FileSpec& spec) {
   }
 }
 
-// The same fileId again: a new description for a file that waits, another chance for one that
-// is done with. What is under way goes on.
+// A file that waits gets the new description, one that has ended is transferred again. A running
+// attempt continues.
 void CTransferEngine::requeueFile(CTransferGroup& group, std::uint32_t index,
                                   const FileSpec& spec) {
   const FilePhase phase = group.file(index).phase;
   if (phase == FilePhase::kRunning) {
     return;
   }
-  // A renewed URL may go on with what is there, another place may not. What lies on disk only was
-  // not asked for its place; its partial file is checked before it is used, wherever it is.
-  if (store_.place({group.id(), index}).value_or(spec.place) != spec.place) {
-    table_.discardRest(group, index);
+  // Another location must not resume the old one's data; a renewed URL may. If the old description
+  // is on disk only, the attempt itself checks the partial file.
+  if (store_.location({group.id(), index}).value_or(spec.location) != spec.location) {
+    table_.discardResume(group, index);
   }
   store_.replace({group.id(), index}, spec);
   group.forgetRetries(index);
@@ -146,43 +146,16 @@ void CTransferEngine::dequeueFiles(std::int32_t groupId, const std::vector<std::
 void CTransferEngine::setMarked(std::int32_t groupId, bool marked) {
   change(groupId, [&](CTransferGroup& group) REQUIRES(mutex_) {
     group.setMarked(marked);
-    table_.keep(group);
+    table_.save(group);
   });
 }
 
 void CTransferEngine::pauseGroup(std::int32_t groupId) {
-  change(groupId, [&](CTransferGroup& group) REQUIRES(mutex_) {
-    group.setPaused(true);
-    table_.keep(group);
-    table_.hold(group, FilePhase::kPaused, false);
-    for (const std::uint32_t index : group.backingOff()) {
-      table_.move(group, index, FilePhase::kPaused);
-    }
-  });
+  change(groupId, [&](CTransferGroup& group) REQUIRES(mutex_) { table_.pause(group); });
 }
 
 void CTransferEngine::resumeGroup(std::int32_t groupId) {
-  change(groupId, [&](CTransferGroup& group) REQUIRES(mutex_) {
-    group.setPaused(false);
-    table_.keep(group);
-    group.pace.notBefore = TimePoint{};
-    group.pace.troubles = 0;
-    group.pace.waitingFor.reset();
-    for (const std::uint32_t index : group.backingOff()) {
-      table_.move(group, index, FilePhase::kWaiting);
-    }
-    for (const std::uint32_t index : group.takePaused()) {
-      if (group.file(index).phase == FilePhase::kPaused) {
-        table_.move(group, index, FilePhase::kWaiting);
-      }
-    }
-    for (const std::uint32_t index : group.takeFailed()) {
-      if (group.file(index).phase == FilePhase::kFailed) {
-        group.forgetRetries(index);
-        table_.move(group, index, FilePhase::kWaiting);
-      }
-    }
-  });
+  change(groupId, [&](CTransferGroup& group) REQUIRES(mutex_) { table_.resume(group); });
 }
 
 void CTransferEngine::cancelGroup(std::int32_t groupId) {
@@ -216,11 +189,11 @@ void CTransferEngine::stop() {
   planner_.stop();
   table_.eventThrottle().setRunning(false);
   for (const auto& [id, group] : table_.groups()) {
-    table_.hold(*group, FilePhase::kWaiting, true);
+    table_.stopAttempts(*group, FilePhase::kWaiting, true);
     for (const std::uint32_t index : group->backingOff()) {
       group->changePhase(index, FilePhase::kWaiting);
     }
-    group->pace = {};
+    group->scheduling = {};
   }
   table_.dropStops();
   table_.cleanups().stop();
@@ -258,7 +231,7 @@ void CTransferEngine::onAttemptsDone(const std::vector<AttemptEnd>& ends) {
       const bool done = outcome.kind == AttemptOutcome::Kind::kDone;
       foldProgress(*attempt, group, clock_.now());
       table_.end(*attempt, group,
-                 done ? CTransferTable::Rest::kForget : CTransferTable::Rest::kKeep);
+                 done ? CTransferTable::Resume::kDiscard : CTransferTable::Resume::kKeep);
       lines.emplace_back(done ? ILog::Priority::kInformation : ILog::Priority::kWarning,
                          planner_.applyOutcome(group, file.index, outcome));
     }
@@ -278,14 +251,14 @@ void CTransferEngine::reschedule(CTransferGroup& group) {
 
 bool CTransferEngine::onAttemptCheckpoint(AttemptId id) {
   const CMutexLock lock(mutex_);
-  return keepResume(id);
+  return saveResume(id);
 }
 
 // False when it was stopped.
-bool CTransferEngine::keepResume(AttemptId id) {
+bool CTransferEngine::saveResume(AttemptId id) {
   const RunningAttempt* attempt = table_.attempts().find(id);
   if (attempt != nullptr) {
-    table_.keepResume(*attempt);
+    table_.saveResume(*attempt);
   }
   return attempt != nullptr;
 }
@@ -307,7 +280,7 @@ void CTransferEngine::keepDurably(const std::vector<AttemptId>& attempts) {
   {
     const CMutexLock lock(mutex_);
     for (const AttemptId attemptId : attempts) {
-      keepResume(attemptId);
+      saveResume(attemptId);
     }
   }
   flush_();
@@ -345,7 +318,7 @@ bool CTransferEngine::collectProgress() {
   for (auto& [id, attempt] : table_.attempts()) {
     CTransferGroup& group = *table_.find(attempt.file.groupId);
     if (foldProgress(attempt, group, now)) {
-      group.pace.waitingFor.reset();
+      group.scheduling.waitingFor.reset();
       table_.notify(group);
     }
     if (attempt.counted != attempt.reported &&
@@ -387,7 +360,7 @@ void CTransferEngine::applySizes(const std::vector<FileSize>& sizes) {
       table_.notify(*touched);
     }
     touched = group;
-    // A file that was begun meanwhile knows better.
+    // The attempt of a file that was begun meanwhile reports the size itself.
     if (group != nullptr && !group->cancelled() &&
         group->file(file.index).phase == FilePhase::kWaiting) {
       table_.setSize(*group, file.index, size);
@@ -401,7 +374,7 @@ void CTransferEngine::applySizes(const std::vector<FileSize>& sizes) {
 void CTransferEngine::specsArrived(std::int32_t groupId) {
   {
     const CMutexLock lock(mutex_);
-    pendingSizes_.reschedule();
+    pendingSizes_.onSpecsArrived();
     CTransferGroup* group = table_.find(groupId);
     if (group != nullptr && !group->cancelled()) {
       planner_.list(*group);

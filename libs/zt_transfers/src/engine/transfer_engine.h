@@ -18,9 +18,9 @@
 
 namespace zt_transfers {
 
-// The heart of a manager: knows all groups and files, decides which file is to be begun or
-// stopped when, and what is told to the program. It does no input or output itself: the network
-// thread asks it for work and tells it results.
+// The centre of a manager: knows all groups and files, decides when files are begun and stopped,
+// and which events the program gets. It does no input or output itself: the network thread asks it
+// for work and reports results.
 //
 // Thread: any; one mutex guards all state. It is held while the queue store and the event queue are
 // called; the store wakes its writer from there (lock order: base/mutex.h). The wake and flush
@@ -30,7 +30,7 @@ class CTransferEngine final : public IAttemptObserver {
   struct Options {
     std::string activity = "upload";  // for the log
     bool needsMark = true;            // see CTransferGroup
-    bool statsSources = true;         // sizes are found on this machine, see takePendingSizes
+    bool statsSources = true;         // file sizes come from takePendingSizes, not from the program
     BackoffPolicy backoff{};
   };
   using Settings = TransferSettings;
@@ -45,9 +45,9 @@ class CTransferEngine final : public IAttemptObserver {
 
     GroupSnapshot shot;
     std::string token;
-    std::optional<Failure> waitingFor{};  // why nothing moves although something is to be done
+    std::optional<Failure> waitingFor{};  // the outage that the group waits for
     std::uint32_t filesFailed = 0;
-    std::vector<FailedFile> failures{};  // the newest first; not all, if there are many
+    std::vector<FailedFile> failures{};  // the newest ones, the latest first
   };
   struct FileSize {
     FileRef file;
@@ -64,13 +64,13 @@ class CTransferEngine final : public IAttemptObserver {
 
   CTransferEngine(Options options, const Dependencies& dependencies);
 
-  // Called, unlocked and from any thread, when there may be work. Set before anything else.
+  // Called without the lock and from any thread when there may be work. Set before any other call.
   void setWake(std::function<void()> wake) { wake_ = std::move(wake); }
 
-  // Called, unlocked and from any thread: what was noted so far should be on disk when it returns.
-  void setFlush(std::function<void()> applyOutcome) { flush_ = std::move(applyOutcome); }
+  // Called without the lock and from any thread to write all changes so far to disk.
+  void setFlush(std::function<void()> flush) { flush_ = std::move(flush); }
 
-  // Takes the place of all groups there are. Between `stop` and `start` only.
+  // Replaces all groups. Between `stop` and `start` only.
   void restore(RestoredQueue queue);
 
   // For the program; see the managers' headers.
@@ -86,11 +86,10 @@ class CTransferEngine final : public IAttemptObserver {
   void cancelGroup(std::int32_t groupId);
   void setSettings(const Settings& settings);
 
-  // Cancelled groups leave; all others but those that are completed are reported once, and with
-  // each the first thousand of its failed files.
+  // Drops cancelled groups. Reports every other group that is not completed, each with the first
+  // thousand of its failed files.
   void start();
-  // Call it when no attempt runs any more. Files that were under way wait again; no event
-  // follows.
+  // Files that were under way wait again, without an event. No attempt may run any more.
   void stop();
 
   // For the network thread.
@@ -103,27 +102,28 @@ class CTransferEngine final : public IAttemptObserver {
   void onOrphaned(Orphan orphan) override;
   void onCleanedUp(OrphanId id, const AttemptOutcome& outcome) override;
 
-  // For the thread that reports: adds progress that is due to the events; false when nothing is
-  // under way that could make progress.
+  // For the event thread: queues events for progress that is due; false when no attempt is under
+  // way.
   bool collectProgress();
   // Whether an attempt is under way.
   bool isTransferring() const;
 
-  // For the pool: up to `limit` files whose size is not known yet, and what was found. There can be
-  // some that `hasPendingSizes` leaves out while their descriptions are being brought.
+  // For the pool: up to `limit` files whose size is unknown, and their sizes. hasPendingSizes
+  // leaves out files whose descriptions are being loaded.
   std::vector<PendingSize> takePendingSizes(std::size_t limit);
   bool hasPendingSizes() const;
   void applySizes(const std::vector<FileSize>& sizes);
 
-  // For the store: descriptions that were asked for have come, or cannot be had.
+  // For the store: requested descriptions were loaded, or cannot be read.
   void specsArrived(std::int32_t groupId);
 
  private:
-  // Does this to a group that is there and not cancelled.
-  void change(std::int32_t groupId, const std::function<void(CTransferGroup&)>& change);
+  // Applies `change` to the group, unless it is unknown or cancelled.
+  template <typename Change>
+  void change(std::int32_t groupId, const Change& change);
   void queueFile(CTransferGroup& group, const FileSpec& spec) REQUIRES(mutex_);
   void reschedule(CTransferGroup& group) REQUIRES(mutex_);
-  bool keepResume(AttemptId attemptId) REQUIRES(mutex_);
+  bool saveResume(AttemptId attemptId) REQUIRES(mutex_);
   void requeueFile(CTransferGroup& group, std::uint32_t index, const FileSpec& spec)
       REQUIRES(mutex_);
 

@@ -140,8 +140,8 @@ GroupSnapshot CTransferGroup::snapshot(bool running, TimePoint now) const {
   shot.marked = isMarked_;
   shot.filesCompleted = static_cast<std::int32_t>(count(FilePhase::kCompleted));
   shot.folder = identity_.folder;
-  if (pace.waitingFor && shot.state == kGroupTransferring) {
-    shot.waitingFor = pace.waitingFor->code;
+  if (scheduling.waitingFor && shot.state == kGroupTransferring) {
+    shot.waitingFor = scheduling.waitingFor->code;
   }
   return shot;
 }

@@ -9,15 +9,15 @@
 #include <utility>
 #include <vector>
 
+#include "base/clock.h"
 #include "engine/failure.h"
 #include "engine/file_phase.h"
-#include "base/clock.h"
 #include "engine/rate_meter.h"
 #include "zt_transfers/transfer_records.h"
 
 namespace zt_transfers {
 
-// What a group is from its creation on.
+// The properties that a group is created with.
 struct GroupIdentity {
   std::int32_t id = 0;
   std::string bucketId;
@@ -32,19 +32,19 @@ struct GroupSnapshot : GroupStateBase {
   bool marked = false;
   std::int32_t filesCompleted = 0;
   std::wstring folder;
-  std::string waitingFor;  // the code of what keeps it from going on; empty: nothing
+  std::string waitingFor;  // the code of the outage that it waits for; empty: none
 };
 
-// What the engine itself holds of one file; everything else is in the queue store.
+// The engine's record of one file; everything else is in the queue store.
 struct FileSlot {
   std::uint64_t size = 0;     // bytes; 0 until known
-  std::uint16_t retries = 0;  // attempts that failed since the file was queued or resumed
-  bool sizeKnown = true;      // false until an upload's source was looked at
+  std::uint32_t retries = 0;  // attempts that failed since the file was queued or resumed
+  bool sizeKnown = true;      // false until an upload's source was statted
   FilePhase phase = FilePhase::kWaiting;
 };
 
-// The files of a group and its counters, kept up with each change of a file, so that nothing
-// here depends on how many files there are.
+// A group's files and counters. Each change of a file updates the counters, so that no operation
+// depends on the number of files.
 //
 // Thread: none of its own; the engine guards it.
 class CTransferGroup {
@@ -58,24 +58,24 @@ class CTransferGroup {
 
   // Adds a waiting file and gives its index.
   std::uint32_t append(std::uint64_t size, bool sizeKnown = true);
-  // Adds a file as it was kept: kWaiting, kCompleted, kFailed, or kRemoved for a gap.
+  // Adds a stored file: kWaiting, kCompleted, kFailed, or kRemoved for a gap.
   void appendKept(std::uint64_t size, bool sizeKnown, FilePhase phase);
-  // The only place where a file's phase changes; the step must be one that mayFollow allows.
+  // The only function that changes a file's phase; mayFollow must allow the change.
   void changePhase(std::uint32_t index, FilePhase to);
   void setSize(std::uint32_t index, std::uint64_t size);
   void countRetry(std::uint32_t index) { ++files_.at(index).retries; }
   void forgetRetries(std::uint32_t index) { files_.at(index).retries = 0; }
-  // Bytes of attempts under way: what an attempt adds here it takes back when it ends.
+  // Bytes of attempts under way. An attempt removes what it has added when it ends.
   void addInFlight(std::uint64_t bytes) { inFlight_ += bytes; }
   void removeInFlight(std::uint64_t bytes) { inFlight_ -= bytes; }
   void measureRate(std::uint64_t bytes, TimePoint now) { rate_.add(bytes, now); }
 
-  // The next file to begin: those that come back first, then in the order of queueing. It stays
-  // kWaiting and must be moved on, or be put back.
+  // The next file to begin: returned files first, then in the order of queueing. The file stays
+  // kWaiting until the caller changes its phase or puts it back.
   std::optional<std::uint32_t> takeWaiting();
   void putBack(std::uint32_t index) { returned_.push_front(index); }
 
-  // Files that have been in this phase; check each, it can have moved on. Empties the list.
+  // Files that were in this phase; their phase may have changed since. Empties the list.
   std::vector<std::uint32_t> takePaused() { return std::exchange(paused_, {}); }
   std::vector<std::uint32_t> takeFailed() { return std::exchange(failed_, {}); }
   const std::vector<std::uint32_t>& failed() const { return failed_; }
@@ -85,7 +85,7 @@ class CTransferGroup {
 
   void setPaused(bool paused) { isPaused_ = paused; }
   void setMarked(bool marked) { isMarked_ = marked; }
-  // The counters stay as they are, the files are gone. No attempt may be under way.
+  // Drops the files; the counters stay. No attempt may be under way.
   void setCancelled();
   bool paused() const { return isPaused_; }
   bool marked() const { return isMarked_; }
@@ -95,14 +95,14 @@ class CTransferGroup {
   GroupStateCode state(bool running) const;
   GroupSnapshot snapshot(bool running, TimePoint now) const;
 
-  // The scheduler's notes on this group.
-  struct Pace {
-    bool listed = false;                  // stands in the scheduler's round
-    TimePoint notBefore{};                // the server or the network needs a rest until then
-    std::uint32_t troubles = 0;           // rests in a row without a success
-    std::optional<Failure> waitingFor{};  // why it rests; until something moves again
+  // Used by the planner only.
+  struct Scheduling {
+    bool listed = false;                  // is in the round of groups
+    TimePoint notBefore{};                // no file is begun earlier, after an outage
+    std::uint32_t outages = 0;            // in a row, without a success in between
+    std::optional<Failure> waitingFor{};  // the outage; until bytes move again
   };
-  Pace pace;
+  Scheduling scheduling;
 
  private:
   std::uint32_t live() const;
@@ -115,8 +115,8 @@ class CTransferGroup {
 
   std::deque<FileSlot> files_;
   std::array<std::uint32_t, kFilePhaseCount> counts_{};
-  std::uint32_t nextNew_ = 0;           // files from here on were never begun
-  std::deque<std::uint32_t> returned_;  // begun once, waiting again
+  std::uint32_t nextNew_ = 0;           // the first file that was never begun
+  std::deque<std::uint32_t> returned_;  // waiting again
   std::vector<std::uint32_t> paused_;
   std::vector<std::uint32_t> failed_;
   std::unordered_set<std::uint32_t> backingOff_;

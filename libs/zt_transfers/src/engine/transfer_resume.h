@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <utility>
 #include <variant>
 
@@ -9,13 +10,13 @@
 
 namespace zt_transfers {
 
-// What an attempt at a file has left for the next one: of a download its partial file, of an upload
-// in parts the session on the server.
+// From where the next attempt at a file resumes: a download's partial file, or a multipart upload's
+// session on the server.
 class TransferResume {
  public:
   TransferResume() = default;
-  TransferResume(DownloadResume resume) : what_(std::move(resume)) {}   // NOLINT: is one
-  TransferResume(UploadSession session) : what_(std::move(session)) {}  // NOLINT: is one
+  TransferResume(DownloadResume resume) : what_(std::move(resume)) {}   // NOLINT: converts
+  TransferResume(UploadSession session) : what_(std::move(session)) {}  // NOLINT: converts
 
   bool begun() const {
     return std::visit([](const auto& what) { return what.begun(); }, what_);
@@ -26,7 +27,7 @@ class TransferResume {
   }
 
   bool isUpload() const { return std::holds_alternative<UploadSession>(what_); }
-  // Only the one that it is; a default one is a download that was not begun.
+  // Call only the one that holds. A default object is a download that was not begun.
   const DownloadResume& download() const { return std::get<DownloadResume>(what_); }
   const UploadSession& upload() const { return std::get<UploadSession>(what_); }
   UploadSession& upload() { return std::get<UploadSession>(what_); }
@@ -35,6 +36,17 @@ class TransferResume {
 
  private:
   std::variant<DownloadResume, UploadSession> what_;
+};
+
+using OrphanId = std::uint32_t;
+
+// A partial file or an upload session that will not be resumed.
+struct Orphan {
+  std::string folder{};  // the group's; downloads only
+  TransferResume resume;
+  std::int64_t since = 0;  // seconds since 1970
+
+  bool operator==(const Orphan&) const = default;
 };
 
 }  // namespace zt_transfers

@@ -5,16 +5,15 @@
 
 #include "base/url_parts.h"
 #include "base/wide_bytes.h"
-#include "engine/file_report.h"
 
 namespace zt_transfers {
 namespace {
 
-// Of each group; the program should not drown in what failed before it was started.
-constexpr std::size_t kMaxFailuresToldAnew = 1000;
+// Of each group, so that the program is not flooded with failures of earlier runs.
+constexpr std::size_t kMaxFailuresNotified = 1000;
 
-// What is kept of a file's phase: an attempt does not outlive the process.
-FilePhase kept(FilePhase phase) {
+// As it is stored: an attempt does not outlive the process.
+FilePhase stored(FilePhase phase) {
   switch (phase) {
     case FilePhase::kCompleted:
     case FilePhase::kFailed:
@@ -23,6 +22,32 @@ FilePhase kept(FilePhase phase) {
     default:
       return FilePhase::kWaiting;
   }
+}
+
+// `attempt` is under way, or null; `kept` bytes are left of earlier attempts.
+FileState reportOf(const CTransferGroup& group, std::uint32_t index, std::string fileId,
+                   const RunningAttempt* attempt, std::uint64_t kept, TimePoint now) {
+  const FileSlot& slot = group.file(index);
+  FileState state;
+  state.groupId = group.id();
+  state.bucketId = group.identity().bucketId;
+  state.fileId = std::move(fileId);
+  state.state = publicState(slot.phase);
+  state.bytesTotal = slot.size;
+  if (slot.phase == FilePhase::kCompleted) {
+    state.bytesTransferred = slot.size;
+    state.percentTransferred = 100.0F;
+    return state;
+  }
+  state.bytesTransferred = std::min(attempt != nullptr ? attempt->counted : kept, slot.size);
+  if (attempt != nullptr) {
+    state.bytesTransferredPerSecond = attempt->rate.bytesPerSecond(now);
+  }
+  if (slot.size != 0) {
+    state.percentTransferred = static_cast<float>(
+        100.0 * static_cast<double>(state.bytesTransferred) / static_cast<double>(slot.size));
+  }
+  return state;
 }
 
 }  // namespace
@@ -46,7 +71,7 @@ CTransferGroup* CTransferTable::create(GroupIdentity identity, bool needsMark) {
   }
   identity.id = ++lastGroupId_;
   auto group = std::make_unique<CTransferGroup>(std::move(identity), needsMark);
-  keep(*group);
+  save(*group);
   notify(*group);
   return groups_.emplace(lastGroupId_, std::move(group)).first->second.get();
 }
@@ -95,16 +120,47 @@ void CTransferTable::forgetCancelled() {
   }
 }
 
-void CTransferTable::keep(const CTransferGroup& group) {
+void CTransferTable::save(const CTransferGroup& group) {
   if (!group.cancelled()) {
     store_.saveGroup(
         {.identity = group.identity(), .paused = group.paused(), .marked = group.marked()});
   }
 }
 
+void CTransferTable::pause(CTransferGroup& group) {
+  group.setPaused(true);
+  save(group);
+  stopAttempts(group, FilePhase::kPaused, false);
+  for (const std::uint32_t index : group.backingOff()) {
+    move(group, index, FilePhase::kPaused);
+  }
+}
+
+void CTransferTable::resume(CTransferGroup& group) {
+  group.setPaused(false);
+  save(group);
+  group.scheduling.notBefore = TimePoint{};
+  group.scheduling.outages = 0;
+  group.scheduling.waitingFor.reset();
+  for (const std::uint32_t index : group.backingOff()) {
+    move(group, index, FilePhase::kWaiting);
+  }
+  for (const std::uint32_t index : group.takePaused()) {
+    if (group.file(index).phase == FilePhase::kPaused) {
+      move(group, index, FilePhase::kWaiting);
+    }
+  }
+  for (const std::uint32_t index : group.takeFailed()) {
+    if (group.file(index).phase == FilePhase::kFailed) {
+      group.forgetRetries(index);
+      move(group, index, FilePhase::kWaiting);
+    }
+  }
+}
+
 void CTransferTable::cancel(CTransferGroup& group) {
   for (const AttemptId id : attempts_.ofGroup(group.id())) {
-    stop(id, group, Rest::kForget);
+    stop(id, group, Resume::kDiscard);
   }
   for (auto& [index, resume] : resumes_.takeAll(group)) {
     cleanups_.add({bytesOf(group.identity().folder), std::move(resume)});
@@ -118,7 +174,7 @@ void CTransferTable::notifyAnew(const CTransferGroup& group) {
   eventThrottle_.groupAnew(group, clock_.now());
   std::size_t reported = 0;
   for (const std::uint32_t index : group.failed()) {
-    if (reported == kMaxFailuresToldAnew) {
+    if (reported == kMaxFailuresNotified) {
       return;
     }
     if (group.file(index).phase == FilePhase::kFailed) {
@@ -129,13 +185,13 @@ void CTransferTable::notifyAnew(const CTransferGroup& group) {
 }
 
 void CTransferTable::move(CTransferGroup& group, std::uint32_t index, FilePhase to) {
-  const FilePhase before = kept(group.file(index).phase);
+  const FilePhase before = stored(group.file(index).phase);
   if (before == FilePhase::kFailed) {
     failures_.forget(group.id(), index);
   }
   group.changePhase(index, to);
-  if (kept(to) != before) {
-    keepFile(group, index);
+  if (stored(to) != before) {
+    saveFile(group, index);
   }
   eventThrottle_.file(fileState(group, index));
 }
@@ -148,23 +204,23 @@ void CTransferTable::fail(CTransferGroup& group, std::uint32_t index, const Fail
 
 void CTransferTable::setSize(CTransferGroup& group, std::uint32_t index, std::uint64_t size) {
   group.setSize(index, size);
-  keepFile(group, index);
+  saveFile(group, index);
 }
 
 void CTransferTable::remove(CTransferGroup& group, std::uint32_t index) {
   if (const RunningAttempt* attempt = attempts_.findFile({group.id(), index})) {
-    stop(attempt->id, group, Rest::kForget);
+    stop(attempt->id, group, Resume::kDiscard);
   }
-  discardRest(group, index);
+  discardResume(group, index);
   failures_.forget(group.id(), index);
   group.changePhase(index, FilePhase::kRemoved);
   store_.remove({group.id(), index});
 }
 
-void CTransferTable::keepFile(const CTransferGroup& group, std::uint32_t index) {
+void CTransferTable::saveFile(const CTransferGroup& group, std::uint32_t index) {
   const FileSlot& slot = group.file(index);
   store_.setState({group.id(), index},
-                  {.phase = kept(slot.phase), .size = slot.size, .sizeKnown = slot.sizeKnown});
+                  {.phase = stored(slot.phase), .size = slot.size, .sizeKnown = slot.sizeKnown});
 }
 
 StartOrder CTransferTable::begin(CTransferGroup& group, std::uint32_t index, FileSpec spec) {
@@ -184,52 +240,52 @@ StartOrder CTransferTable::begin(CTransferGroup& group, std::uint32_t index, Fil
   return order;
 }
 
-void CTransferTable::end(const RunningAttempt& attempt, CTransferGroup& group, Rest rest) {
-  if (rest == Rest::kKeep) {
-    keepRest(attempt, group, attempt.progress->resume());
+void CTransferTable::end(const RunningAttempt& attempt, CTransferGroup& group, Resume fate) {
+  if (fate == Resume::kKeep) {
+    keepResume(attempt, group, attempt.progress->resume());
   }
-  leave(attempt, group);
+  remove(attempt, group);
 }
 
-void CTransferTable::keepRest(const RunningAttempt& attempt, CTransferGroup& group,
-                              const TransferResume& resume) {
+void CTransferTable::keepResume(const RunningAttempt& attempt, CTransferGroup& group,
+                                const TransferResume& resume) {
   resumes_.keep(group, attempt.file.index, resume);
-  save(attempt, group, resume);
+  saveResume(attempt, group, resume);
 }
 
-void CTransferTable::keepResume(const RunningAttempt& attempt) {
+void CTransferTable::saveResume(const RunningAttempt& attempt) {
   if (const CTransferGroup* group = find(attempt.file.groupId)) {
-    save(attempt, *group, attempt.progress->resume());
+    saveResume(attempt, *group, attempt.progress->resume());
   }
 }
 
-// What is gone on with is not left behind, though it may have been once.
-void CTransferTable::save(const RunningAttempt& attempt, const CTransferGroup& group,
-                          const TransferResume& resume) {
+// A resumed file is no longer an orphan.
+void CTransferTable::saveResume(const RunningAttempt& attempt, const CTransferGroup& group,
+                                const TransferResume& resume) {
   cleanups_.forget({bytesOf(group.identity().folder), resume});
   store_.saveResume(attempt.file, resume);
 }
 
-void CTransferTable::leave(const RunningAttempt& attempt, CTransferGroup& group) {
+void CTransferTable::remove(const RunningAttempt& attempt, CTransferGroup& group) {
   group.removeInFlight(attempt.counted);
   attempts_.erase(attempt.id);
 }
 
-void CTransferTable::stop(AttemptId id, CTransferGroup& group, Rest rest) {
+void CTransferTable::stop(AttemptId id, CTransferGroup& group, Resume fate) {
   const RunningAttempt& attempt = *attempts_.find(id);
   AttemptStop stop{
       .attemptId = id, .folder = bytesOf(group.identity().folder), .progress = attempt.progress};
   Orphan orphan = stop.orphan();
-  // What it begins only now, before it hears of its stop, is unknown here.
-  stop.discard = rest == Rest::kForget || !orphan.resume.begun();
+  // The attempt may begin a partial file or session before it gets the stop.
+  stop.discard = fate == Resume::kDiscard || !orphan.resume.begun();
   stops_.push_back(std::move(stop));
-  if (rest == Rest::kKeep) {
-    keepRest(attempt, group, orphan.resume);
+  if (fate == Resume::kKeep) {
+    keepResume(attempt, group, orphan.resume);
   } else {
-    // An attempt removes its partial file itself, if nothing comes in between.
+    // The attempt usually removes its partial file itself.
     cleanups_.add(std::move(orphan));
   }
-  leave(attempt, group);
+  remove(attempt, group);
 }
 
 void CTransferTable::dropStops() {
@@ -240,18 +296,18 @@ void CTransferTable::dropStops() {
   }
 }
 
-void CTransferTable::hold(CTransferGroup& group, FilePhase then, bool everything) {
+void CTransferTable::stopAttempts(CTransferGroup& group, FilePhase then, bool finalizing) {
   for (const AttemptId id : attempts_.ofGroup(group.id())) {
     const RunningAttempt& attempt = *attempts_.find(id);
     const std::uint32_t index = attempt.file.index;
-    if (everything || !attempt.finalization) {
-      stop(id, group, Rest::kKeep);
+    if (finalizing || !attempt.finalization) {
+      stop(id, group, Resume::kKeep);
       move(group, index, then);
     }
   }
 }
 
-void CTransferTable::discardRest(CTransferGroup& group, std::uint32_t index) {
+void CTransferTable::discardResume(CTransferGroup& group, std::uint32_t index) {
   TransferResume resume = resumes_.take(group, index);
   if (resume.begun()) {
     cleanups_.add({bytesOf(group.identity().folder), std::move(resume)});

@@ -18,38 +18,40 @@
 
 namespace zt_transfers {
 
-// All groups with their attempts, and the steps that a file or a group can make: each is counted in
-// the group, kept in the store and reported at once, so that the three never differ.
+// All groups with their attempts, and every change of a file or a group: each is counted in the
+// group, saved in the store and reported at once, so that the three never differ.
 //
 // Thread: none of its own; the engine guards it.
 class CTransferTable {
  public:
   using Groups = std::map<std::int32_t, std::unique_ptr<CTransferGroup>>;
-  enum class Rest { kKeep, kForget };  // what becomes of what the attempt leaves
+  enum class Resume { kKeep, kDiscard };  // the fate of an attempt's resume data
 
   // `activity`: for the log. The others must outlive it.
   CTransferTable(std::string activity, const IClock& clock, IQueueStore& store, CEventQueue& events,
                  const BackoffPolicy& backoff);
 
-  // Null when there is none.
+  // Null for an unknown id.
   CTransferGroup* find(std::int32_t groupId);
   const Groups& groups() const { return groups_; }
-  // Nothing when no id is left.
+  // Null when no id is left.
   CTransferGroup* create(GroupIdentity identity, bool needsMark);
-  // Takes the place of all groups there are.
+  // Replaces all groups.
   void restore(RestoredQueue queue, bool needsMark);
   void forgetCancelled();
 
-  // The group's pause or mark has changed.
-  void keep(const CTransferGroup& group);
-  // The group as a whole is over.
+  // Saves the group's pause and mark.
+  void save(const CTransferGroup& group);
+  void pause(CTransferGroup& group);
+  // Failed files get another chance.
+  void resume(CTransferGroup& group);
   void cancel(CTransferGroup& group);
   void notify(const CTransferGroup& group) { eventThrottle_.group(group, clock_.now()); }
-  // The group, and the first thousand of its failed files.
+  // Reports the group and the first thousand of its failed files.
   void notifyAnew(const CTransferGroup& group);
   CEventThrottle& eventThrottle() { return eventThrottle_; }
 
-  // A file takes this step.
+  // Changes the file's phase.
   void move(CTransferGroup& group, std::uint32_t index, FilePhase to);
   // The same to kFailed.
   void fail(CTransferGroup& group, std::uint32_t index, const Failure& failure);
@@ -58,18 +60,19 @@ class CTransferTable {
 
   CAttemptTable& attempts() { return attempts_; }
   const CAttemptTable& attempts() const { return attempts_; }
-  // The order to begin a file, which runs from here on.
+  // Changes the file's phase to kRunning and returns the order for its attempt.
   StartOrder begin(CTransferGroup& group, std::uint32_t index, FileSpec spec);
-  // What the attempt would leave now.
-  void keepResume(const RunningAttempt& attempt);
+  // Saves the attempt's resume data.
+  void saveResume(const RunningAttempt& attempt);
   // The attempt has ended.
-  void end(const RunningAttempt& attempt, CTransferGroup& group, Rest rest);
-  // Stops what uses the network of the group, or everything; its files go on to `then`.
-  void hold(CTransferGroup& group, FilePhase then, bool everything);
-  // Has what attempts have left of a file cleared away.
-  void discardRest(CTransferGroup& group, std::uint32_t index);
+  void end(const RunningAttempt& attempt, CTransferGroup& group, Resume fate);
+  // Stops the group's attempts; `finalizing`: also those that no longer use the network. Their
+  // files change to `then`.
+  void stopAttempts(CTransferGroup& group, FilePhase then, bool finalizing);
+  // Has the file's partial file or session cleaned up.
+  void discardResume(CTransferGroup& group, std::uint32_t index);
   std::vector<AttemptStop> takeStops() { return std::exchange(stops_, {}); }
-  // Nothing runs any more, also not what was not stopped yet.
+  // No attempt runs any more, so the stops that nobody took are void.
   void dropStops();
   CCleanupQueue& cleanups() { return cleanups_; }
 
@@ -79,13 +82,14 @@ class CTransferTable {
   std::string fileText(const CTransferGroup& group, std::uint32_t index);
 
  private:
-  void keepFile(const CTransferGroup& group, std::uint32_t index);
+  void saveFile(const CTransferGroup& group, std::uint32_t index);
   void restore(RestoredGroup& restored, bool needsMark);
-  void stop(AttemptId id, CTransferGroup& group, Rest rest);
-  void keepRest(const RunningAttempt& attempt, CTransferGroup& group, const TransferResume& resume);
-  void save(const RunningAttempt& attempt, const CTransferGroup& group,
-            const TransferResume& resume);
-  void leave(const RunningAttempt& attempt, CTransferGroup& group);
+  void stop(AttemptId id, CTransferGroup& group, Resume fate);
+  void keepResume(const RunningAttempt& attempt, CTransferGroup& group,
+                  const TransferResume& resume);
+  void saveResume(const RunningAttempt& attempt, const CTransferGroup& group,
+                  const TransferResume& resume);
+  void remove(const RunningAttempt& attempt, CTransferGroup& group);
 
   const std::string activity_;
   const IClock& clock_;

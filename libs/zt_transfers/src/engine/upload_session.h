@@ -9,17 +9,17 @@
 
 namespace zt_transfers {
 
-// Which content a path had: as long as none of this changes, the file is taken for the same.
+// Identifies the content of a file without reading it.
 struct SourceVersion {
   std::uint64_t device = 0;
   std::uint64_t inode = 0;
   std::uint64_t size = 0;     // bytes
   std::int64_t modified = 0;  // nanoseconds since 1970
-  // Nanoseconds since 1970, set by the system whenever anything about the file is changed: its
-  // content, also where `modified` was set back afterwards, but its name as well.
+  // Nanoseconds since 1970, set by the system whenever the content, the attributes or the name
+  // change. Unlike `modified` it cannot be set back.
   std::int64_t touched = 0;
 
-  // Leaves `touched` out.
+  // Ignores `touched`.
   bool sameContent(const SourceVersion& other) const {
     return device == other.device && inode == other.inode && size == other.size &&
            modified == other.modified;
@@ -31,18 +31,18 @@ struct SourceVersion {
 struct SentPart {
   std::uint32_t number = 0;  // from 1 on
   std::string etag;          // as the server gave it
-  std::string md5;           // of what was sent, lower-case hexadecimal; empty: not computed
+  std::string md5;           // of its bytes, lower-case hexadecimal; empty: not computed
 
   bool operator==(const SentPart&) const = default;
 };
 
-// An upload in parts that was begun on a server, and how far it is. Parts have all the same size,
-// but for the last one.
+// A multipart upload that was initiated on a server, and its progress. All parts but the last have
+// the same size.
 struct UploadSession {
-  static constexpr std::uint32_t kMaxParts = 10'000;  // that a server takes
+  static constexpr std::uint32_t kMaxParts = 10'000;  // as servers limit them
 
-  std::string uploadId;  // empty: nothing was begun
-  std::string url;       // with these two it can be gone on with, or aborted
+  std::string uploadId;  // empty: none was initiated
+  std::string url;       // for requests to resume or abort it, as are the headers
   std::vector<std::pair<std::string, std::string>> headers;
   std::uint64_t partSize = 0;  // bytes
   SourceVersion source;
@@ -57,5 +57,9 @@ struct UploadSession {
 
   bool operator==(const UploadSession&) const = default;
 };
+
+// The size of the parts in which a file of `size` bytes is sent. `wanted` is the page's choice, 0:
+// none; it is raised where a server would not accept so many parts.
+std::uint64_t partSizeFor(std::uint64_t size, std::uint64_t wanted);
 
 }  // namespace zt_transfers

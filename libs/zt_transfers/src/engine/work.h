@@ -10,7 +10,7 @@
 
 namespace zt_transfers {
 
-// How transfers are to be made, from the program's configuration.
+// The program's configuration, as far as the engine needs it.
 struct TransferSettings {
   std::uint32_t maxConcurrent = 8;  // 0 counts as 1
   std::uint32_t maxRetries = 5;
@@ -19,13 +19,13 @@ struct TransferSettings {
   PartPolicy parts{};
 };
 
-// What the network thread is to do now, in this order.
+// Orders for the network thread, to be carried out in this sequence.
 struct TransferWork {
   std::vector<AttemptStop> stops;
   std::vector<CleanupTask> cleanups;
   std::vector<StartOrder> starts;
-  std::vector<std::string> failures;  // lines for the log, written already
-  std::optional<TimePoint> nextDue;   // when to ask again, without another reason to
+  std::vector<std::string> failures;  // lines that the engine has logged
+  std::optional<TimePoint> nextDue;   // when to ask again at the latest
 };
 
 }  // namespace zt_transfers

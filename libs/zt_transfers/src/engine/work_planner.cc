@@ -5,13 +5,18 @@
 namespace zt_transfers {
 namespace {
 
-// Files that fail before they begin are worked off in portions, so that the lock is given free.
-constexpr int kStartsAtOnce = 512;
+// Files that fail before they begin are handled in batches so that the lock is released in between.
+constexpr int kMaxStartsPerTick = 512;
 
-// Files that have arrived and are being put in place, beside those that use the network.
+// Files that have arrived and are being finalized do not count as transfers.
 constexpr std::size_t kMaxFinalizing = 128;
 
 }  // namespace
+
+void CWorkPlanner::setSettings(TransferSettings settings) {
+  settings_ = std::move(settings);
+  retries_.setMaxRetries(settings_.maxRetries);
+}
 
 void CWorkPlanner::stop() {
   running_ = false;
@@ -20,8 +25,8 @@ void CWorkPlanner::stop() {
 }
 
 void CWorkPlanner::list(CTransferGroup& group) {
-  if (!group.pace.listed && running_ && group.count(FilePhase::kWaiting) != 0) {
-    group.pace.listed = true;
+  if (!group.scheduling.listed && running_ && group.count(FilePhase::kWaiting) != 0) {
+    group.scheduling.listed = true;
     schedule_.addToRound(group.id());
   }
 }
@@ -63,14 +68,14 @@ void CWorkPlanner::wakeRetries() {
 }
 
 void CWorkPlanner::beginReady(TransferWork& work) {
-  const std::size_t most = std::max<std::uint32_t>(settings_.maxConcurrent, 1);
+  const std::size_t max = std::max<std::uint32_t>(settings_.maxConcurrent, 1);
   const TimePoint now = clock_.now();
   const auto hasRoom = [&] {
-    return table_.attempts().transferring() < most &&
-           table_.attempts().size() < most + kMaxFinalizing;
+    return table_.attempts().transferring() < max &&
+           table_.attempts().size() < max + kMaxFinalizing;
   };
   for (int starts = 0; hasRoom(); ++starts) {
-    if (starts == kStartsAtOnce) {
+    if (starts == kMaxStartsPerTick) {
       work.nextDue = now;
       return;
     }
@@ -82,12 +87,12 @@ void CWorkPlanner::beginReady(TransferWork& work) {
     if (group == nullptr) {
       continue;
     }
-    group->pace.listed = false;
+    group->scheduling.listed = false;
     if (group->paused() || group->cancelled()) {
       continue;
     }
-    if (group->pace.notBefore > now) {
-      schedule_.addDue({group->pace.notBefore, {*groupId, 0}, true});
+    if (group->scheduling.notBefore > now) {
+      schedule_.addDue({group->scheduling.notBefore, {*groupId, 0}, true});
       continue;
     }
     if (beginNext(*group, work)) {
@@ -96,7 +101,7 @@ void CWorkPlanner::beginReady(TransferWork& work) {
   }
 }
 
-// False when none waits, or its description has yet to come.
+// False when no file waits, or its description is still being loaded.
 bool CWorkPlanner::beginNext(CTransferGroup& group, TransferWork& work) {
   const auto index = group.takeWaiting();
   if (!index) {
@@ -110,7 +115,7 @@ bool CWorkPlanner::beginNext(CTransferGroup& group, TransferWork& work) {
   if (!spec) {
     if (store_.load({group.id(), *index})) {
       group.putBack(*index);
-      return false;  // the engine is told when it comes
+      return false;  // specsArrived lists the group again
     }
     failWaiting(group, *index, {failure::kQueueUnreadable, "its description cannot be read"}, work);
     return true;
@@ -128,10 +133,10 @@ bool CWorkPlanner::beginNext(CTransferGroup& group, TransferWork& work) {
   return true;
 }
 
-void CWorkPlanner::failWaiting(CTransferGroup& group, std::uint32_t index, const Trouble& trouble,
+void CWorkPlanner::failWaiting(CTransferGroup& group, std::uint32_t index, const Problem& problem,
                                TransferWork& work) {
-  work.failures.push_back(table_.fileText(group, index) + ": failed: " + trouble.reason);
-  table_.fail(group, index, failureOf(trouble.code, trouble.reason));
+  work.failures.push_back(table_.fileText(group, index) + ": failed: " + problem.reason);
+  table_.fail(group, index, failureOf(problem.code, problem.reason));
   table_.notify(group);
 }
 
@@ -142,8 +147,8 @@ bool CWorkPlanner::expired(std::uint64_t time) const {
 std::string CWorkPlanner::applyOutcome(CTransferGroup& group, std::uint32_t index,
                                        const AttemptOutcome& outcome) {
   if (outcome.kind == AttemptOutcome::Kind::kDone) {
-    group.pace.troubles = 0;
-    group.pace.waitingFor.reset();
+    group.scheduling.outages = 0;
+    group.scheduling.waitingFor.reset();
     const std::string text = table_.fileText(group, index);
     table_.move(group, index, FilePhase::kCompleted);
     return text + ": completed";
@@ -151,8 +156,10 @@ std::string CWorkPlanner::applyOutcome(CTransferGroup& group, std::uint32_t inde
   if (outcome.progressed) {
     group.forgetRetries(index);
   }
-  if (mayRetry(group.file(index), outcome)) {
-    return scheduleRetry(group, index, outcome);
+  const CRetryPolicy::Decision decision =
+      retries_.decide(group.file(index).retries, group.scheduling, outcome, clock_.now());
+  if (decision.retry) {
+    return scheduleRetry(group, index, outcome, decision);
   }
   const std::string text = table_.fileText(group, index);
   table_.fail(group, index, failureOf(outcome.code, outcome.reason));
@@ -163,38 +170,20 @@ std::string CWorkPlanner::applyOutcome(CTransferGroup& group, std::uint32_t inde
   return text + ": failed" + after + ": " + outcome.reason;
 }
 
-bool CWorkPlanner::mayRetry(const FileSlot& file, const AttemptOutcome& outcome) const {
-  if (outcome.kind != AttemptOutcome::Kind::kRetry) {
-    return false;
-  }
-  switch (outcome.retryBudget) {
-    case AttemptOutcome::RetryBudget::kFree:
-      return true;
-    case AttemptOutcome::RetryBudget::kAtLeastOne:
-      return file.retries < std::max<std::uint32_t>(settings_.maxRetries, 1);
-    default:
-      return file.retries < settings_.maxRetries;
-  }
-}
-
 std::string CWorkPlanner::scheduleRetry(CTransferGroup& group, std::uint32_t index,
-                                        const AttemptOutcome& outcome) {
-  const TimePoint now = clock_.now();
-  retries_.rest(group.pace, outcome, now);
+                                        const AttemptOutcome& outcome,
+                                        const CRetryPolicy::Decision& decision) {
   table_.move(group, index, FilePhase::kBackingOff);
-  if (outcome.retryBudget == AttemptOutcome::RetryBudget::kFree) {
-    const auto delay = retries_.delay(std::max<std::uint32_t>(group.pace.troubles, 1), outcome);
-    schedule_.addDue({now + delay, {group.id(), index}, false});
-    return table_.fileText(group, index) + ": waits " + std::to_string(delay.count()) +
-           " ms until it can go on: " + outcome.reason;
+  schedule_.addDue({clock_.now() + decision.delay, {group.id(), index}, false});
+  const std::string delay = std::to_string(decision.delay.count()) + " ms";
+  if (!decision.counts) {
+    return table_.fileText(group, index) + ": waits " + delay +
+           " until it can go on: " + outcome.reason;
   }
   group.countRetry(index);
-  const std::uint32_t retry = group.file(index).retries;
-  const auto delay = retries_.delay(retry, outcome);
-  schedule_.addDue({now + delay, {group.id(), index}, false});
-  return table_.fileText(group, index) + ": attempt " + std::to_string(retry) + " of " +
-         std::to_string(settings_.maxRetries + 1) + " failed, next in " +
-         std::to_string(delay.count()) + " ms: " + outcome.reason;
+  return table_.fileText(group, index) + ": attempt " + std::to_string(group.file(index).retries) +
+         " of " + std::to_string(decision.maxRetries + 1) + " failed, next in " + delay + ": " +
+         outcome.reason;
 }
 
 }  // namespace zt_transfers

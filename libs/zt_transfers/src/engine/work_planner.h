@@ -4,36 +4,36 @@
 #include <string>
 #include <utility>
 
-#include "engine/retry_plan.h"
+#include "engine/retry_policy.h"
 #include "engine/schedule.h"
 #include "engine/transfer_table.h"
 #include "engine/work.h"
 
 namespace zt_transfers {
 
-// Decides which file is begun when: groups take turns, files that failed come back after their
-// time, and no more are under way than allowed.
+// Decides which file is begun when: groups take turns, failed files return after their delay, and
+// the number of concurrent transfers is limited.
 //
 // Thread: none of its own; the engine guards it.
 class CWorkPlanner {
  public:
   // All must outlive it.
-  CWorkPlanner(CTransferTable& book, IQueueStore& store, const IClock& clock,
+  CWorkPlanner(CTransferTable& table, IQueueStore& store, const IClock& clock,
                const BackoffPolicy& backoff)
-      : table_(book), store_(store), clock_(clock), retries_(backoff) {}
+      : table_(table), store_(store), clock_(clock), retries_(backoff) {}
 
-  void setSettings(TransferSettings settings) { settings_ = std::move(settings); }
+  void setSettings(TransferSettings settings);
 
-  // Between these two something is begun.
+  // Files are begun between these two calls only.
   void start() { running_ = true; }
   void stop();
   bool running() const { return running_; }
 
-  // The group has, or may have, something to begin.
+  // Gives the group its turn if files wait in it.
   void list(CTransferGroup& group);
-  // `congested`: the program does not keep up with its reports; nothing is begun.
+  // `congested`: the program does not keep up with its events; no file is begun.
   TransferWork takeWork(bool congested);
-  // Moves the file on by its attempt's outcome and gives the line for the log.
+  // Changes the file's phase by its attempt's outcome and returns the line for the log.
   std::string applyOutcome(CTransferGroup& group, std::uint32_t index,
                            const AttemptOutcome& outcome);
 
@@ -41,13 +41,12 @@ class CWorkPlanner {
   void wakeRetries();
   void beginReady(TransferWork& work);
   bool beginNext(CTransferGroup& group, TransferWork& work);
-  void failWaiting(CTransferGroup& group, std::uint32_t index, const Trouble& trouble,
+  void failWaiting(CTransferGroup& group, std::uint32_t index, const Problem& problem,
                    TransferWork& work);
-  bool mayRetry(const FileSlot& file, const AttemptOutcome& outcome) const;
   // `time` in seconds since 1970; 0: never
   bool expired(std::uint64_t time) const;
   std::string scheduleRetry(CTransferGroup& group, std::uint32_t index,
-                            const AttemptOutcome& outcome);
+                            const AttemptOutcome& outcome, const CRetryPolicy::Decision& decision);
 
   CTransferTable& table_;
   IQueueStore& store_;
@@ -55,7 +54,7 @@ class CWorkPlanner {
   TransferSettings settings_;
   bool running_ = false;
   CSchedule schedule_;
-  CRetryPlan retries_;
+  CRetryPolicy retries_;
 };
 
 }  // namespace zt_transfers

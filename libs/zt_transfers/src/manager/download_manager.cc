@@ -1,15 +1,11 @@
 #include "zt_transfers/download_manager.h"
 
-#include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "base/file_ops.h"
 #include "base/wide_bytes.h"
 #include "download/download_runner.h"
-#include "manager/batches.h"
-#include "manager/manager_core.h"
-#include "manager/subscription.h"
+#include "manager/manager_impl.h"
 
 namespace zt_transfers {
 namespace {
@@ -25,7 +21,7 @@ CDownloadManager::GroupState downloadGroup(const GroupSnapshot& shot) {
 FileSpec specOf(const CDownloadManager::FileDownloadDetails& file) {
   FileSpec spec;
   spec.fileId = file.fileId;
-  spec.place = bytesOf(file.path);
+  spec.location = bytesOf(file.path);
   spec.url = file.url;
   spec.size = file.size;
   spec.modified = file.modified;
@@ -34,62 +30,43 @@ FileSpec specOf(const CDownloadManager::FileDownloadDetails& file) {
   return spec;
 }
 
+CManagerCore::Options downloadOptions() {
+  CManagerCore::Options options;
+  options.shortName = "down";
+  options.database = "zt_downloads.db";
+  options.engine = {.activity = "download", .needsMark = false, .statsSources = false};
+  options.makeRunner = [](const CManagerCore::RunnerDependencies& given) {
+    static CPosixFileOps fileOps;  // without state
+    return std::make_unique<CDownloadRunner>(
+        CDownloadRunner::Dependencies{given.loop, given.pool, given.log, given.observer, fileOps});
+  };
+  return options;
+}
+
 }  // namespace
 
-class CDownloadManager::Impl {
+class CDownloadManager::Impl : public CManagerImpl<CDownloadManager, FileDownloadDetails> {
  public:
-  Impl()
-      : core({.shortName = "down",
-              .database = "zt_downloads.db",
-              .engine = {.activity = "download", .needsMark = false, .statsSources = false},
-              .makeRunner =
-                  [this](const CManagerCore::RunnerDependencies& with) {
-                    return std::make_unique<CDownloadRunner>(CDownloadRunner::Dependencies{
-                        with.loop, with.pool, with.log, with.observer, fileOps});
-                  },
-              .deliver = [this](const TransferEvent& event) { deliver(event); }}) {
-    core.configure(configuration);
-  }
-
-  void deliver(const TransferEvent& event) {
-    subscription.call([&event](ICallback& callback) {
-      if (const auto* group = std::get_if<GroupSnapshot>(&event)) {
-        callback.onGroupStateChanged(downloadGroup(*group));
-      } else {
-        callback.onFileStateChanged(std::get<FileState>(event));
-      }
-    });
-  }
-
-  Configuration configuration;
-  CSubscription<ICallback> subscription;
-  CPosixFileOps fileOps;
-  CManagerCore core;  // last, so that its threads end before anything else goes
+  Impl() : CManagerImpl(downloadOptions(), {.groupState = downloadGroup, .spec = specOf}) {}
 };
 
 CDownloadManager::CDownloadManager() : impl_(std::make_unique<Impl>()) {}
 CDownloadManager::~CDownloadManager() = default;
 
 void CDownloadManager::subscribeToEvents(ICallback* callback) {
-  impl_->subscription.set(callback);
+  impl_->subscribe(callback);
 }
-
 const CDownloadManager::Configuration& CDownloadManager::getConfiguration() const {
   return impl_->configuration;
 }
-
 void CDownloadManager::setConfiguration(const Configuration& configuration) {
   impl_->configuration = configuration;
-  impl_->core.configure(configuration);
+  impl_->core().configure(configuration);
 }
 
 void CDownloadManager::fetchGroupsInfo(std::vector<GroupState>& groups) {
-  groups.clear();
-  for (const GroupSnapshot& shot : impl_->core.engine().groups()) {
-    groups.push_back(downloadGroup(shot));
-  }
+  impl_->fetchGroups(groups);
 }
-
 std::int32_t CDownloadManager::createGroup(const std::string& bucketId,
                                            const std::string& bucketType, const std::string& token,
                                            std::uint64_t tokenExpires,
@@ -100,54 +77,35 @@ std::int32_t CDownloadManager::createGroup(const std::string& bucketId,
   identity.token = token;
   identity.tokenExpires = tokenExpires;
   identity.folder = downloadDirectory;
-  return impl_->core.openEngine().createGroup(std::move(identity));
+  return impl_->engine().createGroup(std::move(identity));
 }
-
 int CDownloadManager::getGroupState(std::int32_t groupId, GroupState& state) {
-  const auto shot = impl_->core.engine().group(groupId);
-  if (!shot) {
-    return -1;
-  }
-  state = downloadGroup(*shot);
-  return 0;
+  return impl_->fetchGroup(groupId, state);
 }
 
 void CDownloadManager::queueFiles(std::int32_t groupId,
                                   const std::vector<FileDownloadDetails>& files) {
-  inBatches(files, [&](auto begin, auto end) {
-    std::vector<FileSpec> specs;
-    specs.reserve(kFilesAtOnce);
-    std::transform(begin, end, std::back_inserter(specs), specOf);
-    impl_->core.openEngine().queueFiles(groupId, specs);
-  });
+  impl_->queueFiles(groupId, files);
 }
-
 void CDownloadManager::dequeueFiles(std::int32_t groupId,
                                     const std::vector<FileDownloadDetails>& files) {
-  inBatches(files, [&](auto begin, auto end) {
-    std::vector<std::string> fileIds;
-    fileIds.reserve(kFilesAtOnce);
-    std::transform(begin, end, std::back_inserter(fileIds),
-                   [](const auto& file) { return file.fileId; });
-    impl_->core.openEngine().dequeueFiles(groupId, fileIds);
-  });
+  impl_->dequeueFiles(groupId, files);
 }
-
 void CDownloadManager::pauseGroup(std::int32_t groupId) {
-  impl_->core.openEngine().pauseGroup(groupId);
+  impl_->engine().pauseGroup(groupId);
 }
 void CDownloadManager::resumeGroup(std::int32_t groupId) {
-  impl_->core.openEngine().resumeGroup(groupId);
+  impl_->engine().resumeGroup(groupId);
 }
 void CDownloadManager::cancelGroup(std::int32_t groupId) {
-  impl_->core.openEngine().cancelGroup(groupId);
+  impl_->engine().cancelGroup(groupId);
 }
 
 void CDownloadManager::startup() {
-  impl_->core.startup();
+  impl_->core().startup();
 }
 void CDownloadManager::shutdown() {
-  impl_->core.shutdown();
+  impl_->core().shutdown();
 }
 
 }  // namespace zt_transfers

@@ -8,8 +8,8 @@
 
 namespace zt_transfers {
 
-CEventDispatcher::CEventDispatcher(std::string name, CEventQueue& events, Dependencies calls)
-    : name_(std::move(name)), events_(events), calls_(std::move(calls)) {}
+CEventDispatcher::CEventDispatcher(std::string name, CEventQueue& events, Dependencies dependencies)
+    : name_(std::move(name)), events_(events), dependencies_(std::move(dependencies)) {}
 
 void CEventDispatcher::start() {
   if (!thread_.joinable()) {
@@ -36,11 +36,11 @@ void CEventDispatcher::stop() {
   }
 }
 
-// So that a burst of events costs one change of threads and not one each.
-bool CEventDispatcher::rest() {
-  constexpr std::chrono::milliseconds kRest{4};
+// Waits so that a burst of events costs one thread switch and not one each.
+bool CEventDispatcher::gather() {
+  constexpr std::chrono::milliseconds kGather{4};
   CMutexLock lock(mutex_);
-  return !stopped_.waitFor(mutex_, kRest, [this]() REQUIRES(mutex_) { return stopping_; });
+  return !stopped_.waitFor(mutex_, kGather, [this]() REQUIRES(mutex_) { return stopping_; });
 }
 
 void CEventDispatcher::run() {
@@ -52,12 +52,12 @@ void CEventDispatcher::run() {
         events_.take(last          ? std::optional<Duration>(Duration::zero())
                      : progressing ? std::optional<Duration>(CEventThrottle::kInterval)
                                    : std::nullopt);
-    calls_.prepare(events);
+    dependencies_.prepare(events);
     for (const TransferEvent& event : events) {
-      calls_.deliver(event);
+      dependencies_.deliver(event);
     }
     if (events.size() > CEventQueue::kCongestion) {
-      calls_.caughtUp();
+      dependencies_.caughtUp();
     }
     if (last) {
       return;
@@ -65,12 +65,12 @@ void CEventDispatcher::run() {
     const TimePoint now = std::chrono::steady_clock::now();
     if (now - collected >= CEventThrottle::kInterval) {
       collected = now;
-      progressing = calls_.collectProgress();
+      progressing = dependencies_.collectProgress();
     } else {
-      // Something happened just now; see again in a moment what becomes of it.
+      // Too early; progress of what has just begun may be due soon.
       progressing = true;
     }
-    last = !rest();
+    last = !gather();
   }
 }
 

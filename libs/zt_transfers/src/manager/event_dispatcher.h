@@ -10,24 +10,24 @@
 
 namespace zt_transfers {
 
-// The thread on which a manager tells the program its events. A program that takes its time
-// gets its progress reports less often and no event out of order; it holds up no transfer that
-// runs. Events that follow each other within a few milliseconds are told together.
+// The thread that delivers a manager's events to the program. A slow program gets fewer progress
+// events, and never an event out of order; it does not delay running transfers. Events within a few
+// milliseconds are delivered together.
 //
 // Thread: start and stop by the owner.
 class CEventDispatcher {
  public:
   struct Dependencies {
-    // These are about to be delivered.
+    // Called before these events are delivered.
     std::function<void(const std::vector<TransferEvent>&)> prepare;
     std::function<void(const TransferEvent&)> deliver;
-    // Adds progress that is due to the events; false when none is to be expected.
+    // Queues events for progress that is due; false when nothing can make progress.
     std::function<bool()> collectProgress;
-    // A long queue of events was worked off.
+    // A long queue of events was delivered.
     std::function<void()> caughtUp;
   };
 
-  CEventDispatcher(std::string name, CEventQueue& events, Dependencies calls);
+  CEventDispatcher(std::string name, CEventQueue& events, Dependencies dependencies);
   ~CEventDispatcher() { stop(); }
   CEventDispatcher(const CEventDispatcher&) = delete;
   CEventDispatcher& operator=(const CEventDispatcher&) = delete;
@@ -38,12 +38,12 @@ class CEventDispatcher {
 
  private:
   void run();
-  // False when the notifier stops.
-  bool rest();
+  // False when the dispatcher stops.
+  bool gather();
 
   const std::string name_;
   CEventQueue& events_;
-  const Dependencies calls_;
+  const Dependencies dependencies_;
   std::thread thread_;
 
   CMutex mutex_;

@@ -17,14 +17,13 @@ namespace {
 
 constexpr std::size_t kMaxStats = 256;
 
-// For the database, before files get their names or are told to be completed nevertheless.
+// Files get their final names, and are reported as completed, after this time in any case.
 constexpr std::chrono::milliseconds kMaxFlushTime{1000};
 
-// More than the processor has cores: some of them wait for a disk, and those that hash are served
-// by one of them together.
+// More than the processor has cores: some threads wait for a disk, and one hashes for several.
 constexpr unsigned kPoolSize = kMd5Lanes;
 
-// 0 when it is not to be had; sending it will say why.
+// 0 when the file cannot be statted; the attempt to send it reports the reason.
 std::uint64_t sizeOfSource(const std::string& url) {
   const auto path = pathOfFileUrl(url);
   struct stat status {};
@@ -46,8 +45,8 @@ std::vector<CTransferEngine::FileSize> sizesOf(
     const std::vector<CTransferEngine::PendingSize>& files) {
   std::vector<CTransferEngine::FileSize> sizes;
   sizes.reserve(files.size());
-  for (const auto& [file, place] : files) {
-    sizes.push_back({file, sizeOfSource(place)});
+  for (const auto& [file, location] : files) {
+    sizes.push_back({file, sizeOfSource(location)});
   }
   return sizes;
 }
@@ -77,8 +76,8 @@ CManagerCore::CManagerCore(Options options)
                  .log = log_,
                  .look = [this](std::int32_t id) { return engine_.report(id); }}),
       dispatcher_("zt-tell-" + options_.shortName, events_,
-                  {.prepare = [this](const auto& events) { flushCompleted(events); },
-                   .deliver = [this](const auto& event) { deliver(event); },
+                  {.prepare = [this](const auto& events) { prepareDelivery(events); },
+                   .deliver = options_.deliver,
                    .collectProgress = [this] { return engine_.collectProgress(); },
                    .caughtUp = [this] { loop_.wake(); }}),
       sleepGuard_("zt-wake-" + options_.shortName,
@@ -166,26 +165,23 @@ void CManagerCore::shutdown() {
   log_.information("Stopped " + options_.engine.activity + "s");
 }
 
-// From here on another manager may have the queue; whoever needs it again here reads it anew.
-// Without a database, what is in memory is all there is.
+// Another manager may open the queue from here on, so this one reads it anew when it is needed.
+// Without a database the queue stays in memory.
 void CManagerCore::closeQueue() {
   const CMutexLock lock(opening_);
   opened_ = queue_.isOpen() ? !queue_.close() : !engine_.groups().empty();
 }
 
-void CManagerCore::deliver(const TransferEvent& event) {
-  if (const auto* group = std::get_if<GroupSnapshot>(&event)) {
-    progress_.note(*group);
+// A file that is reported as completed stays so after a crash.
+void CManagerCore::prepareDelivery(const std::vector<TransferEvent>& events) {
+  bool completed = false;
+  for (const TransferEvent& event : events) {
+    if (const auto* group = std::get_if<GroupSnapshot>(&event)) {
+      progress_.note(*group);
+    } else {
+      completed = completed || std::get<FileState>(event).state == kFileCompleted;
+    }
   }
-  options_.deliver(event);
-}
-
-// What the program is told to be completed is so after a crash as well.
-void CManagerCore::flushCompleted(const std::vector<TransferEvent>& events) {
-  const bool completed = std::any_of(events.begin(), events.end(), [](const TransferEvent& event) {
-    const auto* file = std::get_if<FileState>(&event);
-    return file != nullptr && file->state == kFileCompleted;
-  });
   if (completed) {
     queue_.flush(kMaxFlushTime);
   }
@@ -208,12 +204,12 @@ std::optional<TimePoint> CManagerCore::tick() {
   const auto attempts = runner_->tick();
   const auto report = progress_.tick();
   if (!allBegun) {
-    return clock_.now();  // an attempt that could not even begin has made room for the next
+    return clock_.now();  // an attempt that ended at once has made room for the next
   }
   return earliest({work.nextDue, attempts, report});
 }
 
-// Lets the pool find sizes, one portion at a time so that transfers get their turn there.
+// One batch at a time, so that the pool serves transfers in between.
 void CManagerCore::statSources() {
   if (statting_ || !engine_.hasPendingSizes()) {
     return;

@@ -19,9 +19,9 @@
 
 namespace zt_transfers {
 
-// What both managers are made of: the engine, its threads, and the wiring between them.
+// The parts that both managers share: the engine, its threads, and the wiring between them.
 //
-// Threads: one for the network ("zt-net-…"), one that tells events ("zt-tell-…"), one that keeps
+// Threads: one for the network ("zt-net-…"), one that delivers events ("zt-tell-…"), one that keeps
 // the machine awake ("zt-wake-…"), and a pool for files ("zt-disk-…"), all between startup and
 // shutdown only. One for the database ("zt-store-…") from the first change or startup to
 // shutdown. Ownership: a manager owns one; the program's one thread calls all
@@ -39,8 +39,7 @@ class CManagerCore {
     std::string database;   // name of the queue's file in the application files path
     CTransferEngine::Options engine;
     std::function<std::unique_ptr<IAttemptRunner>(const RunnerDependencies&)> makeRunner;
-    // Called on the telling thread.
-    std::function<void(const TransferEvent&)> deliver;
+    std::function<void(const TransferEvent&)> deliver;  // called on the event thread
   };
 
   explicit CManagerCore(Options options);
@@ -49,7 +48,7 @@ class CManagerCore {
   CManagerCore& operator=(const CManagerCore&) = delete;
 
   CTransferEngine& engine() { return engine_; }
-  // The same for operations that change the queue: what was kept of it is read first.
+  // The same for operations that change the queue: the stored queue is read first.
   CTransferEngine& openEngine();
   void configure(const CTransferManagerBase::Configuration& configuration);
 
@@ -57,7 +56,7 @@ class CManagerCore {
   void shutdown();
 
  private:
-  // Takes the log's place until the files path is known, which is at startup.
+  // Opens the log at startup, when the files path is known.
   class CDeferredLog : public ILog {
    public:
     void open(const std::string& folder);
@@ -69,8 +68,7 @@ class CManagerCore {
 
   void openQueue();
   void closeQueue();
-  void deliver(const TransferEvent& event);
-  void flushCompleted(const std::vector<TransferEvent>& events);
+  void prepareDelivery(const std::vector<TransferEvent>& events);
   std::optional<TimePoint> tick();
   void statSources();
 

@@ -6,12 +6,12 @@
 
 namespace zt_transfers {
 
-// The program's callback, which it may exchange or take away while another thread calls it.
+// The program's callback, which may be replaced or removed while another thread calls it.
 // Thread: any; `call` by one thread at a time.
 template <typename Callback>
 class CSubscription {
  public:
-  // When it returns, the callback before is not running and will not be called again, unless
+  // When this returns, the former callback is not running and will not be called again, unless
   // this is called from within that callback.
   void set(Callback* callback) {
     CMutexLock lock(mutex_);
@@ -21,6 +21,7 @@ class CSubscription {
     }
   }
 
+  // Exceptions of `call` pass through.
   template <typename Call>
   void call(Call&& call) {
     Callback* callback = nullptr;
@@ -32,15 +33,29 @@ class CSubscription {
       }
       calling_ = std::this_thread::get_id();
     }
+    const Caller caller(*this);
     call(*callback);
-    {
-      const CMutexLock lock(mutex_);
-      calling_ = std::thread::id();
-    }
-    ended_.notifyAll();
   }
 
  private:
+  // Ends the call, also when it throws.
+  class Caller {
+   public:
+    explicit Caller(CSubscription& subscription) : subscription_(subscription) {}
+    ~Caller() {
+      {
+        const CMutexLock lock(subscription_.mutex_);
+        subscription_.calling_ = std::thread::id();
+      }
+      subscription_.ended_.notifyAll();
+    }
+    Caller(const Caller&) = delete;
+    Caller& operator=(const Caller&) = delete;
+
+   private:
+    CSubscription& subscription_;
+  };
+
   CMutex mutex_;
   CConditionVariable ended_;
   Callback* callback_ GUARDED_BY(mutex_) = nullptr;

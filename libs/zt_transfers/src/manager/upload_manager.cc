@@ -1,13 +1,9 @@
 #include "zt_transfers/upload_manager.h"
 
-#include <algorithm>
-#include <iterator>
 #include <utility>
 
 #include "base/wide_bytes.h"
-#include "manager/batches.h"
-#include "manager/manager_core.h"
-#include "manager/subscription.h"
+#include "manager/manager_impl.h"
 #include "reports/report_interval.h"
 #include "upload/upload_runner.h"
 
@@ -24,74 +20,56 @@ CUploadManager::GroupState uploadGroup(const GroupSnapshot& shot) {
 FileSpec specOf(const CUploadManager::FileDesc& file) {
   FileSpec spec;
   spec.fileId = file.fileId;
-  spec.place = bytesOf(file.fileURL);
+  spec.location = bytesOf(file.fileURL);
   spec.url = file.url;
   spec.headers = file.headers;
   return spec;
 }
 
+CManagerCore::Options uploadOptions() {
+  CManagerCore::Options options;
+  options.shortName = "up";
+  options.database = "zt_uploads.db";
+  options.engine = {.activity = "upload", .needsMark = true, .statsSources = true};
+  options.makeRunner = [](const CManagerCore::RunnerDependencies& given) {
+    return std::make_unique<CUploadRunner>(
+        UploadDependencies{given.loop, given.pool, given.log, given.observer});
+  };
+  return options;
+}
+
+void setReportInterval(std::uint32_t seconds) {
+  CReportInterval::shared().set(std::chrono::seconds(seconds));
+}
+
 }  // namespace
 
-class CUploadManager::Impl {
+class CUploadManager::Impl : public CManagerImpl<CUploadManager, FileDesc> {
  public:
-  Impl()
-      : core({.shortName = "up",
-              .database = "zt_uploads.db",
-              .engine = {.activity = "upload", .needsMark = true, .statsSources = true},
-              .makeRunner =
-                  [](const CManagerCore::RunnerDependencies& parts) {
-                    return std::make_unique<CUploadRunner>(
-                        UploadDependencies{parts.loop, parts.pool, parts.log, parts.observer});
-                  },
-              .deliver = [this](const TransferEvent& event) { deliver(event); }}) {
-    configure();
+  Impl() : CManagerImpl(uploadOptions(), {.groupState = uploadGroup, .spec = specOf}) {
+    setReportInterval(configuration.serverTransferProgressInterval);
   }
-  ~Impl() { CReportInterval::shared().set(std::chrono::seconds::zero()); }
-
-  void configure() {
-    CReportInterval::shared().set(
-        std::chrono::seconds(configuration.serverTransferProgressInterval));
-    core.configure(configuration);
-  }
-
-  void deliver(const TransferEvent& event) {
-    subscription.call([&event](ICallback& callback) {
-      if (const auto* group = std::get_if<GroupSnapshot>(&event)) {
-        callback.onGroupStateChanged(uploadGroup(*group));
-      } else {
-        callback.onFileStateChanged(std::get<FileState>(event));
-      }
-    });
-  }
-
-  Configuration configuration;
-  CSubscription<ICallback> subscription;
-  CManagerCore core;  // last, so that its threads end before anything else goes
+  ~Impl() { setReportInterval(0); }
 };
 
 CUploadManager::CUploadManager() : impl_(std::make_unique<Impl>()) {}
 CUploadManager::~CUploadManager() = default;
 
 void CUploadManager::subscribeToEvents(ICallback* callback) {
-  impl_->subscription.set(callback);
+  impl_->subscribe(callback);
 }
-
 const CUploadManager::Configuration& CUploadManager::getConfiguration() const {
   return impl_->configuration;
 }
-
 void CUploadManager::setConfiguration(const Configuration& configuration) {
   impl_->configuration = configuration;
-  impl_->configure();
+  setReportInterval(configuration.serverTransferProgressInterval);
+  impl_->core().configure(configuration);
 }
 
 void CUploadManager::fetchGroupsInfo(std::vector<GroupState>& groups) {
-  groups.clear();
-  for (const GroupSnapshot& shot : impl_->core.engine().groups()) {
-    groups.push_back(uploadGroup(shot));
-  }
+  impl_->fetchGroups(groups);
 }
-
 std::int32_t CUploadManager::createGroup(const std::string& bucketId, const std::string& bucketType,
                                          const std::string& token, std::uint64_t tokenExpires) {
   GroupIdentity identity;
@@ -99,58 +77,39 @@ std::int32_t CUploadManager::createGroup(const std::string& bucketId, const std:
   identity.bucketType = bucketType;
   identity.token = token;
   identity.tokenExpires = tokenExpires;
-  return impl_->core.openEngine().createGroup(std::move(identity));
+  return impl_->engine().createGroup(std::move(identity));
 }
-
 int CUploadManager::getGroupState(std::int32_t groupId, GroupState& state) {
-  const auto shot = impl_->core.engine().group(groupId);
-  if (!shot) {
-    return -1;
-  }
-  state = uploadGroup(*shot);
-  return 0;
+  return impl_->fetchGroup(groupId, state);
 }
 
 void CUploadManager::queueFiles(std::int32_t groupId, const std::vector<FileDesc>& files) {
-  inBatches(files, [&](auto begin, auto end) {
-    std::vector<FileSpec> specs;
-    specs.reserve(kFilesAtOnce);
-    std::transform(begin, end, std::back_inserter(specs), specOf);
-    impl_->core.openEngine().queueFiles(groupId, specs);
-  });
+  impl_->queueFiles(groupId, files);
 }
-
 void CUploadManager::dequeueFile(std::int32_t groupId, const std::vector<FileDesc>& files) {
-  inBatches(files, [&](auto begin, auto end) {
-    std::vector<std::string> fileIds;
-    fileIds.reserve(kFilesAtOnce);
-    std::transform(begin, end, std::back_inserter(fileIds),
-                   [](const auto& file) { return file.fileId; });
-    impl_->core.openEngine().dequeueFiles(groupId, fileIds);
-  });
+  impl_->dequeueFiles(groupId, files);
 }
-
 void CUploadManager::markQueue(std::int32_t groupId) {
-  impl_->core.openEngine().setMarked(groupId, true);
+  impl_->engine().setMarked(groupId, true);
 }
 void CUploadManager::unmarkQueue(std::int32_t groupId) {
-  impl_->core.openEngine().setMarked(groupId, false);
+  impl_->engine().setMarked(groupId, false);
 }
 void CUploadManager::pauseGroup(std::int32_t groupId) {
-  impl_->core.openEngine().pauseGroup(groupId);
+  impl_->engine().pauseGroup(groupId);
 }
 void CUploadManager::resumeGroup(std::int32_t groupId) {
-  impl_->core.openEngine().resumeGroup(groupId);
+  impl_->engine().resumeGroup(groupId);
 }
 void CUploadManager::cancelGroup(std::int32_t groupId) {
-  impl_->core.openEngine().cancelGroup(groupId);
+  impl_->engine().cancelGroup(groupId);
 }
 
 void CUploadManager::startup() {
-  impl_->core.startup();
+  impl_->core().startup();
 }
 void CUploadManager::shutdown() {
-  impl_->core.shutdown();
+  impl_->core().shutdown();
 }
 
 }  // namespace zt_transfers

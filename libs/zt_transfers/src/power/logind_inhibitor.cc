@@ -41,7 +41,7 @@ class BusError {
   sd_bus_error error_ = SD_BUS_ERROR_NULL;
 };
 
-// What came of it: the lock, or why there is none.
+// The lock, or why there is none.
 struct Taken {
   CUniqueFd lock;
   std::string failure;
@@ -69,7 +69,7 @@ Taken takeLock(const std::string& reason) {
   if (result < 0) {
     return {{}, "the login manager: " + error.text(result)};
   }
-  // The message's own descriptor is closed with it.
+  // The message closes its own descriptor.
   return {CUniqueFd(::fcntl(descriptor, F_DUPFD_CLOEXEC, 3)), {}};
 }
 

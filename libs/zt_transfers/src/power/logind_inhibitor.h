@@ -7,8 +7,8 @@
 
 namespace zt_transfers {
 
-// Takes an inhibitor lock of systemd's login manager, by D-Bus. The lock lasts as long as its file
-// descriptor is open, so it ends with the process, however that ends.
+// Takes an inhibitor lock of systemd's login manager over D-Bus. The lock ends when its file
+// descriptor is closed, and so with the process.
 class CLogindInhibitor final : public ISleepInhibitor {
  public:
   CLogindInhibitor(std::string reason, ILog& log);

@@ -10,14 +10,14 @@
 
 namespace zt_transfers {
 
-// Keeps the machine awake while something is transferring and that is wanted. The system is asked
-// in a thread of the guard's own, so that it holds up no transfer.
+// Keeps the machine awake during transfers, if that is wanted. Calls to the system are made on a
+// thread of its own, so that they delay no transfer.
 //
 // Thread: start and stop by the owner, everything else any.
 class CSleepGuard {
  public:
-  // Between two transfers the machine is kept awake for `linger`, so that a row of small files does
-  // not keep asking the system.
+  // The machine is kept awake for `linger` after a transfer, so that a series of small files causes
+  // no series of calls to the system.
   CSleepGuard(std::string threadName, std::unique_ptr<ISleepInhibitor> inhibitor,
               std::chrono::milliseconds linger = std::chrono::seconds(1));
   ~CSleepGuard() { stop(); }

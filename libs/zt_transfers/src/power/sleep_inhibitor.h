@@ -13,12 +13,12 @@ class ISleepInhibitor {
   // Lets the machine sleep again.
   virtual ~ISleepInhibitor() = default;
 
-  // Where it is not possible nothing happens, which is logged once.
+  // Does nothing, and logs that once, where the system cannot do it.
   virtual void inhibit() = 0;
   virtual void release() = 0;
 };
 
-// The system's. `reason` is what a person may read who wants to know why the machine stays awake.
+// The system's inhibitor. `reason` is shown to users who ask why the machine stays awake.
 std::unique_ptr<ISleepInhibitor> makeSleepInhibitor(std::string reason, ILog& log);
 
 }  // namespace zt_transfers

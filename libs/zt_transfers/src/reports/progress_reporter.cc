@@ -15,9 +15,9 @@ bool isSuccess(const HttpResponse& response) {
 
 }  // namespace
 
-CProgressReporter::CProgressReporter(std::string direction, Parts parts)
-    : direction_(std::move(direction)), parts_(std::move(parts)) {
-  CReportInterval::shared().join(parts_.loop);
+CProgressReporter::CProgressReporter(std::string direction, Dependencies dependencies)
+    : direction_(std::move(direction)), dependencies_(std::move(dependencies)) {
+  CReportInterval::shared().join(dependencies_.loop);
 }
 
 void CProgressReporter::note(const GroupSnapshot& shot) {
@@ -36,7 +36,7 @@ void CProgressReporter::note(const GroupSnapshot& shot) {
     known = std::move(now);
     changed_[shot.id] = true;
   }
-  parts_.loop.wake();
+  dependencies_.loop.wake();
 }
 
 void CProgressReporter::setProxy(const std::string& proxy) {
@@ -47,9 +47,9 @@ void CProgressReporter::setProxy(const std::string& proxy) {
 std::optional<TimePoint> CProgressReporter::tick() {
   const std::chrono::seconds interval = CReportInterval::shared().interval();
   if (interval == std::chrono::seconds::zero()) {
-    return std::nullopt;  // what has changed meanwhile is told once reports are wanted
+    return std::nullopt;  // changes are reported once reports are wanted
   }
-  const TimePoint now = parts_.loop.clock().now();
+  const TimePoint now = dependencies_.loop.clock().now();
   takeNotes();
   giveUpLate(now);
   std::optional<TimePoint> next;
@@ -72,7 +72,7 @@ std::optional<TimePoint> CProgressReporter::tick() {
   return next;
 }
 
-// Nothing when there is nothing to tell.
+// Nothing when no report is to come.
 std::optional<TimePoint> CProgressReporter::dueOf(const Group& group, Duration interval) {
   if (group.changed) {
     return TimePoint{};
@@ -109,7 +109,7 @@ void CProgressReporter::giveUpLate(TimePoint now) {
 void CProgressReporter::send(std::int32_t groupId, Group& group, TimePoint now) {
   group.changed = false;
   group.begun = now;
-  const auto report = parts_.look(groupId);
+  const auto report = dependencies_.look(groupId);
   group.repeats = report && report->shot.state == kGroupTransferring;
   if (!report || report->shot.state == kGroupIdle) {
     return;
@@ -128,7 +128,7 @@ void CProgressReporter::send(std::int32_t groupId, Group& group, TimePoint now) 
   }
   try {
     group.request = std::make_unique<CReportRequest>(
-        parts_.loop, std::move(request), reportText(direction_, *report),
+        dependencies_.loop, std::move(request), reportText(direction_, *report),
         [this, groupId](const HttpResponse& response) { answered(groupId, response); });
   } catch (const std::exception& error) {
     failed(error.what());
@@ -139,7 +139,7 @@ void CProgressReporter::send(std::int32_t groupId, Group& group, TimePoint now) 
 
 void CProgressReporter::answered(std::int32_t groupId, const HttpResponse& response) {
   const auto group = groups_.find(groupId);
-  group->second.request.reset();
+  dependencies_.loop.retire(std::move(group->second.request));
   --underWay_;
   if (isSuccess(response)) {
     failing_ = false;
@@ -149,11 +149,11 @@ void CProgressReporter::answered(std::int32_t groupId, const HttpResponse& respo
                                    : "the service answered " + std::to_string(response.status));
 }
 
-// Said once until a report arrives again; nobody needs a line for each.
+// Logged once until a report succeeds again.
 void CProgressReporter::failed(const std::string& why) {
   if (!std::exchange(failing_, true)) {
-    parts_.log.warning("The service cannot be told how far " + direction_ + "s are: " + why +
-                       "; they go on, and it is tried again with the next report");
+    dependencies_.log.warning("The service cannot be told how far " + direction_ + "s are: " + why +
+                              "; they go on, and it is tried again with the next report");
   }
 }
 
@@ -161,7 +161,7 @@ void CProgressReporter::stop() {
   groups_.clear();
   underWay_ = 0;
   const CMutexLock lock(mutex_);
-  standings_.clear();  // after the next start all is told anew
+  standings_.clear();  // after the next start every group is reported
   changed_.clear();
 }
 

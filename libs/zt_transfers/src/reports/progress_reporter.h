@@ -16,52 +16,52 @@
 
 namespace zt_transfers {
 
-// Tells the service how far groups are and what keeps them: every so often (CReportInterval) while
-// a group transfers, and at once when its state changes. Of each group one report is under way at
-// a time, and the next one tells how things are then. A report that fails is dropped.
+// Reports the progress of groups to the service: at intervals (CReportInterval) while a group
+// transfers, and at once when its state changes. Each group has at most one report under way; the
+// next one has the state of its own time. A report that fails is dropped.
 //
-// It takes a connection of the loop, but neither a transfer's place nor a share of the limit.
-// Thread: the loop's, but for `note` and `setProxy`.
+// Reports count neither as transfers nor against the rate limit.
+// Thread: the loop's, except for `note` and `setProxy`.
 class CProgressReporter {
  public:
-  // No answer within this: the report is given up.
+  // A report without a response within this time is dropped.
   static constexpr std::chrono::seconds kTimeLimit{10};
-  // Reports under way, of all groups.
+  // Concurrent reports of all groups.
   static constexpr std::size_t kMaxConcurrent = 4;
 
-  // All must outlive it. `look` tells how a group is now; nothing when it is gone.
-  struct Parts {
+  // All must outlive it. `look` returns a group's current report; nothing when the group is gone.
+  struct Dependencies {
     CHttpLoop& loop;
     ILog& log;
     std::function<std::optional<CTransferEngine::GroupReport>(std::int32_t)> look;
   };
 
   // `direction`: "upload" or "download".
-  CProgressReporter(std::string direction, Parts parts);
-  ~CProgressReporter() { CReportInterval::shared().leave(parts_.loop); }
+  CProgressReporter(std::string direction, Dependencies dependencies);
+  ~CProgressReporter() { CReportInterval::shared().leave(dependencies_.loop); }
   CProgressReporter(const CProgressReporter&) = delete;
   CProgressReporter& operator=(const CProgressReporter&) = delete;
 
-  // A group as the program is told. Thread: any.
+  // Call it for each group event. Thread: any.
   void note(const GroupSnapshot& shot);
   void setProxy(const std::string& proxy);
 
-  // Begins what is due; gives the time of the next report.
+  // Sends the reports that are due; returns when the next one is.
   std::optional<TimePoint> tick();
-  // Gives up what is under way.
+  // Drops the reports under way.
   void stop();
 
  private:
-  // What is worth an extra report when it changes.
+  // A change of this causes a report.
   struct Standing {
     std::int32_t state = kGroupIdle;
     std::string waitingFor;
     bool operator==(const Standing&) const = default;
   };
   struct Group {
-    bool changed = false;  // it is to be told at once
-    bool repeats = false;  // it transfers, and is told every so often
-    TimePoint begun{};     // the last report
+    bool changed = false;  // a report is due at once
+    bool repeats = false;  // it transfers, so reports repeat
+    TimePoint begun{};     // when the last report was sent
     std::unique_ptr<CReportRequest> request;
   };
 
@@ -73,15 +73,15 @@ class CProgressReporter {
   void failed(const std::string& why);
 
   const std::string direction_;
-  const Parts parts_;
+  const Dependencies dependencies_;
 
   CMutex mutex_;
   std::map<std::int32_t, Standing> standings_ GUARDED_BY(mutex_);
-  std::map<std::int32_t, bool> changed_ GUARDED_BY(mutex_);  // groups; false: gone
+  std::map<std::int32_t, bool> changed_ GUARDED_BY(mutex_);  // by group; false: gone
   std::string proxy_ GUARDED_BY(mutex_);
 
   // The loop's thread only.
-  std::map<std::int32_t, Group> groups_;  // with something to tell
+  std::map<std::int32_t, Group> groups_;  // with reports under way or to come
   std::size_t underWay_ = 0;
   bool failing_ = false;
 };

@@ -9,21 +9,20 @@
 
 namespace zt_transfers {
 
-// How often the service is told how far transfers are. Only the uploads' configuration has it, but
-// it holds for downloads as well, so there is one for the process, like the global configuration.
-// Thread: any.
+// The interval of progress reports. It is part of the uploads' configuration, but holds for
+// downloads as well, so the process has one. Thread: any.
 class CReportInterval {
  public:
   static CReportInterval& shared() {
-    static CReportInterval pace;
-    return pace;
+    static CReportInterval interval;
+    return interval;
   }
 
-  // 0: the service is told nothing.
+  // 0: no reports.
   void set(std::chrono::seconds interval);
   std::chrono::seconds interval() const;
 
-  // The loops that are woken when it changes; each must leave before it ends.
+  // These loops are woken when it changes; each must leave before it ends.
   void join(CHttpLoop& loop);
   void leave(CHttpLoop& loop);
 

@@ -7,9 +7,9 @@
 
 namespace zt_transfers {
 
-// One report on its way to the service. Destruction gives it up.
+// One report to the service. Destruction ends it without a call of `done`.
 //
-// Thread: the loop's. `done` may destroy the request.
+// Thread: the loop's. The receiver of `done` retires the request.
 class CReportRequest final : public IHttpBody {
  public:
   // Throws std::invalid_argument for a header that cannot be sent.

@@ -6,10 +6,10 @@
 
 namespace zt_transfers {
 
-// A report as the service takes it (docs/service-api.md). `direction`: "upload" or "download".
+// The JSON of a report (docs/service-api.md). `direction`: "upload" or "download".
 std::string reportText(const std::string& direction, const CTransferEngine::GroupReport& report);
 
-// Where reports of this bucket go; empty without a REST end point.
+// The URL for reports of this bucket; empty without a REST end point.
 std::string reportUrl(const std::string& restEndPoint, const std::string& bucketId);
 
 }  // namespace zt_transfers

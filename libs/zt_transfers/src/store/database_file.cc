@@ -50,7 +50,7 @@ std::unique_ptr<CDatabaseFile> CDatabaseFile::claim(const std::string& path, ILo
   return nullptr;
 }
 
-// It holds tokens and signed URLs. SQLite gives its other files the same mode.
+// The database holds tokens and signed URLs. SQLite gives its other files the same mode.
 void CDatabaseFile::makePrivate() const {
   const CUniqueFd file(::open(path_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
 }

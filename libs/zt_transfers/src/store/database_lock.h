@@ -7,12 +7,12 @@
 
 namespace zt_transfers {
 
-// The right to use a database: one holder at a time, in this process or another. It ends with the
-// object, or with the process however that ends.
+// Exclusive access to a database, among all processes and within one. It ends with the object or
+// the process.
 class CDatabaseLock {
  public:
-  // `path`: a file beside the database, which stays there. Nothing while another holds it.
-  // Throws std::system_error when that cannot be told.
+  // `path`: a lock file beside the database, which stays there. Nothing while another object holds
+  // the lock. Throws std::system_error when the lock file cannot be used.
   static std::optional<CDatabaseLock> take(const std::string& path);
 
  private:

@@ -13,59 +13,58 @@
 
 namespace zt_transfers {
 
-// The files of one group as they lie in memory: every file's id, and the descriptions of those
-// that are not written to disk yet or are to be begun soon.
+// One group's files in memory: the ids of all, and the descriptions of those that are not yet on
+// disk or will be begun soon.
 //
 // Thread: none of its own; CQueueCache guards it.
 class CFileTable {
  public:
-  // How much is brought at once, and kept of what has just been queued.
+  // Files whose descriptions are loaded at once, and are kept after they were queued.
   static constexpr std::uint32_t kWindow = 256;
 
-  // `held` counts the descriptions of all tables that are in memory although they are on disk.
+  // `held` counts the written descriptions in memory, of all tables.
   explicit CFileTable(std::size_t& held) : held_(held) {}
   ~CFileTable() { leave(); }
   CFileTable(const CFileTable&) = delete;
   CFileTable& operator=(const CFileTable&) = delete;
 
-  // Takes this table's share out of the count, so that it may then be destroyed unguarded.
+  // Subtracts this table from `held`, so that it may be destroyed without the lock.
   void leave() { held_ -= std::exchange(heldHere_, 0); }
 
   std::uint32_t size() const { return static_cast<std::uint32_t>(entries_.size()); }
   void append(std::string_view fileId, CPackedSpec spec);
-  // A file that is on disk already.
+  // Adds a file that is on disk.
   void restore(std::string_view fileId);
-  // In place of a file that was removed.
+  // Adds an entry for a removed file.
   void restoreGap() { entries_.emplace_back(); }
   void replace(std::uint32_t at, CPackedSpec spec);
   void remove(std::uint32_t at);
 
   std::string_view fileId(std::uint32_t at) const;
   std::optional<std::uint32_t> find(std::string_view fileId) const { return index_.find(fileId); }
-  // Empty when it is not in memory.
+  // Empty when the description is not in memory.
   const CPackedSpec& spec(std::uint32_t at) const { return entries_.at(at).spec; }
 
-  // The description is about to be written. False when there is nothing (left) to be written.
+  // The description is about to be written. False when there is none to write.
   bool beginWrite(std::uint32_t at);
-  // It is on disk. True when it is still the current one.
+  // The description was written. True when it is still the current one.
   bool endWrite(std::uint32_t at);
-  // It is not, and has to be written again.
+  // Writing failed; the description must be written again.
   void failWrite(std::uint32_t at);
-  // Gives a description away that is on disk; an empty one when it is needed here.
+  // Removes and returns a written description; an empty one when it will be needed soon.
   CPackedSpec release(std::uint32_t at);
-  // It is needed no longer, neither here nor on disk, until it is replaced.
+  // Drops a description that is not needed any more.
   void forget(std::uint32_t at);
   bool forgotten(std::uint32_t at) const { return entries_.at(at).forgotten; }
 
   enum class Coming { kAsked, kAlready, kUnreadable };
   Coming ask(std::uint32_t at);
-  // What was read. It is left out when something newer is in memory, or when it makes no sense.
+  // Takes a description that was read, unless a newer one is in memory or it is malformed.
   void arrive(std::uint32_t at, std::string_view bytes);
-  // Nothing more arrives of what was asked for in this range: what has not come cannot be read.
+  // The range was read. Files without a description are unreadable.
   void endArrival(std::uint32_t from, std::uint32_t to);
 
-  // Where to read on when this file is begun, so that the next ones are there in time; nothing
-  // when enough is there.
+  // The range to read ahead when this file is begun; nothing when enough is in memory.
   std::optional<std::uint32_t> readAhead(std::uint32_t at);
   bool soon(std::uint32_t at) const { return at < ahead_; }
   void setAhead(std::uint32_t to) { ahead_ = to; }
@@ -74,10 +73,10 @@ class CFileTable {
   struct Entry {
     CPackedSpec spec;
     const char* fileId = nullptr;  // in the arena; null for a gap
-    bool unwritten = false;        // the description has yet to be written
+    bool unwritten = false;        // the description is not on disk yet
     bool durable = false;          // the description in memory is also on disk
-    bool coming = false;           // it was asked for
-    bool unreadable = false;       // and did not come
+    bool coming = false;           // it was requested
+    bool unreadable = false;       // the request failed
     bool forgotten = false;
   };
   struct IdOf {
@@ -94,8 +93,7 @@ class CFileTable {
   CTextArena ids_;
   std::deque<Entry> entries_;
   CIdIndex<IdOf> index_{IdOf{entries_}};
-  std::uint32_t ahead_ =
-      kWindow;  // files before it are, or were, brought in the order of the queue
+  std::uint32_t ahead_ = kWindow;  // descriptions before it were requested
 };
 
 }  // namespace zt_transfers

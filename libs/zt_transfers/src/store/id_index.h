@@ -8,8 +8,8 @@
 
 namespace zt_transfers {
 
-// Finds indices by the ids they stand for, at about eight bytes each: only the indices are kept,
-// and their ids are asked for where they lie (`IdOf`: from an index to its id).
+// A hash index from ids to indices, at about eight bytes each: it holds only the indices and gets
+// the ids through `IdOf`.
 //
 // Thread: one at a time.
 template <typename IdOf>
@@ -31,7 +31,7 @@ class CIdIndex {
     }
   }
 
-  // The id must not be there yet.
+  // The id must be new.
   void insert(std::uint32_t index) {
     if ((used_ + 1) * 4 > slots_.size() * 3) {
       grow();
@@ -40,7 +40,7 @@ class CIdIndex {
     ++count_;
   }
 
-  // While its id can still be asked for.
+  // Call it while `IdOf` still knows the id.
   void erase(std::uint32_t index) {
     if (slots_.empty()) {
       return;
@@ -72,7 +72,7 @@ class CIdIndex {
     ++used_;
   }
 
-  // Makes room, and drops what is gone.
+  // Enlarges the table and drops erased slots.
   void grow() {
     std::vector<std::uint32_t> before;
     before.swap(slots_);
@@ -90,9 +90,9 @@ class CIdIndex {
   }
 
   const IdOf idOf_;
-  std::vector<std::uint32_t> slots_;  // a power of two of them
+  std::vector<std::uint32_t> slots_;  // their number is a power of two
   std::size_t used_ = 0;              // slots that are not kFree
-  std::size_t count_ = 0;             // indices that are there
+  std::size_t count_ = 0;             // indices in the table
 };
 
 }  // namespace zt_transfers

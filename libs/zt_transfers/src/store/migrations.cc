@@ -5,10 +5,10 @@
 namespace zt_transfers {
 namespace {
 
-// Says in the file's head whose database it is.
+// SQLite's application id in the file's header.
 constexpr std::int64_t kApplicationId = 0x5A545131;  // "ZTQ1"
 
-// A file's id is its group's id times 2^32 and its place in the group's queue.
+// A file's id is its group's id times 2^32 plus its index in the group's queue.
 constexpr const char* kFirstSchema = R"(
   CREATE TABLE groups(
     id            INTEGER PRIMARY KEY AUTOINCREMENT,

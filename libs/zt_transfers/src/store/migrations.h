@@ -13,12 +13,12 @@ struct Migration {
   const char* sql;
 };
 
-// The steps of the queue's database, from nothing on; the last one is this program's version.
+// The steps of the queue's database, from an empty one on; the last one is this program's version.
 const std::vector<Migration>& queueMigrations();
 
-// Brings the database to the last of these versions: all steps that are missing, or none when one
-// of them fails (CSqliteError). False when the database is newer, or another program's; then
-// nothing is changed.
+// Migrates the database to the last of these versions: all missing steps, or none when one of them
+// fails (CSqliteError). False, and nothing is changed, when the database is newer or another
+// program's.
 bool migrate(CSqliteConnection& connection, const std::vector<Migration>& migrations);
 
 }  // namespace zt_transfers

@@ -8,10 +8,10 @@ namespace zt_transfers {
 namespace {
 
 // The block of a download begins with its partial file's path, which is never empty. An empty text
-// in its place says that it is a session.
+// there marks an upload session.
 constexpr std::string_view kSession;
 
-// Times before 1970 as well.
+// Also for times before 1970.
 std::uint64_t unsignedTime(std::int64_t time) {
   return static_cast<std::uint64_t>(time);
 }

@@ -4,15 +4,14 @@
 #include <string>
 #include <string_view>
 
-#include "engine/orphan.h"
 #include "engine/transfer_resume.h"
 
 namespace zt_transfers {
 
-// What attempts have left behind, as it is kept on disk: of a download's bytes only the durable
-// ones, since the others may not survive the machine.
+// Resume data and orphans as stored on disk. Of a download's bytes only the durable ones are
+// stored, as the others may not survive a power cut.
 std::string packed(const TransferResume& resume);
-// Nothing when the bytes make no sense.
+// Nothing when the bytes are malformed.
 std::optional<TransferResume> unpackedResume(std::string_view bytes);
 
 std::string packed(const Orphan& orphan);

@@ -10,8 +10,8 @@ namespace {
 
 std::string packed(const FileSpec& spec) {
   CPacker packer;
-  packer.reserve(spec.place.size() + spec.url.size() + spec.contentMd5.size() + 64);
-  packer.text(spec.place);
+  packer.reserve(spec.location.size() + spec.url.size() + spec.contentMd5.size() + 64);
+  packer.text(spec.location);
   packer.text(spec.url);
   packer.number(spec.headers.size());
   for (const auto& [name, value] : spec.headers) {
@@ -50,7 +50,7 @@ std::string_view CPackedSpec::bytes() const {
 std::optional<FileSpec> CPackedSpec::unpacked() const {
   CUnpacker unpacker(bytes());
   FileSpec spec;
-  spec.place = unpacker.text();
+  spec.location = unpacker.text();
   spec.url = unpacker.text();
   const std::uint64_t headers = unpacker.number();
   for (std::uint64_t count = 0; count < headers && unpacker.ok(); ++count) {
@@ -67,13 +67,13 @@ std::optional<FileSpec> CPackedSpec::unpacked() const {
   return spec;
 }
 
-std::optional<std::string> CPackedSpec::place() const {
+std::optional<std::string> CPackedSpec::location() const {
   CUnpacker unpacker(bytes());
-  std::string place(unpacker.text());
+  std::string location(unpacker.text());
   if (!unpacker.ok()) {
     return std::nullopt;
   }
-  return place;
+  return location;
 }
 
 }  // namespace zt_transfers

@@ -7,8 +7,8 @@
 
 namespace zt_transfers {
 
-// Values in one block of bytes: numbers seven bits a byte, the lowest first; texts as their
-// length and their bytes.
+// Writes values into one block of bytes: numbers with seven bits a byte, the lowest first; texts as
+// their length and their bytes.
 class CPacker {
  public:
   void reserve(std::size_t bytes) { bytes_.reserve(bytes); }
@@ -29,7 +29,7 @@ class CPacker {
   std::string bytes_;
 };
 
-// Reads them again. What lies past the end reads as 0 and empty, and `ok` is false from then on.
+// Reads such a block. Past its end it returns 0 and empty texts, and `ok` is false.
 class CUnpacker {
  public:
   explicit CUnpacker(std::string_view bytes) : left_(bytes) {}

@@ -10,7 +10,7 @@
 
 namespace zt_transfers {
 
-// Something about the queue that is to be written.
+// A change of the queue.
 struct QueueChange {
   enum class Kind : std::uint8_t {
     kGroup,         // new or changed
@@ -21,7 +21,7 @@ struct QueueChange {
     kResume,
     kFailure,
     kFileRemoved,
-    kOrphan,  // new or gone
+    kOrphan,  // new or removed
   };
 
   Kind kind = Kind::kGroup;
@@ -29,22 +29,22 @@ struct QueueChange {
   StoredState state;  // kFile and kState
 };
 
-// A change with what is to be written.
+// A change with the data to be written.
 struct QueueWrite {
   QueueChange change;
   const StoredGroup* group = nullptr;  // kGroup
-  bool over = false;                   // kState: nothing else about the file is needed
+  bool over = false;                   // kState: the description is not needed any more
   std::string_view fileId{};           // kFile
-  std::string_view spec{};             // kFile and kSpec; empty: none any more
-  std::string_view resume{};           // kResume; empty: none any more
+  std::string_view spec{};             // kFile and kSpec; empty: removed
+  std::string_view resume{};           // kResume; empty: removed
   const Failure* failure = nullptr;    // kFailure
-  std::string_view orphan{};           // kOrphan; empty: gone
+  std::string_view orphan{};           // kOrphan; empty: removed
 };
 
-// Changes in their order, which become durable together.
+// Changes in their order, written in one transaction.
 struct QueueBatch {
   std::vector<QueueWrite> writes;
-  // What they point to.
+  // The data that `writes` points to.
   std::deque<StoredGroup> groups;
   std::deque<Failure> failures;
   CTextArena texts;

@@ -53,7 +53,7 @@ void CQueueCache::saveGroup(const StoredGroup& group) {
 }
 
 void CQueueCache::removeGroup(std::int32_t groupId) {
-  std::unique_ptr<CFileTable> removed;  // which takes its time, so not under the lock
+  std::unique_ptr<CFileTable> removed;  // destroyed without the lock, as that takes time
   const CMutexLock lock(mutex_);
   const auto found = tables_.find(groupId);
   if (found != tables_.end()) {
@@ -164,9 +164,9 @@ std::optional<FileSpec> CQueueCache::spec(FileRef file) {
   return spec;
 }
 
-std::optional<std::string> CQueueCache::place(FileRef file) const {
+std::optional<std::string> CQueueCache::location(FileRef file) const {
   const CMutexLock lock(mutex_);
-  return tables_.at(file.groupId)->spec(file.index).place();
+  return tables_.at(file.groupId)->spec(file.index).location();
 }
 
 bool CQueueCache::load(FileRef file) {
@@ -183,7 +183,7 @@ bool CQueueCache::load(FileRef file) {
     case CFileTable::Coming::kAsked:
       break;
   }
-  // With the next ones, or it will soon be asked for those; fewer when much is in memory.
+  // Loads the following files, too; fewer when much is in memory.
   const std::uint32_t count = held_ < kMaxHeld ? CFileTable::kWindow : CFileTable::kWindow / 16;
   files.setAhead(file.index + count);
   request({file.groupId, file.index, file.index + count});
@@ -237,18 +237,18 @@ std::uint64_t CQueueCache::changesTaken() const {
   return noted_ - changes_.size();
 }
 
-QueueBatch CQueueCache::collect(std::size_t most) {
+QueueBatch CQueueCache::collect(std::size_t max) {
   QueueBatch batch;
-  batch.writes.reserve(most);
-  for (std::size_t done = 0; done < most; done += kAtOnce) {
+  batch.writes.reserve(max);
+  for (std::size_t done = 0; done < max; done += kAtOnce) {
     const CMutexLock lock(mutex_);
-    collectSome(batch, std::min(most - done, kAtOnce));
+    collectSome(batch, std::min(max - done, kAtOnce));
   }
   return batch;
 }
 
-void CQueueCache::collectSome(QueueBatch& batch, std::size_t most) {
-  for (std::size_t done = 0; done < most && !changes_.empty(); ++done) {
+void CQueueCache::collectSome(QueueBatch& batch, std::size_t max) {
+  for (std::size_t done = 0; done < max && !changes_.empty(); ++done) {
     QueueWrite write{.change = changes_.front()};
     changes_.pop_front();
     if (fillIn(write, batch)) {
@@ -257,7 +257,7 @@ void CQueueCache::collectSome(QueueBatch& batch, std::size_t most) {
   }
 }
 
-// False when there is nothing to be written any more.
+// False when there is nothing left to write.
 bool CQueueCache::fillIn(QueueWrite& write, QueueBatch& batch) {
   const auto [kind, file, state] = write.change;
   CFileTable* files = table(file.groupId);
@@ -295,7 +295,7 @@ bool CQueueCache::fillIn(QueueWrite& write, QueueBatch& batch) {
   if (files == nullptr) {
     return false;  // gone with its group
   }
-  // What was queued again meanwhile may have its new description on disk already.
+  // A file that was queued again meanwhile may have its new description on disk already.
   write.over = state.phase == FilePhase::kCompleted && files->forgotten(file.index);
   if (kind == Kind::kFile) {
     write.fileId = CTextArena::at(batch.texts.add(files->fileId(file.index)));
@@ -307,7 +307,7 @@ bool CQueueCache::fillIn(QueueWrite& write, QueueBatch& batch) {
 }
 
 void CQueueCache::written(const QueueBatch& batch) {
-  std::vector<CPackedSpec> released;  // given free without the lock
+  std::vector<CPackedSpec> released;  // freed without the lock
   for (std::size_t done = 0; done < batch.writes.size(); done += kAtOnce) {
     const CMutexLock lock(mutex_);
     const std::size_t end = std::min(done + kAtOnce, batch.writes.size());
@@ -328,7 +328,7 @@ void CQueueCache::putBack(const QueueBatch& batch) {
   const CMutexLock lock(mutex_);
   for (auto write = batch.writes.rbegin(); write != batch.writes.rend(); ++write) {
     const FileRef file = write->change.file;
-    // Unless it has changed again.
+    // It may have changed again.
     if (write->group != nullptr) {
       changedGroups_.emplace(file.groupId, *write->group);
     }

@@ -20,14 +20,14 @@
 
 namespace zt_transfers {
 
-// The queue in memory, and what of it has yet to be written to or read from disk. It touches no
-// disk itself: a CQueueWriter takes changes and requests from here. Without one, all of the
-// queue stays in memory.
+// The queue in memory, with the changes to be written and the descriptions to be read. It does no
+// input or output itself: a CQueueWriter takes changes and requests from it. Without a writer the
+// whole queue stays in memory.
 //
 // Thread: any.
 class CQueueCache : public IQueueStore {
  public:
-  // Descriptions of files, to be read.
+  // Files whose descriptions are to be read.
   struct Range {
     std::int32_t groupId = 0;
     std::uint32_t from = 0;
@@ -42,7 +42,7 @@ class CQueueCache : public IQueueStore {
     std::function<void()> requested;  // there are requests
   };
 
-  // From now on changes are kept for a writer.
+  // From here on changes are collected for a writer.
   void record(Listener listener);
   void stopRecording();
 
@@ -60,11 +60,11 @@ class CQueueCache : public IQueueStore {
   std::string fileId(FileRef file) const override;
   std::optional<std::uint32_t> find(std::int32_t groupId, const std::string& fileId) const override;
   std::optional<FileSpec> spec(FileRef file) override;
-  std::optional<std::string> place(FileRef file) const override;
+  std::optional<std::string> location(FileRef file) const override;
   bool load(FileRef file) override;
 
-  // For what reads the queue at the start: all is forgotten, then each group with its files in
-  // the order of their indices.
+  // For reading the stored queue: `clear`, then each group with its files in the order of their
+  // indices.
   void clear();
   void restoreGroup(std::int32_t groupId);
   void restoreFile(FileRef file, std::string_view fileId);
@@ -72,14 +72,14 @@ class CQueueCache : public IQueueStore {
 
   // For the writer.
   std::size_t changesWaiting() const;
-  // How many changes there ever were, and how many of them wait no longer.
+  // The number of all changes ever, and of those that a batch has taken.
   std::uint64_t changesNoted() const;
   std::uint64_t changesTaken() const;
-  // The oldest changes, about `most` of them, with what is to be written.
-  QueueBatch collect(std::size_t most);
-  // They are durable. Their memory is given free if it is not needed soon.
+  // The oldest changes, about `max` of them, with their data.
+  QueueBatch collect(std::size_t max);
+  // The batch is durable. Frees descriptions that are not needed soon.
   void written(const QueueBatch& batch);
-  // They could not be written and come first again.
+  // The batch could not be written; its changes come first again.
   void putBack(const QueueBatch& batch);
   std::optional<Range> takeRequest();
   void arrive(FileRef file, std::string_view spec);
@@ -91,7 +91,7 @@ class CQueueCache : public IQueueStore {
 
   using Key = std::pair<std::int32_t, std::uint32_t>;  // of a file
 
-  // How much the writer does before it gives the lock free for others.
+  // Changes that the writer handles before it releases the lock in between.
   static constexpr std::size_t kAtOnce = 256;
 
   CFileTable* table(std::int32_t groupId) const REQUIRES(mutex_);
@@ -99,7 +99,7 @@ class CQueueCache : public IQueueStore {
   void noteOrphan(OrphanId id, std::string packed);
   void note(QueueChange::Kind kind, FileRef file, const StoredState& state = {}) REQUIRES(mutex_);
   void request(const Range& range) REQUIRES(mutex_);
-  void collectSome(QueueBatch& batch, std::size_t most) REQUIRES(mutex_);
+  void collectSome(QueueBatch& batch, std::size_t max) REQUIRES(mutex_);
   bool fillIn(QueueWrite& write, QueueBatch& batch) REQUIRES(mutex_);
 
   mutable CMutex mutex_;
@@ -107,13 +107,12 @@ class CQueueCache : public IQueueStore {
   std::size_t held_ GUARDED_BY(mutex_) = 0;
   std::unordered_map<std::int32_t, std::unique_ptr<CFileTable>> tables_ GUARDED_BY(mutex_);
   std::unordered_map<std::int32_t, StoredGroup> changedGroups_
-      GUARDED_BY(mutex_);  // not written yet
-  std::map<Key, std::string> changedResumes_
-      GUARDED_BY(mutex_);  // not written yet; empty: none any more
-  std::map<Key, Failure> changedFailures_ GUARDED_BY(mutex_);  // not written yet
+      GUARDED_BY(mutex_);                                         // not written yet
+  std::map<Key, std::string> changedResumes_ GUARDED_BY(mutex_);  // not written yet; empty: removed
+  std::map<Key, Failure> changedFailures_ GUARDED_BY(mutex_);     // not written yet
   std::map<OrphanId, std::string> changedOrphans_
-      GUARDED_BY(mutex_);                     // not written yet; empty: gone
-  std::set<Key> resumes_ GUARDED_BY(mutex_);  // files that have one
+      GUARDED_BY(mutex_);                     // not written yet; empty: removed
+  std::set<Key> resumes_ GUARDED_BY(mutex_);  // files with stored resume data
   std::deque<QueueChange> changes_ GUARDED_BY(mutex_);
   std::uint64_t noted_ GUARDED_BY(mutex_) = 0;
   std::deque<Range> requests_ GUARDED_BY(mutex_);

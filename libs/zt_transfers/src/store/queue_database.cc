@@ -11,7 +11,7 @@
 namespace zt_transfers {
 namespace {
 
-// A larger database is checked no further than it is read; a damaged page shows when it is.
+// Larger databases are not checked when they are opened; damaged pages show when they are read.
 constexpr std::int64_t kMaxChecked = 32LL * 1024 * 1024;  // bytes
 
 std::int64_t rowOf(FileRef file) {
@@ -89,7 +89,7 @@ void bindSize(CSqliteStatement& statement, int parameter, const StoredState& sta
 CQueueDatabase::CQueueDatabase(const std::string& path, const std::vector<Migration>& migrations)
     : connection_(path) {
   try {
-    // Only this program reads it, so that the index of the log can stay in memory.
+    // No other program reads it, so the index of its log can stay in memory.
     connection_.execute("PRAGMA locking_mode = EXCLUSIVE");
     if (connection_.number("PRAGMA page_count") == 0) {
       connection_.execute("PRAGMA auto_vacuum = INCREMENTAL");  // before the first table
@@ -338,7 +338,7 @@ bool CQueueDatabase::sweep() {
     statements_->endSweep.bind(1, id).run();
   }
   transaction.commit();
-  connection_.execute("PRAGMA incremental_vacuum(4000)");  // gives the file system its room back
+  connection_.execute("PRAGMA incremental_vacuum(4000)");  // shrinks the file
   return true;
 }
 

@@ -20,37 +20,37 @@ namespace zt_transfers {
 // Thread: one at a time.
 class CQueueDatabase {
  public:
-  // The file is there but cannot be used as it is; the text says why.
+  // The file exists but cannot be used; the text says why.
   class CUnusable : public std::runtime_error {
    public:
     using std::runtime_error::runtime_error;
   };
 
-  // Opens or makes it and brings its schema up to date. Throws CUnusable when it is damaged,
+  // Opens or creates the database and migrates its schema. Throws CUnusable when it is damaged,
   // newer, or another program's.
   explicit CQueueDatabase(const std::string& path,
                           const std::vector<Migration>& migrations = queueMigrations());
 
   struct Reader {
     std::function<void(const StoredGroup&)> group;
-    // The files of the group before, in ascending order; indices may be missing.
+    // The files of the last reported group, in ascending order; indices may be missing.
     std::function<void(FileRef, const StoredState&, std::string_view fileId)> file;
-    // What is left of one of those files.
+    // Resume data of one of those files.
     std::function<void(FileRef, const TransferResume&)> resume;
-    // Why files of that group failed, in ascending order; the last ones only, if there are many.
+    // The last failures of that group, in ascending order.
     std::function<void(FileRef, const Failure&)> failure;
     std::function<void(OrphanId, const Orphan&)> orphan;
   };
   void read(const Reader& reader);
-  // The highest id that a group ever had; 0 without one.
+  // The highest group id ever used; 0: none.
   std::int32_t lastGroupId();
 
-  // All of it, or nothing when it throws; durable when it returns.
+  // Writes the batch in one transaction, durably.
   void write(const QueueBatch& batch);
   // The descriptions of the files from `from` up to, not including, `to`.
   void readSpecs(std::int32_t groupId, std::uint32_t from, std::uint32_t to,
                  const std::function<void(FileRef, std::string_view spec)>& use);
-  // Deletes some of what removed groups have left; false when there is nothing left.
+  // Deletes some rows of removed groups; false when there are none.
   bool sweep();
 
   CSqliteConnection& connection() { return connection_; }

@@ -8,7 +8,7 @@
 namespace zt_transfers {
 namespace {
 
-constexpr std::size_t kMaxWritten = 4096;  // changes at once
+constexpr std::size_t kMaxWritten = 4096;  // changes in one transaction
 
 TimePoint now() {
   return std::chrono::steady_clock::now();
@@ -16,22 +16,25 @@ TimePoint now() {
 
 }  // namespace
 
-CQueueWriter::CQueueWriter(std::string name, const Parts& parts,
-                           std::unique_ptr<CQueueDatabase> database, const Pace& pace)
-    : name_(std::move(name)), parts_(parts), pace_(pace), database_(std::move(database)) {
-  parts_.store.record({.changed =
-                           [this] {
-                             const CMutexLock lock(mutex_);
-                             if (!std::exchange(changed_, true)) {
-                               woken_.notifyOne();
-                             }
-                           },
-                       .requested =
-                           [this] {
-                             const CMutexLock lock(mutex_);
-                             requested_ = true;
-                             woken_.notifyOne();
-                           }});
+CQueueWriter::CQueueWriter(std::string name, const Dependencies& dependencies,
+                           std::unique_ptr<CQueueDatabase> database, const Timing& timing)
+    : name_(std::move(name)),
+      dependencies_(dependencies),
+      timing_(timing),
+      database_(std::move(database)) {
+  dependencies_.store.record({.changed =
+                                  [this] {
+                                    const CMutexLock lock(mutex_);
+                                    if (!std::exchange(changed_, true)) {
+                                      woken_.notifyOne();
+                                    }
+                                  },
+                              .requested =
+                                  [this] {
+                                    const CMutexLock lock(mutex_);
+                                    requested_ = true;
+                                    woken_.notifyOne();
+                                  }});
   thread_ = std::thread([this] {
     nameThisThread(name_);
     run();
@@ -46,17 +49,17 @@ CQueueWriter::~CQueueWriter() {
   }
   woken_.notifyOne();
   thread_.join();
-  parts_.store.stopRecording();
+  dependencies_.store.stopRecording();
   database_.reset();
   if (!damage_.empty()) {
-    parts_.file.setAside(damage_);
+    dependencies_.file.setAside(damage_);
   }
 }
 
 bool CQueueWriter::flush() {
-  const std::uint64_t wanted = parts_.store.changesNoted();
+  const std::uint64_t wanted = dependencies_.store.changesNoted();
   CMutexLock lock(mutex_);
-  // A try that is under way may have begun before there was room again: its failure says nothing.
+  // The failure of a try that is under way does not count: it may have begun before there was room.
   const std::uint64_t next = tries_ + 1;
   ordered_ = true;
   woken_.notifyOne();
@@ -66,7 +69,7 @@ bool CQueueWriter::flush() {
 }
 
 void CQueueWriter::flush(std::chrono::milliseconds limit) {
-  const std::uint64_t wanted = parts_.store.changesNoted();
+  const std::uint64_t wanted = dependencies_.store.changesNoted();
   CMutexLock lock(mutex_);
   if (failing_ || durable_ >= wanted) {
     return;
@@ -93,7 +96,7 @@ void CQueueWriter::run() {
   }
 }
 
-// Until there is something to do.
+// Waits until there is work.
 void CQueueWriter::wait() {
   CMutexLock lock(mutex_);
   const auto urgent = [this]() REQUIRES(mutex_) { return stopping_ || ordered_ || requested_; };
@@ -103,15 +106,15 @@ void CQueueWriter::wait() {
     woken_.wait(mutex_, [&]() REQUIRES(mutex_) { return urgent() || changed_; });
   }
   if (!due_ && changed_) {
-    due_ = now() + pace_.gather;
+    due_ = now() + timing_.gather;
   }
 }
 
 void CQueueWriter::serveRequests() {
-  while (const auto range = parts_.store.takeRequest()) {
+  while (const auto range = dependencies_.store.takeRequest()) {
     serve(*range);
-    parts_.store.endArrival(*range);
-    parts_.arrived(range->groupId);
+    dependencies_.store.endArrival(*range);
+    dependencies_.arrived(range->groupId);
   }
 }
 
@@ -122,14 +125,14 @@ void CQueueWriter::serve(const CQueueCache::Range& range) {
   try {
     database_->readSpecs(
         range.groupId, range.from, range.to,
-        [this](FileRef file, std::string_view spec) { parts_.store.arrive(file, spec); });
+        [this](FileRef file, std::string_view spec) { dependencies_.store.arrive(file, spec); });
   } catch (const CSqliteError& error) {
     if (error.isDamage()) {
       damage_ = error.what();
     }
-    parts_.log.error("Files of group " + std::to_string(range.groupId) +
-                     " cannot be read from the queue " + parts_.file.path() + ": " + error.what() +
-                     "; they fail, others go on");
+    dependencies_.log.error("Files of group " + std::to_string(range.groupId) +
+                            " cannot be read from the queue " + dependencies_.file.path() + ": " +
+                            error.what() + "; they fail, others go on");
   }
 }
 
@@ -141,13 +144,12 @@ void CQueueWriter::writeDue() {
   const bool done = writeBatch();
   if (!done) {
     due_ = now() + retry_;
-  } else if (const std::size_t waiting = parts_.store.changesWaiting()) {
-    due_ = waiting < kMaxWritten ? now() + pace_.gather : now();
+  } else if (const std::size_t waiting = dependencies_.store.changesWaiting()) {
+    due_ = waiting < kMaxWritten ? now() + timing_.gather : now();
   }
-  tellFinished(done);
+  notifyFinished(done);
 }
 
-// Whether it is time to write.
 bool CQueueWriter::takeOrder() {
   const CMutexLock lock(mutex_);
   if (!std::exchange(ordered_, false) && (!due_ || *due_ > now())) {
@@ -158,8 +160,8 @@ bool CQueueWriter::takeOrder() {
   return true;
 }
 
-void CQueueWriter::tellFinished(bool done) {
-  const std::uint64_t durable = parts_.store.changesTaken();
+void CQueueWriter::notifyFinished(bool done) {
+  const std::uint64_t durable = dependencies_.store.changesTaken();
   {
     const CMutexLock lock(mutex_);
     failing_ = !done;
@@ -174,46 +176,48 @@ void CQueueWriter::tellFinished(bool done) {
 
 bool CQueueWriter::writeBatch() {
   if (!database_) {
-    database_ = parts_.file.open([](CQueueDatabase&) {});
+    database_ = dependencies_.file.open([](CQueueDatabase&) {});
     if (!database_) {
-      retry_ = std::clamp(retry_ * 2, pace_.firstRetry, pace_.lastRetry);
-      return parts_.store.changesWaiting() == 0;
+      retry_ = std::clamp(retry_ * 2, timing_.firstRetry, timing_.lastRetry);
+      return dependencies_.store.changesWaiting() == 0;
     }
   }
-  const QueueBatch batch = parts_.store.collect(kMaxWritten);
+  const QueueBatch batch = dependencies_.store.collect(kMaxWritten);
   if (batch.writes.empty()) {
     return true;
   }
   try {
     database_->write(batch);
   } catch (const CSqliteError& error) {
-    parts_.store.putBack(batch);
+    dependencies_.store.putBack(batch);
     if (error.isDamage()) {
       damage_ = error.what();
     }
     failed(error.what());
     return false;
   }
-  parts_.store.written(batch);
+  dependencies_.store.written(batch);
   sweeping_ =
       sweeping_ || std::any_of(batch.writes.begin(), batch.writes.end(), [](const auto& one) {
         return one.change.kind == QueueChange::Kind::kGroupRemoved;
       });
   if (std::exchange(retry_, {}) != std::chrono::milliseconds::zero()) {
-    parts_.log.information("The queue " + parts_.file.path() + " can be written to again");
+    dependencies_.log.information("The queue " + dependencies_.file.path() +
+                                  " can be written to again");
   }
   return true;
 }
 
 void CQueueWriter::failed(const std::string& what) {
   if (retry_ == std::chrono::milliseconds::zero()) {
-    parts_.log.error("The queue " + parts_.file.path() + " cannot be written to: " + what +
-                     "; transfers go on, what is not written is kept in memory and tried again");
+    dependencies_.log.error(
+        "The queue " + dependencies_.file.path() + " cannot be written to: " + what +
+        "; transfers go on, what is not written is kept in memory and tried again");
   }
-  retry_ = std::clamp(retry_ * 2, pace_.firstRetry, pace_.lastRetry);
+  retry_ = std::clamp(retry_ * 2, timing_.firstRetry, timing_.lastRetry);
 }
 
-// Bit by bit, so that reads and writes get their turn in between.
+// In small steps, so that reads and writes are served in between.
 void CQueueWriter::sweep() {
   if (!sweeping_ || due_) {
     return;
@@ -222,8 +226,8 @@ void CQueueWriter::sweep() {
     sweeping_ = database_ && database_->sweep();
   } catch (const CSqliteError& error) {
     sweeping_ = false;  // with the next group that is removed, or at the next start
-    parts_.log.warning("Removed groups cannot be cleared from the queue " + parts_.file.path() +
-                       " now: " + error.what());
+    dependencies_.log.warning("Removed groups cannot be cleared from the queue " +
+                              dependencies_.file.path() + " now: " + error.what());
   }
 }
 

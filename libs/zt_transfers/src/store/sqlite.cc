@@ -117,7 +117,7 @@ std::string CSqliteConnection::text(const char* sql) {
 }
 
 CSqliteTransaction::~CSqliteTransaction() {
-  // Some failures have ended it already.
+  // Some failures have rolled it back already.
   if (sqlite3_get_autocommit(connection_.get()) == 0) {
     sqlite3_exec(connection_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
   }

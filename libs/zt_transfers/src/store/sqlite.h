@@ -16,7 +16,7 @@ class CSqliteError : public std::runtime_error {
   CSqliteError(int code, const std::string& what) : std::runtime_error(what), code_(code) {}
 
   int code() const { return code_; }
-  // The file is not, or no longer, a database as it should be.
+  // The file is damaged or not a database.
   bool isDamage() const {
     const int primary = code_ & 0xFF;
     return primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB;
@@ -26,8 +26,8 @@ class CSqliteError : public std::runtime_error {
   const int code_;
 };
 
-// A prepared statement, to be used again and again. Columns and parameters count as in SQLite:
-// columns from 0, parameters from 1. Texts are stored as they are, byte by byte.
+// A prepared statement for repeated use. As in SQLite, columns count from 0 and parameters from 1.
+// Texts are stored byte by byte.
 //
 // Thread: that of its connection.
 class CSqliteStatement {
@@ -35,15 +35,15 @@ class CSqliteStatement {
   CSqliteStatement(sqlite3* connection, const char* sql);
 
   CSqliteStatement& bind(int parameter, std::int64_t value);
-  // The bytes must stay where they are until the statement has run.
+  // The bytes must stay valid until the statement has run.
   CSqliteStatement& bindBytes(int parameter, std::string_view bytes);
   CSqliteStatement& bindNull(int parameter);
 
-  // True when there is a row. After the last one the statement is ready to be run again.
+  // True when there is a row. After the last row the statement can be run again.
   bool step();
   // Runs it to its end.
   void run();
-  // Leaves the rows that are left.
+  // Skips the remaining rows.
   void reset() noexcept;
 
   std::int64_t number(int column) const;
@@ -66,7 +66,7 @@ class CSqliteStatement {
 // Thread: one at a time.
 class CSqliteConnection {
  public:
-  // Makes the file when it is not there.
+  // Creates the file if it does not exist.
   explicit CSqliteConnection(const std::string& path);
 
   sqlite3* get() const { return connection_.get(); }
@@ -83,7 +83,7 @@ class CSqliteConnection {
   std::unique_ptr<sqlite3, Closer> connection_;
 };
 
-// What is written while it lives becomes durable with `commit`, or not at all.
+// Rolls back unless `commit` was called.
 class CSqliteTransaction {
  public:
   explicit CSqliteTransaction(CSqliteConnection& connection) : connection_(connection) {

@@ -11,8 +11,11 @@ constexpr std::size_t kMaxGap = 20'000'000;  // files removed in a row
 
 CStoredQueue::CStoredQueue(std::string threadName, ILog& log,
                            std::function<void(std::int32_t)> arrived,
-                           const CQueueWriter::Pace& pace)
-    : threadName_(std::move(threadName)), log_(log), arrived_(std::move(arrived)), pace_(pace) {}
+                           const CQueueWriter::Timing& timing)
+    : threadName_(std::move(threadName)),
+      log_(log),
+      arrived_(std::move(arrived)),
+      timing_(timing) {}
 
 CStoredQueue::~CStoredQueue() {
   abandon();
@@ -27,7 +30,7 @@ std::optional<RestoredQueue> CStoredQueue::open(const std::string& path) {
   auto database = file_->open([&](CQueueDatabase& opened) { load(opened, found); });
   if (!database) {
     if (!file_->isNew()) {
-      // What is in it now could not be told from what is queued meanwhile.
+      // Its groups could not be told from those that are queued meanwhile.
       file_.reset();
       return std::nullopt;
     }
@@ -36,8 +39,8 @@ std::optional<RestoredQueue> CStoredQueue::open(const std::string& path) {
   }
   writer_ = std::make_unique<CQueueWriter>(
       threadName_,
-      CQueueWriter::Parts{.store = store_, .file = *file_, .log = log_, .arrived = arrived_},
-      std::move(database), pace_);
+      CQueueWriter::Dependencies{.store = store_, .file = *file_, .log = log_, .arrived = arrived_},
+      std::move(database), timing_);
   return found;
 }
 
@@ -53,7 +56,7 @@ void CStoredQueue::load(CQueueDatabase& database, RestoredQueue& found) {
                      [&](FileRef file, const StoredState& state, std::string_view fileId) {
                        auto& files = found.groups.back().files;
                        if (file.index - files.size() > kMaxGap) {
-                         throw CQueueDatabase::CUnusable("a file's place makes no sense");
+                         throw CQueueDatabase::CUnusable("a file's index is out of range");
                        }
                        files.resize(file.index, {.phase = FilePhase::kRemoved});
                        files.push_back(state);

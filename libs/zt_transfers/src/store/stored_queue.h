@@ -15,31 +15,31 @@
 
 namespace zt_transfers {
 
-// A manager's queue: always in memory, and between `open` and `close` on disk as well, if it
-// can be.
+// A manager's queue: always in memory, and also on disk between `open` and `close`, if the disk can
+// be used.
 //
 // Thread: all operations by the owner; the store is used by the engine.
 class CStoredQueue {
  public:
   // `arrived`: see CQueueWriter.
   CStoredQueue(std::string threadName, ILog& log, std::function<void(std::int32_t)> arrived,
-               const CQueueWriter::Pace& pace = {});
+               const CQueueWriter::Timing& timing = {});
   ~CStoredQueue();
   CStoredQueue(const CStoredQueue&) = delete;
   CStoredQueue& operator=(const CStoredQueue&) = delete;
 
   IQueueStore& store() { return store_; }
 
-  // What the database at `path` holds takes the place of what the store holds. Nothing when no
-  // database can be had; the store goes on as it is then. To be called while the engine rests.
+  // Replaces the store's content by that of the database at `path`. Nothing, and the store is
+  // unchanged, when the database cannot be used. The engine must be stopped.
   std::optional<RestoredQueue> open(const std::string& path);
   bool isOpen() const { return writer_ != nullptr; }
-  // See CQueueWriter. Thread: any, while it is open or closed and stays so.
+  // See CQueueWriter. Thread: any, but not during `open`, `close` and `abandon`.
   void flush(std::chrono::milliseconds limit);
-  // Writes everything and gives the database free. False when something cannot be written: then it
-  // stays open.
+  // Writes all changes and releases the database. False, and it stays open, when they cannot be
+  // written.
   bool close();
-  // Gives the database free whether or not everything could be written.
+  // Releases the database even if changes are lost.
   void abandon();
 
  private:
@@ -48,7 +48,7 @@ class CStoredQueue {
   const std::string threadName_;
   ILog& log_;
   const std::function<void(std::int32_t)> arrived_;
-  const CQueueWriter::Pace pace_;
+  const CQueueWriter::Timing timing_;
   CQueueCache store_;
   std::unique_ptr<CDatabaseFile> file_;
   std::unique_ptr<CQueueWriter> writer_;

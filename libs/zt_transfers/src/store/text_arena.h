@@ -9,13 +9,13 @@
 
 namespace zt_transfers {
 
-// Many small texts, close together: each costs its bytes and its length. None is given free
-// before all are.
+// Stores many small texts without overhead: each takes its bytes and its length. All are freed
+// together.
 //
-// Thread: one at a time; what was added may be read while nothing is.
+// Thread: one at a time; several may read while none adds.
 class CTextArena {
  public:
-  // Gives where it lies from now on, for `at`.
+  // Returns the text's address, for `at`.
   const char* add(std::string_view text) {
     const auto length = static_cast<std::uint32_t>(text.size());
     const std::size_t needed = sizeof length + text.size();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <stdexcept>
 #include <utility>
 
 #include "zt_transfers/global_config.h"
@@ -14,22 +15,36 @@ CFileRequest::CFileRequest(const UploadDependencies& dependencies, Order order, 
       listener_(listener),
       place_(order_.url, order_.headers) {}
 
-CFileRequest::~CFileRequest() {
-  close();
+void CFileRequest::enter(State next) {
+  if (!mayFollow(state_, next)) {
+    throw std::logic_error("an upload request's state " + std::to_string(int(state_)) +
+                           " cannot become " + std::to_string(int(next)));
+  }
+  state_ = next;
+  switch (next) {
+    case State::kOpening:
+      release();
+      openSource();
+      break;
+    case State::kSending:
+      dependencies_.loop.throttle().enter(*this);
+      break;
+    case State::kEnded:
+      release();
+      break;
+  }
 }
 
-void CFileRequest::begin() {
+void CFileRequest::openSource() {
   sent_ = 0;
   source_ =
       std::make_shared<CUploadSource>(dependencies_.loop, dependencies_.pool, order_.source, *this);
   source_->open();
 }
 
-void CFileRequest::close() {
-  if (exchange_) {
-    exchange_.reset();
-    dependencies_.loop.throttle().leave(*this);
-  }
+void CFileRequest::release() {
+  exchange_.reset();
+  dependencies_.loop.throttle().leave(*this);
   if (source_) {
     source_->close();
     source_.reset();
@@ -38,9 +53,14 @@ void CFileRequest::close() {
 
 void CFileRequest::onSourceOpened(const SourceVersion& version) {
   size_ = order_.source.span.value_or(ByteSpan{0, version.size}).length();
-  if (!listener_.onRequestOpened(*this, version)) {
-    return;
+  if (listener_.onRequestOpened(*this, version)) {
+    send();
+  } else {
+    enter(State::kEnded);
   }
+}
+
+void CFileRequest::send() {
   HttpRequest request;
   request.url = place_.url();
   request.headers = place_.headers();
@@ -52,20 +72,21 @@ void CFileRequest::onSourceOpened(const SourceVersion& version) {
         dependencies_.loop, request, *this,
         [this](const HttpResponse& response) { onResponse(response); });
   } catch (const std::exception& error) {
-    listener_.onRequestFailed(*this, {failure::kBadRequest, error.what()});
+    fail({failure::kBadRequest, error.what()});
     return;
   }
-  dependencies_.loop.throttle().enter(*this);
+  enter(State::kSending);
 }
 
 void CFileRequest::onSourceReady() {
-  if (exchange_) {
+  if (state_ == State::kSending) {
     exchange_->resumeBody();
   }
 }
 
-void CFileRequest::onSourceFailed(const Trouble& trouble) {
-  listener_.onRequestFailed(*this, trouble);
+void CFileRequest::fail(const Problem& problem) {
+  enter(State::kEnded);
+  listener_.onRequestFailed(*this, problem);
 }
 
 IHttpBody::Read CFileRequest::read(char* to, std::size_t room, std::size_t& copied) {
@@ -102,17 +123,19 @@ bool CFileRequest::rewind() {
 }
 
 void CFileRequest::onResponse(const HttpResponse& response) {
-  if (!place_.follow(response, dependencies_.log)) {
-    if (response.code == CURLE_OK) {
-      sent_ = response.bytesSent;  // what was taken as a whole was not counted before
-      listener_.onRequestMoved(*this);
-    }
-    listener_.onRequestAnswered(*this, response);
+  dependencies_.loop.retire(std::move(exchange_));
+  if (place_.follow(response, dependencies_.log)) {
+    enter(State::kOpening);
+    listener_.onRequestMoved(*this);
     return;
   }
-  close();
-  begin();
-  listener_.onRequestMoved(*this);
+  md5_ = source_->md5();
+  enter(State::kEnded);
+  if (response.code == CURLE_OK) {
+    sent_ = response.bytesSent;  // a body that was sent with the head was not counted before
+    listener_.onRequestMoved(*this);
+  }
+  listener_.onRequestAnswered(*this, response);
 }
 
 }  // namespace zt_transfers

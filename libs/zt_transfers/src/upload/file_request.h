@@ -1,24 +1,36 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
 #include "http/http_exchange.h"
 #include "http/request_place.h"
 #include "http/throttle.h"
+#include "upload/upload_dependencies.h"
 #include "upload/upload_source.h"
-#include "upload/upload_tools.h"
 
 namespace zt_transfers {
 
-// One PUT whose body is a file or a span of one:
+// One PUT whose body is a file or a span of one. CFileRequest::enter is the one function that
+// changes its state:
 //
-//   opening ──► sending ──► answered
-//      ▲           │
-//      └───────────┘ redirect (a new place, from the first byte)
-//
-// A problem with the source ends it from every state; the request is then cut off before its last
-// byte. Destruction ends it without an answer.
+//   kOpening ──► kSending ──► kEnded
+//      ▲  │         │           ▲
+//      │  └─────────┼───────────┘ the source or the listener ends it
+//      └────────────┘ redirect (to a new place, from the first byte)
+enum class FileRequestState : std::uint8_t {
+  kOpening,  // the pool opens the source and reads its beginning
+  kSending,  // the exchange is under way
+  kEnded,    // neither source nor exchange is used any more
+};
+
+constexpr bool mayFollow(FileRequestState from, FileRequestState to) {
+  return from != FileRequestState::kEnded && (from != to || from == FileRequestState::kOpening);
+}
+
+// When the source fails, the request is cut off before its last byte. Destruction ends it without
+// a report.
 //
 // Thread: the loop's, on which the listener is called, too.
 class CFileRequest final : public CUploadSource::IListener,
@@ -32,44 +44,47 @@ class CFileRequest final : public CUploadSource::IListener,
     std::string proxy;
   };
 
-  // Each call but onRequestMoved may destroy the request.
   class IListener {
    public:
-    // False when it is not to be sent.
+    // False ends the request without a further report.
     virtual bool onRequestOpened(CFileRequest& request, const SourceVersion& version) = 0;
     // sent() has changed.
     virtual void onRequestMoved(CFileRequest& request) = 0;
+    // Each of these is the last call; the listener then retires the request.
     virtual void onRequestAnswered(CFileRequest& request, const HttpResponse& response) = 0;
-    // It cannot be sent; `reason` is for the log.
-    virtual void onRequestFailed(CFileRequest& request, const Trouble& trouble) = 0;
+    virtual void onRequestFailed(CFileRequest& request, const Problem& problem) = 0;
 
    protected:
     ~IListener() = default;
   };
 
   CFileRequest(const UploadDependencies& dependencies, Order order, IListener& listener);
-  ~CFileRequest();
+  ~CFileRequest() { release(); }
   CFileRequest(const CFileRequest&) = delete;
   CFileRequest& operator=(const CFileRequest&) = delete;
 
-  // No call comes from within.
-  void begin();
+  // The listener is not called from within.
+  void begin() { enter(State::kOpening); }
 
-  // Whether a file of this size is not read.
-  bool statOnly(std::uint64_t size) const { return size >= order_.source.statOnlyFrom; }
-  std::uint64_t size() const { return size_; }  // of the body, once it is open
-  // Bytes of it; a small body, which goes out with the head, counts once it was answered.
+  std::uint64_t size() const { return size_; }  // of the body in bytes, once it is open
+  // Bytes of the body. A small body is sent together with the head and counts once it is answered.
   std::uint64_t sent() const { return sent_; }
-  // Of what was sent, once it was answered; empty when not asked for.
-  const std::string& md5() const { return source_->md5(); }
+  // Digest of the body, once it is answered; empty when no digest was asked for.
+  const std::string& md5() const { return md5_; }
 
  private:
-  void close();
+  using State = FileRequestState;
+
+  void enter(State next);
+  void openSource();
+  void release();
+  void send();
+  void fail(const Problem& problem);
   void onResponse(const HttpResponse& response);
 
   void onSourceOpened(const SourceVersion& version) override;
   void onSourceReady() override;
-  void onSourceFailed(const Trouble& trouble) override;
+  void onSourceFailed(const Problem& problem) override { fail(problem); }
   Read read(char* to, std::size_t room, std::size_t& copied) override;
   std::string_view takeAll() override;
   bool rewind() override;
@@ -79,9 +94,11 @@ class CFileRequest final : public CUploadSource::IListener,
   const Order order_;
   IListener& listener_;
 
+  State state_ = State::kOpening;
   CRequestPlace place_;
   std::uint64_t size_ = 0;
   std::uint64_t sent_ = 0;
+  std::string md5_;
   std::shared_ptr<CUploadSource> source_;
   std::unique_ptr<CHttpExchange> exchange_;
 };

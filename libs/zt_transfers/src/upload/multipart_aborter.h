@@ -5,12 +5,12 @@
 
 #include "engine/attempt.h"
 #include "upload/store_request.h"
-#include "upload/upload_tools.h"
+#include "upload/upload_dependencies.h"
 
 namespace zt_transfers {
 
-// Tells servers that uploads in parts are not gone on with, so that they need not keep the parts.
-// The observer is told how that went, and gives what is to be tried again.
+// Aborts multipart uploads that will not be resumed, so that servers can delete their parts. The
+// observer is told of each outcome and repeats the task if need be.
 //
 // Thread: the loop's.
 class CMultipartAborter {
@@ -19,16 +19,18 @@ class CMultipartAborter {
       : dependencies_(dependencies) {}
 
   void abort(const CleanupTask& order);
-  // Takes over a request to begin an upload; what it begins is left behind. `session` has the
-  // place.
+  // Takes over a request that initiates an upload. The upload that it initiates is reported as an
+  // orphan; `session` has its URL and headers.
   void abortOnceBegun(std::unique_ptr<CStoreRequest> initiation, const UploadSession& session);
-  void clear() { calls_.clear(); }
+  void clear() { requests_.clear(); }
 
  private:
-  using Dependencies = std::list<std::unique_ptr<CStoreRequest>>;
+  using Requests = std::list<std::unique_ptr<CStoreRequest>>;
+
+  void retire(Requests::iterator request);
 
   const UploadDependencies dependencies_;
-  Dependencies calls_;
+  Requests requests_;
 };
 
 }  // namespace zt_transfers

@@ -10,10 +10,10 @@
 
 namespace zt_transfers {
 
-// The XML messages of an upload in parts. Nothing comes of answers that are no such message, whole
-// and with what is needed in it.
+// The XML messages of a multipart upload. The parsing functions return nothing unless the response
+// is a complete message of its kind.
 
-// Of the answer to the beginning of an upload.
+// From the response to an initiation.
 std::optional<std::string> uploadIdOf(std::string_view xml);
 
 // A part that the server says it has.
@@ -26,17 +26,17 @@ struct ListedPart {
 // One page of the list of parts.
 struct PartsPage {
   std::vector<ListedPart> parts;
-  std::uint32_t next = 0;  // the number behind which the next page begins; 0: it is the last page
+  std::uint32_t next = 0;  // the next page begins after this number; 0: this is the last page
 };
 std::optional<PartsPage> partsPageOf(std::string_view xml);
 
-// The request to put these parts together, in the order of their numbers.
+// The body of the completion request: these parts in the order of their numbers.
 std::string completionOf(std::vector<SentPart> parts);
-// The tag in the answer to it, which can be empty.
+// The object's ETag in the response to it; may be empty.
 std::optional<std::string> completedETagOf(std::string_view xml);
 
-// The tag that an object made of these parts has; nothing when their tags are no digests of what
-// was sent.
+// The ETag of an object that consists of these parts; nothing unless their ETags are the digests of
+// the bytes that were sent.
 std::optional<std::string> compositeTagOf(std::vector<SentPart> parts);
 
 }  // namespace zt_transfers

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <stdexcept>
 #include <utility>
 
 #include "http/etag.h"
@@ -10,16 +11,27 @@
 
 namespace zt_transfers {
 
+void CMultipartRecovery::enter(State next) {
+  if (!mayFollow(state_, next)) {
+    throw std::logic_error("a recovery's state " + std::to_string(int(state_)) + " cannot become " +
+                           std::to_string(int(next)));
+  }
+  state_ = next;
+  if (next == State::kChecking) {
+    sortOut();
+    checkNext();
+  }
+}
+
 void CMultipartRecovery::list(std::uint32_t after) {
   after_ = after;
-  call_ = std::make_unique<CStoreRequest>(
+  request_ = std::make_unique<CStoreRequest>(
       dependencies_.loop, dependencies_.log, listRequest(order_.session, after, order_.proxy),
       [this](const HttpResponse& response) { onListed(response); });
 }
 
 void CMultipartRecovery::onListed(const HttpResponse& response) {
-  // Kept to the end of this, and out of the way of the next one.
-  const std::unique_ptr<CStoreRequest> finished = std::move(call_);
+  dependencies_.loop.retire(std::move(request_));
   if (saysUploadIsGone(response)) {
     finish({.what = Found::What::kGone});
     return;
@@ -30,25 +42,25 @@ void CMultipartRecovery::onListed(const HttpResponse& response) {
     onNoList(response);
     return;
   }
-  // A server that does not know of pages gives the first one again.
+  // A server without pages returns the first one again.
   const bool isNew = !page->parts.empty() && page->parts.front().number > after_;
   if (isNew) {
     listed_.insert(listed_.end(), page->parts.begin(), page->parts.end());
   }
-  const bool goesOn = isNew && page->next >= page->parts.back().number;
-  if (goesOn && listed_.size() < UploadSession::kMaxParts) {
+  const bool hasMore = isNew && page->next >= page->parts.back().number;
+  if (hasMore && listed_.size() < UploadSession::kMaxParts) {
     list(page->next);
   } else {
-    compare();
+    enter(State::kChecking);
   }
 }
 
-// A server that gives no list is believed what it confirmed for each part.
+// If a server cannot list parts, its responses to the parts are trusted.
 void CMultipartRecovery::onNoList(const HttpResponse& response) {
   const AttemptOutcome outcome =
       judgeFailure(response, dependencies_.loop.clock().secondsSince1970());
-  const bool later = outcome.kind == AttemptOutcome::Kind::kRetry && response.status != 501;
-  if (response.code != CURLE_OK || later || asksForAuthority(response)) {
+  const bool retryable = outcome.kind == AttemptOutcome::Kind::kRetry && response.status != 501;
+  if (response.code != CURLE_OK || retryable || asksForAuthority(response)) {
     finish({.what = Found::What::kFailed, .response = response});
     return;
   }
@@ -56,10 +68,11 @@ void CMultipartRecovery::onNoList(const HttpResponse& response) {
   for (const SentPart& part : order_.session.parts) {
     listed_.push_back({part.number, order_.session.spanOf(part.number).length(), part.etag});
   }
-  compare();
+  enter(State::kChecking);
 }
 
-void CMultipartRecovery::compare() {
+// Each listed part is taken, in doubt, or dropped.
+void CMultipartRecovery::sortOut() {
   const UploadSession& session = order_.session;
   std::map<std::uint32_t, const SentPart*> notes;
   for (const SentPart& part : session.parts) {
@@ -79,7 +92,6 @@ void CMultipartRecovery::compare() {
       doubtful_.push_back(part);
     }
   }
-  checkNext();
 }
 
 void CMultipartRecovery::checkNext() {
@@ -89,7 +101,7 @@ void CMultipartRecovery::checkNext() {
   }
   const ListedPart part = std::move(doubtful_.back());
   doubtful_.pop_back();
-  check_ = std::make_unique<CSourceDigest>(
+  digest_ = std::make_unique<CSourceDigest>(
       dependencies_,
       ReadRequest{.path = order_.path,
                   .version = order_.session.source,
@@ -98,6 +110,7 @@ void CMultipartRecovery::checkNext() {
 }
 
 void CMultipartRecovery::onChecked(const ListedPart& part, const CSourceDigest::Result& result) {
+  dependencies_.loop.retire(std::move(digest_));
   if (result.problem) {
     finish({.what = Found::What::kSource, .problem = *result.problem});
     return;
@@ -108,10 +121,9 @@ void CMultipartRecovery::onChecked(const ListedPart& part, const CSourceDigest::
   checkNext();
 }
 
-void CMultipartRecovery::finish(Found found) {
-  // A copy, as the receiver may destroy this survey.
-  const Done done = done_;
-  done(found);
+void CMultipartRecovery::finish(const Found& found) {
+  enter(State::kEnded);
+  done_(found);
 }
 
 }  // namespace zt_transfers

@@ -10,39 +10,49 @@
 #include "upload/multipart_messages.h"
 #include "upload/source_digest.h"
 #include "upload/store_request.h"
-#include "upload/upload_tools.h"
+#include "upload/upload_dependencies.h"
 
 namespace zt_transfers {
 
-// Finds out which parts of an upload that was begun before a server has:
+// How far a recovery is. CMultipartRecovery::enter is the one function that changes it:
 //
-//   listing ──► checking ──► done
+//   kListing ──► kChecking ──► kEnded
+//      └──────────────────────────▲
+enum class RecoveryState : std::uint8_t {
+  kListing,   // asks the server for its parts, page by page
+  kChecking,  // reads the file's spans of those parts whose digests are in doubt
+  kEnded,
+};
+
+constexpr bool mayFollow(RecoveryState from, RecoveryState to) {
+  return from < to;
+}
+
+// Finds out which parts of an earlier multipart upload a server has. A part is taken if the session
+// has it with the same ETag, or if its ETag is the digest of what the file holds now.
 //
-// Listing asks the server, page by page. What was noted just as the server tells it is taken; of
-// the rest the file is read again, and a part is taken if it has the digest that the server tells.
-//
-// Thread: the loop's. Destruction ends it without an answer.
+// Thread: the loop's. Destruction ends it without a report.
 class CMultipartRecovery {
  public:
   struct Found {
     enum class What {
-      kParts,   // these are there, and are what the file holds
+      kParts,   // the server has these, with the file's content
       kGone,    // the server has forgotten the upload
-      kFailed,  // see the answer
-      kSource,  // the file cannot be read as it was; see the problem
+      kFailed,  // see `response`
+      kSource,  // see `problem`
     };
     What what = What::kParts;
     std::vector<SentPart> parts{};
     HttpResponse response{};
-    Trouble problem{};
+    Problem problem{};
   };
-  // Never called from within begin; may destroy the survey.
+  // Never called from within begin; its receiver retires the recovery.
   using Done = std::function<void(const Found&)>;
 
   struct Order {
     UploadSession session;
     std::string path;
-    bool trusted = true;  // the digests in the session are those of what the file holds
+    bool trusted = true;  // the session's digests are those of the file's content now
     std::string proxy;
   };
 
@@ -53,24 +63,28 @@ class CMultipartRecovery {
   void begin() { list(0); }
 
  private:
+  using State = RecoveryState;
+
+  void enter(State next);
   void list(std::uint32_t after);
   void onListed(const HttpResponse& response);
   void onNoList(const HttpResponse& response);
-  void compare();
+  void sortOut();
   void checkNext();
   void onChecked(const ListedPart& part, const CSourceDigest::Result& result);
-  void finish(Found found);
+  void finish(const Found& found);
 
   const UploadDependencies dependencies_;
   const Order order_;
   const Done done_;
 
+  State state_ = State::kListing;
   std::vector<ListedPart> listed_;
-  std::uint32_t after_ = 0;  // the number behind which the list under way begins
+  std::uint32_t after_ = 0;  // the page under way lists the parts after this number
   std::vector<ListedPart> doubtful_;
   std::vector<SentPart> taken_;
-  std::unique_ptr<CStoreRequest> call_;
-  std::unique_ptr<CSourceDigest> check_;
+  std::unique_ptr<CStoreRequest> request_;
+  std::unique_ptr<CSourceDigest> digest_;
 };
 
 }  // namespace zt_transfers

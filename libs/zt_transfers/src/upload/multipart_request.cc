@@ -10,12 +10,12 @@
 namespace zt_transfers {
 namespace {
 
-// A server may copy a large object before it answers.
+// A server may copy a large object before it responds.
 constexpr std::chrono::minutes kCompletionTimeout{10};
 
 constexpr int kPartsOnAPage = 1000;
 
-// Would be wrong for anything but the bytes of the whole.
+// Such a header would be wrong for a part.
 bool isDigestOfTheWhole(std::string_view name) {
   return equalsIgnoringCase(name, "content-md5") || equalsIgnoringCase(name, "digest") ||
          equalsIgnoringCase(name, "content-digest") ||

@@ -8,19 +8,19 @@
 
 namespace zt_transfers {
 
-// The requests of an upload in parts, but for the parts' own bodies.
+// The requests of a multipart upload, except for the bodies of its parts.
 
 CStoreRequest::Request initiationRequest(const UploadSession& session, const std::string& proxy);
-// The parts behind number `after`.
+// Lists the parts after number `after`.
 CStoreRequest::Request listRequest(const UploadSession& session, std::uint32_t after,
                                    const std::string& proxy);
 CStoreRequest::Request completionRequest(const UploadSession& session, const std::string& proxy);
 CStoreRequest::Request abortRequest(const UploadSession& session, const std::string& proxy);
-// What there is at the place now.
+// HEAD of the object.
 CStoreRequest::Request lookUpRequest(const UploadSession& session, const std::string& proxy);
 
 std::string partUrl(const UploadSession& session, std::uint32_t number);
-// The page's headers without those that are about the content as a whole.
+// The page's headers without those that describe the whole content.
 HttpHeaders partHeaders(const UploadSession& session);
 
 }  // namespace zt_transfers

@@ -2,50 +2,100 @@
 
 #include <exception>
 #include <set>
+#include <stdexcept>
 #include <utility>
 
 #include "base/url_parts.h"
 #include "upload/multipart_request.h"
 #include "upload/multipart_verdict.h"
-#include "upload/part_plan.h"
-#include "upload/source_version.h"
 
 namespace zt_transfers {
 namespace {
 
-// So often at most a session is kept on disk; what is newer the server knows.
-constexpr std::chrono::seconds kNoteInterval{1};
+// The session is persisted at most this often; what is newer, the server knows.
+constexpr std::chrono::seconds kSaveInterval{1};
 
 }  // namespace
 
 CMultipartUpload::CMultipartUpload(const UploadDependencies& dependencies, const StartOrder& order,
                                    std::string path, const SourceVersion& version,
-                                   IListener& listener)
+                                   CRequestSlots& slots, IListener& listener)
     : dependencies_(dependencies),
       order_(order),
       path_(std::move(path)),
       version_(version),
       listener_(listener),
-      sender_(dependencies, order, listener, *this) {}
+      sender_(dependencies, order, slots, *this) {}
 
 void CMultipartUpload::begin() {
-  if (order_.resume.begun() && order_.resume.isUpload()) {
-    takeUp(order_.resume.upload());
-  } else {
-    startAnew();
+  const bool hasSession = order_.resume.begun() && order_.resume.isUpload();
+  if (hasSession && resumes(order_.resume.upload())) {
+    enter(State::kRecovering);
+    return;
+  }
+  if (hasSession) {
+    listener_.onSessionAbandoned(order_.resume.upload());
+  }
+  enter(State::kInitiating);
+}
+
+void CMultipartUpload::enter(State next) {
+  if (!mayFollow(state_, next)) {
+    throw std::logic_error("a multipart upload's state " + std::to_string(int(state_)) +
+                           " cannot become " + std::to_string(int(next)));
+  }
+  state_ = next;
+  switch (next) {
+    case State::kRecovering:
+      recover();
+      break;
+    case State::kInitiating:
+      initiate();
+      break;
+    case State::kSavingSession:
+    case State::kSavingCompletion:
+      saveSession();
+      break;
+    case State::kSending:
+      sendMissing();
+      break;
+    case State::kCompleting:
+      askedToComplete_ = true;
+      request(completionRequest(session_, order_.proxy), &CMultipartUpload::onCompleted);
+      break;
+    case State::kLookingUp:
+      request(lookUpRequest(session_, order_.proxy), &CMultipartUpload::onLookedUp);
+      break;
+    case State::kNew:
+    case State::kEnded:
+      break;
   }
 }
 
-void CMultipartUpload::takeUp(UploadSession session) {
-  // The page may have renewed the URL's query, but not meant another object.
-  const bool samePlace = loggableUrl(session.url) == loggableUrl(order_.spec.url);
-  if (!samePlace || !session.source.sameContent(version_)) {
-    listener_.onSessionAbandoned(session);
-    startAnew();
-    return;
+// Ends the attempt when the request cannot be sent.
+void CMultipartUpload::request(CStoreRequest::Request request,
+                               void (CMultipartUpload::*onResponse)(const HttpResponse&)) {
+  try {
+    request_ =
+        std::make_unique<CStoreRequest>(dependencies_.loop, dependencies_.log, std::move(request),
+                                        [this, onResponse](const HttpResponse& response) {
+                                          dependencies_.loop.retire(std::move(request_));
+                                          (this->*onResponse)(response);
+                                        });
+  } catch (const std::exception& error) {
+    end(AttemptOutcome::final(error.what(), failure::kBadRequest));
   }
-  const bool trusted = session.source.touched == version_.touched;
-  session_ = std::move(session);
+}
+
+// The page may have renewed the URL's query, but not changed the object that it names.
+bool CMultipartUpload::resumes(const UploadSession& session) const {
+  return loggableUrl(session.url) == loggableUrl(order_.spec.url) &&
+         session.source.sameContent(version_);
+}
+
+void CMultipartUpload::recover() {
+  session_ = order_.resume.upload();
+  const bool trusted = session_.source.touched == version_.touched;
   session_.url = order_.spec.url;
   session_.headers = order_.spec.headers;
   session_.source = version_;
@@ -53,7 +103,10 @@ void CMultipartUpload::takeUp(UploadSession session) {
       dependencies_,
       CMultipartRecovery::Order{
           .session = session_, .path = path_, .trusted = trusted, .proxy = order_.proxy},
-      [this](const CMultipartRecovery::Found& found) { onRecovered(found); });
+      [this](const CMultipartRecovery::Found& found) {
+        dependencies_.loop.retire(std::move(recovery_));
+        onRecovered(found);
+      });
   try {
     recovery_->begin();
   } catch (const std::exception& error) {
@@ -61,87 +114,18 @@ void CMultipartUpload::takeUp(UploadSession session) {
   }
 }
 
-void CMultipartUpload::startAnew() {
-  dropSession();
-  session_.url = order_.spec.url;
-  session_.headers = order_.spec.headers;
-  session_.partSize = partSizeFor(version_.size, order_.parts.size);
-  session_.source = version_;
-  call(initiation_, initiationRequest(session_, order_.proxy), &CMultipartUpload::onInitiated);
-}
-
-// Ends the attempt when there is no such request.
-void CMultipartUpload::call(std::unique_ptr<CStoreRequest>& slot, CStoreRequest::Request request,
-                            OnResponse onResponse) {
-  try {
-    slot = std::make_unique<CStoreRequest>(
-        dependencies_.loop, dependencies_.log, std::move(request),
-        [this, &slot, onResponse](const HttpResponse& response) {
-          // Kept to the end of this, and out of the way of the next
-          // one.
-          const std::unique_ptr<CStoreRequest> finished = std::move(slot);
-          (this->*onResponse)(response);
-        });
-  } catch (const std::exception& error) {
-    end(AttemptOutcome::final(error.what(), failure::kBadRequest));
-  }
-}
-
-void CMultipartUpload::onInitiated(const HttpResponse& response) {
-  Initiation initiation = judgeInitiation(response, now());
-  if (initiation.outcome) {
-    end(*initiation.outcome);
-    return;
-  }
-  if (initiation.unsupported) {
-    listener_.onMultipartUnsupported(initiation.permanent);
-    return;
-  }
-  session_.uploadId = std::move(initiation.uploadId);
-  order_.progress->setResume(session_);
-  if (!dependencies_.observer.onAttemptCheckpoint(order_.attemptId)) {
-    // Who stopped this may not know of the session.
-    listener_.onSessionAbandoned(session_);
-    dropSession();
-    return;
-  }
-  flushThen(&CMultipartUpload::send);
-}
-
-// Goes on once the session is on disk, if the source is still the same.
-void CMultipartUpload::flushThen(void (CMultipartUpload::*next)()) {
-  noted_ = dependencies_.loop.clock().now();
-  dependencies_.pool.post([this, next, &loop = dependencies_.loop,
-                           &observer = dependencies_.observer, attemptId = order_.attemptId,
-                           alive = std::weak_ptr<bool>(alive_), path = path_, version = version_] {
-    observer.keepDurably({attemptId});
-    loop.post([this, next, alive, change = changeSince(version, path)] {
-      if (alive.expired()) {
-        return;
-      }
-      if (change) {
-        failSource(*change);
-      } else {
-        (this->*next)();
-      }
-    });
-  });
-}
-
 void CMultipartUpload::onRecovered(const CMultipartRecovery::Found& found) {
   using What = CMultipartRecovery::Found::What;
-  // Kept to the end of this; what was found is not part of it.
-  const std::unique_ptr<CMultipartRecovery> finished = std::move(recovery_);
   switch (found.what) {
     case What::kParts:
       session_.parts = found.parts;
       bytesSent_ = session_.bytesSent();
       order_.progress->setResume(session_);
       onBytesMoved();
-      send();
+      enter(State::kSending);
       break;
     case What::kGone:
-      onGone();
+      onUploadGone();
       break;
     case What::kFailed:
       fail(found.response, judgeFailure(found.response, now()));
@@ -152,17 +136,63 @@ void CMultipartUpload::onRecovered(const CMultipartRecovery::Found& found) {
   }
 }
 
-void CMultipartUpload::onGone() {
+void CMultipartUpload::onUploadGone() {
   if (session_.completing) {
-    lookUp();
+    enter(State::kLookingUp);
     return;
   }
-  dependencies_.log.information("The server has forgotten the upload in parts to " +
+  dependencies_.log.information("The server has forgotten the multipart upload to " +
                                 loggableUrl(session_.url) + "; it begins again");
-  startAnew();
+  enter(State::kInitiating);
 }
 
-void CMultipartUpload::send() {
+void CMultipartUpload::initiate() {
+  dropSession();
+  session_.url = order_.spec.url;
+  session_.headers = order_.spec.headers;
+  session_.partSize = partSizeFor(version_.size, order_.parts.size);
+  session_.source = version_;
+  request(initiationRequest(session_, order_.proxy), &CMultipartUpload::onInitiated);
+}
+
+void CMultipartUpload::onInitiated(const HttpResponse& response) {
+  Initiation initiation = judgeInitiation(response, now());
+  if (initiation.outcome) {
+    end(*initiation.outcome);
+    return;
+  }
+  if (initiation.unsupported) {
+    enter(State::kEnded);
+    listener_.onMultipartUnsupported(initiation.permanent);
+    return;
+  }
+  session_.uploadId = std::move(initiation.uploadId);
+  order_.progress->setResume(session_);
+  if (dependencies_.observer.onAttemptCheckpoint(order_.attemptId)) {
+    enter(State::kSavingSession);
+  } else {
+    // The attempt was stopped, and the engine may not know of the session.
+    abandonSession();
+    enter(State::kEnded);
+  }
+}
+
+void CMultipartUpload::saveSession() {
+  savedAt_ = dependencies_.loop.clock().now();
+  flush_ = std::make_unique<CSessionFlush>(dependencies_, order_.attemptId, path_, version_,
+                                           [this](const auto& change) { onSessionSaved(change); });
+}
+
+void CMultipartUpload::onSessionSaved(const std::optional<Problem>& change) {
+  dependencies_.loop.retire(std::move(flush_));
+  if (change) {
+    failSource(*change);
+  } else {
+    enter(state_ == State::kSavingSession ? State::kSending : State::kCompleting);
+  }
+}
+
+void CMultipartUpload::sendMissing() {
   std::set<std::uint32_t> missing;
   for (std::uint32_t number = 1; number <= session_.partCount(); ++number) {
     missing.insert(missing.end(), number);
@@ -174,20 +204,16 @@ void CMultipartUpload::send() {
 }
 
 void CMultipartUpload::onPartSent(const SentPart& part) {
-  add(part);
-  progressed_ = true;
-  const TimePoint time = dependencies_.loop.clock().now();
-  if (time - noted_ >= kNoteInterval) {
-    noted_ = time;
-    dependencies_.observer.onAttemptCheckpoint(order_.attemptId);
-  }
-}
-
-void CMultipartUpload::add(const SentPart& part) {
   session_.parts.push_back(part);
   bytesSent_ += session_.spanOf(part.number).length();
   order_.progress->changeResume(
       [&part](TransferResume& resume) { resume.upload().parts.push_back(part); });
+  partSent_ = true;
+  const TimePoint time = dependencies_.loop.clock().now();
+  if (time - savedAt_ >= kSaveInterval) {
+    savedAt_ = time;
+    dependencies_.observer.onAttemptCheckpoint(order_.attemptId);
+  }
 }
 
 void CMultipartUpload::onBytesMoved() {
@@ -197,30 +223,30 @@ void CMultipartUpload::onBytesMoved() {
 void CMultipartUpload::onAllPartsSent() {
   session_.completing = true;
   order_.progress->setResume(session_);
-  flushThen(&CMultipartUpload::complete);
+  enter(State::kSavingCompletion);
 }
 
 void CMultipartUpload::onSendingEnded(const CPartSender::End& ending) {
   using Why = CPartSender::End::Why;
-  if (ending.why == Why::kSource || ending.why == Why::kRefused) {
-    listener_.onSessionAbandoned(session_);
-  }
-  if (ending.why == Why::kLater || ending.why == Why::kRenew) {
-    onBytesMoved();
-  } else {
-    dropSession();
+  switch (ending.why) {
+    case Why::kSource:
+    case Why::kRefused:
+      abandonSession();
+      break;
+    case Why::kGone:
+      dropSession();
+      break;
+    case Why::kRenew:
+    case Why::kLater:
+      onBytesMoved();
+      break;
   }
   end(ending.outcome);
 }
 
-void CMultipartUpload::complete() {
-  askedToComplete_ = true;
-  call(call_, completionRequest(session_, order_.proxy), &CMultipartUpload::onCompleted);
-}
-
 void CMultipartUpload::onCompleted(const HttpResponse& response) {
   if (saysUploadIsGone(response)) {
-    onGone();
+    onUploadGone();
     return;
   }
   const auto tag = order_.verify ? compositeTagOf(session_.parts) : std::nullopt;
@@ -239,10 +265,6 @@ void CMultipartUpload::onCompleted(const HttpResponse& response) {
   }
 }
 
-void CMultipartUpload::lookUp() {
-  call(call_, lookUpRequest(session_, order_.proxy), &CMultipartUpload::onLookedUp);
-}
-
 void CMultipartUpload::onLookedUp(const HttpResponse& response) {
   if (showsObject(response, version_.size, compositeTagOf(session_.parts))) {
     order_.progress->bytes = version_.size;
@@ -253,13 +275,22 @@ void CMultipartUpload::onLookedUp(const HttpResponse& response) {
   if (outcome.kind == AttemptOutcome::Kind::kRetry || asksForAuthority(response)) {
     end(outcome);
   } else if (askedToComplete_) {
-    // Beginning again here and now could go on for ever.
+    // Another upload in the same attempt could end in the same way, without end.
     dropSession();
-    end(AttemptOutcome::retry("the server has forgotten the upload in parts, and has no such file",
+    end(AttemptOutcome::retry("the server has forgotten the multipart upload, and has no such file",
                               failure::kServerTrouble));
   } else {
-    startAnew();
+    enter(State::kInitiating);
   }
+}
+
+std::unique_ptr<CStoreRequest> CMultipartUpload::takeInitiation() {
+  return state_ == State::kInitiating ? std::move(request_) : nullptr;
+}
+
+void CMultipartUpload::abandonSession() {
+  listener_.onSessionAbandoned(session_);
+  dropSession();
 }
 
 void CMultipartUpload::dropSession() {
@@ -270,31 +301,29 @@ void CMultipartUpload::dropSession() {
 }
 
 void CMultipartUpload::fail(const HttpResponse& response, const AttemptOutcome& outcome) {
-  const bool forGood = outcome.kind == AttemptOutcome::Kind::kFinal && response.code == CURLE_OK &&
-                       !asksForAuthority(response);
-  if (forGood) {
-    listener_.onSessionAbandoned(session_);
-    dropSession();
+  const bool permanent = outcome.kind == AttemptOutcome::Kind::kFinal &&
+                         response.code == CURLE_OK && !asksForAuthority(response);
+  if (permanent) {
+    abandonSession();
   }
   end(outcome);
 }
 
-void CMultipartUpload::failSource(const Trouble& trouble) {
-  const AttemptOutcome outcome = AttemptOutcome::final(trouble.reason, trouble.code);
-  listener_.onSessionAbandoned(session_);
-  dropSession();
-  end(outcome);
+void CMultipartUpload::failSource(const Problem& problem) {
+  abandonSession();
+  end(AttemptOutcome::final(problem.reason, problem.code));
 }
 
-// A session that was begun anew is no progress yet: the next one could be lost as well.
-bool CMultipartUpload::wentOn() const {
-  return progressed_ && order_.resume.begun() && order_.resume.isUpload() &&
+// A session that was begun in this attempt does not count: the next one could be lost as well.
+bool CMultipartUpload::madeProgress() const {
+  return partSent_ && order_.resume.begun() && order_.resume.isUpload() &&
          order_.resume.upload().uploadId == session_.uploadId;
 }
 
 void CMultipartUpload::end(AttemptOutcome outcome) {
-  outcome.progressed = wentOn();
-  listener_.onPartsEnded(outcome);
+  outcome.progressed = madeProgress();
+  enter(State::kEnded);
+  listener_.onMultipartEnded(outcome);
 }
 
 }  // namespace zt_transfers

@@ -5,80 +5,124 @@
 #include <string>
 
 #include "engine/attempt.h"
-#include "upload/file_request.h"
 #include "upload/multipart_recovery.h"
 #include "upload/part_sender.h"
+#include "upload/session_flush.h"
 #include "upload/store_request.h"
-#include "upload/upload_tools.h"
+#include "upload/upload_dependencies.h"
 
 namespace zt_transfers {
 
-// One attempt to send one file in parts:
+// Where a multipart upload stands. CMultipartUpload::enter is the one function that changes it:
 //
-//   surveying ──► sending ──► source ──► completing ──► done
-//       │ gone       ▲      unchanged?        │ gone
-//       ▼            │                        ▼
-//   initiating ──────┘ ◄───────────────── looking up ──► done
+//   kRecovering ──┬───► kSending ──► kSavingCompletion ──► kCompleting
+//     │           │        ▲                                    │
+//     │ gone      │        │                                    │ gone
+//     ▼           │   kSavingSession                            │
+//   kInitiating ──│───────►┘                                    │
+//     ▲           ▼                                             ▼
+//     └────── kLookingUp ◄──────────────────────────────────────┘
 //
-// It begins with surveying if an attempt before has left a session, else with initiating. Looking
-// up sees whether the parts were put together before, without an answer having come. What is left
-// at the end, and kept in the order's progress all the time, is the session.
+// It begins with kRecovering if an earlier attempt has left a session, else with kInitiating.
+// Every state can be left for kEnded.
+enum class MultipartState : std::uint8_t {
+  kNew,
+  kRecovering,        // asks the server which parts it has
+  kInitiating,        // asks the server for an upload id
+  kSavingSession,     // persists the upload id before parts are sent
+  kSending,           // parts are sent
+  kSavingCompletion,  // persists that completion was requested, before it is
+  kCompleting,        // asks the server to put the parts together
+  kLookingUp,         // checks whether an earlier request for completion succeeded
+  kEnded,
+};
+
+constexpr bool mayFollow(MultipartState from, MultipartState to) {
+  using State = MultipartState;
+  switch (to) {
+    case State::kNew:
+      return false;
+    case State::kRecovering:
+      return from == State::kNew;
+    case State::kInitiating:
+      return from == State::kNew || from == State::kRecovering || from == State::kLookingUp;
+    case State::kSavingSession:
+      return from == State::kInitiating;
+    case State::kSending:
+      return from == State::kRecovering || from == State::kSavingSession;
+    case State::kSavingCompletion:
+      return from == State::kSending;
+    case State::kCompleting:
+      return from == State::kSavingCompletion;
+    case State::kLookingUp:
+      return from == State::kRecovering || from == State::kCompleting;
+    case State::kEnded:
+      return from != State::kEnded;
+  }
+  return false;
+}
+
+// One attempt to send one file as a multipart upload. The session is kept in the order's progress
+// all the time and stays there at the end, unless it is of no use any more.
 //
-// Thread: the loop's, on which the listener is called, too. Destruction ends it without an answer.
+// Thread: the loop's, on which the listener is called, too. Destruction ends it without a report.
 class CMultipartUpload final : public CPartSender::IListener {
  public:
-  class IListener : public CPartSender::ISlots {
+  class IListener {
    public:
+    // The session will not be resumed and is to be aborted.
     virtual void onSessionAbandoned(const UploadSession& session) = 0;
-    // Both may destroy the upload. `permanent`: the server does not know uploads in parts at all.
+    // Each of these is the last call; the listener then retires the upload. `permanent`: the server
+    // supports no multipart uploads at all.
     virtual void onMultipartUnsupported(bool permanent) = 0;
-    virtual void onPartsEnded(const AttemptOutcome& outcome) = 0;
+    virtual void onMultipartEnded(const AttemptOutcome& outcome) = 0;
 
    protected:
     ~IListener() = default;
   };
 
-  // `order` and `listener` must outlive it. `version`: of the source, whose path this is.
+  // `order`, `slots` and `listener` must outlive it. `path` and `version` describe the source.
   CMultipartUpload(const UploadDependencies& dependencies, const StartOrder& order,
-                   std::string path, const SourceVersion& version, IListener& listener);
+                   std::string path, const SourceVersion& version, CRequestSlots& slots,
+                   IListener& listener);
   CMultipartUpload(const CMultipartUpload&) = delete;
   CMultipartUpload& operator=(const CMultipartUpload&) = delete;
 
-  // May end it at once.
+  // May end it.
   void begin();
-  // There may be room for another request.
+  // A slot for another request may be free.
   void onSlotFree() { sender_.fill(); }
-  // Its request to begin an upload, if that is under way, with the place that it is for.
-  std::unique_ptr<CStoreRequest> takeInitiation() { return std::move(initiation_); }
+  // The request that initiates the upload, if it is under way; session() says for which URL.
+  std::unique_ptr<CStoreRequest> takeInitiation();
   const UploadSession& session() const { return session_; }
 
  private:
-  using OnResponse = void (CMultipartUpload::*)(const HttpResponse&);
+  using State = MultipartState;
 
-  void takeUp(UploadSession session);
-  void startAnew();
-  void call(std::unique_ptr<CStoreRequest>& slot, CStoreRequest::Request request,
-            OnResponse onResponse);
-  void onInitiated(const HttpResponse& response);
+  void enter(State next);
+  bool resumes(const UploadSession& session) const;
+  void recover();
   void onRecovered(const CMultipartRecovery::Found& found);
-  void onGone();
-  void flushThen(void (CMultipartUpload::*next)());
-  void send();
-  void complete();
-  void onCompleted(const HttpResponse& response);
-  void lookUp();
-  void onLookedUp(const HttpResponse& response);
-
+  void onUploadGone();
+  void initiate();
+  void onInitiated(const HttpResponse& response);
+  void saveSession();
+  void onSessionSaved(const std::optional<Problem>& change);
+  void sendMissing();
   void onPartSent(const SentPart& part) override;
   void onAllPartsSent() override;
   void onSendingEnded(const CPartSender::End& ending) override;
   void onBytesMoved() override;
+  void onCompleted(const HttpResponse& response);
+  void onLookedUp(const HttpResponse& response);
 
-  void add(const SentPart& part);
+  void request(CStoreRequest::Request request,
+               void (CMultipartUpload::*onResponse)(const HttpResponse&));
+  void abandonSession();
   void dropSession();
   void fail(const HttpResponse& response, const AttemptOutcome& outcome);
-  void failSource(const Trouble& trouble);
-  bool wentOn() const;
+  void failSource(const Problem& problem);
+  bool madeProgress() const;
   void end(AttemptOutcome outcome);
   std::int64_t now() const { return dependencies_.loop.clock().secondsSince1970(); }
 
@@ -88,17 +132,17 @@ class CMultipartUpload final : public CPartSender::IListener {
   const SourceVersion version_;
   IListener& listener_;
 
+  State state_ = State::kNew;
   UploadSession session_;
-  std::uint64_t bytesSent_ = 0;  // of the session's parts
-  bool progressed_ = false;
+  std::uint64_t bytesSent_ = 0;   // of the session's parts
+  bool partSent_ = false;         // in this attempt
   bool askedToComplete_ = false;  // in this attempt
-  TimePoint noted_{};
+  TimePoint savedAt_{};           // when the session was last persisted
 
-  std::unique_ptr<CStoreRequest> call_;
-  std::unique_ptr<CStoreRequest> initiation_;
+  std::unique_ptr<CStoreRequest> request_;
   std::unique_ptr<CMultipartRecovery> recovery_;
+  std::unique_ptr<CSessionFlush> flush_;
   CPartSender sender_;
-  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 
 }  // namespace zt_transfers

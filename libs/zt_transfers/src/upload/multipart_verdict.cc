@@ -33,7 +33,7 @@ Initiation judgeInitiation(const HttpResponse& response, std::int64_t now) {
     if (const auto code = errorDocumentCode(response.body)) {
       return {.outcome = errorDocument(response, *code)};
     }
-    return {.unsupported = true};  // it took the request for something else
+    return {.unsupported = true};  // it mistook the request
   }
   const bool permanent = response.status == 405 || response.status == 501;
   if (response.code == CURLE_OK && (permanent || isRefusedForGood(response.status))) {
@@ -65,7 +65,7 @@ CompletionVerdict judgeCompletion(const HttpResponse& response,
     AttemptOutcome outcome = judgeFailure(response, now);
     const auto code = errorDocumentCode(response.body);
     if (code == "InvalidPart" || code == "InvalidPartOrder") {
-      // What it has will be asked for again.
+      // The next attempt lists the server's parts again.
       outcome = AttemptOutcome::retry(outcome.reason, failure::kServerTrouble);
     }
     return {Completion::kFailed, outcome};

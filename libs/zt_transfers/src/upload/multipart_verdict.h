@@ -9,35 +9,35 @@
 
 namespace zt_transfers {
 
-// Judges the answers of a server to what concerns an upload in parts as a whole. `now` in seconds
-// since 1970.
+// Judge the responses to the requests of a multipart upload, except for those of its parts. `now`
+// in seconds since 1970.
 
-// The answer to the beginning of one: exactly one of these holds.
+// The result of an initiation: one of `uploadId`, `unsupported` and `outcome` is set.
 struct Initiation {
-  std::string uploadId{};                   // it was begun
-  bool unsupported = false;                 // the server does not do that
-  bool permanent = false;                   // and says so in as many words
-  std::optional<AttemptOutcome> outcome{};  // it failed
+  std::string uploadId{};
+  bool unsupported = false;                 // the server does not take multipart uploads
+  bool permanent = false;                   // and the status says so explicitly
+  std::optional<AttemptOutcome> outcome{};  // the failure
 };
 Initiation judgeInitiation(const HttpResponse& response, std::int64_t now);
 
-// What follows from an answer that is no success.
+// The outcome of any response but a success.
 AttemptOutcome judgeFailure(const HttpResponse& response, std::int64_t now);
 
-// Whether the server knows nothing (any more) of the upload.
+// Whether the server does not know the upload.
 bool saysUploadIsGone(const HttpResponse& response);
-// Whether it may be gone on with once the page has renewed what authorises it.
+// Whether the upload can be resumed once the page has renewed its authorisation.
 bool asksForAuthority(const HttpResponse& response);
 
-// The answer to an abort: done also when there was nothing to be aborted.
+// An abort has also succeeded when there was nothing to abort.
 AttemptOutcome judgeAbort(const HttpResponse& response, std::int64_t now);
 
-// The answer to the request to put the parts together. `tag`: what the object must have, if it has
-// a tag that can be compared.
+// The result of a completion request. `tag`: the ETag that the object must have, if its own can be
+// compared.
 enum class Completion {
   kDone,
-  kOtherContent,  // there is an object now, but it is another one
-  kFailed,        // see the outcome
+  kOtherContent,  // the object exists with other content
+  kFailed,        // see `outcome`
 };
 struct CompletionVerdict {
   Completion kind = Completion::kFailed;
@@ -46,7 +46,7 @@ struct CompletionVerdict {
 CompletionVerdict judgeCompletion(const HttpResponse& response,
                                   const std::optional<std::string>& tag, std::int64_t now);
 
-// Whether the answer to HEAD shows the object that was put together before.
+// Whether the response to HEAD shows the completed object.
 bool showsObject(const HttpResponse& response, std::uint64_t size,
                  const std::optional<std::string>& tag);
 

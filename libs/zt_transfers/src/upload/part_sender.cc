@@ -10,8 +10,8 @@
 namespace zt_transfers {
 
 CPartSender::~CPartSender() {
-  for (; slotsTaken_ != 0; --slotsTaken_) {
-    slots_.giveSlotBack();
+  while (slotsTaken_ != 0) {
+    releaseSlot();
   }
 }
 
@@ -32,10 +32,10 @@ std::uint64_t CPartSender::bytesUnderWay() const {
 }
 
 void CPartSender::fill() {
-  while (session_ != nullptr && !trouble_ && !waiting_.empty() && active_.size() < kMaxConcurrent) {
-    // The first one has the place that every file has.
+  while (session_ != nullptr && !failure_ && !waiting_.empty() && active_.size() < kMaxConcurrent) {
+    // The first part uses the file's own slot.
     if (!active_.empty()) {
-      if (!slots_.takeSlot()) {
+      if (!slots_.takeExtra()) {
         return;
       }
       ++slotsTaken_;
@@ -59,10 +59,9 @@ void CPartSender::start(std::uint32_t number) {
   active_.emplace(number, std::move(request));
 }
 
-// Decides what follows once something has ended.
 void CPartSender::reschedule() {
-  if (active_.empty() && trouble_) {
-    cutOff(End::Why::kLater, *trouble_);
+  if (active_.empty() && failure_) {
+    cutOff(End::Why::kLater, *failure_);
   } else if (active_.empty() && waiting_.empty()) {
     session_ = nullptr;
     listener_.onAllPartsSent();
@@ -71,12 +70,17 @@ void CPartSender::reschedule() {
   }
 }
 
-void CPartSender::remove(Active::iterator part) {
-  active_.erase(part);
+void CPartSender::releaseSlot() {
   if (slotsTaken_ != 0) {
     --slotsTaken_;
-    slots_.giveSlotBack();
+    slots_.giveBackExtra();
   }
+}
+
+void CPartSender::retire(Active::iterator part) {
+  dependencies_.loop.retire(std::move(part->second));
+  active_.erase(part);
+  releaseSlot();
 }
 
 CPartSender::Active::iterator CPartSender::find(const CFileRequest& request) {
@@ -87,10 +91,10 @@ CPartSender::Active::iterator CPartSender::find(const CFileRequest& request) {
 void CPartSender::onRequestAnswered(CFileRequest& request, const HttpResponse& response) {
   const auto part = find(request);
   const std::uint32_t number = part->first;
-  const std::string md5 = request.md5();
+  const std::string& md5 = request.md5();
   const AttemptOutcome outcome =
       judgeUpload(response, request.size(), md5, dependencies_.loop.clock().secondsSince1970());
-  remove(part);
+  retire(part);
   if (outcome.kind != AttemptOutcome::Kind::kDone) {
     onRefused(number, response, outcome);
     return;
@@ -111,7 +115,7 @@ void CPartSender::onRefused(std::uint32_t number, const HttpResponse& response,
     cutOff(End::Why::kGone, AttemptOutcome::retry(outcome.reason, failure::kServerTrouble));
   } else if (outcome.kind == AttemptOutcome::Kind::kRetry) {
     waiting_.insert(number);
-    noteTrouble(outcome);
+    noteFailure(outcome);
     listener_.onBytesMoved();
     reschedule();
   } else {
@@ -120,30 +124,28 @@ void CPartSender::onRefused(std::uint32_t number, const HttpResponse& response,
   }
 }
 
-void CPartSender::onRequestFailed(CFileRequest& request, const Trouble& trouble) {
-  remove(find(request));
-  cutOff(End::Why::kSource, AttemptOutcome::final(trouble.reason, trouble.code));
+void CPartSender::onRequestFailed(CFileRequest& request, const Problem& problem) {
+  retire(find(request));
+  cutOff(End::Why::kSource, AttemptOutcome::final(problem.reason, problem.code));
 }
 
-// The first one counts, but the longest wait of all.
-void CPartSender::noteTrouble(const AttemptOutcome& outcome) {
-  if (!trouble_) {
-    trouble_ = outcome;
+// The first failure is reported, with the longest wait of all.
+void CPartSender::noteFailure(const AttemptOutcome& outcome) {
+  if (!failure_) {
+    failure_ = outcome;
     return;
   }
-  trouble_->retryBudget = std::min(trouble_->retryBudget, outcome.retryBudget);
-  trouble_->sharedTrouble = trouble_->sharedTrouble || outcome.sharedTrouble;
-  trouble_->retryAfter = std::max(trouble_->retryAfter, outcome.retryAfter);
+  failure_->retryBudget = std::min(failure_->retryBudget, outcome.retryBudget);
+  failure_->outage = failure_->outage || outcome.outage;
+  failure_->retryAfter = std::max(failure_->retryAfter, outcome.retryAfter);
 }
 
 void CPartSender::cutOff(End::Why why, const AttemptOutcome& outcome) {
   session_ = nullptr;
-  while (!active_.empty()) {
-    remove(active_.begin());
+  for (; !active_.empty(); active_.erase(active_.begin())) {
+    releaseSlot();
   }
-  // Copies, as the listener may destroy this sender.
-  const End end{why, outcome};
-  listener_.onSendingEnded(end);
+  listener_.onSendingEnded({why, outcome});
 }
 
 }  // namespace zt_transfers

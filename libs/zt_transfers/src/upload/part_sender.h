@@ -9,35 +9,26 @@
 
 #include "engine/attempt.h"
 #include "upload/file_request.h"
-#include "upload/upload_tools.h"
+#include "upload/request_slots.h"
+#include "upload/upload_dependencies.h"
 
 namespace zt_transfers {
 
-// Sends parts of a file, some of them at a time. When one fails no further ones are begun, but
-// those that are under way may arrive; then it ends.
+// Sends parts of a file, several at a time. After a failure no further parts are begun; those that
+// are under way may still arrive before it ends.
 //
-// Thread: the loop's, on which the listener is called, too. Destruction ends it without an answer.
+// Thread: the loop's, on which the listener is called, too. Destruction ends it without a report.
 class CPartSender final : public CFileRequest::IListener {
  public:
   static constexpr std::size_t kMaxConcurrent = 4;
 
-  // Who allows more than one request at a time. Neither call leads back here.
-  class ISlots {
-   public:
-    virtual bool takeSlot() = 0;
-    virtual void giveSlotBack() = 0;
-
-   protected:
-    ~ISlots() = default;
-  };
-
   struct End {
     enum class Why {
       kGone,     // the server has forgotten the upload
-      kSource,   // the file is not what it was
-      kRefused,  // for good
-      kRenew,    // until what authorises it is renewed
-      kLater,    // may go better next time
+      kSource,   // the file has changed or cannot be read
+      kRefused,  // permanently
+      kRenew,    // the authorisation must be renewed first
+      kLater,    // another attempt may succeed
     };
     Why why = Why::kLater;
     AttemptOutcome outcome{};
@@ -46,28 +37,27 @@ class CPartSender final : public CFileRequest::IListener {
   class IListener {
    public:
     virtual void onPartSent(const SentPart& part) = 0;
-    // After either of these nothing more is sent. May destroy the sender.
+    // Each of these is the last call until the next begin.
     virtual void onAllPartsSent() = 0;
     virtual void onSendingEnded(const End& end) = 0;
-    // What bytesUnderWay() gives has changed.
+    // bytesUnderWay() has changed.
     virtual void onBytesMoved() = 0;
 
    protected:
     ~IListener() = default;
   };
 
-  // All must outlive it. `order` says how.
-  CPartSender(const UploadDependencies& dependencies, const StartOrder& order, ISlots& slots,
+  // All must outlive it.
+  CPartSender(const UploadDependencies& dependencies, const StartOrder& order, CRequestSlots& slots,
               IListener& listener)
       : dependencies_(dependencies), order_(order), slots_(slots), listener_(listener) {}
   ~CPartSender();
   CPartSender(const CPartSender&) = delete;
   CPartSender& operator=(const CPartSender&) = delete;
 
-  // `session`, which must outlive the sender, says what the parts are, the set which of them are to
-  // be sent. It can end at once.
+  // Sends the parts of the session, which must outlive the sender, with these numbers. May end it.
   void begin(const UploadSession& session, std::string path, std::set<std::uint32_t> numbers);
-  // Begins as many as there is room for.
+  // Begins as many parts as there are slots for.
   void fill();
 
   std::uint64_t bytesUnderWay() const;
@@ -77,10 +67,11 @@ class CPartSender final : public CFileRequest::IListener {
 
   void start(std::uint32_t number);
   void reschedule();
-  void remove(Active::iterator part);
+  void releaseSlot();
+  void retire(Active::iterator part);
   Active::iterator find(const CFileRequest& request);
   void onRefused(std::uint32_t number, const HttpResponse& response, AttemptOutcome outcome);
-  void noteTrouble(const AttemptOutcome& outcome);
+  void noteFailure(const AttemptOutcome& outcome);
   void cutOff(End::Why why, const AttemptOutcome& outcome);
 
   bool onRequestOpened(CFileRequest& /*request*/, const SourceVersion& /*version*/) override {
@@ -88,19 +79,19 @@ class CPartSender final : public CFileRequest::IListener {
   }
   void onRequestMoved(CFileRequest& /*request*/) override { listener_.onBytesMoved(); }
   void onRequestAnswered(CFileRequest& request, const HttpResponse& response) override;
-  void onRequestFailed(CFileRequest& request, const Trouble& trouble) override;
+  void onRequestFailed(CFileRequest& request, const Problem& problem) override;
 
   const UploadDependencies dependencies_;
   const StartOrder& order_;
-  ISlots& slots_;
+  CRequestSlots& slots_;
   IListener& listener_;
 
-  const UploadSession* session_ = nullptr;  // null: has not begun, or has ended
+  const UploadSession* session_ = nullptr;  // null: not begun, or ended
   std::string path_;
   std::set<std::uint32_t> waiting_;
   Active active_;
   std::size_t slotsTaken_ = 0;
-  std::optional<AttemptOutcome> trouble_;
+  std::optional<AttemptOutcome> failure_;
 };
 
 }  // namespace zt_transfers

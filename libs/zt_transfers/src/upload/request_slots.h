@@ -6,37 +6,37 @@
 
 namespace zt_transfers {
 
-// Shares out how many requests may be under way at a time. Every file that is being sent has one as
-// its own; what is left can be used for further parts of files.
+// Limits the number of concurrent requests. Every file that is being sent has one slot of its own;
+// the remaining slots serve further parts of files.
 //
 // Thread: the loop's.
 class CRequestSlots {
  public:
-  // `freed` is called when there may be room again for who got none.
+  // `freed` is called when a slot becomes free after one was refused.
   explicit CRequestSlots(std::function<void()> freed) : freed_(std::move(freed)) {}
 
-  void setMax(std::size_t most) { max_ = most; }
+  void setMax(std::size_t max) { max_ = max; }
   void addFile() { ++files_; }
   void removeFile() {
     --files_;
-    tellFreed();
+    notifyFreed();
   }
 
-  // One more than the file's own, if there is room.
+  // Takes a slot in addition to the file's own, if one is free.
   bool takeExtra() {
     const bool room = files_ + extras_ < max_;
     extras_ += room ? 1 : 0;
-    wanted_ = wanted_ || !room;
+    refused_ = refused_ || !room;
     return room;
   }
   void giveBackExtra() {
     --extras_;
-    tellFreed();
+    notifyFreed();
   }
 
  private:
-  void tellFreed() {
-    if (std::exchange(wanted_, false)) {
+  void notifyFreed() {
+    if (std::exchange(refused_, false)) {
       freed_();
     }
   }
@@ -45,7 +45,7 @@ class CRequestSlots {
   std::size_t max_ = 1;
   std::size_t files_ = 0;
   std::size_t extras_ = 0;
-  bool wanted_ = false;  // somebody got none
+  bool refused_ = false;
 };
 
 }  // namespace zt_transfers

@@ -23,14 +23,8 @@ CSourceDigest::CSourceDigest(const UploadDependencies& dependencies, ReadRequest
 void CSourceDigest::onSourceReady() {
   source_->skip();
   if (source_->readAll()) {
-    finish({.md5 = source_->md5()});
+    done_({.md5 = source_->md5()});
   }
-}
-
-void CSourceDigest::finish(const Result& result) {
-  // A copy, as the receiver may destroy this check.
-  const Done done = done_;
-  done(result);
 }
 
 }  // namespace zt_transfers

@@ -5,19 +5,20 @@
 #include <optional>
 #include <string>
 
+#include "upload/upload_dependencies.h"
 #include "upload/upload_source.h"
-#include "upload/upload_tools.h"
 
 namespace zt_transfers {
 
-// Finds the MD5 of a file or a span of one. Destruction ends it without an answer.
+// Computes the MD5 of a file or of a span of it. Destruction ends it without a report.
 //
-// Thread: the loop's. `done` is not called from within the constructor and may destroy the check.
+// Thread: the loop's. `done` is not called from within the constructor; its receiver retires the
+// object.
 class CSourceDigest final : public CUploadSource::IListener {
  public:
   struct Result {
     std::string md5{};                 // lower-case hexadecimal
-    std::optional<Trouble> problem{};  // the file cannot be read as it was, and why
+    std::optional<Problem> problem{};  // why the file cannot be read as it was
   };
   using Done = std::function<void(const Result&)>;
 
@@ -29,8 +30,7 @@ class CSourceDigest final : public CUploadSource::IListener {
  private:
   void onSourceOpened(const SourceVersion& /*version*/) override { onSourceReady(); }
   void onSourceReady() override;
-  void onSourceFailed(const Trouble& trouble) override { finish({.problem = trouble}); }
-  void finish(const Result& result);
+  void onSourceFailed(const Problem& problem) override { done_({.problem = problem}); }
 
   const Done done_;
   std::shared_ptr<CUploadSource> source_;

@@ -26,25 +26,25 @@ void makeRoomIn(SourceChunk& chunk, std::size_t size) {
 
 }  // namespace
 
-std::optional<Trouble> CSourceReader::open() {
-  // Not to hang on a pipe that bears the name; regular files do not care.
+std::optional<Problem> CSourceReader::open() {
+  // O_NONBLOCK, as opening a pipe would block; regular files ignore it.
   file_ = CUniqueFd(::open(readRequest_.path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (!file_.valid()) {
-    return Trouble{
+    return Problem{
         errno == ENOENT || errno == ENOTDIR ? failure::kSourceMissing : failure::kSourceUnreadable,
         "cannot open the file: " + errorText(errno)};
   }
   struct stat status {};
   if (::fstat(file_.get(), &status) != 0) {
-    return Trouble{failure::kSourceUnreadable,
+    return Problem{failure::kSourceUnreadable,
                    "cannot read the file's status: " + errorText(errno)};
   }
   if (!S_ISREG(status.st_mode)) {
-    return Trouble{failure::kSourceUnreadable, "it is not a regular file"};
+    return Problem{failure::kSourceUnreadable, "it is not a regular file"};
   }
   version_ = versionOf(status);
   if (readRequest_.version && !readRequest_.version->sameContent(version_)) {
-    return Trouble{failure::kSourceChanged, "the file changed while it was sent"};
+    return Problem{failure::kSourceChanged, "the file changed while it was sent"};
   }
   const ByteSpan span = readRequest_.span.value_or(ByteSpan{0, version_.size});
   offset_ = span.begin;
@@ -62,7 +62,7 @@ std::optional<Trouble> CSourceReader::open() {
   return std::nullopt;
 }
 
-std::optional<Trouble> CSourceReader::readNext(SourceChunk& chunk) {
+std::optional<Problem> CSourceReader::readNext(SourceChunk& chunk) {
   const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(kChunk, end_ - offset_));
   makeRoomIn(chunk, wanted);
   chunk.size = 0;
@@ -73,10 +73,10 @@ std::optional<Trouble> CSourceReader::readNext(SourceChunk& chunk) {
       continue;
     }
     if (got < 0) {
-      return Trouble{failure::kSourceUnreadable, "cannot read the file: " + errorText(errno)};
+      return Problem{failure::kSourceUnreadable, "cannot read the file: " + errorText(errno)};
     }
     if (got == 0) {
-      return Trouble{failure::kSourceChanged, "the file became shorter while it was sent"};
+      return Problem{failure::kSourceChanged, "the file became shorter while it was sent"};
     }
     chunk.size += static_cast<std::size_t>(got);
   }

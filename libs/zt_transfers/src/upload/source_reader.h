@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -13,27 +12,25 @@
 
 namespace zt_transfers {
 
-// What is to be read of which file.
+// A file, or a span of it, to be read.
 struct ReadRequest {
   std::string path;
   bool hash = false;
-  std::optional<SourceVersion> version{};  // that it must have; missing: any
-  std::optional<ByteSpan> span{};          // missing: all of it
-  // A file of this size or more is only opened, to see what it is.
-  std::uint64_t statOnlyFrom = std::numeric_limits<std::uint64_t>::max();  // bytes
+  std::optional<SourceVersion> version{};  // required version; missing: any
+  std::optional<ByteSpan> span{};          // missing: the whole file
 };
 
-// A piece of a file, as read.
+// Consecutive bytes of a file.
 struct SourceChunk {
   std::unique_ptr<char[]> data;
   std::size_t size = 0;
   bool last = false;
-  std::string md5;  // of all that was read; with the last chunk, if asked for
+  std::string md5;  // of all bytes read; in the last chunk, if asked for
 };
 
-// Reads a file, or a span of one, from its beginning to its end, once, and hashes it on the way.
-// The last chunk is given out only if the file is still what it was at the beginning, so that a
-// mixture of two versions is never sent whole.
+// Reads a file, or a span of it, once from beginning to end, and hashes it meanwhile. The last
+// chunk is returned only if the file is unchanged, so that a mixture of two versions is never sent
+// completely.
 //
 // Thread: one at a time; its calls block.
 class CSourceReader {
@@ -42,17 +39,16 @@ class CSourceReader {
 
   explicit CSourceReader(ReadRequest readRequest) : readRequest_(std::move(readRequest)) {}
 
-  // Both give what is wrong, or nothing when all is well.
-  std::optional<Trouble> open();
-  // Memory that a chunk before has brought along is used again.
-  std::optional<Trouble> readNext(SourceChunk& chunk);
-  // The same without blocking: false, and nothing is read, where the bytes are not in memory yet,
-  // or more than reading them is to be done.
+  // Both return nothing on success.
+  std::optional<Problem> open();
+  // Reuses the chunk's memory, if it has any.
+  std::optional<Problem> readNext(SourceChunk& chunk);
+  // The same without blocking. False, and nothing is read, if the bytes are not in the page cache,
+  // are to be hashed, or include the last ones.
   bool readCached(SourceChunk& chunk);
 
   // Once it is open.
   const SourceVersion& version() const { return version_; }
-  bool statOnly() const { return version_.size >= readRequest_.statOnlyFrom; }
 
  private:
   const ReadRequest readRequest_;

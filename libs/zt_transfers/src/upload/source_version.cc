@@ -27,14 +27,14 @@ SourceVersion versionOf(const struct stat& status) {
   return version;
 }
 
-std::optional<Trouble> changeSince(const SourceVersion& version, const std::string& path) {
+std::optional<Problem> changeSince(const SourceVersion& version, const std::string& path) {
   struct stat now {};
   if (::stat(path.c_str(), &now) != 0) {
-    return Trouble{failure::kSourceChanged, "the file vanished while it was sent: " +
+    return Problem{failure::kSourceChanged, "the file vanished while it was sent: " +
                                                 std::generic_category().message(errno)};
   }
   if (!version.sameContent(versionOf(now))) {
-    return Trouble{failure::kSourceChanged, "the file changed while it was sent"};
+    return Problem{failure::kSourceChanged, "the file changed while it was sent"};
   }
   return std::nullopt;
 }

@@ -12,7 +12,7 @@ namespace zt_transfers {
 
 SourceVersion versionOf(const struct stat& status);
 
-// Says what has become of the file if its content is not that version any more. Blocks.
-std::optional<Trouble> changeSince(const SourceVersion& version, const std::string& path);
+// Tells how the file differs from that version; nothing if its content is the same. Blocks.
+std::optional<Problem> changeSince(const SourceVersion& version, const std::string& path);
 
 }  // namespace zt_transfers

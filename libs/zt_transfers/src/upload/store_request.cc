@@ -39,6 +39,7 @@ void CStoreRequest::send() {
 }
 
 void CStoreRequest::onResponse(HttpResponse response) {
+  loop_.retire(std::move(exchange_));
   if (place_.follow(response, log_)) {
     send();
     return;
@@ -46,9 +47,7 @@ void CStoreRequest::onResponse(HttpResponse response) {
   if (!text_.empty()) {
     response.body = std::move(text_);
   }
-  // A copy, as the receiver may destroy this call.
-  const Done done = done_;
-  done(response);
+  done_(response);
 }
 
 IHttpBody::Read CStoreRequest::read(char* to, std::size_t room, std::size_t& copied) {

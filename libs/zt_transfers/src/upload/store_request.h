@@ -11,13 +11,14 @@
 
 namespace zt_transfers {
 
-// A small request to an object store, whose answer is a text; follows redirects. Destruction ends
-// it without an answer.
+// A small request to an object store, whose response is a text; follows redirects. Destruction
+// ends it without a report.
 //
-// Thread: the loop's. `done` is never called from within the constructor and may destroy the call.
+// Thread: the loop's. `done` is never called from within the constructor; its receiver retires the
+// request.
 class CStoreRequest final : public IHttpBody, public IHttpSink {
  public:
-  static constexpr std::size_t kMaxText = std::size_t{4} * 1024 * 1024;  // bytes of an answer
+  static constexpr std::size_t kMaxText = std::size_t{4} * 1024 * 1024;  // bytes of a response
 
   struct Request {
     std::string method;  // POST has a body, the others have none
@@ -25,15 +26,14 @@ class CStoreRequest final : public IHttpBody, public IHttpSink {
     HttpHeaders headers;
     std::string body{};
     std::string proxy{};
-    // How long the server may think about it.
-    std::chrono::seconds timeout = kDefaultTimeout;
+    std::chrono::seconds timeout = kDefaultTimeout;  // without any traffic
   };
   using Done = std::function<void(const HttpResponse&)>;
 
   // Throws std::invalid_argument for a request that cannot be sent.
   CStoreRequest(CHttpLoop& loop, ILog& log, Request request, Done done);
 
-  // Somebody else takes over and wants the answer.
+  // Another owner takes over.
   void setDone(Done done) { done_ = std::move(done); }
 
  private:

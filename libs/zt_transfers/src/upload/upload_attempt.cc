@@ -1,6 +1,5 @@
 #include "upload/upload_attempt.h"
 
-#include <limits>
 #include <utility>
 
 #include "base/file_url.h"
@@ -8,19 +7,15 @@
 #include "upload/upload_verdict.h"
 
 namespace zt_transfers {
-namespace {
 
-constexpr std::uint64_t kNever = std::numeric_limits<std::uint64_t>::max();
-
-}  // namespace
-
-CUploadAttempt::CUploadAttempt(const Shared& shared, StartOrder order, IListener& listener)
-    : shared_(shared), order_(std::move(order)), listener_(listener) {
-  shared_.slots.addFile();
+CUploadAttempt::CUploadAttempt(const Dependencies& dependencies, StartOrder order,
+                               IListener& listener)
+    : dependencies_(dependencies), order_(std::move(order)), listener_(listener) {
+  dependencies_.slots.addFile();
 }
 
 void CUploadAttempt::begin() {
-  const auto path = pathOfFileUrl(order_.spec.place);
+  const auto path = pathOfFileUrl(order_.spec.location);
   if (!path) {
     finish(AttemptOutcome::final("its source is no file: URL of this machine",
                                  failure::kSourceMissing));
@@ -31,74 +26,71 @@ void CUploadAttempt::begin() {
     return;
   }
   path_ = *path;
-  const bool inParts = shared_.support.mayHave(order_.spec.url);
-  sendWhole(hasSession() ? 0 : inParts ? order_.parts.from : kNever);
+  sendWhole();
 }
 
-void CUploadAttempt::sendWhole(std::uint64_t statOnlyFrom) {
+void CUploadAttempt::sendWhole() {
   CFileRequest::Order whole;
-  whole.source = {.path = path_,
-                  .hash = order_.verify && shared_.digestTags.expectedOf(order_.spec.url),
-                  .statOnlyFrom = statOnlyFrom};
+  whole.source = {
+      .path = path_,
+      .hash = order_.verify && dependencies_.servers.givesDigests(order_.spec.url),
+  };
   whole.url = order_.spec.url;
   whole.headers = order_.spec.headers;
   whole.proxy = order_.proxy;
-  whole_ = std::make_unique<CFileRequest>(shared_.dependencies, std::move(whole), *this);
+  whole_ = std::make_unique<CFileRequest>(dependencies_.upload, std::move(whole), *this);
   whole_->begin();
 }
 
-bool CUploadAttempt::goesInParts(std::uint64_t size) const {
-  // A session shows that its own place takes parts, whatever the server said of others.
-  return size != 0 && !refusedParts_ &&
-         (hasSession() || (size >= order_.parts.from && shared_.support.mayHave(order_.spec.url)));
+bool CUploadAttempt::isMultipart(std::uint64_t size) const {
+  // A session proves that its server takes multipart uploads, whatever was learnt before.
+  return size != 0 && !multipartRefused_ &&
+         (hasSession() ||
+          (size >= order_.parts.from && dependencies_.servers.mayTakeMultipart(order_.spec.url)));
 }
 
-bool CUploadAttempt::onRequestOpened(CFileRequest& request, const SourceVersion& version) {
+bool CUploadAttempt::onRequestOpened(CFileRequest& /*request*/, const SourceVersion& version) {
   order_.progress->size = version.size;
   version_ = version;
-  if (goesInParts(version.size)) {
-    whole_.reset();
-    parts_ =
-        std::make_unique<CMultipartUpload>(shared_.dependencies, order_, path_, version, *this);
-    parts_->begin();
+  if (isMultipart(version.size)) {
+    dependencies_.upload.loop.retire(std::move(whole_));
+    multipart_ = std::make_unique<CMultipartUpload>(dependencies_.upload, order_, path_, version,
+                                                    dependencies_.slots, *this);
+    multipart_->begin();
     return false;
   }
   order_.progress->bytes = 0;
-  const bool statOnly = request.statOnly(version.size);
-  if (hasSession() && statOnly) {
+  if (hasSession() && !multipartRefused_) {
     onSessionAbandoned(order_.resume.upload());
     order_.progress->setResume({});
   }
-  if (statOnly) {
-    sendWhole(kNever);
-  }
-  return !statOnly;
+  return true;
 }
 
 void CUploadAttempt::onRequestAnswered(CFileRequest& request, const HttpResponse& response) {
   const AttemptOutcome outcome = judgeUpload(response, request.size(), request.md5(),
-                                             shared_.dependencies.loop.clock().secondsSince1970());
+                                             dependencies_.upload.loop.clock().secondsSince1970());
   if (outcome.kind != AttemptOutcome::Kind::kDone) {
     finish(outcome);
     return;
   }
-  if (refusedParts_) {
-    shared_.support.hasNot(order_.spec.url);
+  if (multipartRefused_) {
+    dependencies_.servers.noteNoMultipart(order_.spec.url);
   }
   const auto stored = storedDigest(response);
-  shared_.digestTags.learn(order_.spec.url, stored.has_value());
+  dependencies_.servers.noteDigest(order_.spec.url, stored.has_value());
   if (order_.verify && stored && request.md5().empty()) {
-    whole_.reset();
     compareWith(*stored);
   } else {
     finish(outcome);
   }
 }
 
-// The file was sent without being hashed; it must still be the one that was sent.
+// The file was sent without being hashed. Hashing fails if its version is not the one that was
+// sent.
 void CUploadAttempt::compareWith(const std::string& stored) {
   digest_ = std::make_unique<CSourceDigest>(
-      shared_.dependencies, ReadRequest{.path = path_, .version = version_},
+      dependencies_.upload, ReadRequest{.path = path_, .version = version_},
       [this, stored](const CSourceDigest::Result& result) {
         if (result.problem) {
           finish(AttemptOutcome::retry(
@@ -110,40 +102,34 @@ void CUploadAttempt::compareWith(const std::string& stored) {
       });
 }
 
-void CUploadAttempt::onRequestFailed(CFileRequest& /*request*/, const Trouble& trouble) {
-  finish(AttemptOutcome::final(trouble.reason, trouble.code));
+void CUploadAttempt::onRequestFailed(CFileRequest& /*request*/, const Problem& problem) {
+  finish(AttemptOutcome::final(problem.reason, problem.code));
 }
 
 void CUploadAttempt::onMultipartUnsupported(bool permanent) {
-  shared_.dependencies.log.information("The server takes no uploads in parts for " +
+  dependencies_.upload.log.information("The server takes no multipart uploads for " +
                                        loggableUrl(order_.spec.url) + "; it is sent as a whole");
   if (permanent) {
-    shared_.support.hasNot(order_.spec.url);
+    dependencies_.servers.noteNoMultipart(order_.spec.url);
   }
-  refusedParts_ = true;
-  parts_.reset();
-  sendWhole(kNever);
+  multipartRefused_ = true;
+  dependencies_.upload.loop.retire(std::move(multipart_));
+  sendWhole();
 }
 
-void CUploadAttempt::leave() {
-  if (parts_) {
-    const UploadSession session = parts_->session();
-    if (auto initiation = parts_->takeInitiation()) {
-      shared_.aborter.abortOnceBegun(std::move(initiation), session);
-    }
+void CUploadAttempt::abandon() {
+  if (!multipart_) {
+    return;
+  }
+  if (auto initiation = multipart_->takeInitiation()) {
+    dependencies_.aborter.abortOnceBegun(std::move(initiation), multipart_->session());
   }
 }
 
 void CUploadAttempt::onSlotFree() {
-  if (parts_) {
-    parts_->onSlotFree();
+  if (multipart_) {
+    multipart_->onSlotFree();
   }
-}
-
-void CUploadAttempt::finish(const AttemptOutcome& outcome) {
-  // A copy, as the receiver may destroy this attempt.
-  const AttemptOutcome copy = outcome;
-  listener_.onEnded(order_.attemptId, copy);
 }
 
 }  // namespace zt_transfers

@@ -11,19 +11,19 @@ bool CUploadRunner::start(StartOrder order) {
   const AttemptId attemptId = order.attemptId;
   slots_.setMax(order.parts.requests);
   auto attempt = std::make_unique<CUploadAttempt>(
-      CUploadAttempt::Shared{dependencies_, support_, digestTags_, slots_, aborter_},
-      std::move(order), *this);
+      CUploadAttempt::Dependencies{dependencies_, servers_, slots_, aborter_}, std::move(order),
+      *this);
   CUploadAttempt& begun = *attempt;
   attempts_.emplace(attemptId, std::move(attempt));
   begun.begin();
   return attempts_.count(attemptId) != 0;
 }
 
-// What is to be discarded the engine knows: it is told of every session once that has begun.
+// `discard` needs no work here: the engine was told of every session that has begun.
 void CUploadRunner::stop(const AttemptStop& stop) {
   const auto attempt = attempts_.find(stop.attemptId);
   if (attempt != attempts_.end()) {
-    attempt->second->leave();
+    attempt->second->abandon();
     attempts_.erase(attempt);
   }
 }
@@ -31,8 +31,7 @@ void CUploadRunner::stop(const AttemptStop& stop) {
 void CUploadRunner::stopAll() {
   attempts_.clear();
   aborter_.clear();
-  support_.clear();
-  digestTags_.clear();
+  servers_.clear();
   offering_ = false;
 }
 
@@ -41,11 +40,12 @@ void CUploadRunner::discard(const CleanupTask& order) {
 }
 
 void CUploadRunner::onEnded(AttemptId attemptId, const AttemptOutcome& outcome) {
-  attempts_.erase(attemptId);
+  auto ended = attempts_.extract(attemptId);
+  dependencies_.loop.retire(std::move(ended.mapped()));
   dependencies_.observer.onAttemptDone(attemptId, outcome);
 }
 
-// Later, since what has come to an end is still on the stack, and files that wait go first.
+// Posted, as an attempt may be in the middle of a callback.
 void CUploadRunner::offerSlots() {
   if (offering_) {
     return;

@@ -8,7 +8,7 @@
 
 namespace zt_transfers {
 
-// Carries out upload attempts over HTTP. All given must outlive it.
+// Carries out upload attempts over HTTP. All dependencies must outlive it.
 class CUploadRunner final : public IAttemptRunner, public CUploadAttempt::IListener {
  public:
   explicit CUploadRunner(const UploadDependencies& dependencies);
@@ -23,8 +23,7 @@ class CUploadRunner final : public IAttemptRunner, public CUploadAttempt::IListe
   void offerSlots();
 
   const UploadDependencies dependencies_;
-  CMultipartSupport support_;
-  CDigestTags digestTags_;
+  CServerTraits servers_;
   CRequestSlots slots_;
   bool offering_ = false;
   CMultipartAborter aborter_;

@@ -50,7 +50,7 @@ void CUploadSource::skip() {
   }
 }
 
-// To the next chunk, when the first one is used up. The last one stays.
+// Drops the first chunk once it is used up. The last one is kept.
 void CUploadSource::passOn() {
   if (available() == 0 && !chunks_.front().last) {
     spare_ = std::move(chunks_.front().data);
@@ -80,7 +80,7 @@ void CUploadSource::readAhead() {
   }
 }
 
-// Spares two changes of threads for each chunk, and the processor's cache the way to another core.
+// Saves two thread switches for each chunk, and keeps it in this core's cache.
 bool CUploadSource::takeCached() {
   SourceChunk chunk;
   chunk.data = std::move(spare_);
@@ -98,20 +98,19 @@ void CUploadSource::post(bool open) {
   const auto result = std::make_shared<Result>();
   result->opened = open;
   result->chunk.data = std::move(spare_);
-  // The reader goes along, as this source may be gone before the job is through; it is looked
-  // for again on the loop's thread only.
+  // The job owns the reader, as this source may be destroyed first; the source itself is looked up
+  // on the loop's thread only.
   pool_.post([&loop = loop_, reader = reader_, self = weak_from_this(), result] {
     try {
       if (result->opened) {
         result->problem = reader->open();
         result->version = reader->version();
-        result->statOnly = reader->statOnly();
       }
-      if (!result->problem && !result->statOnly) {
+      if (!result->problem) {
         result->problem = reader->readNext(result->chunk);
       }
     } catch (const std::exception& error) {
-      result->problem = Trouble{failure::kSourceUnreadable, error.what()};
+      result->problem = Problem{failure::kSourceUnreadable, error.what()};
     }
     loop.post([self, result] {
       if (const auto source = self.lock()) {
@@ -130,16 +129,16 @@ void CUploadSource::arrive(Result& result) {
     listener_->onSourceFailed(*result.problem);
     return;
   }
-  if (!result.statOnly) {
-    readAll_ = result.chunk.last;
-    md5_ = std::move(result.chunk.md5);
-    chunks_.push_back(std::move(result.chunk));
-    readAhead();
-  }
+  readAll_ = result.chunk.last;
+  md5_ = std::move(result.chunk.md5);
+  chunks_.push_back(std::move(result.chunk));
   if (result.opened) {
     listener_->onSourceOpened(result.version);
   } else {
     listener_->onSourceReady();
+  }
+  if (listener_ != nullptr) {
+    readAhead();  // not if the first chunk was enough
   }
 }
 

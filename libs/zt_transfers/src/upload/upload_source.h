@@ -13,21 +13,20 @@
 
 namespace zt_transfers {
 
-// A file, or a span of one, on its way into a request: the pool reads ahead, the network thread
-// takes what is there. What the system has in its cache the network thread reads itself.
+// Feeds a file, or a span of it, to a request: the pool reads ahead, the network thread consumes.
+// Bytes in the page cache are read by the network thread itself.
 //
 // Thread: the loop's, on which the listener is called, too. After close() no call follows.
 class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
  public:
   class IListener {
    public:
-    // The file is open and, unless it was only to be looked at, its beginning is there. May
-    // destroy the listener.
+    // The file is open and its first chunk is available.
     virtual void onSourceOpened(const SourceVersion& version) = 0;
-    // A read that gave nothing would give something now.
+    // Bytes are available after there were none.
     virtual void onSourceReady() = 0;
-    // The file cannot be sent. May destroy the listener.
-    virtual void onSourceFailed(const Trouble& trouble) = 0;
+    // The file cannot be sent.
+    virtual void onSourceFailed(const Problem& problem) = 0;
 
    protected:
     ~IListener() = default;
@@ -38,29 +37,28 @@ class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
   void open();
   void close() { listener_ = nullptr; }
 
-  // How many bytes can be taken now; 0: none yet, or none any more.
+  // Bytes that can be taken now; 0: none yet, or all were taken.
   std::size_t available() const;
-  // Takes at most `room` bytes and gives their number.
+  // Takes at most `room` bytes and returns their number.
   std::size_t take(char* to, std::size_t room);
-  // All of it, if none was taken and it is one chunk; stays valid as long as this source.
+  // All bytes, if none was taken and there is only one chunk; valid as long as this source.
   std::string_view takeAll();
-  // Passes over what is there.
+  // Takes and drops all available bytes.
   void skip();
-  // Back to the first byte; only as long as the first chunk is the current one.
+  // Back to the first byte; false once the first chunk was used up.
   bool rewind();
 
   // Whether the last chunk was read.
   bool readAll() const { return readAll_; }
-  // Of all that was read, once that is so; empty when not asked for.
+  // Digest of all bytes, once readAll(); empty when not asked for.
   const std::string& md5() const { return md5_; }
 
  private:
   struct Result {
     bool opened = false;
-    bool statOnly = false;
     SourceVersion version;
     SourceChunk chunk;
-    std::optional<Trouble> problem;
+    std::optional<Problem> problem;
   };
 
   static constexpr std::size_t kReadAhead = 2;  // chunks
@@ -74,13 +72,14 @@ class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
   CHttpLoop& loop_;
   CWorkerPool& pool_;
   IListener* listener_;
-  bool cached_;  // the last read from the system's cache gave something
-  // Used by one pool job at a time, and while there is none by this; jobs hold their own reference.
+  bool cached_;  // the last read from the page cache succeeded
+  // Used by at most one pool job at a time, and by this object while there is none. Jobs hold a
+  // reference of their own.
   const std::shared_ptr<CSourceReader> reader_;
 
-  std::list<SourceChunk> chunks_;  // the first one is being taken
+  std::list<SourceChunk> chunks_;  // the first one is being consumed
   std::size_t offset_ = 0;         // in the first one
-  std::unique_ptr<char[]> spare_;  // memory of a chunk, for the next one
+  std::unique_ptr<char[]> spare_;  // memory of a used chunk, for the next one
   bool inFirstChunk_ = true;
   bool reading_ = false;
   bool readAll_ = false;

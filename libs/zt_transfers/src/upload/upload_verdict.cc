@@ -8,8 +8,8 @@
 namespace zt_transfers {
 namespace {
 
-// An object that the store encrypts with a key of its own has a tag that looks like a digest of
-// the content, but is none.
+// The ETag of an object that is encrypted with a key of the store looks like a digest of the
+// content, but is not one.
 bool etagIsDigest(const HttpResponse& response) {
   return !startsWithIgnoringCase(response.header("x-amz-server-side-encryption"), "aws:kms") &&
          response.header("x-amz-server-side-encryption-customer-algorithm").empty();

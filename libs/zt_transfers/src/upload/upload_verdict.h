@@ -9,15 +9,14 @@
 
 namespace zt_transfers {
 
-// The MD5 digest of what the server stored, if its ETag is one.
+// The MD5 digest of the stored object, if its ETag is one.
 std::optional<std::string> storedDigest(const HttpResponse& response);
 
-// The server has something else than what was sent.
+// The outcome when the server has stored other content than was sent.
 AttemptOutcome otherContent(const std::string& stored, const std::string& sent);
 
-// Judges the answer to the PUT of a whole file of `size` bytes. `md5` is the lower-case
-// hexadecimal digest of what was sent, empty when it is not to be compared. `now` in seconds
-// since 1970.
+// Judges the response to a PUT of `size` bytes. `md5` is the lower-case hexadecimal digest of the
+// body, empty when it is not to be compared. `now` in seconds since 1970.
 AttemptOutcome judgeUpload(const HttpResponse& response, std::uint64_t size, const std::string& md5,
                            std::int64_t now);
 

@@ -214,11 +214,11 @@ TEST_F(Finalization, KeepsWhatIsThereWhileTheGroupsFolderIsGone) {
 TEST(DiskVerdict, LetsTheGroupWaitForTheDiskAndNotForWhatAServerClaims) {
   const auto judged = [](const std::exception& error) { return judgeDiskError(error); };
   const auto code = std::error_code(ENOSPC, std::generic_category());
-  EXPECT_TRUE(judged(std::system_error(code)).sharedTrouble);
-  EXPECT_TRUE(judged(CFolderGone(ENOENT, std::generic_category())).sharedTrouble);
+  EXPECT_TRUE(judged(std::system_error(code)).outage);
+  EXPECT_TRUE(judged(CFolderGone(ENOENT, std::generic_category())).outage);
   const AttemptOutcome claim = judged(CNoRoomForClaim(code, "no room"));
   EXPECT_EQ(claim.kind, Kind::kRetry);
-  EXPECT_FALSE(claim.sharedTrouble);
+  EXPECT_FALSE(claim.outage);
   EXPECT_EQ(judged(std::system_error(EACCES, std::generic_category())).kind, Kind::kFinal);
 }
 

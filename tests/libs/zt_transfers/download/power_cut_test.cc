@@ -148,7 +148,7 @@ class PowerCut : public ::testing::TestWithParam<bool> {
   StartOrder orderFor(const std::string& path, bool verified) {
     StartOrder order;
     order.spec.fileId = path;
-    order.spec.place = path;
+    order.spec.location = path;
     order.spec.url = server.url("/" + path);
     order.spec.size = newest.at(path).content.size();
     order.spec.contentMd5 = verified ? md5Of(newest.at(path).content) : "";

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "engine/backoff.h"
 #include "engine/rate_meter.h"
+#include "engine/retry_policy.h"
 #include "http/token_bucket.h"
 
 namespace zt_transfers::test {
@@ -28,7 +28,7 @@ TEST(Backoff, TakesOffUpToAHalfByJitter) {
 }
 
 TEST(Backoff, GivesTheServerTheTimeItAsksForWithinReason) {
-  const BackoffPolicy policy{.base = seconds(1), .longestRetryAfter = seconds(100)};
+  const BackoffPolicy policy{.base = seconds(1), .maxRetryAfter = seconds(100)};
   EXPECT_EQ(backoffDelay(policy, 1, 0.0, seconds(30)), seconds(30));
   EXPECT_EQ(backoffDelay(policy, 3, 0.0, seconds(0)), seconds(4));
   EXPECT_EQ(backoffDelay(policy, 1, 0.0, std::chrono::hours(24 * 300)), seconds(100));

@@ -26,12 +26,16 @@ class CHandClock : public IClock {
   std::int64_t unix_ = 1'000'000;
 };
 
-class CNoLog : public ILog {
+class CTextLog : public ILog {
  public:
-  void write(Priority, std::string_view) noexcept override {}
+  void write(Priority, std::string_view line) noexcept override { text_ += line; }
+  const std::string& text() const { return text_; }
+
+ private:
+  std::string text_;
 };
 
-// The test plays the network thread: it asks for work and says how attempts end.
+// The test acts as the network thread: it asks for work and reports outcomes.
 class TransferEngine : public ::testing::Test {
  protected:
   std::int32_t groupOf(int files, std::uint64_t expires = 0) {
@@ -56,8 +60,8 @@ class TransferEngine : public ::testing::Test {
     }
     return ids;
   }
-  void concurrent(std::uint32_t most, std::uint32_t retries = 5) {
-    engine.setSettings({.maxConcurrent = most, .maxRetries = retries, .proxy = {}});
+  void concurrent(std::uint32_t max, std::uint32_t retries = 5) {
+    engine.setSettings({.maxConcurrent = max, .maxRetries = retries, .proxy = {}});
   }
   template <typename Event>
   std::vector<Event> events() {
@@ -69,7 +73,7 @@ class TransferEngine : public ::testing::Test {
     }
     return chosen;
   }
-  using Stops = std::vector<std::pair<AttemptId, bool>>;  // and whether to discard what is there
+  using Stops = std::vector<std::pair<AttemptId, bool>>;  // and whether to discard their files
   static Stops stopsOf(const TransferWork& work) {
     Stops stops;
     for (const AttemptStop& stop : work.stops) {
@@ -84,7 +88,7 @@ class TransferEngine : public ::testing::Test {
   CHandClock clock;
   CQueueCache store;
   CEventQueue queue;
-  CNoLog log;
+  CTextLog log;
   CTransferEngine engine{{.activity = "upload",
                           .statsSources = false,
                           .backoff = {.base = milliseconds(1000), .cap = milliseconds(8000)}},
@@ -147,13 +151,13 @@ TEST_F(TransferEngine, RetriesOnceItsTimeHasComeAndNotMoreOftenThanAllowed) {
   EXPECT_EQ(stateOf(group), kGroupErrored);
 }
 
-TEST_F(TransferEngine, RestsAGroupInTroubleAndNotTheOthers) {
+TEST_F(TransferEngine, DelaysAGroupAfterAnOutageAndNotTheOthers) {
   concurrent(1);
-  const auto troubled = groupOf(5);
+  const auto delayed = groupOf(5);
   engine.start();
   const auto order = starts().at(0);
   AttemptOutcome overloaded = AttemptOutcome::retry("503");
-  overloaded.sharedTrouble = true;
+  overloaded.outage = true;
   overloaded.retryAfter = seconds(20);
   engine.onAttemptDone(order.attemptId, overloaded);
   EXPECT_TRUE(starts().empty());
@@ -164,15 +168,15 @@ TEST_F(TransferEngine, RestsAGroupInTroubleAndNotTheOthers) {
   clock.pass(seconds(19));
   EXPECT_TRUE(starts().empty());
   clock.pass(seconds(1));
-  EXPECT_EQ(starts().at(0).file.groupId, troubled);
+  EXPECT_EQ(starts().at(0).file.groupId, delayed);
 }
 
-TEST_F(TransferEngine, RestsForTroubleFromOutsideWithoutUsingUpARetry) {
+TEST_F(TransferEngine, WaitsForAServerThatIsAwayWithoutUsingUpARetry) {
   concurrent(1, 0);
   const auto group = groupOf(1);
   engine.start();
   AttemptOutcome away = AttemptOutcome::retry("nobody answers", failure::kCannotConnect);
-  away.sharedTrouble = true;
+  away.outage = true;
   away.retryBudget = AttemptOutcome::RetryBudget::kFree;
   for (int attempt = 0; attempt < 10; ++attempt) {
     engine.onAttemptDone(starts().at(0).attemptId, away);
@@ -188,13 +192,14 @@ TEST_F(TransferEngine, RestsForTroubleFromOutsideWithoutUsingUpARetry) {
   EXPECT_EQ(stateOf(group), kGroupErrored);
 }
 
-TEST_F(TransferEngine, LetsOneMoreAttemptTellWhetherABrokenConnectionWasTheFilesFault) {
+TEST_F(TransferEngine, RetriesOnceAfterABrokenConnectionEvenIfNoRetryIsAllowed) {
   concurrent(1, 0);
   const auto group = groupOf(1);
   engine.start();
   AttemptOutcome broken = AttemptOutcome::retry("reset", failure::kConnectionLost);
   broken.retryBudget = AttemptOutcome::RetryBudget::kAtLeastOne;
   engine.onAttemptDone(starts().at(0).attemptId, broken);
+  EXPECT_NE(log.text().find(": attempt 1 of 2 failed, next in "), std::string::npos) << log.text();
   clock.pass(seconds(1));
   engine.onAttemptDone(starts().at(0).attemptId, broken);
   EXPECT_EQ(stateOf(group), kGroupErrored);
@@ -337,6 +342,61 @@ TEST_F(TransferEngine, DiscardsAfterTheNextStartWhatACancelJustBeforeTheEndHasLe
   EXPECT_EQ(cleanups[1].orphan.resume, TransferResume(sessionOf("id")));
 }
 
+TEST_F(TransferEngine, GivesAFileThatIsQueuedAgainAllOfItsRetries) {
+  concurrent(1, 1);
+  const auto group = groupOf(1);
+  engine.start();
+  const auto failOnce = [&] {
+    const auto order = starts().at(0);
+    engine.onAttemptDone(order.attemptId, AttemptOutcome::retry("x"));
+    clock.pass(seconds(8));
+    return order.spec;
+  };
+  failOnce();
+  const FileSpec spec = failOnce();
+  ASSERT_EQ(stateOf(group), kGroupErrored);
+  engine.queueFiles(group, {spec});
+  failOnce();
+  EXPECT_EQ(stateOf(group), kGroupTransferring);
+  failOnce();
+  EXPECT_EQ(stateOf(group), kGroupErrored);
+}
+
+TEST_F(TransferEngine, CountsMoreRetriesThan16BitsHold) {
+  constexpr std::uint32_t kRetries = 65'537;
+  concurrent(1, kRetries);
+  const auto group = groupOf(1);
+  engine.start();
+  for (std::uint32_t attempt = 0; attempt <= kRetries; ++attempt) {
+    ASSERT_EQ(stateOf(group), kGroupTransferring) << attempt;
+    engine.onAttemptDone(starts().at(0).attemptId, AttemptOutcome::retry("x"));
+    clock.pass(seconds(8));
+    events<FileState>();
+  }
+  EXPECT_EQ(stateOf(group), kGroupErrored);
+}
+
+// A renewed URL may resume the partial file; another location must not.
+TEST_F(TransferEngine, DiscardsThePartialFileOfAFileThatIsQueuedForAnotherLocation) {
+  const auto group = groupOf(1);
+  engine.start();
+  auto order = starts().at(0);
+  order.progress->setResume(halfOfAFile());
+  engine.onAttemptDone(order.attemptId, AttemptOutcome::final("x"));
+  FileSpec spec = order.spec;
+  spec.url = "http://renewed/";
+  engine.queueFiles(group, {spec});
+  order = starts().at(0);
+  EXPECT_EQ(order.resume, halfOfAFile());
+  engine.onAttemptDone(order.attemptId, AttemptOutcome::final("x"));
+  spec.location = "elsewhere";
+  engine.queueFiles(group, {spec});
+  const auto work = engine.takeWork();
+  EXPECT_FALSE(work.starts.at(0).resume.begun());
+  EXPECT_EQ(work.cleanups.at(0).orphan.resume, halfOfAFile());
+  EXPECT_EQ(engine.group(group)->bytesTransferred, 0U);
+}
+
 TEST_F(TransferEngine, LeavesAloneWhatANewAttemptForTheSameFileHasTakenOver) {
   const auto group = groupOf(1);
   engine.start();
@@ -354,7 +414,7 @@ TEST_F(TransferEngine, LeavesAloneWhatANewAttemptForTheSameFileHasTakenOver) {
   EXPECT_TRUE(engine.takeWork().cleanups.empty());
 }
 
-TEST_F(TransferEngine, DiscardsAFewAtATimeAndRestsAfterAFailureUntilItGivesUp) {
+TEST_F(TransferEngine, DiscardsAFewAtATimeAndBacksOffAfterAFailureUntilItGivesUp) {
   engine.start();
   for (const char* id : {"a", "b", "c", "d", "e"}) {
     engine.onOrphaned({.resume = sessionOf(id)});
@@ -389,7 +449,7 @@ TEST_F(TransferEngine, DiscardsAFewAtATimeAndRestsAfterAFailureUntilItGivesUp) {
   EXPECT_FALSE(work.nextDue.has_value());
 }
 
-TEST_F(TransferEngine, LetsALandingFileMakeRoomAndNoLongerBePaused) {
+TEST_F(TransferEngine, LetsAFileThatIsFinalizedMakeRoomAndNoLongerBePaused) {
   concurrent(1);
   const auto group = groupOf(2);
   engine.start();
@@ -464,7 +524,7 @@ TEST_F(TransferEngine, PutsEverythingBackWhenItStops) {
   EXPECT_EQ(starts().size(), 2U);
 }
 
-TEST_F(TransferEngine, WorksOffFilesThatCannotBeginInPortions) {
+TEST_F(TransferEngine, HandlesFilesThatCannotBeginInBatches) {
   const auto group = groupOf(2000, 1);
   engine.start();
   const auto work = engine.takeWork();

@@ -17,7 +17,7 @@ constexpr int kFiles = 3;
 constexpr std::size_t kMaxConcurrent =
     8;  // requests of the probe, which is not configured otherwise
 
-class KillInParts : public CPartsTest {
+class KillDuringMultipart : public CPartsTest {
  protected:
   static std::string content(int number) {
     return patternOf(static_cast<std::size_t>(10 + 9 * number) * kPart + 77,
@@ -43,7 +43,7 @@ class KillInParts : public CPartsTest {
   std::unique_ptr<CSandbox> round_;
 };
 
-TEST_F(KillInParts, SendsNothingAgainButWhatWasUnderWay) {
+TEST_F(KillDuringMultipart, SendsNothingAgainButWhatWasUnderWay) {
   std::size_t parts = 0;
   for (int number = 0; number < kFiles; ++number) {
     parts += content(number).size() / kPart + 1;

@@ -2,8 +2,8 @@
 // Uploads the files "FOLDER/file<n>" to "URL/up/<n>", and downloads "URL/down/<n>" to
 // "FOLDER/target/file<n>"; of the latter FOLDER/downloads has a line each, with size and MD5 ("-":
 // not told). Takes up what an earlier run left in FOLDER. Prints "up/<n>" or "down/<n>" once that
-// is told to be completed, and "all" at the end. With BYTES all files are sent in parts of this
-// size, with TOKEN as the local service wants it.
+// is told to be completed, and "all" at the end. With BYTES all files are multipart uploads with
+// parts of this size, with TOKEN as the local service wants it.
 #include <unistd.h>
 
 #include <atomic>
@@ -34,7 +34,7 @@ struct Task {
   std::string url;
   int uploads = 0;
   int downloads = 0;
-  std::uint64_t partSize = 0;  // 0: some files go in parts
+  std::uint64_t partSize = 0;  // 0: some files are multipart uploads
   std::string token{};
 };
 

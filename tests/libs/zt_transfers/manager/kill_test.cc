@@ -22,7 +22,7 @@ using Clock = std::chrono::steady_clock;
 // Rounds of transfers, each killed at random moments again and again until it is through.
 class Kill : public ::testing::Test {
  protected:
-  // Sizes from nothing to some hundred kilobytes, and a few that go in parts.
+  // Sizes from nothing to some hundred kilobytes, and a few multipart uploads.
   static std::string content(int number) {
     const std::size_t small = number % 20 == 0 ? 300'000 : number * 7;
     return patternOf(number % 100 == 50 ? 6'000'000 : small, static_cast<unsigned>(number));

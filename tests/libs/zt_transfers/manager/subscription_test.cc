@@ -3,7 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
+#include <cstdlib>
 #include <future>
+#include <stdexcept>
+#include <thread>
 
 namespace zt_transfers::test {
 namespace {
@@ -37,6 +41,18 @@ TEST(Subscription, CanBeTakenAwayFromWithinItsOwnCall) {
   subscription.set(&callback);
   subscription.call([&](int&) { subscription.set(nullptr); });
   subscription.call([](int&) { FAIL() << "called after it was taken away"; });
+}
+
+TEST(Subscription, EndsACallWhoseCallbackThrows) {
+  CSubscription<int> subscription;
+  int callback = 0;
+  subscription.set(&callback);
+  EXPECT_THROW(subscription.call([](int&) { throw std::runtime_error("callback"); }),
+               std::runtime_error);
+  auto removed = std::async(std::launch::async, [&] { subscription.set(nullptr); });
+  if (removed.wait_for(std::chrono::seconds(10)) != std::future_status::ready) {
+    std::abort();  // it would wait for ever
+  }
 }
 
 }  // namespace

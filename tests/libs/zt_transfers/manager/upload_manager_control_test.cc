@@ -78,16 +78,6 @@ TEST_F(UploadControl, PausesAGroupBetweenTwoAttempts) {
   ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
 }
 
-TEST_F(UploadControl, GivesFailedFilesAnotherChanceWhenResumed) {
-  server.plan("/file0", {fault::status(403)});
-  const auto group = upload(describeMany(2, 10));
-  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupErrored));
-  manager.resumeGroup(group);
-  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
-  EXPECT_EQ(server.requestsTo("/file0").size(), 2U);
-  EXPECT_EQ(server.requestsTo("/file1").size(), 1U);
-}
-
 TEST_F(UploadControl, TakesAFailedFileAgainWithANewUrl) {
   server.plan("/file", {fault::status(403)});
   auto file = describe("file", "content");

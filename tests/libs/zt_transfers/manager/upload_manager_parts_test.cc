@@ -12,9 +12,9 @@ using ::testing::SizeIs;
 
 constexpr const char* kAnyPart = "*partNumber=*";
 
-class UploadInParts : public CPartsTest {};
+class MultipartUpload : public CPartsTest {};
 
-TEST_F(UploadInParts, SendsEveryByteOfFilesOfEverySizeAroundTheParts) {
+TEST_F(MultipartUpload, SendsEveryByteOfFilesOfEverySizeAroundTheParts) {
   configure([](auto& configuration) { configuration.minMultipartSize = 1000; });
   const int parts = count("PUT", kAnyPart);
   std::vector<CUploadManager::FileDesc> files;
@@ -34,7 +34,7 @@ TEST_F(UploadInParts, SendsEveryByteOfFilesOfEverySizeAroundTheParts) {
   EXPECT_THAT(sessions(), SizeIs(0));
 }
 
-TEST_F(UploadInParts, AddsItsQueryToThatOfASignedUrlAndSendsThePagesHeaders) {
+TEST_F(MultipartUpload, AddsItsQueryToThatOfASignedUrlAndSendsThePagesHeaders) {
   auto file = describe("file", patternOf(3 * kPart));
   file.url += "?token=" + token_;
   file.headers = {{"Content-Type", "text/plain"}, {"Content-MD5", md5Of("of the whole")}};
@@ -42,7 +42,7 @@ TEST_F(UploadInParts, AddsItsQueryToThatOfASignedUrlAndSendsThePagesHeaders) {
   EXPECT_TRUE(arrived("file") == patternOf(3 * kPart));
 }
 
-TEST_F(UploadInParts, CountsNoByteTwiceAndNeverGoesBackWhenNothingFails) {
+TEST_F(MultipartUpload, CountsNoByteTwiceAndNeverGoesBackWhenNothingFails) {
   fault("PUT", kAnyPart, R"("type":"rate","bytesPerSecond":200000)");
   uploadAll({describe("file", patternOf(6 * kPart + 100))});
   const auto reports = recorder.filesOf("file");
@@ -53,14 +53,14 @@ TEST_F(UploadInParts, CountsNoByteTwiceAndNeverGoesBackWhenNothingFails) {
   EXPECT_EQ(reports.back().bytesTransferred, 6 * kPart + 100);
 }
 
-TEST_F(UploadInParts, KeepsTheLimitOverAllParts) {
+TEST_F(MultipartUpload, KeepsTheLimitOverAllParts) {
   configure([](auto& configuration) { configuration.throttleBytesPerSecond = 8 * kPart; });
   const auto begin = std::chrono::steady_clock::now();
   uploadAll({describe("file", patternOf(16 * kPart))});
   EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(1700));
 }
 
-TEST_F(UploadInParts, SendsOnlyThePartAgainThatFailed) {
+TEST_F(MultipartUpload, SendsOnlyThePartAgainThatFailed) {
   fault("PUT", "*partNumber=2&*", R"("type":"status","status":503,"count":1)");
   fault("PUT", "*partNumber=4&*", R"("type":"reset","afterBytes":1000,"count":1)");
   fault("PUT", "*partNumber=6&*", R"("type":"etag","count":1)");
@@ -73,7 +73,7 @@ TEST_F(UploadInParts, SendsOnlyThePartAgainThatFailed) {
   EXPECT_EQ(counted(begun), 1U);
 }
 
-TEST_F(UploadInParts, GivesUpWhenOnePartNeverArrivesAndGoesOnWithTheRestWhenResumed) {
+TEST_F(MultipartUpload, GivesUpWhenOnePartNeverArrivesAndGoesOnWithTheRestWhenResumed) {
   configure([](auto& configuration) { configuration.maxTransferRetries = 0; });
   fault("PUT", "*partNumber=3&*", R"("type":"status","status":500,"count":1)");
   const int good = count("PUT", kAnyPart);
@@ -86,7 +86,7 @@ TEST_F(UploadInParts, GivesUpWhenOnePartNeverArrivesAndGoesOnWithTheRestWhenResu
   EXPECT_TRUE(arrived("file") == patternOf(6 * kPart));
 }
 
-TEST_F(UploadInParts, SendsWithOnePutWhereTheServerTakesNoPartsAndAsksOnlyOnce) {
+TEST_F(MultipartUpload, SendsWithOnePutWhereTheServerTakesNoPartsAndAsksOnlyOnce) {
   options_.multipart = false;
   restart();
   configure([](auto& configuration) { configuration.maxConcurrentTransfers = 1; });
@@ -98,7 +98,7 @@ TEST_F(UploadInParts, SendsWithOnePutWhereTheServerTakesNoPartsAndAsksOnlyOnce) 
   EXPECT_EQ(counted(asked), 1U);
 }
 
-TEST_F(UploadInParts, RemembersARefusalThatDoesNotSayWhyOnceThePutWorked) {
+TEST_F(MultipartUpload, RemembersARefusalThatDoesNotSayWhyOnceThePutWorked) {
   configure([](auto& configuration) { configuration.maxConcurrentTransfers = 1; });
   fault("POST", "uploads*", R"("type":"status","status":400)");
   uploadAll({describe("a", patternOf(kPart)), describe("b", patternOf(kPart))});
@@ -106,7 +106,7 @@ TEST_F(UploadInParts, RemembersARefusalThatDoesNotSayWhyOnceThePutWorked) {
   EXPECT_EQ(counted(1), 1U);
 }
 
-TEST_F(UploadInParts, TakesARefusalOfTheUserForFinalAndTroubleForATimeToWait) {
+TEST_F(MultipartUpload, TakesARefusalOfTheUserForFinalAndTroubleForATimeToWait) {
   configure([](auto& configuration) { configuration.maxConcurrentTransfers = 1; });
   fault("POST", "uploads*", R"("type":"status","status":403,"count":1)");
   fault("POST", "uploads*", R"("type":"status","status":503,"count":1)");
@@ -116,7 +116,7 @@ TEST_F(UploadInParts, TakesARefusalOfTheUserForFinalAndTroubleForATimeToWait) {
   EXPECT_EQ(recorder.lastFile("waits").state, kFileCompleted);
 }
 
-TEST_F(UploadInParts, TakesNoAnswerForSuccessThatDoesNotConfirmTheWhole) {
+TEST_F(MultipartUpload, TakesNoAnswerForSuccessThatDoesNotConfirmTheWhole) {
   fault(
       "POST", "uploadId=*",
       R"("type":"status","status":200,"body":"<Error><Code>InternalError</Code></Error>","count":1)");
@@ -127,7 +127,7 @@ TEST_F(UploadInParts, TakesNoAnswerForSuccessThatDoesNotConfirmTheWhole) {
   EXPECT_EQ(counted(parts), 3U);
 }
 
-TEST_F(UploadInParts, SendsAllOfItAgainWhenTheWholeHasAnotherTag) {
+TEST_F(MultipartUpload, SendsAllOfItAgainWhenTheWholeHasAnotherTag) {
   fault("POST", "uploadId=*",
         R"("type":"status","status":200,"count":1,"body":"<CompleteMultipartUploadResult><ETag>)" +
             md5Of("other") + R"(-3</ETag></CompleteMultipartUploadResult>")");
@@ -137,7 +137,7 @@ TEST_F(UploadInParts, SendsAllOfItAgainWhenTheWholeHasAnotherTag) {
   EXPECT_EQ(counted(parts), 6U);
 }
 
-TEST_F(UploadInParts, GivesUpWithItsRetriesWhenTheServerNeverPutsThePartsTogether) {
+TEST_F(MultipartUpload, GivesUpWithItsRetriesWhenTheServerNeverPutsThePartsTogether) {
   configure([](auto& configuration) { configuration.maxTransferRetries = 1; });
   const int parts = count("PUT", kAnyPart);
   std::uint64_t expected = 0;
@@ -154,7 +154,7 @@ TEST_F(UploadInParts, GivesUpWithItsRetriesWhenTheServerNeverPutsThePartsTogethe
   }
 }
 
-TEST_F(UploadInParts, FailsWithoutMixingVersionsWhenTheFileChangesWhileItIsSent) {
+TEST_F(MultipartUpload, FailsWithoutMixingVersionsWhenTheFileChangesWhileItIsSent) {
   configure([](auto& configuration) { configuration.maxConcurrentTransfers = 1; });
   fault("PUT", "*partNumber=4&*", R"("type":"stall","milliseconds":1000,"count":1)");
   const auto group = upload({describe("file", patternOf(6 * kPart))});
@@ -168,7 +168,7 @@ TEST_F(UploadInParts, FailsWithoutMixingVersionsWhenTheFileChangesWhileItIsSent)
   EXPECT_TRUE(arrived("file") == contentOf(sandbox.folder() / "file"));
 }
 
-TEST_F(UploadInParts, LeavesNoSessionBehindWhenItIsCancelledOrTakenOut) {
+TEST_F(MultipartUpload, LeavesNoSessionBehindWhenItIsCancelledOrTakenOut) {
   stallPart(2);
   fault("POST", "uploads*", R"("type":"delay","milliseconds":300,"count":1)");
   const auto beginning = upload({describe("beginning", patternOf(3 * kPart))});
@@ -190,7 +190,7 @@ TEST_F(UploadInParts, LeavesNoSessionBehindWhenItIsCancelledOrTakenOut) {
   EXPECT_TRUE(waitForNoSession());
 }
 
-TEST_F(UploadInParts, AbortsUntilTheServerHasHeardItAlsoAfterTheNextStart) {
+TEST_F(MultipartUpload, AbortsUntilTheServerHasHeardItAlsoAfterTheNextStart) {
   stallPart(2);
   fault("DELETE", "uploadId=*", R"("type":"status","status":503)");
   const int unheard = 2;  // the rule just made

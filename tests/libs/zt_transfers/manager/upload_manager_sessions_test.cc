@@ -82,8 +82,8 @@ TEST_F(UploadSession, SendsAgainWhatTheServerHasLostOrHasOtherwise) {
   options_.port = server_->port();
   ServiceTest::restart();
   parts_ = count("PUT", kAnyPart);
-  request("PUT", file_.url.substr(server_->url().size()) + "?partNumber=3&uploadId=" + session_,
-          std::string(kPart, 'x'), token());
+  call("PUT", file_.url.substr(server_->url().size()) + "?partNumber=3&uploadId=" + session_,
+       std::string(kPart, 'x'));
   manager->resumeGroup(group_);
   expectCompleted(patternOf(8 * kPart), 1 + 6);
 }
@@ -91,7 +91,7 @@ TEST_F(UploadSession, SendsAgainWhatTheServerHasLostOrHasOtherwise) {
 TEST_F(UploadSession, BeginsAnotherWhenTheServerHasForgottenIt) {
   pause();
   const auto path = file_.url.substr(server_->url().size());
-  ASSERT_EQ(request("DELETE", path + "?uploadId=" + session_, "", token()).status, 204);
+  ASSERT_EQ(call("DELETE", path + "?uploadId=" + session_).status, 204);
   manager->resumeGroup(group_);
   expectCompleted(patternOf(8 * kPart), 4 + 8);
 }

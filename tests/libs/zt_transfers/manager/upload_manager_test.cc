@@ -13,19 +13,31 @@ using ::testing::Not;
 
 class UploadManager : public CUploadTest {};
 
-TEST_F(UploadManager, SendsTheBytesOfEveryFileAndCompletesTheMarkedGroup) {
+TEST_F(UploadManager, SendsTheBytesOfEveryFileAndReportsItFromItsBeginningToItsEnd) {
   const std::string small = patternOf(1000, 1);
   const std::string large = patternOf(3 * 1024 * 1024 + 17, 2);
-  const auto group = upload({describe("small", small), describe("large", large)});
+  const auto group =
+      upload({describe("small", small), describe("large", large), describe("empty", "")});
   ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
   EXPECT_EQ(server.object("/small"), small);
   EXPECT_EQ(server.object("/large"), large);
+  EXPECT_EQ(server.object("/empty"), "");
   const auto done = state(group);
   EXPECT_EQ(done.bytesTransferred, small.size() + large.size());
   EXPECT_EQ(done.bytesTotal, small.size() + large.size());
   EXPECT_EQ(done.percentTransferred, 100.0F);
-  EXPECT_EQ(recorder.lastFile("large").state, kFileCompleted);
-  EXPECT_EQ(recorder.lastFile("large").bytesTransferred, large.size());
+  const auto reports = recorder.filesOf("large");
+  ASSERT_GE(reports.size(), 2U);
+  EXPECT_EQ(reports.front().state, kFileTransferring);
+  EXPECT_EQ(reports.back().state, kFileCompleted);
+  EXPECT_EQ(reports.back().groupId, group);
+  EXPECT_EQ(reports.back().bucketId, "bucket");
+  EXPECT_EQ(reports.back().bytesTransferred, large.size());
+  const auto empty = upload({describe("alone", "")});
+  ASSERT_TRUE(recorder.waitForGroupState(empty, kGroupCompleted));
+  EXPECT_EQ(server.requestsTo("/alone").at(0).headers.at("content-length"), "0");
+  EXPECT_EQ(recorder.lastGroup(empty).percentTransferred, 100.0F);
+  EXPECT_EQ(recorder.lastFile("alone").percentTransferred, 100.0F);
 }
 
 TEST_F(UploadManager, SendsOnePutWithItsHeadersALengthAndNoExpectation) {
@@ -50,15 +62,6 @@ TEST_F(UploadManager, SendsOnePutWithItsHeadersALengthAndNoExpectation) {
   const auto untyped = upload({describe("untyped", "content")});
   ASSERT_TRUE(recorder.waitForGroupState(untyped, kGroupCompleted));
   EXPECT_EQ(server.requests().back().headers.count("content-type"), 0U);
-}
-
-TEST_F(UploadManager, SendsEmptyFilesAndReportsTheirGroupAtHundredPercent) {
-  const auto group = upload({describe("empty", "")});
-  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
-  EXPECT_EQ(server.object("/empty"), "");
-  EXPECT_EQ(server.requests()[0].headers.at("content-length"), "0");
-  EXPECT_EQ(recorder.lastGroup(group).percentTransferred, 100.0F);
-  EXPECT_EQ(recorder.lastFile("empty").percentTransferred, 100.0F);
 }
 
 TEST_F(UploadManager, FindsFilesWithOddNames) {
@@ -100,18 +103,6 @@ TEST_F(UploadManager, KeepsConnectionsOpenFromFileToFile) {
   }
   EXPECT_EQ(server.requests().size(), 40U);
   EXPECT_LE(connections, 4);
-}
-
-TEST_F(UploadManager, ReportsEachFileFromItsBeginningToItsEnd) {
-  const auto group = upload({describe("file", patternOf(500))});
-  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
-  const auto reports = recorder.filesOf("file");
-  ASSERT_GE(reports.size(), 2U);
-  EXPECT_EQ(reports.front().state, kFileTransferring);
-  EXPECT_EQ(reports.back().state, kFileCompleted);
-  EXPECT_EQ(reports.back().groupId, group);
-  EXPECT_EQ(reports.back().bucketId, "bucket");
-  EXPECT_EQ(reports.back().bytesTotal, 500U);
 }
 
 TEST_F(UploadManager, ReportsProgressAtMostTenTimesASecondAndNeverBackwards) {

@@ -70,14 +70,6 @@ TEST_F(SleepGuard, HoldsTheMachineAwakeFromTheFirstTransferToTheEndOfTheLast) {
   EXPECT_TRUE(record.waitFor("iri"));
 }
 
-TEST_F(SleepGuard, FollowsTheSettingDuringATransfer) {
-  guard->setTransferring(true);
-  guard->setWanted(true);
-  EXPECT_TRUE(record.waitFor("i"));
-  guard->setWanted(false);
-  EXPECT_TRUE(record.waitFor("ir"));
-}
-
 TEST_F(SleepGuard, AsksForNothingWithoutATransferOrTheSetting) {
   guard->setWanted(true);
   guard->setWanted(false);

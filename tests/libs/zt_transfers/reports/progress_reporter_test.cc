@@ -4,6 +4,7 @@
 #include <json/json.h>
 
 #include <chrono>
+#include <functional>
 #include <future>
 #include <memory>
 #include <thread>
@@ -39,13 +40,15 @@ class ProgressReporter : public CUploadTest {
     configuration.maxTransferRetries = 0;
     manager.setConfiguration(configuration);
   }
-  // The last report, once it says this of the state.
-  Json::Value report(const std::string& state) {
+  // The last report, once it has this state and is accepted.
+  Json::Value report(
+      const std::string& state,
+      const std::function<bool(const Json::Value&)>& accepts = [](const auto&) { return true; }) {
     const auto until = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     while (std::chrono::steady_clock::now() < until) {
       Json::Value json;
       Json::Reader().parse(server.object(kPlace).value_or("{}"), json);
-      if (json["state"].asString() == state) {
+      if (json["state"].asString() == state && accepts(json)) {
         return json;
       }
       std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -95,11 +98,8 @@ TEST_F(ProgressReporter, TellsEverySoOftenWhileSomethingIsTransferredAndWhatItWa
   auto away = describe("away", "x");
   away.url = "http://127.0.0.1:1/away";
   upload({away});
-  Json::Value waiting;
-  for (int tries = 0; tries < 1000 && waiting["waitingFor"].isNull(); ++tries) {
-    waiting = report("TRANSFERRING");
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-  }
+  const Json::Value waiting =
+      report("TRANSFERRING", [](const Json::Value& json) { return json.isMember("waitingFor"); });
   EXPECT_EQ(waiting["waitingFor"]["code"].asString(), "cannot_connect");
   const std::size_t before = server.requestsTo(kPlace).size();
   reportEvery(1);  // holds at once

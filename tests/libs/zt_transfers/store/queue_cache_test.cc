@@ -8,7 +8,7 @@ namespace {
 FileSpec specOf(const std::string& fileId) {
   FileSpec spec;
   spec.fileId = fileId;
-  spec.place = std::string(300, 'p') + fileId;
+  spec.location = std::string(300, 'p') + fileId;
   spec.url = "http://host/" + fileId;
   spec.headers = {{"A", ""}, {"B", std::string("nul\0inside", 10)}};
   spec.size = 1ULL << 63;
@@ -38,7 +38,7 @@ TEST_F(QueueStore, GivesBackWhatItKeeps) {
   const FileSpec kept = store.spec({1, 1}).value();
   const FileSpec given = specOf("b");
   EXPECT_EQ(kept.fileId, given.fileId);
-  EXPECT_EQ(kept.place, given.place);
+  EXPECT_EQ(kept.location, given.location);
   EXPECT_EQ(kept.url, given.url);
   EXPECT_EQ(kept.headers, given.headers);
   EXPECT_EQ(kept.size, given.size);
@@ -46,7 +46,7 @@ TEST_F(QueueStore, GivesBackWhatItKeeps) {
   EXPECT_EQ(kept.expires, given.expires);
   EXPECT_EQ(kept.contentMd5, given.contentMd5);
   EXPECT_EQ(store.fileId({1, 0}), "a");
-  EXPECT_EQ(store.place({1, 0}), specOf("a").place);
+  EXPECT_EQ(store.location({1, 0}), specOf("a").location);
 }
 
 TEST_F(QueueStore, FindsFilesByTheirIdInTheirGroup) {

@@ -71,7 +71,7 @@ TEST_F(StoredQueue, KeepsGroupsAndFilesAsTheyWere) {
   const auto waiting = fetched(store, {3, 3});
   ASSERT_TRUE(waiting.has_value());
   EXPECT_EQ(waiting->fileId, "d");
-  EXPECT_EQ(waiting->place, "place of d");
+  EXPECT_EQ(waiting->location, "place of d");
   EXPECT_EQ(waiting->headers, spec("d").headers);
   EXPECT_EQ(fetched(store, {3, 2})->url, "http://renewed/");
 }
@@ -242,13 +242,13 @@ TEST_F(StoredQueue, BringsEveryDescriptionOfALongQueue) {
       store.append(1, spec("file" + std::to_string(number)), {});
     }
     for (std::uint32_t number = 0; number < kFiles; number += 7) {
-      ASSERT_EQ(fetched(store, {1, number})->place, "place of file" + std::to_string(number));
+      ASSERT_EQ(fetched(store, {1, number})->location, "place of file" + std::to_string(number));
     }
     EXPECT_TRUE(queue->close());
   }
   auto queue = opened();
   for (std::uint32_t number = 0; number < kFiles; ++number) {
-    ASSERT_EQ(fetched(queue->store(), {1, number})->place,
+    ASSERT_EQ(fetched(queue->store(), {1, number})->location,
               "place of file" + std::to_string(number));
     queue->store().setState({1, number}, {.phase = FilePhase::kCompleted});
   }

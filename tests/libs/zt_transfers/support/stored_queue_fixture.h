@@ -47,7 +47,7 @@ class CStoredQueueTest : public ::testing::Test {
   static FileSpec spec(const std::string& fileId) {
     FileSpec spec;
     spec.fileId = fileId;
-    spec.place = "place of " + fileId;
+    spec.location = "place of " + fileId;
     spec.url = "http://host/" + fileId;
     spec.headers = {{"Name", "value"}};
     spec.size = 10;
@@ -64,9 +64,9 @@ class CStoredQueueTest : public ::testing::Test {
           }
           arrived.notify_all();
         },
-        CQueueWriter::Pace{.gather = std::chrono::milliseconds(1),
-                           .firstRetry = std::chrono::milliseconds(1),
-                           .lastRetry = std::chrono::milliseconds(8)});
+        CQueueWriter::Timing{.gather = std::chrono::milliseconds(1),
+                             .firstRetry = std::chrono::milliseconds(1),
+                             .lastRetry = std::chrono::milliseconds(8)});
   }
   // A queue that is open; what it found is in `found`.
   std::unique_ptr<CStoredQueue> opened() {

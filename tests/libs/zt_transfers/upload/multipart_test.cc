@@ -8,7 +8,6 @@
 #include "upload/multipart_messages.h"
 #include "upload/multipart_request.h"
 #include "upload/multipart_verdict.h"
-#include "upload/part_plan.h"
 #include "upload/request_slots.h"
 
 namespace zt_transfers::test {

@@ -79,7 +79,7 @@ TEST_F(SourceReader, WithholdsTheEndOfAFileThatChanged) {
   SourceChunk chunk;
   ASSERT_FALSE(reader.readNext(chunk).has_value());
   std::ofstream(path, std::ios::app) << "more";
-  EXPECT_THAT(reader.readNext(chunk), Optional(Field(&Trouble::reason, HasSubstr("changed"))));
+  EXPECT_THAT(reader.readNext(chunk), Optional(Field(&Problem::reason, HasSubstr("changed"))));
 }
 
 TEST_F(SourceReader, NoticesThatAnotherFileTookTheName) {
@@ -90,14 +90,14 @@ TEST_F(SourceReader, NoticesThatAnotherFileTookTheName) {
   std::filesystem::last_write_time(other, std::filesystem::last_write_time(path));
   std::filesystem::rename(other, path);
   SourceChunk chunk;
-  EXPECT_THAT(reader.readNext(chunk), Optional(Field(&Trouble::reason, HasSubstr("changed"))));
+  EXPECT_THAT(reader.readNext(chunk), Optional(Field(&Problem::reason, HasSubstr("changed"))));
 }
 
 TEST_F(SourceReader, SaysWhatIsWrongWithAFileItCannotRead) {
   CSourceReader missing({.path = sandbox.folder() / "missing"});
-  EXPECT_THAT(missing.open(), Optional(Field(&Trouble::code, failure::kSourceMissing)));
+  EXPECT_THAT(missing.open(), Optional(Field(&Problem::code, failure::kSourceMissing)));
   CSourceReader folder({.path = sandbox.folder()});
-  EXPECT_THAT(folder.open(), Optional(Field(&Trouble::reason, HasSubstr("not a regular file"))));
+  EXPECT_THAT(folder.open(), Optional(Field(&Problem::reason, HasSubstr("not a regular file"))));
 }
 
 }  // namespace

@@ -53,29 +53,27 @@ TEST(JudgeUpload, RetriesAnErrorDocumentAndAPartialBody) {
   EXPECT_EQ(judge(partial).kind, Kind::kRetry);
 }
 
-TEST(JudgeUpload, HoldsTheOthersBackWhenServerOrNetworkIsInTrouble) {
-  EXPECT_TRUE(judge(responseOf(429)).sharedTrouble);
-  EXPECT_TRUE(judge(responseOf(503)).sharedTrouble);
-  EXPECT_FALSE(judge(responseOf(500)).sharedTrouble);
-  HttpResponse unreachable;
-  unreachable.code = CURLE_COULDNT_CONNECT;
-  EXPECT_TRUE(judge(unreachable).sharedTrouble);
-  HttpResponse cut;
-  cut.code = CURLE_GOT_NOTHING;
-  EXPECT_EQ(judge(cut).kind, Kind::kRetry);
-  EXPECT_FALSE(judge(cut).sharedTrouble);
-}
-
-TEST(JudgeUpload, TriesNoCertificateTwice) {
-  HttpResponse response;
-  response.code = CURLE_PEER_FAILED_VERIFICATION;
-  EXPECT_EQ(judge(response).kind, Kind::kFinal);
-}
-
-TEST(JudgeUpload, PassesOnWhatTheServerAsksToWait) {
-  HttpResponse response = responseOf(503);
-  response.headers["retry-after"] = "7";
-  EXPECT_EQ(judge(response).retryAfter, std::chrono::seconds(7));
+TEST(JudgeUpload, DelaysTheOtherFilesDuringAnOutageOnly) {
+  HttpResponse busy = responseOf(503);
+  busy.headers["retry-after"] = "7";
+  EXPECT_TRUE(judge(busy).outage);
+  EXPECT_EQ(judge(busy).retryAfter, std::chrono::seconds(7));
+  EXPECT_TRUE(judge(responseOf(429)).outage);
+  EXPECT_FALSE(judge(responseOf(500)).outage);
+  struct Case {
+    CURLcode code;
+    Kind kind;
+    bool outage;
+  };
+  for (const auto& [code, kind, outage] :
+       {Case{CURLE_COULDNT_CONNECT, Kind::kRetry, true},
+        Case{CURLE_GOT_NOTHING, Kind::kRetry, false},
+        Case{CURLE_PEER_FAILED_VERIFICATION, Kind::kFinal, false}}) {
+    HttpResponse none;
+    none.code = code;
+    EXPECT_EQ(judge(none).kind, kind) << code;
+    EXPECT_EQ(judge(none).outage, outage) << code;
+  }
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 
 namespace zt_transfers {
 
-// What every piece of an upload works with; all must outlive it.
+// Used by every class of this folder; all must outlive it.
 struct UploadDependencies {
   CHttpLoop& loop;
   CWorkerPool& pool;

@@ -50,7 +50,10 @@ void CDownloadRunner::stop(const AttemptStop& stop) {
     if (stop.discard) {
       attempt->second->discard();
     }
-    release(stop.attemptId);
+    // Ends its requests now: a retired attempt must not hear of them later in this round.
+    const std::shared_ptr<CPartialWriter> writer = attempt->second->writer();
+    attempts_.erase(attempt);
+    closeOnPool(writer);
   } else if (finalization == finalizing_.end() && stop.discard) {
     observer_.onOrphaned(stop.orphan());
   } else if (stop.discard) {
@@ -138,18 +141,18 @@ void CDownloadRunner::onArrived(AttemptId attemptId, std::uint64_t size) {
 }
 
 void CDownloadRunner::onEnded(AttemptId attemptId, const AttemptOutcome& outcome) {
-  release(attemptId);
+  const auto attempt = attempts_.find(attemptId);
+  closeOnPool(attempt->second->writer());
+  loop_.retire(std::move(attempt->second));
+  attempts_.erase(attempt);
   observer_.onAttemptDone(attemptId, outcome);
 }
 
 // Lets the pool close, and possibly remove, the partial file.
-void CDownloadRunner::release(AttemptId attemptId) {
-  const auto attempt = attempts_.find(attemptId);
-  if (const auto& writer = attempt->second->writer()) {
+void CDownloadRunner::closeOnPool(const std::shared_ptr<CPartialWriter>& writer) {
+  if (writer) {
     pool_.post([file = writer->file()] {});
   }
-  loop_.retire(std::move(attempt->second));
-  attempts_.erase(attempt);
 }
 
 // On the pool. Reports to the engine before the loop, which may be stopping.

@@ -54,7 +54,7 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
   bool hasRoom() const override { return requests() < maxConcurrent_; }
   std::size_t requests() const;
   void makeRoom();
-  void release(AttemptId attemptId);
+  void closeOnPool(const std::shared_ptr<CPartialWriter>& writer);
   void finalized(const std::vector<AttemptEnd>& ends);
 
   CHttpLoop& loop_;

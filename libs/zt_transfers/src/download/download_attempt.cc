@@ -8,7 +8,6 @@
 #include "base/ascii.h"
 #include "base/url_parts.h"
 #include "engine/response_verdict.h"
-#include "zt_transfers/global_config.h"
 
 namespace zt_transfers {
 namespace {
@@ -152,7 +151,6 @@ HttpRequest CDownloadAttempt::request() const {
   request.headers.emplace_back("Accept-Encoding", "identity");
   request.responseSize = order_.spec.size;
   request.proxy = order_.proxy;
-  request.userAgent = CZtTransfersGlobalConfig::getInstance()->userAgent();
   return request;
 }
 

@@ -28,7 +28,7 @@ CRangeFetch::CRangeFetch(const Dependencies& dependencies, HttpRequest request,
       request_(std::move(request)),
       rangeRequest_(std::move(rangeRequest)),
       maxSize_(maxSize),
-      place_(request_.url, request_.headers),
+      redirects_(request_.url, request_.headers),
       position_(rangeRequest_.begin),
       stop_(rangeRequest_.end.value_or(kNoEnd)) {
   send();
@@ -43,8 +43,8 @@ void CRangeFetch::end() {
 
 void CRangeFetch::send() {
   HttpRequest request = request_;
-  request.url = place_.url();
-  request.headers = place_.headers();
+  request.url = redirects_.url();
+  request.headers = redirects_.headers();
   if (rangeRequest_.ranged) {
     request.headers.emplace_back("Range", rangeText(rangeRequest_));
     if (!rangeRequest_.validator.empty()) {
@@ -58,7 +58,7 @@ void CRangeFetch::send() {
 
 void CRangeFetch::judgeEnd(const HttpResponse& response) {
   loop_.retire(std::move(exchange_));
-  if (place_.follow(response, log_)) {
+  if (redirects_.follow(response, log_)) {
     plan_.reset();
     wanted_ = false;
     send();

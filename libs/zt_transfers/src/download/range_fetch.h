@@ -11,7 +11,7 @@
 #include "download/response_plan.h"
 #include "engine/attempt.h"
 #include "http/http_exchange.h"
-#include "http/request_place.h"
+#include "http/redirect.h"
 #include "http/throttle.h"
 
 namespace zt_transfers {
@@ -90,7 +90,7 @@ class CRangeFetch final : public IHttpSink, public CThrottle::IUser {
   const HttpRequest request_;
   const RangeRequest rangeRequest_;
   const std::uint64_t maxSize_;
-  CRequestPlace place_;
+  CRedirects redirects_;
 
   std::optional<FetchPlan> plan_;
   bool wanted_ = false;

@@ -16,19 +16,18 @@ constexpr long kLargeUploadBuffer = 64L * 1024;
 constexpr std::uint64_t kLargeReceiveBuffer = 128ULL * 1024;
 constexpr std::uint64_t kSmallReceiveBuffer = 32ULL * 1024;
 
-// libcurl takes memory of that size for each answer and gives it back, and small pieces of memory
-// cost less.
+// libcurl allocates a buffer of this size for each response, and a small one is cheaper.
 long receiveBufferFor(std::uint64_t responseSize) {
   const std::uint64_t wanted = responseSize == 0 ? kLargeReceiveBuffer : responseSize;
   return static_cast<long>(std::clamp(wanted, kSmallReceiveBuffer, kLargeReceiveBuffer));
 }
 
-// From here on it is worth to ask first whether the server wants the body at all: one that
-// refuses in the middle cuts the connection, and its answer can get lost.
+// From this size on, the server is asked first whether it wants the body: one that refuses in the
+// middle closes the connection, and its response can get lost.
 constexpr std::uint64_t kAskFirstFrom = 8ULL * 1024 * 1024;
-constexpr long kAskFirstLimit = 500;  // milliseconds; for servers that do not answer the question
+constexpr long kAskFirstLimit = 500;  // milliseconds, for servers that ignore the question
 
-// These are libcurl's to set; another value would contradict what is sent.
+// libcurl sets these headers; other values would contradict the request that it sends.
 bool belongsToTransport(std::string_view name) {
   constexpr std::array<std::string_view, 4> kNames{"content-length", "transfer-encoding", "expect",
                                                    "connection"};
@@ -110,7 +109,7 @@ void CHttpExchange::setUp(const HttpRequest& request) {
   set(CURLOPT_HTTPHEADER, headers_.get());
   set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
   if (startsWithIgnoringCase(request.url, "https:")) {
-    // A server that does HTTP/2 gets one connection, which only the first answer can tell.
+    // A server with HTTP/2 gets one connection; the first response shows whether it has HTTP/2.
     set(CURLOPT_PIPEWAIT, 1L);
   }
   set(CURLOPT_FOLLOWLOCATION, 0L);
@@ -123,8 +122,8 @@ void CHttpExchange::setUp(const HttpRequest& request) {
   set(CURLOPT_HEADERDATA, this);
   set(CURLOPT_WRITEFUNCTION, &CHttpExchange::takeBody);
   set(CURLOPT_WRITEDATA, this);
-  if (!request.userAgent.empty()) {
-    set(CURLOPT_USERAGENT, request.userAgent.c_str());
+  if (!loop_.userAgent().empty()) {
+    set(CURLOPT_USERAGENT, loop_.userAgent().c_str());
   }
   if (!request.proxy.empty()) {
     set(CURLOPT_PROXY, request.proxy.c_str());
@@ -156,7 +155,7 @@ void CHttpExchange::setUpBody(const HttpRequest& request) {
   }
 }
 
-// As the fields of a form, but for the method and the type.
+// Sent as the fields of a form, except for the method and the type.
 void CHttpExchange::setUpSmallBody(const HttpRequest& request, std::string_view content) {
   const bool typed = std::any_of(
       request.headers.begin(), request.headers.end(),
@@ -186,14 +185,12 @@ void CHttpExchange::finish(CURLcode code) {
   curl_off_t sent = 0;
   curl_easy_getinfo(easy_.get(), CURLINFO_SIZE_UPLOAD_T, &sent);
   response_.bytesSent = static_cast<std::uint64_t>(sent);
-  // What has ended is not looked at again, however long it is kept.
+  // The loop does not check an ended exchange for stalls, however long its owner keeps it.
   loop_.remove(*this);
-  // Moved out first, as the receiver may destroy this exchange.
-  const Done done = std::move(done_);
-  done(std::move(response_));
+  done_(std::move(response_));
 }
 
-// Whether nothing has moved for too long, and not because this side holds its bytes back.
+// Whether there was no traffic for too long, unless this side holds its bytes back.
 bool CHttpExchange::stalledAt(TimePoint now) {
   curl_off_t sent = 0;
   curl_off_t received = 0;
@@ -210,7 +207,7 @@ bool CHttpExchange::stalledAt(TimePoint now) {
 
 void CHttpExchange::takeHeaderLine(std::string_view line) {
   if (startsWithIgnoringCase(line, "HTTP/")) {
-    response_.headers.clear();  // an interim answer came before
+    response_.headers.clear();  // of an interim response
     return;
   }
   const auto colon = line.find(':');
@@ -274,7 +271,7 @@ std::size_t CHttpExchange::takeIntoResponse(const char* data, std::size_t size) 
   const std::size_t room =
       HttpResponse::kBodyLimit - std::min(HttpResponse::kBodyLimit, body.size());
   body.append(data, std::min(room, size));
-  // A download need not read the whole of a page that is only there to explain a refusal.
+  // A download does not read a long page that only explains a refusal.
   bodyCut_ = body_ == nullptr && room < size;
   return bodyCut_ ? 0 : size;
 }

@@ -11,24 +11,24 @@
 #include "http/curl_handles.h"
 #include "http/http_loop.h"
 #include "http/http_response.h"
+#include "http/redirect.h"
 
 namespace zt_transfers {
 
-// How long nothing may move.
+// The longest time without traffic.
 inline constexpr std::chrono::seconds kDefaultTimeout{60};
 
 struct HttpRequest {
   std::string method = "PUT";
   std::string url;
-  std::vector<std::pair<std::string, std::string>> headers;
-  std::uint64_t bodySize = 0;      // bytes; always sent as Content-Length where there is a body
-  std::uint64_t responseSize = 0;  // bytes that are expected, at most; 0: not known
+  HttpHeaders headers;
+  std::uint64_t bodySize = 0;      // bytes; sent as Content-Length if the request has a body
+  std::uint64_t responseSize = 0;  // bytes that are expected at most; 0: unknown
   std::string proxy;               // empty: the system's
-  std::string userAgent;
   std::chrono::seconds timeout = kDefaultTimeout;
 };
 
-// Where a request's body comes from. Thread: the loop's.
+// The source of a request's body. Thread: the loop's.
 class IHttpBody {
  public:
   enum class Read { kData, kLater, kBroken };
@@ -36,25 +36,24 @@ class IHttpBody {
   // Copies up to `room` bytes to `to` and gives their number in `copied`. After kLater the body
   // calls CHttpExchange::resumeBody when it has more; kBroken ends the exchange.
   virtual Read read(char* to, std::size_t room, std::size_t& copied) = 0;
-  // All of it, where it is in memory: goes out together with the head, and must stay there until
-  // the exchange is gone. Nothing: it is read.
+  // The whole body if it is in memory: it is sent together with the head and must stay valid until
+  // the exchange is destroyed. Empty: the body is read.
   virtual std::string_view takeAll() { return {}; }
-  // Begins again from the first byte, if it can: libcurl needs that when a connection that was
-  // kept open turns out to be dead.
+  // Starts again with the first byte and returns whether it can: libcurl needs that when a
+  // connection that was kept open turns out to be dead.
   virtual bool rewind() = 0;
 
  protected:
   ~IHttpBody() = default;
 };
 
-// Where an answer's body goes. Thread: the loop's.
+// The receiver of a response's body. Thread: the loop's.
 class IHttpSink {
  public:
   enum class Write {
     kTaken,
-    kLater,       // the same bytes come again after CHttpExchange::resumeBody
-    kToResponse,  // they are no content: they go to HttpResponse::body, and none after them comes
-                  // here
+    kLater,       // the same bytes are passed again after CHttpExchange::resumeBody
+    kToResponse,  // these bytes and all that follow go to HttpResponse::body instead
     kBroken,      // ends the exchange
   };
 
@@ -65,18 +64,19 @@ class IHttpSink {
   ~IHttpSink() = default;
 };
 
-// One request and its answer. Destroying it before the answer ends it silently.
+// One request and its response, without redirects. Destruction before the response ends it without
+// a report.
 //
-// Thread: the loop's. `done` is called from the loop, never from within begin, and may destroy
-// the exchange.
+// Thread: the loop's. `done` is never called from within the constructor; its receiver retires the
+// exchange.
 class CHttpExchange {
  public:
   using Done = std::function<void(HttpResponse)>;
 
   static constexpr std::chrono::seconds kConnectLimit{30};
 
-  // A request with a body, or one whose answer has a body; either must outlive the exchange.
-  // Throws std::invalid_argument for a request that cannot be sent (a header that is none).
+  // A request with a body, or one whose response has a body; either must outlive the exchange.
+  // Throws std::invalid_argument for a request that cannot be sent because a header is malformed.
   CHttpExchange(CHttpLoop& loop, const HttpRequest& request, IHttpBody& body, Done done);
   CHttpExchange(CHttpLoop& loop, const HttpRequest& request, IHttpSink& sink, Done done);
   ~CHttpExchange();
@@ -116,7 +116,7 @@ class CHttpExchange {
   HttpResponse response_;
   char errorText_[CURL_ERROR_SIZE] = "";
   bool bodyPaused_ = false;
-  bool bodyCut_ = false;  // more than is kept of an answer that is no content
+  bool bodyCut_ = false;  // the response's body exceeds the limit of HttpResponse
   std::uint64_t movedBytes_ = 0;
   TimePoint movedAt_{};
 };

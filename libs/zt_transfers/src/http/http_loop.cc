@@ -14,13 +14,13 @@ namespace {
 constexpr std::chrono::seconds kStallCheckInterval{1};
 constexpr long kConnectionsKept = 64;
 
-// Shorter ones do connections no harm.
+// Connections survive shorter ones.
 constexpr std::chrono::seconds kNoticedSleep{5};
-// libcurl takes no connection again that was idle for longer than this anyway.
+// libcurl does not reuse connections that were idle for longer than this anyway.
 constexpr std::chrono::seconds kLongestIdle{118};
 
 CURLM* newMulti() {
-  // Process-wide and for good; the manager's library users may use libcurl as well.
+  // Process-wide and never undone, because the program may use libcurl as well.
   static const CURLcode ready = curl_global_init(CURL_GLOBAL_DEFAULT);
   CURLM* multi = ready == CURLE_OK ? curl_multi_init() : nullptr;
   if (multi == nullptr) {
@@ -85,7 +85,7 @@ void CHttpLoop::post(std::function<void()> task) {
     }
     tasks_.push_back(std::move(task));
     if (tasks_.size() > 1) {
-      return;  // who posted the first has woken the loop
+      return;  // the first task's thread has woken the loop
     }
   }
   wake();
@@ -121,7 +121,7 @@ void CHttpLoop::run(const Tick& tick) {
 
 // False when the loop is to end.
 bool CHttpLoop::runTasks() {
-  // Whoever wakes the loop from here on has posted something new.
+  // From here on every wake-up means a new task.
   woken_.exchange(false);
   again_ = false;
   std::vector<std::function<void()>> tasks;
@@ -148,7 +148,7 @@ bool CHttpLoop::finishExchanges() {
     void* exchange = nullptr;
     curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &exchange);
     any = true;
-    // The message is gone once the exchange removes its handle.
+    // The message is invalid once the exchange has removed its handle.
     const CURLcode code = message->data.result;
     static_cast<CHttpExchange*>(exchange)->finish(code);
   }
@@ -167,24 +167,24 @@ void CHttpLoop::checkStalls(TimePoint now) {
     }
   }
   for (CHttpExchange* exchange : stalled) {
-    // One of several for a file may have ended the others.
+    // The end of one request for a file may have ended the others.
     if (exchanges_.count(exchange) != 0) {
       exchange->finish(CURLE_OPERATION_TIMEDOUT);
     }
   }
 }
 
-// What was open when the machine went to sleep is likely dead, and the other side does not say so.
+// Connections that were open when the machine went to sleep are probably dead, without any notice.
 void CHttpLoop::noticeSleep(TimePoint now) {
   const Duration slept = clock_.slept();
   if (slept - slept_ >= kNoticedSleep) {
     woke_ = now;
-    stallsChecked_ = {};  // who waited for a minute before it need not wait for another
+    stallsChecked_ = {};  // an exchange that already waited for a minute does not wait for another
   }
   slept_ = slept;
 }
 
-// No connection that was used before the machine slept is used again.
+// Connections from before the machine slept are not reused.
 void CHttpLoop::avoidDeadConnections(CURL* easy) {
   if (!woke_) {
     return;
@@ -200,8 +200,8 @@ void CHttpLoop::avoidDeadConnections(CURL* easy) {
 }
 
 void CHttpLoop::waitForTraffic(std::optional<TimePoint> due, bool atOnce) {
-  // Without anything to do the thread sleeps until it is woken. The wait itself does not go on
-  // while the machine sleeps, so that one for something that is due must be short.
+  // An idle thread sleeps until it is woken. The wait's clock stops while the machine sleeps, so a
+  // wait for a point in time must be short.
   const bool idle = exchanges_.empty() && !due;
   Duration limit = idle ? Duration(std::chrono::hours(1)) : kStallCheckInterval;
   if (due) {
@@ -211,7 +211,7 @@ void CHttpLoop::waitForTraffic(std::optional<TimePoint> due, bool atOnce) {
     limit = Duration::zero();
   }
   sleeping_ = true;
-  // Who called before that has not woken it.
+  // A call before that has not woken the thread.
   const auto milliseconds =
       woken_ ? 0 : std::chrono::ceil<std::chrono::milliseconds>(limit).count();
   curl_multi_poll(multi_.get(), nullptr, 0, static_cast<int>(milliseconds), nullptr);

@@ -25,11 +25,11 @@ class CHttpExchange;
 // One thread that carries HTTP exchanges over libcurl's multi interface, whose connections they
 // share.
 //
-// Thread: start and stop by the owner; post and wake from any thread; everything
-// else on the loop's own thread, on which posted tasks and all answers run.
+// Thread: start, stop and setUserAgent on the owner's; post and wake on any; everything else on the
+// loop's own thread, which also runs posted tasks and all callbacks.
 class CHttpLoop {
  public:
-  // Called once a turn; gives the time at which it wants another one at the latest.
+  // Called once a round; returns when the next round must start at the latest.
   using Tick = std::function<std::optional<TimePoint>()>;
 
   CHttpLoop(std::string name, const IClock& clock);
@@ -37,13 +37,13 @@ class CHttpLoop {
   CHttpLoop(const CHttpLoop&) = delete;
   CHttpLoop& operator=(const CHttpLoop&) = delete;
 
-  // `last` runs on the loop's thread when it ends; after it no exchange may be left.
+  // `last` runs on the loop's thread when it ends and must destroy all exchanges.
   void start(Tick tick, std::function<void()> last);
-  // Joins the thread. Tasks that were posted and not run are dropped.
+  // Joins the thread. Posted tasks that have not run are dropped.
   void stop();
 
   void wake();
-  // Dropped when the loop does not run.
+  // The task is dropped when the loop does not run.
   void post(std::function<void()> task);
 
   // Keeps an object that has finished until the end of the loop's round, when none of its functions
@@ -52,6 +52,10 @@ class CHttpLoop {
   void retire(std::unique_ptr<Object> object) {
     retired_.add(std::move(object));
   }
+
+  // Sent with every request. Call it while the loop does not run.
+  void setUserAgent(std::string userAgent) { userAgent_ = std::move(userAgent); }
+  const std::string& userAgent() const { return userAgent_; }
 
   void assertOnLoop() const;
   CThrottle& throttle() { return throttle_; }
@@ -73,12 +77,13 @@ class CHttpLoop {
   void waitForTraffic(std::optional<TimePoint> due, bool atOnce);
 
   const std::string name_;
+  std::string userAgent_;  // constant while the loop runs
   const IClock& clock_;
   const CurlMulti multi_;
   std::thread thread_;
   std::atomic<std::thread::id> loopThread_{};
-  std::atomic<bool> sleeping_ = false;  // only then somebody has to wake it
-  std::atomic<bool> woken_ = false;     // and has not got to it yet
+  std::atomic<bool> sleeping_ = false;  // only then it has to be woken
+  std::atomic<bool> woken_ = false;     // and has not noticed it yet
 
   CMutex mutex_;
   std::vector<std::function<void()>> tasks_ GUARDED_BY(mutex_);
@@ -89,9 +94,9 @@ class CHttpLoop {
   std::set<CHttpExchange*> exchanges_;
   std::vector<CurlEasy> idle_;
   TimePoint stallsChecked_{};
-  Duration slept_{};               // until the last turn
+  Duration slept_{};               // until the last round
   std::optional<TimePoint> woke_;  // when the machine last woke up
-  bool again_ = false;             // another turn is due at once
+  bool again_ = false;             // another round is due at once
   CRetired retired_;
 };
 

@@ -9,20 +9,20 @@
 
 namespace zt_transfers {
 
-// What came back for a request.
+// A server's response to one request.
 struct HttpResponse {
   static constexpr std::size_t kBodyLimit =
-      std::size_t{64} * 1024;  // bytes kept of an answer's body
+      std::size_t{64} * 1024;  // bytes that are kept of a body
 
-  CURLcode code = CURLE_OK;  // anything else: no whole answer came
-  std::string error;         // what libcurl says about `code`
-  bool stalled = false;      // given up because nothing moved
+  CURLcode code = CURLE_OK;  // anything else: the response is incomplete
+  std::string error;         // libcurl's text for `code`
+  bool stalled = false;      // ended for lack of traffic
   long status = 0;
   std::map<std::string, std::string, std::less<>> headers;  // names in lower case
   std::string body;                                         // its beginning
   std::uint64_t bytesSent = 0;                              // of the request's body
 
-  // Empty when there is none.
+  // Empty without such a header.
   std::string_view header(std::string_view lowerCaseName) const {
     const auto found = headers.find(lowerCaseName);
     return found == headers.end() ? std::string_view() : std::string_view(found->second);

@@ -79,4 +79,19 @@ HttpHeaders headersAfterRedirect(const HttpHeaders& headers, std::string_view fr
   return kept;
 }
 
+bool CRedirects::follow(const HttpResponse& response, ILog& log) {
+  if (response.code != CURLE_OK || !isRedirect(response.status) || left_ == 0) {
+    return false;
+  }
+  const auto target = redirectTarget(url_, response);
+  if (!target) {
+    return false;
+  }
+  --left_;
+  log.information("Redirected from " + loggableUrl(url_) + " to " + loggableUrl(*target));
+  headers_ = headersAfterRedirect(headers_, url_, *target);
+  url_ = *target;
+  return true;
+}
+
 }  // namespace zt_transfers

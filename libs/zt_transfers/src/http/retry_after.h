@@ -7,8 +7,8 @@
 
 namespace zt_transfers {
 
-// What a Retry-After header asks for, given in seconds or as a date; never negative. Nothing
-// for an empty or malformed one. `now` in seconds since 1970.
+// The wait in a Retry-After header, which is given in seconds or as a date; never negative.
+// std::nullopt for an empty or malformed header. `now` in seconds since 1970.
 std::optional<std::chrono::milliseconds> parseRetryAfter(std::string_view value, std::int64_t now);
 
 }  // namespace zt_transfers

@@ -139,6 +139,7 @@ void CManagerCore::startup() {
   dispatcher_.start();
   sleepGuard_.start();
   pool_.start(kPoolSize);
+  loop_.setUserAgent(CZtTransfersGlobalConfig::getInstance()->userAgent());
   loop_.throttle().setRate(throttle_, clock_.now());  // before anything is begun
   loop_.start([this] { return tick(); },
               [this] {

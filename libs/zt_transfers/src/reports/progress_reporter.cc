@@ -114,11 +114,13 @@ void CProgressReporter::send(std::int32_t groupId, Group& group, TimePoint now) 
   if (!report || report->shot.state == kGroupIdle) {
     return;
   }
-  const auto* config = CZtTransfersGlobalConfig::getInstance();
-  HttpRequest request;
-  request.url = reportUrl(config->restEndPointUrl(), report->shot.bucketId);
-  request.userAgent = config->userAgent();
-  request.headers.emplace_back("X-Zantrio-Token", report->token);
+  CTextRequest::Request request{
+      .method = "POST",
+      .url = reportUrl(CZtTransfersGlobalConfig::getInstance()->restEndPointUrl(),
+                       report->shot.bucketId),
+      .headers = {{"X-Zantrio-Token", report->token}, {"Content-Type", "application/json"}},
+      .body = reportText(direction_, *report),
+      .maxRedirects = 0};
   {
     const CMutexLock lock(mutex_);
     request.proxy = proxy_;
@@ -127,8 +129,8 @@ void CProgressReporter::send(std::int32_t groupId, Group& group, TimePoint now) 
     return;
   }
   try {
-    group.request = std::make_unique<CReportRequest>(
-        dependencies_.loop, std::move(request), reportText(direction_, *report),
+    group.request = std::make_unique<CTextRequest>(
+        dependencies_.loop, dependencies_.log, std::move(request),
         [this, groupId](const HttpResponse& response) { answered(groupId, response); });
   } catch (const std::exception& error) {
     failed(error.what());

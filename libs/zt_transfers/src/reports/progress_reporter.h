@@ -11,8 +11,8 @@
 #include "base/mutex.h"
 #include "engine/transfer_engine.h"
 #include "http/http_loop.h"
+#include "http/text_request.h"
 #include "reports/report_interval.h"
-#include "reports/report_request.h"
 
 namespace zt_transfers {
 
@@ -62,7 +62,7 @@ class CProgressReporter {
     bool changed = false;  // a report is due at once
     bool repeats = false;  // it transfers, so reports repeat
     TimePoint begun{};     // when the last report was sent
-    std::unique_ptr<CReportRequest> request;
+    std::unique_ptr<CTextRequest> request;
   };
 
   static std::optional<TimePoint> dueOf(const Group& group, Duration interval);

@@ -5,15 +5,13 @@
 #include <stdexcept>
 #include <utility>
 
-#include "zt_transfers/global_config.h"
-
 namespace zt_transfers {
 
 CFileRequest::CFileRequest(const UploadDependencies& dependencies, Order order, IListener& listener)
     : dependencies_(dependencies),
       order_(std::move(order)),
       listener_(listener),
-      place_(order_.url, order_.headers) {}
+      redirects_(order_.url, order_.headers) {}
 
 void CFileRequest::enter(State next) {
   if (!mayFollow(state_, next)) {
@@ -62,11 +60,10 @@ void CFileRequest::onSourceOpened(const SourceVersion& version) {
 
 void CFileRequest::send() {
   HttpRequest request;
-  request.url = place_.url();
-  request.headers = place_.headers();
+  request.url = redirects_.url();
+  request.headers = redirects_.headers();
   request.bodySize = size_;
   request.proxy = order_.proxy;
-  request.userAgent = CZtTransfersGlobalConfig::getInstance()->userAgent();
   try {
     exchange_ = std::make_unique<CHttpExchange>(
         dependencies_.loop, request, *this,
@@ -124,7 +121,7 @@ bool CFileRequest::rewind() {
 
 void CFileRequest::onResponse(const HttpResponse& response) {
   dependencies_.loop.retire(std::move(exchange_));
-  if (place_.follow(response, dependencies_.log)) {
+  if (redirects_.follow(response, dependencies_.log)) {
     enter(State::kOpening);
     listener_.onRequestMoved(*this);
     return;

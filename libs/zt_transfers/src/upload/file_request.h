@@ -5,7 +5,7 @@
 #include <string>
 
 #include "http/http_exchange.h"
-#include "http/request_place.h"
+#include "http/redirect.h"
 #include "http/throttle.h"
 #include "upload/upload_dependencies.h"
 #include "upload/upload_source.h"
@@ -95,7 +95,7 @@ class CFileRequest final : public CUploadSource::IListener,
   IListener& listener_;
 
   State state_ = State::kOpening;
-  CRequestPlace place_;
+  CRedirects redirects_;
   std::uint64_t size_ = 0;
   std::uint64_t sent_ = 0;
   std::string md5_;

@@ -17,7 +17,7 @@ void CMultipartAborter::abort(const CleanupTask& order) {
     dependencies_.observer.onCleanedUp(id, outcome);
   };
   try {
-    *request = std::make_unique<CStoreRequest>(
+    *request = std::make_unique<CTextRequest>(
         dependencies_.loop, dependencies_.log,
         abortRequest(order.orphan.resume.upload(), order.proxy), done);
   } catch (const std::exception& error) {
@@ -26,7 +26,7 @@ void CMultipartAborter::abort(const CleanupTask& order) {
   }
 }
 
-void CMultipartAborter::abortOnceBegun(std::unique_ptr<CStoreRequest> initiation,
+void CMultipartAborter::abortOnceBegun(std::unique_ptr<CTextRequest> initiation,
                                        const UploadSession& session) {
   const auto request = requests_.insert(requests_.end(), std::move(initiation));
   (*request)->setDone([this, request, session](const HttpResponse& response) {

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "engine/attempt.h"
-#include "upload/store_request.h"
+#include "http/text_request.h"
 #include "upload/upload_dependencies.h"
 
 namespace zt_transfers {
@@ -21,11 +21,11 @@ class CMultipartAborter {
   void abort(const CleanupTask& order);
   // Takes over a request that initiates an upload. The upload that it initiates is reported as an
   // orphan; `session` has its URL and headers.
-  void abortOnceBegun(std::unique_ptr<CStoreRequest> initiation, const UploadSession& session);
+  void abortOnceBegun(std::unique_ptr<CTextRequest> initiation, const UploadSession& session);
   void clear() { requests_.clear(); }
 
  private:
-  using Requests = std::list<std::unique_ptr<CStoreRequest>>;
+  using Requests = std::list<std::unique_ptr<CTextRequest>>;
 
   void retire(Requests::iterator request);
 

@@ -25,7 +25,7 @@ void CMultipartRecovery::enter(State next) {
 
 void CMultipartRecovery::list(std::uint32_t after) {
   after_ = after;
-  request_ = std::make_unique<CStoreRequest>(
+  request_ = std::make_unique<CTextRequest>(
       dependencies_.loop, dependencies_.log, listRequest(order_.session, after, order_.proxy),
       [this](const HttpResponse& response) { onListed(response); });
 }

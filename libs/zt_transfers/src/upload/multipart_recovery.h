@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "engine/upload_session.h"
+#include "http/text_request.h"
 #include "upload/multipart_messages.h"
 #include "upload/source_digest.h"
-#include "upload/store_request.h"
 #include "upload/upload_dependencies.h"
 
 namespace zt_transfers {
@@ -83,7 +83,7 @@ class CMultipartRecovery {
   std::uint32_t after_ = 0;  // the page under way lists the parts after this number
   std::vector<ListedPart> doubtful_;
   std::vector<SentPart> taken_;
-  std::unique_ptr<CStoreRequest> request_;
+  std::unique_ptr<CTextRequest> request_;
   std::unique_ptr<CSourceDigest> digest_;
 };
 

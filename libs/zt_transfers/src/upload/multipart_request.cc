@@ -34,20 +34,20 @@ std::string idQuery(const UploadSession& session) {
   return "uploadId=" + percentEncoded(session.uploadId);
 }
 
-CStoreRequest::Request request(const char* method, std::string url, HttpHeaders headers,
-                               const std::string& proxy) {
+CTextRequest::Request request(const char* method, std::string url, HttpHeaders headers,
+                              const std::string& proxy) {
   return {.method = method, .url = std::move(url), .headers = std::move(headers), .proxy = proxy};
 }
 
 }  // namespace
 
-CStoreRequest::Request initiationRequest(const UploadSession& session, const std::string& proxy) {
+CTextRequest::Request initiationRequest(const UploadSession& session, const std::string& proxy) {
   return request("POST", withQuery(session.url, "uploads"),
                  without(session.headers, isDigestOfTheWhole), proxy);
 }
 
-CStoreRequest::Request listRequest(const UploadSession& session, std::uint32_t after,
-                                   const std::string& proxy) {
+CTextRequest::Request listRequest(const UploadSession& session, std::uint32_t after,
+                                  const std::string& proxy) {
   std::string query = idQuery(session) + "&max-parts=" + std::to_string(kPartsOnAPage);
   if (after != 0) {
     query += "&part-number-marker=" + std::to_string(after);
@@ -55,8 +55,8 @@ CStoreRequest::Request listRequest(const UploadSession& session, std::uint32_t a
   return request("GET", withQuery(session.url, query), partHeaders(session), proxy);
 }
 
-CStoreRequest::Request completionRequest(const UploadSession& session, const std::string& proxy) {
-  CStoreRequest::Request completion =
+CTextRequest::Request completionRequest(const UploadSession& session, const std::string& proxy) {
+  CTextRequest::Request completion =
       request("POST", withQuery(session.url, idQuery(session)), partHeaders(session), proxy);
   completion.headers.emplace_back("Content-Type", "application/xml");
   completion.body = completionOf(session.parts);
@@ -64,11 +64,11 @@ CStoreRequest::Request completionRequest(const UploadSession& session, const std
   return completion;
 }
 
-CStoreRequest::Request abortRequest(const UploadSession& session, const std::string& proxy) {
+CTextRequest::Request abortRequest(const UploadSession& session, const std::string& proxy) {
   return request("DELETE", withQuery(session.url, idQuery(session)), partHeaders(session), proxy);
 }
 
-CStoreRequest::Request lookUpRequest(const UploadSession& session, const std::string& proxy) {
+CTextRequest::Request lookUpRequest(const UploadSession& session, const std::string& proxy) {
   return request("HEAD", session.url, partHeaders(session), proxy);
 }
 

@@ -4,20 +4,20 @@
 #include <string>
 
 #include "engine/upload_session.h"
-#include "upload/store_request.h"
+#include "http/text_request.h"
 
 namespace zt_transfers {
 
 // The requests of a multipart upload, except for the bodies of its parts.
 
-CStoreRequest::Request initiationRequest(const UploadSession& session, const std::string& proxy);
+CTextRequest::Request initiationRequest(const UploadSession& session, const std::string& proxy);
 // Lists the parts after number `after`.
-CStoreRequest::Request listRequest(const UploadSession& session, std::uint32_t after,
-                                   const std::string& proxy);
-CStoreRequest::Request completionRequest(const UploadSession& session, const std::string& proxy);
-CStoreRequest::Request abortRequest(const UploadSession& session, const std::string& proxy);
+CTextRequest::Request listRequest(const UploadSession& session, std::uint32_t after,
+                                  const std::string& proxy);
+CTextRequest::Request completionRequest(const UploadSession& session, const std::string& proxy);
+CTextRequest::Request abortRequest(const UploadSession& session, const std::string& proxy);
 // HEAD of the object.
-CStoreRequest::Request lookUpRequest(const UploadSession& session, const std::string& proxy);
+CTextRequest::Request lookUpRequest(const UploadSession& session, const std::string& proxy);
 
 std::string partUrl(const UploadSession& session, std::uint32_t number);
 // The page's headers without those that describe the whole content.

@@ -73,15 +73,15 @@ void CMultipartUpload::enter(State next) {
 }
 
 // Ends the attempt when the request cannot be sent.
-void CMultipartUpload::request(CStoreRequest::Request request,
+void CMultipartUpload::request(CTextRequest::Request request,
                                void (CMultipartUpload::*onResponse)(const HttpResponse&)) {
   try {
     request_ =
-        std::make_unique<CStoreRequest>(dependencies_.loop, dependencies_.log, std::move(request),
-                                        [this, onResponse](const HttpResponse& response) {
-                                          dependencies_.loop.retire(std::move(request_));
-                                          (this->*onResponse)(response);
-                                        });
+        std::make_unique<CTextRequest>(dependencies_.loop, dependencies_.log, std::move(request),
+                                       [this, onResponse](const HttpResponse& response) {
+                                         dependencies_.loop.retire(std::move(request_));
+                                         (this->*onResponse)(response);
+                                       });
   } catch (const std::exception& error) {
     end(AttemptOutcome::final(error.what(), failure::kBadRequest));
   }
@@ -284,7 +284,7 @@ void CMultipartUpload::onLookedUp(const HttpResponse& response) {
   }
 }
 
-std::unique_ptr<CStoreRequest> CMultipartUpload::takeInitiation() {
+std::unique_ptr<CTextRequest> CMultipartUpload::takeInitiation() {
   return state_ == State::kInitiating ? std::move(request_) : nullptr;
 }
 

@@ -5,10 +5,10 @@
 #include <string>
 
 #include "engine/attempt.h"
+#include "http/text_request.h"
 #include "upload/multipart_recovery.h"
 #include "upload/part_sender.h"
 #include "upload/session_flush.h"
-#include "upload/store_request.h"
 #include "upload/upload_dependencies.h"
 
 namespace zt_transfers {
@@ -93,7 +93,7 @@ class CMultipartUpload final : public CPartSender::IListener {
   // A slot for another request may be free.
   void onSlotFree() { sender_.fill(); }
   // The request that initiates the upload, if it is under way; session() says for which URL.
-  std::unique_ptr<CStoreRequest> takeInitiation();
+  std::unique_ptr<CTextRequest> takeInitiation();
   const UploadSession& session() const { return session_; }
 
  private:
@@ -116,7 +116,7 @@ class CMultipartUpload final : public CPartSender::IListener {
   void onCompleted(const HttpResponse& response);
   void onLookedUp(const HttpResponse& response);
 
-  void request(CStoreRequest::Request request,
+  void request(CTextRequest::Request request,
                void (CMultipartUpload::*onResponse)(const HttpResponse&));
   void abandonSession();
   void dropSession();
@@ -139,7 +139,7 @@ class CMultipartUpload final : public CPartSender::IListener {
   bool askedToComplete_ = false;  // in this attempt
   TimePoint savedAt_{};           // when the session was last persisted
 
-  std::unique_ptr<CStoreRequest> request_;
+  std::unique_ptr<CTextRequest> request_;
   std::unique_ptr<CMultipartRecovery> recovery_;
   std::unique_ptr<CSessionFlush> flush_;
   CPartSender sender_;

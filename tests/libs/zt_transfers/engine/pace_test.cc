@@ -2,7 +2,7 @@
 
 #include "engine/rate_meter.h"
 #include "engine/retry_policy.h"
-#include "http/token_bucket.h"
+#include "http/throttle.h"
 
 namespace zt_transfers::test {
 namespace {

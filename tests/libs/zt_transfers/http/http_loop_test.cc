@@ -40,7 +40,7 @@ class HttpLoop : public ::testing::Test, public IHttpSink {
           loop, request, static_cast<IHttpSink&>(*this),
           [this, promise, at = exchanges.size()](const HttpResponse& response) {
             if (!keepsEnded) {
-              exchanges[at].reset();
+              loop.retire(std::move(exchanges[at]));
             }
             promise->set_value(response);
           }));

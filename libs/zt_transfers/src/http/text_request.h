@@ -7,16 +7,16 @@
 
 #include "base/log.h"
 #include "http/http_exchange.h"
-#include "http/request_place.h"
+#include "http/redirect.h"
 
 namespace zt_transfers {
 
-// A small request to an object store, whose response is a text; follows redirects. Destruction
-// ends it without a report.
+// A request whose body, if any, and whose response are texts in memory. Follows redirects.
+// Destruction ends it without a report.
 //
 // Thread: the loop's. `done` is never called from within the constructor; its receiver retires the
 // request.
-class CStoreRequest final : public IHttpBody, public IHttpSink {
+class CTextRequest final : public IHttpBody, public IHttpSink {
  public:
   static constexpr std::size_t kMaxText = std::size_t{4} * 1024 * 1024;  // bytes of a response
 
@@ -27,11 +27,12 @@ class CStoreRequest final : public IHttpBody, public IHttpSink {
     std::string body{};
     std::string proxy{};
     std::chrono::seconds timeout = kDefaultTimeout;  // without any traffic
+    int maxRedirects = CRedirects::kMax;
   };
   using Done = std::function<void(const HttpResponse&)>;
 
   // Throws std::invalid_argument for a request that cannot be sent.
-  CStoreRequest(CHttpLoop& loop, ILog& log, Request request, Done done);
+  CTextRequest(CHttpLoop& loop, ILog& log, Request request, Done done);
 
   // Another owner takes over.
   void setDone(Done done) { done_ = std::move(done); }
@@ -48,7 +49,7 @@ class CStoreRequest final : public IHttpBody, public IHttpSink {
   ILog& log_;
   const Request request_;
   Done done_;
-  CRequestPlace place_;
+  CRedirects redirects_;
   std::size_t sent_ = 0;
   std::string text_;
   std::unique_ptr<CHttpExchange> exchange_;

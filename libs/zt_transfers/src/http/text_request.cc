@@ -1,32 +1,29 @@
-#include "upload/store_request.h"
+#include "http/text_request.h"
 
 #include <algorithm>
 #include <cstring>
 #include <utility>
 
-#include "zt_transfers/global_config.h"
-
 namespace zt_transfers {
 
-CStoreRequest::CStoreRequest(CHttpLoop& loop, ILog& log, Request request, Done done)
+CTextRequest::CTextRequest(CHttpLoop& loop, ILog& log, Request request, Done done)
     : loop_(loop),
       log_(log),
       request_(std::move(request)),
       done_(std::move(done)),
-      place_(request_.url, request_.headers) {
+      redirects_(request_.url, request_.headers, request_.maxRedirects) {
   send();
 }
 
-void CStoreRequest::send() {
+void CTextRequest::send() {
   sent_ = 0;
   text_.clear();
   HttpRequest request;
   request.method = request_.method;
-  request.url = place_.url();
-  request.headers = place_.headers();
+  request.url = redirects_.url();
+  request.headers = redirects_.headers();
   request.bodySize = request_.body.size();
   request.proxy = request_.proxy;
-  request.userAgent = CZtTransfersGlobalConfig::getInstance()->userAgent();
   request.timeout = request_.timeout;
   const auto answered = [this](HttpResponse response) { onResponse(std::move(response)); };
   if (request_.method == "POST") {
@@ -38,9 +35,9 @@ void CStoreRequest::send() {
   }
 }
 
-void CStoreRequest::onResponse(HttpResponse response) {
+void CTextRequest::onResponse(HttpResponse response) {
   loop_.retire(std::move(exchange_));
-  if (place_.follow(response, log_)) {
+  if (redirects_.follow(response, log_)) {
     send();
     return;
   }
@@ -50,20 +47,19 @@ void CStoreRequest::onResponse(HttpResponse response) {
   done_(response);
 }
 
-IHttpBody::Read CStoreRequest::read(char* to, std::size_t room, std::size_t& copied) {
+IHttpBody::Read CTextRequest::read(char* to, std::size_t room, std::size_t& copied) {
   copied = std::min(room, request_.body.size() - sent_);
   std::memcpy(to, request_.body.data() + sent_, copied);
   sent_ += copied;
   return Read::kData;
 }
 
-bool CStoreRequest::rewind() {
+bool CTextRequest::rewind() {
   sent_ = 0;
   return true;
 }
 
-IHttpSink::Write CStoreRequest::write(const HttpResponse& head, const char* data,
-                                      std::size_t size) {
+IHttpSink::Write CTextRequest::write(const HttpResponse& head, const char* data, std::size_t size) {
   if (head.status != 200) {
     return Write::kToResponse;
   }

@@ -43,7 +43,7 @@ class Library(Program):
 
     def explain(self, work):
         log = work / "state/zt_transfers.log"
-        failed = [line for line in log.read_text().splitlines() if ": failed: " in line] if log.exists() else []
+        failed = [line for line in log.read_text().splitlines() if ": failed" in line] if log.exists() else []
         return "".join(f"\n  {line}" for line in failed[:3])
 
 

@@ -11,7 +11,7 @@
 namespace zt_transfers {
 
 // The library's log file, one line a message:
-//   [11-22-26 21:24:05:123] [12345 zt-net-upload] [Information] message
+//   [11-22-26 21:24:05:123] [12345 zt-net-up] [Information] message
 // Past its size limit it becomes "<name>.0" (an older one of that name is dropped) and a new file
 // begins.
 //

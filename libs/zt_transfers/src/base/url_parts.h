@@ -6,7 +6,8 @@
 namespace zt_transfers {
 
 // The URL as it may be written to a log: without user information, query and fragment, which
-// can hold credentials and signatures, and without control characters.
+// can hold credentials and signatures, and without control characters. A multipart upload's
+// session is resumed only if this text is still the same, so a change here ends stored sessions.
 std::string loggableUrl(std::string_view url);
 
 // Scheme, host and port in a form that compares equal for the same server ("http://h:80").

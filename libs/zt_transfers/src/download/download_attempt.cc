@@ -5,36 +5,23 @@
 #include <stdexcept>
 #include <utility>
 
-#include "base/ascii.h"
 #include "base/url_parts.h"
 #include "engine/response_verdict.h"
 
 namespace zt_transfers {
 namespace {
 
-constexpr std::uint64_t kMebibyte = 1024 * 1024;
-
 // In bytes a second. A faster request is not limited by its connection, and further ones would not
 // pay.
 constexpr double kFastRequest = 200e6;
 constexpr std::chrono::milliseconds kMinMeasurement{250};
 
-// Progress that refunds the retry.
-constexpr std::uint64_t kRetryRefund = kMebibyte;
+constexpr std::uint64_t kRetryRefund = 1024 * 1024;  // bytes of progress that refund the retry
 
-std::string text(std::uint64_t number) {
-  return std::to_string(number);
-}
-
-CPartialFile::Plan planOf(const StartOrder& order) {
-  CPartialFile::Plan plan;
-  plan.folder = order.folder;
-  plan.target = parseTargetPath(order.spec.location);
-  plan.key = std::to_string(order.file.groupId) + '\0' + order.spec.fileId;
-  plan.size = order.spec.size;
-  plan.modified = order.spec.modified;
-  plan.md5 = loweredAscii(order.spec.contentMd5);
-  return plan;
+AttemptOutcome wrongSize(std::uint64_t size, std::uint64_t expected) {
+  return AttemptOutcome::retry(
+      "the server has " + std::to_string(size) + " bytes instead of " + std::to_string(expected),
+      failure::kWrongSize);
 }
 
 }  // namespace
@@ -61,8 +48,8 @@ CDownloadAttempt::~CDownloadAttempt() {
 
 void CDownloadAttempt::enter(State next) {
   if (!mayFollow(state_, next)) {
-    throw std::logic_error("a download's state " + text(static_cast<unsigned>(state_)) +
-                           " cannot become " + text(static_cast<unsigned>(next)));
+    throw std::logic_error("a download's state " + std::to_string(static_cast<unsigned>(state_)) +
+                           " cannot become " + std::to_string(static_cast<unsigned>(next)));
   }
   state_ = next;
   if (next == State::kFlushing || next == State::kEnded) {
@@ -79,8 +66,8 @@ void CDownloadAttempt::begin() {
   try {
     writer_ = std::make_shared<CPartialWriter>(
         dependencies_, order_.attemptId,
-        std::make_shared<CPartialFile>(dependencies_.fileOps, planOf(order_)), order_.progress,
-        *this);
+        std::make_shared<CPartialFile>(dependencies_.fileOps, CPartialFile::planFor(order_)),
+        order_.progress, *this);
   } catch (const std::exception& error) {
     report(AttemptOutcome::final(error.what(), failure::kUnsafePath));
     return;
@@ -210,9 +197,7 @@ bool CDownloadAttempt::onHead(CRangeFetch& fetch, const FetchPlan& plan) {
   }
   const std::uint64_t expected = order_.spec.size;
   if (expected != 0 && plan.size && *plan.size != expected) {
-    refusal_ = AttemptOutcome::retry(
-        "the server has " + text(*plan.size) + " bytes instead of " + text(expected),
-        failure::kWrongSize);
+    refusal_ = wrongSize(*plan.size, expected);
     return false;
   }
   planner_.noteServer(fetch.rangeRequest(), plan);
@@ -293,7 +278,7 @@ void CDownloadAttempt::judgeFailed(CRangeFetch& fetch, const AttemptOutcome& out
     finish(outcome);
     return;
   }
-  log_.information("One of " + text(fetches_.size()) + " requests for " +
+  log_.information("One of " + std::to_string(fetches_.size()) + " requests for " +
                    loggableUrl(order_.spec.url) +
                    " failed, the others fetch its range: " + outcome.reason);
   planner_.giveBack(fetch.remaining());
@@ -305,9 +290,7 @@ void CDownloadAttempt::judgeFailed(CRangeFetch& fetch, const AttemptOutcome& out
 void CDownloadAttempt::judgeComplete(CRangeFetch& fetch) {
   const std::uint64_t there = fetch.rangeRequest().begin;
   if (order_.spec.size != 0 && there != order_.spec.size) {
-    finish(AttemptOutcome::retry(
-        "the server has " + text(there) + " bytes instead of " + text(order_.spec.size),
-        failure::kWrongSize));
+    finish(wrongSize(there, order_.spec.size));
     return;
   }
   arrive(there);
@@ -321,7 +304,7 @@ void CDownloadAttempt::judgeBody(CRangeFetch& fetch, const HttpResponse& respons
   const std::uint64_t arrived = fetch.remaining().begin;
   if (fetch.tooLong()) {
     finish(AttemptOutcome::retry(
-        "the server sent more than the " + text(arrived) + " bytes that it should",
+        "the server sent more than the " + std::to_string(arrived) + " bytes that it should",
         failure::kWrongSize));
     return;
   }
@@ -336,9 +319,9 @@ void CDownloadAttempt::judgeBody(CRangeFetch& fetch, const HttpResponse& respons
   const auto size =
       planner_.size() ? planner_.size() : (expected != 0 ? std::optional(expected) : std::nullopt);
   if (!mayBeMore && size && arrived < *size) {
-    finish(AttemptOutcome::retry(
-        "the response ended after " + text(arrived) + " of " + text(*size) + " bytes",
-        failure::kConnectionLost));
+    finish(AttemptOutcome::retry("the response ended after " + std::to_string(arrived) + " of " +
+                                     std::to_string(*size) + " bytes",
+                                 failure::kConnectionLost));
     return;
   }
   continueAfter(fetch, mayBeMore);

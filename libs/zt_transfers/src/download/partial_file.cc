@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include "base/ascii.h"
 #include "base/file_status.h"
 #include "base/system_failure.h"
 #include "download/disk_verdict.h"
@@ -25,6 +26,17 @@ constexpr std::uint64_t kWriteWindow = 8ULL * 1024 * 1024;
 }
 
 }  // namespace
+
+CPartialFile::Plan CPartialFile::planFor(const StartOrder& order) {
+  Plan plan;
+  plan.folder = order.folder;
+  plan.target = parseTargetPath(order.spec.location);
+  plan.key = std::to_string(order.file.groupId) + '\0' + order.spec.fileId;
+  plan.size = order.spec.size;
+  plan.modified = order.spec.modified;
+  plan.md5 = loweredAscii(order.spec.contentMd5);
+  return plan;
+}
 
 CPartialFile::~CPartialFile() {
   // An empty file is not worth keeping.

@@ -12,6 +12,7 @@
 #include "download/content_hash.h"
 #include "download/partial_entry.h"
 #include "download/target_path.h"
+#include "engine/attempt.h"
 #include "engine/download_resume.h"
 
 namespace zt_transfers {
@@ -33,6 +34,9 @@ class CPartialFile {
     std::string md5;             // lower-case hexadecimal; empty: not checked
   };
   enum class Found { kNothing, kPartial, kFinalized };
+
+  // Throws std::invalid_argument for a path that parseTargetPath rejects.
+  static Plan planFor(const StartOrder& order);
 
   // `ops` must outlive the file.
   CPartialFile(IFileOps& ops, Plan plan)

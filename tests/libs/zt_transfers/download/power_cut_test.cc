@@ -24,7 +24,7 @@ namespace {
 
 using Survives = CDiskModel::Survives;
 
-constexpr std::size_t kHeldAt = 1024 * 1024;  // bytes of a large file before the first run ends
+constexpr std::size_t kHeldAt = 1024 * 1024;  // bytes that the first run gets of a large file
 constexpr std::size_t kRange = 512 * 1024;
 
 class CNoLog : public ILog {
@@ -153,7 +153,6 @@ class PowerCut : public ::testing::TestWithParam<bool> {
     order.spec.size = newest.at(path).content.size();
     order.spec.contentMd5 = verified ? md5Of(newest.at(path).content) : "";
     order.folder = sandbox.folder().string();
-    order.parts = {.from = 2 * kRange, .size = kRange};
     order.maxConcurrent = 8;
     return bookkeeper.begin(std::move(order));
   }
@@ -162,6 +161,7 @@ class PowerCut : public ::testing::TestWithParam<bool> {
     record.written = record.durable;  // as after the end of the process
     StartOrder order = orderFor(path, verified);
     order.resume = record;
+    order.parts = {.from = 2 * kRange, .size = kRange};
     order.progress->setResume(record);
     return order;
   }
@@ -198,6 +198,7 @@ class PowerCut : public ::testing::TestWithParam<bool> {
             path == "taken.txt" ? "taken (1).txt" : path);
       orders.push_back(orderFor(path, orders.size() % 2 == 0));
     }
+    // One request for each file, whose body the server holds.
     run(std::move(orders), [&] {
       return bookkeeper.ended() == small.size() && bookkeeper.bytesOf(0) >= kHeldAt &&
              bookkeeper.bytesOf(1) >= kHeldAt;
@@ -229,7 +230,7 @@ class PowerCut : public ::testing::TestWithParam<bool> {
       }
     }
     EXPECT_EQ(done.size(), newest.size());
-    EXPECT_GT(changes.size() - before, 80U);
+    EXPECT_GT(changes.size() - before, 60U);
   }
   void take(const CBookkeeper::Note& note) {
     using Kind = CBookkeeper::Note::Kind;

@@ -1,7 +1,7 @@
 #include "http/error_document.h"
 
-#include "http/xml_text.h"
 #include "base/ascii.h"
+#include "http/xml_text.h"
 
 namespace zt_transfers {
 namespace {

@@ -47,8 +47,8 @@ std::string relativeFolder(const std::string& path, const std::string& rootFolde
   const std::string parent = parentFolder(path);
   const char last = rootFolder.back();
   const std::size_t skip = rootFolder.size() + (last == '/' || last == '\\' ? 0 : 1);
-  // For an item directly in the root the length underflows to the largest value, which yields the
-  // empty rest.
+  // For an item directly in the root, `skip` is the length of `parent`, and substr returns an empty
+  // text whatever length is given; the unsigned underflow of the length is harmless.
   return parent.substr(skip, parent.size() - skip - 1);
 }
 

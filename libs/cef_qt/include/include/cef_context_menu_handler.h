@@ -1,10 +1,10 @@
-// Context menus: always handled by default here.
+// Context menus: this library always applies its default handling.
 #ifndef CEF_INCLUDE_CEF_CONTEXT_MENU_HANDLER_H_
 #define CEF_INCLUDE_CEF_CONTEXT_MENU_HANDLER_H_
 
 #include "include/cef_base.h"
 
-// Clients return null for it.
+// Declared for the getter in CefClient, which returns null.
 class CefContextMenuHandler : public virtual CefBaseRefCounted {};
 
 #endif  // CEF_INCLUDE_CEF_CONTEXT_MENU_HANDLER_H_

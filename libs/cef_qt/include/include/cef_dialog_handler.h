@@ -1,10 +1,10 @@
-// File choosers: always handled by default here.
+// File choosers: this library always applies its default handling.
 #ifndef CEF_INCLUDE_CEF_DIALOG_HANDLER_H_
 #define CEF_INCLUDE_CEF_DIALOG_HANDLER_H_
 
 #include "include/cef_base.h"
 
-// Clients return null for it.
+// Declared for the getter in CefClient, which returns null.
 class CefDialogHandler : public virtual CefBaseRefCounted {};
 
 #endif  // CEF_INCLUDE_CEF_DIALOG_HANDLER_H_

@@ -1,10 +1,10 @@
-// Downloads: always handled by default here.
+// Downloads: this library always applies its default handling.
 #ifndef CEF_INCLUDE_CEF_DOWNLOAD_HANDLER_H_
 #define CEF_INCLUDE_CEF_DOWNLOAD_HANDLER_H_
 
 #include "include/cef_base.h"
 
-// Clients return null for it.
+// Declared for the getter in CefClient, which returns null.
 class CefDownloadHandler : public virtual CefBaseRefCounted {};
 
 #endif  // CEF_INCLUDE_CEF_DOWNLOAD_HANDLER_H_

@@ -1,10 +1,10 @@
-// Searches in a page: always handled by default here.
+// Searches in a page: this library always applies its default handling.
 #ifndef CEF_INCLUDE_CEF_FIND_HANDLER_H_
 #define CEF_INCLUDE_CEF_FIND_HANDLER_H_
 
 #include "include/cef_base.h"
 
-// Clients return null for it.
+// Declared for the getter in CefClient, which returns null.
 class CefFindHandler : public virtual CefBaseRefCounted {};
 
 #endif  // CEF_INCLUDE_CEF_FIND_HANDLER_H_

@@ -1,10 +1,10 @@
-// Key events: always handled by default here.
+// Key events: this library always applies its default handling.
 #ifndef CEF_INCLUDE_CEF_KEYBOARD_HANDLER_H_
 #define CEF_INCLUDE_CEF_KEYBOARD_HANDLER_H_
 
 #include "include/cef_base.h"
 
-// Clients return null for it.
+// Declared for the getter in CefClient, which returns null.
 class CefKeyboardHandler : public virtual CefBaseRefCounted {};
 
 #endif  // CEF_INCLUDE_CEF_KEYBOARD_HANDLER_H_

@@ -14,7 +14,7 @@ CefValueType typeOf(const ValueCell& cell) {
 
 namespace {
 
-// The largest process messages of the router have five arguments.
+// Reserves room for the router's largest process message, which has five arguments.
 constexpr std::size_t kReservedSize = 5;
 
 class DictionaryValue final : public CefDictionaryValue {

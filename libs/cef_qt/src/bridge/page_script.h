@@ -14,8 +14,10 @@ using RouterNameList = std::vector<RouterNames>;
 // A JSON array of alternating query and cancel names.
 QString toJson(const RouterNameList& routers);
 
-// The lists are the functions that top documents and documents in frames are predicted to get. A
-// document reports the version of its script, so that a wrong prediction is corrected.
+// The script creates the query functions when a document begins, before the render side has said
+// which routers that document has. `top` and `frames` are the expected functions of top documents
+// and of documents in frames. A document reports the version of its script, so that it can be
+// corrected if the expectation was wrong.
 QString pageScript(int version, const QString& dialogScheme, const RouterNameList& top,
                    const RouterNameList& frames);
 

@@ -21,7 +21,8 @@ class PaintedWidget final : public QObject {
 
   PaintedWidget(QQuickWidget* widget, int framesPerSecond, Painted painted);
 
-  // Null once destroyed. During its destruction only the address may be used.
+  // Null once the widget is destroyed. While it is being destroyed, the pointer may be compared
+  // but not dereferenced.
   QQuickWidget* widget() const { return guard_ ? widget_ : nullptr; }
   // Calls `painted` with the whole latest frame, if there is one.
   void paintAll();

@@ -25,7 +25,7 @@ enum FileStateCode : std::int32_t {
   kFileWaiting = 4,  // queued, not begun
 };
 
-// What both kinds of group report. Sizes in bytes, rates in bytes a second.
+// The state that groups of both kinds report. Sizes in bytes, rates in bytes per second.
 struct ZT_TRANSFERS_EXPORT GroupStateBase {
   std::int32_t state = kGroupIdle;
   std::string bucketType;

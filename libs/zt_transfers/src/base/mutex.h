@@ -81,7 +81,7 @@ class CConditionVariable {
     condition_.wait(lent.lock, predicate);
   }
 
-  // What the predicate returned last; false if the time came first.
+  // Returns the predicate's last result, which is false if the limit was reached first.
   template <class Predicate>
   bool waitFor(CMutex& mutex, std::chrono::steady_clock::duration limit, Predicate predicate)
       REQUIRES(mutex) NO_THREAD_SAFETY_ANALYSIS {

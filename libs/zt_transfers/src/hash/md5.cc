@@ -9,7 +9,7 @@
 namespace zt_transfers {
 namespace {
 
-// What is smaller is through before another thread could join.
+// Smaller amounts are hashed before another thread could join.
 constexpr std::size_t kWorthSharing = 1024;  // blocks
 
 std::string hexadecimal(const Md5State& state) {

@@ -6,7 +6,7 @@
 
 namespace zt_transfers {
 
-// What MD5 carries from one block to the next.
+// MD5's state between two blocks.
 using Md5State = std::array<std::uint32_t, 4>;
 
 inline constexpr std::size_t kMd5BlockSize = 64;  // bytes

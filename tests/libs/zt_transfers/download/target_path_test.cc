@@ -1,6 +1,7 @@
+#include "download/target_path.h"
+
 #include <gtest/gtest.h>
 
-#include "download/target_path.h"
 #include "engine/download_resume.h"
 
 namespace zt_transfers::test {

@@ -9,8 +9,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "download_fixture.h"
 #include "base/wide_bytes.h"
+#include "download_fixture.h"
 
 namespace zt_transfers::test {
 namespace {

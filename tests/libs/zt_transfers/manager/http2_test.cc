@@ -12,9 +12,9 @@
 #include <memory>
 #include <string>
 
+#include "base/wide_bytes.h"
 #include "download_fixture.h"
 #include "sandbox.h"
-#include "base/wide_bytes.h"
 #include "upload_fixture.h"
 
 namespace zt_transfers::test {

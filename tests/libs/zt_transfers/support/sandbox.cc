@@ -7,8 +7,8 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "hash/md5.h"
 #include "base/wide_bytes.h"
+#include "hash/md5.h"
 
 namespace zt_transfers::test {
 

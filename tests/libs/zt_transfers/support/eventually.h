@@ -6,7 +6,7 @@
 
 namespace zt_transfers::test {
 
-// Waits, with a generous limit, until what nobody tells of holds.
+// Polls until the condition holds, for a minute at most. Returns whether it held.
 inline bool eventually(const std::function<bool()>& holds) {
   const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
   while (!holds()) {

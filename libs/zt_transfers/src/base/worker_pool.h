@@ -6,6 +6,7 @@
 #include <thread>
 #include <vector>
 
+#include "base/executor.h"
 #include "base/mutex.h"
 
 namespace zt_transfers {
@@ -14,7 +15,7 @@ namespace zt_transfers {
 // Jobs begin in the order in which they were posted.
 //
 // Thread: any, except that start and stop are called by the owner's thread only.
-class CWorkerPool {
+class CWorkerPool final : public IExecutor {
  public:
   explicit CWorkerPool(std::string name) : name_(std::move(name)) {}
   ~CWorkerPool() { stop(); }
@@ -25,8 +26,7 @@ class CWorkerPool {
   // Drops what has not begun, waits for what has.
   void stop();
 
-  // `job` must not throw. Dropped when the pool does not run.
-  void post(std::function<void()> task);
+  void post(std::function<void()> task) override;
 
  private:
   void run();

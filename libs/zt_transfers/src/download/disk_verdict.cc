@@ -16,7 +16,7 @@ AttemptOutcome diskFailure(const std::string& reason, std::string_view code) {
   AttemptOutcome outcome = AttemptOutcome::retry(reason, code);
   outcome.retryBudget = AttemptOutcome::RetryBudget::kFree;
   outcome.retryAfter = kUntilItMayBeOver;
-  outcome.outage = true;
+  outcome.scope = AttemptOutcome::Scope::kFolder;
   return outcome;
 }
 

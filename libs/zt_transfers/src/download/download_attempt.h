@@ -130,7 +130,7 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   void onCheckpoint() override { listener_.onCheckpoint(order_.attemptId); }
 
   const CPartialWriter::Dependencies dependencies_;
-  CHttpLoop& loop_;
+  IHttpTransport& loop_;
   ILog& log_;
   const StartOrder order_;
   IListener& listener_;

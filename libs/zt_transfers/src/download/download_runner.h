@@ -17,8 +17,8 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
  public:
   // All must outlive the runner.
   struct Dependencies {
-    CHttpLoop& loop;
-    CWorkerPool& pool;
+    IHttpTransport& loop;
+    IExecutor& pool;
     ILog& log;
     IAttemptObserver& observer;
     IFileOps& fileOps;
@@ -57,8 +57,8 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
   void closeOnPool(const std::shared_ptr<CPartialWriter>& writer);
   void finalized(const std::vector<AttemptEnd>& ends);
 
-  CHttpLoop& loop_;
-  CWorkerPool& pool_;
+  IHttpTransport& loop_;
+  IExecutor& pool_;
   ILog& log_;
   IAttemptObserver& observer_;
   IFileOps& fileOps_;

@@ -8,12 +8,12 @@
 #include <string>
 #include <vector>
 
-#include "base/worker_pool.h"
+#include "base/executor.h"
 #include "download/chunk_pool.h"
 #include "download/content_hash.h"
 #include "download/partial_file.h"
 #include "engine/attempt.h"
-#include "http/http_loop.h"
+#include "http/http_transport.h"
 
 namespace zt_transfers {
 
@@ -79,8 +79,8 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
 
   // All must outlive the loop's and the pool's threads.
   struct Dependencies {
-    CHttpLoop& loop;
-    CWorkerPool& pool;
+    IHttpTransport& loop;
+    IExecutor& pool;
     CChunkPool& chunks;
     IAttemptObserver& observer;
     IFileOps& fileOps;
@@ -166,8 +166,8 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   void recycle(Chunk chunk);
   void fail(const AttemptOutcome& failure);
 
-  CHttpLoop& loop_;
-  CWorkerPool& pool_;
+  IHttpTransport& loop_;
+  IExecutor& pool_;
   CChunkPool& chunks_;
   IAttemptObserver& observer_;
   const AttemptId attemptId_;

@@ -51,9 +51,8 @@ void CRangeFetch::send() {
       request.headers.emplace_back("If-Range", rangeRequest_.validator);
     }
   }
-  exchange_ =
-      std::make_unique<CHttpExchange>(loop_, request, static_cast<IHttpSink&>(*this),
-                                      [this](const HttpResponse& response) { judgeEnd(response); });
+  exchange_ = loop_.send(request, static_cast<IHttpSink&>(*this),
+                         [this](const HttpResponse& response) { judgeEnd(response); });
 }
 
 void CRangeFetch::judgeEnd(const HttpResponse& response) {

@@ -10,7 +10,7 @@
 #include "download/partial_writer.h"
 #include "download/response_plan.h"
 #include "engine/attempt.h"
-#include "http/http_exchange.h"
+#include "http/http_transport.h"
 #include "http/redirect.h"
 #include "http/throttle.h"
 
@@ -34,7 +34,7 @@ class CRangeFetch final : public IHttpSink, public CThrottle::IUser {
     ~IListener() = default;
   };
   struct Dependencies {
-    CHttpLoop& loop;
+    IHttpTransport& loop;
     ILog& log;
     CPartialWriter& writer;
     AttemptProgress& progress;
@@ -82,7 +82,7 @@ class CRangeFetch final : public IHttpSink, public CThrottle::IUser {
   void take(const char* data, std::size_t size);
   void flush();
 
-  CHttpLoop& loop_;
+  IHttpTransport& loop_;
   ILog& log_;
   CPartialWriter& writer_;
   AttemptProgress& progress_;
@@ -102,7 +102,7 @@ class CRangeFetch final : public IHttpSink, public CThrottle::IUser {
   std::uint64_t credit_ = 0;  // bytes that the throttle has granted
   Chunk chunk_;
   TimePoint chunkBegun_{};
-  std::unique_ptr<CHttpExchange> exchange_;
+  std::unique_ptr<IHttpExchange> exchange_;
 };
 
 }  // namespace zt_transfers

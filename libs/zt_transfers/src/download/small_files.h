@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "base/clock.h"
-#include "base/worker_pool.h"
+#include "base/executor.h"
 #include "download/chunk_pool.h"
 #include "download/finalizer.h"
 #include "engine/attempt.h"
@@ -33,7 +33,7 @@ class CSmallFiles {
   // Called on the pool for files with wrong content and for those that cannot be written.
   using Failed = std::function<void(const std::vector<AttemptEnd>& ends)>;
 
-  CSmallFiles(CWorkerPool& pool, CFinalizer& finalizer, CChunkPool& chunks, Failed failed)
+  CSmallFiles(IExecutor& pool, CFinalizer& finalizer, CChunkPool& chunks, Failed failed)
       : pool_(pool), finalizer_(finalizer), chunks_(chunks), failed_(std::move(failed)) {}
 
   void add(Arrived file, TimePoint now);
@@ -50,7 +50,7 @@ class CSmallFiles {
   void begin();
   void finish(Batch batch);
 
-  CWorkerPool& pool_;
+  IExecutor& pool_;
   CFinalizer& finalizer_;
   CChunkPool& chunks_;
   const Failed failed_;

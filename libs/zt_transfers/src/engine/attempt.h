@@ -78,6 +78,13 @@ struct AttemptOutcome {
     kFinal,  // another attempt would fail as well
   };
 
+  // The extent of the trouble: everything within it rests until it may be over.
+  enum class Scope {
+    kFile,
+    kOrigin,  // the server, or the network on the way to it
+    kFolder,  // the disk, or the group's folder
+  };
+
   // How a retry counts against the limit.
   enum class RetryBudget {
     kCounts,      // it uses up one of the file's retries
@@ -92,8 +99,9 @@ struct AttemptOutcome {
   RetryBudget retryBudget = RetryBudget::kCounts;
   // The delay that the server asked for.
   std::optional<std::chrono::milliseconds> retryAfter{};
-  // The server or the network fails, not this file: the group's other files wait, too.
-  bool outage = false;
+  Scope scope = Scope::kFile;
+  // The trouble is the file's own, unless other files of its origin fail in a row as well.
+  bool suspectsOrigin = false;
   // The file came so much further that its used retries are refunded.
   bool progressed = false;
 

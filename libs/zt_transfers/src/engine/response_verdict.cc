@@ -10,7 +10,7 @@ namespace {
 // The network or the server is down, whatever the file.
 AttemptOutcome unreachable(const std::string& reason) {
   AttemptOutcome outcome = AttemptOutcome::retry(reason, failure::kCannotConnect);
-  outcome.outage = true;
+  outcome.scope = AttemptOutcome::Scope::kOrigin;
   outcome.retryBudget = AttemptOutcome::RetryBudget::kFree;
   return outcome;
 }
@@ -27,7 +27,7 @@ AttemptOutcome lost(const std::string& reason) {
 AttemptOutcome judgeTransport(const HttpResponse& response) {
   if (response.stalled) {
     AttemptOutcome outcome = lost("the connection stalled");
-    outcome.outage = true;
+    outcome.scope = AttemptOutcome::Scope::kOrigin;
     return outcome;
   }
   switch (response.code) {
@@ -59,7 +59,7 @@ AttemptOutcome judgeRefusal(const HttpResponse& response, std::int64_t now) {
   AttemptOutcome outcome =
       AttemptOutcome::retry(reason, throttled ? failure::kServerBusy : failure::kServerTrouble);
   outcome.retryAfter = parseRetryAfter(response.header("retry-after"), now);
-  outcome.outage = throttled;
+  outcome.scope = throttled ? AttemptOutcome::Scope::kOrigin : AttemptOutcome::Scope::kFile;
   return outcome;
 }
 

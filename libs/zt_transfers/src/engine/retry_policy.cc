@@ -48,7 +48,7 @@ CRetryPolicy::Decision CRetryPolicy::decide(std::uint32_t retries,
 // Attempts that were under way when a wait began do not lengthen it.
 void CRetryPolicy::applyOutage(CTransferGroup::Scheduling& group, const AttemptOutcome& outcome,
                                TimePoint now) {
-  if (!outcome.outage) {
+  if (outcome.scope == AttemptOutcome::Scope::kFile) {
     return;
   }
   group.waitingFor = failureOf(outcome.code, outcome.reason);

@@ -53,14 +53,6 @@ bool isHeaderValue(std::string_view value) {
 
 }  // namespace
 
-CHttpExchange::CHttpExchange(CHttpLoop& loop, const HttpRequest& request, IHttpBody& body,
-                             Done done)
-    : CHttpExchange(loop, request, &body, nullptr, std::move(done)) {}
-
-CHttpExchange::CHttpExchange(CHttpLoop& loop, const HttpRequest& request, IHttpSink& sink,
-                             Done done)
-    : CHttpExchange(loop, request, nullptr, &sink, std::move(done)) {}
-
 CHttpExchange::CHttpExchange(CHttpLoop& loop, const HttpRequest& request, IHttpBody* body,
                              IHttpSink* sink, Done done)
     : loop_(loop), timeout_(request.timeout), body_(body), sink_(sink), done_(std::move(done)) {

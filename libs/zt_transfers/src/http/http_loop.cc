@@ -69,6 +69,16 @@ void CHttpLoop::stop() {
   dropped.swap(tasks_);
 }
 
+std::unique_ptr<IHttpExchange> CHttpLoop::send(const HttpRequest& request, IHttpBody& body,
+                                               Done done) {
+  return std::make_unique<CHttpExchange>(*this, request, &body, nullptr, std::move(done));
+}
+
+std::unique_ptr<IHttpExchange> CHttpLoop::send(const HttpRequest& request, IHttpSink& sink,
+                                               Done done) {
+  return std::make_unique<CHttpExchange>(*this, request, nullptr, &sink, std::move(done));
+}
+
 void CHttpLoop::wake() {
   if (std::this_thread::get_id() == loopThread_.load()) {
     again_ = true;

@@ -14,9 +14,8 @@
 
 #include "base/clock.h"
 #include "base/mutex.h"
-#include "base/retired.h"
 #include "http/curl_handles.h"
-#include "http/throttle.h"
+#include "http/http_transport.h"
 
 namespace zt_transfers {
 
@@ -27,7 +26,7 @@ class CHttpExchange;
 //
 // Thread: start, stop and setUserAgent on the owner's; post and wake on any; everything else on the
 // loop's own thread, which also runs posted tasks and all callbacks.
-class CHttpLoop {
+class CHttpLoop final : public IHttpTransport {
  public:
   // Called once a round; returns when the next round must start at the latest.
   using Tick = std::function<std::optional<TimePoint>()>;
@@ -42,24 +41,21 @@ class CHttpLoop {
   // Joins the thread. Posted tasks that have not run are dropped.
   void stop();
 
-  void wake();
+  std::unique_ptr<IHttpExchange> send(const HttpRequest& request, IHttpBody& body,
+                                      Done done) override;
+  std::unique_ptr<IHttpExchange> send(const HttpRequest& request, IHttpSink& sink,
+                                      Done done) override;
+  void wake() override;
   // The task is dropped when the loop does not run.
-  void post(std::function<void()> task);
-
-  // Keeps an object that has finished until the end of the loop's round, when none of its functions
-  // is on the stack any more.
-  template <typename Object>
-  void retire(std::unique_ptr<Object> object) {
-    retired_.add(std::move(object));
-  }
+  void post(std::function<void()> task) override;
 
   // Sent with every request. Call it while the loop does not run.
   void setUserAgent(std::string userAgent) { userAgent_ = std::move(userAgent); }
   const std::string& userAgent() const { return userAgent_; }
 
   void assertOnLoop() const;
-  CThrottle& throttle() { return throttle_; }
-  const IClock& clock() const { return clock_; }
+  CThrottle& throttle() override { return throttle_; }
+  const IClock& clock() const override { return clock_; }
 
   // For CHttpExchange.
   CurlEasy takeEasy();
@@ -68,6 +64,7 @@ class CHttpLoop {
   void remove(CHttpExchange& exchange);
 
  private:
+  CRetired& retired() override { return retired_; }
   void run(const Tick& tick);
   bool runTasks();
   bool finishExchanges();

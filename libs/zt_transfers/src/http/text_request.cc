@@ -6,7 +6,7 @@
 
 namespace zt_transfers {
 
-CTextRequest::CTextRequest(CHttpLoop& loop, ILog& log, Request request, Done done)
+CTextRequest::CTextRequest(IHttpTransport& loop, ILog& log, Request request, Done done)
     : loop_(loop),
       log_(log),
       request_(std::move(request)),
@@ -27,11 +27,9 @@ void CTextRequest::send() {
   request.timeout = request_.timeout;
   const auto answered = [this](HttpResponse response) { onResponse(std::move(response)); };
   if (request_.method == "POST") {
-    exchange_ =
-        std::make_unique<CHttpExchange>(loop_, request, static_cast<IHttpBody&>(*this), answered);
+    exchange_ = loop_.send(request, static_cast<IHttpBody&>(*this), answered);
   } else {
-    exchange_ =
-        std::make_unique<CHttpExchange>(loop_, request, static_cast<IHttpSink&>(*this), answered);
+    exchange_ = loop_.send(request, static_cast<IHttpSink&>(*this), answered);
   }
 }
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "base/log.h"
-#include "http/http_exchange.h"
+#include "http/http_transport.h"
 #include "http/redirect.h"
 
 namespace zt_transfers {
@@ -32,7 +32,7 @@ class CTextRequest final : public IHttpBody, public IHttpSink {
   using Done = std::function<void(const HttpResponse&)>;
 
   // Throws std::invalid_argument for a request that cannot be sent.
-  CTextRequest(CHttpLoop& loop, ILog& log, Request request, Done done);
+  CTextRequest(IHttpTransport& loop, ILog& log, Request request, Done done);
 
   // Another owner takes over.
   void setDone(Done done) { done_ = std::move(done); }
@@ -45,14 +45,14 @@ class CTextRequest final : public IHttpBody, public IHttpSink {
   bool rewind() override;
   Write write(const HttpResponse& head, const char* data, std::size_t size) override;
 
-  CHttpLoop& loop_;
+  IHttpTransport& loop_;
   ILog& log_;
   const Request request_;
   Done done_;
   CRedirects redirects_;
   std::size_t sent_ = 0;
   std::string text_;
-  std::unique_ptr<CHttpExchange> exchange_;
+  std::unique_ptr<IHttpExchange> exchange_;
 };
 
 }  // namespace zt_transfers

@@ -29,8 +29,8 @@ namespace zt_transfers {
 class CManagerCore {
  public:
   struct RunnerDependencies {
-    CHttpLoop& loop;
-    CWorkerPool& pool;
+    IHttpTransport& loop;
+    IExecutor& pool;
     ILog& log;
     IAttemptObserver& observer;
   };

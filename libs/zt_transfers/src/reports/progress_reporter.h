@@ -10,7 +10,7 @@
 #include "base/log.h"
 #include "base/mutex.h"
 #include "engine/transfer_engine.h"
-#include "http/http_loop.h"
+#include "http/http_transport.h"
 #include "http/text_request.h"
 #include "reports/report_interval.h"
 
@@ -31,7 +31,7 @@ class CProgressReporter {
 
   // All must outlive it. `look` returns a group's current report; nothing when the group is gone.
   struct Dependencies {
-    CHttpLoop& loop;
+    IHttpTransport& loop;
     ILog& log;
     std::function<std::optional<CTransferEngine::GroupReport>(std::int32_t)> look;
   };

@@ -8,7 +8,7 @@ void CReportInterval::set(std::chrono::seconds interval) {
     return;
   }
   interval_ = interval;
-  for (CHttpLoop* loop : loops_) {
+  for (IHttpTransport* loop : loops_) {
     loop->wake();  // which calls nobody
   }
 }
@@ -18,12 +18,12 @@ std::chrono::seconds CReportInterval::interval() const {
   return interval_;
 }
 
-void CReportInterval::join(CHttpLoop& loop) {
+void CReportInterval::join(IHttpTransport& loop) {
   const CMutexLock lock(mutex_);
   loops_.insert(&loop);
 }
 
-void CReportInterval::leave(CHttpLoop& loop) {
+void CReportInterval::leave(IHttpTransport& loop) {
   const CMutexLock lock(mutex_);
   loops_.erase(&loop);
 }

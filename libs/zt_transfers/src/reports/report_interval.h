@@ -5,7 +5,7 @@
 #include <set>
 
 #include "base/mutex.h"
-#include "http/http_loop.h"
+#include "http/http_transport.h"
 
 namespace zt_transfers {
 
@@ -23,15 +23,15 @@ class CReportInterval {
   std::chrono::seconds interval() const;
 
   // These loops are woken when it changes; each must leave before it ends.
-  void join(CHttpLoop& loop);
-  void leave(CHttpLoop& loop);
+  void join(IHttpTransport& loop);
+  void leave(IHttpTransport& loop);
 
  private:
   CReportInterval() = default;
 
   mutable CMutex mutex_;
   std::chrono::seconds interval_ GUARDED_BY(mutex_){0};
-  std::set<CHttpLoop*> loops_ GUARDED_BY(mutex_);
+  std::set<IHttpTransport*> loops_ GUARDED_BY(mutex_);
 };
 
 }  // namespace zt_transfers

@@ -65,9 +65,8 @@ void CFileRequest::send() {
   request.bodySize = size_;
   request.proxy = order_.proxy;
   try {
-    exchange_ = std::make_unique<CHttpExchange>(
-        dependencies_.loop, request, *this,
-        [this](const HttpResponse& response) { onResponse(response); });
+    exchange_ = dependencies_.loop.send(
+        request, *this, [this](const HttpResponse& response) { onResponse(response); });
   } catch (const std::exception& error) {
     fail({failure::kBadRequest, error.what()});
     return;

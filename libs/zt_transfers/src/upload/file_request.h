@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "http/http_exchange.h"
+#include "http/http_transport.h"
 #include "http/redirect.h"
 #include "http/throttle.h"
 #include "upload/upload_dependencies.h"
@@ -100,7 +100,7 @@ class CFileRequest final : public CUploadSource::IListener,
   std::uint64_t sent_ = 0;
   std::string md5_;
   std::shared_ptr<CUploadSource> source_;
-  std::unique_ptr<CHttpExchange> exchange_;
+  std::unique_ptr<IHttpExchange> exchange_;
 };
 
 }  // namespace zt_transfers

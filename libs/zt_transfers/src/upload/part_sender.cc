@@ -136,7 +136,9 @@ void CPartSender::noteFailure(const AttemptOutcome& outcome) {
     return;
   }
   failure_->retryBudget = std::min(failure_->retryBudget, outcome.retryBudget);
-  failure_->outage = failure_->outage || outcome.outage;
+  if (failure_->scope == AttemptOutcome::Scope::kFile) {
+    failure_->scope = outcome.scope;
+  }
   failure_->retryAfter = std::max(failure_->retryAfter, outcome.retryAfter);
 }
 

@@ -1,16 +1,16 @@
 #pragma once
 
+#include "base/executor.h"
 #include "base/log.h"
-#include "base/worker_pool.h"
 #include "engine/attempt.h"
-#include "http/http_loop.h"
+#include "http/http_transport.h"
 
 namespace zt_transfers {
 
 // Used by every class of this folder; all must outlive it.
 struct UploadDependencies {
-  CHttpLoop& loop;
-  CWorkerPool& pool;
+  IHttpTransport& loop;
+  IExecutor& pool;
   ILog& log;
   IAttemptObserver& observer;
 };

@@ -7,7 +7,7 @@
 
 namespace zt_transfers {
 
-CUploadSource::CUploadSource(CHttpLoop& loop, CWorkerPool& pool, ReadRequest readRequest,
+CUploadSource::CUploadSource(IHttpTransport& loop, IExecutor& pool, ReadRequest readRequest,
                              IListener& listener)
     : loop_(loop),
       pool_(pool),

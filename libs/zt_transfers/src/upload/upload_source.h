@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "base/worker_pool.h"
-#include "http/http_loop.h"
+#include "base/executor.h"
+#include "http/http_transport.h"
 #include "upload/source_reader.h"
 
 namespace zt_transfers {
@@ -32,7 +32,8 @@ class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
     ~IListener() = default;
   };
 
-  CUploadSource(CHttpLoop& loop, CWorkerPool& pool, ReadRequest readRequest, IListener& listener);
+  CUploadSource(IHttpTransport& loop, IExecutor& pool, ReadRequest readRequest,
+                IListener& listener);
 
   void open();
   void close() { listener_ = nullptr; }
@@ -69,8 +70,8 @@ class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
   void arrive(Result& result);
   void passOn();
 
-  CHttpLoop& loop_;
-  CWorkerPool& pool_;
+  IHttpTransport& loop_;
+  IExecutor& pool_;
   IListener* listener_;
   bool cached_;  // the last read from the page cache succeeded
   // Used by at most one pool job at a time, and by this object while there is none. Jobs hold a

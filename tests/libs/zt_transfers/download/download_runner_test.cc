@@ -9,6 +9,8 @@
 #include <utility>
 
 #include "base/unique_fd.h"
+#include "base/worker_pool.h"
+#include "http/http_loop.h"
 #include "sandbox.h"
 
 namespace zt_transfers::test {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "base/file_status.h"
+#include "base/worker_pool.h"
 #include "download/disk_verdict.h"
 #include "download/small_files.h"
 #include "download/target_folder.h"
@@ -214,11 +215,12 @@ TEST_F(Finalization, KeepsWhatIsThereWhileTheGroupsFolderIsGone) {
 TEST(DiskVerdict, LetsTheGroupWaitForTheDiskAndNotForWhatAServerClaims) {
   const auto judged = [](const std::exception& error) { return judgeDiskError(error); };
   const auto code = std::error_code(ENOSPC, std::generic_category());
-  EXPECT_TRUE(judged(std::system_error(code)).outage);
-  EXPECT_TRUE(judged(CFolderGone(ENOENT, std::generic_category())).outage);
+  EXPECT_EQ(judged(std::system_error(code)).scope, AttemptOutcome::Scope::kFolder);
+  EXPECT_EQ(judged(CFolderGone(ENOENT, std::generic_category())).scope,
+            AttemptOutcome::Scope::kFolder);
   const AttemptOutcome claim = judged(CNoRoomForClaim(code, "no room"));
   EXPECT_EQ(claim.kind, Kind::kRetry);
-  EXPECT_FALSE(claim.outage);
+  EXPECT_EQ(claim.scope, AttemptOutcome::Scope::kFile);
   EXPECT_EQ(judged(std::system_error(EACCES, std::generic_category())).kind, Kind::kFinal);
 }
 

@@ -13,9 +13,11 @@
 #include <vector>
 
 #include "base/file_status.h"
+#include "base/worker_pool.h"
 #include "download/download_runner.h"
 #include "eventually.h"
 #include "fault_server.h"
+#include "http/http_loop.h"
 #include "recorded_disk.h"
 #include "sandbox.h"
 

@@ -157,7 +157,7 @@ TEST_F(TransferEngine, DelaysAGroupAfterAnOutageAndNotTheOthers) {
   engine.start();
   const auto order = starts().at(0);
   AttemptOutcome overloaded = AttemptOutcome::retry("503");
-  overloaded.outage = true;
+  overloaded.scope = AttemptOutcome::Scope::kOrigin;
   overloaded.retryAfter = seconds(20);
   engine.onAttemptDone(order.attemptId, overloaded);
   EXPECT_TRUE(starts().empty());
@@ -176,7 +176,7 @@ TEST_F(TransferEngine, WaitsForAServerThatIsAwayWithoutUsingUpARetry) {
   const auto group = groupOf(1);
   engine.start();
   AttemptOutcome away = AttemptOutcome::retry("nobody answers", failure::kCannotConnect);
-  away.outage = true;
+  away.scope = AttemptOutcome::Scope::kOrigin;
   away.retryBudget = AttemptOutcome::RetryBudget::kFree;
   for (int attempt = 0; attempt < 10; ++attempt) {
     engine.onAttemptDone(starts().at(0).attemptId, away);

@@ -7,7 +7,6 @@
 #include <memory>
 
 #include "fault_server.h"
-#include "http/http_exchange.h"
 
 namespace zt_transfers::test {
 namespace {
@@ -36,14 +35,14 @@ class HttpLoop : public ::testing::Test, public IHttpSink {
       HttpRequest request;
       request.method = "GET";
       request.url = server.url(path);
-      exchanges.push_back(std::make_unique<CHttpExchange>(
-          loop, request, static_cast<IHttpSink&>(*this),
-          [this, promise, at = exchanges.size()](const HttpResponse& response) {
-            if (!keepsEnded) {
-              loop.retire(std::move(exchanges[at]));
-            }
-            promise->set_value(response);
-          }));
+      exchanges.push_back(
+          loop.send(request, static_cast<IHttpSink&>(*this),
+                    [this, promise, at = exchanges.size()](const HttpResponse& response) {
+                      if (!keepsEnded) {
+                        loop.retire(std::move(exchanges[at]));
+                      }
+                      promise->set_value(response);
+                    }));
     });
     return promise->get_future();
   }
@@ -51,7 +50,7 @@ class HttpLoop : public ::testing::Test, public IHttpSink {
   CFaultServer server;
   CSleepyClock clock;
   std::atomic<bool> keepsEnded = false;
-  std::vector<std::unique_ptr<CHttpExchange>> exchanges;  // the loop's
+  std::vector<std::unique_ptr<IHttpExchange>> exchanges;  // the loop's
   CHttpLoop loop{"zt-net-test", clock};
 };
 

@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "base/wide_bytes.h"
+#include "http/http_loop.h"
 #include "upload_fixture.h"
 #include "zt_transfers/download_manager.h"
 #include "zt_transfers/global_config.h"

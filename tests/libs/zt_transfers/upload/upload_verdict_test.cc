@@ -56,10 +56,10 @@ TEST(JudgeUpload, RetriesAnErrorDocumentAndAPartialBody) {
 TEST(JudgeUpload, DelaysTheOtherFilesDuringAnOutageOnly) {
   HttpResponse busy = responseOf(503);
   busy.headers["retry-after"] = "7";
-  EXPECT_TRUE(judge(busy).outage);
+  EXPECT_EQ(judge(busy).scope, AttemptOutcome::Scope::kOrigin);
   EXPECT_EQ(judge(busy).retryAfter, std::chrono::seconds(7));
-  EXPECT_TRUE(judge(responseOf(429)).outage);
-  EXPECT_FALSE(judge(responseOf(500)).outage);
+  EXPECT_EQ(judge(responseOf(429)).scope, AttemptOutcome::Scope::kOrigin);
+  EXPECT_EQ(judge(responseOf(500)).scope, AttemptOutcome::Scope::kFile);
   struct Case {
     CURLcode code;
     Kind kind;
@@ -72,7 +72,7 @@ TEST(JudgeUpload, DelaysTheOtherFilesDuringAnOutageOnly) {
     HttpResponse none;
     none.code = code;
     EXPECT_EQ(judge(none).kind, kind) << code;
-    EXPECT_EQ(judge(none).outage, outage) << code;
+    EXPECT_EQ(judge(none).scope == AttemptOutcome::Scope::kOrigin, outage) << code;
   }
 }
 

@@ -16,8 +16,7 @@ class CNoRoomForClaim : public std::system_error {
   using std::system_error::system_error;
 };
 
-// Maps an error of the file system to an outcome: a full or missing disk is tried again, a folder
-// that cannot be written to is not.
+// The outcome of an error of the target's file system.
 AttemptOutcome judgeDiskError(const std::exception& error);
 
 // Runs the step and returns its failure, if any.

@@ -2,10 +2,12 @@
 
 #include <fcntl.h>
 #include <stdio.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 
 #include "base/file_status.h"
@@ -37,9 +39,43 @@ bool supported(bool succeeded) {
 
 }  // namespace
 
+struct stat statusOf(IFileOps& ops, int file) {
+  struct stat status {};
+  if (!ops.status(file, status)) {
+    failWithErrno("cannot read the file's status");
+  }
+  return status;
+}
+
+CUniqueFd CPosixFileOps::openFolder(int parent, const char* name, Links links) {
+  constexpr int kOpenFolder = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+  return CUniqueFd(
+      ::openat(parent, name, kOpenFolder | (links == Links::kRefuse ? O_NOFOLLOW : 0)));
+}
+
+CUniqueFd CPosixFileOps::open(int folder, const char* name) {
+  return CUniqueFd(::openat(folder, name, O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK));
+}
+
 CUniqueFd CPosixFileOps::create(int folder, const char* name) {
   return CUniqueFd(
       ::openat(folder, name, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, kFileMode));
+}
+
+bool CPosixFileOps::lock(int file) {
+  return ::flock(file, LOCK_EX | LOCK_NB) == 0;
+}
+
+bool CPosixFileOps::status(int file, struct stat& status) {
+  return ::fstat(file, &status) == 0;
+}
+
+bool CPosixFileOps::statusOfName(int folder, const char* name, struct stat& status) {
+  return ::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+ssize_t CPosixFileOps::read(int file, char* data, std::size_t size, std::uint64_t offset) {
+  return ::pread(file, data, size, static_cast<off_t>(offset));
 }
 
 ssize_t CPosixFileOps::write(int file, const char* data, std::size_t size, std::uint64_t offset) {
@@ -67,6 +103,11 @@ bool CPosixFileOps::reserve(int file, std::uint64_t size) {
 #else
   return true;
 #endif
+}
+
+bool CPosixFileOps::setTimes(int file, timespec time) {
+  const std::array<timespec, 2> times{time, time};
+  return ::futimens(file, times.data()) == 0;
 }
 
 bool CPosixFileOps::makeFolder(int parent, const char* name) {

@@ -1,7 +1,5 @@
 #include "download/content_hash.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <memory>
@@ -22,14 +20,14 @@ void CContentHash::add(const char* data, std::size_t size) {
   position_ += size;
 }
 
-void CContentHash::readBack(int file, std::uint64_t end) {
+void CContentHash::readBack(IFileOps& ops, int file, std::uint64_t end) {
   if (position_ >= end) {
     return;
   }
   const std::unique_ptr<char[]> buffer(new char[kReadBack]);
   while (position_ < end) {
     const auto wanted = static_cast<std::size_t>(std::min(kReadBack, end - position_));
-    const ssize_t got = ::pread(file, buffer.get(), wanted, static_cast<off_t>(position_));
+    const ssize_t got = ops.read(file, buffer.get(), wanted, position_);
     if (got < 0 && errno == EINTR) {
       continue;
     }

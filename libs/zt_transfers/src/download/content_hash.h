@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "base/file_ops.h"
 #include "base/mutex.h"
 #include "download/chunk_pool.h"
 #include "hash/md5.h"
@@ -23,7 +24,7 @@ class CContentHash {
   // The bytes at `position`.
   void add(const char* data, std::size_t size);
   // The bytes up to `end`, read from the open file. Throws std::system_error.
-  void readBack(int file, std::uint64_t end);
+  void readBack(IFileOps& ops, int file, std::uint64_t end);
   // In lower-case hexadecimal. Ends the computation.
   std::string finish() { return md5_.finish(); }
 

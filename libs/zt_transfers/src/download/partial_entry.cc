@@ -1,7 +1,5 @@
 #include "download/partial_entry.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -10,26 +8,20 @@
 #include <thread>
 #include <utility>
 
-#include "base/file_status.h"
 #include "base/system_failure.h"
 #include "download/publish.h"
 
 namespace zt_transfers {
 namespace {
 
-constexpr int kOpenPartial = O_RDWR | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK;
 constexpr int kMaxNames = 16;
 
-bool tryLock(int file) {
-  return ::flock(file, LOCK_EX | LOCK_NB) == 0;
-}
-
 // A partial file belongs to one attempt at a time. The previous one may still be ending.
-bool lock(int file) {
+bool lock(IFileOps& ops, int file) {
   constexpr std::chrono::seconds kLimit{10};
   constexpr std::chrono::milliseconds kPause{5};
   const auto until = std::chrono::steady_clock::now() + kLimit;
-  while (!tryLock(file)) {
+  while (!ops.lock(file)) {
     if (errno != EWOULDBLOCK) {
       return true;  // a file system without locks
     }
@@ -48,17 +40,17 @@ void CPartialEntry::remove(IFileOps& ops, const std::string& groupFolder,
                            const DownloadResume& resume) {
   const TargetPath path = parseTargetPath(resume.partialPath);
   const CUniqueFd folder = openTargetFolder(ops, groupFolder, path.folders, MissingFolders::kFail);
-  const CUniqueFd file(::openat(folder.get(), path.name.c_str(), kOpenPartial));
+  const CUniqueFd file = ops.open(folder.get(), path.name.c_str());
   if (!file.valid()) {
     if (errno == ENOENT || errno == ELOOP) {
       return;
     }
     failWithErrno("cannot open it");
   }
-  if (statusOf(file.get()).st_ino != resume.inode) {
+  if (statusOf(ops, file.get()).st_ino != resume.inode) {
     return;
   }
-  if (!tryLock(file.get()) && errno == EWOULDBLOCK) {
+  if (!ops.lock(file.get()) && errno == EWOULDBLOCK) {
     throw CPartialFileInUse("a download uses it");
   }
   if (!ops.unlink(folder.get(), path.name.c_str()) && errno != ENOENT) {
@@ -79,7 +71,7 @@ bool CPartialEntry::openFolder(MissingFolders missing) {
     }
     throw;
   }
-  if (::fstat(folder_.get(), &folderStatus_) != 0) {
+  if (!ops_.status(folder_.get(), folderStatus_)) {
     failWithErrno("cannot read the folder's status");
   }
   return true;
@@ -91,9 +83,9 @@ CUniqueFd CPartialEntry::reopen(const DownloadResume& resume) {
   if (!file.valid()) {
     return file;
   }
-  const struct stat status = statusOf(file.get());
+  const struct stat status = statusOf(ops_, file.get());
   // The previous attempt may have removed it before it released the lock.
-  if (!S_ISREG(status.st_mode) || status.st_ino != resume.inode || !lock(file.get()) ||
+  if (!S_ISREG(status.st_mode) || status.st_ino != resume.inode || !lock(ops_, file.get()) ||
       !isThere(name, status.st_ino)) {
     return {};
   }
@@ -106,8 +98,8 @@ CUniqueFd CPartialEntry::make() {
     const std::string name = partialName(target_.name, key_ + '\0' + std::to_string(number));
     CUniqueFd file = ops_.create(folder_.get(), name.c_str());
     if (file.valid()) {
-      tryLock(file.get());
-      take(name, statusOf(file.get()).st_ino);
+      ops_.lock(file.get());
+      take(name, statusOf(ops_, file.get()).st_ino);
       return file;
     }
     if (errno != EEXIST) {
@@ -128,10 +120,10 @@ CUniqueFd CPartialEntry::takeExisting(const std::string& name) {
   if (!file.valid()) {
     return file;
   }
-  const struct stat status = statusOf(file.get());
+  const struct stat status = statusOf(ops_, file.get());
   const bool plain =
       S_ISREG(status.st_mode) && status.st_nlink == 1 && status.st_uid == ::geteuid();
-  if (!plain || !tryLock(file.get()) || !isThere(name, status.st_ino) ||
+  if (!plain || !ops_.lock(file.get()) || !isThere(name, status.st_ino) ||
       !ops_.truncate(file.get())) {
     return {};
   }
@@ -147,7 +139,7 @@ bool CPartialEntry::isFinalized(const DownloadResume& resume) const {
   for (unsigned count = 0; count <= kMaxCounted; ++count) {
     struct stat status {};
     const std::string name = countedName(target_.name, count);
-    if (::fstatat(folder_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+    if (!ops_.statusOfName(folder_.get(), name.c_str(), status)) {
       return false;
     }
     if (status.st_ino == resume.inode && S_ISREG(status.st_mode)) {
@@ -204,7 +196,7 @@ std::string CPartialEntry::pathOf(const std::string& name) const {
 }
 
 CUniqueFd CPartialEntry::open(const std::string& name) const {
-  return CUniqueFd(::openat(folder_.get(), name.c_str(), kOpenPartial));
+  return ops_.open(folder_.get(), name.c_str());
 }
 
 void CPartialEntry::take(const std::string& name, std::uint64_t inode) {
@@ -214,7 +206,7 @@ void CPartialEntry::take(const std::string& name, std::uint64_t inode) {
 
 bool CPartialEntry::isThere(const std::string& name, std::uint64_t inode) const {
   struct stat status {};
-  return ::fstatat(folder_.get(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+  return ops_.statusOfName(folder_.get(), name.c_str(), status) &&
          status.st_ino == inode && S_ISREG(status.st_mode);
 }
 

@@ -3,12 +3,10 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <system_error>
 
 #include "base/ascii.h"
-#include "base/file_status.h"
 #include "base/system_failure.h"
 #include "download/disk_verdict.h"
 #include "download/target_folder.h"
@@ -69,7 +67,7 @@ CPartialFile::Found CPartialFile::reopen(const DownloadResume& resume) {
     return Found::kNothing;
   }
   adopt(std::move(file));
-  const auto there = static_cast<std::uint64_t>(statusOf(file_.get()).st_size);
+  const auto there = static_cast<std::uint64_t>(statusOf(ops_, file_.get()).st_size);
   const CMutexLock lock(mutex_);
   resume_.validator = resume.validator;
   resume_.size = resume.size;
@@ -182,7 +180,7 @@ void CPartialFile::checkpoint() {
 
 std::optional<std::string> CPartialFile::verify(std::uint64_t size) {
   create(size);
-  const auto there = static_cast<std::uint64_t>(statusOf(file_.get()).st_size);
+  const auto there = static_cast<std::uint64_t>(statusOf(ops_, file_.get()).st_size);
   std::uint64_t written = 0;
   {
     const CMutexLock lock(mutex_);
@@ -220,11 +218,10 @@ void CPartialFile::sync(bool alone) {
     timespec modified{};
     modified.tv_sec = static_cast<time_t>(plan_.modified / kMilliseconds);
     modified.tv_nsec = static_cast<long>(plan_.modified % kMilliseconds) * kNanoseconds;
-    const std::array<timespec, 2> times{modified, modified};
     // The file is kept even if its file system cannot store such a time.
-    ::futimens(file_.get(), times.data());
+    ops_.setTimes(file_.get(), modified);
   }
-  if (alone && CNewFolders::shared().latest(statusOf(file_.get()).st_dev) != 0) {
+  if (alone && CNewFolders::shared().latest(statusOf(ops_, file_.get()).st_dev) != 0) {
     syncFileSystem();
     checkWritten();
   } else if (alone && !ops_.sync(file_.get())) {
@@ -234,7 +231,7 @@ void CPartialFile::sync(bool alone) {
 
 bool CPartialFile::syncFileSystem() const {
   CNewFolders& folders = CNewFolders::shared();
-  const dev_t device = statusOf(file_.get()).st_dev;
+  const dev_t device = statusOf(ops_, file_.get()).st_dev;
   const std::uint64_t made = folders.latest(device);
   if (ops_.syncFileSystem(file_.get())) {
     folders.noteSynced(device, made);

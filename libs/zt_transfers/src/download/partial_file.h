@@ -60,7 +60,7 @@ class CPartialFile {
   bool hashes() const { return !plan_.md5.empty(); }
   std::uint64_t hashed() const { return hash_ ? hash_->position() : 0; }
   void hash(const char* data, std::size_t size) { openHash().add(data, size); }
-  void hashWritten(std::uint64_t end) { openHash().readBack(file_.get(), end); }
+  void hashWritten(std::uint64_t end) { openHash().readBack(ops_, file_.get(), end); }
 
   // Sets the digest of the complete content, so that nothing more has to be hashed.
   void setDigest(std::string digest) { digest_ = std::move(digest); }

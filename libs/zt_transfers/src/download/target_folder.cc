@@ -11,7 +11,7 @@
 namespace zt_transfers {
 namespace {
 
-constexpr int kOpenFolder = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+using Links = IFileOps::Links;
 
 [[noreturn]] void failGone() {
   throw CFolderGone(ENOENT, std::generic_category(),
@@ -19,23 +19,23 @@ constexpr int kOpenFolder = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 }
 
 // The new folder is on the same file system as this one, or is this one.
-void noteMade(int folder) {
+void noteMade(IFileOps& ops, int folder) {
   struct stat status {};
-  if (::fstat(folder, &status) == 0) {
+  if (ops.status(folder, status)) {
     CNewFolders::shared().noteMade(status.st_dev);
   }
 }
 
 CUniqueFd openGroupFolder(IFileOps& ops, const std::string& path, bool mayMake) {
-  CUniqueFd folder(::open(path.c_str(), kOpenFolder));
+  CUniqueFd folder = ops.openFolder(AT_FDCWD, path.c_str(), Links::kFollow);
   if (!folder.valid() && errno == ENOENT && mayMake) {
     const bool made = ops.makeFolder(AT_FDCWD, path.c_str());
     if (!made && errno != EEXIST && errno != ENOENT) {
       failWithErrno("cannot make the group's folder");
     }
-    folder = CUniqueFd(::open(path.c_str(), kOpenFolder));
+    folder = ops.openFolder(AT_FDCWD, path.c_str(), Links::kFollow);
     if (made && folder.valid()) {
-      noteMade(folder.get());
+      noteMade(ops, folder.get());
     }
   }
   if (!folder.valid() && errno == ENOENT) {
@@ -49,7 +49,7 @@ CUniqueFd openGroupFolder(IFileOps& ops, const std::string& path, bool mayMake) 
 
 void make(IFileOps& ops, int parent, const std::string& name) {
   if (ops.makeFolder(parent, name.c_str())) {
-    noteMade(parent);
+    noteMade(ops, parent);
   } else if (errno != EEXIST) {
     failWithErrno("cannot make the folder \"" + name + "\"");
   }
@@ -63,10 +63,10 @@ CUniqueFd openTargetFolder(IFileOps& ops, const std::string& groupFolder,
   CUniqueFd folder = openGroupFolder(ops, groupFolder, mayMake);
   for (const std::string& name : folders) {
     const int parent = folder.get();
-    CUniqueFd next(::openat(parent, name.c_str(), kOpenFolder | O_NOFOLLOW));
+    CUniqueFd next = ops.openFolder(parent, name.c_str(), Links::kRefuse);
     if (!next.valid() && errno == ENOENT && mayMake) {
       make(ops, parent, name);
-      next = CUniqueFd(::openat(parent, name.c_str(), kOpenFolder | O_NOFOLLOW));
+      next = ops.openFolder(parent, name.c_str(), Links::kRefuse);
     }
     if (!next.valid()) {
       failWithErrno("cannot open the folder \"" + name + "\" below the group's");

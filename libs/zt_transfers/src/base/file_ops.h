@@ -11,11 +11,11 @@
 namespace zt_transfers {
 
 // The system calls on the target's files and folders: the seam between downloads and the file
-// system, which tests replace to fail a call or to lose unsynced changes. Only descriptors are closed
-// without it (CUniqueFd), which also gives up a file's lock.
+// system, which tests replace to fail a call or to lose unsynced changes. Only descriptors are
+// closed without it (CUniqueFd), which also gives up a file's lock.
 //
-// Names are relative to an open folder; AT_FDCWD stands for none. A call that fails returns false, -1 or an invalid
-// descriptor and leaves the reason in errno. Thread: any; calls block.
+// Names are relative to an open folder; AT_FDCWD stands for none. A call that fails returns false,
+// -1 or an invalid descriptor and leaves the reason in errno. Thread: any; calls block.
 class IFileOps {
  public:
   virtual ~IFileOps() = default;

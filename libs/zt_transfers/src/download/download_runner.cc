@@ -82,10 +82,10 @@ void CDownloadRunner::syncToDisk() {
   for (const auto& [file, progress] : stopped_) {
     try {
       file->checkpoint();
-      progress->setResume(file->resume());
     } catch (const std::exception& error) {
       log_.warning("Downloaded bytes of a file may be fetched again: " + std::string(error.what()));
     }
+    progress->setResume(file->resume());
   }
   stopped_.clear();
 }

@@ -78,6 +78,9 @@ template <typename Step>
 void CFinalizer::tryStep(Finalization& finalization, Step step) {
   if (!finalization.failure) {
     finalization.failure = failureOf(step);
+    if (finalization.failure) {
+      finalization.progress->setResume(finalization.file->resume());
+    }
   }
 }
 

@@ -206,8 +206,8 @@ void CPartialEntry::take(const std::string& name, std::uint64_t inode) {
 
 bool CPartialEntry::isThere(const std::string& name, std::uint64_t inode) const {
   struct stat status {};
-  return ops_.statusOfName(folder_.get(), name.c_str(), status) &&
-         status.st_ino == inode && S_ISREG(status.st_mode);
+  return ops_.statusOfName(folder_.get(), name.c_str(), status) && status.st_ino == inode &&
+         S_ISREG(status.st_mode);
 }
 
 }  // namespace zt_transfers

@@ -19,10 +19,6 @@ constexpr std::uint64_t kReserveFrom = 1024 * 1024;  // smaller files are writte
 // Writing starts in windows of this size once they are complete, so that a sync has little left.
 constexpr std::uint64_t kWriteWindow = 8ULL * 1024 * 1024;
 
-[[noreturn]] void failToWrite() {
-  failWithErrno("cannot write the file to disk");
-}
-
 }  // namespace
 
 CPartialFile::Plan CPartialFile::planFor(const StartOrder& order) {
@@ -140,7 +136,21 @@ void CPartialFile::write(std::uint64_t offset, const char* data, std::size_t siz
 
 void CPartialFile::noteWritten(ByteSpan span) {
   const CMutexLock lock(mutex_);
-  addSpan(resume_.written, span);
+  // A write beside the sync that failed may have been lost with it.
+  if (!lost_) {
+    addSpan(resume_.written, span);
+  }
+}
+
+void CPartialFile::failToSync() {
+  const int error = errno;
+  {
+    const CMutexLock lock(mutex_);
+    lost_ = true;
+    resume_.written = resume_.durable;
+  }
+  errno = error;
+  failWithErrno("cannot write the file to disk");
 }
 
 void CPartialFile::noteSynced() {
@@ -172,7 +182,7 @@ void CPartialFile::checkpoint() {
   // Bytes written during the sync may or may not be included.
   ByteSpans written = resume().written;
   if (!ops_.syncContent(file_.get())) {
-    failToWrite();
+    failToSync();
   }
   const CMutexLock lock(mutex_);
   resume_.durable = std::move(written);
@@ -225,11 +235,11 @@ void CPartialFile::sync(bool alone) {
     syncFileSystem();
     checkWritten();
   } else if (alone && !ops_.sync(file_.get())) {
-    failToWrite();
+    failToSync();
   }
 }
 
-bool CPartialFile::syncFileSystem() const {
+bool CPartialFile::syncFileSystem() {
   CNewFolders& folders = CNewFolders::shared();
   const dev_t device = statusOf(ops_, file_.get()).st_dev;
   const std::uint64_t made = folders.latest(device);
@@ -238,14 +248,14 @@ bool CPartialFile::syncFileSystem() const {
     return true;
   }
   if (errno != ENOTSUP || !ops_.sync(file_.get())) {
-    failToWrite();
+    failToSync();
   }
   return false;
 }
 
-void CPartialFile::checkWritten() const {
+void CPartialFile::checkWritten() {
   if (!ops_.contentWritten(file_.get())) {
-    failToWrite();
+    failToSync();
   }
 }
 

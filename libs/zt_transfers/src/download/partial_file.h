@@ -65,7 +65,9 @@ class CPartialFile {
   // Sets the digest of the complete content, so that nothing more has to be hashed.
   void setDigest(std::string digest) { digest_ = std::move(digest); }
 
-  // Makes written bytes durable.
+  // Makes written bytes durable. When this or another sync of the file fails, the system may have
+  // dropped what it could not write, and later syncs would not tell: all bytes that are not durable
+  // then count as missing.
   void checkpoint();
   // Returns the mismatch if the content is not as expected.
   std::optional<std::string> verify(std::uint64_t size);
@@ -76,10 +78,10 @@ class CPartialFile {
   void noteSynced();
   // Makes everything written to the file system durable, including new folders. False where the
   // system has no such call: then only this file is durable.
-  bool syncFileSystem() const;
+  bool syncFileSystem();
   // After a sync of the file system: throws if any of this file's bytes could not be written since
   // it was last synced.
-  void checkWritten() const;
+  void checkWritten();
   // Gives the file its final name, which is durable only after syncFolder.
   std::string publish() { return entry_.publish(); }
   void syncFolder() const { entry_.syncFolder(); }
@@ -105,6 +107,7 @@ class CPartialFile {
   void setResume(DownloadResume resume);
   void reserve(std::uint64_t size);
   void noteWritten(ByteSpan span);
+  [[noreturn]] void failToSync();
   CContentHash& openHash();
   std::string digest(std::uint64_t size);
 
@@ -119,6 +122,7 @@ class CPartialFile {
 
   mutable CMutex mutex_;
   DownloadResume resume_ GUARDED_BY(mutex_);
+  bool lost_ GUARDED_BY(mutex_) = false;  // a sync has failed
 };
 
 }  // namespace zt_transfers

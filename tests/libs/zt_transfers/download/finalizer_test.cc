@@ -17,6 +17,7 @@
 #include "download/small_files.h"
 #include "download/target_folder.h"
 #include "sandbox.h"
+#include "troubled_disk.h"
 
 namespace zt_transfers::test {
 namespace {
@@ -136,7 +137,35 @@ TEST_F(Finalization, NoticesWhichOfManyFilesCouldNotBeWrittenBeforeTheSyncOfAll)
                           [](const auto& end) { return end.outcome.kind == Kind::kDone; }),
             3);
   EXPECT_EQ(ends[3].outcome.kind, Kind::kRetry);
-  EXPECT_THAT(names(), ElementsAre(::testing::StartsWith(".lost"), "a", "b", "c"));
+  EXPECT_THAT(names(), ElementsAre("a", "b", "c"));
+}
+
+TEST_F(Finalization, CountsBytesAsMissingThatAFailedSyncMayHaveLost) {
+  CTroubledFileOps disk;
+  CPartialFile::Plan plan;
+  plan.folder = sandbox.folder().string();
+  plan.target = parseTargetPath("file");
+  const auto file = std::make_shared<CPartialFile>(disk, plan);
+  file->write(0, "sound", 5);
+  file->checkpoint();
+  file->write(5, "lost", 4);
+  disk.failingSyncs = 1;
+  EXPECT_THROW(file->checkpoint(), std::system_error);
+  file->write(9, "beside it", 9);
+  EXPECT_THAT(file->resume().written, ElementsAre(ByteSpan{0, 5}));
+
+  // The same at the end: the next attempt must not find a file that only lacks its name.
+  const auto last = std::make_shared<CPartialFile>(disk, plan);
+  last->write(0, "lost", 4);
+  EXPECT_EQ(last->verify(4), std::nullopt);
+  disk.failingSyncs = 1;
+  const auto progress = std::make_shared<AttemptProgress>();
+  CFinalizer finalizer({.synced = [](const auto&) {}, .finalized = keepEnds()});
+  progress->setResume(last->resume());
+  finalizer.finalize({{1, last, progress}});
+  ASSERT_EQ(ends.size(), 1U);
+  EXPECT_EQ(ends[0].outcome.kind, Kind::kRetry);
+  EXPECT_EQ(progress->resume().bytes(), 0U);
 }
 
 TEST_F(Finalization, KeepsNewFoldersOnceWhoeverMadeThem) {

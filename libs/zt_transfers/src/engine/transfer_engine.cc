@@ -242,6 +242,7 @@ void CTransferEngine::onAttemptsDone(const std::vector<AttemptEnd>& ends) {
   for (const auto& [priority, line] : lines) {
     log_.write(priority, line);
   }
+  wake_();  // a retry can be due before anything else wakes the network thread
 }
 
 void CTransferEngine::reschedule(CTransferGroup& group) {

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <stdexcept>
+#include <utility>
 
 #include "base/ascii.h"
 
@@ -26,6 +28,15 @@ long receiveBufferFor(std::uint64_t responseSize) {
 // middle closes the connection, and its response can get lost.
 constexpr std::uint64_t kAskFirstFrom = 8ULL * 1024 * 1024;
 constexpr long kAskFirstLimit = 500;  // milliseconds, for servers that ignore the question
+
+// Bytes. More means that the response has no end.
+constexpr std::uint64_t kMaxResponseToContent = 1024ULL * 1024;
+
+int statusOf(std::string_view statusLine) {
+  const std::string_view rest =
+      statusLine.substr(std::min(statusLine.find(' '), statusLine.size()));
+  return std::atoi(std::string(rest).c_str());
+}
 
 // libcurl sets these headers; other values would contradict the request that it sends.
 bool belongsToTransport(std::string_view name) {
@@ -55,12 +66,17 @@ bool isHeaderValue(std::string_view value) {
 
 CHttpExchange::CHttpExchange(CHttpLoop& loop, const HttpRequest& request, IHttpBody* body,
                              IHttpSink* sink, Done done)
-    : loop_(loop), timeout_(request.timeout), body_(body), sink_(sink), done_(std::move(done)) {
+    : loop_(loop),
+      patience_(request.patience),
+      bodySize_(request.bodySize),
+      body_(body),
+      sink_(sink),
+      done_(std::move(done)),
+      liveness_(patience_, loop.clock().now()) {
   loop_.assertOnLoop();
   setUpHeaders(request);
   easy_ = loop_.takeEasy();
   setUp(request);
-  movedAt_ = loop_.clock().now();
   loop_.add(*this);
 }
 
@@ -108,7 +124,7 @@ void CHttpExchange::setUp(const HttpRequest& request) {
   set(CURLOPT_NOSIGNAL, 1L);
   set(CURLOPT_NOPROGRESS, 1L);
   set(CURLOPT_QUICK_EXIT, 1L);
-  set(CURLOPT_CONNECTTIMEOUT, static_cast<long>(kConnectLimit.count()));
+  set(CURLOPT_CONNECTTIMEOUT, static_cast<long>(patience_.connect.count()));
   set(CURLOPT_ERRORBUFFER, &errorText_[0]);
   set(CURLOPT_HEADERFUNCTION, &CHttpExchange::takeHeader);
   set(CURLOPT_HEADERDATA, this);
@@ -165,7 +181,6 @@ void CHttpExchange::resumeBody() {
   loop_.assertOnLoop();
   if (bodyPaused_) {
     bodyPaused_ = false;
-    movedAt_ = loop_.clock().now();
     curl_easy_pause(easy_.get(), CURLPAUSE_CONT);
   }
 }
@@ -182,24 +197,37 @@ void CHttpExchange::finish(CURLcode code) {
   done_(std::move(response_));
 }
 
-// Whether there was no traffic for too long, unless this side holds its bytes back.
-bool CHttpExchange::stalledAt(TimePoint now) {
+bool CHttpExchange::isConnected() const {
+  curl_off_t connected = 0;
+  curl_easy_getinfo(easy_.get(), CURLINFO_PRETRANSFER_TIME_T, &connected);
+  return connected > 0;
+}
+
+bool CHttpExchange::check(std::uint64_t unconfirmed, TimePoint now) {
   curl_off_t sent = 0;
   curl_off_t received = 0;
+  long head = 0;
   curl_easy_getinfo(easy_.get(), CURLINFO_SIZE_UPLOAD_T, &sent);
   curl_easy_getinfo(easy_.get(), CURLINFO_SIZE_DOWNLOAD_T, &received);
-  const auto moved = static_cast<std::uint64_t>(sent + received);
-  if (moved != movedBytes_ || bodyPaused_) {
-    movedBytes_ = moved;
-    movedAt_ = now;
-  }
-  response_.stalled = now - movedAt_ > timeout_;
-  return response_.stalled;
+  curl_easy_getinfo(easy_.get(), CURLINFO_HEADER_SIZE, &head);
+  ExchangeState state;
+  state.connected = isConnected();
+  state.given = static_cast<std::uint64_t>(sent);
+  state.unconfirmed = unconfirmed;
+  state.requestGiven = body_ == nullptr || state.given >= bodySize_;
+  state.responseBegun = responseBegun_;
+  state.received = static_cast<std::uint64_t>(received + head);
+  state.held = std::exchange(heldSinceCheck_, bodyPaused_) || bodyPaused_;
+  const CLiveness::Finding finding = liveness_.look(state, now);
+  response_.stalled = finding == CLiveness::Finding::kStalled;
+  return finding == CLiveness::Finding::kAlive;
 }
 
 void CHttpExchange::takeHeaderLine(std::string_view line) {
   if (startsWithIgnoringCase(line, "HTTP/")) {
     response_.headers.clear();  // of an interim response
+    // A proxy answers before the connection is complete.
+    responseBegun_ = isConnected() && statusOf(line) >= 200;
     return;
   }
   const auto colon = line.find(':');
@@ -216,7 +244,7 @@ std::size_t CHttpExchange::readBody(char* to, std::size_t size, std::size_t coun
     case IHttpBody::Read::kData:
       return copied;
     case IHttpBody::Read::kLater:
-      exchange.bodyPaused_ = true;
+      exchange.bodyPaused_ = exchange.heldSinceCheck_ = true;
       return CURL_READFUNC_PAUSE;
     default:
       return CURL_READFUNC_ABORT;
@@ -248,7 +276,7 @@ std::size_t CHttpExchange::takeContent(const char* data, std::size_t size) {
     case IHttpSink::Write::kTaken:
       return size;
     case IHttpSink::Write::kLater:
-      bodyPaused_ = true;
+      bodyPaused_ = heldSinceCheck_ = true;
       return CURL_WRITEFUNC_PAUSE;
     case IHttpSink::Write::kToResponse:
       sink_ = nullptr;
@@ -263,9 +291,16 @@ std::size_t CHttpExchange::takeIntoResponse(const char* data, std::size_t size) 
   const std::size_t room =
       HttpResponse::kBodyLimit - std::min(HttpResponse::kBodyLimit, body.size());
   body.append(data, std::min(room, size));
-  // A download does not read a long page that only explains a refusal.
-  bodyCut_ = body_ == nullptr && room < size;
-  return bodyCut_ ? 0 : size;
+  responseSize_ += size;
+  // Nobody reads a long page that only explains a refusal.
+  const std::uint64_t limit = body_ == nullptr ? HttpResponse::kBodyLimit : kMaxResponseToContent;
+  if (responseSize_ <= limit) {
+    return size;
+  }
+  long status = 0;
+  curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &status);
+  bodyCut_ = body_ == nullptr || status / 100 != 2;
+  return 0;
 }
 
 }  // namespace zt_transfers

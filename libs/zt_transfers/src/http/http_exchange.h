@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -8,6 +7,7 @@
 #include "http/curl_handles.h"
 #include "http/http_loop.h"
 #include "http/http_transport.h"
+#include "http/liveness.h"
 
 namespace zt_transfers {
 
@@ -15,8 +15,6 @@ namespace zt_transfers {
 class CHttpExchange final : public IHttpExchange {
  public:
   using Done = IHttpTransport::Done;
-
-  static constexpr std::chrono::seconds kConnectLimit{30};
 
   // Either the body or the sink is null; see IHttpTransport::send.
   CHttpExchange(CHttpLoop& loop, const HttpRequest& request, IHttpBody* body, IHttpSink* sink,
@@ -30,13 +28,18 @@ class CHttpExchange final : public IHttpExchange {
   // For CHttpLoop.
   CURL* easy() const { return easy_.get(); }
   void finish(CURLcode code);
-  bool stalledAt(TimePoint now);
+  // False when the exchange has lost its patience. `unconfirmed`: bytes that this exchange alone
+  // has in its connection's queue.
+  bool check(std::uint64_t unconfirmed, TimePoint now);
+  void noteStalled() { response_.stalled = true; }
+  const CLiveness& liveness() const { return liveness_; }
 
  private:
   void setUp(const HttpRequest& request);
   void setUpBody(const HttpRequest& request);
   void setUpSmallBody(const HttpRequest& request, std::string_view content);
   void setUpHeaders(const HttpRequest& request);
+  bool isConnected() const;
   void takeHeaderLine(std::string_view line);
   std::size_t takeContent(const char* data, std::size_t size);
   std::size_t takeIntoResponse(const char* data, std::size_t size);
@@ -47,7 +50,8 @@ class CHttpExchange final : public IHttpExchange {
   static std::size_t takeBody(char* data, std::size_t size, std::size_t count, void* self);
 
   CHttpLoop& loop_;
-  const std::chrono::seconds timeout_;
+  const HttpPatience patience_;
+  const std::uint64_t bodySize_;
   IHttpBody* const body_;  // this or the sink is null
   IHttpSink* sink_;
   Done done_;
@@ -56,9 +60,11 @@ class CHttpExchange final : public IHttpExchange {
   HttpResponse response_;
   char errorText_[CURL_ERROR_SIZE] = "";
   bool bodyPaused_ = false;
-  bool bodyCut_ = false;  // the response's body exceeds the limit of HttpResponse
-  std::uint64_t movedBytes_ = 0;
-  TimePoint movedAt_{};
+  bool heldSinceCheck_ = false;  // the body was paused at some time since the last check
+  bool bodyCut_ = false;         // the response's body exceeds the limit of HttpResponse
+  bool responseBegun_ = false;
+  std::uint64_t responseSize_ = 0;  // bytes of the body that came, kept or not
+  CLiveness liveness_;
 };
 
 }  // namespace zt_transfers

@@ -7,6 +7,7 @@
 
 #include "base/thread_name.h"
 #include "http/http_exchange.h"
+#include "http/stall_check.h"
 
 namespace zt_transfers {
 namespace {
@@ -120,12 +121,13 @@ void CHttpLoop::run(const Tick& tick) {
       curl_multi_perform(multi_.get(), &active);
     }
     const bool finished = finishExchanges();
-    checkStalls(clock_.now());
+    const bool stalled = endStalled(clock_.now());
     retired_.clear();  // before the wait, as it can post tasks
+    // Only now is it known what the round has changed.
     if (const auto open = throttle_.nextDue(clock_.now()); open && (!due || *open < *due)) {
       due = open;
     }
-    waitForTraffic(due, finished || again_);
+    waitForTraffic(due, finished || stalled || again_);
   }
 }
 
@@ -165,23 +167,20 @@ bool CHttpLoop::finishExchanges() {
   return any;
 }
 
-void CHttpLoop::checkStalls(TimePoint now) {
+// Returns whether there was any: then something new may be due.
+bool CHttpLoop::endStalled(TimePoint now) {
   if (now - stallsChecked_ < kStallCheckInterval) {
-    return;
+    return false;
   }
   stallsChecked_ = now;
-  std::vector<CHttpExchange*> stalled;
-  for (CHttpExchange* exchange : exchanges_) {
-    if (exchange->stalledAt(now)) {
-      stalled.push_back(exchange);
-    }
-  }
+  const auto stalled = stalledAmong(exchanges_, connections_, now);
   for (CHttpExchange* exchange : stalled) {
     // The end of one request for a file may have ended the others.
     if (exchanges_.count(exchange) != 0) {
       exchange->finish(CURLE_OPERATION_TIMEDOUT);
     }
   }
+  return !stalled.empty();
 }
 
 // Connections that were open when the machine went to sleep are probably dead, without any notice.
@@ -250,6 +249,7 @@ void CHttpLoop::giveBack(CurlEasy easy) {
 
 void CHttpLoop::add(CHttpExchange& exchange) {
   curl_easy_setopt(exchange.easy(), CURLOPT_PRIVATE, &exchange);
+  connections_.observe(exchange.easy());
   avoidDeadConnections(exchange.easy());
   if (curl_multi_add_handle(multi_.get(), exchange.easy()) != CURLM_OK) {
     throw std::bad_alloc();

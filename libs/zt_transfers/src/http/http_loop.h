@@ -14,6 +14,7 @@
 
 #include "base/clock.h"
 #include "base/mutex.h"
+#include "http/connections.h"
 #include "http/curl_handles.h"
 #include "http/http_transport.h"
 
@@ -68,7 +69,7 @@ class CHttpLoop final : public IHttpTransport {
   void run(const Tick& tick);
   bool runTasks();
   bool finishExchanges();
-  void checkStalls(TimePoint now);
+  bool endStalled(TimePoint now);
   void noticeSleep(TimePoint now);
   void avoidDeadConnections(CURL* easy);
   void waitForTraffic(std::optional<TimePoint> due, bool atOnce);
@@ -76,6 +77,7 @@ class CHttpLoop final : public IHttpTransport {
   const std::string name_;
   std::string userAgent_;  // constant while the loop runs
   const IClock& clock_;
+  CConnections connections_;  // outlives multi_, which closes them
   const CurlMulti multi_;
   std::thread thread_;
   std::atomic<std::thread::id> loopThread_{};

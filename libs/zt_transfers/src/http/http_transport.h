@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -13,22 +12,20 @@
 #include "base/executor.h"
 #include "base/retired.h"
 #include "http/http_response.h"
+#include "http/patience.h"
 #include "http/redirect.h"
 #include "http/throttle.h"
 
 namespace zt_transfers {
 
-// The longest time without traffic.
-inline constexpr std::chrono::seconds kDefaultTimeout{60};
-
 struct HttpRequest {
   std::string method = "PUT";
-  std::string url;
-  HttpHeaders headers;
+  std::string url{};
+  HttpHeaders headers{};
   std::uint64_t bodySize = 0;      // bytes; sent as Content-Length if the request has a body
   std::uint64_t responseSize = 0;  // bytes that are expected at most; 0: unknown
-  std::string proxy;               // empty: the system's
-  std::chrono::seconds timeout = kDefaultTimeout;
+  std::string proxy{};             // empty: the system's
+  HttpPatience patience{};
 };
 
 // The source of a request's body. Thread: the loop's.

@@ -24,7 +24,7 @@ void CTextRequest::send() {
   request.headers = redirects_.headers();
   request.bodySize = request_.body.size();
   request.proxy = request_.proxy;
-  request.timeout = request_.timeout;
+  request.patience = request_.patience;
   const auto answered = [this](HttpResponse response) { onResponse(std::move(response)); };
   if (request_.method == "POST") {
     exchange_ = loop_.send(request, static_cast<IHttpBody&>(*this), answered);

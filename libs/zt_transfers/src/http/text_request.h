@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -26,7 +25,7 @@ class CTextRequest final : public IHttpBody, public IHttpSink {
     HttpHeaders headers;
     std::string body{};
     std::string proxy{};
-    std::chrono::seconds timeout = kDefaultTimeout;  // without any traffic
+    HttpPatience patience{};
     int maxRedirects = CRedirects::kMax;
   };
   using Done = std::function<void(const HttpResponse&)>;

@@ -64,6 +64,7 @@ void CFileRequest::send() {
   request.headers = redirects_.headers();
   request.bodySize = size_;
   request.proxy = order_.proxy;
+  request.patience = kPatienceWithContent;
   try {
     exchange_ = dependencies_.loop.send(
         request, *this, [this](const HttpResponse& response) { onResponse(response); });

@@ -10,9 +10,6 @@
 namespace zt_transfers {
 namespace {
 
-// A server may copy a large object before it responds.
-constexpr std::chrono::minutes kCompletionTimeout{10};
-
 constexpr int kPartsOnAPage = 1000;
 
 // Such a header would be wrong for a part.
@@ -60,7 +57,7 @@ CTextRequest::Request completionRequest(const UploadSession& session, const std:
       request("POST", withQuery(session.url, idQuery(session)), partHeaders(session), proxy);
   completion.headers.emplace_back("Content-Type", "application/xml");
   completion.body = completionOf(session.parts);
-  completion.timeout = kCompletionTimeout;
+  completion.patience = kPatienceWithContent;
   return completion;
 }
 

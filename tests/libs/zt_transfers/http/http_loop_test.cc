@@ -4,61 +4,30 @@
 
 #include <atomic>
 #include <future>
-#include <memory>
 
 #include "fault_server.h"
+#include "loop_client.h"
 
 namespace zt_transfers::test {
 namespace {
 
-// Of a machine that a test lets sleep.
-class CSleepyClock : public IClock {
- public:
-  TimePoint now() const override { return std::chrono::steady_clock::now() + slept(); }
-  std::int64_t secondsSince1970() const override { return 0; }
-  Duration slept() const override { return Duration(slept_.load()); }
-  void sleep(Duration time) { slept_ += time.count(); }
+using std::chrono::seconds;
 
- private:
-  std::atomic<Duration::rep> slept_{0};
-};
-
-class HttpLoop : public ::testing::Test, public IHttpSink {
+class HttpLoop : public ::testing::Test {
  protected:
-  void SetUp() override {
-    loop.start([] { return std::nullopt; }, [this] { exchanges.clear(); });
-  }
-  Write write(const HttpResponse&, const char*, std::size_t) override { return Write::kToResponse; }
-  std::future<HttpResponse> get(const std::string& path) {
-    auto promise = std::make_shared<std::promise<HttpResponse>>();
-    loop.post([this, promise, path] {
-      HttpRequest request;
-      request.method = "GET";
-      request.url = server.url(path);
-      exchanges.push_back(
-          loop.send(request, static_cast<IHttpSink&>(*this),
-                    [this, promise, at = exchanges.size()](const HttpResponse& response) {
-                      if (!keepsEnded) {
-                        loop.retire(std::move(exchanges[at]));
-                      }
-                      promise->set_value(response);
-                    }));
-    });
-    return promise->get_future();
+  std::future<HttpResponse> get(const std::string& path, const HttpPatience& patience = {}) {
+    return client.get(server.url(path), patience);
   }
 
   CFaultServer server;
-  CSleepyClock clock;
-  std::atomic<bool> keepsEnded = false;
-  std::vector<std::unique_ptr<IHttpExchange>> exchanges;  // the loop's
-  CHttpLoop loop{"zt-net-test", clock};
+  CLoopClient client;
 };
 
 TEST_F(HttpLoop, UsesNoConnectionAgainThatIsOlderThanASleep) {
   server.put("/file", "content");
   get("/file").get();
   get("/file").get();
-  clock.sleep(std::chrono::seconds(30));
+  client.clock.sleep(seconds(30));
   get("/file").get();
   get("/file").get();
   const auto requests = server.requests();
@@ -70,10 +39,10 @@ TEST_F(HttpLoop, UsesNoConnectionAgainThatIsOlderThanASleep) {
 
 TEST_F(HttpLoop, LooksNoMoreAtWhatHasEndedHoweverLongItIsKept) {
   server.put("/file", "content");
-  keepsEnded = true;
+  client.keepsEnded = true;
   for (int times = 0; times < 3; ++times) {
     EXPECT_EQ(get("/file").get().status, 200);
-    clock.sleep(std::chrono::minutes(10));
+    client.clock.sleep(std::chrono::minutes(10));
   }
 }
 
@@ -81,9 +50,52 @@ TEST_F(HttpLoop, EndsWhatWasOpenDuringALongSleep) {
   server.planForAll(fault::stall());
   auto response = get("/file");
   ASSERT_TRUE(server.waitForRequests(1));
-  clock.sleep(std::chrono::minutes(10));
-  ASSERT_EQ(response.wait_for(std::chrono::seconds(30)), std::future_status::ready);
+  client.clock.sleep(std::chrono::minutes(10));
+  ASSERT_EQ(response.wait_for(seconds(30)), std::future_status::ready);
   EXPECT_TRUE(response.get().stalled);
+  server.release();
+}
+
+TEST_F(HttpLoop, WaitsForWhatIsDueOnceTheLastExchangeHasStalled) {
+  std::atomic<bool> stalled = false;
+  std::promise<void> asked;
+  // As an engine whose attempt ends: only then it knows when the next one is due.
+  CLoopClient engine([&]() -> std::optional<TimePoint> {
+    if (stalled.exchange(false)) {
+      asked.set_value();
+    }
+    return std::nullopt;
+  });
+  server.planForAll(fault::stall());
+  HttpRequest request{
+      .method = "GET", .url = server.url("/file"), .patience = {.response = seconds(1)}};
+  EXPECT_TRUE(engine.send(request, "", [&] { stalled = true; }).get().stalled);
+  EXPECT_EQ(asked.get_future().wait_for(seconds(10)), std::future_status::ready);
+  server.release();
+}
+
+TEST_F(HttpLoop, IsPatientWhileTheSystemStillSendsAndWhileTheServerThinks) {
+  const HttpPatience impatient{.send = seconds(1), .response = seconds(20)};
+  const std::string content(3'000'000, 'c');
+  // Most of it lies in the system's queue when the server has taken little.
+  server.plan("/slow", {fault::slow(1'000'000)});
+  server.plan("/thinking", {fault::hold()});
+  auto slow = client.put(server.url("/slow"), content, impatient);
+  auto thinking = client.put(server.url("/thinking"), "content", impatient);
+  EXPECT_EQ(slow.get().status, 200);
+  EXPECT_EQ(thinking.wait_for(seconds(0)), std::future_status::timeout);
+  server.release();
+  EXPECT_EQ(thinking.get().status, 200);
+}
+
+TEST_F(HttpLoop, EndsAnUploadWhoseBytesNobodyConfirmsAndAResponseThatNeverEnds) {
+  server.plan("/deaf", {fault::stall()});
+  server.plan("/endless", {fault::of(Fault::Kind::kEndlessResponse)});
+  const HttpPatience patience{.send = seconds(1), .wholeResponse = seconds(2)};
+  auto deaf = client.put(server.url("/deaf"), std::string(50'000'000, 'c'), patience);
+  auto endless = client.put(server.url("/endless"), "content", patience);
+  EXPECT_TRUE(deaf.get().stalled);
+  EXPECT_TRUE(endless.get().stalled);
   server.release();
 }
 

@@ -14,6 +14,7 @@
 
 #include "base/wide_bytes.h"
 #include "download_fixture.h"
+#include "loop_client.h"
 #include "sandbox.h"
 #include "upload_fixture.h"
 
@@ -149,6 +150,17 @@ TEST_F(Http2, IsNotNeeded) {
   const auto group = send(node, 4, 1000);
   ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted)) << log();
   EXPECT_EQ(node.finish()["versions"]["1.1"].asInt(), 4);
+}
+
+TEST_F(Http2, UsesNoConnectionAgainThatHasStalled) {
+  CNodeServer node("mute");
+  CLoopClient client;
+  const HttpPatience patience{.response = std::chrono::seconds(2)};
+  auto one = client.get(node.url("/one"), patience);
+  auto other = client.get(node.url("/other"), patience);
+  EXPECT_TRUE(one.get().stalled);
+  EXPECT_TRUE(other.get().stalled);
+  EXPECT_EQ(client.get(node.url("/again"), patience).get().status, 404);
 }
 
 TEST_F(Http2, KeepsToTheLimit) {

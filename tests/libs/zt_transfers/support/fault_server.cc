@@ -114,6 +114,10 @@ class CFaultServer::CConnection {
     if (fault.kind == Fault::Kind::kStatus) {
       return send(fault.status, fault.headers, fault.body);
     }
+    if (fault.kind == Fault::Kind::kEndlessResponse) {
+      return sendText("HTTP/1.1 200 Status\r\nContent-Length: 100000\r\n\r\n") &&
+             sendSlowly(path, std::string(100'000, ' '), 1, 20);
+    }
     if (fault.kind == Fault::Kind::kHold && !server_.waitForRelease()) {
       return false;
     }
@@ -151,9 +155,13 @@ class CFaultServer::CConnection {
   }
 
   bool sendBody(const std::string& path, const std::string& body, std::uint64_t bytesPerSecond) {
-    const auto begin = std::chrono::steady_clock::now();
     // Slow bodies go in small pieces.
-    const std::size_t piece = bytesPerSecond != 0 ? 16 * 1024 : 256 * 1024;
+    return sendSlowly(path, body, bytesPerSecond != 0 ? 16 * 1024 : 256 * 1024, bytesPerSecond);
+  }
+
+  bool sendSlowly(const std::string& path, const std::string& body, std::size_t piece,
+                  std::uint64_t bytesPerSecond) {
+    const auto begin = std::chrono::steady_clock::now();
     for (std::size_t sent = 0; sent < body.size();) {
       const std::string part = body.substr(sent, piece);
       if (!sendText(part)) {

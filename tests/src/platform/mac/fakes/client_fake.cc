@@ -29,6 +29,15 @@ ClientRecord& client() {
   return fake;
 }
 
+std::string textThrownBy(const std::function<void()>& call) {
+  try {
+    call();
+    return {};
+  } catch (const std::exception& exception) {
+    return exception.what();
+  }
+}
+
 void RecordingCommands::openFiles(const std::vector<std::string>& paths) {
   for (const std::string& path : paths) {
     recordCall("open " + path);

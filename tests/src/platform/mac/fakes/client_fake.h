@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,10 @@ struct ClientRecord {
 };
 
 ClientRecord& client();
+
+// The text of the standard exception that `call` throws; empty when it throws none. Objective-C's
+// runtime here lets no C++ exception be caught in its own files.
+std::string textThrownBy(const std::function<void()>& call);
 
 // Records the commands among the calls.
 class RecordingCommands : public IApplicationCommands {

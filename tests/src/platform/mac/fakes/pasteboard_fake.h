@@ -17,16 +17,11 @@
   BOOL _raises;
 }
 + (MemoryPasteboard*)drag;
++ (NSPasteboard*)system;  // the same, as the system hands it out
 - (void)clear;
 - (void)setRaises:(BOOL)raises;  // whatever it is asked or told
 - (id)owner;
-- (NSArray*)types;
 - (void)declareTypes:(NSArray*)types owner:(id)owner;
-- (BOOL)setString:(NSString*)string forType:(NSString*)type;
-- (BOOL)setPropertyList:(id)list forType:(NSString*)type;
-- (NSString*)stringForType:(NSString*)type;
-- (NSData*)dataForType:(NSString*)type;
-- (id)propertyListForType:(NSString*)type;
 @end
 
 // A drag over a view.

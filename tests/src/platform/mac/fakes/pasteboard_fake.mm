@@ -6,6 +6,10 @@
   return pasteboard;
 }
 
++ (NSPasteboard*)system {
+  return (NSPasteboard*)[MemoryPasteboard drag];
+}
+
 + (id)pasteboardWithName:(NSString*)name {
   return [name isEqualToString:NSDragPboard] ? [MemoryPasteboard drag] : nil;
 }
@@ -59,22 +63,18 @@
   _owner = owner;
 }
 
-- (BOOL)setData:(NSData*)data forType:(NSString*)type {
-  [self used];
-  [_contents setObject:data forKey:type];
-  return YES;
-}
-
-- (BOOL)setString:(NSString*)string forType:(NSString*)type {
-  [self used];
-  [_contents setObject:string forKey:type];
-  return YES;
-}
-
 - (BOOL)setPropertyList:(id)list forType:(NSString*)type {
   [self used];
   [_contents setObject:list forKey:type];
   return YES;
+}
+
+- (BOOL)setData:(NSData*)data forType:(NSString*)type {
+  return [self setPropertyList:data forType:type];
+}
+
+- (BOOL)setString:(NSString*)string forType:(NSString*)type {
+  return [self setPropertyList:string forType:type];
 }
 
 - (id)contentsOf:(NSString*)type {
@@ -108,7 +108,7 @@
 }
 
 - (NSPasteboard*)draggingPasteboard {
-  return (NSPasteboard*)[MemoryPasteboard drag];
+  return [MemoryPasteboard system];
 }
 
 - (NSDragOperation)draggingSourceOperationMask {

@@ -2,10 +2,9 @@
 
 #import <AddressBook/AddressBook.h>
 
-#include "src/platform/mac/fakes/core_foundation_fake.h"
+#include "src/platform/mac/fakes/client_fake.h"
 #include "src/platform/mac/fakes/method_swap.h"
 #include "src/platform/mac/mac_fixture.h"
-#include "src/platform/mac/thrown_text.h"
 #include "support/temporary_folder.h"
 
 namespace {
@@ -106,15 +105,6 @@ TEST_F(AddressBookMac, UsesMacRomanForQueriesAndNames) {
   EXPECT_EQ(search("Zo\xC3\xAB"), ContactEntries()) << "UTF-8";
   EXPECT_EQ(search("wang"), (ContactEntries{{"", "Wang", "wang@example.org"}}))
       << "a name that Mac Roman cannot encode is empty";
-}
-
-TEST_F(AddressBookMac, ReleasesTheSharedBook) {
-  const NSUInteger before = [book_ retainCount];
-  {
-    const auto book = createAddressBook();
-    EXPECT_EQ([book_ retainCount], before + 1);
-  }
-  EXPECT_EQ([book_ retainCount], before);
 }
 
 // Results that the store cannot give here.

@@ -1,10 +1,8 @@
 #include <filesystem>
 
 #include "base/drag_data_impl.h"
-#include "src/platform/mac/fakes/calls.h"
-#include "src/platform/mac/fakes/core_foundation_fake.h"
 #include "src/platform/mac/fakes/pasteboard_fake.h"
-#include "src/platform/mac/fakes/system_services_fake.h"
+#include "src/platform/mac/fakes/system_fake.h"
 #include "src/platform/mac/view/view_fixture.h"
 #include "support/temporary_folder.h"
 
@@ -17,11 +15,12 @@ class ClientOpenGLViewDragsMac : public ViewTest {
  protected:
   void TearDown() override {
     ViewTest::TearDown();
-    EXPECT_EQ([pasteboard() owner], nil) << "promises of a destroyed view";
-    [pasteboard() clear];
+    EXPECT_EQ([[MemoryPasteboard drag] owner], nil) << "promises of a destroyed view";
+    [[MemoryPasteboard drag] clear];
   }
 
-  static MemoryPasteboard* pasteboard() { return [MemoryPasteboard drag]; }
+  static NSPasteboard* pasteboard() { return [MemoryPasteboard system]; }
+  static void raise(bool raises) { [[MemoryPasteboard drag] setRaises:raises]; }
 
   static Lines types() {
     Lines names;
@@ -72,13 +71,13 @@ class ClientOpenGLViewDragsMac : public ViewTest {
 };
 
 TEST_F(ClientOpenGLViewDragsMac, OffersWhatThePageLetsDragAndProvidesItWhenAsked) {
-  systemServices().mimeTypes = {{"png", "image/png"}};
-  systemServices().typeIdentifiers = {{"image/png", "public.png"}};
+  fakeSystem().mimeTypes = {{"png", "image/png"}};
+  fakeSystem().typeIdentifiers = {{"image/png", "public.png"}};
   ASSERT_TRUE(start(everything()));
   EXPECT_EQ(types(),
             (Lines{"org.CEF.drag-dummy-type", textOf(NSURLPboardType), "public.url-name",
                    "public.png", textOf(NSFilesPromisePboardType), textOf(NSStringPboardType)}));
-  EXPECT_EQ([pasteboard() owner], view_);
+  EXPECT_EQ([[MemoryPasteboard drag] owner], view_);
   EXPECT_EQ(textOf([pasteboard() stringForType:NSURLPboardType]), "http://127.0.0.1/a");
   EXPECT_EQ(textOf([pasteboard() stringForType:@"public.url-name"]), "Zo\u00EB");
   EXPECT_EQ(textOf([pasteboard() stringForType:NSStringPboardType]), "text \u20AC");
@@ -119,9 +118,9 @@ TEST_F(ClientOpenGLViewDragsMac, RunsTheDragFromTheApplicationsLoopAndReportsIts
 }
 
 TEST_F(ClientOpenGLViewDragsMac, DoesNotStartADragThatTheSystemRefuses) {
-  [pasteboard() setRaises:YES];
+  raise(true);
   EXPECT_FALSE(start(everything()));
-  [pasteboard() setRaises:NO];
+  raise(false);
   ASSERT_EQ(calls().size(), 1u);
   EXPECT_TRUE(calls()[0].starts_with("log: Exception of the system caught: "));
   EXPECT_FALSE(start(nullptr));
@@ -170,16 +169,16 @@ TEST_F(ClientOpenGLViewDragsMac, SkipsUnreadableItemsOfADragIntoTheView) {
   EXPECT_EQ(Lines(paths.begin(), paths.end()), Lines{"/"});
   EXPECT_EQ(calls().size(), 2u) << "one log line per skipped name";
 
-  [pasteboard() setRaises:YES];
+  raise(true);
   [view_ draggingEntered:over()];
   EXPECT_EQ(sent().size(), 3u) << "the browser was not notified";
 }
 
 TEST_F(ClientOpenGLViewDragsMac, ItsOwnDragKeepsItsDataWithoutThePasteboard) {
   ASSERT_TRUE(start(everything()));
-  [pasteboard() setRaises:YES];
+  raise(true);
   [view_ draggingEntered:over()];
-  [pasteboard() setRaises:NO];
+  raise(false);
   EXPECT_EQ(calls(), Lines{});
   EXPECT_EQ(host_->entered->GetLinkURL().ToString(), "http://127.0.0.1/a");
 }

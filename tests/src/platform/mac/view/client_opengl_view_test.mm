@@ -1,7 +1,6 @@
 // The real view, in a window and with OpenGL on a display of the test's own.
 #include "osr/view/osr_view.h"
-#include "src/platform/mac/fakes/calls.h"
-#include "src/platform/mac/fakes/core_foundation_fake.h"
+#include "src/platform/mac/fakes/system_fake.h"
 #include "src/platform/mac/view/view_fixture.h"
 
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"

@@ -1,5 +1,5 @@
 // The view as the client of an input method, which the test plays.
-#include "src/platform/mac/fakes/calls.h"
+#include "src/platform/mac/fakes/system_fake.h"
 #include "src/platform/mac/view/view_fixture.h"
 
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"

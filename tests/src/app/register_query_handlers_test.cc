@@ -49,27 +49,17 @@ class BridgeRegistry : public testing::Test {
   QueryHandlerRegistry& registry = QueryHandlerRegistry::instance();
 };
 
-TEST_F(BridgeRegistry, KeepsTheLatestHandlersInByteOrderOfTheirNames) {
-  registerQueryHandlers({{"a", createCounted}});
-  registerQueryHandlers({{"b", createCounted}, {"B", createCounted}, {"a", createCounted}});
-  EXPECT_EQ(handlersAlive, 3);
-  std::string names;
-  for (const auto& [name, handler] : registry.entries()) {
-    names += name;
-  }
-  EXPECT_EQ(names, "Bab");
-}
-
-TEST_F(BridgeRegistry, LeavesOutABridgeWhoseHandlerCannotBeMade) {
+TEST_F(BridgeRegistry, KeepsTheLatestHandlersThatCanBeMade) {
   const LogCapture log;
   const auto fail = []() -> QueryHandlerRegistry::HandlerPtr {
     throw std::runtime_error("no handler");
   };
-  registerQueryHandlers({{"a", createCounted}, {"b", fail}, {"c", createCounted}});
+  registerQueryHandlers({{"a", createCounted}});
+  registerQueryHandlers({{"b", createCounted}, {"c", fail}, {"a", createCounted}});
+  EXPECT_EQ(handlersAlive, 2);
   EXPECT_EQ(registry.entries().size(), 2U);
-  EXPECT_EQ(registry.entries().count("b"), 0U);
   EXPECT_TRUE(log.contains(
-      "error Query handler for name b is not registered due to exception: no handler"));
+      "error Query handler for name c is not registered due to exception: no handler"));
 }
 
 TEST_F(BridgeRegistry, KeepsHandlersAliveUntilTheRunningQueryIsAnswered) {
@@ -81,25 +71,29 @@ TEST_F(BridgeRegistry, KeepsHandlersAliveUntilTheRunningQueryIsAnswered) {
   EXPECT_EQ(handlersAlive, 0);
 }
 
-TEST_F(BridgeRegistry, HoldsTheApplicationsBridges) {
+TEST_F(BridgeRegistry, HoldsTheApplicationsBridgesAlsoWithoutAnAddressBook) {
+  std::vector<std::string> expected = {"addressBookSearchManagerBridge_IPC",
+                                       "downloadManagerBridge_IPC",
+                                       "eventNotificationBridge_IPC",
+                                       "fileHandleChooserBridge_IPC",
+                                       "nativeAppBridge_IPC",
+                                       "uploadManagerBridge_IPC"};
+  const auto names = [this] {
+    std::vector<std::string> found;
+    for (const auto& [name, handler] : registry.entries()) {
+      found.push_back(name);
+    }
+    return found;
+  };
   registerQueryHandlers();
-  std::vector<std::string> names;
-  for (const auto& [name, handler] : registry.entries()) {
-    names.push_back(name);
-  }
-  EXPECT_EQ(names, (std::vector<std::string>{
-                       "addressBookSearchManagerBridge_IPC", "downloadManagerBridge_IPC",
-                       "eventNotificationBridge_IPC", "fileHandleChooserBridge_IPC",
-                       "nativeAppBridge_IPC", "uploadManagerBridge_IPC"}));
-}
-
-TEST_F(BridgeRegistry, HoldsTheOtherBridgesWhereThereIsNoAddressBook) {
+  EXPECT_EQ(names(), expected);
   const LogCapture log;
+  registry.clear();
   test::FakeServices::instance().hasAddressBook = false;
   registerQueryHandlers();
   test::FakeServices::instance().reset();
-  EXPECT_EQ(registry.entries().size(), 5U);
-  EXPECT_EQ(registry.entries().count("addressBookSearchManagerBridge_IPC"), 0U);
+  expected.erase(expected.begin());
+  EXPECT_EQ(names(), expected);
   EXPECT_TRUE(
       log.contains("error Query handler for name addressBookSearchManagerBridge_IPC is not "
                    "registered due to exception: Failed to obtain system address book reference!"));

@@ -16,18 +16,14 @@ TEST(StartOptions, TakeWhatIsNoOptionAsFiles) {
   const StartOptions options = parseStartOptions({"a", "-", "--", "--help", "-x"});
   EXPECT_EQ(options.files, (Texts{"a", "-", "--help", "-x"}));
   EXPECT_FALSE(options.help);
-  EXPECT_EQ(options.error, "");
-}
-
-TEST(StartOptions, KnowTheirNames) {
-  EXPECT_TRUE(parseStartOptions({"--help"}).help);
-  EXPECT_TRUE(parseStartOptions({"--off-screen-rendering"}).offScreenRendering);
   EXPECT_FALSE(parseStartOptions({"off-screen-rendering"}).offScreenRendering);
-  EXPECT_TRUE(parseStartOptions({"a", "--version"}).version);
-  EXPECT_NE(parseStartOptions({"--fast"}).error.find("--fast"), std::string::npos);
+  EXPECT_TRUE(parseStartOptions({"a", "--off-screen-rendering"}).offScreenRendering);
 }
 
-TEST(OpenFiles, AreFoundFromAFolderThatIsGone) {
+TEST(OpenFiles, BecomeAbsoluteUnlessTheirFolderIsGone) {
+  EXPECT_EQ(absolutePaths({"x", "../y/", "/z", "./a b"}, "/here/now"),
+            (Texts{"/here/now/x", "/here/y/", "/z", "/here/now/a b"}));
+
   const test::TestBundle place;
   const auto before = std::filesystem::current_path();
   std::filesystem::create_directory(place.folder() + "/gone");
@@ -37,11 +33,6 @@ TEST(OpenFiles, AreFoundFromAFolderThatIsGone) {
   EXPECT_EQ(absolutePaths({"/z"}, workingFolder()), (Texts{"/z"}));
   std::filesystem::current_path(before);
   EXPECT_EQ(workingFolder(), before.string());
-}
-
-TEST(OpenFiles, BecomeAbsolute) {
-  EXPECT_EQ(absolutePaths({"x", "../y/", "/z", "./a b"}, "/here/now"),
-            (Texts{"/here/now/x", "/here/y/", "/z", "/here/now/a b"}));
 }
 
 }  // namespace

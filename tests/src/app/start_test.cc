@@ -69,13 +69,11 @@ TEST_F(Start, TellsVersionAndUsageFromWhereverItIsCalled) {
   const Result help = run("zantrio --help");
   EXPECT_EQ(help.exitCode, 0);
   EXPECT_EQ(help.output.find("Usage: zantrio [FILE...]"), 0U);
-}
-
-TEST_F(Start, RefusesOptionsItDoesNotKnow) {
-  const Result result = run("zantrio --fast");
-  EXPECT_EQ(result.exitCode, 2);
-  EXPECT_TRUE(contains(result.output, "unknown option '--fast'"));
+  const Result refused = run("zantrio --fast");
+  EXPECT_EQ(refused.exitCode, 2);
+  EXPECT_TRUE(contains(refused.output, "unknown option '--fast'"));
   EXPECT_FALSE(fs::exists(home() + "/Library"));
+  EXPECT_EQ(run("zantrio-process").exitCode, 255);
 }
 
 TEST_F(Start, SaysInOneLineWhenItsInformationFileIsMissingOrMalformed) {
@@ -101,10 +99,6 @@ TEST_F(Start, SaysWhenItsDataFolderCannotBeWritten) {
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.output,
             "zantrio: The data folder " + dataFolder() + "/ cannot be written: Not a directory\n");
-}
-
-TEST_F(Start, EndsThePlainProcessEntryAtOnce) {
-  EXPECT_EQ(run("zantrio-process").exitCode, 255);
 }
 
 }  // namespace

@@ -12,19 +12,7 @@ class ApplicationCommands : public test::ZtCefHandlerTest {
   CApplicationCommands commands_;
 };
 
-TEST_F(ApplicationCommands, MovesTheWebApplicationToItsRoutes) {
-  const auto browser = openBrowser();
-  commands_.newMessage();
-  commands_.newShare();
-  const auto& scripts = browser->frame->scripts;
-  ASSERT_EQ(scripts.size(), 2U);
-  EXPECT_EQ(scripts[0].code, "Backbone.history.navigate('/message/new', { trigger: true });");
-  EXPECT_EQ(scripts[1].code, "Backbone.history.navigate('/share/new', { trigger: true });");
-  EXPECT_EQ(scripts[0].url, browser->frame->url);
-  EXPECT_EQ(scripts[0].line, 0);
-}
-
-TEST_F(ApplicationCommands, KeepsFilesUntilTheWebApplicationIsReady) {
+TEST_F(ApplicationCommands, KeepsFilesUntilTheWebApplicationIsReadyAndDoesWithoutAClient) {
   CInitialFilesContainer& container = CInitialFilesContainer::instance();
   container.set({"/a"}, true, false);
   commands_.openFiles({"/b"});
@@ -32,6 +20,10 @@ TEST_F(ApplicationCommands, KeepsFilesUntilTheWebApplicationIsReady) {
   commands_.openFiles({"/c", "/d"});
   EXPECT_EQ(container.files(), (std::vector<std::string>{"/a", "/b", "/c", "/d"}));
   container.set({}, true, false);
+  commands_.newMessage();
+  commands_.newShare();
+  commands_.quit();
+  EXPECT_EQ(framework.quitCalls(), 1);
 }
 
 TEST_F(ApplicationCommands, QuittingClosesTheBrowsersOrEndsTheMessageLoop) {
@@ -41,14 +33,6 @@ TEST_F(ApplicationCommands, QuittingClosesTheBrowsersOrEndsTheMessageLoop) {
   commands_.quit();
   EXPECT_EQ(browser->host->closeCalls, std::vector<bool>{false});
   EXPECT_EQ(framework.quitCalls(), 1);
-}
-
-TEST_F(ApplicationCommands, WithoutAClientQuittingEndsTheMessageLoop) {
-  client = nullptr;
-  commands_.quit();
-  EXPECT_EQ(framework.quitCalls(), 1);
-  commands_.newMessage();
-  commands_.newShare();
 }
 
 }  // namespace

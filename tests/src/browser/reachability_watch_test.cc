@@ -67,15 +67,11 @@ TEST_F(Reachability, IsNotProbedWhileThePageLoadsNorOnceItIsReadyOrClosed) {
   }
 }
 
-TEST_F(Reachability, ShowsTheLoadingPageWhenTheServiceDoesNotAnswer) {
+TEST_F(Reachability, ShowsTheLoadingPageUntilTheServiceAnswers) {
   ASSERT_TRUE(waitForLoads(1));
   EXPECT_EQ(browser->frame->loads[0], unreachablePage);
   EXPECT_TRUE(log.contains("warning The web application cannot be reached at " + appUrl +
                            ", showing the loading page"));
-}
-
-TEST_F(Reachability, IsAskedForAgainWhileTheLoadingPageShows) {
-  ASSERT_TRUE(waitForLoads(1));
   ASSERT_TRUE(advanceUntil([this] { return probes >= 4; }));
   EXPECT_EQ(browser->frame->loads.size(), 1U);
   reachable = true;
@@ -90,24 +86,20 @@ TEST_F(Reachability, IsMissedAgainAfterAFailedTry) {
   EXPECT_EQ(browser->frame->loads[1], unreachablePage);
 }
 
-TEST_F(Reachability, LeavesAPageThatLoadedButDoesNotAnnounceItself) {
+TEST_F(Reachability, TriesOnceFromAnErrorPageAndLeavesAPageThatDoesNotAnnounceItself) {
   reachable = true;
   EXPECT_TRUE(advanceUntil([this] {
     return log.contains("information The web application at " + appUrl +
                         " answers but has not announced itself");
   }));
   EXPECT_TRUE(browser->frame->loads.empty());
-  advanceAMinute();
-  EXPECT_EQ(probes, 2);
-  EXPECT_EQ(framework.pendingTasks(), 0U);
-}
-
-TEST_F(Reachability, TriesAgainFromAnErrorPageWhenTheServiceHasComeUpMeanwhile) {
-  reachable = true;
-  ASSERT_TRUE(advanceUntil([this] { return !browser->frame->scripts.empty(); }));
+  ASSERT_EQ(browser->frame->scripts.size(), 1U);
   const std::string& script = browser->frame->scripts[0].code;
   EXPECT_NE(script.find("location.protocol === 'chrome-error:'"), std::string::npos);
   EXPECT_NE(script.find("location.replace(\"" + appUrl + "\")"), std::string::npos);
+  advanceAMinute();
+  EXPECT_EQ(probes, 2);
+  EXPECT_EQ(framework.pendingTasks(), 0U);
 }
 
 TEST(LoadingPage, EscapesItsPath) {

@@ -15,12 +15,6 @@ using test::FakeRouter;
 
 class BrowserClient : public test::ZtCefHandlerTest {};
 
-TEST_F(BrowserClient, LeavesNavigationsUnfiltered) {
-  EXPECT_EQ(client->GetRequestHandler(), nullptr);
-  EXPECT_NE(client->GetDragHandler(), nullptr);
-  EXPECT_NE(client->GetRenderHandler(), nullptr);
-}
-
 TEST_F(BrowserClient, LeavesAPopUpAlone) {
   const CefRefPtr<FakeBrowser> popup(new FakeBrowser(2, true));
   client->OnAfterCreated(popup);
@@ -79,6 +73,12 @@ TEST_F(BrowserClient, LoadsTheWebApplicationHalfASecondLater) {
   framework.advance(1);
   EXPECT_EQ(browser->frame->loads, std::vector<std::string>{appUrl});
   EXPECT_TRUE(log.contains("information Trying to load main app using URL: " + appUrl));
+  EXPECT_TRUE(client->OnBeforeBrowse(browser, browser->frame, nullptr, false, false));
+  client->OnRenderProcessTerminated(browser, TS_PROCESS_CRASHED, 0, "");
+  for (const auto& router : framework.routers()) {
+    EXPECT_EQ(router->browsed, 1);
+    EXPECT_EQ(router->terminated, 1);
+  }
 }
 
 TEST_F(BrowserClient, OffersCompleteMessagesToAllRouters) {
@@ -94,16 +94,6 @@ TEST_F(BrowserClient, OffersCompleteMessagesToAllRouters) {
   }
 }
 
-TEST_F(BrowserClient, ForwardsNavigationAndCrashesWhenTold) {
-  const auto browser = openBrowser();
-  EXPECT_TRUE(client->OnBeforeBrowse(browser, browser->frame, nullptr, false, false));
-  client->OnRenderProcessTerminated(browser, TS_PROCESS_CRASHED, 0, "");
-  for (const auto& router : framework.routers()) {
-    EXPECT_EQ(router->browsed, 1);
-    EXPECT_EQ(router->terminated, 1);
-  }
-}
-
 class DialogAnswer : public CefJSDialogCallback {
  public:
   void Continue(bool success, const CefString& user_input) override {
@@ -115,16 +105,12 @@ class DialogAnswer : public CefJSDialogCallback {
   IMPLEMENT_REFCOUNTING(DialogAnswer);
 };
 
-class PageDialogs : public BrowserClient {
- protected:
-  bool ask(CefJSDialogHandler::JSDialogType type) {
+TEST_F(BrowserClient, HasDialogsOfThePageAnsweredByTheUserOrTheFramework) {
+  const CefRefPtr<DialogAnswer> answer(new DialogAnswer);
+  const auto ask = [&](CefJSDialogHandler::JSDialogType type) {
     bool suppress = false;
     return client->OnJSDialog(nullptr, "http://a", type, "Grüße?", "default", answer, suppress);
-  }
-  const CefRefPtr<DialogAnswer> answer = new DialogAnswer;
-};
-
-TEST_F(PageDialogs, AreAnsweredByTheUserOrLeftToTheFramework) {
+  };
   EXPECT_TRUE(ask(JSDIALOGTYPE_CONFIRM));
   services.confirmAnswer = false;
   EXPECT_TRUE(ask(JSDIALOGTYPE_CONFIRM));
@@ -164,14 +150,10 @@ class DragTaker : public CQueryHandlerBase, public IDragHandler {
   const bool takes_;
 };
 
-class Drags : public BrowserClient {
- protected:
-  bool dragEnters(const std::vector<std::string>& paths) {
+TEST_F(BrowserClient, CancelsDragsThatNoHandlerTakes) {
+  const auto dragEnters = [this](const std::vector<std::string>& paths) {
     return client->OnDragEnter(nullptr, new FakeDragData(paths), DRAG_OPERATION_COPY);
-  }
-};
-
-TEST_F(Drags, AreCancelledUnlessAHandlerTakesThem) {
+  };
   EXPECT_TRUE(dragEnters({"/a"}));
   auto* const refusing = new DragTaker(false);
   registry.set("a", refusing);
@@ -179,18 +161,12 @@ TEST_F(Drags, AreCancelledUnlessAHandlerTakesThem) {
   auto* const taking = new DragTaker(true);
   registry.set("b", taking);
   EXPECT_FALSE(dragEnters({"/a", "/b c/d"}));
-  EXPECT_EQ(refusing->kinds.size(), 2U);
   ASSERT_EQ(taking->data.paths.size(), 2U);
   EXPECT_EQ(taking->data.paths[1].toString(), "/b c/d");
   EXPECT_TRUE(log.contains("information OnDragEnter: Drag detected!"));
-  EXPECT_TRUE(log.contains("information Drag data type: 1"));
-}
-
-TEST_F(Drags, OfOtherThingsThanFilesAreOfKindZero) {
-  auto* const taking = new DragTaker(true);
-  registry.set("b", taking);
   EXPECT_TRUE(dragEnters({}));
-  EXPECT_EQ(taking->kinds, std::vector<std::uint32_t>{0});
+  EXPECT_EQ(taking->kinds, (std::vector<std::uint32_t>{1, 0}));
+  EXPECT_EQ(refusing->kinds.size(), 3U);
   EXPECT_TRUE(log.contains("information Drag data type: 0"));
 }
 
@@ -241,14 +217,18 @@ TEST_F(WebAppLifecycle, ClosesAllBrowsersWhenThePageWantsToLeave) {
   EXPECT_TRUE(log.contains("information onShutdown: Shutdown was initiated by the app!"));
 }
 
-TEST_F(WebAppLifecycle, NavigatesToAnAddressOfThePageIfThereIsOne) {
+TEST_F(WebAppLifecycle, NavigatesToTheRoutesOfThePageIfThereIsOne) {
   client->newShare();
   EXPECT_TRUE(log.contains(
       "error Failed to navigate to requested URL, since there are no active browsers!"));
   const auto browser = openBrowser();
-  client->navigateToAddress("/it's");
-  EXPECT_EQ(browser->frame->scripts.at(0).code,
-            "Backbone.history.navigate('/it's', { trigger: true });");
+  client->newMessage();
+  client->newShare();
+  const auto& scripts = browser->frame->scripts;
+  ASSERT_EQ(scripts.size(), 2U);
+  EXPECT_EQ(scripts[0].code, "Backbone.history.navigate('/message/new', { trigger: true });");
+  EXPECT_EQ(scripts[1].code, "Backbone.history.navigate('/share/new', { trigger: true });");
+  EXPECT_EQ(scripts[0].url, browser->frame->url);
   browser->frame = nullptr;
   client->newShare();
   EXPECT_TRUE(

@@ -101,12 +101,6 @@ TEST_F(Settings, ComposeTheUserAgentFromProductVersionAndSystem) {
   EXPECT_EQ(zantrio::value(app, &CAppSettings::getUserAgent), "Zantrio/1.2.3 (" + system + ")");
 }
 
-TEST_F(Settings, ThrowWithoutABundle) {
-  const CAppSettings app(nullptr, "/bin/zantrio");
-  std::string text;
-  EXPECT_THROW(app.getVersion(text), Poco::NullPointerException);
-}
-
 TEST_F(Settings, ReachTheFramework) {
   const ScopedHome home("/home/me");
   const CAppSettings app = settings("<key>CFBundleShortVersionString</key><string>1</string>");
@@ -118,9 +112,7 @@ TEST_F(Settings, ReachTheFramework) {
   EXPECT_EQ(CefString(&framework.log_file).ToString(),
             "/home/me/Library/Application Support/Zantrio CEF//cef_browser.log");
   EXPECT_EQ(CefString(&framework.user_agent).ToString().find("Zantrio/1 (Linux "), 0U);
-  EXPECT_EQ(framework.log_severity, LOGSEVERITY_INFO);
   EXPECT_TRUE(framework.persist_session_cookies);
-  EXPECT_FALSE(framework.multi_threaded_message_loop);
 }
 
 TEST(MainBundle, SaysWhatIsWrongWithItsInformationFile) {

@@ -4,7 +4,6 @@
 
 #include "src/osr/renderer/egl_context.h"
 #include "src/osr/view/fake_osr_view.h"
-#include "support/allocation_count.h"
 
 namespace client::test {
 namespace {
@@ -73,13 +72,6 @@ TEST_F(ClientOSRHandlerTest, AnswersFalseAndDoesNothingWithoutAView) {
   handler_->OnBeforeClose(browser);
 }
 
-TEST_F(ClientOSRHandlerTest, PaintsAndDrawsInTheViewsContext) {
-  paint(PET_VIEW, page_, page_.rect());
-  EXPECT_THAT(view_->lines, ElementsAre("make current", "clear current", "flush"));
-  EXPECT_THAT(view_->host->lines, IsEmpty());
-  EXPECT_EQ(difference(EglContext::read(100, 60), page_), "");
-}
-
 TEST_F(ClientOSRHandlerTest, HasAnOpenPopupPaintedOverEveryFreshView) {
   const Pixels popup(20, 10, changed);
   view_->host->onInvalidate = [&](cef_paint_element_type_t type) {
@@ -88,6 +80,7 @@ TEST_F(ClientOSRHandlerTest, HasAnOpenPopupPaintedOverEveryFreshView) {
     }
   };
   paint(PET_VIEW, page_, page_.rect());
+  EXPECT_EQ(difference(EglContext::read(100, 60), page_), "");
   handler_->OnPopupShow(browser(), true);
   handler_->OnPopupSize(browser(), {5, 6, 10, 5});
   EXPECT_EQ(view_->osrRenderer.popupRect(), CefRect(10, 12, 20, 10));
@@ -128,23 +121,6 @@ TEST_F(ClientOSRHandlerTest, ForwardsCursorsInputMethodsAndDrags) {
   EXPECT_FALSE(view_->browser());
   handler_ = nullptr;
   EXPECT_THAT(view_->lines, ElementsAre("stop observing"));
-}
-
-TEST_F(ClientOSRHandlerTest, AllocatesNothingForAFrame) {
-  const CefRenderHandler::RectList dirty{{3, 4, 20, 10}, {50, 20, 30, 30}};
-  const CefRefPtr<CefBrowser> kept = browser();
-  const auto frames = [&](int count) {
-    const AllocationCount allocations;
-    for (int i = 0; i < count; ++i) {
-      handler_->OnPaint(kept, PET_VIEW, dirty, page_.data(), 100, 60);
-      view_->lines.clear();
-    }
-    return allocations.count();
-  };
-  paint(PET_VIEW, page_, page_.rect());
-  context_.release();  // excludes the driver's allocations
-  frames(1);
-  EXPECT_EQ(frames(50), 0);
 }
 
 }  // namespace

@@ -1,8 +1,5 @@
 #include "devservice/dev_server.h"
 
-#include <stdexcept>
-#include <thread>
-
 #include "devservice/file_io.h"
 #include "tools/devservice/service_fixture.h"
 
@@ -44,39 +41,6 @@ TEST_F(DevServerTest, IgnoresAJournalLineThatACrashTruncated) {
   const Json::Value files = callMessage("GET", "/files").json()["files"];
   ASSERT_EQ(files.size(), 2U);
   EXPECT_EQ(files[1]["path"], "b");
-}
-
-TEST_F(DevServerTest, RefusesUnusableFolders) {
-  Options unwritable = options_;
-  unwritable.data = folder_.path() + "/web/index.html";
-  EXPECT_THROW(CDevServer{unwritable}, std::runtime_error);
-  Options noPage = options_;
-  noPage.web = folder_.path() + "/javascript";
-  EXPECT_THROW(CDevServer{noPage}, std::runtime_error);
-}
-
-TEST_F(DevServerTest, KeepsTheFilesOfManyConnectionsApart) {
-  constexpr int kClients = 24;
-  constexpr int kFiles = 20;
-  createMessage();
-  std::vector<std::string> urls;
-  for (int i = 0; i < kClients * kFiles; ++i) {
-    urls.push_back(announce("many", std::to_string(i)));
-  }
-  {
-    std::vector<std::jthread> clients;
-    for (int client = 0; client < kClients; ++client) {
-      clients.emplace_back([&, client] {
-        for (int i = client; i < kClients * kFiles; i += kClients) {
-          putOverNewConnection(urls[static_cast<std::size_t>(i)], "content " + std::to_string(i));
-        }
-      });
-    }
-  }
-  for (int i = 0; i < kClients * kFiles; ++i) {
-    EXPECT_EQ(readFile(arrivedFile("many/" + std::to_string(i))), "content " + std::to_string(i));
-  }
-  EXPECT_EQ(callMessage("POST", "/complete").status, 200);
 }
 
 }  // namespace zantrio::devservice

@@ -59,17 +59,6 @@ TEST_F(FaultsTest, StallsUntilTheClientGivesUpAndDoesNotDelayTheEnd) {
   EXPECT_LT(begun.elapsed(), 10'000'000);
 }
 
-TEST_F(FaultsTest, DelaysAndSlowsDown) {
-  addRule(R"({"method":"PUT","count":1,"type":"delay","milliseconds":300})");
-  const Poco::Timestamp delayed;
-  EXPECT_EQ(put("x").status, 200);
-  EXPECT_GE(delayed.elapsed(), 300'000);
-  addRule(R"({"method":"PUT","count":1,"type":"rate","bytesPerSecond":100000})");
-  const Poco::Timestamp slowed;
-  EXPECT_EQ(put(std::string(50'000, 'x')).status, 200);
-  EXPECT_GE(slowed.elapsed(), 400'000);
-}
-
 TEST_F(FaultsTest, TruncatesAndCorruptsDownloads) {
   put("0123456789");
   addRule(R"({"method":"GET","count":1,"type":"corrupt","afterBytes":4})");

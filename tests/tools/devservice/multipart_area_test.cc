@@ -126,20 +126,6 @@ TEST_F(MultipartAreaTest, RefusesListsThatDoNotMatchThePartsAndKeepsTheUpload) {
   EXPECT_EQ(complete({{1, one}, {2, two}}).status, 200);
 }
 
-TEST_F(MultipartAreaTest, RefusesInvalidParts) {
-  EXPECT_EQ(code(put(0, "x")), "InvalidArgument");
-  EXPECT_EQ(code(put(10'001, "x")), "InvalidArgument");
-  EXPECT_EQ(put(10'000, "x").status, 200);
-  EXPECT_EQ(request("PUT", partUrl(1), "x").code(), "wrong_token");
-  const Headers wrongDigest = {{"Content-MD5", "AAAAAAAAAAAAAAAAAAAAAA=="}};
-  EXPECT_EQ(call("PUT", partUrl(1), "x", wrongDigest).status, 400);
-  const Response foreign =
-      call("PUT", announce("", "other") + "?partNumber=1&uploadId=" + upload_, "x");
-  EXPECT_EQ(foreign.status, 404);
-  EXPECT_EQ(code(foreign), "NoSuchUpload");
-  EXPECT_EQ(code(call("PUT", url_ + "?partNumber=1&uploadId=../x", "x")), "NoSuchUpload");
-}
-
 TEST_F(MultipartAreaTest, RemovesThePartsOfAbortedUploadsAndCancelledMessages) {
   put(1, "x");
   EXPECT_EQ(call("DELETE", uploadUrl()).status, 204);
@@ -150,19 +136,6 @@ TEST_F(MultipartAreaTest, RemovesThePartsOfAbortedUploadsAndCancelledMessages) {
   put(1, "x");
   EXPECT_EQ(callMessage("DELETE", "").status, 204);
   EXPECT_FALSE(hasUploadFolders());
-}
-
-TEST_F(MultipartAreaTest, EnforcesAMinimumPartSizeAndCanBeSwitchedOff) {
-  options_.minPartSize = 5;
-  restart();
-  put(1, "four");
-  put(2, "five5");
-  put(3, "x");
-  EXPECT_EQ(code(complete({{1, md5Of("four")}, {2, md5Of("five5")}})), "EntityTooSmall");
-  EXPECT_EQ(complete({{2, md5Of("five5")}, {3, md5Of("x")}}).status, 200);
-  options_.multipart = false;
-  restart();
-  EXPECT_EQ(call("POST", announce("", "b") + "?uploads").status, 501);
 }
 
 }  // namespace zantrio::devservice

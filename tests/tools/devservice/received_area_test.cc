@@ -1,9 +1,7 @@
 #include "devservice/received_area.h"
 
 #include <ctime>
-#include <set>
 
-#include "devservice/md5.h"
 #include "tools/devservice/service_fixture.h"
 
 namespace zantrio::devservice {
@@ -76,49 +74,6 @@ TEST_F(ReceivedAreaTest, SignsUrlsForOneFileForAWhileAndNotForWriting) {
   EXPECT_EQ(request("GET", target(download(bucket_, "1"))).body, "second");
 }
 
-TEST_F(ReceivedAreaTest, ListsExpiredMessagesWithoutTheirFiles) {
-  createMessage(R"({"lifetimeSeconds":0})");
-  callMessage("POST", "/complete");
-  waitUntilPast(expires_);
-  EXPECT_EQ(messages()[0]["bucketId"], bucket_);
-  EXPECT_EQ(download(bucket_, "1")["error"]["code"], "expired");
-}
-
-TEST_F(ReceivedAreaTest, RefusesInvalidRequests) {
-  receive("a", "x");
-  const std::string message = "/api/received/" + bucket_;
-  for (const char* body : {"[]", "{}", R"({"files":[]})", R"({"files":[1]})", R"({"files":"1"})"}) {
-    EXPECT_EQ(request("POST", message + "/downloads", body).code(), "bad_request") << body;
-  }
-  EXPECT_EQ(download(bucket_, "2")["error"]["code"], "no_such_file");
-  EXPECT_EQ(request("GET", message + "/downloads").code(), "not_supported");
-  EXPECT_EQ(request("GET", message + "/files?after=x").code(), "bad_request");
-  EXPECT_EQ(request("GET", message + "/nothing").code(), "not_found");
-  EXPECT_EQ(request("GET", "/api/received/none/files").code(), "no_such_message");
-}
-
-TEST_F(ReceivedAreaTest, OffersSamplesOfSeveralKindsWithTheirDigests) {
-  std::set<std::string> kinds;
-  for (const Json::Value& message : messages()) {
-    const std::string bucket = message["bucketId"].asString();
-    const Json::Value listed = request("GET", "/api/received/" + bucket + "/files?count=9").json();
-    for (const Json::Value& file : listed["files"]) {
-      const std::string url = target(download(bucket, file["id"].asString()));
-      const std::string content = request("GET", url).body;
-      CMd5 md5;
-      md5.update(content.data(), content.size());
-      EXPECT_EQ(toHex(md5.finish()), file["md5Digest"].asString()) << file["path"];
-      EXPECT_EQ(content.size(), file["size"].asUInt64()) << file["path"];
-      EXPECT_EQ(request("HEAD", url).header.get("ETag"), '"' + file["md5Digest"].asString() + '"');
-      kinds.insert(content.empty()                    ? "empty"
-                   : content.size() > 30'000'000      ? "large"
-                   : content.rfind("\x89PNG", 0) == 0 ? "picture"
-                                                      : "text");
-    }
-  }
-  EXPECT_EQ(kinds, (std::set<std::string>{"empty", "large", "picture", "text"}));
-}
-
 TEST_F(ReceivedAreaTest, ServesRangesOfSamplesAndDoesNotChangeThem) {
   const Json::Value files = request("GET", "/api/received/sample-welcome/files").json()["files"];
   const std::string url =
@@ -132,22 +87,6 @@ TEST_F(ReceivedAreaTest, ServesRangesOfSamplesAndDoesNotChangeThem) {
             48'000'000);
   EXPECT_EQ(request("PUT", url, "x").status, 404);
   EXPECT_EQ(request("GET", "/storage/sample-welcome/none").status, 404);
-}
-
-TEST_F(ReceivedAreaTest, ListsThousandsOfFilesInPages) {
-  std::set<std::string> ids;
-  std::vector<Json::ArrayIndex> sizes;
-  for (std::string after = "0"; !after.empty() && sizes.size() < 10;) {
-    const Json::Value page =
-        request("GET", "/api/received/sample-many/files?count=4000&after=" + after).json();
-    for (const Json::Value& file : page["files"]) {
-      ids.insert(file["id"].asString());
-    }
-    sizes.push_back(page["files"].size());
-    after = page["next"].asString();
-  }
-  EXPECT_EQ(sizes, (std::vector<Json::ArrayIndex>{4000, 4000, 2000}));
-  EXPECT_EQ(ids.size(), 10'000U);
 }
 
 TEST_F(ReceivedAreaTest, KeepsTheLastReportOfEachDirectionAndGroup) {

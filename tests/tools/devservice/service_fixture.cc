@@ -70,22 +70,10 @@ Response ServiceTest::call(const std::string& method, const std::string& path,
   return request(method, path, body, headers);
 }
 
-void ServiceTest::putOverNewConnection(const std::string& url, const std::string& content) const {
-  Poco::Net::HTTPClientSession session("127.0.0.1", server_->port());
-  Poco::Net::HTTPRequest put("PUT", url, Poco::Net::HTTPMessage::HTTP_1_1);
-  put.set("X-Zantrio-Token", token_);
-  put.setContentLength64(static_cast<Poco::Int64>(content.size()));
-  session.sendRequest(put) << content;
-  Poco::Net::HTTPResponse response;
-  session.receiveResponse(response);
-  EXPECT_EQ(response.getStatus(), 200);
-}
-
 void ServiceTest::createMessage(const std::string& description) {
   const Json::Value created = request("POST", "/api/messages", description).json();
   bucket_ = created["bucketId"].asString();
   token_ = created["token"].asString();
-  expires_ = created["expires"].asInt64();
   tokenExpires_ = created["tokenExpires"].asInt64();
 }
 

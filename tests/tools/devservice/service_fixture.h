@@ -52,8 +52,6 @@ class ServiceTest : public testing::Test {
   static void waitUntilPast(std::int64_t second);
   // Announces a file; returns the path of its upload URL.
   std::string announce(const std::string& folder, const std::string& name);
-  // Uploads over a new connection. Thread: any.
-  void putOverNewConnection(const std::string& url, const std::string& content) const;
   std::filesystem::path arrivedFile(const std::string& path) const;
   std::size_t incomingFiles() const;
 
@@ -63,7 +61,6 @@ class ServiceTest : public testing::Test {
   std::unique_ptr<Poco::Net::HTTPClientSession> session_;
   std::string bucket_;
   std::string token_;
-  std::int64_t expires_ = 0;
   std::int64_t tokenExpires_ = 0;
 };
 

@@ -32,24 +32,6 @@ class StorageAreaTest : public ServiceTest {
   std::string url_;
 };
 
-TEST_F(StorageAreaTest, KeepsReplacesAndDeletesFilesUnderTheirOwnNames) {
-  const std::string name = "Ünter/b c/100%?#.txt";
-  const std::string url = announce("Ünter/b c", "100%?#.txt");
-  const Response stored = call("PUT", url, "hello");
-  EXPECT_EQ(stored.status, 200) << stored.body;
-  EXPECT_EQ(stored.header.get("ETag"), "\"5d41402abc4b2a76b9719d911017c592\"");
-  EXPECT_EQ(readFile(arrivedFile(name)), "hello");
-  EXPECT_EQ(call("PUT", url, "").header.get("ETag"), "\"d41d8cd98f00b204e9800998ecf8427e\"");
-  EXPECT_TRUE(std::filesystem::exists(arrivedFile(name)));
-  EXPECT_EQ(call("PUT", url, std::string(3'000'000, 'x')).status, 200);
-  EXPECT_EQ(std::filesystem::file_size(arrivedFile(name)), 3'000'000U);
-  EXPECT_EQ(incomingFiles(), 0U);
-  EXPECT_EQ(call("DELETE", url).status, 204);
-  EXPECT_EQ(call("DELETE", url).status, 204);
-  EXPECT_FALSE(std::filesystem::exists(arrivedFile(name)));
-  EXPECT_EQ(call("PUT", url, "y").status, 200);
-}
-
 TEST_F(StorageAreaTest, RefusesWrongTokensAndUnannouncedFiles) {
   EXPECT_EQ(request("PUT", url_, "x").code(), "wrong_token");
   EXPECT_EQ(request("PUT", url_, "x", {{"X-Zantrio-Token", "no"}}).status, 403);
@@ -84,13 +66,6 @@ TEST_F(StorageAreaTest, NeedsALengthAndKeepsNothingOfATruncatedBody) {
   EXPECT_EQ(sendRaw("Transfer-Encoding: chunked\r\n\r\n1\r\nx\r\n0\r\n\r\n"), "HTTP/1.1 411");
   EXPECT_EQ(sendRaw("Content-Length: 10\r\n\r\nfive5"), "");
   expectNothingArrived();
-}
-
-TEST_F(StorageAreaTest, ShowsARefusalToAClientThatSendsALargeBody) {
-  const Response refused = request("PUT", url_, std::string(20'000'000, 'x'));
-  EXPECT_EQ(refused.status, 403);
-  EXPECT_EQ(refused.code(), "wrong_token");
-  EXPECT_FALSE(refused.header.getKeepAlive());
 }
 
 TEST_F(StorageAreaTest, ReturnsWholeFilesAndRanges) {

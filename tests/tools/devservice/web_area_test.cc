@@ -6,22 +6,6 @@ namespace zantrio::devservice {
 
 using WebAreaTest = ServiceTest;
 
-TEST_F(WebAreaTest, ServesThePageItsFilesAndTheLibraries) {
-  for (const char* path : {"/app", "/app/", "/app/index.html"}) {
-    const Response page = request("GET", path);
-    EXPECT_EQ(page.status, 200) << path;
-    EXPECT_EQ(page.body, "<h1>page</h1>");
-    EXPECT_EQ(page.header.getContentType(), "text/html; charset=utf-8");
-  }
-  const Response script = request("GET", "/app/js/main.js");
-  EXPECT_EQ(script.body, "start();");
-  EXPECT_EQ(script.header.getContentType(), "text/javascript; charset=utf-8");
-  EXPECT_EQ(request("GET", "/app/lib/jquery.min.js").body, "$");
-  EXPECT_EQ(request("HEAD", "/app").body, "");
-  EXPECT_EQ(request("GET", "/").status, 302);
-  EXPECT_EQ(request("GET", "/").header.get("Location"), "/app");
-}
-
 TEST_F(WebAreaTest, NeverLeavesItsFolders) {
   folder_.makeLink("web/link.txt", "../secret.txt");
   for (const char* path :

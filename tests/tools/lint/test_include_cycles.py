@@ -38,11 +38,6 @@ class IncludeCycles(PlantedTree):
             '  src/a/one.h:2: #include "b/two.h"',
         ])
 
-    def test_tells_a_cycle_with_the_root_folder_itself(self):
-        self.plant({'src/api.h': '#include "in/x.h"\n', 'src/in/x.h': '#include "api.h"\n'})
-        self.assertEqual(len(self.findings()), 1)
-        self.assertIn('include cycle: . -> in -> .', self.findings()[0])
-
     def test_tells_who_includes_the_top_from_outside_but_not_its_rooms(self):
         self.plant({
             'src/app/main.h': '#include "app/log/logger.h"\n',

@@ -17,7 +17,6 @@ class Counted : public CefBaseRefCounted {
     }
   }
   void add(int value) { sum += value; }
-  int sumAnd(int value) const { return sum + value; }
 
   int sum = 0;
 
@@ -48,17 +47,6 @@ TEST(Bind, MovesValuesIntoTheCallAndPassesTheRemainingArguments) {
                                     int given) { return text + std::to_string(*owned + given); },
                                  std::make_unique<int>(40), std::string("sum "));
   EXPECT_EQ(std::move(callback).Run(2), "sum 42");
-}
-
-TEST(Bind, RepeatingCallbacksRunOftenAndServeAsOnceCallbacks) {
-  const CefRefPtr<Counted> object(new Counted);
-  const auto add = base::BindRepeating(&Counted::add, object);
-  add.Run(1);
-  add.Run(2);
-  base::OnceCallback<void(int)> once = add;
-  std::move(once).Run(3);
-  EXPECT_EQ(base::BindRepeating(&Counted::sumAnd, object, 4).Run(), 10);
-  EXPECT_TRUE(base::OnceClosure().is_null());
 }
 
 TEST(RefPtr, CountsConvertsAndReleases) {

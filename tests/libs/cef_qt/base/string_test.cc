@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "include/internal/cef_string.h"
-#include "include/internal/cef_types_wrappers.h"
 
 namespace {
 
@@ -29,31 +28,6 @@ TEST(CefString, ReplacesMalformedUtf8) {
   EXPECT_EQ(CefString("\xC0\xAFz").ToString16(), u"\uFFFD\uFFFDz");            // overlong
   EXPECT_EQ(CefString("\xED\xA0\x80z").ToString16(), u"\uFFFD\uFFFD\uFFFDz");  // surrogate
   EXPECT_EQ(CefString("\xF4\x90\x80\x80").ToString16(), u"\uFFFD\uFFFD\uFFFD\uFFFD");
-}
-
-TEST(CefString, WritesTheFieldItStandsFor) {
-  CefSettings settings;
-  CefString(&settings.cache_path) = "/first";
-  CefString(&settings.cache_path) = std::string("/data/cache");
-  EXPECT_EQ(CefString(&settings.cache_path).ToString(), "/data/cache");
-  const CefSettings copy(settings);
-  CefString(&settings.cache_path) = "/other";
-  EXPECT_EQ(CefString(&copy.cache_path).ToString(), "/data/cache");
-  settings = copy;
-  EXPECT_EQ(CefString(&settings.cache_path).ToString(), "/data/cache");
-}
-
-TEST(CefString, CopiesAreIndependentAndCompareByContents) {
-  CefString first("abc");
-  CefString second(first);
-  second = "abd";
-  EXPECT_EQ(first, "abc");
-  EXPECT_LT(first, second);
-  const CefString moved(std::move(second));
-  EXPECT_EQ(moved.ToString(), "abd");
-  first.clear();
-  EXPECT_TRUE(first.empty());
-  EXPECT_TRUE(CefString(static_cast<const char*>(nullptr)).empty());
 }
 
 }  // namespace

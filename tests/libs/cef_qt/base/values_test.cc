@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "include/cef_command_line.h"
-#include "include/cef_drag_data.h"
 #include "include/cef_process_message.h"
 #include "include/cef_values.h"
 
@@ -42,24 +41,6 @@ TEST(CefCommandLine, TellsSwitchesFromArguments) {
   std::vector<CefString> all;
   line->GetArgv(all);
   EXPECT_EQ(all.size(), 7u);
-}
-
-TEST(CefDragData, HoldsFilesLinksAndText) {
-  const auto data = CefDragData::Create();
-  std::vector<CefString> paths;
-  EXPECT_FALSE(data->IsFile() || data->IsLink() || data->IsFragment());
-  EXPECT_FALSE(data->GetFilePaths(paths));
-  data->AddFile("/home/a b.txt", "a b.txt");
-  data->SetFragmentText("words");
-  const auto copy = data->Clone();
-  data->SetLinkURL("http://127.0.0.1/");
-  std::vector<CefString> names;
-  EXPECT_TRUE(copy->GetFilePaths(paths) && copy->GetFileNames(names));
-  EXPECT_EQ(paths, std::vector<CefString>{"/home/a b.txt"});
-  EXPECT_EQ(names, std::vector<CefString>{"a b.txt"});
-  EXPECT_TRUE(copy->IsFragment() && copy->IsFile());
-  EXPECT_FALSE(copy->IsLink());
-  EXPECT_TRUE(data->IsLink());
 }
 
 }  // namespace

@@ -31,19 +31,6 @@ void killRenderProcesses() {
   }
 }
 
-TEST(Browser, TellsOfItsCreationBeforeAnyQueryAndKnowsItself) {
-  TestBrowser page("<script>testQuery({request: 'hello'})</script>");
-  ASSERT_TRUE(page.waitFor("hello"));
-  const CefRefPtr<CefBrowser> browser = page.browser();
-  EXPECT_EQ(page.client().events, Events{"created"});
-  EXPECT_FALSE(browser->IsPopup());
-  EXPECT_TRUE(browser->IsValid());
-  EXPECT_TRUE(browser->IsSame(browser->GetHost()->GetBrowser()));
-  EXPECT_EQ(browser->GetHost()->GetClient().get(), &page.client());
-  EXPECT_TRUE(browser->GetMainFrame()->IsMain());
-  EXPECT_NE(browser->GetMainFrame()->GetURL().ToString().find("file://"), std::string::npos);
-}
-
 TEST(Browser, ClosesWithoutAskingWhenForced) {
   TestBrowser page("<script>onbeforeunload = () => 'stay'; testQuery({request: 'up'})</script>");
   ASSERT_TRUE(page.waitFor("up"));

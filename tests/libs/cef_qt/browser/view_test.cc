@@ -219,24 +219,6 @@ TEST(Tasks, NeedNoOtherWakeUpForTheirDeferredDeletesOrWhenPostedByTheLoopItself)
   EXPECT_TRUE(posting.reachesItsEnd());
 }
 
-TEST(NestedLoop, InADialogsHandlerKeepsOtherPagesAlive) {
-  TestBrowser other("");
-  TestBrowser page("");
-  EXPECT_EQ(other.evaluate("'loaded'"), "loaded");
-  bool served = false;
-  other.client().onQuery = [&](const Query& query) {
-    served = query.request == "served";
-    query.callback->Success("");
-    return true;
-  };
-  page.client().onDialog = [&](auto, auto&, auto&, auto callback) {
-    other.run("requestAnimationFrame(() => testQuery({request: 'served'}))");
-    callback->Continue(runNested([&] { return served; }), "");
-    return true;
-  };
-  EXPECT_EQ(page.evaluate("confirm('?')"), "true");
-}
-
 TEST(NestedLoop, InAHandlerMayOutliveItsBrowser) {
   TestBrowser page("<script>testQuery({request: 'close me'})</script>");
   page.client().onQuery = [&](const Query& query) {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <chrono>
 #include <mutex>
-#include <thread>
 #include <vector>
 
 #include "include/base/cef_bind.h"
@@ -73,21 +72,6 @@ TEST(Tasks, RunOnTheirThreadInPostingOrderAndDelayedOnesByDueTime) {
     std::stable_partition(values.begin(), values.end(), [](int value) { return value < 1000; });
     EXPECT_EQ(values, expected);
   }
-}
-
-TEST(Tasks, CanBePostedFromManyThreadsAtOnce) {
-  const CefRefPtr<Notes> notes(new Notes);
-  {
-    std::vector<std::jthread> posters(4);
-    for (std::jthread& poster : posters) {
-      poster = std::jthread([&notes] {
-        for (int n = 0; n < 200; ++n) {
-          EXPECT_TRUE(CefPostTask(TID_UI, base::BindOnce(&Notes::note, notes, n)));
-        }
-      });
-    }
-  }
-  EXPECT_TRUE(runUntil([&] { return notes->values().size() == 800; }));
 }
 
 }  // namespace

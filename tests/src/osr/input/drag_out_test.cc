@@ -15,16 +15,13 @@
 namespace client::test {
 namespace {
 
-TEST(DragKindsTest, OffersTheKindsOfTheData) {
+TEST(DragKindsTest, OffersTheKindsOfTheDataAndReportsCopyAndMoveTogetherAsACopy) {
   const CefRefPtr<CefDragData> data = CefDragData::Create();
   EXPECT_FALSE(kindsOf(*data).link || kindsOf(*data).text || kindsOf(*data).fileContents);
   data->SetLinkURL("http://127.0.0.1/");
   data->SetFragmentText("text");
   EXPECT_TRUE(kindsOf(*data).link && kindsOf(*data).text);
   EXPECT_FALSE(fileContentsOf(*data));
-}
-
-TEST(DragKindsTest, ReportsCopyAndMoveTogetherAsACopy) {
   EXPECT_EQ(reportedOperation(17), DRAG_OPERATION_COPY);
   for (const unsigned int operation : {0U, 1U, 2U, 16U, 19U}) {
     EXPECT_EQ(reportedOperation(operation), operation);

@@ -10,7 +10,6 @@ namespace client::test {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 class DragSessionTest : public testing::Test {
  protected:
@@ -64,15 +63,6 @@ TEST_F(DragSessionTest, ReportsTheEndOfADragOutAndClearsIt) {
   EXPECT_FALSE(drags_.currentDragData());
   EXPECT_EQ(drags_.currentAllowedOps(), DRAG_OPERATION_NONE);
   EXPECT_EQ(drags_.currentDragOp(), DRAG_OPERATION_NONE);
-}
-
-TEST_F(DragSessionTest, SendsNothingWithoutABrowser) {
-  view_.hasBrowser = false;
-  drags_.entered(at_, {}, DRAG_OPERATION_COPY);
-  drags_.moved(at_, DRAG_OPERATION_COPY);
-  EXPECT_TRUE(drags_.performed(at_));
-  drags_.endedAt({}, 1);
-  EXPECT_THAT(view_.host->lines, IsEmpty());
 }
 
 }  // namespace

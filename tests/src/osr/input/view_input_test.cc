@@ -96,23 +96,6 @@ TEST(EventFlags, RecognizeAModifierKeysReleaseByItsClearFlag) {
   EXPECT_FALSE(isKeyUpEvent(keyOf(EventKind::kKeyDown, 54)));
 }
 
-TEST(EventFlags, FillKeyEventsWithTheFirstUnits) {
-  SystemEvent event = keyOf(EventKind::kKeyDown, 65, kShift);
-  event.characters = u"\u00c4x";
-  event.charactersIgnoringModifiers = u"\u00e4";
-  CefKeyEvent key;
-  getKeyEvent(key, event);
-  EXPECT_EQ(key.character, u'\u00c4');
-  EXPECT_EQ(key.unmodified_character, u'\u00e4');
-  EXPECT_EQ(key.native_key_code, 65);
-  EXPECT_EQ(key.modifiers, 2u + 512u);
-
-  event.kind = EventKind::kFlagsChanged;
-  getKeyEvent(key, event);
-  EXPECT_EQ(key.character, 0);
-  EXPECT_EQ(key.unmodified_character, 0);
-}
-
 // The page is 400 × 200 pixels, the pop-up was moved 20 points left and 10 points up into it.
 class MouseInputTest : public testing::Test {
  protected:
@@ -192,14 +175,6 @@ TEST_F(MouseInputTest, RotatesThePageWithTheRightButtonAndShift) {
   EXPECT_EQ(view_.osrRenderer.spinY(), 0);
   EXPECT_THAT(view_.lines, ElementsAre("redraw", "redraw", "redraw"));
   EXPECT_EQ(sent(eventOf(EventKind::kRightUp, {61, 45})).size(), 1u);
-}
-
-TEST_F(MouseInputTest, SendsNothingWithoutABrowser) {
-  view_.hasBrowser = false;
-  for (const auto kind : {EventKind::kLeftDown, EventKind::kMoved, EventKind::kScroll}) {
-    EXPECT_THAT(sent(eventOf(kind, onPage_)), IsEmpty());
-  }
-  EXPECT_FALSE(mouse_.wasLastMouseDownOnView());
 }
 
 TEST(ClickCounter, CountsPressesOfOneButtonThatAreNearInTimeAndPlace) {

@@ -1,6 +1,6 @@
 import assert from 'node:assert/strict';
 import { test } from 'node:test';
-import { BridgeError, isAvailable, query } from '../../webapp/js/bridge.js';
+import { BridgeError, query } from '../../webapp/js/bridge.js';
 
 /** A window with one bridge that answers by the given function. */
 function windowWith(answer) {
@@ -15,19 +15,10 @@ test('sends method and parameters as one text and returns the answer as a value'
   assert.equal(root.requests[0].persistent, false);
 });
 
-test('returns null as a value', async () => {
-  assert.equal(await query('bridge', 'selectFiles', undefined, windowWith(({ onSuccess }) => onSuccess('null\n'))), null);
-});
-
 test('turns failures and unreadable answers into errors that name the method', async () => {
   const failing = windowWith(({ onFailure }) => onFailure(-1, 'The query has been canceled'));
   await assert.rejects(query('bridge', 'm', {}, failing), (error) =>
     error instanceof BridgeError && error.code === -1 && error.message.includes('"m"'));
   const garbled = windowWith(({ onSuccess }) => onSuccess('{'));
   await assert.rejects(query('bridge', 'm', {}, garbled), /"m"/);
-});
-
-test('has no bridge without the application', async () => {
-  assert.equal(isAvailable('bridge', {}), false);
-  await assert.rejects(query('bridge', 'm', {}, {}), /needs the Zantrio application/);
 });

@@ -34,6 +34,8 @@ test('counts down, tries again, and continues waiting calls', async (t) => {
   assert.equal(await result, 'there');
   assert.equal(connection.get('reachable'), true);
   assert.equal(call.mock.callCount(), 2);
+  connection.lost('away again');
+  assert.equal(connection.get('secondsLeft'), 3);
 });
 
 test('waits longer after each failed try', async (t) => {

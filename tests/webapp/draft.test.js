@@ -28,12 +28,6 @@ test('uses a title from the files unless one is written', () => {
   assert.equal(draft.content().subject, '0.txt and 2 more');
 });
 
-test('adds nothing for a result without files', () => {
-  const draft = new Draft();
-  assert.equal(draft.addFiles({ complete: true, defer: false }).added, 0);
-  assert.equal(draft.files.count, 0);
-});
-
 test('keeps files added during sending for the next message', () => {
   const draft = new Draft();
   draft.addFiles({ files: records(2) });

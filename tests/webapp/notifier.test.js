@@ -3,8 +3,7 @@ import { test } from 'node:test';
 import './libraries.js';
 
 const { Transfer } = await import('../../webapp/js/models/transfer.js');
-const { Notifier, notificationWords } = await import('../../webapp/js/notifier.js');
-const { Backbone } = await import('../../webapp/js/lib.js');
+const { notificationWords } = await import('../../webapp/js/notifier.js');
 
 function over(attributes, states) {
   const transfer = new Transfer({ id: '1', subject: 'Film', ...attributes });
@@ -22,18 +21,4 @@ test('counts successful and failed files', () => {
   assert.equal(titleOf({ direction: 'upload', state: 'ERRORED' }, ['ERRORED', 'COMPLETED']), '1 of 2 files could not be sent');
   assert.equal(titleOf({ direction: 'download', state: 'ERRORED' }, []), 'The download has stopped');
   assert.equal(titleOf({ direction: 'upload', state: 'COMPLETED', phase: 'undelivered' }, ['COMPLETED']), 'A message was not delivered');
-});
-
-test('shows one notification per ended transfer, even if the bridge fails', async () => {
-  const shown = [];
-  const notifications = {
-    isThere: () => true,
-    show: async (properties) => { shown.push(properties); throw new Error('no notifications here'); },
-  };
-  const transfers = new Backbone.Collection();
-  new Notifier({ notifications, address: 'http://x/app#transfers' }).watch(transfers);
-  transfers.trigger('over', over({ direction: 'download', state: 'COMPLETED' }, ['COMPLETED']));
-  await new Promise((resolve) => { setImmediate(resolve); });
-  assert.equal(shown.length, 1);
-  assert.equal(shown[0].url, 'http://x/app#transfers');
 });

@@ -87,6 +87,9 @@ test('shows the reason for a wait until bytes move again', async () => {
   downloads.groupChanged(groupEvent('1', { type: 'TRANSFERRING', bytesTransferred: 2 }));
   downloads.checkForStandstill();
   assert.equal(transfer.get('waitingFor'), null);
+  transfer.set('waitingFor', { code: 'disk_full' });
+  downloads.groupChanged(groupEvent('1', { type: 'PAUSED', bytesTransferred: 2 }));
+  assert.equal(transfer.get('waitingFor'), null);
 });
 
 test('has a text for each code, and the report\'s sentence for unknown codes', () => {

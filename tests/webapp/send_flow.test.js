@@ -2,7 +2,7 @@ import assert from 'node:assert/strict';
 import { test } from 'node:test';
 import './libraries.js';
 import {
-  connection, FakeService, FakeUploads, groupEvent, records,
+  connection, FakeService, FakeUploads, groupEvent, records, settled,
 } from './fakes.js';
 
 const { Transfers } = await import('../../webapp/js/models/transfers.js');
@@ -50,6 +50,9 @@ test('includes files that are not queued yet in the progress', async () => {
   }));
   assert.equal(transfer.totalBytes(), 12000);
   assert.equal(transfer.timeLeft(), 110);
+  all.transfers.groupChanged(groupEvent('1', { type: 'COMPLETED', estimatedEta: 40 }));
+  await settled();
+  assert.deepEqual(all.service.calls, [], 'the message is not complete');
   transfer.set('phase', 'running');
   assert.equal(transfer.timeLeft(), 40);
 });

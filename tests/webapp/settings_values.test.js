@@ -21,14 +21,6 @@ test('converts configurations to the form and back', () => {
   });
 });
 
-test('turns no limit into a rate of 0, whatever the rate field contains', () => {
-  const form = toForm({ upload: { ...CONFIGURATION, throttleBytesPerSecond: 0 }, download: null });
-  assert.deepEqual([form.limited, form.downloadLimited], [false, false]);
-  const { changes, problems } = fromForm({ ...form, throttle: 'x' });
-  assert.equal(changes.upload.throttleBytesPerSecond, 0);
-  assert.deepEqual(problems, {});
-});
-
 test('accepts a decimal comma and refuses values out of range', () => {
   const form = { ...toForm(BOTH), throttle: '0,5' };
   assert.equal(fromForm(form).changes.upload.throttleBytesPerSecond, 500_000);

@@ -19,17 +19,6 @@ function running(transfers, id = '1') {
   return transfers.add({ id, bucketId: 'b1', subject: 'Film', phase: 'running' });
 }
 
-test('applies group events of the native side', () => {
-  const { transfers } = make();
-  const transfer = running(transfers);
-  transfers.groupChanged(groupEvent('1', {
-    type: 'TRANSFERRING', bytesTransferred: 5, bytesTotal: 10, bytesTransferredPerSecond: 2, estimatedEta: 3, marked: true,
-  }));
-  assert.deepEqual(
-    [transfer.get('state'), transfer.get('bytesTransferred'), transfer.get('rate'), transfer.get('secondsLeft')],
-    ['TRANSFERRING', 5, 2, 3]);
-});
-
 test('draws once per frame for thousands of events', () => {
   const { transfers } = make();
   frames.length = 0;
@@ -139,15 +128,4 @@ test('leaves a file out and cancels a transfer in the library and at the service
   assert.equal(transfer.isFinished(), true);
   assert.deepEqual(uploads.calls, [['dequeueFiles', '1', [{ id: '5' }]], ['cancel', '1']]);
   assert.deepEqual(service.calls, [['removeFile', 'b1', '5'], ['cancelMessage', 'b1']]);
-});
-
-test('keeps cleared transfers hidden in later sessions', async () => {
-  const { transfers, uploads } = make();
-  const transfer = running(transfers);
-  transfer.set({ state: 'COMPLETED', phase: 'delivered' });
-  transfers.clearFinished();
-  assert.equal(transfers.length, 0);
-  uploads.groups = [group('1', { type: 'COMPLETED', marked: true })];
-  await transfers.load();
-  assert.equal(transfers.length, 0);
 });

@@ -68,16 +68,6 @@ test('keeps only visible rows of 100,000 entries in the document, in reading ord
   assert.equal(shown()[0], 0);
 });
 
-test('fills new rows when scrolling, and all visible rows on a refresh', () => {
-  const { list, filled, shown } = listOf(1000);
-  filled.length = 0;
-  scroll(list, 52);
-  assert.deepEqual(filled, [16]);
-  filled.length = 0;
-  list.refresh(1000);
-  assert.equal(filled.length, shown().length);
-});
-
 test('removes the rows of a list that becomes shorter', () => {
   const { list, shown } = listOf(10);
   list.refresh(2);

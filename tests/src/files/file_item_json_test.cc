@@ -5,7 +5,6 @@
 #include <json/writer.h>
 
 #include <chrono>
-#include <limits>
 
 #include "support/temporary_folder.h"
 
@@ -78,14 +77,6 @@ TEST_F(FileItemJson, TakesTheCreationFromTheFileAndNotFromItsModification) {
   EXPECT_LE(created, now());
 }
 
-TEST_F(FileItemJson, SaturatesTimesThatCannotBeCounted) {
-  EXPECT_EQ(toMicroseconds(std::numeric_limits<std::int64_t>::max(), 0),
-            std::numeric_limits<std::int64_t>::max());
-  EXPECT_EQ(toMicroseconds(std::numeric_limits<std::int64_t>::min(), 0),
-            std::numeric_limits<std::int64_t>::min());
-  EXPECT_EQ(toMicroseconds(-1, 999'999'999), -1);
-}
-
 TEST_F(FileItemJson, MakesThePathRelativeToTheRootWhichIsComparedAsText) {
   const std::tuple<const char*, const char*, const char*> cases[] = {
       {"/r/a/b/x.txt", "/r", "a/b"},
@@ -103,12 +94,6 @@ TEST_F(FileItemJson, MakesThePathRelativeToTheRootWhichIsComparedAsText) {
   for (const auto& [path, root, expected] : cases) {
     EXPECT_EQ(relativeFolder(path, root), expected) << path << " in " << root;
   }
-}
-
-TEST_F(FileItemJson, ReportsAFileThatIsItsOwnRoot) {
-  const std::string path = folder.makeFile("file.txt");
-  Json::Value record;
-  EXPECT_FALSE(fillFileItemJson(record, path, "", path));
 }
 
 TEST_F(FileItemJson, ShowsEveryNameAndLosesNoneInTheUrl) {

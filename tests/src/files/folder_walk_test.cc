@@ -9,8 +9,6 @@
 
 #include <filesystem>
 
-#include "files/folder_listing.h"
-#include "src/files/file_query_counter.h"
 #include "src/files/places.h"
 #include "support/log_capture.h"
 #include "support/temporary_folder.h"
@@ -39,17 +37,6 @@ class FolderWalk : public testing::Test {
  protected:
   const TemporaryFolder folder;
 };
-
-TEST_F(FolderWalk, KeepsTheOrderOfTheFileSystem) {
-  for (int i = 0; i < 100; ++i) {
-    folder.makeFile("file" + std::to_string(i * 7919 % 100));
-  }
-  std::vector<std::string> walked;
-  for (const Json::Value& file : walk(folder.path())) {
-    walked.push_back(file["name"].asString());
-  }
-  EXPECT_EQ(walked, CFolderListing(folder.path()).takeNames());
-}
 
 TEST_F(FolderWalk, LeavesOutHiddenItemsButNotAHiddenRoot) {
   const std::string hidden = folder.makeFolder(".hidden");
@@ -136,20 +123,6 @@ TEST_F(FolderWalk, DescribesNamesThatAreNoUtf8InValidJson) {
   EXPECT_EQ(read[0]["name"], "vu\uFFFD");
   EXPECT_EQ(read[0]["path"], "d\uFFFDj\uFFFD");
   EXPECT_EQ(read[0]["fileURL"], "file://" + folder.path() + "/d%E9j%E0/vu%FF");
-}
-
-TEST_F(FolderWalk, AsksTheFileSystemOnceForEachVisibleEntry) {
-  for (int i = 0; i < 50; ++i) {
-    folder.makeFile("sub/file" + std::to_string(i));
-    folder.makeFile("sub/.hidden" + std::to_string(i));
-  }
-  folder.makeLink("link", "sub");
-  const long before = test::statusQueries();
-  const Json::Value files = walk(folder.path());
-  const long asked = test::statusQueries() - before;
-  EXPECT_EQ(files.size(), 100U);
-  // The root, "sub", "link", and the fifty files by either way.
-  EXPECT_EQ(asked, 1 + 2 + 100);
 }
 
 }  // namespace

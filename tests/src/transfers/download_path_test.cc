@@ -119,11 +119,6 @@ TEST_F(DownloadPath, IsAskedForAgainAsLongAsTheFolderCannotBeWritten) {
   EXPECT_EQ(resolve(R"({"summary":"s"})"), choice + "s");
 }
 
-TEST_F(DownloadPath, IsNoneWithoutTheSystemsDialog) {
-  services.available = false;
-  EXPECT_EQ(resolve(R"({"summary":"s"})"), "none");
-}
-
 TEST_F(DownloadPath, StaysInTheFolderWhateverTheSummary) {
   const std::string choice = makeChoice();
   EXPECT_EQ(resolve(R"({"summary":"../../a/..\u0000/.b"})"), choice + "a/_._/_b");

@@ -10,8 +10,6 @@
 
 namespace zantrio::test {
 
-class FakeBrowser;
-
 // A main frame that records scripts, navigations and edit commands.
 class FakeFrame : public CefFrame {
  public:
@@ -47,7 +45,7 @@ class FakeFrame : public CefFrame {
   IMPLEMENT_REFCOUNTING(FakeFrame);
 };
 
-// A host that records how its browser was asked to close.
+// A host that records its calls as lines, as in "click 10,20 flags 16 left down x2".
 class FakeHost : public CefBrowserHost {
  public:
   CefRefPtr<CefBrowser> GetBrowser() override { return nullptr; }
@@ -55,35 +53,35 @@ class FakeHost : public CefBrowserHost {
   void CloseBrowser(bool force_close) override;
   CefWindowHandle GetWindowHandle() override { return kNullWindowHandle; }
   void SetFocus(bool focus) override { focused = focus; }
-  void WasResized() override {}
+  void WasResized() override { lines.emplace_back("resized"); }
   void WasHidden(bool /*hidden*/) override {}
-  void NotifyScreenInfoChanged() override {}
-  void Invalidate(PaintElementType /*type*/) override {}
-  void SendKeyEvent(const CefKeyEvent& /*event*/) override {}
-  void SendMouseClickEvent(const CefMouseEvent& /*event*/, MouseButtonType /*type*/,
-                           bool /*mouseUp*/, int /*clickCount*/) override {}
-  void SendMouseMoveEvent(const CefMouseEvent& /*event*/, bool /*mouseLeave*/) override {}
-  void SendMouseWheelEvent(const CefMouseEvent& /*event*/, int /*deltaX*/,
-                           int /*deltaY*/) override {}
-  void ImeSetComposition(const CefString& /*text*/,
-                         const std::vector<CefCompositionUnderline>& /*underlines*/,
-                         const CefRange& /*replaced*/, const CefRange& /*selected*/) override {}
-  void ImeCommitText(const CefString& /*text*/, const CefRange& /*replaced*/,
-                     int /*cursor*/) override {}
-  void ImeFinishComposingText(bool /*keepSelection*/) override {}
-  void ImeCancelComposition() override {}
-  void DragTargetDragEnter(CefRefPtr<CefDragData> /*data*/, const CefMouseEvent& /*event*/,
-                           DragOperationsMask /*allowed*/) override {}
-  void DragTargetDragOver(const CefMouseEvent& /*event*/, DragOperationsMask /*allowed*/) override {
-  }
-  void DragTargetDragLeave() override {}
-  void DragTargetDrop(const CefMouseEvent& /*event*/) override {}
-  void DragSourceEndedAt(int /*x*/, int /*y*/, DragOperationsMask /*op*/) override {}
-  void DragSourceSystemDragEnded() override {}
+  void NotifyScreenInfoChanged() override { lines.emplace_back("screen info"); }
+  void Invalidate(PaintElementType type) override;
+  void SendKeyEvent(const CefKeyEvent& event) override;
+  void SendMouseClickEvent(const CefMouseEvent& event, MouseButtonType type, bool mouseUp,
+                           int clickCount) override;
+  void SendMouseMoveEvent(const CefMouseEvent& event, bool mouseLeave) override;
+  void SendMouseWheelEvent(const CefMouseEvent& event, int deltaX, int deltaY) override;
+  void ImeSetComposition(const CefString& text,
+                         const std::vector<CefCompositionUnderline>& underlines,
+                         const CefRange& replaced, const CefRange& selected) override;
+  void ImeCommitText(const CefString& text, const CefRange& replaced, int cursor) override;
+  void ImeFinishComposingText(bool /*keepSelection*/) override { lines.emplace_back("finish"); }
+  void ImeCancelComposition() override { lines.emplace_back("cancel"); }
+  void DragTargetDragEnter(CefRefPtr<CefDragData> data, const CefMouseEvent& event,
+                           DragOperationsMask allowed) override;
+  void DragTargetDragOver(const CefMouseEvent& event, DragOperationsMask allowed) override;
+  void DragTargetDragLeave() override { lines.emplace_back("leave"); }
+  void DragTargetDrop(const CefMouseEvent& event) override;
+  void DragSourceEndedAt(int x, int y, DragOperationsMask op) override;
+  void DragSourceSystemDragEnded() override { lines.emplace_back("drag over"); }
 
   std::vector<bool> closeCalls;  // the force of each
   std::function<void()> onClose;
   bool focused = false;
+  std::vector<std::string> lines;
+  CefRefPtr<CefDragData> entered;
+  std::function<void(PaintElementType)> onInvalidate;
 
  private:
   IMPLEMENT_REFCOUNTING(FakeHost);

@@ -70,7 +70,6 @@ struct Side {
   std::vector<std::pair<const char*, const char*>> steering;  // methods and log words
   std::vector<std::string> life;
   std::vector<std::string> lifeLines;
-  const char* methods;
   const char* configuration;
 };
 
@@ -150,10 +149,6 @@ TEST_P(BothBridges, AnswerAFailureBeforeTheyHaveAManager) {
   EXPECT_THAT(answer("pauseGroup", R"({"groupId":"7"})"), StartsWith("-1 Exception caught"));
 }
 
-TEST_P(BothBridges, ListTheirMethods) {
-  EXPECT_EQ(answer("supportedMethods"), side.methods + std::string("\n"));
-}
-
 TEST_P(BothBridges, ChangeTheGivenSettingsOnly) {
   const std::string expected = side.configuration + std::string("\n");
   EXPECT_EQ(answer("setConfiguration",
@@ -184,9 +179,6 @@ INSTANTIATE_TEST_SUITE_P(
               {"cancelGroup", "Canceled"}},
              {"upload startup", "upload shutdown"},
              {"information Starting up Upload Manager", "information Shutting down Upload Manager"},
-             R"(["cancelGroup","createGroup","dequeueFiles","fetchGroupsState","getConfiguration",)"
-             R"("markQueue","pauseGroup","queueFiles","resumeGroup","setConfiguration",)"
-             R"("supportedMethods","unmarkQueue"])",
              R"({"maxConcurrentTransfers":3,"maxTransferRetries":2,"minMultipartSize":67108864,)"
              R"("preventSleep":true,"serverTransferProgressInterval":0,)"
              R"("throttleBytesPerSecond":0,"verifyUploads":true})"},
@@ -198,8 +190,6 @@ INSTANTIATE_TEST_SUITE_P(
              {"download startup", "download shutdown"},
              {"information Starting up download manager",
               "information Shutting down download manager"},
-             R"(["cancelGroup","createGroup","dequeueFiles","fetchGroupsState","getConfiguration",)"
-             R"("pauseGroup","queueFiles","resumeGroup","setConfiguration","supportedMethods"])",
              R"({"autoDownload":true,"maxConcurrentTransfers":3,"maxTransferRetries":2,)"
              R"("minMultipartSize":67108864,"preventSleep":true,"throttleBytesPerSecond":0,)"
              R"("verifyUploads":true})"}));

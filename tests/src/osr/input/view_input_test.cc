@@ -100,7 +100,8 @@ TEST(EventFlags, RecognizeAModifierKeysReleaseByItsClearFlag) {
 class MouseInputTest : public testing::Test {
  protected:
   void openPopup() {
-    view_.paintPage(400, 200);
+    const Pixels page(400, 200, distinct);
+    view_.osrRenderer.OnPaint(nullptr, PET_VIEW, {page.rect()}, page.data(), 400, 200);
     view_.osrRenderer.OnPopupSize(nullptr, {340, 120, 100, 100});
   }
   std::vector<std::string> sent(const SystemEvent& event) {

@@ -1,4 +1,4 @@
-// A recording view and browser.
+// A recording view.
 #pragma once
 
 #include <memory>
@@ -15,40 +15,9 @@ namespace client::test {
 using zantrio::test::FakeBrowser;
 using zantrio::test::FakeHost;
 
-// Records every call as a line, as in "click 10,20 flags 16 left down x2".
-class RecordingHost : public FakeHost {
- public:
-  void NotifyScreenInfoChanged() override { lines.emplace_back("screen info"); }
-  void Invalidate(PaintElementType type) override;
-  void SendKeyEvent(const CefKeyEvent& event) override;
-  void SendMouseClickEvent(const CefMouseEvent& event, MouseButtonType type, bool mouseUp,
-                           int clickCount) override;
-  void SendMouseMoveEvent(const CefMouseEvent& event, bool mouseLeave) override;
-  void SendMouseWheelEvent(const CefMouseEvent& event, int deltaX, int deltaY) override;
-  void ImeSetComposition(const CefString& text,
-                         const std::vector<CefCompositionUnderline>& underlines,
-                         const CefRange& replaced, const CefRange& selected) override;
-  void ImeCommitText(const CefString& text, const CefRange& replaced, int cursor) override;
-  void ImeFinishComposingText(bool /*keepSelection*/) override { lines.emplace_back("finish"); }
-  void ImeCancelComposition() override { lines.emplace_back("cancel"); }
-  void DragTargetDragEnter(CefRefPtr<CefDragData> data, const CefMouseEvent& event,
-                           DragOperationsMask allowed) override;
-  void DragTargetDragOver(const CefMouseEvent& event, DragOperationsMask allowed) override;
-  void DragTargetDragLeave() override { lines.emplace_back("leave"); }
-  void DragTargetDrop(const CefMouseEvent& event) override;
-  void DragSourceEndedAt(int x, int y, DragOperationsMask op) override;
-  void DragSourceSystemDragEnded() override { lines.emplace_back("drag over"); }
-
-  std::vector<std::string> lines;
-  CefRefPtr<CefDragData> entered;
-  std::function<void(PaintElementType)> onInvalidate;
-};
-
 // 200 × 100 points at (1000, 500) of its screen, two pixels a point.
 class FakeOsrView : public OsrView {
  public:
-  FakeOsrView() { fakeBrowser->host = host; }
-
   OsrRenderer& renderer() override { return osrRenderer; }
   TextInput& textInput() override { return text; }
   CefRefPtr<CefBrowser> browser() const override { return hasBrowser ? fakeBrowser : nullptr; }
@@ -82,11 +51,8 @@ class FakeOsrView : public OsrView {
     dragOperation = operation;
   }
 
-  // Gives the renderer a page of this size, in pixels, without drawing it.
-  void paintPage(int width, int height);
-
-  CefRefPtr<RecordingHost> host = new RecordingHost;
   CefRefPtr<FakeBrowser> fakeBrowser = new FakeBrowser;
+  CefRefPtr<FakeHost> host = fakeBrowser->host;
   bool hasBrowser = true;
   OsrRenderer osrRenderer{false, false};
   TextInput text{*this};

@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QDBusArgument>
 #include <QDBusPendingCallWatcher>
 #include <QIcon>
 
+#include "services/platform_init.h"
 #include "src/platform/linux/event_loop.h"
 #include "src/platform/linux/recorded_service.h"
 
@@ -31,7 +33,7 @@ class UserNotificationHandlerLinux : public testing::Test {
   test::RecordedService server_{kServer, kServerPath};
 };
 
-TEST_F(UserNotificationHandlerLinux, SendsAllFields) {
+TEST_F(UserNotificationHandlerLinux, SendsAllFieldsAndTheDrawnIcon) {
   show({"Fertig: gr\u00FC\u00DFe \u65E5\u672C", "2 files", "https://example.test/t/1"});
   const QDBusMessage call = server_.waitForCall("Notify");
   EXPECT_EQ(call.interface(), kServer);
@@ -48,27 +50,24 @@ TEST_F(UserNotificationHandlerLinux, SendsAllFields) {
   EXPECT_EQ(hints["desktop-entry"].toString(), "zantrio");
   EXPECT_EQ(hints["x-zantrio-url"].toString(), "https://example.test/t/1");
   EXPECT_EQ(arguments[7].toInt(), -1);
-}
-
-TEST_F(UserNotificationHandlerLinux, SendsTheDrawnIconIfNoneIsInstalled) {
+  createPlatformInit()->init();
+  EXPECT_EQ(QGuiApplication::desktopFileName(), "zantrio");
+  EXPECT_EQ(QApplication::windowIcon().pixmap(32).width(), 32);
+  // No icon is installed.
   ASSERT_FALSE(QIcon::hasThemeIcon("zantrio"));
-  show({"title", "", ""});
-  const auto hints = qdbus_cast<QVariantMap>(server_.waitForCall("Notify").arguments().value(6));
   const auto image = hints["image-data"].value<QDBusArgument>();
   EXPECT_EQ(image.currentSignature(), "(iiibiiay)");
   int width = 0;
   int height = 0;
   int bytesPerLine = 0;
-  image.beginStructure();
-  image >> width >> height >> bytesPerLine;
-  EXPECT_EQ(width, 64);
-  EXPECT_EQ(height, 64);
   bool hasAlpha = false;
   int bitsPerSample = 0;
   int channels = 0;
   QByteArray pixels;
-  image >> hasAlpha >> bitsPerSample >> channels >> pixels;
+  image.beginStructure();
+  image >> width >> height >> bytesPerLine >> hasAlpha >> bitsPerSample >> channels >> pixels;
   image.endStructure();
+  EXPECT_EQ(QSize(width, height), QSize(64, 64));
   EXPECT_EQ(pixels.size(), qsizetype{height} * bytesPerLine);
   // Transparent at the corner, the background's colour near the edge.
   EXPECT_EQ(pixels.mid(0, 4).toHex(), "00000000");

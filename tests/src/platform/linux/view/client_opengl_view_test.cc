@@ -204,21 +204,6 @@ TEST(ClientOpenGLViewLinux, TypesTheKeysThatItsKeyboardHas) {
   EXPECT_TRUE(page.becomes("field.value", "x\U0001F600")) << page.evaluate("field.value");
 }
 
-TEST(ClientOpenGLViewLinux, HasTheFocusOfItsWindow) {
-  ShownPage shown(kFields);
-  TestBrowser& page = shown.page();
-  shown.click({100, 40});
-  ASSERT_TRUE(page.becomes("document.hasFocus() + document.activeElement.id", "truefield"));
-  const auto send = [&](QEvent::Type type, Qt::FocusReason reason) {
-    QFocusEvent event(type, reason);
-    QApplication::sendEvent(&shown.view(), &event);
-  };
-  send(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
-  EXPECT_TRUE(page.becomes("document.hasFocus() + document.activeElement.id", "falsefield"));
-  send(QEvent::FocusIn, Qt::ActiveWindowFocusReason);
-  EXPECT_TRUE(page.becomes("document.hasFocus() + document.activeElement.id", "truefield"));
-}
-
 TEST(ClientOpenGLViewLinux, ShowsTheCursorsOfThePage) {
   ShownPage shown(R"(<style>html { height: 100% }</style><script>
     const picture = Object.assign(document.createElement('canvas'), { width: 24, height: 12 });

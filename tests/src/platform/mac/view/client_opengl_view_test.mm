@@ -68,15 +68,6 @@ TEST_F(ClientOpenGLViewMac, SendsMouseEventsFromTheUpperLeftCorner) {
                            "move 10,20 flags 32", "move 10,20 flags 0", "move out 10,20 flags 0"}));
 }
 
-TEST_F(ClientOpenGLViewMac, RedrawsWhileThePageRotates) {
-  [view_ rightMouseDown:mouse(NSRightMouseDown, kPoint, NSShiftKeyMask)];
-  [view_ setNeedsDisplay:NO];
-  [view_ rightMouseDragged:mouse(NSRightMouseDragged, NSMakePoint(15, 73))];
-  EXPECT_EQ(osrView().renderer().spinY(), -7);
-  EXPECT_TRUE([view_ needsDisplay]);
-  EXPECT_EQ(sent(), Lines{});
-}
-
 TEST_F(ClientOpenGLViewMac, ScrollsByPointsOrByLines) {
   [view_ scrollWheel:gesture(NSEventPhaseNone, kPoint, 7)];
   NSEvent* const wheel = [NSEvent mouseEventWithType:NSScrollWheel
@@ -267,16 +258,6 @@ TEST_F(OffScreenWindowMac, ClosesOnlyWithItsBrowserAndThenLeavesNothing) {
   EXPECT_TRUE(weak.expired());
   CefScreenInfo info;
   EXPECT_FALSE(handler->GetScreenInfo(browser, info));
-}
-
-TEST_F(OffScreenWindowMac, ClosesAtOnceWithoutABrowser) {
-  std::weak_ptr<client::OsrView> weak;
-  @autoreleasepool {
-    const auto view = open(nullptr);
-    weak = view;
-    [[shownBy(*view) window] performClose:nil];
-  }
-  EXPECT_TRUE(weak.expired());
 }
 
 }  // namespace

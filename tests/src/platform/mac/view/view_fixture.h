@@ -5,7 +5,7 @@
 #include "include/cef_frame.h"
 #include "osr/client_osr_handler.h"
 #include "platform/mac/view/client_opengl_view.h"
-#include "src/osr/view/fake_osr_view.h"
+#include "src/fakes/fake_browser.h"
 #include "src/platform/mac/fakes/appkit_fake.h"
 #include "src/platform/mac/mac_fixture.h"
 
@@ -20,12 +20,6 @@
 namespace zantrio::mac_test {
 
 using Lines = std::vector<std::string>;
-
-// Also records resizes.
-class ViewHost : public client::test::RecordingHost {
- public:
-  void WasResized() override { lines.emplace_back("resized"); }
-};
 
 // A view of 200 × 100 points in a window at (50, 30), with a recording browser.
 class ViewTest : public MacTest {
@@ -44,7 +38,7 @@ class ViewTest : public MacTest {
                       NSUInteger flags = 0);
   static GestureEvent* gesture(NSEventPhase phase, NSPoint point, CGFloat deltaY);
 
-  CefRefPtr<ViewHost> host_;
+  CefRefPtr<zantrio::test::FakeHost> host_;
   CefRefPtr<zantrio::test::FakeBrowser> browser_;
   TestWindow* window_ = nil;
   TestView* view_ = nil;

@@ -37,9 +37,8 @@ namespace zantrio::mac_test {
 
 void ViewTest::SetUp() {
   MacTest::SetUp();
-  host_ = new ViewHost;
   browser_ = new zantrio::test::FakeBrowser;
-  browser_->host = host_;
+  host_ = browser_->host;
   window_ = [[TestWindow alloc] initWithContentRect:NSMakeRect(50, 30, 200, 100)
                                           styleMask:0
                                             backing:NSBackingStoreBuffered

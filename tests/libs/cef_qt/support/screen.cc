@@ -48,15 +48,6 @@ void Screen::OnPaint(CefRefPtr<CefBrowser> /*browser*/, PaintElementType type,
   }
 }
 
-bool Screen::OnCursorChange(CefRefPtr<CefBrowser> /*browser*/, CefCursorHandle /*cursor*/,
-                            cef_cursor_type_t type, const CefCursorInfo& info) {
-  cursor = type;
-  cursorInfo = info;
-  cursorInfo.buffer = nullptr;
-  cursorPixel = info.buffer ? *static_cast<const uint32_t*>(info.buffer) : 0;
-  return true;
-}
-
 std::string Screen::colorAt(int x, int y) const {
   if (x >= pictureSize.width || y >= pictureSize.height) {
     return {};

@@ -54,8 +54,11 @@ class Screen final : public CefRenderHandler, public CefDisplayHandler {
   void UpdateDragCursor(CefRefPtr<CefBrowser> /*browser*/, DragOperation operation) override {
     dragOperation = operation;
   }
-  bool OnCursorChange(CefRefPtr<CefBrowser> browser, CefCursorHandle cursor, cef_cursor_type_t type,
-                      const CefCursorInfo& info) override;
+  bool OnCursorChange(CefRefPtr<CefBrowser> /*browser*/, CefCursorHandle /*cursor*/,
+                      cef_cursor_type_t type, const CefCursorInfo& /*info*/) override {
+    cursor = type;
+    return true;
+  }
   void OnImeCompositionRangeChanged(CefRefPtr<CefBrowser> /*browser*/, const CefRange& /*range*/,
                                     const RectList& bounds) override {
     caret = bounds.at(0);
@@ -81,8 +84,6 @@ class Screen final : public CefRenderHandler, public CefDisplayHandler {
   int popupCount = 0;  // shown so far
   CefRect popupRect;
   cef_cursor_type_t cursor = CT_POINTER;
-  CefCursorInfo cursorInfo;  // without its picture
-  uint32_t cursorPixel = 0;  // the first of its picture
   cef_text_input_mode_t textMode = CEF_TEXT_INPUT_MODE_NONE;
   CefRect caret;
   std::string selectedText;

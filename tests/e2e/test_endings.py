@@ -1,6 +1,5 @@
 """The ends of the client: by the page, by its window, by a signal, during a transfer."""
 
-import json
 import signal
 import unittest
 
@@ -45,25 +44,6 @@ class Endings(Sandbox):
         second = self.start_client(self.folder / "Zantrio", folder)
         self.assertEqual(second.wait(60), 0)
         page.wait_for_files(3)
-        self.assert_leaves_cleanly(client, page)
-
-
-class Page(Sandbox):
-    def test_bridges_answer_with_the_exact_texts(self):
-        _, client, page = self.start_all()
-        page.wait_until_ready()
-        methods = page.query("nativeAppBridge_IPC", "supportedMethods")
-        self.assertEqual(methods, ["success", json.dumps(
-            ["copyToClipboard", "onAppExit", "onAppReady", "openURL", "supportedMethods"],
-            separators=(",", ":")) + "\n"])
-        self.assertEqual(page.query("nativeAppBridge_IPC", "noSuchMethod"),
-                         ["failure", -1, "The query has been canceled"])
-        self.assertEqual(page.ask("nativeAppBridge_IPC", "abc"),
-                         ["failure", -1, "Failed to parse JSON"])
-        self.assertEqual(page.query("downloadManagerBridge_IPC", "createGroup",
-                                    {"tokenExpires": "never"}),
-                         ["failure", -1, "Exception caught when executing query handler: "
-                                         "Value is not convertible to UInt64."])
         self.assert_leaves_cleanly(client, page)
 
 

@@ -51,21 +51,6 @@ class Run(Sandbox):
         self.assertIn("Sent 7 files", output)
         self.assertIn("checksums equal", output)
 
-    def test_reports_invalid_arguments_in_one_line(self):
-        file, empty = self.folder / "file", self.folder / "empty"
-        file.write_bytes(b"")
-        empty.mkdir()
-        for arguments, expected in (
-                ([self.folder / "not there"], f"run: {self.folder / 'not there'} does not exist\n"),
-                ([""], "run: The file with an empty name does not exist\n"),
-                (["--data", file], f"run: [Errno 17] File exists: '{file}'\n")):
-            output, _ = self.start_run(*arguments).communicate(timeout=60)
-            self.assertEqual(output, expected)
-        run = self.start_run(empty)
-        output, _ = run.communicate(timeout=60)
-        self.assertIn("run: there is nothing to send", output)
-        self.assertEqual(run.returncode, 1)
-
     def test_ends_everything_on_ctrl_c(self):
         run = self.start_run()
         self.assertIn("The service listens on", run.stdout.readline())

@@ -19,7 +19,12 @@ struct SourceVersion {
   // change. Unlike `modified` it cannot be set back.
   std::int64_t touched = 0;
 
-  // Ignores `touched`.
+  // Device numbers change when a disk is attached again, and some file systems number their files
+  // anew with each mount. So this holds for another file with a copied time, too.
+  bool maybeSameContent(const SourceVersion& other) const {
+    return size == other.size && modified == other.modified;
+  }
+  // Ignores `touched`. For versions seen by the same attempt.
   bool sameContent(const SourceVersion& other) const {
     return device == other.device && inode == other.inode && size == other.size &&
            modified == other.modified;

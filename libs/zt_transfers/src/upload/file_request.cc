@@ -69,7 +69,7 @@ void CFileRequest::send() {
     exchange_ = dependencies_.loop.send(
         request, *this, [this](const HttpResponse& response) { onResponse(response); });
   } catch (const std::exception& error) {
-    fail({failure::kBadRequest, error.what()});
+    fail(AttemptOutcome::final(error.what(), failure::kBadRequest));
     return;
   }
   enter(State::kSending);
@@ -81,9 +81,9 @@ void CFileRequest::onSourceReady() {
   }
 }
 
-void CFileRequest::fail(const Problem& problem) {
+void CFileRequest::fail(const AttemptOutcome& outcome) {
   enter(State::kEnded);
-  listener_.onRequestFailed(*this, problem);
+  listener_.onRequestFailed(*this, outcome);
 }
 
 IHttpBody::Read CFileRequest::read(char* to, std::size_t room, std::size_t& copied) {

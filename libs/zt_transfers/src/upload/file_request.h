@@ -52,7 +52,7 @@ class CFileRequest final : public CUploadSource::IListener,
     virtual void onRequestMoved(CFileRequest& request) = 0;
     // Each of these is the last call; the listener then retires the request.
     virtual void onRequestAnswered(CFileRequest& request, const HttpResponse& response) = 0;
-    virtual void onRequestFailed(CFileRequest& request, const Problem& problem) = 0;
+    virtual void onRequestFailed(CFileRequest& request, const AttemptOutcome& outcome) = 0;
 
    protected:
     ~IListener() = default;
@@ -79,12 +79,12 @@ class CFileRequest final : public CUploadSource::IListener,
   void openSource();
   void release();
   void send();
-  void fail(const Problem& problem);
+  void fail(const AttemptOutcome& outcome);
   void onResponse(const HttpResponse& response);
 
   void onSourceOpened(const SourceVersion& version) override;
   void onSourceReady() override;
-  void onSourceFailed(const Problem& problem) override { fail(problem); }
+  void onSourceFailed(const AttemptOutcome& outcome) override { fail(outcome); }
   Read read(char* to, std::size_t room, std::size_t& copied) override;
   std::string_view takeAll() override;
   bool rewind() override;

@@ -111,8 +111,8 @@ void CMultipartRecovery::checkNext() {
 
 void CMultipartRecovery::onChecked(const ListedPart& part, const CSourceDigest::Result& result) {
   dependencies_.loop.retire(std::move(digest_));
-  if (result.problem) {
-    finish({.what = Found::What::kSource, .problem = *result.problem});
+  if (result.failure) {
+    finish({.what = Found::What::kSource, .failure = *result.failure});
     return;
   }
   if (md5OfETag(part.etag) == result.md5) {

@@ -39,12 +39,12 @@ class CMultipartRecovery {
       kParts,   // the server has these, with the file's content
       kGone,    // the server has forgotten the upload
       kFailed,  // see `response`
-      kSource,  // see `problem`
+      kSource,  // see `failure`
     };
     What what = What::kParts;
     std::vector<SentPart> parts{};
     HttpResponse response{};
-    Problem problem{};
+    AttemptOutcome failure{};
   };
   // Never called from within begin; its receiver retires the recovery.
   using Done = std::function<void(const Found&)>;

@@ -90,12 +90,12 @@ void CMultipartUpload::request(CTextRequest::Request request,
 // The page may have renewed the URL's query, but not changed the object that it names.
 bool CMultipartUpload::resumes(const UploadSession& session) const {
   return loggableUrl(session.url) == loggableUrl(order_.spec.url) &&
-         session.source.sameContent(version_);
+         session.source.maybeSameContent(version_);
 }
 
 void CMultipartUpload::recover() {
   session_ = order_.resume.upload();
-  const bool trusted = session_.source.touched == version_.touched;
+  const bool trusted = session_.source == version_;
   session_.url = order_.spec.url;
   session_.headers = order_.spec.headers;
   session_.source = version_;
@@ -131,7 +131,7 @@ void CMultipartUpload::onRecovered(const CMultipartRecovery::Found& found) {
       fail(found.response, judgeFailure(found.response, now()));
       break;
     case What::kSource:
-      failSource(found.problem);
+      failSource(found.failure);
       break;
   }
 }
@@ -183,7 +183,7 @@ void CMultipartUpload::saveSession() {
                                            [this](const auto& change) { onSessionSaved(change); });
 }
 
-void CMultipartUpload::onSessionSaved(const std::optional<Problem>& change) {
+void CMultipartUpload::onSessionSaved(const std::optional<AttemptOutcome>& change) {
   dependencies_.loop.retire(std::move(flush_));
   if (change) {
     failSource(*change);
@@ -309,9 +309,11 @@ void CMultipartUpload::fail(const HttpResponse& response, const AttemptOutcome& 
   end(outcome);
 }
 
-void CMultipartUpload::failSource(const Problem& problem) {
-  abandonSession();
-  end(AttemptOutcome::final(problem.reason, problem.code));
+void CMultipartUpload::failSource(const AttemptOutcome& outcome) {
+  if (outcome.kind == AttemptOutcome::Kind::kFinal) {
+    abandonSession();
+  }
+  end(outcome);
 }
 
 // A session that was begun in this attempt does not count: the next one could be lost as well.

@@ -107,7 +107,7 @@ class CMultipartUpload final : public CPartSender::IListener {
   void initiate();
   void onInitiated(const HttpResponse& response);
   void saveSession();
-  void onSessionSaved(const std::optional<Problem>& change);
+  void onSessionSaved(const std::optional<AttemptOutcome>& change);
   void sendMissing();
   void onPartSent(const SentPart& part) override;
   void onAllPartsSent() override;
@@ -121,7 +121,7 @@ class CMultipartUpload final : public CPartSender::IListener {
   void abandonSession();
   void dropSession();
   void fail(const HttpResponse& response, const AttemptOutcome& outcome);
-  void failSource(const Problem& problem);
+  void failSource(const AttemptOutcome& outcome);
   bool madeProgress() const;
   void end(AttemptOutcome outcome);
   std::int64_t now() const { return dependencies_.loop.clock().secondsSince1970(); }

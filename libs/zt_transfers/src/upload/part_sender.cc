@@ -124,9 +124,10 @@ void CPartSender::onRefused(std::uint32_t number, const HttpResponse& response,
   }
 }
 
-void CPartSender::onRequestFailed(CFileRequest& request, const Problem& problem) {
+void CPartSender::onRequestFailed(CFileRequest& request, const AttemptOutcome& outcome) {
+  const bool later = outcome.kind == AttemptOutcome::Kind::kRetry;
   retire(find(request));
-  cutOff(End::Why::kSource, AttemptOutcome::final(problem.reason, problem.code));
+  cutOff(later ? End::Why::kLater : End::Why::kSource, outcome);
 }
 
 // The first failure is reported, with the longest wait of all.

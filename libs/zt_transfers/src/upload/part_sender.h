@@ -25,7 +25,7 @@ class CPartSender final : public CFileRequest::IListener {
   struct End {
     enum class Why {
       kGone,     // the server has forgotten the upload
-      kSource,   // the file has changed or cannot be read
+      kSource,   // the file has changed or can never be read
       kRefused,  // permanently
       kRenew,    // the authorisation must be renewed first
       kLater,    // another attempt may succeed
@@ -79,7 +79,7 @@ class CPartSender final : public CFileRequest::IListener {
   }
   void onRequestMoved(CFileRequest& /*request*/) override { listener_.onBytesMoved(); }
   void onRequestAnswered(CFileRequest& request, const HttpResponse& response) override;
-  void onRequestFailed(CFileRequest& request, const Problem& problem) override;
+  void onRequestFailed(CFileRequest& request, const AttemptOutcome& outcome) override;
 
   const UploadDependencies dependencies_;
   const StartOrder& order_;

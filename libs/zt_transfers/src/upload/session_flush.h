@@ -17,7 +17,7 @@ namespace zt_transfers {
 class CSessionFlush {
  public:
   // `change` tells how the source was changed.
-  using Done = std::function<void(const std::optional<Problem>& change)>;
+  using Done = std::function<void(const std::optional<AttemptOutcome>& change)>;
 
   CSessionFlush(const UploadDependencies& dependencies, AttemptId attemptId, std::string path,
                 const SourceVersion& version, Done done);

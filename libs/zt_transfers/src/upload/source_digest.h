@@ -17,8 +17,8 @@ namespace zt_transfers {
 class CSourceDigest final : public CUploadSource::IListener {
  public:
   struct Result {
-    std::string md5{};                 // lower-case hexadecimal
-    std::optional<Problem> problem{};  // why the file cannot be read as it was
+    std::string md5{};                        // lower-case hexadecimal
+    std::optional<AttemptOutcome> failure{};  // why the file cannot be read as it was
   };
   using Done = std::function<void(const Result&)>;
 
@@ -30,7 +30,7 @@ class CSourceDigest final : public CUploadSource::IListener {
  private:
   void onSourceOpened(const SourceVersion& /*version*/) override { onSourceReady(); }
   void onSourceReady() override;
-  void onSourceFailed(const Problem& problem) override { done_({.problem = problem}); }
+  void onSourceFailed(const AttemptOutcome& outcome) override { done_({.failure = outcome}); }
 
   const Done done_;
   std::shared_ptr<CUploadSource> source_;

@@ -6,17 +6,12 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <system_error>
 
 #include "base/file_status.h"
 #include "upload/source_version.h"
 
 namespace zt_transfers {
 namespace {
-
-std::string errorText(int error) {
-  return std::generic_category().message(error);
-}
 
 void makeRoomIn(SourceChunk& chunk, std::size_t size) {
   if (!chunk.data) {
@@ -26,25 +21,22 @@ void makeRoomIn(SourceChunk& chunk, std::size_t size) {
 
 }  // namespace
 
-std::optional<Problem> CSourceReader::open() {
+std::optional<AttemptOutcome> CSourceReader::open() {
   // O_NONBLOCK, as opening a pipe would block; regular files ignore it.
   file_ = CUniqueFd(::open(readRequest_.path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (!file_.valid()) {
-    return Problem{
-        errno == ENOENT || errno == ENOTDIR ? failure::kSourceMissing : failure::kSourceUnreadable,
-        "cannot open the file: " + errorText(errno)};
+    return outcomeOfSource(errno, readRequest_.path, "cannot open the file");
   }
   struct stat status {};
   if (::fstat(file_.get(), &status) != 0) {
-    return Problem{failure::kSourceUnreadable,
-                   "cannot read the file's status: " + errorText(errno)};
+    return outcomeOfSource(errno, readRequest_.path, "cannot read the file's status");
   }
   if (!S_ISREG(status.st_mode)) {
-    return Problem{failure::kSourceUnreadable, "it is not a regular file"};
+    return AttemptOutcome::final("it is not a regular file", failure::kSourceUnreadable);
   }
   version_ = versionOf(status);
   if (readRequest_.version && !readRequest_.version->sameContent(version_)) {
-    return Problem{failure::kSourceChanged, "the file changed while it was sent"};
+    return AttemptOutcome::final("the file changed while it was sent", failure::kSourceChanged);
   }
   const ByteSpan span = readRequest_.span.value_or(ByteSpan{0, version_.size});
   offset_ = span.begin;
@@ -62,7 +54,7 @@ std::optional<Problem> CSourceReader::open() {
   return std::nullopt;
 }
 
-std::optional<Problem> CSourceReader::readNext(SourceChunk& chunk) {
+std::optional<AttemptOutcome> CSourceReader::readNext(SourceChunk& chunk) {
   const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(kChunk, end_ - offset_));
   makeRoomIn(chunk, wanted);
   chunk.size = 0;
@@ -73,10 +65,11 @@ std::optional<Problem> CSourceReader::readNext(SourceChunk& chunk) {
       continue;
     }
     if (got < 0) {
-      return Problem{failure::kSourceUnreadable, "cannot read the file: " + errorText(errno)};
+      return outcomeOfSource(errno, readRequest_.path, "cannot read the file");
     }
     if (got == 0) {
-      return Problem{failure::kSourceChanged, "the file became shorter while it was sent"};
+      return AttemptOutcome::final("the file became shorter while it was sent",
+                                   failure::kSourceChanged);
     }
     chunk.size += static_cast<std::size_t>(got);
   }

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "base/unique_fd.h"
-#include "engine/failure.h"
+#include "engine/attempt.h"
 #include "engine/upload_session.h"
 #include "hash/md5.h"
 
@@ -40,9 +40,9 @@ class CSourceReader {
   explicit CSourceReader(ReadRequest readRequest) : readRequest_(std::move(readRequest)) {}
 
   // Both return nothing on success.
-  std::optional<Problem> open();
+  std::optional<AttemptOutcome> open();
   // Reuses the chunk's memory, if it has any.
-  std::optional<Problem> readNext(SourceChunk& chunk);
+  std::optional<AttemptOutcome> readNext(SourceChunk& chunk);
   // The same without blocking. False, and nothing is read, if the bytes are not in the page cache,
   // are to be hashed, or include the last ones.
   bool readCached(SourceChunk& chunk);

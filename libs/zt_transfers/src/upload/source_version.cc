@@ -3,11 +3,18 @@
 #include <cerrno>
 #include <system_error>
 
+#include "engine/fault_table.h"
+
 namespace zt_transfers {
 namespace {
 
 std::int64_t nanoseconds(const timespec& time) {
   return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+}
+
+bool hasFolder(const std::string& path) {
+  struct stat status {};
+  return ::stat(path.substr(0, path.rfind('/') + 1).c_str(), &status) == 0;
 }
 
 }  // namespace
@@ -27,14 +34,25 @@ SourceVersion versionOf(const struct stat& status) {
   return version;
 }
 
-std::optional<Problem> changeSince(const SourceVersion& version, const std::string& path) {
+AttemptOutcome outcomeOfSource(int error, const std::string& path, const std::string& doing) {
+  const std::string reason = doing + ": " + std::generic_category().message(error);
+  if ((error == ENOENT || error == ENOTDIR) && !hasFolder(path)) {
+    return outcomeOfMissingFolder(FileRole::kSource, reason);
+  }
+  return outcomeOfErrno(error, FileRole::kSource, reason);
+}
+
+std::optional<AttemptOutcome> changeSince(const SourceVersion& version, const std::string& path) {
   struct stat now {};
   if (::stat(path.c_str(), &now) != 0) {
-    return Problem{failure::kSourceChanged, "the file vanished while it was sent: " +
-                                                std::generic_category().message(errno)};
+    AttemptOutcome outcome = outcomeOfSource(errno, path, "the file vanished while it was sent");
+    if (outcome.kind == AttemptOutcome::Kind::kFinal) {
+      outcome.code = failure::kSourceChanged;
+    }
+    return outcome;
   }
   if (!version.sameContent(versionOf(now))) {
-    return Problem{failure::kSourceChanged, "the file changed while it was sent"};
+    return AttemptOutcome::final("the file changed while it was sent", failure::kSourceChanged);
   }
   return std::nullopt;
 }

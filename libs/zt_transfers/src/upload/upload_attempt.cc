@@ -92,18 +92,15 @@ void CUploadAttempt::compareWith(const std::string& stored) {
   digest_ = std::make_unique<CSourceDigest>(
       dependencies_.upload, ReadRequest{.path = path_, .version = version_},
       [this, stored](const CSourceDigest::Result& result) {
-        if (result.problem) {
-          finish(AttemptOutcome::retry(
-              "what the server has cannot be compared with it: " + result.problem->reason,
-              result.problem->code));
+        if (result.failure) {
+          AttemptOutcome outcome = *result.failure;
+          outcome.kind = AttemptOutcome::Kind::kRetry;
+          outcome.reason = "what the server has cannot be compared with it: " + outcome.reason;
+          finish(outcome);
         } else {
           finish(result.md5 == stored ? AttemptOutcome::done() : otherContent(stored, result.md5));
         }
       });
-}
-
-void CUploadAttempt::onRequestFailed(CFileRequest& /*request*/, const Problem& problem) {
-  finish(AttemptOutcome::final(problem.reason, problem.code));
 }
 
 void CUploadAttempt::onMultipartUnsupported(bool permanent) {

@@ -59,7 +59,9 @@ class CUploadAttempt final : public CFileRequest::IListener, public CMultipartUp
   bool onRequestOpened(CFileRequest& request, const SourceVersion& version) override;
   void onRequestMoved(CFileRequest& request) override { order_.progress->bytes = request.sent(); }
   void onRequestAnswered(CFileRequest& request, const HttpResponse& response) override;
-  void onRequestFailed(CFileRequest& request, const Problem& problem) override;
+  void onRequestFailed(CFileRequest& /*request*/, const AttemptOutcome& outcome) override {
+    finish(outcome);
+  }
 
   void onSessionAbandoned(const UploadSession& session) override {
     dependencies_.upload.observer.onOrphaned({.resume = session});

@@ -103,14 +103,14 @@ void CUploadSource::post(bool open) {
   pool_.post([&loop = loop_, reader = reader_, self = weak_from_this(), result] {
     try {
       if (result->opened) {
-        result->problem = reader->open();
+        result->failure = reader->open();
         result->version = reader->version();
       }
-      if (!result->problem) {
-        result->problem = reader->readNext(result->chunk);
+      if (!result->failure) {
+        result->failure = reader->readNext(result->chunk);
       }
     } catch (const std::exception& error) {
-      result->problem = Problem{failure::kSourceUnreadable, error.what()};
+      result->failure = AttemptOutcome::retry(error.what(), failure::kSourceUnreadable);
     }
     loop.post([self, result] {
       if (const auto source = self.lock()) {
@@ -125,8 +125,8 @@ void CUploadSource::arrive(Result& result) {
   if (listener_ == nullptr) {
     return;
   }
-  if (result.problem) {
-    listener_->onSourceFailed(*result.problem);
+  if (result.failure) {
+    listener_->onSourceFailed(*result.failure);
     return;
   }
   readAll_ = result.chunk.last;

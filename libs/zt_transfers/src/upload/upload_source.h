@@ -26,7 +26,7 @@ class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
     // Bytes are available after there were none.
     virtual void onSourceReady() = 0;
     // The file cannot be sent.
-    virtual void onSourceFailed(const Problem& problem) = 0;
+    virtual void onSourceFailed(const AttemptOutcome& outcome) = 0;
 
    protected:
     ~IListener() = default;
@@ -59,7 +59,7 @@ class CUploadSource : public std::enable_shared_from_this<CUploadSource> {
     bool opened = false;
     SourceVersion version;
     SourceChunk chunk;
-    std::optional<Problem> problem;
+    std::optional<AttemptOutcome> failure;
   };
 
   static constexpr std::size_t kReadAhead = 2;  // chunks

@@ -117,6 +117,18 @@ TEST_F(UploadSession, MixesNothingWhenOtherContentHasTheSameSizeAndTime) {
   expectCompleted(contentOf(path), 4 + 5);
 }
 
+TEST_F(UploadSession, GoesOnWhenItsDiskAndTheFileHaveOtherNumbers) {
+  pause();
+  const CSandbox memory("/dev/shm");
+  const auto path = sandbox.folder() / "file";
+  const auto moved = memory.file("file", contentOf(path));
+  fs::last_write_time(moved, fs::last_write_time(path));
+  fs::remove(path);
+  fs::create_symlink(moved, path);
+  manager->resumeGroup(group_);
+  expectCompleted(patternOf(8 * kPart), 8);
+}
+
 TEST_F(UploadSession, SeesThatThePartsWerePutTogetherAlthoughNoAnswerCame) {
   fault("POST", "uploadId=*", R"("type":"delay","milliseconds":500,"count":1)");
   const int completions = 3;  // the rule just made
@@ -137,6 +149,29 @@ TEST_F(UploadSession, KeepsWhatItHasWhenItsAuthorityHasExpired) {
   EXPECT_THAT(sessions(), SizeIs(1));
   manager->queueFiles(group_, {file_});
   expectCompleted(patternOf(8 * kPart), 8);
+}
+
+TEST_F(CPartsTest, KeepsThePartsWhileTheFolderOfTheSourceIsAway) {
+  configure([](auto& configuration) { configuration.maxConcurrentTransfers = 1; });
+  stallPart(3);
+  const int sent = count("PUT", kAnyPart);
+  const auto folder = sandbox.folder() / "folder";
+  const auto away = sandbox.folder() / "away";
+  fs::create_directory(folder);
+  auto file = describe("file", patternOf(4 * kPart));
+  fs::rename(sandbox.folder() / "file", folder / "file");
+  file.fileURL = fileUrl(folder / "file");
+  const auto group = upload({file});
+  ASSERT_TRUE(waitForMoreThan(group, 2 * kPart));
+  manager->pauseGroup(group);
+  fs::rename(folder, away);
+  manager->resumeGroup(group);
+  ASSERT_TRUE(eventually([&] { return log().find("cannot open the file") != std::string::npos; }));
+  EXPECT_THAT(sessions(), SizeIs(1));
+  fs::rename(away, folder);
+  manager->resumeGroup(group);
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
+  EXPECT_EQ(counted(sent), 4U);
 }
 
 TEST_F(CPartsTest, ReadsTheListOfPartsPageByPage) {

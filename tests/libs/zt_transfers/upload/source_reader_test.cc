@@ -1,6 +1,7 @@
 #include "upload/source_reader.h"
 
 #include <gmock/gmock.h>
+#include <sys/resource.h>
 
 #include <filesystem>
 #include <fstream>
@@ -79,7 +80,8 @@ TEST_F(SourceReader, WithholdsTheEndOfAFileThatChanged) {
   SourceChunk chunk;
   ASSERT_FALSE(reader.readNext(chunk).has_value());
   std::ofstream(path, std::ios::app) << "more";
-  EXPECT_THAT(reader.readNext(chunk), Optional(Field(&Problem::reason, HasSubstr("changed"))));
+  EXPECT_THAT(reader.readNext(chunk),
+              Optional(Field(&AttemptOutcome::reason, HasSubstr("changed"))));
 }
 
 TEST_F(SourceReader, NoticesThatAnotherFileTookTheName) {
@@ -90,14 +92,34 @@ TEST_F(SourceReader, NoticesThatAnotherFileTookTheName) {
   std::filesystem::last_write_time(other, std::filesystem::last_write_time(path));
   std::filesystem::rename(other, path);
   SourceChunk chunk;
-  EXPECT_THAT(reader.readNext(chunk), Optional(Field(&Problem::reason, HasSubstr("changed"))));
+  EXPECT_THAT(reader.readNext(chunk),
+              Optional(Field(&AttemptOutcome::reason, HasSubstr("changed"))));
 }
 
-TEST_F(SourceReader, SaysWhatIsWrongWithAFileItCannotRead) {
+TEST_F(SourceReader, FailsForAMissingFileButRestsForAMissingFolderOrALackOfDescriptors) {
   CSourceReader missing({.path = sandbox.folder() / "missing"});
-  EXPECT_THAT(missing.open(), Optional(Field(&Problem::code, failure::kSourceMissing)));
+  const auto gone = missing.open();
+  EXPECT_THAT(gone, Optional(Field(&AttemptOutcome::code, failure::kSourceMissing)));
+  EXPECT_THAT(gone, Optional(Field(&AttemptOutcome::kind, AttemptOutcome::Kind::kFinal)));
+
+  CSourceReader away({.path = sandbox.folder() / "away" / "file"});
+  CSourceReader present({.path = sandbox.file("present", "x")});
+  const auto folderGone = away.open();
+  rlimit limit{};
+  ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
+  const rlimit none{.rlim_cur = 0, .rlim_max = limit.rlim_max};
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+  const auto noDescriptor = present.open();
+  ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+  for (const auto& outcome : {folderGone, noDescriptor}) {
+    ASSERT_TRUE(outcome.has_value());
+    EXPECT_EQ(outcome->kind, AttemptOutcome::Kind::kRetry);
+    EXPECT_EQ(outcome->scope, AttemptOutcome::Scope::kFolder);
+    EXPECT_EQ(outcome->retryBudget, AttemptOutcome::RetryBudget::kFree);
+  }
   CSourceReader folder({.path = sandbox.folder()});
-  EXPECT_THAT(folder.open(), Optional(Field(&Problem::reason, HasSubstr("not a regular file"))));
+  EXPECT_THAT(folder.open(),
+              Optional(Field(&AttemptOutcome::reason, HasSubstr("not a regular file"))));
 }
 
 }  // namespace

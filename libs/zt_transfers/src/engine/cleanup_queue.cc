@@ -17,13 +17,19 @@ std::string textOf(const Orphan& orphan) {
 
 }  // namespace
 
-void CCleanupQueue::restore(std::vector<std::pair<OrphanId, Orphan>> stored) {
+void CCleanupQueue::restore(std::vector<std::pair<OrphanId, Orphan>> stored, OrphanId last) {
   entries_.clear();
+  last_ = std::max(last_, last);
+  adopt(std::move(stored));
+  stop();
+}
+
+void CCleanupQueue::adopt(std::vector<std::pair<OrphanId, Orphan>> stored) {
   for (auto& [id, orphan] : stored) {
     last_ = std::max(last_, id);
     entries_.emplace(id, Entry{std::move(orphan)});
+    waiting_.push_back(id);
   }
-  stop();
 }
 
 void CCleanupQueue::add(Orphan orphan) {

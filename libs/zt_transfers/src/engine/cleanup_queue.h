@@ -32,8 +32,10 @@ class CCleanupQueue {
   CCleanupQueue(const IClock& clock, IQueueStore& store, const BackoffPolicy& backoff)
       : clock_(clock), store_(store), retries_(backoff) {}
 
-  // Replaces all entries.
-  void restore(std::vector<std::pair<OrphanId, Orphan>> stored);
+  // Replaces all entries. `last`: higher ids may be used.
+  void restore(std::vector<std::pair<OrphanId, Orphan>> stored, OrphanId last = 0);
+  // Adds entries that are stored already.
+  void adopt(std::vector<std::pair<OrphanId, Orphan>> stored);
   // Ignores resume data that was not begun.
   void add(Orphan orphan);
   // The same, unless it is known already.

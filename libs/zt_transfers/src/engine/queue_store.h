@@ -40,8 +40,9 @@ struct RestoredGroup {
 // A queue read from the store.
 struct RestoredQueue {
   std::int32_t lastGroupId = 0;  // the highest ever used
-  std::vector<RestoredGroup> groups;
-  std::vector<std::pair<OrphanId, Orphan>> orphans;
+  OrphanId lastOrphanId = 0;     // higher ones may be used
+  std::vector<RestoredGroup> groups{};
+  std::vector<std::pair<OrphanId, Orphan>> orphans{};
 };
 
 // Stores the queue; the engine itself holds a few bytes a file. The indices of a group's files

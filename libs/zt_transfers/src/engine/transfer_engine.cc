@@ -18,6 +18,27 @@ CTransferEngine::CTransferEngine(Options options, const Dependencies& dependenci
 void CTransferEngine::restore(RestoredQueue queue) {
   const CMutexLock lock(mutex_);
   pendingSizes_.clear();
+  askForSizes(queue);
+  table_.restore(std::move(queue), options_.needsMark);
+}
+
+void CTransferEngine::adopt(RestoredQueue queue) {
+  {
+    const CMutexLock lock(mutex_);
+    askForSizes(queue);
+    std::vector<std::int32_t> ids;
+    for (const RestoredGroup& group : queue.groups) {
+      ids.push_back(group.group.identity.id);
+    }
+    table_.adopt(std::move(queue), options_.needsMark);
+    for (const std::int32_t id : ids) {
+      announce(*table_.find(id));
+    }
+  }
+  wake_();
+}
+
+void CTransferEngine::askForSizes(const RestoredQueue& queue) {
   for (const auto& [kept, files, resumes, failures] : queue.groups) {
     for (std::uint32_t index = 0; index < files.size(); ++index) {
       if (!files[index].sizeKnown && files[index].phase == FilePhase::kWaiting) {
@@ -25,7 +46,13 @@ void CTransferEngine::restore(RestoredQueue queue) {
       }
     }
   }
-  table_.restore(std::move(queue), options_.needsMark);
+}
+
+// To the planner and, if it is not completed, to the program.
+void CTransferEngine::announce(CTransferGroup& group) {
+  planner_.list(group);
+  table_.notifyAnew(group);
+  table_.limitCompleted(group);
 }
 
 std::int32_t CTransferEngine::createGroup(GroupIdentity identity) {
@@ -159,7 +186,15 @@ void CTransferEngine::resumeGroup(std::int32_t groupId) {
 }
 
 void CTransferEngine::cancelGroup(std::int32_t groupId) {
-  change(groupId, [&](CTransferGroup& group) REQUIRES(mutex_) { table_.cancel(group); });
+  bool wasCompleted = false;
+  change(groupId, [&](CTransferGroup& group) REQUIRES(mutex_) {
+    wasCompleted = group.completed();
+    table_.cancel(group);
+  });
+  if (wasCompleted) {
+    const CMutexLock lock(mutex_);
+    table_.forget(groupId);
+  }
 }
 
 void CTransferEngine::setSettings(const Settings& settings) {
@@ -177,8 +212,7 @@ void CTransferEngine::start() {
     table_.eventThrottle().setRunning(true);
     table_.forgetCancelled();
     for (const auto& [id, group] : table_.groups()) {
-      planner_.list(*group);
-      table_.notifyAnew(*group);
+      announce(*group);
     }
   }
   wake_();
@@ -248,6 +282,7 @@ void CTransferEngine::onAttemptsDone(const std::vector<AttemptEnd>& ends) {
 void CTransferEngine::reschedule(CTransferGroup& group) {
   planner_.list(group);
   table_.notify(group);
+  table_.limitCompleted(group);
 }
 
 bool CTransferEngine::onAttemptCheckpoint(AttemptId id) {

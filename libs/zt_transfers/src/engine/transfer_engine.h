@@ -72,6 +72,8 @@ class CTransferEngine final : public IAttemptObserver {
 
   // Replaces all groups. Between `stop` and `start` only.
   void restore(RestoredQueue queue);
+  // Adds what was stored but could not be read before. Its ids must be new.
+  void adopt(RestoredQueue queue);
 
   // For the program; see the managers' headers.
   std::int32_t createGroup(GroupIdentity identity);
@@ -118,6 +120,8 @@ class CTransferEngine final : public IAttemptObserver {
   void specsArrived(std::int32_t groupId);
 
  private:
+  void askForSizes(const RestoredQueue& queue) REQUIRES(mutex_);
+  void announce(CTransferGroup& group) REQUIRES(mutex_);
   // Applies `change` to the group, unless it is unknown or cancelled.
   template <typename Change>
   void change(std::int32_t groupId, const Change& change);

@@ -77,6 +77,9 @@ void CTransferGroup::setSize(std::uint32_t index, std::uint64_t size) {
 }
 
 void CTransferGroup::setCancelled() {
+  if (completed()) {
+    counts_ = {};
+  }
   isCancelled_ = true;
   files_.clear();
   returned_.clear();

@@ -85,11 +85,13 @@ class CTransferGroup {
 
   void setPaused(bool paused) { isPaused_ = paused; }
   void setMarked(bool marked) { isMarked_ = marked; }
-  // Drops the files; the counters stay. No attempt may be under way.
+  // Drops the files; the counters stay, unless the group was completed: its folder was shown to the
+  // user then. No attempt may be under way.
   void setCancelled();
   bool paused() const { return isPaused_; }
   bool marked() const { return isMarked_; }
   bool cancelled() const { return isCancelled_; }
+  bool completed() const { return state(true) == kGroupCompleted; }
 
   // `running`: between startup and shutdown.
   GroupStateCode state(bool running) const;

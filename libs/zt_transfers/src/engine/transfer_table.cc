@@ -1,6 +1,7 @@
 #include "engine/transfer_table.h"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 
 #include "base/url_parts.h"
@@ -80,8 +81,15 @@ void CTransferTable::restore(RestoredQueue queue, bool needsMark) {
   groups_.clear();
   resumes_ = {};
   failures_ = {};
-  lastGroupId_ = queue.lastGroupId;
-  cleanups_.restore(std::move(queue.orphans));
+  completed_.clear();
+  lastGroupId_ = 0;
+  cleanups_.restore({}, queue.lastOrphanId);
+  adopt(std::move(queue), needsMark);
+}
+
+void CTransferTable::adopt(RestoredQueue queue, bool needsMark) {
+  lastGroupId_ = std::max(lastGroupId_, queue.lastGroupId);
+  cleanups_.adopt(std::move(queue.orphans));
   for (RestoredGroup& restored : queue.groups) {
     restore(restored, needsMark);
     restored = {};
@@ -111,12 +119,30 @@ void CTransferTable::restore(RestoredGroup& restored, bool needsMark) {
 
 void CTransferTable::forgetCancelled() {
   for (auto entry = groups_.begin(); entry != groups_.end();) {
-    if (entry->second->cancelled()) {
-      eventThrottle_.forget(entry->first);
-      entry = groups_.erase(entry);
-    } else {
-      ++entry;
+    const auto& [id, group] = *entry++;
+    if (group->cancelled()) {
+      forget(id);
     }
+  }
+}
+
+void CTransferTable::forget(std::int32_t groupId) {
+  eventThrottle_.forget(groupId);
+  completed_.erase(groupId);
+  groups_.erase(groupId);
+}
+
+void CTransferTable::limitCompleted(const CTransferGroup& group) {
+  if (!group.completed()) {
+    completed_.erase(group.id());
+    return;
+  }
+  completed_.insert(group.id());
+  while (completed_.size() > kMaxCompleted) {
+    const std::int32_t oldest =
+        *completed_.begin() == group.id() ? *std::next(completed_.begin()) : *completed_.begin();
+    cancel(*groups_.at(oldest));
+    forget(oldest);
   }
 }
 

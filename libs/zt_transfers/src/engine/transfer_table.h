@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,7 +26,8 @@ namespace zt_transfers {
 class CTransferTable {
  public:
   using Groups = std::map<std::int32_t, std::unique_ptr<CTransferGroup>>;
-  enum class Resume { kKeep, kDiscard };  // the fate of an attempt's resume data
+  enum class Resume { kKeep, kDiscard };              // the fate of an attempt's resume data
+  static constexpr std::size_t kMaxCompleted = 1000;  // groups
 
   // `activity`: for the log. The others must outlive it.
   CTransferTable(std::string activity, const IClock& clock, IQueueStore& store, CEventQueue& events,
@@ -38,7 +40,14 @@ class CTransferTable {
   CTransferGroup* create(GroupIdentity identity, bool needsMark);
   // Replaces all groups.
   void restore(RestoredQueue queue, bool needsMark);
+  // Adds groups that are stored already.
+  void adopt(RestoredQueue queue, bool needsMark);
   void forgetCancelled();
+  // The group is gone. No attempt may be under way.
+  void forget(std::int32_t groupId);
+  // Call it after every change of the group. Forgets the oldest completed groups beyond the newest
+  // kMaxCompleted, but not this one.
+  void limitCompleted(const CTransferGroup& group);
 
   // Saves the group's pause and mark.
   void save(const CTransferGroup& group);
@@ -99,6 +108,7 @@ class CTransferTable {
   CAttemptTable attempts_;
   CResumeTable resumes_;
   CFailureLog failures_;
+  std::set<std::int32_t> completed_;  // groups; a lower id is an older one
   std::vector<AttemptStop> stops_;
   CCleanupQueue cleanups_;
   CEventThrottle eventThrottle_;

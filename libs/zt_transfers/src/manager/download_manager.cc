@@ -98,7 +98,7 @@ void CDownloadManager::resumeGroup(std::int32_t groupId) {
   impl_->engine().resumeGroup(groupId);
 }
 void CDownloadManager::cancelGroup(std::int32_t groupId) {
-  impl_->engine().cancelGroup(groupId);
+  impl_->core().cancelGroup(groupId);
 }
 
 void CDownloadManager::startup() {

@@ -20,6 +20,9 @@ constexpr std::size_t kMaxStats = 256;
 // Files get their final names, and are reported as completed, after this time in any case.
 constexpr std::chrono::milliseconds kMaxFlushTime{1000};
 
+// A cancelled group is gone for good when the program goes on, or after this time.
+constexpr std::chrono::milliseconds kMaxCancelTime{250};
+
 // More than the processor has cores: some threads wait for a disk, and one hashes for several.
 constexpr unsigned kPoolSize = kMd5Lanes;
 
@@ -66,7 +69,8 @@ void CManagerCore::CDeferredLog::write(Priority priority, std::string_view messa
 CManagerCore::CManagerCore(Options options)
     : options_(std::move(options)),
       queue_("zt-store-" + options_.shortName, log_,
-             [this](std::int32_t groupId) { engine_.specsArrived(groupId); }),
+             {.arrived = [this](std::int32_t groupId) { engine_.specsArrived(groupId); },
+              .found = [this](RestoredQueue found) { engine_.adopt(std::move(found)); }}),
       engine_(options_.engine,
               {.clock = clock_, .store = queue_.store(), .events = events_, .log = log_}),
       pool_("zt-disk-" + options_.shortName),
@@ -93,25 +97,38 @@ CManagerCore::~CManagerCore() {
   queue_.abandon();  // while the engine is there, which its thread may call
 }
 
-CTransferEngine& CManagerCore::openEngine() {
+CTransferEngine& CManagerCore::engine() {
+  const CMutexLock lock(opening_);
   openQueue();
   return engine_;
 }
 
-void CManagerCore::openQueue() {
+const CTransferEngine& CManagerCore::engineToRead() {
   const CMutexLock lock(opening_);
-  if (opened_) {
+  if (queueState_ == QueueState::kUnread &&
+      !CZtTransfersGlobalConfig::getInstance()->appFilesPath().empty()) {
+    openQueue();
+  }
+  return engine_;
+}
+
+void CManagerCore::openQueue() {
+  if (queueState_ == QueueState::kOpen || queueState_ == QueueState::kInMemory) {
     return;
   }
-  opened_ = true;
   const std::string folder = CZtTransfersGlobalConfig::getInstance()->appFilesPath();
   log_.open(folder);
   if (folder.empty()) {
+    queueState_ = QueueState::kInMemory;
     return;
   }
-  if (auto found = queue_.open(folder + "/" + options_.database)) {
-    engine_.restore(std::move(*found));
-  }
+  engine_.restore(queue_.open(folder + "/" + options_.database));
+  queueState_ = QueueState::kOpen;
+}
+
+void CManagerCore::cancelGroup(std::int32_t groupId) {
+  engine().cancelGroup(groupId);
+  queue_.flush(kMaxCancelTime);
 }
 
 void CManagerCore::configure(const CTransferManagerBase::Configuration& configuration) {
@@ -133,7 +150,7 @@ void CManagerCore::startup() {
     return;
   }
   started_ = true;
-  openQueue();
+  engine();
   log_.information("Starting " + options_.engine.activity + "s");
   engine_.start();
   dispatcher_.start();
@@ -170,20 +187,25 @@ void CManagerCore::shutdown() {
 // Without a database the queue stays in memory.
 void CManagerCore::closeQueue() {
   const CMutexLock lock(opening_);
-  opened_ = queue_.isOpen() ? !queue_.close() : !engine_.groups().empty();
+  if (queueState_ == QueueState::kOpen && queue_.close()) {
+    queueState_ = QueueState::kClosed;
+  } else if (queueState_ == QueueState::kInMemory && engine_.groups().empty()) {
+    queueState_ = QueueState::kUnread;
+  }
 }
 
-// A file that is reported as completed stays so after a crash.
+// A file that is reported as completed stays so after a crash, a cancelled group stays away.
 void CManagerCore::prepareDelivery(const std::vector<TransferEvent>& events) {
-  bool completed = false;
+  bool final = false;
   for (const TransferEvent& event : events) {
     if (const auto* group = std::get_if<GroupSnapshot>(&event)) {
       progress_.note(*group);
+      final = final || group->cancelled;
     } else {
-      completed = completed || std::get<FileState>(event).state == kFileCompleted;
+      final = final || std::get<FileState>(event).state == kFileCompleted;
     }
   }
-  if (completed) {
+  if (final) {
     queue_.flush(kMaxFlushTime);
   }
 }

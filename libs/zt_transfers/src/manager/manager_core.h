@@ -47,9 +47,11 @@ class CManagerCore {
   CManagerCore(const CManagerCore&) = delete;
   CManagerCore& operator=(const CManagerCore&) = delete;
 
-  CTransferEngine& engine() { return engine_; }
-  // The same for operations that change the queue: the stored queue is read first.
-  CTransferEngine& openEngine();
+  // For operations that change the queue. The stored queue is read first.
+  CTransferEngine& engine();
+  // For operations that only look at it. After `shutdown` they find it as it was then.
+  const CTransferEngine& engineToRead();
+  void cancelGroup(std::int32_t groupId);
   void configure(const CTransferManagerBase::Configuration& configuration);
 
   void startup();
@@ -66,7 +68,14 @@ class CManagerCore {
     std::shared_ptr<ILog> log_;  // set while no other thread of the manager runs
   };
 
-  void openQueue();
+  enum class QueueState {
+    kUnread,
+    kOpen,
+    kInMemory,  // there is no place for it on disk
+    kClosed,    // as it was at the last shutdown
+  };
+
+  void openQueue() REQUIRES(opening_);
   void closeQueue();
   void prepareDelivery(const std::vector<TransferEvent>& events);
   std::optional<TimePoint> tick();
@@ -85,7 +94,7 @@ class CManagerCore {
   CSleepGuard sleepGuard_;
   const std::unique_ptr<IAttemptRunner> runner_;
   CMutex opening_;
-  bool opened_ GUARDED_BY(opening_) = false;
+  QueueState queueState_ GUARDED_BY(opening_) = QueueState::kUnread;
   bool started_ = false;
   std::uint64_t throttle_ = 0;
   bool statting_ = false;  // the network thread only

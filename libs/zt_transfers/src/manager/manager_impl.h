@@ -34,17 +34,17 @@ class CManagerImpl {
   }
 
   CManagerCore& core() { return core_; }
-  CTransferEngine& engine() { return core_.openEngine(); }
+  CTransferEngine& engine() { return core_.engine(); }
   void subscribe(Callback* callback) { subscription_.set(callback); }
 
   void fetchGroups(std::vector<GroupState>& groups) {
     groups.clear();
-    for (const GroupSnapshot& shot : core_.engine().groups()) {
+    for (const GroupSnapshot& shot : core_.engineToRead().groups()) {
       groups.push_back(conversions_.groupState(shot));
     }
   }
   int fetchGroup(std::int32_t groupId, GroupState& state) {
-    const auto shot = core_.engine().group(groupId);
+    const auto shot = core_.engineToRead().group(groupId);
     if (!shot) {
       return -1;
     }

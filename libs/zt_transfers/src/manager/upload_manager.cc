@@ -102,7 +102,7 @@ void CUploadManager::resumeGroup(std::int32_t groupId) {
   impl_->engine().resumeGroup(groupId);
 }
 void CUploadManager::cancelGroup(std::int32_t groupId) {
-  impl_->engine().cancelGroup(groupId);
+  impl_->core().cancelGroup(groupId);
 }
 
 void CUploadManager::startup() {

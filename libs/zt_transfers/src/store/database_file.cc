@@ -25,29 +25,32 @@ std::string nameAside(const std::string& path) {
   return name;
 }
 
-bool isEmpty(const std::string& path) {
-  struct stat status {};
-  return ::stat(path.c_str(), &status) != 0 || status.st_size == 0;
-}
-
 }  // namespace
 
-CDatabaseFile::CDatabaseFile(std::string path, CDatabaseLock lock, ILog& log)
-    : path_(std::move(path)), lock_(std::move(lock)), log_(log), isNew_(isEmpty(path_)) {}
+bool CDatabaseFile::isNew() const {
+  struct stat status {};
+  return lock_ && (::stat(path_.c_str(), &status) != 0 || status.st_size == 0);
+}
 
-std::unique_ptr<CDatabaseFile> CDatabaseFile::claim(const std::string& path, ILog& log) {
-  constexpr const char* kConsequence =
-      "; what is queued now is transferred, but forgotten when the program ends";
+bool CDatabaseFile::takeLock() {
   try {
-    auto lock = CDatabaseLock::take(path + ".lock");
-    if (lock) {
-      return std::unique_ptr<CDatabaseFile>(new CDatabaseFile(path, std::move(*lock), log));
+    if (!lock_) {
+      lock_ = CDatabaseLock::take(path_ + ".lock");
     }
-    log.error("The queue " + path + " is in use by another process" + kConsequence);
+    if (!lock_) {
+      complain("is in use by another process");
+    }
   } catch (const std::system_error& error) {
-    log.error("The queue " + path + " cannot be used: " + error.what() + kConsequence);
+    complain(std::string("cannot be used: ") + error.what());
   }
-  return nullptr;
+  return lock_.has_value();
+}
+
+void CDatabaseFile::complain(const std::string& problem) {
+  if (!std::exchange(complained_, true)) {
+    log_.error("The queue " + path_ + " " + problem +
+               "; transfers go on, what is queued now stays in memory until it can be written");
+  }
 }
 
 // The database holds tokens and signed URLs. SQLite gives its other files the same mode.
@@ -57,10 +60,13 @@ void CDatabaseFile::makePrivate() const {
 
 std::unique_ptr<CQueueDatabase> CDatabaseFile::open(
     const std::function<void(CQueueDatabase&)>& load) {
+  if (!takeLock()) {
+    return nullptr;
+  }
   for (int attempt = 0; attempt < 2; ++attempt) {
     try {
       makePrivate();
-      auto database = std::make_unique<CQueueDatabase>(path_);
+      auto database = std::make_unique<CQueueDatabase>(path_, patience_);
       load(*database);
       complained_ = false;
       return database;
@@ -69,17 +75,13 @@ std::unique_ptr<CQueueDatabase> CDatabaseFile::open(
         return nullptr;
       }
     } catch (const CSqliteError& error) {
-      if (error.isDamage()) {
-        if (!setAside(error.what())) {
-          return nullptr;
-        }
-        continue;
+      if (!error.isDamage()) {
+        complain(std::string("cannot be opened: ") + error.what());
+        return nullptr;
       }
-      if (!std::exchange(complained_, true)) {
-        log_.error("The queue " + path_ + " cannot be opened: " + error.what() +
-                   "; transfers go on, what is queued now stays in memory");
+      if (!setAside(error.what())) {
+        return nullptr;
       }
-      return nullptr;
     }
   }
   return nullptr;
@@ -91,8 +93,7 @@ bool CDatabaseFile::setAside(const std::string& reason) {
     std::error_code error;
     std::filesystem::rename(path_ + suffix, aside + suffix, error);
     if (error && error != std::errc::no_such_file_or_directory) {
-      log_.error("The queue " + path_ + " cannot be used (" + reason + ") nor be renamed: " +
-                 error.message() + "; transfers go on, what is queued now stays in memory");
+      complain("cannot be used (" + reason + ") nor be renamed: " + error.message());
       return false;
     }
   }

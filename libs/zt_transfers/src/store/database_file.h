@@ -1,7 +1,9 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "base/log.h"
@@ -15,29 +17,31 @@ namespace zt_transfers {
 // Thread: one at a time.
 class CDatabaseFile {
  public:
-  // Takes the lock of the database at `path`. Null, with a line in the log, when another process
-  // uses it or the folder cannot be written to.
-  static std::unique_ptr<CDatabaseFile> claim(const std::string& path, ILog& log);
+  // `patience`: how long to wait for another program that reads the database.
+  CDatabaseFile(std::string path, std::chrono::milliseconds patience, ILog& log)
+      : path_(std::move(path)), patience_(patience), log_(log) {}
 
-  // Opens it and lets `load` read it. Null when that fails now, which is logged once. A database
-  // that is damaged or newer is renamed to "<name>.unusable-<time>", and `load` gets a new one.
+  // Takes the lock, which stays taken, opens the database and lets `load` read it. Null when that
+  // fails now, for example because another process has the lock; the first failure in a row is
+  // logged. A database that is damaged or newer is renamed to "<name>.unusable-<time>", and `load`
+  // gets a new one.
   std::unique_ptr<CQueueDatabase> open(const std::function<void(CQueueDatabase&)>& load);
   // Renames it, for `reason`. It must not be open.
   bool setAside(const std::string& reason);
-  // Whether it was empty when it was claimed.
-  bool isNew() const { return isNew_; }
+  // Whether it is this process's and holds nothing yet.
+  bool isNew() const;
 
   const std::string& path() const { return path_; }
 
  private:
-  CDatabaseFile(std::string path, CDatabaseLock lock, ILog& log);
-
+  bool takeLock();
   void makePrivate() const;
+  void complain(const std::string& problem);
 
   const std::string path_;
-  const CDatabaseLock lock_;
+  const std::chrono::milliseconds patience_;
   ILog& log_;
-  const bool isNew_;
+  std::optional<CDatabaseLock> lock_;
   bool complained_ = false;
 };
 

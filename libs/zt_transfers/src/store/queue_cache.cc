@@ -201,6 +201,12 @@ void CQueueCache::clear() {
   resumes_.clear();
 }
 
+void CQueueCache::dropGroup(std::int32_t groupId) {
+  const CMutexLock lock(mutex_);
+  tables_.erase(groupId);
+  resumes_.erase(resumes_.lower_bound({groupId, 0}), resumes_.lower_bound({groupId + 1, 0}));
+}
+
 void CQueueCache::restoreGroup(std::int32_t groupId) {
   const CMutexLock lock(mutex_);
   auto files = std::make_unique<CFileTable>(held_);

@@ -63,9 +63,9 @@ class CQueueCache : public IQueueStore {
   std::optional<std::string> location(FileRef file) const override;
   bool load(FileRef file) override;
 
-  // For reading the stored queue: `clear`, then each group with its files in the order of their
-  // indices.
+  // For reading the stored queue: each group with its files in the order of their indices.
   void clear();
+  void dropGroup(std::int32_t groupId);
   void restoreGroup(std::int32_t groupId);
   void restoreFile(FileRef file, std::string_view fileId);
   void restoreResume(FileRef file);

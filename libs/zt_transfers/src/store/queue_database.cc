@@ -86,8 +86,9 @@ void bindSize(CSqliteStatement& statement, int parameter, const StoredState& sta
 
 }  // namespace
 
-CQueueDatabase::CQueueDatabase(const std::string& path, const std::vector<Migration>& migrations)
-    : connection_(path) {
+CQueueDatabase::CQueueDatabase(const std::string& path, std::chrono::milliseconds patience,
+                               const std::vector<Migration>& migrations)
+    : connection_(path, patience) {
   try {
     // No other program reads it, so the index of its log can stay in memory.
     connection_.execute("PRAGMA locking_mode = EXCLUSIVE");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -26,9 +27,9 @@ class CQueueDatabase {
     using std::runtime_error::runtime_error;
   };
 
-  // Opens or creates the database and migrates its schema. Throws CUnusable when it is damaged,
-  // newer, or another program's.
-  explicit CQueueDatabase(const std::string& path,
+  // Opens or creates the database and migrates its schema. Waits up to `patience` for another
+  // program that reads it. Throws CUnusable when it is damaged, newer, or another program's.
+  explicit CQueueDatabase(const std::string& path, std::chrono::milliseconds patience = {},
                           const std::vector<Migration>& migrations = queueMigrations());
 
   struct Reader {

@@ -35,6 +35,9 @@ CQueueWriter::CQueueWriter(std::string name, const Dependencies& dependencies,
                                     requested_ = true;
                                     woken_.notifyOne();
                                   }});
+  if (!database_) {
+    due_ = now() + timing_.firstRetry;
+  }
   thread_ = std::thread([this] {
     nameThisThread(name_);
     run();
@@ -174,13 +177,22 @@ void CQueueWriter::notifyFinished(bool done) {
   finished_.notifyAll();
 }
 
-bool CQueueWriter::writeBatch() {
+bool CQueueWriter::openDatabase() {
+  database_ = dependencies_.file.open(dependencies_.load);
   if (!database_) {
-    database_ = dependencies_.file.open([](CQueueDatabase&) {});
-    if (!database_) {
-      retry_ = std::clamp(retry_ * 2, timing_.firstRetry, timing_.lastRetry);
-      return dependencies_.store.changesWaiting() == 0;
-    }
+    retry_ = std::clamp(retry_ * 2, timing_.firstRetry, timing_.lastRetry);
+    return false;
+  }
+  retry_ = {};
+  sweeping_ = true;
+  dependencies_.log.information("The queue " + dependencies_.file.path() + " is open now");
+  dependencies_.opened();
+  return true;
+}
+
+bool CQueueWriter::writeBatch() {
+  if (!database_ && !openDatabase()) {
+    return false;
   }
   const QueueBatch batch = dependencies_.store.collect(kMaxWritten);
   if (batch.writes.empty()) {

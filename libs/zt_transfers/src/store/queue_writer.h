@@ -18,7 +18,7 @@ namespace zt_transfers {
 
 // The thread that writes a queue's changes to its database and reads descriptions from it. Changes
 // within a short time are written together. Changes that cannot be written (a full disk) stay in
-// memory and are tried again.
+// memory and are tried again; so is the opening of a database that cannot be opened.
 //
 // Thread: all operations by the owner, unless they say otherwise.
 class CQueueWriter {
@@ -27,6 +27,7 @@ class CQueueWriter {
     std::chrono::milliseconds gather{50};  // from a change to its write
     std::chrono::milliseconds firstRetry{1000};
     std::chrono::milliseconds lastRetry{30000};  // they double up to it
+    std::chrono::milliseconds patience{5000};    // with another program that reads the database
   };
   struct Dependencies {
     CQueueCache& store;
@@ -35,9 +36,13 @@ class CQueueWriter {
     // Descriptions of this group's files were loaded, or cannot be read. Called on the writer's
     // thread.
     std::function<void(std::int32_t groupId)> arrived;
+    // For a database that is opened late: reads it, which may be repeated; then it is open. Called
+    // on the writer's thread.
+    std::function<void(CQueueDatabase&)> load;
+    std::function<void()> opened;
   };
 
-  // `database` may be null; it is then opened for the first write.
+  // `database` may be null; it is then opened as soon as that is possible.
   CQueueWriter(std::string name, const Dependencies& dependencies,
                std::unique_ptr<CQueueDatabase> database, const Timing& timing);
   // Tries to write all changes, then closes the database.
@@ -59,6 +64,7 @@ class CQueueWriter {
   void writeDue();
   bool takeOrder();
   bool writeBatch();
+  bool openDatabase();
   void notifyFinished(bool done);
   void failed(const std::string& what);
   void sweep();

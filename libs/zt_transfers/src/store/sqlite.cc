@@ -87,7 +87,7 @@ void CSqliteStatement::fail() const {
   throw CSqliteError(code, message + " (" + std::to_string(code) + ")");
 }
 
-CSqliteConnection::CSqliteConnection(const std::string& path) {
+CSqliteConnection::CSqliteConnection(const std::string& path, std::chrono::milliseconds patience) {
   sqlite3* connection = nullptr;
   const int code = sqlite3_open_v2(
       path.c_str(), &connection,
@@ -98,6 +98,7 @@ CSqliteConnection::CSqliteConnection(const std::string& path) {
     throw CSqliteError(code, std::string("opening it: ") + sqlite3_errstr(code) + " (" +
                                  std::to_string(code) + ")");
   }
+  sqlite3_busy_timeout(connection, static_cast<int>(patience.count()));
 }
 
 void CSqliteConnection::execute(const char* sql) {

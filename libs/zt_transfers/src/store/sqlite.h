@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <stdexcept>
@@ -66,8 +67,8 @@ class CSqliteStatement {
 // Thread: one at a time.
 class CSqliteConnection {
  public:
-  // Creates the file if it does not exist.
-  explicit CSqliteConnection(const std::string& path);
+  // Creates the file if it does not exist. Waits up to `patience` for each lock of another program.
+  explicit CSqliteConnection(const std::string& path, std::chrono::milliseconds patience = {});
 
   sqlite3* get() const { return connection_.get(); }
   void execute(const char* sql);

@@ -1,5 +1,6 @@
 #include "store/stored_queue.h"
 
+#include <random>
 #include <utility>
 
 namespace zt_transfers {
@@ -7,46 +8,60 @@ namespace {
 
 constexpr std::size_t kMaxGap = 20'000'000;  // files removed in a row
 
+// Ids of groups and orphans count up from 1. While those in use cannot be read, new ones begin at
+// random far above them, so that those of two such times do not meet either.
+std::int32_t idFarAbove() {
+  constexpr std::int32_t kFrom = 1 << 30;
+  std::random_device random;
+  return kFrom + static_cast<std::int32_t>(random() % (kFrom / 2));
+}
+
 }  // namespace
 
-CStoredQueue::CStoredQueue(std::string threadName, ILog& log,
-                           std::function<void(std::int32_t)> arrived,
+CStoredQueue::CStoredQueue(std::string threadName, ILog& log, Listener listener,
                            const CQueueWriter::Timing& timing)
     : threadName_(std::move(threadName)),
       log_(log),
-      arrived_(std::move(arrived)),
+      listener_(std::move(listener)),
       timing_(timing) {}
 
 CStoredQueue::~CStoredQueue() {
   abandon();
 }
 
-std::optional<RestoredQueue> CStoredQueue::open(const std::string& path) {
-  file_ = CDatabaseFile::claim(path, log_);
-  if (!file_) {
-    return std::nullopt;
-  }
-  RestoredQueue found;
-  auto database = file_->open([&](CQueueDatabase& opened) { load(opened, found); });
+RestoredQueue CStoredQueue::open(const std::string& path) {
+  store_.clear();
+  found_ = {};
+  file_ = std::make_unique<CDatabaseFile>(path, timing_.patience, log_);
+  auto database = file_->open([this](CQueueDatabase& opened) { load(opened); });
+  RestoredQueue found = std::exchange(found_, {});
   if (!database) {
-    if (!file_->isNew()) {
-      // Its groups could not be told from those that are queued meanwhile.
-      file_.reset();
-      return std::nullopt;
-    }
-    found = {};
     store_.clear();
+    found = {};
+    if (!file_->isNew()) {
+      found.lastGroupId = idFarAbove();
+      found.lastOrphanId = static_cast<OrphanId>(found.lastGroupId);
+    }
   }
   writer_ = std::make_unique<CQueueWriter>(
       threadName_,
-      CQueueWriter::Dependencies{.store = store_, .file = *file_, .log = log_, .arrived = arrived_},
+      CQueueWriter::Dependencies{.store = store_,
+                                 .file = *file_,
+                                 .log = log_,
+                                 .arrived = listener_.arrived,
+                                 .load = [this](CQueueDatabase& opened) { load(opened); },
+                                 .opened = [this] { listener_.found(std::exchange(found_, {})); }},
       std::move(database), timing_);
   return found;
 }
 
-void CStoredQueue::load(CQueueDatabase& database, RestoredQueue& found) {
-  store_.clear();
-  found = {.lastGroupId = database.lastGroupId(), .groups = {}, .orphans = {}};
+// Other groups may be in the store meanwhile.
+void CStoredQueue::load(CQueueDatabase& database) {
+  for (const RestoredGroup& before : found_.groups) {
+    store_.dropGroup(before.group.identity.id);
+  }
+  RestoredQueue& found = found_;
+  found = {.lastGroupId = database.lastGroupId()};
   database.read({.group =
                      [&](const StoredGroup& group) {
                        found.groups.push_back({group, {}, {}, {}});

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,14 +14,20 @@
 
 namespace zt_transfers {
 
-// A manager's queue: always in memory, and also on disk between `open` and `close`, if the disk can
-// be used.
+// A manager's queue: always in memory, and also on disk between `open` and `close`. While its
+// database cannot be used, it goes on in memory and tries again.
 //
 // Thread: all operations by the owner; the store is used by the engine.
 class CStoredQueue {
  public:
-  // `arrived`: see CQueueWriter.
-  CStoredQueue(std::string threadName, ILog& log, std::function<void(std::int32_t)> arrived,
+  struct Listener {
+    std::function<void(std::int32_t)> arrived;  // see CQueueWriter
+    // What was stored, when the database could be read only after `open`. Called on the writer's
+    // thread.
+    std::function<void(RestoredQueue)> found;
+  };
+
+  CStoredQueue(std::string threadName, ILog& log, Listener listener,
                const CQueueWriter::Timing& timing = {});
   ~CStoredQueue();
   CStoredQueue(const CStoredQueue&) = delete;
@@ -30,10 +35,9 @@ class CStoredQueue {
 
   IQueueStore& store() { return store_; }
 
-  // Replaces the store's content by that of the database at `path`. Nothing, and the store is
-  // unchanged, when the database cannot be used. The engine must be stopped.
-  std::optional<RestoredQueue> open(const std::string& path);
-  bool isOpen() const { return writer_ != nullptr; }
+  // Replaces the store's content by that of the database at `path`. When that cannot be read now,
+  // the result has no groups, and ids that cannot meet those in it. The engine must be stopped.
+  RestoredQueue open(const std::string& path);
   // See CQueueWriter. Thread: any, but not during `open`, `close` and `abandon`.
   void flush(std::chrono::milliseconds limit);
   // Writes all changes and releases the database. False, and it stays open, when they cannot be
@@ -43,13 +47,14 @@ class CStoredQueue {
   void abandon();
 
  private:
-  void load(CQueueDatabase& database, RestoredQueue& found);
+  void load(CQueueDatabase& database);
 
   const std::string threadName_;
   ILog& log_;
-  const std::function<void(std::int32_t)> arrived_;
+  const Listener listener_;
   const CQueueWriter::Timing timing_;
   CQueueCache store_;
+  RestoredQueue found_;  // by the thread that opens the database
   std::unique_ptr<CDatabaseFile> file_;
   std::unique_ptr<CQueueWriter> writer_;
 };

@@ -15,15 +15,16 @@
 #include "base/file_status.h"
 #include "base/worker_pool.h"
 #include "download/download_runner.h"
-#include "eventually.h"
 #include "fault_server.h"
 #include "http/http_loop.h"
 #include "recorded_disk.h"
 #include "sandbox.h"
+#include "support/eventually.h"
 
 namespace zt_transfers::test {
 namespace {
 
+using zantrio::test::eventually;
 using Survives = CDiskModel::Survives;
 
 constexpr std::size_t kHeldAt = 1024 * 1024;  // bytes that the first run gets of a large file

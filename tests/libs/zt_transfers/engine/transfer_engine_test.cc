@@ -106,6 +106,60 @@ TEST_F(TransferEngine, BeginsNothingBeforeItIsStarted) {
   ASSERT_FALSE(events<GroupSnapshot>().empty());
 }
 
+TEST_F(TransferEngine, TransfersWhatWasStoredAndCouldNotBeReadBefore) {
+  engine.restore({.lastGroupId = 1000, .lastOrphanId = 1000});
+  engine.start();
+  EXPECT_EQ(groupOf(1), 1001);
+  RestoredQueue stored{.lastGroupId = 7};
+  stored.groups.emplace_back().group.identity.id = 5;
+  stored.groups[0].files.emplace_back();
+  store.restoreGroup(5);
+  FileSpec spec;
+  spec.fileId = "stored";
+  store.append(5, spec, {});
+  events<GroupSnapshot>();
+  engine.adopt(std::move(stored));
+  EXPECT_EQ(events<GroupSnapshot>().front().id, 5);
+  EXPECT_EQ(idsOf(starts()), (std::vector<std::string>{"1001-0", "stored"}));
+  EXPECT_EQ(groupOf(0), 1002);
+}
+
+TEST_F(TransferEngine, ForgetsCompletedGroupsWhenAskedAndTheOldestBeyondAThousand) {
+  concurrent(2000);
+  engine.start();
+  const auto complete = [this] {
+    for (auto orders = starts(); !orders.empty(); orders = starts()) {
+      for (const StartOrder& order : orders) {
+        engine.onAttemptDone(order.attemptId, AttemptOutcome::done());
+      }
+      events<GroupSnapshot>();  // while many wait, nothing is begun
+    }
+  };
+  const auto cleared = groupOf(1);
+  complete();
+  engine.cancelGroup(cleared);
+  const auto told = events<GroupSnapshot>();
+  ASSERT_EQ(told.size(), 1U);
+  EXPECT_TRUE(told[0].cancelled);
+  EXPECT_EQ(told[0].filesCompleted, 0);  // so that the program does not open its folder again
+  EXPECT_FALSE(engine.group(cleared).has_value());
+  EXPECT_FALSE(store.find(cleared, "1-0").has_value());
+
+  const auto late = groupOf(1);
+  const auto lateOrder = starts().front();
+  for (int number = 0; number < 1001; ++number) {
+    groupOf(1);
+  }
+  events<GroupSnapshot>();
+  complete();
+  EXPECT_FALSE(engine.group(late + 1).has_value());
+  EXPECT_TRUE(engine.group(late + 2).has_value());
+  engine.onAttemptDone(lateOrder.attemptId, AttemptOutcome::done());
+  EXPECT_EQ(stateOf(late), kGroupCompleted);  // it was told just now
+  EXPECT_FALSE(engine.group(late + 2).has_value());
+  EXPECT_EQ(engine.groups().size(), 1000U);
+}
+
 TEST_F(TransferEngine, LetsGroupsTakeTurns) {
   concurrent(4);
   groupOf(10);

@@ -4,8 +4,9 @@
 #include <filesystem>
 #include <memory>
 
-#include "store/sqlite.h"
+#include "base/wide_bytes.h"
 #include "upload_fixture.h"
+#include "zt_transfers/global_config.h"
 
 namespace zt_transfers::test {
 namespace {
@@ -117,6 +118,31 @@ TEST_F(UploadRestart, ForgetsCancelledGroupsAndRemovedFiles) {
   EXPECT_EQ(groups()[0].bytesTotal, 4U);
   EXPECT_EQ(server.requests().size(), 2U);
   EXPECT_GT(next->createGroup("bucket", "message", "", 0), kept);
+}
+
+TEST_F(UploadRestart, TellsWhatIsStoredBeforeItIsStarted) {
+  const auto group = newGroup();
+  manager.queueFiles(group, {describe("file", "x")});
+  manager.shutdown();
+  next = std::make_unique<CUploadManager>();
+  CUploadManager::GroupState found;
+  EXPECT_EQ(next->getGroupState(group, found), 0);
+  EXPECT_FALSE(found.empty);
+  EXPECT_EQ(groups().size(), 1U);
+}
+
+TEST_F(UploadRestart, BringsNoClearedGroupBackAfterACrash) {
+  const auto cleared = upload({describe("file", "x")});
+  ASSERT_TRUE(recorder.waitForGroupState(cleared, kGroupCompleted));
+  manager.cancelGroup(cleared);
+  // As the disk is now.
+  const CSandbox crashed;
+  std::filesystem::copy(sandbox.folder(), crashed.folder());
+  CZtTransfersGlobalConfig::getInstance()->setAppFilesPath(widened(crashed.folder().string()));
+  next = std::make_unique<CUploadManager>();
+  EXPECT_TRUE(groups().empty());
+  EXPECT_GT(next->createGroup("bucket", "message", "", 0), cleared);
+  ASSERT_TRUE(recorder.waitForGroup(cleared, [](const auto& group) { return group.cancelled; }));
 }
 
 TEST_F(UploadRestart, KeepsThatAPauseHasEnded) {

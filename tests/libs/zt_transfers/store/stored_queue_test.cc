@@ -6,11 +6,13 @@
 
 #include "full_disk.h"
 #include "stored_queue_fixture.h"
+#include "support/eventually.h"
 
 namespace zt_transfers::test {
 namespace {
 
 using ::testing::HasSubstr;
+using zantrio::test::eventually;
 
 class StoredQueue : public CStoredQueueTest {
  protected:
@@ -256,21 +258,53 @@ TEST_F(StoredQueue, BringsEveryDescriptionOfALongQueue) {
   EXPECT_LT(arrivalsSoFar(), 2000);
 }
 
-TEST_F(StoredQueue, RefusesASecondOwnerWithoutWriting) {
+// What was queued meanwhile is kept as well, under ids of its own.
+TEST_F(StoredQueue, AddsWhatIsStoredOnceTheOtherOwnerIsGone) {
   auto queue = opened();
   queue->store().saveGroup(group(1));
+  queue->store().append(1, spec("x"), {});
   queue->flush(std::chrono::seconds(60));
-  auto second = made();
-  EXPECT_FALSE(second->open(path()).has_value());
+  const auto second = opened();
   EXPECT_THAT(log.text(), HasSubstr("in use by another process"));
-  second->store().saveGroup(group(9));
-  second->store().append(9, spec("x"), {});
-  EXPECT_EQ(second->store().spec({9, 0})->url, "http://host/x");
-  EXPECT_TRUE(second->close());
+  EXPECT_TRUE(found.groups.empty());
+  const std::int32_t id = found.lastGroupId + 1;
+  EXPECT_GT(id, 1 << 30);
+  EXPECT_GT(found.lastOrphanId, 1U << 30);
+  second->store().saveGroup(group(id));
+  second->store().append(id, spec("y"), {});
+  EXPECT_FALSE(second->close());
   EXPECT_TRUE(queue->close());
+  const RestoredQueue stored = late.get_future().get();
+  ASSERT_EQ(stored.groups.size(), 1U);
+  EXPECT_EQ(fetched(second->store(), {1, 0})->url, "http://host/x");
+  EXPECT_EQ(second->store().spec({id, 0})->url, "http://host/y");
+  EXPECT_TRUE(second->close());
   opened();
-  ASSERT_EQ(found.groups.size(), 1U);
-  EXPECT_EQ(found.groups[0].group.identity.id, 1);
+  ASSERT_EQ(found.groups.size(), 2U);
+  EXPECT_EQ(found.groups[1].group.identity.id, id);
+}
+
+TEST_F(StoredQueue, WaitsForAnotherProgramThatReadsItAndThenTriesAgain) {
+  auto before = opened();
+  before->store().saveGroup(group(1));
+  EXPECT_TRUE(before->close());
+  auto reader = std::make_unique<CSqliteConnection>(path());
+  reader->execute("BEGIN; SELECT * FROM groups");
+  auto queue = opened();
+  EXPECT_THAT(log.text(), HasSubstr("database is locked"));
+  EXPECT_TRUE(found.groups.empty());
+  reader.reset();
+  EXPECT_EQ(late.get_future().get().groups.size(), 1U);
+  EXPECT_TRUE(queue->close());
+
+  reader = std::make_unique<CSqliteConnection>(path());
+  reader->execute("BEGIN; SELECT * FROM groups");
+  patience = std::chrono::seconds(60);
+  queue = made();
+  auto opening = std::async(std::launch::async, [&] { return queue->open(path()); });
+  ASSERT_TRUE(eventually([&] { return !CDatabaseLock::take(path() + ".lock"); }));
+  reader.reset();
+  EXPECT_EQ(opening.get().groups.size(), 1U);
 }
 
 TEST_F(StoredQueue, GoesOnInMemoryWhileTheDiskIsFull) {
@@ -346,7 +380,7 @@ TEST_F(StoredQueue, MakesItsDatabaseOnceThereIsRoom) {
 
 TEST_F(StoredQueue, GoesOnInMemoryWithoutAFolder) {
   auto queue = made();
-  EXPECT_FALSE(queue->open((sandbox.folder() / "missing" / "queue.db").string()).has_value());
+  queue->open((sandbox.folder() / "missing" / "queue.db").string());
   EXPECT_THAT(log.text(), HasSubstr("cannot be used"));
 }
 

@@ -10,12 +10,14 @@
 #include <string>
 #include <vector>
 
-#include "eventually.h"
 #include "fault_server.h"
 #include "sandbox.h"
+#include "support/eventually.h"
 #include "zt_transfers/download_manager.h"
 
 namespace zt_transfers::test {
+
+using zantrio::test::eventually;
 
 // Keeps the last that a download manager reports. Thread: any.
 class CDownloadRecorder final : public CDownloadManager::ICallback {

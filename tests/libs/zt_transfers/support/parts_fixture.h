@@ -6,11 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "eventually.h"
+#include "support/eventually.h"
 #include "tools/devservice/service_fixture.h"
 #include "upload_fixture.h"
 
 namespace zt_transfers::test {
+
+using zantrio::test::eventually;
 
 // An upload manager against the local service, which takes uploads in parts. Every file that is not
 // empty is sent in parts of 64 KiB.

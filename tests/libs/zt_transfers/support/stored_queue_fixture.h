@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <future>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -57,23 +58,24 @@ class CStoredQueueTest : public ::testing::Test {
   std::unique_ptr<CStoredQueue> made() {
     return std::make_unique<CStoredQueue>(
         "zt-store-test", log,
-        [this](std::int32_t) {
-          {
-            const std::lock_guard lock(mutex);
-            ++arrivals;
-          }
-          arrived.notify_all();
-        },
+        CStoredQueue::Listener{.arrived =
+                                   [this](std::int32_t) {
+                                     {
+                                       const std::lock_guard lock(mutex);
+                                       ++arrivals;
+                                     }
+                                     arrived.notify_all();
+                                   },
+                               .found = [this](auto stored) { late.set_value(std::move(stored)); }},
         CQueueWriter::Timing{.gather = std::chrono::milliseconds(1),
                              .firstRetry = std::chrono::milliseconds(1),
-                             .lastRetry = std::chrono::milliseconds(8)});
+                             .lastRetry = std::chrono::milliseconds(8),
+                             .patience = patience});
   }
   // A queue that is open; what it found is in `found`.
   std::unique_ptr<CStoredQueue> opened() {
     auto queue = made();
-    const auto result = queue->open(path());
-    EXPECT_TRUE(result.has_value()) << log.text();
-    found = result.value_or(RestoredQueue());
+    found = queue->open(path());
     return queue;
   }
   // The description, brought from disk if need be; nothing when it cannot be read.
@@ -103,6 +105,8 @@ class CStoredQueueTest : public ::testing::Test {
   CSandbox sandbox;
   CTextLog log;
   RestoredQueue found;
+  std::promise<RestoredQueue> late;  // found after `open`
+  std::chrono::milliseconds patience{0};
   std::mutex mutex;
   std::condition_variable arrived;
   int arrivals = 0;  // guarded by mutex

@@ -4,7 +4,7 @@ import './libraries.js';
 import { settled } from './fakes.js';
 
 const { Connection } = await import('../../webapp/js/models/connection.js');
-const { ServiceRefused, ServiceUnreachable } = await import('../../webapp/js/service.js');
+const { ServiceUnreachable } = await import('../../webapp/js/service.js');
 
 /** Replaces the clock for one test: a timer runs only when `tick` is called. */
 function heldTimers(t) {
@@ -49,10 +49,4 @@ test('waits longer after each failed try', async (t) => {
     waits.push(connection.get('secondsLeft'));
   }
   assert.deepEqual(waits, [3, 5, 10, 20, 30, 30]);
-});
-
-test('passes a refusal on at once, because it is a response', async () => {
-  const connection = new Connection();
-  await assert.rejects(connection.persistently(async () => { throw new ServiceRefused('no', 403, 'x'); }), /no/);
-  assert.equal(connection.get('reachable'), true);
 });

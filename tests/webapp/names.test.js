@@ -2,7 +2,6 @@ import assert from 'node:assert/strict';
 import { test } from 'node:test';
 import { folderName } from '../../webapp/js/folder_name.js';
 import { fromRanges, toRanges } from '../../webapp/js/id_ranges.js';
-import { senderName } from '../../webapp/js/sender_name.js';
 
 test('turns a title into the name of one visible folder', () => {
   const expected = [
@@ -20,12 +19,6 @@ test('cuts a long title between characters to a valid length', () => {
     assert.ok(bytes <= 120 && bytes > 115, `${bytes} bytes of ${character}`);
     assert.equal(name.replaceAll(character, ''), '');
   }
-});
-
-test('shows a sender by name if there is one', () => {
-  const expected = [['Ann Lee <ann@example.org>', 'Ann Lee'], ['"Lee, Ann" <a@b>', 'Lee, Ann'], ['a@b', 'a@b'], ['<a@b>', 'a@b'],
-    ['', 'Unknown sender'], [undefined, 'Unknown sender']];
-  for (const [sender, name] of expected) assert.equal(senderName(sender), name);
 });
 
 test('converts sets of ids to a short text and back', () => {

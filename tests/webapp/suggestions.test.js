@@ -53,20 +53,3 @@ test('searches when typing pauses, and drops outdated results', async (t) => {
   await answered();
   assert.deepEqual(found, [['anna@x']]);
 });
-
-test('finds nothing for an empty text, after leaving the field, and without an address book', async (t) => {
-  t.after(() => mock.timers.reset());
-  const { asked, found, search } = searching();
-  search.ask('a', 'a');
-  mock.timers.tick(1000);
-  search.stop();
-  asked[0].resolve([{ email: 'a@x' }]);
-  await answered();
-  assert.deepEqual(found, []);
-  search.ask('', '');
-  search.ask('b', 'b');
-  mock.timers.tick(1000);
-  asked[1].reject(new Error('The query has been canceled'));
-  await answered();
-  assert.deepEqual(found, [[], []]);
-});

@@ -67,11 +67,3 @@ test('keeps only visible rows of 100,000 entries in the document, in reading ord
   scroll(list, -80);
   assert.equal(shown()[0], 0);
 });
-
-test('removes the rows of a list that becomes shorter', () => {
-  const { list, shown } = listOf(10);
-  list.refresh(2);
-  assert.deepEqual(shown(), [0, 1]);
-  list.refresh(0);
-  assert.deepEqual(shown(), []);
-});

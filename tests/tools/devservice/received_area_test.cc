@@ -22,7 +22,6 @@ class ReceivedAreaTest : public ServiceTest {
   std::string target(const Json::Value& downloads) const {
     return downloads["files"][0]["downloadDetails"]["url"].asString().substr(server_->url().size());
   }
-  std::string progress() const { return "/api/messages/" + bucket_ + "/progress"; }
 };
 
 TEST_F(ReceivedAreaTest, DeliversAMessageOnceItIsComplete) {
@@ -72,56 +71,6 @@ TEST_F(ReceivedAreaTest, SignsUrlsForOneFileForAWhileAndNotForWriting) {
   options_.urlLifetime = 3600;
   restart();
   EXPECT_EQ(request("GET", target(download(bucket_, "1"))).body, "second");
-}
-
-TEST_F(ReceivedAreaTest, ServesRangesOfSamplesAndDoesNotChangeThem) {
-  const Json::Value files = request("GET", "/api/received/sample-welcome/files").json()["files"];
-  const std::string url =
-      target(download("sample-welcome", files[files.size() - 1]["id"].asString()));
-  const auto range = [&](const char* bytes) { return request("GET", url, "", {{"Range", bytes}}); };
-  EXPECT_EQ(range("bytes=1000003-1000020").status, 206);
-  EXPECT_EQ(range("bytes=1000000-1000029").body.substr(3, 18), range("bytes=1000003-1000020").body);
-  EXPECT_EQ(range("bytes=48000000-").status, 416);
-  EXPECT_EQ(request("HEAD", url, "", {{"Range", "bytes=0-1"}, {"If-Range", "\"another\""}})
-                .header.getContentLength64(),
-            48'000'000);
-  EXPECT_EQ(request("PUT", url, "x").status, 404);
-  EXPECT_EQ(request("GET", "/storage/sample-welcome/none").status, 404);
-}
-
-TEST_F(ReceivedAreaTest, KeepsTheLastReportOfEachDirectionAndGroup) {
-  receive("a", "x");
-  const auto report = [&](const std::string& rest) {
-    return call("POST", progress(), R"({"direction":"upload","state":"ERRORED",)" + rest + "}");
-  };
-  const std::string failed =
-      R"({"fileId":"1","code":"refused","reason":"the server answered 403"})";
-  EXPECT_EQ(report(R"("group":"4","filesFailed":1,"failures":[)" + failed + "]").status, 204);
-  EXPECT_EQ(report(R"("group":"5","waitingFor":{"code":"disk_full","reason":"full"})").status, 204);
-  const Headers reader = {{"X-Zantrio-Token", download(bucket_, "1")["token"].asString()}};
-  for (const char* bytes : {"1", "2"}) {
-    const std::string body = R"({"direction":"download","bytesTransferred":)";
-    EXPECT_EQ(request("POST", progress(), body + bytes + "}", reader).status, 204);
-  }
-  const Json::Value newest = request("GET", progress()).json();
-  EXPECT_EQ(newest["download"]["reports"].asInt(), 2);
-  EXPECT_EQ(newest["download"]["bytesTransferred"].asInt(), 2);
-  EXPECT_EQ(newest["upload"]["waitingFor"]["code"].asString(), "disk_full");
-  EXPECT_TRUE(newest["upload"]["failures"].empty());
-  const Json::Value earlier = request("GET", progress() + "?group=4").json()["upload"];
-  EXPECT_TRUE(earlier["waitingFor"].isNull());
-  EXPECT_EQ(earlier["failures"][0]["fileId"].asString(), "1");
-  EXPECT_EQ(earlier["failures"][0]["code"].asString(), "refused");
-  EXPECT_TRUE(request("GET", progress() + "?group=6").json().empty());
-
-  EXPECT_EQ(request("POST", progress(), R"({"direction":"upload"})").code(), "wrong_token");
-  EXPECT_EQ(call("POST", progress(), R"({"direction":"up"})").code(), "bad_request");
-  EXPECT_EQ(report(R"("group":")" + std::string(501, 'x') + "\"").code(), "bad_request");
-  std::string many = failed;
-  for (int i = 0; i < 100; ++i) {
-    many += "," + failed;
-  }
-  EXPECT_EQ(report(R"("failures":[)" + many + "]").code(), "bad_request");
 }
 
 }  // namespace zantrio::devservice

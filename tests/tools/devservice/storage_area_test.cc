@@ -54,38 +54,11 @@ TEST_F(StorageAreaTest, NeverLeavesTheMessagesFolder) {
   }
 }
 
-TEST_F(StorageAreaTest, ChecksTheStatedDigest) {
-  EXPECT_EQ(call("PUT", url_, "hello", {{"Content-MD5", "AAAAAAAAAAAAAAAAAAAAAA=="}}).code(),
-            "bad_digest");
-  expectNothingArrived();
-  EXPECT_EQ(call("PUT", url_, "hello", {{"Content-MD5", "XUFAKrxLKna5cZ2REBfFkg=="}}).status, 200);
-}
-
 TEST_F(StorageAreaTest, NeedsALengthAndKeepsNothingOfATruncatedBody) {
   EXPECT_EQ(sendRaw("\r\n"), "HTTP/1.1 411");
   EXPECT_EQ(sendRaw("Transfer-Encoding: chunked\r\n\r\n1\r\nx\r\n0\r\n\r\n"), "HTTP/1.1 411");
   EXPECT_EQ(sendRaw("Content-Length: 10\r\n\r\nfive5"), "");
   expectNothingArrived();
-}
-
-TEST_F(StorageAreaTest, ReturnsWholeFilesAndRanges) {
-  EXPECT_EQ(call("GET", url_).code(), "no_such_file");
-  const std::string etag = call("PUT", url_, "0123456789").header.get("ETag");
-  EXPECT_EQ(request("GET", url_ + "?token=" + token_).body, "0123456789");
-  const Response head = call("HEAD", url_);
-  EXPECT_EQ(head.header.getContentLength64(), 10);
-  EXPECT_EQ(head.header.get("ETag"), etag);
-
-  const Response part = call("GET", url_, "", {{"Range", "bytes=3-5"}});
-  EXPECT_EQ(part.status, 206);
-  EXPECT_EQ(part.body, "345");
-  EXPECT_EQ(part.header.get("Content-Range"), "bytes 3-5/10");
-  EXPECT_EQ(call("GET", url_, "", {{"Range", "bytes=3-5"}, {"If-Range", etag}}).status, 206);
-  EXPECT_EQ(call("GET", url_, "", {{"Range", "bytes=3-5"}, {"If-Range", "\"other\""}}).body,
-            "0123456789");
-  const Response beyond = call("GET", url_, "", {{"Range", "bytes=10-"}});
-  EXPECT_EQ(beyond.status, 416);
-  EXPECT_EQ(beyond.header.get("Content-Range"), "bytes */10");
 }
 
 }  // namespace zantrio::devservice

@@ -2,7 +2,6 @@
 """Lays the bundle for macOS out of stand-ins for what is built there, and looks at every part."""
 import os
 import plistlib
-import struct
 import subprocess
 import sys
 import tempfile
@@ -119,19 +118,6 @@ class Bundle(unittest.TestCase):
             self.assertEqual(information["CFBundleIdentifier"], "com.zantrio.client.helper" + end)
             self.assertEqual(information["CFBundleShortVersionString"], "1.2.3")
             self.assertEqual(information["LSUIElement"], "1")
-
-    def test_the_icon_file_holds_images_of_the_sizes_that_it_names(self):
-        icon = (self.contents / "Resources" / "Zantrio.icns").read_bytes()
-        self.assertEqual(icon[:8], b"icns" + struct.pack(">I", len(icon)))
-        sizes = {}
-        position = 8
-        while position < len(icon):
-            kind, length = struct.unpack_from(">4sI", icon, position)
-            image = icon[position + 8:position + length]
-            self.assertEqual(image[:8], b"\x89PNG\r\n\x1a\n")
-            sizes[kind] = struct.unpack_from(">II", image, 16)
-            position += length
-        self.assertEqual(sizes, {b"icp4": (16, 16), b"icp5": (32, 32), b"ic11": (32, 32)})
 
     def test_replaces_an_older_bundle_only_when_complete(self):
         stale = self.contents / "Resources" / "stale"

@@ -110,8 +110,10 @@ TEST_F(Process, RunsOnceForACachePathAndAgainAfterTheHolderWasKilled) {
   EXPECT_TRUE(first.waitFor("relaunch in /tmp: an argument")) << first.output();
   first.signal(SIGKILL);
   EXPECT_EQ(first.wait(), -1);
-  Probe third({"--root=" + folder});
-  EXPECT_EQ(third.wait(), 0) << third.output();
+  Probe third({"--root=" + folder, "--wait"});
+  ASSERT_TRUE(third.waitFor("ready")) << third.output();
+  Probe fourth({"--root=" + folder, "--wait", "again"});
+  EXPECT_TRUE(third.waitFor("relaunch in /: again")) << third.output();
 }
 
 TEST_F(Process, KeepsItsDataInMemoryWhenTheCachePathCannotBeUsed) {

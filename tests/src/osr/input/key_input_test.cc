@@ -169,7 +169,10 @@ TEST_F(InterpretedKeysTest, AreConsumedByCompositions) {
   EXPECT_THAT(press([&] { mark(u"\u00b4"); }),
               ElementsAre(consumed, "compose '\u00b4' selected 0-0 for none"));
   EXPECT_THAT(press([] {}), ElementsAre(consumed));  // as when a candidate is chosen
-  EXPECT_THAT(press([&] { presses_.insert(u"\u00e9", std::nullopt); }),
+  EXPECT_THAT(press([&] {
+                mark(u"e");
+                presses_.insert(u"\u00e9", std::nullopt);
+              }),
               ElementsAre(consumed, "commit '\u00e9' for none"));
   EXPECT_THAT(press([&] {
                 presses_.insert(u"ab", CefRange(1, 2));

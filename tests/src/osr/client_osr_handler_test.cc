@@ -4,6 +4,7 @@
 
 #include "src/osr/renderer/egl_context.h"
 #include "src/osr/view/fake_osr_view.h"
+#include "support/allocation_count.h"
 
 namespace client::test {
 namespace {
@@ -121,6 +122,23 @@ TEST_F(ClientOSRHandlerTest, ForwardsCursorsInputMethodsAndDrags) {
   EXPECT_FALSE(view_->browser());
   handler_ = nullptr;
   EXPECT_THAT(view_->lines, ElementsAre("stop observing"));
+}
+
+TEST_F(ClientOSRHandlerTest, AllocatesNothingForAFrame) {
+  const CefRenderHandler::RectList dirty{{3, 4, 20, 10}, {50, 20, 30, 30}};
+  const CefRefPtr<CefBrowser> kept = browser();
+  const auto frames = [&](int count) {
+    const AllocationCount allocations;
+    for (int i = 0; i < count; ++i) {
+      handler_->OnPaint(kept, PET_VIEW, dirty, page_.data(), 100, 60);
+      view_->lines.clear();
+    }
+    return allocations.count();
+  };
+  paint(PET_VIEW, page_, page_.rect());
+  context_.release();  // excludes the driver's allocations
+  frames(1);
+  EXPECT_EQ(frames(50), 0);
 }
 
 }  // namespace

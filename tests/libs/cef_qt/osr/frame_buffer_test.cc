@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/allocation_count.h"
+
 namespace cef_qt {
 namespace {
 
@@ -43,6 +45,21 @@ TEST(FrameBuffer, TakesTheFirstFrameWholeAndThenBandsAsNarrowAsTheirDifferences)
             (std::vector<CefRect>{CefRect(20, 5, 21, 11), CefRect(70, 50, 1, 1)}));
   buffer.markAll();
   EXPECT_EQ(buffer.dirtyRects(), std::vector<CefRect>{CefRect(0, 0, 80, 60)});
+}
+
+TEST(FrameBuffer, UsesTheSameMemoryForEveryFrameOfASize) {
+  FrameBuffer buffer;
+  draw(buffer, {0, 0, 80, 60}, 0xFF000000U);
+  draw(buffer, {0, 0, 1, 1}, 0xFF000001U);
+  const void* const shown = buffer.pixels();
+  const void* const next = buffer.next(kSize).constBits();
+  const client::test::AllocationCount allocations;
+  for (QRgb frame = 1; frame < 50; ++frame) {
+    ASSERT_TRUE(draw(buffer, {static_cast<int>(frame), 3, 10, 2}, 0xFF000000U + frame * 7));
+  }
+  EXPECT_EQ(allocations.count(), 0);
+  EXPECT_EQ(buffer.pixels(), shown);
+  EXPECT_EQ(buffer.next(kSize).constBits(), next);
 }
 
 }  // namespace

@@ -51,7 +51,7 @@ bool CHashQueue::add(std::vector<Chunk>& chunks, std::uint64_t end) {
     }
   }
   std::erase_if(chunks, [](const Chunk& chunk) { return chunk.data == nullptr; });
-  if (end > queued_) {
+  if (end > queued_ && mayReadBack_) {
     queued_ = end;
     if (readsBack()) {
       waiting_.back().end = end;
@@ -105,11 +105,20 @@ void CHashQueue::close() {
   waiting_.clear();
 }
 
-void CHashQueue::restart() {
+void CHashQueue::endReadBack() {
+  const CMutexLock lock(mutex_);
+  mayReadBack_ = false;
+  if (readsBack()) {
+    waiting_.pop_back();
+    queued_ = waiting_.empty() ? taken_ : waiting_.back().end;
+  }
+}
+
+void CHashQueue::restart(std::uint64_t position) {
   const CMutexLock lock(mutex_);
   waiting_.clear();
-  queued_ = 0;
-  taken_ = 0;
+  queued_ = position;
+  taken_ = position;
 }
 
 }  // namespace zt_transfers

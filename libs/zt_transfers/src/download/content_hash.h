@@ -60,10 +60,12 @@ class CHashQueue {
   // No hash task is running or needed.
   bool idle() const;
   // Drops waiting entries; a running task goes on. `close`: no entry is added any more.
+  // `endReadBack`: only those that are read back are dropped and not added any more.
   std::list<Entry> clear();
   void close();
-  // Starts with the first byte of another version. The queue must be idle.
-  void restart();
+  void endReadBack();
+  // Starts at this byte. The queue must be idle.
+  void restart(std::uint64_t position);
 
  private:
   bool readsBack() const REQUIRES(mutex_) {
@@ -76,6 +78,7 @@ class CHashQueue {
   std::uint64_t taken_ GUARDED_BY(mutex_) = 0;   // up to here bytes are hashed or being hashed
   bool running_ GUARDED_BY(mutex_) = false;      // a hash task
   bool closed_ GUARDED_BY(mutex_) = false;
+  bool mayReadBack_ GUARDED_BY(mutex_) = true;
 };
 
 }  // namespace zt_transfers

@@ -1,6 +1,7 @@
 #include "download/disk_verdict.h"
 
 #include <cerrno>
+#include <chrono>
 #include <new>
 #include <system_error>
 #include <utility>
@@ -14,6 +15,13 @@ AttemptOutcome judgeDiskError(const std::exception& error) {
   if (dynamic_cast<const CNoRoomForClaim*>(&error) != nullptr) {
     // The server may have been wrong.
     return AttemptOutcome::retry(error.what(), failure::kDiskFull);
+  }
+  if (dynamic_cast<const CPartialFileInUse*>(&error) != nullptr) {
+    constexpr std::chrono::seconds kUntilItMayBeFree{1};
+    AttemptOutcome outcome = AttemptOutcome::retry(error.what(), failure::kDiskTrouble);
+    outcome.retryBudget = AttemptOutcome::RetryBudget::kFree;
+    outcome.retryAfter = kUntilItMayBeFree;
+    return outcome;
   }
   if (dynamic_cast<const CFolderGone*>(&error) != nullptr) {
     return outcomeOfMissingFolder(FileRole::kTarget, error.what());

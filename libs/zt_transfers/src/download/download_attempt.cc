@@ -16,8 +16,6 @@ namespace {
 constexpr double kFastRequest = 200e6;
 constexpr std::chrono::milliseconds kMinMeasurement{250};
 
-constexpr std::uint64_t kRetryRefund = 1024 * 1024;  // bytes of progress that refund the retry
-
 AttemptOutcome wrongSize(std::uint64_t size, std::uint64_t expected) {
   return AttemptOutcome::retry(
       "the server has " + std::to_string(size) + " bytes instead of " + std::to_string(expected),
@@ -27,12 +25,14 @@ AttemptOutcome wrongSize(std::uint64_t size, std::uint64_t expected) {
 }  // namespace
 
 CDownloadAttempt::CDownloadAttempt(const CPartialWriter::Dependencies& dependencies, ILog& log,
-                                   StartOrder order, IListener& listener)
+                                   StartOrder order, std::shared_ptr<CPartialFile> kept,
+                                   IListener& listener)
     : dependencies_(dependencies),
       loop_(dependencies.loop),
       log_(log),
       order_(std::move(order)),
       listener_(listener),
+      kept_(std::move(kept)),
       planner_({.size = order_.spec.size,
                 .splitFrom = order_.parts.from,
                 .rangeSize = order_.parts.size}) {}
@@ -52,24 +52,22 @@ void CDownloadAttempt::enter(State next) {
                            " cannot become " + std::to_string(static_cast<unsigned>(next)));
   }
   state_ = next;
-  if (next == State::kFlushing || next == State::kEnded) {
+  if (next == State::kEnded) {
     endAll();
   }
 }
 
 void CDownloadAttempt::begin() {
   if (originOf(order_.spec.url).empty()) {
-    report(
+    finish(
         AttemptOutcome::final("it has no http or https URL to be fetched from", failure::kBadUrl));
     return;
   }
   try {
-    writer_ = std::make_shared<CPartialWriter>(
-        dependencies_, order_.attemptId,
-        std::make_shared<CPartialFile>(dependencies_.fileOps, CPartialFile::planFor(order_)),
-        order_.progress, *this);
+    writer_ = std::make_shared<CPartialWriter>(dependencies_, order_.attemptId, openFile(),
+                                               order_.progress, *this);
   } catch (const std::exception& error) {
-    report(AttemptOutcome::final(error.what(), failure::kUnsafePath));
+    finish(AttemptOutcome::final(error.what(), failure::kUnsafePath));
     return;
   }
   if (order_.resume.begun()) {
@@ -79,6 +77,14 @@ void CDownloadAttempt::begin() {
     enter(State::kFetching);
     fetchNext();
   }
+}
+
+std::shared_ptr<CPartialFile> CDownloadAttempt::openFile() {
+  if (kept_ && kept_->renew(order_)) {
+    return std::move(kept_);
+  }
+  dependencies_.pool.post([file = std::move(kept_)] {});
+  return std::make_shared<CPartialFile>(dependencies_.fileOps, CPartialFile::planFor(order_));
 }
 
 void CDownloadAttempt::discard() {
@@ -96,7 +102,7 @@ void CDownloadAttempt::narrow() {
 
 void CDownloadAttempt::onReopened(CPartialFile::Found found, const DownloadResume& resume) {
   if (found == CPartialFile::Found::kFinalized) {
-    report(AttemptOutcome::done());
+    finish(AttemptOutcome::done());
     return;
   }
   ByteSpans there = resume.written;
@@ -356,26 +362,10 @@ void CDownloadAttempt::arrive(std::uint64_t size) {
   listener_.onArrived(order_.attemptId, size);
 }
 
-// Reports only once received bytes are written, so that the next attempt finds them.
-void CDownloadAttempt::finish(AttemptOutcome outcome) {
-  enter(State::kFlushing);
-  writer_->endInput();
-  if (writer_->idle()) {
-    report(std::move(outcome));
-  } else {
-    outcome_ = std::move(outcome);
-  }
-}
-
-void CDownloadAttempt::report(AttemptOutcome outcome) {
+void CDownloadAttempt::finish(const AttemptOutcome& outcome) {
   enter(State::kEnded);
-  const DownloadResume& before = order_.resume.download();
-  const DownloadResume now = order_.progress->resume().download();
-  const bool sameVersion =
-      before.begun() && !now.validator.empty() && now.validator == before.validator;
-  outcome.progressed =
-      sameVersion && lengthOf(now.written) >= lengthOf(before.written) + kRetryRefund;
   if (writer_) {
+    writer_->endInput();
     writer_->close();
   }
   listener_.onEnded(order_.attemptId, outcome);
@@ -386,12 +376,6 @@ void CDownloadAttempt::onWriterReady() {
     fetch->resume();
   }
   widen();
-}
-
-void CDownloadAttempt::onWriterIdle() {
-  if (state_ == State::kFlushing) {
-    report(std::move(*outcome_));
-  }
 }
 
 }  // namespace zt_transfers

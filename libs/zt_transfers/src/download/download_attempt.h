@@ -18,11 +18,11 @@ namespace zt_transfers {
 
 // The states of CDownloadAttempt, whose function `enter` is the one that changes them:
 //
-//   kNew ──► kReopening ──► kFetching ──► kFlushing ──► kEnded
-//     │          │           ▲  │  │                      ▲
-//     │          │           └──┘  │   all bytes arrived  │
-//     │          │        restart  └──────────────────────┤
-//     └──────────┴── nothing to fetch, or it cannot be ───┘
+//   kNew ──► kReopening ──► kFetching ──► kEnded
+//     │          │           ▲  │           ▲
+//     │          │           └──┘ restart   │
+//     └──────────┴── nothing to fetch, ─────┘
+//                    or it cannot be
 //
 // kNew also goes straight to kFetching when an earlier attempt has left nothing. Every state can be
 // left for kEnded: the file cannot be written, or the attempt is stopped.
@@ -30,7 +30,6 @@ enum class DownloadState : std::uint8_t {
   kNew,
   kReopening,  // the pool opens the partial file of an earlier attempt
   kFetching,   // at least one request is under way, or is about to be sent
-  kFlushing,   // the attempt has failed, and received bytes are still being written
   kEnded,      // no request is under way, and no further report follows
 };
 
@@ -41,9 +40,7 @@ constexpr bool mayFollow(DownloadState from, DownloadState to) {
     case DownloadState::kReopening:
       return from == DownloadState::kNew;
     case DownloadState::kFetching:
-      return from != DownloadState::kFlushing && from != DownloadState::kEnded;
-    case DownloadState::kFlushing:
-      return from == DownloadState::kFetching;
+      return from != DownloadState::kEnded;
     case DownloadState::kEnded:
       return from != DownloadState::kEnded;
   }
@@ -65,7 +62,8 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   class IListener {
    public:
     virtual void onCheckpoint(AttemptId attemptId) = 0;
-    // Each of these is the last call; the listener then retires the attempt.
+    // Each of these is the last call; the listener then retires the attempt. Received bytes may
+    // still be being written.
     //
     // All bytes were received. The listener takes over the writer and finishes it.
     virtual void onArrived(AttemptId attemptId, std::uint64_t size) = 0;
@@ -77,8 +75,9 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
     ~IListener() = default;
   };
 
+  // `kept`: the partial file that an earlier attempt has left, perhaps open; may be null.
   CDownloadAttempt(const CPartialWriter::Dependencies& dependencies, ILog& log, StartOrder order,
-                   IListener& listener);
+                   std::shared_ptr<CPartialFile> kept, IListener& listener);
   ~CDownloadAttempt();
   CDownloadAttempt(const CDownloadAttempt&) = delete;
   CDownloadAttempt& operator=(const CDownloadAttempt&) = delete;
@@ -92,7 +91,7 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   void narrow();
 
   const std::shared_ptr<CPartialWriter>& writer() const { return writer_; }
-  const std::shared_ptr<AttemptProgress>& progress() const { return order_.progress; }
+  const StartOrder& order() const { return order_; }
   void discard();
 
  private:
@@ -118,15 +117,14 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   void judgeBody(CRangeFetch& fetch, const HttpResponse& response);
   void continueAfter(CRangeFetch& fetch, bool mayBeMore);
   void arrive(std::uint64_t size);
-  void finish(AttemptOutcome outcome);
-  void report(AttemptOutcome outcome);
+  std::shared_ptr<CPartialFile> openFile();
+  void finish(const AttemptOutcome& outcome);
 
   bool onHead(CRangeFetch& fetch, const FetchPlan& plan) override;
   void onFetched(CRangeFetch& fetch, const HttpResponse& response) override;
   void onReopened(CPartialFile::Found found, const DownloadResume& resume) override;
   void onWriterReady() override;
-  void onWriterIdle() override;
-  void onWriterFailed(const AttemptOutcome& outcome) override { report(outcome); }
+  void onWriterFailed(const AttemptOutcome& outcome) override { finish(outcome); }
   void onCheckpoint() override { listener_.onCheckpoint(order_.attemptId); }
 
   const CPartialWriter::Dependencies dependencies_;
@@ -135,6 +133,7 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   const StartOrder order_;
   IListener& listener_;
 
+  std::shared_ptr<CPartialFile> kept_;
   State state_ = State::kNew;
   std::shared_ptr<CPartialWriter> writer_;
   Fetches fetches_;
@@ -146,7 +145,6 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   std::optional<TimePoint> firstByte_;     // of this attempt
   std::uint64_t bytesBefore_ = 0;          // present by then
   std::optional<AttemptOutcome> refusal_;  // of a response whose head is not acceptable
-  std::optional<AttemptOutcome> outcome_;  // reported when kFlushing ends
 };
 
 }  // namespace zt_transfers

@@ -7,18 +7,32 @@
 #include "download/disk_verdict.h"
 
 namespace zt_transfers {
+namespace {
+
+constexpr std::uint64_t kRetryRefund = 1024 * 1024;  // bytes of progress that refund the retry
+
+}  // namespace
 
 bool CDownloadRunner::start(StartOrder order) {
-  const AttemptId attemptId = order.attemptId;
   maxConcurrent_ = order.maxConcurrent;
+  if (!turns_.enter(order)) {
+    return true;
+  }
+  const AttemptId attemptId = order.attemptId;
+  begin(std::move(order));
+  return attempts_.count(attemptId) != 0;
+}
+
+void CDownloadRunner::begin(StartOrder order) {
+  const AttemptId attemptId = order.attemptId;
+  std::shared_ptr<CPartialFile> kept = turns_.takeKept(order.file);
   auto attempt = std::make_unique<CDownloadAttempt>(
       CPartialWriter::Dependencies{loop_, pool_, chunks_, observer_, fileOps_}, log_,
-      std::move(order), *this);
+      std::move(order), std::move(kept), *this);
   CDownloadAttempt& begun = *attempt;
   attempts_.emplace(attemptId, std::move(attempt));
   begun.begin();
   makeRoom();
-  return attempts_.count(attemptId) != 0;
 }
 
 std::size_t CDownloadRunner::requests() const {
@@ -52,34 +66,53 @@ void CDownloadRunner::stop(const AttemptStop& stop) {
     }
     // Ends its requests now: a retired attempt must not hear of them later in this round.
     const std::shared_ptr<CPartialWriter> writer = attempt->second->writer();
+    const FileRef file = attempt->second->order().file;
     attempts_.erase(attempt);
-    closeOnPool(writer);
-  } else if (finalization == finalizing_.end() && stop.discard) {
-    observer_.onOrphaned(stop.orphan());
+    settle(stop.attemptId, file, writer);
+  } else if (finalization == finalizing_.end()) {
+    turns_.cancel(stop.attemptId);
+    ended_.erase(stop.attemptId);  // without a report
+    if (stop.discard) {
+      observer_.onOrphaned(stop.orphan());
+    }
   } else if (stop.discard) {
     // No end is reported for a discarded file, so it is forgotten here. The pool closes it.
-    finalization->second.file->discard();
-    pool_.post([file = std::move(finalization->second.file)] {});
+    const Written written = std::move(finalization->second);
     finalizing_.erase(finalization);
+    written.file->discard();
+    endTurn(stop.attemptId, written.ref, written.file, false);
   }
+}
+
+std::optional<TimePoint> CDownloadRunner::tick() {
+  const auto small = small_.tick(loop_.clock().now());
+  const auto turns = turns_.tick();
+  return small && turns ? std::min(*small, *turns) : small ? small : turns;
 }
 
 void CDownloadRunner::stopAll() {
   for (const auto& [attemptId, attempt] : attempts_) {
     if (attempt->writer()) {
-      stopped_.push_back({attempt->writer()->file(), attempt->progress()});
+      stopped_.push_back({{}, attempt->writer()->file(), attempt->order().progress});
+    }
+  }
+  for (const auto& [attemptId, ended] : ended_) {
+    if (ended.written.file) {
+      stopped_.push_back(ended.written);
     }
   }
   for (const auto& [attemptId, written] : finalizing_) {
     stopped_.push_back(written);
   }
   attempts_.clear();
+  ended_.clear();
   finalizing_.clear();
   small_.clear();
+  turns_.clear();
 }
 
 void CDownloadRunner::syncToDisk() {
-  for (const auto& [file, progress] : stopped_) {
+  for (const auto& [ref, file, progress] : stopped_) {
     try {
       file->checkpoint();
     } catch (const std::exception& error) {
@@ -91,9 +124,14 @@ void CDownloadRunner::syncToDisk() {
 }
 
 void CDownloadRunner::discard(const CleanupTask& order) {
-  pool_.post([order, &observer = observer_, &ops = fileOps_] {
+  auto kept = turns_.takeOrphan(order.orphan);
+  if (kept) {
+    kept->discard();
+  }
+  pool_.post([order, kept = std::move(kept), &observer = observer_, &ops = fileOps_]() mutable {
     AttemptOutcome outcome = AttemptOutcome::done();
     try {
+      kept.reset();
       CPartialEntry::remove(ops, order.orphan.folder, order.orphan.resume.download());
     } catch (const CPartialFileInUse&) {
       // The attempt ends and removes the file, or has taken it over.
@@ -111,12 +149,12 @@ void CDownloadRunner::discard(const CleanupTask& order) {
 void CDownloadRunner::onArrived(AttemptId attemptId, std::uint64_t size) {
   const auto found = attempts_.find(attemptId);
   const std::shared_ptr<CPartialWriter> writer = found->second->writer();
-  const std::shared_ptr<AttemptProgress> progress = found->second->progress();
+  const std::shared_ptr<AttemptProgress> progress = found->second->order().progress;
   if (!observer_.onAttemptFinalizing(attemptId)) {
     writer->close();
     return;  // the attempt was stopped, and `stop` follows
   }
-  finalizing_.emplace(attemptId, Written{writer->file(), progress});
+  finalizing_.emplace(attemptId, Written{found->second->order().file, writer->file(), progress});
   CFinalizer::Arrival arrival{attemptId, writer->file(), progress};
   if (auto body = writer->takeCompleteBody()) {
     small_.add({.arrival = std::move(arrival),
@@ -140,19 +178,58 @@ void CDownloadRunner::onArrived(AttemptId attemptId, std::uint64_t size) {
   attempts_.erase(found);
 }
 
+// Reports the end only once received bytes are written, so that the next attempt finds them.
 void CDownloadRunner::onEnded(AttemptId attemptId, const AttemptOutcome& outcome) {
   const auto attempt = attempts_.find(attemptId);
-  closeOnPool(attempt->second->writer());
+  const StartOrder& order = attempt->second->order();
+  const std::shared_ptr<CPartialWriter> writer = attempt->second->writer();
+  const FileRef file = order.file;
+  ended_.emplace(
+      attemptId,
+      Ended{{file, writer ? writer->file() : nullptr, order.progress}, order.resume, outcome});
   loop_.retire(std::move(attempt->second));
   attempts_.erase(attempt);
-  observer_.onAttemptDone(attemptId, outcome);
+  settle(attemptId, file, writer);
 }
 
-// Lets the pool close, and possibly remove, the partial file.
-void CDownloadRunner::closeOnPool(const std::shared_ptr<CPartialWriter>& writer) {
-  if (writer) {
-    pool_.post([file = writer->file()] {});
+// Ends the attempt's turn after its last system call.
+void CDownloadRunner::settle(AttemptId attemptId, FileRef ref,
+                             const std::shared_ptr<CPartialWriter>& writer) {
+  if (!writer) {
+    endTurn(attemptId, ref, nullptr, false);
+    return;
   }
+  writer->whenSettled([this, attemptId, ref, file = writer->file()](bool failed) {
+    endTurn(attemptId, ref, file, failed);
+  });
+}
+
+void CDownloadRunner::endTurn(AttemptId attemptId, FileRef ref, std::shared_ptr<CPartialFile> file,
+                              bool failed) {
+  const bool done = report(attemptId);
+  if (file && (done || file->discarded() || !file->resume().begun())) {
+    pool_.post([file = std::move(file)] {});  // closes it, and may remove it
+    file = nullptr;
+  }
+  turns_.end(ref, attemptId, std::move(file), failed);
+}
+
+// Whether the file is done.
+bool CDownloadRunner::report(AttemptId attemptId) {
+  const auto found = ended_.find(attemptId);
+  if (found == ended_.end()) {
+    return false;
+  }
+  Ended ended = std::move(found->second);
+  ended_.erase(found);
+  const DownloadResume& before = ended.before.download();
+  const DownloadResume now = ended.written.progress->resume().download();
+  const bool sameVersion =
+      before.begun() && !now.validator.empty() && now.validator == before.validator;
+  ended.outcome.progressed =
+      sameVersion && lengthOf(now.written) >= lengthOf(before.written) + kRetryRefund;
+  observer_.onAttemptDone(attemptId, ended.outcome);
+  return ended.outcome.kind == AttemptOutcome::Kind::kDone;
 }
 
 // On the pool. Reports to the engine before the loop, which may be stopping.
@@ -160,7 +237,13 @@ void CDownloadRunner::finalized(const std::vector<AttemptEnd>& ends) {
   observer_.onAttemptsDone(ends);
   loop_.post([this, ends] {
     for (const AttemptEnd& end : ends) {
-      finalizing_.erase(end.attemptId);
+      const auto found = finalizing_.find(end.attemptId);
+      if (found != finalizing_.end()) {
+        const Written written = std::move(found->second);
+        finalizing_.erase(found);
+        const bool done = end.outcome.kind == AttemptOutcome::Kind::kDone;
+        endTurn(end.attemptId, written.ref, done ? nullptr : written.file, true);
+      }
     }
   });
 }

@@ -6,6 +6,7 @@
 
 #include "download/chunk_pool.h"
 #include "download/download_attempt.h"
+#include "download/file_turns.h"
 #include "download/finalizer.h"
 #include "download/small_files.h"
 #include "engine/attempt.h"
@@ -30,6 +31,10 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
         log_(dependencies.log),
         observer_(dependencies.observer),
         fileOps_(dependencies.fileOps),
+        turns_({.loop = loop_,
+                .pool = pool_,
+                .clock = loop_.clock(),
+                .begin = [this](StartOrder order) { begin(std::move(order)); }}),
         finalizer_({.synced = [this](const auto& attempts) { observer_.keepDurably(attempts); },
                     .finalized = [this](const auto& ends) { finalized(ends); }}),
         small_(pool_, finalizer_, chunks_, [this](const auto& ends) { finalized(ends); }) {}
@@ -37,15 +42,22 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
   bool start(StartOrder order) override;
   void stop(const AttemptStop& stop) override;
   void stopAll() override;
-  std::optional<TimePoint> tick() override { return small_.tick(loop_.clock().now()); }
+  std::optional<TimePoint> tick() override;
   void syncToDisk() override;
   void discard(const CleanupTask& order) override;
 
  private:
   // An attempt's partial file and its resume data.
   struct Written {
+    FileRef ref;
     std::shared_ptr<CPartialFile> file;
     std::shared_ptr<AttemptProgress> progress;
+  };
+  // An attempt that has ended by itself, and whose received bytes are still being written.
+  struct Ended {
+    Written written;
+    TransferResume before;
+    AttemptOutcome outcome;
   };
 
   void onCheckpoint(AttemptId attemptId) override { observer_.onAttemptCheckpoint(attemptId); }
@@ -54,7 +66,10 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
   bool hasRoom() const override { return requests() < maxConcurrent_; }
   std::size_t requests() const;
   void makeRoom();
-  void closeOnPool(const std::shared_ptr<CPartialWriter>& writer);
+  void begin(StartOrder order);
+  void settle(AttemptId attemptId, FileRef file, const std::shared_ptr<CPartialWriter>& writer);
+  void endTurn(AttemptId attemptId, FileRef ref, std::shared_ptr<CPartialFile> file, bool failed);
+  bool report(AttemptId attemptId);
   void finalized(const std::vector<AttemptEnd>& ends);
 
   IHttpTransport& loop_;
@@ -62,11 +77,13 @@ class CDownloadRunner final : public IAttemptRunner, public CDownloadAttempt::IL
   ILog& log_;
   IAttemptObserver& observer_;
   IFileOps& fileOps_;
+  CFileTurns turns_;
   CFinalizer finalizer_;
   CChunkPool chunks_;
   CSmallFiles small_;
   std::size_t maxConcurrent_ = 1;  // requests of all attempts
   std::unordered_map<AttemptId, std::unique_ptr<CDownloadAttempt>> attempts_;
+  std::unordered_map<AttemptId, Ended> ended_;
   // Attempts whose bytes have all arrived.
   std::unordered_map<AttemptId, Written> finalizing_;
   std::vector<Written> stopped_;  // synced when the client ends

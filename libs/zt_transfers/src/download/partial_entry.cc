@@ -3,9 +3,7 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <chrono>
 #include <system_error>
-#include <thread>
 #include <utility>
 
 #include "base/system_failure.h"
@@ -16,21 +14,16 @@ namespace {
 
 constexpr int kMaxNames = 16;
 
-// A partial file belongs to one attempt at a time. The previous one may still be ending.
-bool lock(IFileOps& ops, int file) {
-  constexpr std::chrono::seconds kLimit{10};
-  constexpr std::chrono::milliseconds kPause{5};
-  const auto until = std::chrono::steady_clock::now() + kLimit;
-  while (!ops.lock(file)) {
-    if (errno != EWOULDBLOCK) {
-      return true;  // a file system without locks
-    }
-    if (std::chrono::steady_clock::now() > until) {
-      return false;
-    }
-    std::this_thread::sleep_for(kPause);
+// Some file systems have no locks.
+void lock(IFileOps& ops, int file) {
+  if (!ops.lock(file) && errno == EWOULDBLOCK) {
+    throw CPartialFileInUse("another program uses the partial file");
   }
-  return true;
+}
+
+// As open() says it of a name under which there is no file, or something else.
+bool isNoFile(int error) {
+  return error == ENOENT || error == ELOOP || error == EISDIR || error == ENXIO;
 }
 
 }  // namespace
@@ -42,7 +35,7 @@ void CPartialEntry::remove(IFileOps& ops, const std::string& groupFolder,
   const CUniqueFd folder = openTargetFolder(ops, groupFolder, path.folders, MissingFolders::kFail);
   const CUniqueFd file = ops.open(folder.get(), path.name.c_str());
   if (!file.valid()) {
-    if (errno == ENOENT || errno == ELOOP) {
+    if (isNoFile(errno)) {
       return;
     }
     failWithErrno("cannot open it");
@@ -50,43 +43,58 @@ void CPartialEntry::remove(IFileOps& ops, const std::string& groupFolder,
   if (statusOf(ops, file.get()).st_ino != resume.inode) {
     return;
   }
-  if (!ops.lock(file.get()) && errno == EWOULDBLOCK) {
-    throw CPartialFileInUse("a download uses it");
-  }
+  lock(ops, file.get());
   if (!ops.unlink(folder.get(), path.name.c_str()) && errno != ENOENT) {
     failWithErrno("cannot remove it");
   }
 }
 
 bool CPartialEntry::openFolder(MissingFolders missing) {
-  if (folder_.valid()) {
-    return true;
+  if (!folder_.valid()) {
+    folder_ = open(missing);
+    folderStatus_ = folder_.valid() ? statusOf(ops_, folder_.get()) : folderStatus_;
   }
+  return folder_.valid();
+}
+
+// Invalid when a folder below the group's is missing and was not to be created.
+CUniqueFd CPartialEntry::open(MissingFolders missing) const {
   try {
-    folder_ = openTargetFolder(ops_, groupFolder_, target_.folders, missing);
+    return openTargetFolder(ops_, groupFolder_, target_.folders, missing);
   } catch (const std::system_error& error) {
     const bool gone = dynamic_cast<const CFolderGone*>(&error) != nullptr;
     if (missing == MissingFolders::kFail && !gone && error.code().value() == ENOENT) {
-      return false;
+      return {};
     }
     throw;
   }
-  if (!ops_.status(folder_.get(), folderStatus_)) {
-    failWithErrno("cannot read the folder's status");
+}
+
+bool CPartialEntry::isFolderInPlace() const {
+  const CUniqueFd folder = open(MissingFolders::kFail);
+  if (!folder.valid()) {
+    return false;
   }
-  return true;
+  const struct stat status = statusOf(ops_, folder.get());
+  return status.st_dev == folderStatus_.st_dev && status.st_ino == folderStatus_.st_ino;
 }
 
 CUniqueFd CPartialEntry::reopen(const DownloadResume& resume) {
   const std::string name = resume.partialPath.substr(pathOf("").size());
   CUniqueFd file = open(name);
   if (!file.valid()) {
-    return file;
+    if (isNoFile(errno)) {
+      return file;
+    }
+    failWithErrno("cannot open the partial file");
   }
   const struct stat status = statusOf(ops_, file.get());
-  // The previous attempt may have removed it before it released the lock.
-  if (!S_ISREG(status.st_mode) || status.st_ino != resume.inode || !lock(ops_, file.get()) ||
-      !isThere(name, status.st_ino)) {
+  if (!S_ISREG(status.st_mode) || status.st_ino != resume.inode) {
+    return {};
+  }
+  lock(ops_, file.get());
+  // Whoever had the lock before may have removed the file.
+  if (!isThere(name, status.st_ino)) {
     return {};
   }
   take(name, status.st_ino);
@@ -159,8 +167,10 @@ std::string CPartialEntry::publish() {
   return name;
 }
 
-void CPartialEntry::unlink() {
-  if (!name_.empty() && isThere(name_, inode_)) {
+void CPartialEntry::unlink() noexcept {
+  struct stat status {};
+  if (!name_.empty() && ops_.statusOfName(folder_.get(), name_.c_str(), status) &&
+      status.st_ino == inode_) {
     ops_.unlink(folder_.get(), name_.c_str());
   }
 }
@@ -206,8 +216,13 @@ void CPartialEntry::take(const std::string& name, std::uint64_t inode) {
 
 bool CPartialEntry::isThere(const std::string& name, std::uint64_t inode) const {
   struct stat status {};
-  return ops_.statusOfName(folder_.get(), name.c_str(), status) && status.st_ino == inode &&
-         S_ISREG(status.st_mode);
+  if (!ops_.statusOfName(folder_.get(), name.c_str(), status)) {
+    if (errno == ENOENT) {
+      return false;
+    }
+    failWithErrno("cannot read the partial file's status");
+  }
+  return status.st_ino == inode && S_ISREG(status.st_mode);
 }
 
 }  // namespace zt_transfers

@@ -15,7 +15,7 @@
 
 namespace zt_transfers {
 
-// An attempt holds the partial file.
+// The partial file is locked.
 class CPartialFileInUse : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -43,8 +43,13 @@ class CPartialEntry {
 
   // The functions below need the folder. They return locked files.
 
-  // The partial file of an earlier attempt; invalid when it does not exist any more.
+  // The partial file of an earlier attempt; invalid when it does not exist any more. Throws
+  // CPartialFileInUse when another process or manager has locked it.
   CUniqueFd reopen(const DownloadResume& resume);
+  // Whether the folder's path still leads to it: the user can move it, or mount another disk there.
+  bool isFolderInPlace() const;
+  // Whether the partial file still has its name.
+  bool isThere() const { return !name_.empty() && isThere(name_, inode_); }
   // A new partial file, or one of this name that an earlier run has left, emptied.
   CUniqueFd make();
   // Whether the file already has its final name: the program ended after the rename and before it
@@ -52,7 +57,8 @@ class CPartialEntry {
   bool isFinalized(const DownloadResume& resume) const;
   // Gives the file its final name and returns that name.
   std::string publish();
-  void unlink();
+  // Best effort.
+  void unlink() noexcept;
   // Makes the folder's names durable where the file system can.
   void syncFolder() const;
 
@@ -68,6 +74,7 @@ class CPartialEntry {
 
  private:
   std::string pathOf(const std::string& name) const;
+  CUniqueFd open(MissingFolders missing) const;
   CUniqueFd open(const std::string& name) const;
   CUniqueFd takeExisting(const std::string& name);
   void take(const std::string& name, std::uint64_t inode);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <system_error>
+#include <utility>
 
 #include "base/ascii.h"
 #include "base/system_failure.h"
@@ -18,6 +19,14 @@ constexpr std::uint64_t kReserveFrom = 1024 * 1024;  // smaller files are writte
 
 // Writing starts in windows of this size once they are complete, so that a sync has little left.
 constexpr std::uint64_t kWriteWindow = 8ULL * 1024 * 1024;
+
+ByteSpans within(const ByteSpans& spans, std::uint64_t size) {
+  ByteSpans kept;
+  for (const ByteSpan& span : spans) {
+    addSpan(kept, {std::min(span.begin, size), std::min(span.end, size)});
+  }
+  return kept;
+}
 
 }  // namespace
 
@@ -44,35 +53,82 @@ void CPartialFile::discardNow() {
   entry_.unlink();
 }
 
-CPartialFile::Found CPartialFile::reopen(const DownloadResume& resume) {
-  if (!entry_.contains(resume.partialPath)) {
-    return Found::kNothing;
+bool CPartialFile::renew(const StartOrder& order) {
+  Plan plan = planFor(order);
+  const bool same = plan.folder == plan_.folder && plan.target == plan_.target &&
+                    order.resume.begun() &&
+                    order.resume.download().partialPath == resume().partialPath;
+  if (same) {
+    plan_ = std::move(plan);
   }
-  setResume(resume);
-  if (!entry_.openFolder(MissingFolders::kFail)) {
-    setResume({});
-    return Found::kNothing;
+  return same;
+}
+
+void CPartialFile::park(Unsynced unsynced) {
+  try {
+    if (unsynced == Unsynced::kSync) {
+      checkpoint();
+    }
+  } catch (const std::system_error&) {
+    // The resume data tells.
   }
-  CUniqueFd file = entry_.reopen(resume);
-  if (!file.valid() && entry_.isFinalized(resume)) {
-    entry_.syncFolder();
-    return Found::kFinalized;
-  }
-  setResume({});
-  if (!file.valid()) {
-    return Found::kNothing;
-  }
-  adopt(std::move(file));
-  const auto there = static_cast<std::uint64_t>(statusOf(ops_, file_.get()).st_size);
+  close();
+}
+
+void CPartialFile::forget() {
+  close();
+  hash_.reset();
+  digest_.reset();
   const CMutexLock lock(mutex_);
-  resume_.validator = resume.validator;
-  resume_.size = resume.size;
-  for (const ByteSpan& span : resume.written) {
-    addSpan(resume_.written, {std::min(span.begin, there), std::min(span.end, there)});
+  resume_ = {};
+  lost_ = false;
+}
+
+CPartialFile::Found CPartialFile::reopen(const DownloadResume& noted) {
+  const DownloadResume own = resume();
+  const DownloadResume& known = own.begun() ? own : noted;
+  {
+    const CMutexLock lock(mutex_);
+    if (std::exchange(lost_, false)) {
+      hash_.reset();
+      digest_.reset();
+    }
   }
-  for (const ByteSpan& span : resume.durable) {
-    addSpan(resume_.durable, {std::min(span.begin, there), std::min(span.end, there)});
+  if (file_.valid() && entry_.isFolderInPlace()) {
+    if (entry_.isThere()) {
+      return Found::kPartial;
+    }
+    forget();
+    return Found::kNothing;
   }
+  close();
+  if (!entry_.contains(known.partialPath)) {
+    return Found::kNothing;
+  }
+  setResume(known);
+  if (!entry_.openFolder(MissingFolders::kFail)) {
+    forget();
+    return Found::kNothing;
+  }
+  CUniqueFd file = entry_.reopen(known);
+  if (!file.valid()) {
+    if (entry_.isFinalized(known)) {
+      entry_.syncFolder();
+      return Found::kFinalized;
+    }
+    forget();
+    return Found::kNothing;
+  }
+  const auto there = static_cast<std::uint64_t>(statusOf(ops_, file.get()).st_size);
+  DownloadResume found = known;
+  found.written = within(known.written, there);
+  found.durable = within(known.durable, there);
+  if (found.written != known.written) {
+    hash_.reset();  // somebody has shortened the file
+    digest_.reset();
+  }
+  setResume(std::move(found));
+  file_ = std::move(file);
   return Found::kPartial;
 }
 
@@ -215,10 +271,11 @@ std::string CPartialFile::digest(std::uint64_t size) {
   if (digest_) {
     return *digest_;
   }
+  openHash();
   hashWritten(size);
-  std::string digest = hash_->finish();
+  digest_ = hash_->finish();
   hash_.reset();
-  return digest;
+  return *digest_;
 }
 
 void CPartialFile::sync(bool alone) {

@@ -34,6 +34,7 @@ class CPartialFile {
     std::string md5;             // lower-case hexadecimal; empty: not checked
   };
   enum class Found { kNothing, kPartial, kFinalized };
+  enum class Unsynced { kSync, kLeave };
 
   // Throws std::invalid_argument for a path that parseTargetPath rejects.
   static Plan planFor(const StartOrder& order);
@@ -46,8 +47,14 @@ class CPartialFile {
   CPartialFile& operator=(const CPartialFile&) = delete;
 
   // Continues an earlier attempt's file. kFinalized: it already has its final name, durably. After
-  // an exception the next attempt can still continue the file.
+  // an exception the next attempt can still continue the file. An object that has served an earlier
+  // attempt goes on with what it knows itself, and opens nothing if it is open.
   Found reopen(const DownloadResume& resume);
+  // Prepares an object that has served an earlier attempt for another one. False when it cannot
+  // serve that one.
+  bool renew(const StartOrder& order);
+  // Closes the file for now.
+  void park(Unsynced unsynced);
   // Writes. The first call, and the first after `restart`, writes into an empty file.
   void write(std::uint64_t offset, const char* data, std::size_t size);
   // Creates the file if it does not exist yet, and reserves `size` bytes; kUnknown: reserves none.
@@ -96,6 +103,11 @@ class CPartialFile {
 
   bool open() const { return file_.valid(); }
   DownloadResume resume() const;
+  // Whether this is the orphan's partial file.
+  bool isOrphan(const Orphan& orphan) const {
+    return plan_.folder == orphan.folder && !orphan.resume.isUpload() &&
+           resume().partialPath == orphan.resume.download().partialPath;
+  }
   // Both files must be open.
   bool sameFolder(const CPartialFile& other) const { return entry_.sameFolder(other.entry_); }
   bool sameFileSystem(const CPartialFile& other) const {
@@ -112,7 +124,9 @@ class CPartialFile {
   std::string digest(std::uint64_t size);
 
   IFileOps& ops_;
-  const Plan plan_;
+  void forget();
+
+  Plan plan_;
   std::atomic<bool> discarded_{false};
 
   CPartialEntry entry_;

@@ -35,6 +35,18 @@ CPartialWriter::CPartialWriter(const Dependencies& dependencies, AttemptId attem
       progress_(std::move(progress)),
       listener_(listener) {}
 
+void CPartialWriter::whenSettled(Settled settled) {
+  settled_ = std::move(settled);
+  checkSettled();
+}
+
+void CPartialWriter::checkSettled() {
+  const bool nothingLeft = batch_.empty() || failure_;
+  if (settled_ && !writing_ && !syncing_ && nothingLeft && hashQueue_.idle()) {
+    std::exchange(settled_, {})(failure_.has_value());
+  }
+}
+
 void CPartialWriter::reopen(const DownloadResume& resume) {
   batch_.reopen = resume;
   post();
@@ -73,8 +85,10 @@ void CPartialWriter::enter(State next) {
                            std::to_string(static_cast<unsigned>(next)));
   }
   state_ = next;
-  if (next == State::kFailed || next == State::kClosed) {
-    hashQueue_.close();  // the next attempt hashes the file from its beginning
+  if (next == State::kFailed) {
+    hashQueue_.close();
+  } else if (next == State::kClosed) {
+    hashQueue_.endReadBack();
   }
 }
 
@@ -130,7 +144,7 @@ void CPartialWriter::postWrite() {
   batch_.failure = failure_;
   auto batch = std::make_shared<Batch>(std::exchange(batch_, {}));
   if (batch->restart) {
-    hashQueue_.restart();
+    hashQueue_.restart(0);
     written_ = durable_ = 0;
   }
   pool_.post([self = shared_from_this(), batch] {
@@ -176,6 +190,7 @@ void CPartialWriter::carryOut(Batch& batch, Written& written) {
   if (batch.reopen) {
     reopened_ = true;
     written.found = file_->reopen(*batch.reopen);
+    hashQueue_.restart(file_->hashed());
   }
   if (batch.restart) {
     if ((reopened_ || wasOpen) && !withdraw()) {
@@ -254,12 +269,10 @@ void CPartialWriter::take(Written& written) {
   if (reports() && written.found) {
     listener_.onReopened(*written.found, written.resume);
   }
-  if (reports() && idle()) {
-    listener_.onWriterIdle();
-  }
   if (reports() && !full()) {
     listener_.onWriterReady();
   }
+  checkSettled();
 }
 
 void CPartialWriter::takeHashed(CHashQueue::Entries& entries,
@@ -275,6 +288,7 @@ void CPartialWriter::takeHashed(CHashQueue::Entries& entries,
   if (reports() && !full()) {
     listener_.onWriterReady();
   }
+  checkSettled();
 }
 
 void CPartialWriter::takeSynced(const std::optional<AttemptOutcome>& failure) {
@@ -288,6 +302,7 @@ void CPartialWriter::takeSynced(const std::optional<AttemptOutcome>& failure) {
   if (reports()) {
     listener_.onCheckpoint();
   }
+  checkSettled();
 }
 
 void CPartialWriter::fail(const AttemptOutcome& failure) {
@@ -299,6 +314,7 @@ void CPartialWriter::fail(const AttemptOutcome& failure) {
     hashQueue_.close();
     post();
   }
+  checkSettled();
 }
 
 bool CPartialWriter::checkpointDue() const {

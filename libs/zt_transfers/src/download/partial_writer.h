@@ -63,8 +63,6 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
     virtual void onReopened(CPartialFile::Found found, const DownloadResume& resume) = 0;
     // Some bytes were written, and the writer is not full.
     virtual void onWriterReady() = 0;
-    // All received bytes are written.
-    virtual void onWriterIdle() = 0;
     // The file cannot be written. This is the last call.
     virtual void onWriterFailed(const AttemptOutcome& outcome) = 0;
     virtual void onCheckpoint() = 0;
@@ -90,7 +88,12 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
                  std::shared_ptr<CPartialFile> file, std::shared_ptr<AttemptProgress> progress,
                  IListener& listener);
 
+  // Bytes that arrived are still written, and hashed where they are in memory.
   void close();
+  // After close(). `settled` is called once the file is used no more, perhaps at once; with whether
+  // the file could not be written or read.
+  using Settled = std::function<void(bool failed)>;
+  void whenSettled(Settled settled);
   const std::shared_ptr<CPartialFile>& file() const { return file_; }
 
   void reopen(const DownloadResume& resume);
@@ -105,7 +108,6 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   // Does not start to write: something else follows at once.
   void add(Chunk chunk);
   bool full() const { return held_ >= kMaxHeld; }
-  bool idle() const { return !writing_ && batch_.empty(); }
   // Nothing may follow.
   void finish(Last last);
   // Closes the writer and returns the body if all of the file is in one chunk and no job was posted
@@ -163,6 +165,7 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   void takeHashed(CHashQueue::Entries& entries, const std::optional<AttemptOutcome>& failure);
   void takeSynced(const std::optional<AttemptOutcome>& failure);
   bool checkpointDue() const;
+  void checkSettled();
   void recycle(Chunk chunk);
   void fail(const AttemptOutcome& failure);
 
@@ -182,6 +185,7 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   bool writing_ = false;   // a job writes
   bool reopened_ = false;  // used by that job only
   std::optional<AttemptOutcome> failure_;
+  Settled settled_;
 
   bool syncing_ = false;       // a job syncs
   std::uint64_t written_ = 0;  // bytes of this version in the file

@@ -10,6 +10,8 @@ namespace zt_transfers {
 struct TargetPath {
   std::vector<std::string> folders;
   std::string name;
+
+  bool operator==(const TargetPath&) const = default;
 };
 
 // Splits a path from the service at its slashes. Throws std::invalid_argument, whose text says why,

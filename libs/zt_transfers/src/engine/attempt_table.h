@@ -18,6 +18,7 @@ struct RunningAttempt {
   AttemptId id = 0;
   FileRef file;
   std::shared_ptr<AttemptProgress> progress;
+  TransferResume noted;       // the last resume data that was saved
   std::uint64_t counted = 0;  // bytes in the group's counters
   bool finalization = false;  // see IAttemptObserver::onAttemptFinalizing
   CRateMeter rate;

@@ -292,7 +292,7 @@ bool CTransferEngine::onAttemptCheckpoint(AttemptId id) {
 
 // False when it was stopped.
 bool CTransferEngine::saveResume(AttemptId id) {
-  const RunningAttempt* attempt = table_.attempts().find(id);
+  RunningAttempt* attempt = table_.attempts().find(id);
   if (attempt != nullptr) {
     table_.saveResume(*attempt);
   }

@@ -51,6 +51,12 @@ FileState reportOf(const CTransferGroup& group, std::uint32_t index, std::string
   return state;
 }
 
+// Whether `now` leaves the partial file of `before` behind.
+bool isReplaced(const TransferResume& before, const TransferResume& now) {
+  return before.begun() && !before.isUpload() && !now.isUpload() &&
+         before.download().partialPath != now.download().partialPath;
+}
+
 }  // namespace
 
 CTransferTable::CTransferTable(std::string activity, const IClock& clock, IQueueStore& store,
@@ -258,6 +264,7 @@ StartOrder CTransferTable::begin(CTransferGroup& group, std::uint32_t index, Fil
   group.addInFlight(attempt.counted);
   attempt.progress->bytes = attempt.counted;
   attempt.progress->setResume(order.resume);
+  attempt.noted = order.resume;
   order.attemptId = attempt.id;
   order.file = attempt.file;
   order.spec = std::move(spec);
@@ -266,29 +273,36 @@ StartOrder CTransferTable::begin(CTransferGroup& group, std::uint32_t index, Fil
   return order;
 }
 
-void CTransferTable::end(const RunningAttempt& attempt, CTransferGroup& group, Resume fate) {
+void CTransferTable::end(RunningAttempt& attempt, CTransferGroup& group, Resume fate) {
   if (fate == Resume::kKeep) {
     keepResume(attempt, group, attempt.progress->resume());
   }
   remove(attempt, group);
 }
 
-void CTransferTable::keepResume(const RunningAttempt& attempt, CTransferGroup& group,
+void CTransferTable::keepResume(RunningAttempt& attempt, CTransferGroup& group,
                                 const TransferResume& resume) {
   resumes_.keep(group, attempt.file.index, resume);
   saveResume(attempt, group, resume);
 }
 
-void CTransferTable::saveResume(const RunningAttempt& attempt) {
+void CTransferTable::saveResume(RunningAttempt& attempt) {
   if (const CTransferGroup* group = find(attempt.file.groupId)) {
     saveResume(attempt, *group, attempt.progress->resume());
   }
 }
 
-// A resumed file is no longer an orphan.
-void CTransferTable::saveResume(const RunningAttempt& attempt, const CTransferGroup& group,
+// A resumed file is no longer an orphan, but the one that it replaces is.
+void CTransferTable::saveResume(RunningAttempt& attempt, const CTransferGroup& group,
                                 const TransferResume& resume) {
-  cleanups_.forget({bytesOf(group.identity().folder), resume});
+  const std::string folder = bytesOf(group.identity().folder);
+  if (isReplaced(attempt.noted, resume)) {
+    cleanups_.addOnce({folder, std::exchange(attempt.noted, {})});
+  }
+  if (resume.begun()) {
+    attempt.noted = resume;
+  }
+  cleanups_.forget({folder, resume});
   store_.saveResume(attempt.file, resume);
 }
 
@@ -298,7 +312,7 @@ void CTransferTable::remove(const RunningAttempt& attempt, CTransferGroup& group
 }
 
 void CTransferTable::stop(AttemptId id, CTransferGroup& group, Resume fate) {
-  const RunningAttempt& attempt = *attempts_.find(id);
+  RunningAttempt& attempt = *attempts_.find(id);
   AttemptStop stop{
       .attemptId = id, .folder = bytesOf(group.identity().folder), .progress = attempt.progress};
   Orphan orphan = stop.orphan();

@@ -72,9 +72,9 @@ class CTransferTable {
   // Changes the file's phase to kRunning and returns the order for its attempt.
   StartOrder begin(CTransferGroup& group, std::uint32_t index, FileSpec spec);
   // Saves the attempt's resume data.
-  void saveResume(const RunningAttempt& attempt);
+  void saveResume(RunningAttempt& attempt);
   // The attempt has ended.
-  void end(const RunningAttempt& attempt, CTransferGroup& group, Resume fate);
+  void end(RunningAttempt& attempt, CTransferGroup& group, Resume fate);
   // Stops the group's attempts; `finalizing`: also those that no longer use the network. Their
   // files change to `then`.
   void stopAttempts(CTransferGroup& group, FilePhase then, bool finalizing);
@@ -94,9 +94,8 @@ class CTransferTable {
   void saveFile(const CTransferGroup& group, std::uint32_t index);
   void restore(RestoredGroup& restored, bool needsMark);
   void stop(AttemptId id, CTransferGroup& group, Resume fate);
-  void keepResume(const RunningAttempt& attempt, CTransferGroup& group,
-                  const TransferResume& resume);
-  void saveResume(const RunningAttempt& attempt, const CTransferGroup& group,
+  void keepResume(RunningAttempt& attempt, CTransferGroup& group, const TransferResume& resume);
+  void saveResume(RunningAttempt& attempt, const CTransferGroup& group,
                   const TransferResume& resume);
   void remove(const RunningAttempt& attempt, CTransferGroup& group);
 

@@ -55,6 +55,7 @@ class CBookkeeper final : public IAttemptObserver {
   StartOrder begin(StartOrder order) {
     const std::lock_guard lock(mutex_);
     order.attemptId = attempts_.size();
+    order.file = {1, static_cast<std::uint32_t>(std::hash<std::string>()(order.spec.fileId))};
     order.progress = std::make_shared<AttemptProgress>();
     order.progress->setResume(order.resume);
     attempts_.push_back({order.spec.fileId, order.progress});

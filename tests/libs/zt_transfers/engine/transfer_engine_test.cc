@@ -451,6 +451,29 @@ TEST_F(TransferEngine, DiscardsThePartialFileOfAFileThatIsQueuedForAnotherLocati
   EXPECT_EQ(engine.group(group)->bytesTransferred, 0U);
 }
 
+TEST_F(TransferEngine, DiscardsAPartialFileThatAnotherOneReplaces) {
+  groupOf(1);
+  engine.start();
+  const auto order = starts().at(0);
+  order.progress->setResume(halfOfAFile());
+  engine.onAttemptDone(order.attemptId, AttemptOutcome::retry("x"));
+  clock.pass(seconds(2));
+  const auto next = starts().at(0);
+  DownloadResume other = halfOfAFile();
+  other.partialPath = ".other";
+  next.progress->setResume(other);
+  engine.onAttemptCheckpoint(next.attemptId);
+  auto cleanups = engine.takeWork().cleanups;
+  ASSERT_EQ(cleanups.size(), 1U);
+  EXPECT_EQ(cleanups[0].orphan.resume, halfOfAFile());
+  engine.onCleanedUp(cleanups[0].id, AttemptOutcome::done());
+  next.progress->setResume({});  // its content was wrong
+  engine.onAttemptDone(next.attemptId, AttemptOutcome::retry("x"));
+  cleanups = engine.takeWork().cleanups;
+  ASSERT_EQ(cleanups.size(), 1U);
+  EXPECT_EQ(cleanups[0].orphan.resume, other);
+}
+
 TEST_F(TransferEngine, LeavesAloneWhatANewAttemptForTheSameFileHasTakenOver) {
   const auto group = groupOf(1);
   engine.start();

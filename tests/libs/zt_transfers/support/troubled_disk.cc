@@ -17,19 +17,25 @@ ssize_t CTroubledFileOps::read(int file, char* data, std::size_t size, std::uint
 
 ssize_t CTroubledFileOps::write(int file, const char* data, std::size_t size,
                                 std::uint64_t offset) {
+  wait();
   const std::lock_guard lock(mutex_);
   unsynced_[statusOf(*this, file).st_ino].push_back({offset, size});
   return CPosixFileOps::write(file, data, size, offset);
 }
 
 bool CTroubledFileOps::syncContent(int file) {
-  ++begunSyncs;
-  const std::lock_guard held(syncing);
+  wait();
   return !fails(file) && CPosixFileOps::syncContent(file);
 }
 
 bool CTroubledFileOps::sync(int file) {
   return !fails(file) && CPosixFileOps::sync(file);
+}
+
+void CTroubledFileOps::wait() {
+  ++waiting;
+  { const std::lock_guard held(busy); }
+  --waiting;
 }
 
 bool CTroubledFileOps::fails(int file) {

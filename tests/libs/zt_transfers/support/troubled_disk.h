@@ -15,9 +15,9 @@ class CTroubledFileOps : public CPosixFileOps {
  public:
   // The next syncs of files fail and lose all bytes written since the last good one.
   std::atomic<int> failingSyncs{0};
-  // Each sync of a file's content waits for this mutex.
-  std::mutex syncing;
-  std::atomic<int> begunSyncs{0};
+  // Each write and each sync of a file's content waits for this mutex.
+  std::mutex busy;
+  std::atomic<int> waiting{0};
   std::atomic<int> opened{0};
   std::atomic<std::uint64_t> bytesRead{0};
 
@@ -33,6 +33,7 @@ class CTroubledFileOps : public CPosixFileOps {
     std::size_t size = 0;
   };
 
+  void wait();
   bool fails(int file);
 
   std::mutex mutex_;

@@ -11,16 +11,17 @@
 
 #include "base/worker_pool.h"
 #include "download/download_runner.h"
-#include "eventually.h"
 #include "fault_server.h"
 #include "http/http_loop.h"
 #include "sandbox.h"
+#include "support/eventually.h"
 #include "troubled_disk.h"
 
 namespace zt_transfers::test {
 namespace {
 
 using ::testing::ElementsAre;
+using zantrio::test::eventually;
 
 class CNoLog : public ILog {
  public:

@@ -26,6 +26,13 @@ bool isNoFile(int error) {
   return error == ENOENT || error == ELOOP || error == EISDIR || error == ENXIO;
 }
 
+void syncNames(IFileOps& ops, int folder) {
+  // Some file systems cannot sync a folder; then the file's own sync must be enough.
+  if (!ops.sync(folder) && errno != EINVAL && errno != EROFS) {
+    failWithErrno("cannot write the folder to disk");
+  }
+}
+
 }  // namespace
 
 // An attempt that has taken over the file since holds its lock.
@@ -34,19 +41,21 @@ void CPartialEntry::remove(IFileOps& ops, const std::string& groupFolder,
   const TargetPath path = parseTargetPath(resume.partialPath);
   const CUniqueFd folder = openTargetFolder(ops, groupFolder, path.folders, MissingFolders::kFail);
   const CUniqueFd file = ops.open(folder.get(), path.name.c_str());
-  if (!file.valid()) {
-    if (isNoFile(errno)) {
-      return;
-    }
+  if (!file.valid() && !isNoFile(errno)) {
     failWithErrno("cannot open it");
   }
-  if (statusOf(ops, file.get()).st_ino != resume.inode) {
-    return;
+  if (file.valid()) {
+    if (statusOf(ops, file.get()).st_ino != resume.inode) {
+      return;
+    }
+    lock(ops, file.get());
+    if (!ops.unlink(folder.get(), path.name.c_str()) && errno != ENOENT) {
+      failWithErrno("cannot remove it");
+    }
   }
-  lock(ops, file.get());
-  if (!ops.unlink(folder.get(), path.name.c_str()) && errno != ENOENT) {
-    failWithErrno("cannot remove it");
-  }
+  // Else a power cut could bring the file back when nobody knows it any more. Its attempt may have
+  // removed it, too.
+  syncNames(ops, folder.get());
 }
 
 bool CPartialEntry::openFolder(MissingFolders missing) {
@@ -176,10 +185,7 @@ void CPartialEntry::unlink() noexcept {
 }
 
 void CPartialEntry::syncFolder() const {
-  // Some file systems cannot sync a folder; then the file's own sync must be enough.
-  if (!ops_.sync(folder_.get()) && errno != EINVAL && errno != EROFS) {
-    failWithErrno("cannot write the folder to disk");
-  }
+  syncNames(ops_, folder_.get());
 }
 
 bool CPartialEntry::sameFolder(const CPartialEntry& other) const {

@@ -1,9 +1,9 @@
-// How often this thread asks for memory.
+// Counts memory allocations of a thread.
 #pragma once
 
 namespace client::test {
 
-// Counts the thread's uses of operator new from its making on; one at a time.
+// Counts the thread's calls of operator new since its construction. At most one lives at a time.
 class AllocationCount {
  public:
   AllocationCount();

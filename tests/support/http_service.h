@@ -12,7 +12,7 @@
 
 namespace zantrio::test {
 
-// An HTTP server on 127.0.0.1 whose answers the test gives, on threads of the server.
+// An HTTP server on 127.0.0.1. The test's function answers the requests, on the server's threads.
 class HttpService {
  public:
   using Answer = std::function<void(Poco::Net::HTTPServerRequest&, Poco::Net::HTTPServerResponse&)>;

@@ -8,7 +8,7 @@
 
 namespace zantrio::test {
 
-// Takes the application log's lines while it lives: "information text", "error text", …
+// Captures the application log's lines while it lives, as "information text", "error text", …
 class LogCapture {
  public:
   LogCapture();

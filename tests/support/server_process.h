@@ -6,8 +6,8 @@
 
 namespace zantrio::test {
 
-// A program that runs while the object lives, and says in its first line how it is reached. The
-// constructor throws when there is no such line.
+// A server program that runs while the object lives and prints its address as its first line. The
+// constructor throws if there is none.
 class ServerProcess {
  public:
   ServerProcess(const std::string& program, const Poco::Process::Args& arguments);
@@ -22,7 +22,7 @@ class ServerProcess {
   Poco::ProcessHandle process_;
 };
 
-// A display of the process's own, which becomes DISPLAY.
+// Starts a virtual display and sets DISPLAY.
 class VirtualDisplay {
  public:
   VirtualDisplay();
@@ -31,8 +31,8 @@ class VirtualDisplay {
   const ServerProcess server_;
 };
 
-// A session bus of the process's own, which becomes DBUS_SESSION_BUS_ADDRESS. To be made before
-// anything asks for the session bus.
+// Starts a session bus and sets DBUS_SESSION_BUS_ADDRESS. Create it before the first use of the
+// session bus.
 class SessionBus {
  public:
   explicit SessionBus(const std::string& configuration = "--session");

@@ -5,7 +5,7 @@
 
 namespace zantrio::test {
 
-// A folder of its own for a test, removed with all it holds at the end.
+// A temporary folder, removed with its contents by the destructor.
 class TemporaryFolder {
  public:
   // kMemory, where the system has it, for folders with very many files.

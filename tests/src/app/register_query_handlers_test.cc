@@ -27,7 +27,7 @@ class CountedHandler : public CQueryHandlerBase {
   ~CountedHandler() override { --handlersAlive; }
 
  private:
-  // As a dialog does in which the user closes the window.
+  // Like a dialog during which the user closes the window.
   Json::Value close(const Json::Value&) {
     QueryHandlerRegistry::instance().clear();
     EXPECT_EQ(handlersAlive, 1);

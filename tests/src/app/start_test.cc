@@ -1,4 +1,4 @@
-// The built executable, as far as it comes without a window.
+// The built executable, where it ends before it opens a window.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// A copy of the bundle and a home, both of the test's own.
+// Runs a copy of the bundle with a temporary home folder.
 class Start : public testing::Test {
  protected:
   Start() {

@@ -91,7 +91,7 @@ TEST_F(CloseProtocol, IgnoresPopUps) {
   const CefRefPtr<FakeBrowser> popup(new FakeBrowser(2, true));
   EXPECT_FALSE(client->DoClose(popup));
   client->OnBeforeClose(popup);
-  client->onCloseTask();  // stands for time passing: a watchdog would have been of use now
+  client->onCloseTask();  // the timer's call, if it were running
   EXPECT_TRUE(client->hasBrowsers());
   EXPECT_FALSE(registry.entries().empty());
   EXPECT_EQ(framework.quitCalls(), 0);
@@ -109,7 +109,7 @@ TEST_F(CloseProtocol, IsFinishedByTheWatchdogWhenTheFrameworkDoesNotReport) {
   framework.runDueTasks();
   EXPECT_FALSE(client->hasBrowsers());
   EXPECT_EQ(framework.quitCalls(), 1);
-  client->OnBeforeClose(browser);  // the late report finds nothing left
+  client->OnBeforeClose(browser);  // too late: everything is closed already
   EXPECT_EQ(transfers.calls, (std::vector<std::string>{"download shutdown", "upload shutdown"}));
 }
 

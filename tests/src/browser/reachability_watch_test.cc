@@ -30,7 +30,7 @@ class Reachability : public test::ZtCefHandlerTest {
     browser->frame->loads.clear();
   }
 
-  // Lets time pass, and the probe's thread run.
+  // Advances the clock and lets the probe's thread run until the condition holds.
   bool advanceUntil(const std::function<bool()>& condition) {
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(30);
     while (!condition() && std::chrono::steady_clock::now() < limit) {
@@ -89,7 +89,7 @@ TEST_F(Reachability, ShowsTheLoadingPageUntilTheServiceAnswers) {
 
 TEST_F(Reachability, IsMissedAgainAfterAFailedTry) {
   ASSERT_TRUE(waitForLoads(1));
-  browser->frame->url = appUrl;  // the loading page's own try
+  browser->frame->url = appUrl;  // as after the loading page's own attempt
   ASSERT_TRUE(waitForLoads(2));
   EXPECT_EQ(browser->frame->loads[1], unreachablePage);
 }

@@ -25,9 +25,9 @@ class ZtCefHandlerTest : public testing::Test {
   ZtCefHandlerTest();
   ~ZtCefHandlerTest() override;
 
-  // Makes the client anew, with the application's bridges.
+  // Replaces the client by a new one with the application's bridges.
   void createClient(ZtCefHandler::Options options);
-  // As the framework does when the browser exists.
+  // Creates a browser and reports it to the client, as the framework does.
   CefRefPtr<FakeBrowser> openBrowser(int identifier = 1);
   bool sendMessage(const CefRefPtr<FakeBrowser>& browser);
 

@@ -124,7 +124,7 @@ TEST_F(BrowserClient, HasDialogsOfThePageAnsweredByTheUserOrTheFramework) {
             (std::vector<std::string>{"confirm Grüße? 0", "confirm Grüße? 0", "alert Grüße?"}));
 }
 
-// Takes drags of files, or none.
+// Accepts drags of files, or no drags.
 class DragTaker : public CQueryHandlerBase, public IDragHandler {
  public:
   explicit DragTaker(bool takes) : takes_(takes) {}

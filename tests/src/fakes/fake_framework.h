@@ -15,8 +15,8 @@ namespace zantrio::test {
 
 class FakeRouter;
 
-// Stands in for the framework's task posting, message loop and routers, with a clock that tests
-// move. The thread that makes it is the UI thread. Linked instead of the framework's own.
+// Replaces the framework's tasks, message loop and routers; tests advance its clock. The thread
+// that creates it is the UI thread. Linked instead of the framework's implementation.
 class FakeFramework {
  public:
   FakeFramework();
@@ -24,9 +24,9 @@ class FakeFramework {
 
   static FakeFramework* current();
 
-  // Runs what is due, in order, until nothing is.
+  // Runs all due tasks in order.
   void runDueTasks();
-  // Lets time pass and runs what becomes due on the way.
+  // Advances the clock and runs the tasks that become due.
   void advance(std::int64_t milliseconds);
   // Waits until another thread has posted a task. False after a generous limit.
   bool waitForTask();
@@ -67,7 +67,7 @@ class FakeFramework {
   std::vector<Task> tasks_;
 };
 
-// A browser-side router that records what it is told.
+// A browser-side router that counts its calls.
 class FakeRouter : public CefMessageRouterBrowserSide {
  public:
   explicit FakeRouter(const CefMessageRouterConfig& config) : config_(config) {}

@@ -11,8 +11,7 @@
 
 namespace zantrio::test {
 
-// The calls of the platform services' stand-ins, and their results. Linked instead of the
-// platform's.
+// The calls and results of the fake platform services, which are linked instead of the platform's.
 struct FakeServices {
   static FakeServices& instance();
   void reset();

@@ -9,7 +9,7 @@
 
 namespace zantrio::test {
 
-// The calls of the transfer library's stand-in, and its results. Linked instead of the library.
+// The calls and results of the fake transfer library, which is linked instead of the library.
 struct FakeTransfers {
   static FakeTransfers& instance();
   // Forgets everything.

@@ -6,7 +6,7 @@
 
 namespace zantrio::test {
 
-// A folder of its own that a test can make a bundle.
+// A temporary folder that can become a bundle.
 class TestBundle : public TemporaryFolder {
  public:
   std::string folder() const { return path(); }
@@ -14,7 +14,7 @@ class TestBundle : public TemporaryFolder {
   void writeInfo(const std::string& entries) const;
 };
 
-// Sets HOME while it lives, or takes it away (null).
+// Sets HOME while it lives, or unsets it (null).
 class ScopedHome {
  public:
   explicit ScopedHome(const char* home);

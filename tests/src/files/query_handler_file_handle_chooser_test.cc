@@ -42,7 +42,7 @@ class FileHandleChooser : public testing::Test {
     EXPECT_TRUE(handler_.onDragData(message));
   }
 
-  // The handler gets to know the browser.
+  // Gives the handler the browser.
   void connect() {
     QueryHandlerContext context;
     context.browser = browser_.get();

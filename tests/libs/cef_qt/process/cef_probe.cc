@@ -1,4 +1,5 @@
-// A program on the framework for tests of whole processes. Loads a page and ends, or waits.
+// A small program that uses the framework, for tests of whole processes. It loads a page and ends,
+// or waits.
 #include <unistd.h>
 
 #include <cstdio>

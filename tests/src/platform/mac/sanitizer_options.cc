@@ -2,15 +2,14 @@
 
 extern "C" {
 
-// Whole stacks: the system's libraries have no frame pointers, and all objects come from one of
-// them.
+// Complete stacks are needed to recognise leaks: the system's libraries, which create all objects,
+// have no frame pointers.
 const char* __asan_default_options() {
   return "fast_unwind_on_malloc=0";
 }
 
-// Kept by what is not ours: the Objective-C runtime keeps what it learns of classes and what they
-// set up when they are first used, logging and the address books the local time zone; a URL that
-// raises while it is made is never released.
+// Leaks of the system's libraries: the Objective-C runtime keeps its class data, logging and the
+// address books keep the local time zone, and a URL whose creation raises is never released.
 const char* __lsan_default_suppressions() {
   return "leak:libobjc.so\n"
          "leak:NSLogv\n"

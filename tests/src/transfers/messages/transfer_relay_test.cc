@@ -154,7 +154,7 @@ TEST_F(EventRelays, UnsubscribeWhenTheyAreReleasedAndFinishWhatTheyHavePosted) {
   EXPECT_EQ(transfers.managersAlive, 0);
 }
 
-// As a relay that takes process messages would be written.
+// A relay that handles a process message.
 class NoticingHandler : public CMessageHandlerBase {
  public:
   NoticingHandler() { registerMessage("notice", &NoticingHandler::notice); }

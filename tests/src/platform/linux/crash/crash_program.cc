@@ -1,4 +1,4 @@
-// Crashes as it is told, with a reporter: crash_program DATA_FOLDER WAY.
+// Starts the crash reporter and crashes in the given way: crash_program DATA_FOLDER WAY.
 #include <signal.h>
 #include <sys/mman.h>
 #include <sys/resource.h>

@@ -1,4 +1,4 @@
-// Programs that really crash, and the reports of it.
+// Programs that really crash, and their reports.
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -34,7 +34,7 @@ constexpr bool kSanitized = true;  // the sanitizer sets the exit status
 constexpr bool kSanitized = false;
 #endif
 
-// The children of a process, by the system's own list.
+// The process ids of a process's children.
 std::vector<pid_t> childrenOf(pid_t process) {
   const std::string id = std::to_string(process);
   std::ifstream file("/proc/" + id + "/task/" + id + "/children");

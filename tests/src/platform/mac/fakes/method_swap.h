@@ -5,8 +5,7 @@
 
 namespace zantrio::mac_test {
 
-// Lets a method of the system's do what another class's of the same name does, until the end of the
-// object's life.
+// Replaces a system class's method by another class's method of the same name while it lives.
 class MethodSwap {
  public:
   MethodSwap(const MethodSwap&) = delete;

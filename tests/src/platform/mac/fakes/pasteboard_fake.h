@@ -6,8 +6,8 @@
 
 #include "src/platform/mac/fakes/method_swap.h"
 
-// A pasteboard in memory, for the system's drag pasteboard: kept for the process, emptied by
-// `clear`. Asks its owner for what was only promised.
+// Replaces the system's drag pasteboard by one in memory. It lives as long as the process; `clear`
+// empties it. It asks its owner for promised contents.
 @interface MemoryPasteboard : NSObject {
  @private
   NSMutableArray* _types;
@@ -19,7 +19,7 @@
 + (MemoryPasteboard*)drag;
 + (NSPasteboard*)system;  // the same, as the system hands it out
 - (void)clear;
-- (void)setRaises:(BOOL)raises;  // whatever it is asked or told
+- (void)setRaises:(BOOL)raises;  // in every call
 - (id)owner;
 - (void)declareTypes:(NSArray*)types owner:(id)owner;
 @end

@@ -164,7 +164,7 @@ SInt32 CFUserNotificationDisplayAlert(CFTimeInterval timeout, CFOptionFlags flag
 
 OSStatus PasteboardCreate(CFStringRef name, PasteboardRef* pasteboard) {
   recordCall("use " + textOf(name));
-  // Also when it fails: only the status tells.
+  // Written also on failure, as by the system; only the status shows the failure.
   static NSObject* const kUnusable = [[NSObject alloc] init];
   const OSStatus status = fakeSystem().pasteboardCreation;
   *pasteboard =

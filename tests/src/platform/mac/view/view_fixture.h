@@ -9,7 +9,7 @@
 #include "src/platform/mac/fakes/appkit_fake.h"
 #include "src/platform/mac/mac_fixture.h"
 
-// Counts its instances, and is in a live resize when the record says so.
+// Counts its instances. The record decides whether it is in a live resize.
 @interface TestView : ClientOpenGLView
 @end
 

@@ -1,4 +1,4 @@
-// AppKit as it is here, and the part of the system's that it lacks and the client uses.
+// GNUstep's AppKit, and the declarations that the client uses and GNUstep lacks.
 #pragma once
 #pragma GCC system_header
 

@@ -1,5 +1,5 @@
-// The system's own header, with the names that macOS has for the times. There is no birth time in
-// the structure here; the time of the last status change stands in its place.
+// The system's header with macOS's names of the times. Linux's structure has no birth time; the
+// time of the last status change replaces it.
 #pragma once
 #pragma GCC system_header
 

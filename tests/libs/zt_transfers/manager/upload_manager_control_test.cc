@@ -28,14 +28,6 @@ class UploadControl : public CUploadTest {
   }
 };
 
-TEST_F(UploadControl, NeverSendsMoreFilesAtOnceThanAllowed) {
-  allowConcurrent(3);
-  server.planForAll(fault::slow(20'000));
-  const auto group = upload(describeMany(12, 2000));
-  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
-  EXPECT_EQ(server.maxOpen(), 3);
-}
-
 TEST_F(UploadControl, BeginsMoreFilesAsSoonAsMoreAreAllowed) {
   allowConcurrent(1);
   server.planForAll(fault::hold());
@@ -126,16 +118,6 @@ TEST_F(UploadControl, CancelsAGroupForGood) {
   manager.fetchGroupsInfo(groups);
   ASSERT_EQ(groups.size(), 1U);
   EXPECT_EQ(groups[0].id, other);
-}
-
-TEST_F(UploadControl, HoldsALimitThatAllTransfersShare) {
-  constexpr std::uint64_t kLimit = 400'000;
-  throttle(kLimit);
-  const auto begin = std::chrono::steady_clock::now();
-  const auto group = upload(describeMany(4, 200'000));
-  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
-  const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
-  EXPECT_GE(took.count(), 1.8);
 }
 
 TEST_F(UploadControl, LiftsALimitAtOnce) {

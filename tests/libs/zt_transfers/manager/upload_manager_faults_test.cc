@@ -2,19 +2,14 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
-#include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <memory>
 
-#include "untrusted_server.h"
 #include "upload_fixture.h"
 
 namespace zt_transfers::test {
 namespace {
-
-using ::testing::HasSubstr;
 
 class UploadFaults : public CUploadTest {
  protected:
@@ -38,28 +33,6 @@ TEST_F(UploadFaults, RetriesAfterBrokenConnectionsWithoutCountingBytesTwice) {
     EXPECT_LE(shot.percentTransferred, 100.0F);
   }
   EXPECT_EQ(recorder.lastGroup(group).bytesTransferred, 2 * content.size());
-}
-
-TEST_F(UploadFaults, GivesUpWhenTheRetriesAreUsedUp) {
-  retryAtMost(1);
-  server.planForAll(fault::status(500));
-  const auto group = upload({describe("file", "content")});
-  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupErrored));
-  EXPECT_EQ(server.requests().size(), 2U);
-  manager.shutdown();
-  EXPECT_THAT(log(), HasSubstr("after 2 attempts"));
-}
-
-TEST_F(UploadFaults, HoldsBackTheWholeGroupWhenTheServerIsOverloaded) {
-  auto configuration = manager.getConfiguration();
-  configuration.maxConcurrentTransfers = 1;
-  manager.setConfiguration(configuration);
-  server.plan("/first", {fault::status(429, {{"Retry-After", "2"}})});
-  const auto begin = std::chrono::steady_clock::now();
-  const auto group = upload({describe("first", "a"), describe("second", "b")});
-  ASSERT_TRUE(recorder.waitForFileState("second", kFileCompleted));
-  EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(1900));
-  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
 }
 
 TEST_F(UploadFaults, TakesNoAnswerForSuccessThatCameBeforeTheBodyWasSent) {
@@ -180,25 +153,6 @@ TEST_F(UploadFaults, FollowsARedirectWithoutCredentialsForAnotherServer) {
   EXPECT_EQ(moved.count("cookie"), 0U);
   EXPECT_EQ(moved.at("x-kept"), "yes");
   EXPECT_EQ(server.requestsTo("/nearby").at(0).headers.at("authorization"), "Bearer abc");
-}
-
-TEST_F(UploadFaults, GivesUpOnRedirectsThatNeverEnd) {
-  server.planForAll(fault::status(307, {{"Location", "/again"}}));
-  const auto group = upload({describe("file", "content")});
-  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupErrored));
-  EXPECT_EQ(server.requests().size(), 6U);
-}
-
-TEST_F(UploadFaults, SendsNothingToAServerWhoseCertificateIsNotTrusted) {
-  const CUntrustedServer untrusted;
-  auto file = describe("file", "content");
-  file.url = untrusted.url("/file");
-  const auto group = upload({file});
-  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupErrored));
-  EXPECT_EQ(untrusted.connections(), 1);
-  EXPECT_EQ(untrusted.trusting(), 0);
-  manager.shutdown();
-  EXPECT_THAT(log(), HasSubstr("certificate"));
 }
 
 TEST_F(UploadFaults, GoesThroughTheConfiguredProxy) {

@@ -25,21 +25,6 @@ TEST_F(UploadLife, ShutsDownQuicklyWithAServerThatStalls) {
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
 }
 
-TEST_F(UploadLife, GoesOnAfterShutdownWithTheNextStartup) {
-  server.plan("/one", {fault::stall()});
-  const auto group = upload({describe("one", "first"), describe("two", "second")});
-  ASSERT_TRUE(recorder.waitForFileState("two", kFileCompleted));
-  manager.shutdown();
-  const auto reports = recorder.files().size();
-  EXPECT_EQ(state(group).state, kGroupIdle);
-  server.release();
-  EXPECT_EQ(recorder.files().size(), reports);
-  manager.startup();
-  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
-  EXPECT_EQ(server.object("/one"), "first");
-  EXPECT_EQ(server.requestsTo("/two").size(), 1U);
-}
-
 TEST_F(UploadLife, CanBeStartedAndShutDownTwiceAndWithoutTheOther) {
   manager.shutdown();
   manager.startup();
@@ -103,20 +88,6 @@ class CCallbackProbe final : public CUploadManager::ICallback {
     inside = false;
   }
 };
-
-TEST_F(UploadLife, MakesNoCallAfterUnsubscribing) {
-  const auto file = describe("file", patternOf(10'000));
-  manager.startup();
-  for (int round = 0; round < 50; ++round) {
-    auto probe = std::make_unique<CCallbackProbe>();
-    manager.subscribeToEvents(probe.get());
-    const auto group = newGroup();
-    manager.queueFiles(group, {file});
-    manager.subscribeToEvents(nullptr);
-    EXPECT_FALSE(probe->inside);
-    probe.reset();  // a call from now on would be found by the sanitizers
-  }
-}
 
 TEST_F(UploadLife, MayBeCalledAndUnsubscribedFromWithinACallback) {
   CCallbackProbe probe;

@@ -122,12 +122,15 @@ TEST_F(UploadRestart, ForgetsCancelledGroupsAndRemovedFiles) {
 
 TEST_F(UploadRestart, TellsWhatIsStoredBeforeItIsStarted) {
   const auto group = newGroup();
+  manager.pauseGroup(group);
   manager.queueFiles(group, {describe("file", "x")});
+  manager.resumeGroup(group);
   manager.shutdown();
   next = std::make_unique<CUploadManager>();
   CUploadManager::GroupState found;
   EXPECT_EQ(next->getGroupState(group, found), 0);
   EXPECT_FALSE(found.empty);
+  EXPECT_FALSE(found.paused);
   EXPECT_EQ(groups().size(), 1U);
 }
 
@@ -143,16 +146,6 @@ TEST_F(UploadRestart, BringsNoClearedGroupBackAfterACrash) {
   EXPECT_TRUE(groups().empty());
   EXPECT_GT(next->createGroup("bucket", "message", "", 0), cleared);
   ASSERT_TRUE(recorder.waitForGroup(cleared, [](const auto& group) { return group.cancelled; }));
-}
-
-TEST_F(UploadRestart, KeepsThatAPauseHasEnded) {
-  const auto group = newGroup();
-  manager.pauseGroup(group);
-  manager.queueFiles(group, {describe("file", "x")});
-  manager.markQueue(group);
-  manager.resumeGroup(group);
-  restart();
-  ASSERT_TRUE(after.waitForGroupState(group, kGroupCompleted));
 }
 
 // More files than a batch has.
@@ -190,8 +183,8 @@ TEST_F(UploadRestart, FindsSizesThatWereNotKnownYet) {
 }
 
 // The second process is played by a second manager: the lock is on the open file.
-TEST_F(UploadRestart, LeavesTheQueueToTheManagerThatHasIt) {
-  server.planForAll(fault::hold());
+TEST_F(UploadRestart, LeavesTheQueueToTheManagerThatHasItUntilThatHasEnded) {
+  server.plan("/file", {fault::stall()});
   const auto group = upload({describe("file", "x")});
   ASSERT_TRUE(server.waitForRequests(1));
   CUploadManager second;
@@ -202,12 +195,13 @@ TEST_F(UploadRestart, LeavesTheQueueToTheManagerThatHasIt) {
   second.fetchGroupsInfo(found);
   EXPECT_TRUE(found.empty());
   EXPECT_THAT(log(), ::testing::HasSubstr("in use by another process"));
-  server.release();
   const auto own = second.createGroup("bucket", "message", "", 0);
   second.queueFiles(own, {describe("own", "y")});
   second.markQueue(own);
   ASSERT_TRUE(reports.waitForGroupState(own, kGroupCompleted));
-  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
+  manager.shutdown();
+  ASSERT_TRUE(reports.waitForGroupState(group, kGroupCompleted));
+  EXPECT_EQ(server.object("/file"), "x");
   second.shutdown();
   second.subscribeToEvents(nullptr);
 }

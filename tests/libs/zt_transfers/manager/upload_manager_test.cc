@@ -105,26 +105,6 @@ TEST_F(UploadManager, KeepsConnectionsOpenFromFileToFile) {
   EXPECT_LE(connections, 4);
 }
 
-TEST_F(UploadManager, ReportsProgressAtMostTenTimesASecondAndNeverBackwards) {
-  server.planForAll(fault::slow(4 * 1024 * 1024));
-  const std::string content = patternOf(6 * 1024 * 1024);
-  const auto begin = std::chrono::steady_clock::now();
-  const auto group = upload({describe("file", content)});
-  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted));
-  const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
-  const auto reports = recorder.filesOf("file");
-  EXPECT_GE(reports.size(), 4U);
-  EXPECT_LE(static_cast<double>(reports.size()), took.count() * 10 + 4);
-  EXPECT_TRUE(std::is_sorted(reports.begin(), reports.end(), [](const auto& a, const auto& b) {
-    return a.bytesTransferred < b.bytesTransferred;
-  }));
-  EXPECT_LE(static_cast<double>(recorder.groups().size()), took.count() * 10 + 8);
-  const auto all = recorder.groups();
-  EXPECT_TRUE(std::any_of(all.begin(), all.end(), [](const auto& shot) {
-    return shot.bytesTransferredPerSecond != 0 && shot.estimatedEta != 0;
-  }));
-}
-
 TEST_F(UploadManager, CompletesAGroupOnlyOnceItIsMarked) {
   const auto group = newGroup();
   manager.queueFiles(group, {describe("file", "x")});

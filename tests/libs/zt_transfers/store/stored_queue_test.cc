@@ -192,29 +192,6 @@ TEST_F(StoredQueue, KeepsWhyFilesFailedAsLongAsTheyHave) {
   EXPECT_EQ(found.groups[0].failures, expected);
 }
 
-TEST_F(StoredQueue, ForgetsRemovedGroupsButNotTheirIds) {
-  {
-    auto queue = opened();
-    IQueueStore& store = queue->store();
-    store.saveGroup(group(1));
-    store.saveGroup(group(2));
-    for (int number = 0; number < 9000; ++number) {
-      store.append(2, spec(std::to_string(number)), {});
-    }
-    EXPECT_TRUE(queue->close());
-  }
-  {
-    auto queue = opened();
-    ASSERT_EQ(found.groups.size(), 2U);
-    queue->store().removeGroup(2);
-    EXPECT_TRUE(queue->close());
-  }
-  opened();
-  ASSERT_EQ(found.groups.size(), 1U);
-  EXPECT_EQ(found.groups[0].group.identity.id, 1);
-  EXPECT_EQ(found.lastGroupId, 2);
-}
-
 TEST_F(StoredQueue, GivesTheRoomOfARemovedGroupBack) {
   auto queue = opened();
   IQueueStore& store = queue->store();

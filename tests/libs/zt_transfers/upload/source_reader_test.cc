@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 
 #include "sandbox.h"
 
@@ -72,28 +73,25 @@ TEST_F(SourceReader, GivesWhatIsCachedAtOnceButTheEndOnlyAfterItsCheck) {
   }
 }
 
-TEST_F(SourceReader, WithholdsTheEndOfAFileThatChanged) {
-  const std::string content = patternOf(CSourceReader::kChunk + 10);
-  const auto path = sandbox.file("file", content);
-  CSourceReader reader({.path = path});
-  ASSERT_FALSE(reader.open().has_value());
-  SourceChunk chunk;
-  ASSERT_FALSE(reader.readNext(chunk).has_value());
-  std::ofstream(path, std::ios::app) << "more";
-  EXPECT_THAT(reader.readNext(chunk),
-              Optional(Field(&AttemptOutcome::reason, HasSubstr("changed"))));
-}
-
-TEST_F(SourceReader, NoticesThatAnotherFileTookTheName) {
-  const auto path = sandbox.file("file", "old content");
-  CSourceReader reader({.path = path});
-  ASSERT_FALSE(reader.open().has_value());
-  const auto other = sandbox.file("other", "new content");
-  std::filesystem::last_write_time(other, std::filesystem::last_write_time(path));
-  std::filesystem::rename(other, path);
-  SourceChunk chunk;
-  EXPECT_THAT(reader.readNext(chunk),
-              Optional(Field(&AttemptOutcome::reason, HasSubstr("changed"))));
+TEST_F(SourceReader, WithholdsTheEndOfAFileThatChangedOrWhoseNameAnotherTook) {
+  namespace fs = std::filesystem;
+  const auto path = sandbox.folder() / "file";
+  const auto grow = [&] { std::ofstream(path, std::ios::app) << "more"; };
+  const auto replace = [&] {
+    const auto other = sandbox.file("other", patternOf(CSourceReader::kChunk + 10, 2));
+    fs::last_write_time(other, fs::last_write_time(path));
+    fs::rename(other, path);
+  };
+  for (const std::function<void()>& change : {std::function<void()>(grow), {replace}}) {
+    sandbox.file("file", patternOf(CSourceReader::kChunk + 10));
+    CSourceReader reader({.path = path});
+    ASSERT_FALSE(reader.open().has_value());
+    SourceChunk chunk;
+    ASSERT_FALSE(reader.readNext(chunk).has_value());
+    change();
+    EXPECT_THAT(reader.readNext(chunk),
+                Optional(Field(&AttemptOutcome::reason, HasSubstr("changed"))));
+  }
 }
 
 TEST_F(SourceReader, FailsForAMissingFileButRestsForAMissingFolderOrALackOfDescriptors) {

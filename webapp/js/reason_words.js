@@ -21,6 +21,7 @@ const FILE = {
   server_changed: 'It keeps changing on the server',
   cannot_connect: 'The server cannot be reached',
   connection_lost: 'The connection was lost repeatedly',
+  proxy_auth: 'The proxy wants a login',
   not_trusted: 'The certificate of the server is not valid',
   queue_unreadable: 'Its description on disk is damaged',
 };
@@ -34,6 +35,8 @@ const WAITING = {
   cannot_connect: 'The server cannot be reached. It continues automatically when it can.',
   connection_lost: 'The connection was lost. It continues automatically in a moment.',
   server_busy: 'The server is busy. It continues automatically later.',
+  server_trouble: 'The server has a problem. It continues automatically when that is solved.',
+  not_trusted: 'The certificate of the server cannot be verified. It continues automatically when it can.',
 };
 
 /** A short text for a failed file; empty if no reason is known. */

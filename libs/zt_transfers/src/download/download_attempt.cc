@@ -257,7 +257,7 @@ void CDownloadAttempt::onFetched(CRangeFetch& fetch, const HttpResponse& respons
       return;
     case FetchPlan::Kind::kOther:
       judgeFailed(fetch, response.code != CURLE_OK
-                             ? judgeTransport(response)
+                             ? judgeTransport(response, loop_.clock().secondsSince1970())
                              : judgeRefusal(response, loop_.clock().secondsSince1970()));
       return;
   }
@@ -315,7 +315,7 @@ void CDownloadAttempt::judgeBody(CRangeFetch& fetch, const HttpResponse& respons
     return;
   }
   if (response.code != CURLE_OK && !fetch.stopped()) {
-    judgeFailed(fetch, judgeTransport(response));
+    judgeFailed(fetch, judgeTransport(response, loop_.clock().secondsSince1970()));
     return;
   }
   // A server may send less of a range than was requested, and need not announce the size.

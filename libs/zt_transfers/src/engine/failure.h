@@ -30,6 +30,7 @@ inline constexpr std::string_view kWrongSize = "wrong_size";
 inline constexpr std::string_view kServerChanged = "server_changed";
 inline constexpr std::string_view kCannotConnect = "cannot_connect";
 inline constexpr std::string_view kConnectionLost = "connection_lost";
+inline constexpr std::string_view kProxyAuth = "proxy_auth";
 inline constexpr std::string_view kNotTrusted = "not_trusted";
 inline constexpr std::string_view kQueueUnreadable = "queue_unreadable";
 }  // namespace failure

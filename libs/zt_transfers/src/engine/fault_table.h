@@ -1,6 +1,9 @@
 #pragma once
 
+#include <curl/curl.h>
+
 #include <string>
+#include <string_view>
 
 #include "engine/attempt.h"
 
@@ -20,5 +23,18 @@ AttemptOutcome outcomeOfErrno(int error, FileRole role, const std::string& reaso
 
 // The folder that held the file is not there: its disk is probably not mounted.
 AttemptOutcome outcomeOfMissingFolder(FileRole role, const std::string& reason);
+
+// A server's status other than a success, or a success with an error document. `errorCode`: of its
+// error document, empty without one.
+AttemptOutcome outcomeOfStatus(long status, std::string_view errorCode, const std::string& reason);
+
+// A proxy's answer to the request for a tunnel.
+AttemptOutcome outcomeOfProxyStatus(long status, const std::string& reason);
+
+// No complete response came; `code` is libcurl's.
+AttemptOutcome outcomeOfTransport(CURLcode code, const std::string& reason);
+
+// The exchange made no progress for too long.
+AttemptOutcome outcomeOfStall();
 
 }  // namespace zt_transfers

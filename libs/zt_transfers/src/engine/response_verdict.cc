@@ -1,5 +1,8 @@
 #include "engine/response_verdict.h"
 
+#include <algorithm>
+
+#include "engine/fault_table.h"
 #include "http/error_document.h"
 #include "http/retry_after.h"
 
@@ -7,59 +10,37 @@ namespace zt_transfers {
 
 namespace {
 
-// The network or the server is down, whatever the file.
-AttemptOutcome unreachable(const std::string& reason) {
-  AttemptOutcome outcome = AttemptOutcome::retry(reason, failure::kCannotConnect);
-  outcome.scope = AttemptOutcome::Scope::kOrigin;
-  outcome.retryBudget = AttemptOutcome::RetryBudget::kFree;
-  return outcome;
-}
-
-// Either the network failed, or the server cannot take this file.
-AttemptOutcome lost(const std::string& reason) {
-  AttemptOutcome outcome = AttemptOutcome::retry(reason, failure::kConnectionLost);
-  outcome.retryBudget = AttemptOutcome::RetryBudget::kAtLeastOne;
-  return outcome;
+// The longer of both rests.
+void askForRest(AttemptOutcome& outcome, const HttpResponse& response, std::int64_t now) {
+  const auto asked = parseRetryAfter(response.header("retry-after"), now);
+  if (asked && outcome.kind == AttemptOutcome::Kind::kRetry) {
+    outcome.retryAfter = std::max(*asked, outcome.retryAfter.value_or(*asked));
+  }
 }
 
 }  // namespace
 
-AttemptOutcome judgeTransport(const HttpResponse& response) {
+AttemptOutcome judgeTransport(const HttpResponse& response, std::int64_t now) {
   if (response.stalled) {
-    AttemptOutcome outcome = lost("the connection stalled");
-    outcome.scope = AttemptOutcome::Scope::kOrigin;
-    return outcome;
+    return outcomeOfStall();
   }
-  switch (response.code) {
-    case CURLE_URL_MALFORMAT:
-      return AttemptOutcome::final(response.error, failure::kBadUrl);
-    case CURLE_PEER_FAILED_VERIFICATION:
-    case CURLE_SSL_CACERT_BADFILE:
-      return AttemptOutcome::final(response.error, failure::kNotTrusted);
-    case CURLE_COULDNT_RESOLVE_HOST:
-    case CURLE_COULDNT_RESOLVE_PROXY:
-    case CURLE_COULDNT_CONNECT:
-    case CURLE_OPERATION_TIMEDOUT:
-      return unreachable(response.error);
-    // Also a response that is not HTTP: rests of an earlier one on the connection.
-    default:
-      return lost(response.error);
+  if (response.proxyStatus == 0 || response.proxyStatus / 100 == 2) {
+    return outcomeOfTransport(response.code, response.error);
   }
+  AttemptOutcome outcome = outcomeOfProxyStatus(
+      response.proxyStatus, "the proxy answered " + std::to_string(response.proxyStatus));
+  askForRest(outcome, response, now);
+  return outcome;
 }
 
 AttemptOutcome judgeRefusal(const HttpResponse& response, std::int64_t now) {
   std::string reason = "the server answered " + std::to_string(response.status);
-  if (const auto code = errorDocumentCode(response.body)) {
+  const auto code = errorDocumentCode(response.body);
+  if (code) {
     reason += " (" + *code + ")";
   }
-  const bool throttled = response.status == 429 || response.status == 503;
-  if (!throttled && response.status != 408 && response.status < 500) {
-    return AttemptOutcome::final(reason, failure::kRefused);
-  }
-  AttemptOutcome outcome =
-      AttemptOutcome::retry(reason, throttled ? failure::kServerBusy : failure::kServerTrouble);
-  outcome.retryAfter = parseRetryAfter(response.header("retry-after"), now);
-  outcome.scope = throttled ? AttemptOutcome::Scope::kOrigin : AttemptOutcome::Scope::kFile;
+  AttemptOutcome outcome = outcomeOfStatus(response.status, code.value_or(""), reason);
+  askForRest(outcome, response, now);
   return outcome;
 }
 

@@ -189,6 +189,7 @@ void CHttpExchange::finish(CURLcode code) {
   response_.code = bodyCut_ ? CURLE_OK : code;
   response_.error = errorText_[0] != '\0' ? errorText_ : curl_easy_strerror(code);
   curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &response_.status);
+  curl_easy_getinfo(easy_.get(), CURLINFO_HTTP_CONNECTCODE, &response_.proxyStatus);
   curl_off_t sent = 0;
   curl_easy_getinfo(easy_.get(), CURLINFO_SIZE_UPLOAD_T, &sent);
   response_.bytesSent = static_cast<std::uint64_t>(sent);

@@ -1,5 +1,7 @@
 #include "upload/multipart_verdict.h"
 
+#include <utility>
+
 #include "engine/response_verdict.h"
 #include "http/error_document.h"
 #include "http/etag.h"
@@ -12,17 +14,6 @@ bool isSuccess(long status) {
   return status == 200 || status == 201 || status == 204;
 }
 
-bool isRefusedForGood(long status) {
-  return status >= 400 && status < 500 && status != 401 && status != 403 && status != 408 &&
-         status != 429;
-}
-
-AttemptOutcome errorDocument(const HttpResponse& response, const std::string& code) {
-  return AttemptOutcome::retry("the server answered " + std::to_string(response.status) +
-                                   " with an error document (" + code + ")",
-                               failure::kServerTrouble);
-}
-
 }  // namespace
 
 Initiation judgeInitiation(const HttpResponse& response, std::int64_t now) {
@@ -30,20 +21,23 @@ Initiation judgeInitiation(const HttpResponse& response, std::int64_t now) {
     if (auto uploadId = uploadIdOf(response.body)) {
       return {.uploadId = std::move(*uploadId)};
     }
-    if (const auto code = errorDocumentCode(response.body)) {
-      return {.outcome = errorDocument(response, *code)};
+    if (errorDocumentCode(response.body)) {
+      return {.outcome = judgeRefusal(response, now)};
     }
     return {.unsupported = true};  // it mistook the request
   }
+  AttemptOutcome outcome = judgeFailure(response, now);
+  const bool heard = response.code == CURLE_OK;
   const bool permanent = response.status == 405 || response.status == 501;
-  if (response.code == CURLE_OK && (permanent || isRefusedForGood(response.status))) {
+  const bool refused = outcome.code == failure::kRefused && response.status / 100 == 4;
+  if (heard && (permanent || (refused && !asksForAuthority(response)))) {
     return {.unsupported = true, .permanent = permanent};
   }
-  return {.outcome = judgeFailure(response, now)};
+  return {.outcome = std::move(outcome)};
 }
 
 AttemptOutcome judgeFailure(const HttpResponse& response, std::int64_t now) {
-  return response.code != CURLE_OK ? judgeTransport(response) : judgeRefusal(response, now);
+  return response.code != CURLE_OK ? judgeTransport(response, now) : judgeRefusal(response, now);
 }
 
 bool saysUploadIsGone(const HttpResponse& response) {
@@ -70,8 +64,8 @@ CompletionVerdict judgeCompletion(const HttpResponse& response,
     }
     return {Completion::kFailed, outcome};
   }
-  if (const auto code = errorDocumentCode(response.body)) {
-    return {Completion::kFailed, errorDocument(response, *code)};
+  if (errorDocumentCode(response.body)) {
+    return {Completion::kFailed, judgeRefusal(response, now)};
   }
   const auto etag = completedETagOf(response.body);
   if (!etag) {

@@ -29,15 +29,11 @@ AttemptOutcome otherContent(const std::string& stored, const std::string& sent) 
 AttemptOutcome judgeUpload(const HttpResponse& response, std::uint64_t size, const std::string& md5,
                            std::int64_t now) {
   if (response.code != CURLE_OK) {
-    return judgeTransport(response);
+    return judgeTransport(response, now);
   }
-  if (response.status != 200 && response.status != 201 && response.status != 204) {
+  const bool success = response.status == 200 || response.status == 201 || response.status == 204;
+  if (!success || errorDocumentCode(response.body)) {
     return judgeRefusal(response, now);
-  }
-  if (const auto code = errorDocumentCode(response.body)) {
-    return AttemptOutcome::retry("the server answered " + std::to_string(response.status) +
-                                     " with an error document (" + *code + ")",
-                                 failure::kServerTrouble);
   }
   if (response.bytesSent != size) {
     return AttemptOutcome::retry("the server answered after " + std::to_string(response.bytesSent) +

@@ -32,7 +32,7 @@ RunningAttempt& CAttemptTable::add(FileRef file, TimePoint now) {
   attempt.id = ++last_;
   attempt.file = file;
   attempt.progress = std::make_shared<AttemptProgress>();
-  attempt.reportedAt = now;
+  attempt.begunAt = attempt.reportedAt = now;
   return attempts_.emplace(last_, std::move(attempt)).first->second;
 }
 

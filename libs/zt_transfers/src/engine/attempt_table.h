@@ -8,6 +8,7 @@
 
 #include "base/clock.h"
 #include "engine/attempt.h"
+#include "engine/origin_table.h"
 #include "engine/rate_meter.h"
 #include "engine/transfer_group.h"
 
@@ -21,6 +22,9 @@ struct RunningAttempt {
   TransferResume noted;       // the last resume data that was saved
   std::uint64_t counted = 0;  // bytes in the group's counters
   bool finalization = false;  // see IAttemptObserver::onAttemptFinalizing
+  COriginTable::Ticket ticket{};
+  TimePoint begunAt{};
+  bool proven = false;  // bytes have been moving for a while
   CRateMeter rate;
   std::uint64_t reported = 0;  // bytes, as last reported
   TimePoint reportedAt{};

@@ -84,6 +84,8 @@ class IQueueStore {
   virtual std::optional<std::string> location(FileRef file) const = 0;
   // May be called repeatedly. False when an earlier request has failed.
   virtual bool load(FileRef file) = 0;
+  // The description is not needed soon.
+  virtual void release(FileRef file) = 0;
 };
 
 }  // namespace zt_transfers

@@ -27,6 +27,10 @@ class CResumeTable {
   // Not begun when there is no entry.
   TransferResume take(CTransferGroup& group, std::uint32_t index);
   std::vector<FileResume> takeAll(CTransferGroup& group);
+  // The file's size has changed.
+  void recount(CTransferGroup& group, std::uint32_t index) {
+    keep(group, index, take(group, index));
+  }
   // Bytes of the file that are counted.
   std::uint64_t counted(FileRef file) const;
 

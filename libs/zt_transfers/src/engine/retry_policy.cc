@@ -18,7 +18,9 @@ std::chrono::milliseconds backoffDelay(const BackoffPolicy& policy, std::uint32_
   if (!retryAfter) {
     return jittered;
   }
-  return std::max(jittered, std::min(*retryAfter, policy.maxRetryAfter));
+  const milliseconds asked = std::min(*retryAfter, policy.maxRetryAfter);
+  const double more = std::clamp(jitter, 0.0, 1.0) / 5 * double(asked.count());
+  return std::max(jittered, asked + milliseconds(static_cast<milliseconds::rep>(more)));
 }
 
 std::chrono::milliseconds CRetryPolicy::delay(std::uint32_t retry, const AttemptOutcome& outcome) {
@@ -26,32 +28,32 @@ std::chrono::milliseconds CRetryPolicy::delay(std::uint32_t retry, const Attempt
   return backoffDelay(policy_, retry, jitter, outcome.retryAfter);
 }
 
-CRetryPolicy::Decision CRetryPolicy::decide(std::uint32_t retries,
+CRetryPolicy::Decision CRetryPolicy::decide(const FileSlot& file, bool ownFault,
                                             CTransferGroup::Scheduling& group,
                                             const AttemptOutcome& outcome, TimePoint now) {
   using RetryBudget = AttemptOutcome::RetryBudget;
   Decision decision;
-  decision.counts = outcome.retryBudget != RetryBudget::kFree;
-  decision.maxRetries = outcome.retryBudget == RetryBudget::kAtLeastOne
-                            ? std::max<std::uint32_t>(maxRetries_, 1)
-                            : maxRetries_;
+  decision.counts = ownFault && outcome.retryBudget != RetryBudget::kFree;
+  const bool atLeastOne = outcome.retryBudget == RetryBudget::kAtLeastOne || outcome.suspectsOrigin;
+  decision.maxRetries = atLeastOne ? std::max<std::uint32_t>(maxRetries_, 1) : maxRetries_;
   decision.retry = outcome.kind == AttemptOutcome::Kind::kRetry &&
-                   (!decision.counts || retries < decision.maxRetries);
+                   (!decision.counts || file.retries < decision.maxRetries);
   if (decision.retry) {
-    applyOutage(group, outcome, now);
-    decision.delay =
-        delay(decision.counts ? retries + 1 : std::max<std::uint32_t>(group.outages, 1), outcome);
+    restFolder(group, outcome, now);
+    decision.delay = delay(
+        decision.counts ? file.retries + 1 : std::max(file.waits + 1U, group.outages), outcome);
   }
   return decision;
 }
 
 // Attempts that were under way when a wait began do not lengthen it.
-void CRetryPolicy::applyOutage(CTransferGroup::Scheduling& group, const AttemptOutcome& outcome,
-                               TimePoint now) {
-  if (outcome.scope == AttemptOutcome::Scope::kFile) {
+void CRetryPolicy::restFolder(CTransferGroup::Scheduling& group, const AttemptOutcome& outcome,
+                              TimePoint now) {
+  if (outcome.scope != AttemptOutcome::Scope::kFolder) {
     return;
   }
   group.waitingFor = failureOf(outcome.code, outcome.reason);
+  group.oneByOne = true;
   if (group.notBefore <= now) {
     ++group.outages;
     group.notBefore = now + delay(group.outages, outcome);

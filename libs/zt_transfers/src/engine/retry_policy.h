@@ -18,13 +18,13 @@ struct BackoffPolicy {
 
 // The delay before retry number `retry` (from 1 on). It doubles with each retry up to the cap;
 // `jitter` in [0, 1) takes off up to half of it, so that clients that failed together do not return
-// together. The delay that the server asked for is the minimum.
+// together. The delay that the server asked for is the minimum; `jitter` adds up to a fifth to it.
 std::chrono::milliseconds backoffDelay(const BackoffPolicy& policy, std::uint32_t retry,
                                        double jitter,
                                        std::optional<std::chrono::milliseconds> retryAfter);
 
 // Decides whether and when a file is tried again after an attempt that failed, and how long its
-// group waits during an outage.
+// group waits for its folder.
 //
 // Thread: none of its own; the engine guards it.
 class CRetryPolicy {
@@ -40,14 +40,14 @@ class CRetryPolicy {
 
   void setMaxRetries(std::uint32_t maxRetries) { maxRetries_ = maxRetries; }
 
-  // `retries`: used up by the file so far. If the file is tried again after an outage, its group
-  // waits, too.
-  Decision decide(std::uint32_t retries, CTransferGroup::Scheduling& group,
+  // `ownFault`: of the file or its folder, not of its origin. If the file is tried again after
+  // trouble with its folder, its group waits, too.
+  Decision decide(const FileSlot& file, bool ownFault, CTransferGroup::Scheduling& group,
                   const AttemptOutcome& outcome, TimePoint now);
   std::chrono::milliseconds delay(std::uint32_t retry, const AttemptOutcome& outcome);
 
  private:
-  void applyOutage(CTransferGroup::Scheduling& group, const AttemptOutcome& outcome, TimePoint now);
+  void restFolder(CTransferGroup::Scheduling& group, const AttemptOutcome& outcome, TimePoint now);
 
   const BackoffPolicy policy_;
   std::uint32_t maxRetries_ = 5;

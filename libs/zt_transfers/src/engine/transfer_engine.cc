@@ -150,6 +150,7 @@ void CTransferEngine::requeueFile(CTransferGroup& group, std::uint32_t index,
   }
   store_.replace({group.id(), index}, spec);
   group.forgetRetries(index);
+  group.unpark(index);
   if (phase == FilePhase::kCompleted || phase == FilePhase::kFailed) {
     table_.move(group, index, FilePhase::kWaiting);
   }
@@ -227,8 +228,10 @@ void CTransferEngine::stop() {
     for (const std::uint32_t index : group->backingOff()) {
       group->changePhase(index, FilePhase::kWaiting);
     }
+    group->unparkAll();
     group->scheduling = {};
   }
+  table_.origins().clear();
   table_.dropStops();
   table_.cleanups().stop();
 }
@@ -257,17 +260,18 @@ void CTransferEngine::onAttemptsDone(const std::vector<AttemptEnd>& ends) {
         continue;  // stopped in the meantime
       }
       const FileRef file = attempt->file;
+      const COriginTable::Ticket ticket = attempt->ticket;
       CTransferGroup& group = *table_.find(file.groupId);
       if (touched != nullptr && touched != &group) {
         reschedule(*touched);
       }
       touched = &group;
       const bool done = outcome.kind == AttemptOutcome::Kind::kDone;
-      foldProgress(*attempt, group, clock_.now());
+      table_.countProgress(*attempt, group, clock_.now());
       table_.end(*attempt, group,
                  done ? CTransferTable::Resume::kDiscard : CTransferTable::Resume::kKeep);
       lines.emplace_back(done ? ILog::Priority::kInformation : ILog::Priority::kWarning,
-                         planner_.applyOutcome(group, file.index, outcome));
+                         planner_.applyOutcome(group, file.index, ticket, outcome));
     }
     if (touched != nullptr) {
       reschedule(*touched);
@@ -306,7 +310,7 @@ bool CTransferEngine::onAttemptFinalizing(AttemptId id) {
     if (attempt == nullptr) {
       return false;
     }
-    attempt->finalization = true;
+    table_.beginFinalization(*attempt);
   }
   wake_();
   return true;
@@ -349,12 +353,22 @@ bool CTransferEngine::isTransferring() const {
 }
 
 bool CTransferEngine::collectProgress() {
+  bool mayBegin = false;
+  const bool goesOn = foldAll(mayBegin);
+  if (mayBegin) {
+    wake_();
+  }
+  return goesOn;
+}
+
+// `mayBegin`: progress has shown that more files may be begun.
+bool CTransferEngine::foldAll(bool& mayBegin) {
   const CMutexLock lock(mutex_);
   const TimePoint now = clock_.now();
   for (auto& [id, attempt] : table_.attempts()) {
     CTransferGroup& group = *table_.find(attempt.file.groupId);
-    if (foldProgress(attempt, group, now)) {
-      group.scheduling.waitingFor.reset();
+    if (table_.countProgress(attempt, group, now)) {
+      mayBegin = planner_.applyProgress(attempt, group, now) || mayBegin;
       table_.notify(group);
     }
     if (attempt.counted != attempt.reported &&

@@ -127,6 +127,7 @@ class CTransferEngine final : public IAttemptObserver {
   void change(std::int32_t groupId, const Change& change);
   void queueFile(CTransferGroup& group, const FileSpec& spec) REQUIRES(mutex_);
   void reschedule(CTransferGroup& group) REQUIRES(mutex_);
+  bool foldAll(bool& mayBegin);
   bool saveResume(AttemptId attemptId) REQUIRES(mutex_);
   void requeueFile(CTransferGroup& group, std::uint32_t index, const FileSpec& spec)
       REQUIRES(mutex_);

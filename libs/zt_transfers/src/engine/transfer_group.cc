@@ -42,6 +42,7 @@ void CTransferGroup::changePhase(std::uint32_t index, FilePhase to) {
     backingOff_.erase(index);
   }
   slot.phase = to;
+  slot.parked = false;
   switch (to) {
     case FilePhase::kWaiting:
       returned_.push_back(index);
@@ -83,6 +84,7 @@ void CTransferGroup::setCancelled() {
   isCancelled_ = true;
   files_.clear();
   returned_.clear();
+  parked_.clear();
   paused_.clear();
   failed_.clear();
   backingOff_.clear();
@@ -103,6 +105,48 @@ std::optional<std::uint32_t> CTransferGroup::takeWaiting() {
     }
   }
   return std::nullopt;
+}
+
+void CTransferGroup::park(std::uint32_t index, OriginId origin) {
+  files_.at(index).parked = true;
+  parked_.add(origin, index);
+}
+
+void CTransferGroup::parkFirst(std::uint32_t index, OriginId origin) {
+  files_.at(index).parked = true;
+  parked_.addFirst(origin, index);
+}
+
+std::optional<std::uint32_t> CTransferGroup::takeParked(OriginId origin) {
+  return parked_.take(
+      origin, [this](std::uint32_t index) { return std::exchange(files_[index].parked, false); });
+}
+
+void CTransferGroup::unpark(std::uint32_t index) {
+  if (std::exchange(files_.at(index).parked, false)) {
+    returned_.push_back(index);
+  }
+}
+
+void CTransferGroup::unparkAll() {
+  parked_.clear();
+  returned_.clear();
+  nextNew_ = 0;
+}
+
+void CTransferGroup::countWait(std::uint32_t index) {
+  std::uint8_t& waits = files_.at(index).waits;
+  waits = static_cast<std::uint8_t>(std::min(waits + 1, 255));
+}
+
+void CTransferGroup::refundRetries(std::uint32_t index, std::uint32_t retries) {
+  std::uint32_t& used = files_.at(index).retries;
+  used -= std::min(used, retries);
+}
+
+void CTransferGroup::forgetRetries(std::uint32_t index) {
+  files_.at(index).retries = 0;
+  files_.at(index).waits = 0;
 }
 
 GroupStateCode CTransferGroup::state(bool running) const {

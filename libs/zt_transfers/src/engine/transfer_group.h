@@ -12,6 +12,7 @@
 #include "base/clock.h"
 #include "engine/failure.h"
 #include "engine/file_phase.h"
+#include "engine/parked_files.h"
 #include "engine/rate_meter.h"
 #include "zt_transfers/transfer_records.h"
 
@@ -40,7 +41,9 @@ struct FileSlot {
   std::uint64_t size = 0;     // bytes; 0 until known
   std::uint32_t retries = 0;  // attempts that failed since the file was queued or resumed
   bool sizeKnown = true;      // false until an upload's source was statted
+  bool parked = false;        // see CTransferGroup::park
   FilePhase phase = FilePhase::kWaiting;
+  std::uint8_t waits = 0;  // attempts in a row that ended by no fault of the file; at most 255
 };
 
 // A group's files and counters. Each change of a file updates the counters, so that no operation
@@ -64,16 +67,28 @@ class CTransferGroup {
   void changePhase(std::uint32_t index, FilePhase to);
   void setSize(std::uint32_t index, std::uint64_t size);
   void countRetry(std::uint32_t index) { ++files_.at(index).retries; }
-  void forgetRetries(std::uint32_t index) { files_.at(index).retries = 0; }
+  void countWait(std::uint32_t index);
+  void refundRetries(std::uint32_t index, std::uint32_t retries);
+  void forgetRetries(std::uint32_t index);
   // Bytes of attempts under way. An attempt removes what it has added when it ends.
   void addInFlight(std::uint64_t bytes) { inFlight_ += bytes; }
   void removeInFlight(std::uint64_t bytes) { inFlight_ -= bytes; }
   void measureRate(std::uint64_t bytes, TimePoint now) { rate_.add(bytes, now); }
 
   // The next file to begin: returned files first, then in the order of queueing. The file stays
-  // kWaiting until the caller changes its phase or puts it back.
+  // kWaiting until the caller changes its phase, parks it, or puts it back.
   std::optional<std::uint32_t> takeWaiting();
+  bool hasReturned() const { return !returned_.empty(); }
   void putBack(std::uint32_t index) { returned_.push_front(index); }
+  // Has a file from takeWaiting wait for its turn at its server. It stays kWaiting.
+  void park(std::uint32_t index, OriginId origin);
+  void parkFirst(std::uint32_t index, OriginId origin);
+  std::optional<std::uint32_t> takeParked(OriginId origin);
+  const CParkedFiles& parked() const { return parked_; }
+  // A parked file has another URL. takeWaiting returns it again.
+  void unpark(std::uint32_t index);
+  // No file is parked any more; takeWaiting returns all that wait, in the order of queueing.
+  void unparkAll();
 
   // Files that were in this phase; their phase may have changed since. Empties the list.
   std::vector<std::uint32_t> takePaused() { return std::exchange(paused_, {}); }
@@ -100,9 +115,11 @@ class CTransferGroup {
   // Used by the planner only.
   struct Scheduling {
     bool listed = false;                  // is in the round of groups
-    TimePoint notBefore{};                // no file is begun earlier, after an outage
+    TimePoint notBefore{};                // no file is begun earlier, after trouble with its folder
     std::uint32_t outages = 0;            // in a row, without a success in between
+    bool oneByOne = false;                // until bytes move again after an outage
     std::optional<Failure> waitingFor{};  // the outage; until bytes move again
+    OriginId troubledBy = 0;              // the last origin that failed an attempt
   };
   Scheduling scheduling;
 
@@ -119,6 +136,7 @@ class CTransferGroup {
   std::array<std::uint32_t, kFilePhaseCount> counts_{};
   std::uint32_t nextNew_ = 0;           // the first file that was never begun
   std::deque<std::uint32_t> returned_;  // waiting again
+  CParkedFiles parked_;
   std::vector<std::uint32_t> paused_;
   std::vector<std::uint32_t> failed_;
   std::unordered_set<std::uint32_t> backingOff_;

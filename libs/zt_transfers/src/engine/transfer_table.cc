@@ -64,6 +64,7 @@ CTransferTable::CTransferTable(std::string activity, const IClock& clock, IQueue
     : activity_(std::move(activity)),
       clock_(clock),
       store_(store),
+      origins_(backoff),
       cleanups_(clock, store, backoff),
       eventThrottle_(events) {}
 
@@ -174,6 +175,10 @@ void CTransferTable::resume(CTransferGroup& group) {
   group.scheduling.notBefore = TimePoint{};
   group.scheduling.outages = 0;
   group.scheduling.waitingFor.reset();
+  origins_.endRest(std::exchange(group.scheduling.troubledBy, 0));
+  for (const auto& [origin, files] : group.parked()) {
+    origins_.endRest(origin);
+  }
   for (const std::uint32_t index : group.backingOff()) {
     move(group, index, FilePhase::kWaiting);
   }
@@ -236,7 +241,17 @@ void CTransferTable::fail(CTransferGroup& group, std::uint32_t index, const Fail
 
 void CTransferTable::setSize(CTransferGroup& group, std::uint32_t index, std::uint64_t size) {
   group.setSize(index, size);
+  resumes_.recount(group, index);
   saveFile(group, index);
+}
+
+bool CTransferTable::countProgress(RunningAttempt& attempt, CTransferGroup& group, TimePoint now) {
+  const FileSlot before = group.file(attempt.file.index);
+  const bool changed = foldProgress(attempt, group, now);
+  if (group.file(attempt.file.index).size != before.size) {
+    saveFile(group, attempt.file.index);
+  }
+  return changed;
 }
 
 void CTransferTable::remove(CTransferGroup& group, std::uint32_t index) {
@@ -255,8 +270,10 @@ void CTransferTable::saveFile(const CTransferGroup& group, std::uint32_t index) 
                   {.phase = stored(slot.phase), .size = slot.size, .sizeKnown = slot.sizeKnown});
 }
 
-StartOrder CTransferTable::begin(CTransferGroup& group, std::uint32_t index, FileSpec spec) {
+StartOrder CTransferTable::begin(CTransferGroup& group, std::uint32_t index, FileSpec spec,
+                                 OriginId origin) {
   RunningAttempt& attempt = attempts_.add({group.id(), index}, clock_.now());
+  attempt.ticket = origins_.begin(origin);
   attempt.counted = resumes_.counted(attempt.file);
   StartOrder order;
   order.resume = resumes_.take(group, index);
@@ -271,6 +288,13 @@ StartOrder CTransferTable::begin(CTransferGroup& group, std::uint32_t index, Fil
   order.progress = attempt.progress;
   move(group, index, FilePhase::kRunning);
   return order;
+}
+
+void CTransferTable::beginFinalization(RunningAttempt& attempt) {
+  attempt.finalization = true;
+  const COriginTable::Ticket ticket = std::exchange(attempt.ticket, {});
+  origins_.end(ticket);
+  origins_.succeed(ticket);
 }
 
 void CTransferTable::end(RunningAttempt& attempt, CTransferGroup& group, Resume fate) {
@@ -308,6 +332,7 @@ void CTransferTable::saveResume(RunningAttempt& attempt, const CTransferGroup& g
 
 void CTransferTable::remove(const RunningAttempt& attempt, CTransferGroup& group) {
   group.removeInFlight(attempt.counted);
+  origins_.end(attempt.ticket);
   attempts_.erase(attempt.id);
 }
 

@@ -65,12 +65,16 @@ class CTransferTable {
   // The same to kFailed.
   void fail(CTransferGroup& group, std::uint32_t index, const Failure& failure);
   void setSize(CTransferGroup& group, std::uint32_t index, std::uint64_t size);
+  // Counts the attempt's progress since the last call; false without progress.
+  bool countProgress(RunningAttempt& attempt, CTransferGroup& group, TimePoint now);
   void remove(CTransferGroup& group, std::uint32_t index);
 
   CAttemptTable& attempts() { return attempts_; }
   const CAttemptTable& attempts() const { return attempts_; }
   // Changes the file's phase to kRunning and returns the order for its attempt.
-  StartOrder begin(CTransferGroup& group, std::uint32_t index, FileSpec spec);
+  StartOrder begin(CTransferGroup& group, std::uint32_t index, FileSpec spec, OriginId origin);
+  // The attempt no longer uses the network: the server has done its part.
+  void beginFinalization(RunningAttempt& attempt);
   // Saves the attempt's resume data.
   void saveResume(RunningAttempt& attempt);
   // The attempt has ended.
@@ -84,6 +88,7 @@ class CTransferTable {
   // No attempt runs any more, so the stops that nobody took are void.
   void dropStops();
   CCleanupQueue& cleanups() { return cleanups_; }
+  COriginTable& origins() { return origins_; }
 
   const CFailureLog& failures() const { return failures_; }
   FileState fileState(const CTransferGroup& group, std::uint32_t index) const;
@@ -105,6 +110,7 @@ class CTransferTable {
   std::int32_t lastGroupId_ = 0;
   Groups groups_;
   CAttemptTable attempts_;
+  COriginTable origins_;
   CResumeTable resumes_;
   CFailureLog failures_;
   std::set<std::int32_t> completed_;  // groups; a lower id is an older one

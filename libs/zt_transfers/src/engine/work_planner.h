@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -11,8 +12,14 @@
 
 namespace zt_transfers {
 
-// Decides which file is begun when: groups take turns, failed files return after their delay, and
-// the number of concurrent transfers is limited.
+// Decides which file is begun when: groups and origins share the places, failed files return after
+// their delay, nothing is begun where an origin or a folder rests, and the number of concurrent
+// transfers is limited.
+//
+// A group that has files to begin is listed. It is then looked at: its next file is parked at its
+// origin, where the group waits for a place (COriginTable). While that origin rests, the group's
+// further files are parked, too, until one is found whose origin does not rest. So files that wait
+// for an origin cost nothing until it is back.
 //
 // Thread: none of its own; the engine guards it.
 class CWorkPlanner {
@@ -35,12 +42,24 @@ class CWorkPlanner {
   TransferWork takeWork(bool congested);
   // Changes the file's phase by its attempt's outcome and returns the line for the log.
   std::string applyOutcome(CTransferGroup& group, std::uint32_t index,
-                           const AttemptOutcome& outcome);
+                           const COriginTable::Ticket& ticket, const AttemptOutcome& outcome);
+  // The attempt's bytes have moved. True when more files may be begun.
+  bool applyProgress(RunningAttempt& attempt, CTransferGroup& group, TimePoint now);
 
  private:
   void wakeRetries();
   void beginReady(TransferWork& work);
-  bool beginNext(CTransferGroup& group, TransferWork& work);
+  void lookAtListed(int& budget, TransferWork& work);
+  void lookAt(CTransferGroup& group, int& budget, TransferWork& work);
+  bool parkNext(CTransferGroup& group, OriginId& origin, TransferWork& work);
+  bool rests(OriginId origin) const;
+  bool mayBegin(CTransferGroup& group, TimePoint now);
+  void beginAt(const COriginTable::Candidate& candidate, TransferWork& work);
+  bool beginFile(CTransferGroup& group, std::uint32_t index, OriginId origin, TransferWork& work);
+  std::optional<FileSpec> loadSpec(CTransferGroup& group, std::uint32_t index, bool& coming,
+                                   TransferWork& work);
+  bool blameOrigin(CTransferGroup& group, std::uint32_t index, const COriginTable::Ticket& ticket,
+                   const AttemptOutcome& outcome);
   void failWaiting(CTransferGroup& group, std::uint32_t index, const Problem& problem,
                    TransferWork& work);
   // `time` in seconds since 1970; 0: never

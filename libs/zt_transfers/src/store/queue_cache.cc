@@ -190,6 +190,11 @@ bool CQueueCache::load(FileRef file) {
   return true;
 }
 
+void CQueueCache::release(FileRef file) {
+  const CMutexLock lock(mutex_);
+  tables_.at(file.groupId)->release(file.index);
+}
+
 void CQueueCache::request(const Range& range) {
   requests_.push_back(range);
   listener_->requested();

@@ -62,6 +62,7 @@ class CQueueCache : public IQueueStore {
   std::optional<FileSpec> spec(FileRef file) override;
   std::optional<std::string> location(FileRef file) const override;
   bool load(FileRef file) override;
+  void release(FileRef file) override;
 
   // For reading the stored queue: each group with its files in the order of their indices.
   void clear();

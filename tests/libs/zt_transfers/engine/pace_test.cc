@@ -30,6 +30,7 @@ TEST(Backoff, TakesOffUpToAHalfByJitter) {
 TEST(Backoff, GivesTheServerTheTimeItAsksForWithinReason) {
   const BackoffPolicy policy{.base = seconds(1), .maxRetryAfter = seconds(100)};
   EXPECT_EQ(backoffDelay(policy, 1, 0.0, seconds(30)), seconds(30));
+  EXPECT_EQ(backoffDelay(policy, 1, 1.0, seconds(30)), seconds(36));
   EXPECT_EQ(backoffDelay(policy, 3, 0.0, seconds(0)), seconds(4));
   EXPECT_EQ(backoffDelay(policy, 1, 0.0, std::chrono::hours(24 * 300)), seconds(100));
 }

@@ -57,7 +57,7 @@ void CRangeFetch::send() {
 
 void CRangeFetch::judgeEnd(const HttpResponse& response) {
   loop_.retire(std::move(exchange_));
-  if (redirects_.follow(response, log_)) {
+  if (redirects_.follow(response, "GET", log_)) {
     plan_.reset();
     wanted_ = false;
     send();

@@ -2,7 +2,9 @@
 
 #include <curl/curl.h>
 
+#include <algorithm>
 #include <array>
+#include <iterator>
 #include <memory>
 
 #include "base/ascii.h"
@@ -32,21 +34,37 @@ std::optional<std::string> resolved(const std::string& base, const std::string& 
   return std::string(text);
 }
 
-bool isCredential(std::string_view name) {
-  constexpr std::array<std::string_view, 3> kNames{"authorization", "cookie",
-                                                   "x-amz-security-token"};
-  for (const std::string_view known : kNames) {
-    if (equalsIgnoringCase(name, known)) {
-      return true;
-    }
-  }
-  return false;
+// Headers that describe the content or the wanted part of it. Any other header of the page can be a
+// credential.
+bool isForEveryServer(std::string_view name) {
+  constexpr std::array<std::string_view, 14> kNames{"accept",
+                                                    "accept-encoding",
+                                                    "accept-language",
+                                                    "cache-control",
+                                                    "if-match",
+                                                    "if-none-match",
+                                                    "if-modified-since",
+                                                    "if-unmodified-since",
+                                                    "if-range",
+                                                    "range",
+                                                    "x-amz-acl",
+                                                    "x-amz-storage-class",
+                                                    "x-amz-server-side-encryption",
+                                                    "x-ms-blob-type"};
+  constexpr std::array<std::string_view, 5> kBeginnings{
+      "content-", "x-amz-meta-", "x-amz-checksum-", "x-goog-meta-", "x-ms-meta-"};
+  return std::any_of(kNames.begin(), kNames.end(),
+                     [name](auto known) { return equalsIgnoringCase(name, known); }) ||
+         std::any_of(kBeginnings.begin(), kBeginnings.end(),
+                     [name](auto begin) { return startsWithIgnoringCase(name, begin); });
 }
 
 }  // namespace
 
-bool isRedirect(long status) {
-  return status == 301 || status == 302 || status == 307 || status == 308;
+bool isRedirect(long status, std::string_view method) {
+  // 303 names what can be fetched instead, and is no place to send anything to.
+  return status == 301 || status == 302 || status == 307 || status == 308 ||
+         (status == 303 && (method == "GET" || method == "HEAD"));
 }
 
 std::optional<std::string> redirectTarget(const std::string& url, const HttpResponse& response) {
@@ -71,16 +89,13 @@ HttpHeaders headersAfterRedirect(const HttpHeaders& headers, std::string_view fr
     return headers;
   }
   HttpHeaders kept;
-  for (const auto& header : headers) {
-    if (!isCredential(header.first) && !equalsIgnoringCase(header.first, "host")) {
-      kept.push_back(header);
-    }
-  }
+  std::copy_if(headers.begin(), headers.end(), std::back_inserter(kept),
+               [](const auto& header) { return isForEveryServer(header.first); });
   return kept;
 }
 
-bool CRedirects::follow(const HttpResponse& response, ILog& log) {
-  if (response.code != CURLE_OK || !isRedirect(response.status) || left_ == 0) {
+bool CRedirects::follow(const HttpResponse& response, std::string_view method, ILog& log) {
+  if (response.code != CURLE_OK || !isRedirect(response.status, method) || left_ == 0) {
     return false;
   }
   const auto target = redirectTarget(url_, response);

@@ -13,14 +13,15 @@ namespace zt_transfers {
 
 using HttpHeaders = std::vector<std::pair<std::string, std::string>>;
 
-bool isRedirect(long status);
+// Whether a request with the method is repeated at the new URL.
+bool isRedirect(long status, std::string_view method);
 
 // The absolute http or https URL to which the response to a request for `url` redirects.
 // std::nullopt without a Location, for another protocol, and from https down to http.
 std::optional<std::string> redirectTarget(const std::string& url, const HttpResponse& response);
 
-// The headers of a request that is repeated at its new URL: another server does not get
-// credentials.
+// The headers of a request that is repeated at its new URL: another server gets only
+// those that are known to be no credentials.
 HttpHeaders headersAfterRedirect(const HttpHeaders& headers, std::string_view fromUrl,
                                  std::string_view toUrl);
 
@@ -37,7 +38,7 @@ class CRedirects {
 
   // True when the response redirects and the redirect is followed: the request is to be sent again,
   // from its first byte, to the new URL.
-  bool follow(const HttpResponse& response, ILog& log);
+  bool follow(const HttpResponse& response, std::string_view method, ILog& log);
 
  private:
   std::string url_;

@@ -23,6 +23,7 @@ void CTextRequest::send() {
   request.url = redirects_.url();
   request.headers = redirects_.headers();
   request.bodySize = request_.body.size();
+  request.responseSize = kMaxText;
   request.proxy = request_.proxy;
   request.patience = request_.patience;
   const auto answered = [this](HttpResponse response) { onResponse(std::move(response)); };
@@ -35,7 +36,7 @@ void CTextRequest::send() {
 
 void CTextRequest::onResponse(HttpResponse response) {
   loop_.retire(std::move(exchange_));
-  if (redirects_.follow(response, log_)) {
+  if (redirects_.follow(response, request_.method, log_)) {
     send();
     return;
   }

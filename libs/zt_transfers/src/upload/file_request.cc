@@ -121,7 +121,7 @@ bool CFileRequest::rewind() {
 
 void CFileRequest::onResponse(const HttpResponse& response) {
   dependencies_.loop.retire(std::move(exchange_));
-  if (redirects_.follow(response, dependencies_.log)) {
+  if (redirects_.follow(response, "PUT", dependencies_.log)) {
     enter(State::kOpening);
     listener_.onRequestMoved(*this);
     return;

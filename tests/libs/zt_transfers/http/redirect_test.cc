@@ -24,14 +24,26 @@ TEST(Redirect, GoesNeitherNowhereNorDownToAnUnprotectedOrForeignProtocol) {
   EXPECT_FALSE(target("http://a/b", "ftp://a/b").has_value());
 }
 
-TEST(Redirect, TakesCredentialsAlongToTheSameServerOnly) {
-  const HttpHeaders headers = {
-      {"AUTHORIZATION", "a"}, {"Cookie", "b"}, {"X-Amz-Security-Token", "c"}, {"X-Other", "d"}};
+TEST(Redirect, TakesToAnotherServerOnlyWhatIsKnownToBeNoCredential) {
+  const HttpHeaders secrets = {{"AUTHORIZATION", "a"},
+                               {"Cookie", "b"},
+                               {"X-Api-Key", "c"},
+                               {"Proxy-Authorization", "d"},
+                               {"x-amz-server-side-encryption-customer-key", "e"},
+                               {"Host", "f"}};
+  const HttpHeaders kept = {{"Content-Type", "g"}, {"X-Amz-Meta-Name", "h"}, {"If-Range", "i"}};
+  HttpHeaders headers = secrets;
+  headers.insert(headers.end(), kept.begin(), kept.end());
   EXPECT_EQ(headersAfterRedirect(headers, "http://a/x", "http://A:80/y"), headers);
-  const HttpHeaders kept = {{"X-Other", "d"}};
-  EXPECT_EQ(headersAfterRedirect(headers, "http://a/x", "http://b/x"), kept);
-  EXPECT_EQ(headersAfterRedirect(headers, "http://a/x", "http://a:81/x"), kept);
-  EXPECT_EQ(headersAfterRedirect(headers, "http://a/x", "https://a/x"), kept);
+  for (const char* other : {"http://b/x", "http://a:81/x", "https://a/x"}) {
+    EXPECT_EQ(headersAfterRedirect(headers, "http://a/x", other), kept) << other;
+  }
+}
+
+TEST(Redirect, FetchesFromElsewhereButSendsNothingThereAfterASeeOther) {
+  EXPECT_TRUE(isRedirect(303, "GET"));
+  EXPECT_FALSE(isRedirect(303, "PUT"));
+  EXPECT_TRUE(isRedirect(307, "PUT"));
 }
 
 }  // namespace

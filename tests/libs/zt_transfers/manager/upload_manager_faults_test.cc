@@ -142,7 +142,7 @@ TEST_F(UploadFaults, FollowsARedirectWithoutCredentialsForAnotherServer) {
   server.plan("/file", {fault::status(307, {{"Location", other.url("/moved?sig=1")}})});
   server.plan("/near", {fault::status(308, {{"Location", "/nearby"}})});
   auto far = describe("file", "content");
-  far.headers = {{"Authorization", "Bearer abc"}, {"Cookie", "a=b"}, {"X-Kept", "yes"}};
+  far.headers = {{"Authorization", "Bearer abc"}, {"Cookie", "a=b"}, {"X-Amz-Meta-Kept", "yes"}};
   auto near = describe("near", "content");
   near.headers = far.headers;
   const auto group = upload({far, near});
@@ -151,7 +151,7 @@ TEST_F(UploadFaults, FollowsARedirectWithoutCredentialsForAnotherServer) {
   const auto moved = other.requests()[0].headers;
   EXPECT_EQ(moved.count("authorization"), 0U);
   EXPECT_EQ(moved.count("cookie"), 0U);
-  EXPECT_EQ(moved.at("x-kept"), "yes");
+  EXPECT_EQ(moved.at("x-amz-meta-kept"), "yes");
   EXPECT_EQ(server.requestsTo("/nearby").at(0).headers.at("authorization"), "Bearer abc");
 }
 

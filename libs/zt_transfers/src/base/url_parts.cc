@@ -1,5 +1,7 @@
 #include "base/url_parts.h"
 
+#include <algorithm>
+
 #include "base/ascii.h"
 
 namespace zt_transfers {
@@ -93,6 +95,33 @@ std::string percentEncoded(std::string_view text) {
     }
   }
   return encoded;
+}
+
+std::string withoutSecrets(std::string_view text) {
+  constexpr std::string_view kWhite = " \t\r\n";
+  std::string clean;
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find_first_of(kWhite), text.size());
+    std::string_view word = text.substr(0, end);
+    const std::size_t slashes = word.find("//");
+    const std::size_t at = word.rfind('@');
+    const bool isUrl = slashes != std::string_view::npos;
+    if (at != std::string_view::npos && (isUrl || word.find(':') < at)) {
+      if (isUrl && slashes < at) {
+        clean += word.substr(0, slashes + 2);
+      }
+      word.remove_prefix(at + 1);
+    }
+    const std::size_t query = word.find('?');
+    clean += word.find('=', std::min(query, word.size())) == std::string_view::npos
+                 ? word
+                 : word.substr(0, query);
+    text.remove_prefix(end);
+    const std::size_t white = std::min(text.find_first_not_of(kWhite), text.size());
+    clean += text.substr(0, white);
+    text.remove_prefix(white);
+  }
+  return clean;
 }
 
 }  // namespace zt_transfers

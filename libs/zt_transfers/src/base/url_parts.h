@@ -10,6 +10,10 @@ namespace zt_transfers {
 // session is resumed only if this text is still the same, so a change here ends stored sessions.
 std::string loggableUrl(std::string_view url);
 
+// A text for people and logs that may quote URLs, such as an error message: without their user
+// information and queries. A URL is taken to end at white space.
+std::string withoutSecrets(std::string_view text);
+
 // Scheme, host and port in a form that compares equal for the same server ("http://h:80").
 // Empty when `url` is not an absolute http or https URL.
 std::string originOf(std::string_view url);

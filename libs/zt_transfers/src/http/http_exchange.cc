@@ -7,9 +7,13 @@
 #include <utility>
 
 #include "base/ascii.h"
+#include "base/url_parts.h"
 
 namespace zt_transfers {
 namespace {
+
+// Bytes of the largest body for which HTTP/2 is used.
+constexpr std::uint64_t kMaxShared = 4ULL * 1024 * 1024;
 
 // libcurl sends no larger body together with the head.
 constexpr std::uint64_t kMaxWithHead = 64ULL * 1024 - 1;
@@ -103,6 +107,15 @@ void CHttpExchange::setUpHeaders(const HttpRequest& request) {
   }
 }
 
+// Whether HTTP/2 serves the request best. It does for small bodies, which share a connection. A
+// large body has a congestion window of its own over HTTP/1.1, and a limit holds there: over HTTP/2
+// libcurl takes up to 32 MiB into memory for each response that is held back.
+bool CHttpExchange::mayShareConnection(const HttpRequest& request) const {
+  const bool unknown = body_ == nullptr && request.responseSize == 0;
+  return !unknown && std::max(request.bodySize, request.responseSize) <= kMaxShared &&
+         !loop_.throttle().limited();
+}
+
 void CHttpExchange::setUp(const HttpRequest& request) {
   CURL* easy = easy_.get();
   const auto set = [easy](CURLoption option, auto value) {
@@ -115,8 +128,10 @@ void CHttpExchange::setUp(const HttpRequest& request) {
   set(CURLOPT_CUSTOMREQUEST, request.method.c_str());
   set(CURLOPT_NOBODY, request.method == "HEAD" ? 1L : 0L);
   set(CURLOPT_HTTPHEADER, headers_.get());
-  set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
-  if (startsWithIgnoringCase(request.url, "https:")) {
+  const bool multiplexed = mayShareConnection(request);
+  set(CURLOPT_HTTP_VERSION,
+      static_cast<long>(multiplexed ? CURL_HTTP_VERSION_2TLS : CURL_HTTP_VERSION_1_1));
+  if (multiplexed && startsWithIgnoringCase(request.url, "https:")) {
     // A server with HTTP/2 gets one connection; the first response shows whether it has HTTP/2.
     set(CURLOPT_PIPEWAIT, 1L);
   }
@@ -187,7 +202,7 @@ void CHttpExchange::resumeBody() {
 
 void CHttpExchange::finish(CURLcode code) {
   response_.code = bodyCut_ ? CURLE_OK : code;
-  response_.error = errorText_[0] != '\0' ? errorText_ : curl_easy_strerror(code);
+  response_.error = withoutSecrets(errorText_[0] != '\0' ? errorText_ : curl_easy_strerror(code));
   curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &response_.status);
   curl_easy_getinfo(easy_.get(), CURLINFO_HTTP_CONNECTCODE, &response_.proxyStatus);
   curl_off_t sent = 0;

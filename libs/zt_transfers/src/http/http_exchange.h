@@ -39,6 +39,7 @@ class CHttpExchange final : public IHttpExchange {
   void setUpBody(const HttpRequest& request);
   void setUpSmallBody(const HttpRequest& request, std::string_view content);
   void setUpHeaders(const HttpRequest& request);
+  bool mayShareConnection(const HttpRequest& request) const;
   bool isConnected() const;
   void takeHeaderLine(std::string_view line);
   std::size_t takeContent(const char* data, std::size_t size);

@@ -15,7 +15,7 @@ struct HttpResponse {
       std::size_t{64} * 1024;  // bytes that are kept of a body
 
   CURLcode code = CURLE_OK;  // anything else: the response is incomplete
-  std::string error;         // libcurl's text for `code`
+  std::string error;         // libcurl's text for `code`, without secrets
   bool stalled = false;      // ended for lack of traffic
   long status = 0;
   long proxyStatus = 0;  // of a proxy's answer to the request for a tunnel; 0: there was none

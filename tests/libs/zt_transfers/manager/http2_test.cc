@@ -174,6 +174,34 @@ TEST_F(Http2, KeepsToTheLimit) {
   EXPECT_GE(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(1800));
 }
 
+TEST_F(Http2, KeepsToTheLimitOnTheWireAndCarriesLargeBodiesOneByOne) {
+  constexpr std::size_t kSize = 40'000'000;
+  CNodeServer node("new");
+  CLoopClient client;
+  ASSERT_EQ(client.put(node.url("/large"), std::string(kSize, 'c')).get().status, 200);
+  CDownloadManager downloads;
+  CDownloadRecorder arrived;
+  downloads.subscribeToEvents(&arrived);
+  auto configuration = downloads.getConfiguration();
+  configuration.throttleBytesPerSecond = 1'000'000;
+  downloads.setConfiguration(configuration);
+  const auto target = widened((sandbox.folder() / "target").string());
+  const auto group = downloads.createGroup("bucket", "message", "t", 0, target);
+  CDownloadManager::FileDownloadDetails file;
+  file.fileId = "large";
+  file.path = L"large";
+  file.size = kSize;
+  file.url = node.url("/large");
+  downloads.queueFiles(group, {file});
+  downloads.startup();
+  EXPECT_TRUE(arrived.waitForGroup(
+      group, [](const auto& state) { return state.bytesTransferred > 2'000'000; }));
+  downloads.shutdown();
+  const Json::Value seen = node.finish();
+  EXPECT_LT(seen["given"].asUInt64(), 25'000'000U) << "what queues of the system hold";
+  EXPECT_EQ(seen["versions"]["1.1"].asInt(), 2) << seen;
+}
+
 }  // namespace
 }  // namespace zt_transfers::test
 

@@ -5,13 +5,23 @@ const crypto = require('node:crypto');
 const fs = require('node:fs');
 const http2 = require('node:http2');
 const https = require('node:https');
+const { Readable } = require('node:stream');
 
 const [key, cert] = process.argv.slice(2, 4).map((path) => fs.readFileSync(path));
 const objects = new Map();
-const seen = { connections: 0, requests: 0, mostAtOnce: 0, versions: {} };
+const seen = { connections: 0, requests: 0, given: 0, mostAtOnce: 0, versions: {} };
 let open = 0;
 
-const server = process.argv[4] === 'old' ? https.createServer({ key, cert }) : http2.createSecureServer({ key, cert });
+// Counts what the connection takes.
+function* piecesOf(body) {
+  for (let at = 0; at < body.length; at += 65536) {
+    const piece = body.subarray(at, at + 65536);
+    seen.given += piece.length;
+    yield piece;
+  }
+}
+
+const server = process.argv[4] === 'old' ? https.createServer({ key, cert }) : http2.createSecureServer({ key, cert, allowHTTP1: true });
 server.on('secureConnection', () => { seen.connections += 1; });
 let first = null;
 server.on('request', (request, response) => {
@@ -33,7 +43,8 @@ server.on('request', (request, response) => {
         etag: `"${crypto.createHash('md5').update(body ?? '').digest('hex')}"`,
         ...(request.method === 'GET' && body ? { 'content-length': body.length } : {}),
       });
-      response.end(request.method === 'GET' ? body : undefined);
+      if (request.method === 'GET' && body) Readable.from(piecesOf(body)).pipe(response);
+      else response.end();
     }, 20);
   });
 });

@@ -50,7 +50,7 @@ class CLoopClient {
     return response;
   }
   std::future<HttpResponse> get(const std::string& url, const HttpPatience& patience = {}) {
-    return send({.method = "GET", .url = url, .patience = patience});
+    return send({.method = "GET", .url = url, .responseSize = 1000, .patience = patience});
   }
   std::future<HttpResponse> put(const std::string& url, const std::string& content,
                                 const HttpPatience& patience = {}) {

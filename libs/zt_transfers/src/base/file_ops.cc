@@ -7,6 +7,7 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 
@@ -144,6 +145,20 @@ bool CPosixFileOps::syncContent(int file) {
 
 bool CPosixFileOps::sync(int file) {
   return ::fsync(file) == 0;
+}
+
+bool CPosixFileOps::hasFileSystemSync(int file) {
+#if defined(__linux__)
+  constexpr long kZfs = 0x2FC12FC1;  // not in the kernel's headers
+  constexpr std::array kLocal = std::to_array<long>(
+      {EXT4_SUPER_MAGIC, XFS_SUPER_MAGIC, BTRFS_SUPER_MAGIC, F2FS_SUPER_MAGIC, kZfs, TMPFS_MAGIC});
+  struct statfs system {};
+  return ::fstatfs(file, &system) == 0 &&
+         std::find(kLocal.begin(), kLocal.end(), static_cast<long>(system.f_type)) != kLocal.end();
+#else
+  static_cast<void>(file);
+  return false;
+#endif
 }
 
 bool CPosixFileOps::syncFileSystem(int file) {

@@ -55,6 +55,9 @@ class IFileOps {
   virtual bool syncContent(int file) = 0;
   // Makes a file's content and attributes durable, or the names in a folder.
   virtual bool sync(int file) = 0;
+  // Whether syncFileSystem does what it says on this file's file system. Those of other machines
+  // and processes (NFS, SMB, FUSE) do not pass it on.
+  virtual bool hasFileSystemSync(int file) = 0;
   // Makes everything on the file's file system durable. ENOTSUP: the system has no such call.
   virtual bool syncFileSystem(int file) = 0;
   // After syncFileSystem: whether every byte of this file was written.
@@ -86,6 +89,7 @@ class CPosixFileOps : public IFileOps {
   bool unlink(int folder, const char* name) override;
   bool syncContent(int file) override;
   bool sync(int file) override;
+  bool hasFileSystemSync(int file) override;
   bool syncFileSystem(int file) override;
   bool contentWritten(int file) override;
   void startWriting(int file, std::uint64_t begin, std::uint64_t end) override;

@@ -112,9 +112,14 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   void end(CRangeFetch& fetch);
   void endAll();
   void startOver(std::string reason);
+  // Of a response that is not content.
+  AttemptOutcome outcomeOf(const HttpResponse& response) const;
   void judgeFailed(CRangeFetch& fetch, const AttemptOutcome& outcome);
   void judgeComplete(CRangeFetch& fetch);
   void judgeBody(CRangeFetch& fetch, const HttpResponse& response);
+  bool endIsCertain(const FetchPlan& plan) const;
+  void confirmEnd(CRangeFetch& fetch);
+  void judgeConfirmation(CRangeFetch& fetch, const HttpResponse& response);
   void continueAfter(CRangeFetch& fetch, bool mayBeMore);
   void arrive(std::uint64_t size);
   std::shared_ptr<CPartialFile> openFile();
@@ -139,6 +144,8 @@ class CDownloadAttempt final : public CPartialWriter::IListener, public CRangeFe
   Fetches fetches_;
   std::size_t maxFetches_ = kMaxFetches;  // less after some have failed
   bool startedOver_ = false;
+  // The request that asks whether the file has more bytes.
+  const CRangeFetch* confirming_ = nullptr;
 
   CRangePlanner planner_;
 

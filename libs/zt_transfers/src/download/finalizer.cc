@@ -96,9 +96,12 @@ void CFinalizer::syncAll(Batch& batch) {
     const bool synced = std::any_of(batch.begin(), finalization, [&](const Finalization& other) {
       return other.syncedAll && other.file->sameFileSystem(*finalization->file);
     });
-    tryStep(*finalization,
-            [&] { finalization->syncedAll = !synced && finalization->file->syncFileSystem(); });
-    tryStep(*finalization, [&] { finalization->file->checkWritten(); });
+    tryStep(*finalization, [&] {
+      finalization->syncedAll = !synced && finalization->file->syncFileSystem();
+      if (synced || finalization->syncedAll) {
+        finalization->file->checkWritten();
+      }
+    });
   }
 }
 

@@ -149,10 +149,10 @@ CUniqueFd CPartialEntry::takeExisting(const std::string& name) {
 }
 
 bool CPartialEntry::isFinalized(const DownloadResume& resume) const {
-  const auto isWhole = [&](std::uint64_t size) {
-    return resume.size == DownloadResume::kUnknown ? size >= lengthOf(resume.written)
-                                                   : size == resume.size;
-  };
+  // Before the rename all bytes were recorded as durable.
+  if (lengthOf(resume.durable) != resume.size) {
+    return false;
+  }
   for (unsigned count = 0; count <= kMaxCounted; ++count) {
     struct stat status {};
     const std::string name = countedName(target_.name, count);
@@ -160,7 +160,7 @@ bool CPartialEntry::isFinalized(const DownloadResume& resume) const {
       return false;
     }
     if (status.st_ino == resume.inode && S_ISREG(status.st_mode)) {
-      return isWhole(static_cast<std::uint64_t>(status.st_size));
+      return static_cast<std::uint64_t>(status.st_size) == resume.size;
     }
   }
   return false;

@@ -297,17 +297,20 @@ void CPartialFile::sync(bool alone) {
 }
 
 bool CPartialFile::syncFileSystem() {
+  if (!ops_.hasFileSystemSync(file_.get())) {
+    if (!ops_.sync(file_.get())) {
+      failToSync();
+    }
+    return false;
+  }
   CNewFolders& folders = CNewFolders::shared();
   const dev_t device = statusOf(ops_, file_.get()).st_dev;
   const std::uint64_t made = folders.latest(device);
-  if (ops_.syncFileSystem(file_.get())) {
-    folders.noteSynced(device, made);
-    return true;
-  }
-  if (errno != ENOTSUP || !ops_.sync(file_.get())) {
+  if (!ops_.syncFileSystem(file_.get())) {
     failToSync();
   }
-  return false;
+  folders.noteSynced(device, made);
+  return true;
 }
 
 void CPartialFile::checkWritten() {

@@ -84,7 +84,7 @@ class CPartialFile {
   // Records that another file's sync has made all written bytes durable.
   void noteSynced();
   // Makes everything written to the file system durable, including new folders. False where the
-  // system has no such call: then only this file is durable.
+  // file system has no such call: then only this file is durable.
   bool syncFileSystem();
   // After a sync of the file system: throws if any of this file's bytes could not be written since
   // it was last synced.

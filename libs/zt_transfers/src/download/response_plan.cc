@@ -19,20 +19,35 @@ FetchPlan startOver(std::string reason) {
   return plan;
 }
 
+// From HTTP/2 on every body has a marked end.
+bool endsUnmarked(const HttpResponse& head) {
+  return head.version <= CURL_HTTP_VERSION_1_1 && !parseLength(head.header("content-length")) &&
+         !equalsIgnoringCase(trimmed(head.header("transfer-encoding")), "chunked");
+}
+
 FetchPlan planWhole(const HttpResponse& head) {
   FetchPlan plan;
   plan.kind = FetchPlan::Kind::kBody;
   plan.size = parseLength(head.header("content-length"));
   plan.end = plan.size;
   plan.validator = validatorOf(head);
+  plan.endsUnmarked = endsUnmarked(head);
   plan.offersRanges = plan.size && isExact(plan.validator) &&
                       equalsIgnoringCase(trimmed(head.header("accept-ranges")), "bytes");
   return plan;
 }
 
-bool sameVersion(const RangeRequest& rangeRequest, const FetchPlan& plan) {
-  return (rangeRequest.validator.empty() || rangeRequest.validator == plan.validator) &&
-         (!rangeRequest.size || !plan.size || *rangeRequest.size == *plan.size);
+// Whether the response is of the version that was asked for in If-Range. A response to a date need
+// not repeat the date, and a proxy may have weakened the tag.
+bool sameValidator(const std::string& asked, const HttpResponse& head) {
+  const std::string_view etag = head.header("etag");
+  const std::string_view date = head.header("last-modified");
+  return asked.empty() ||
+         (isExact(asked) ? etag == asked || etag == "W/" + asked : date.empty() || date == asked);
+}
+
+bool sameSize(const RangeRequest& rangeRequest, const FetchPlan& plan) {
+  return !rangeRequest.size || !plan.size || *rangeRequest.size == *plan.size;
 }
 
 FetchPlan planPartial(const HttpResponse& head, const RangeRequest& rangeRequest) {
@@ -48,10 +63,12 @@ FetchPlan planPartial(const HttpResponse& head, const RangeRequest& rangeRequest
   plan.begin = rangeRequest.begin;
   plan.end = range->end;
   plan.size = range->total;
-  plan.validator = validatorOf(head);
+  plan.validator = rangeRequest.validator.empty() ? validatorOf(head) : rangeRequest.validator;
   plan.partial = true;
   plan.offersRanges = isExact(plan.validator);
-  return sameVersion(rangeRequest, plan) ? plan : startOver("the file has changed on the server");
+  return sameValidator(rangeRequest.validator, head) && sameSize(rangeRequest, plan)
+             ? plan
+             : startOver("the file has changed on the server");
 }
 
 FetchPlan planNothingLeft(const HttpResponse& head, const RangeRequest& rangeRequest) {
@@ -65,7 +82,8 @@ FetchPlan planNothingLeft(const HttpResponse& head, const RangeRequest& rangeReq
   plan.size = range->total;
   plan.validator = validatorOf(head);
   // Servers need not name the version in this response.
-  const bool changed = !plan.validator.empty() && !sameVersion(rangeRequest, plan);
+  const bool changed = (!plan.validator.empty() && !sameValidator(rangeRequest.validator, head)) ||
+                       !sameSize(rangeRequest, plan);
   return changed ? startOver("the file has changed on the server") : plan;
 }
 

@@ -47,6 +47,7 @@ struct FetchPlan {
   std::string validator{};              // strong ones only
   bool partial = false;                 // the body is the requested range
   bool offersRanges = false;            // the server supports ranges of exactly this version
+  bool endsUnmarked = false;            // the body ends where the connection ends
   std::string reason{};                 // of kStartOver, for the log
 };
 

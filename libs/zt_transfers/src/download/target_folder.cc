@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <system_error>
 
 #include "base/system_failure.h"
@@ -18,12 +19,23 @@ using Links = IFileOps::Links;
                     "the group's folder is not there; its disk may not be mounted");
 }
 
-// The new folder is on the same file system as this one, or is this one.
-void noteMade(IFileOps& ops, int folder) {
+// Of a folder in which another one was made. Where no sync of the whole file system will make the
+// new one durable, this one is synced at once.
+void noteMade(IFileOps& ops, int parent) {
   struct stat status {};
-  if (ops.status(folder, status)) {
+  if (!ops.hasFileSystemSync(parent)) {
+    if (!ops.sync(parent) && errno != EINVAL && errno != EROFS) {
+      failWithErrno("cannot write the folder to disk");
+    }
+  } else if (ops.status(parent, status)) {
     CNewFolders::shared().noteMade(status.st_dev);
   }
+}
+
+CUniqueFd openParent(IFileOps& ops, const std::string& path) {
+  const std::string parent =
+      std::filesystem::path(path + "/.").parent_path().parent_path().string();
+  return ops.openFolder(AT_FDCWD, parent.empty() ? "." : parent.c_str(), Links::kFollow);
 }
 
 CUniqueFd openGroupFolder(IFileOps& ops, const std::string& path, bool mayMake) {
@@ -33,10 +45,10 @@ CUniqueFd openGroupFolder(IFileOps& ops, const std::string& path, bool mayMake) 
     if (!made && errno != EEXIST && errno != ENOENT) {
       failWithErrno("cannot make the group's folder");
     }
-    folder = ops.openFolder(AT_FDCWD, path.c_str(), Links::kFollow);
-    if (made && folder.valid()) {
-      noteMade(ops, folder.get());
+    if (const CUniqueFd parent = openParent(ops, path); made && parent.valid()) {
+      noteMade(ops, parent.get());
     }
+    folder = ops.openFolder(AT_FDCWD, path.c_str(), Links::kFollow);
   }
   if (!folder.valid() && errno == ENOENT) {
     failGone();

@@ -205,6 +205,7 @@ void CHttpExchange::finish(CURLcode code) {
   response_.error = withoutSecrets(errorText_[0] != '\0' ? errorText_ : curl_easy_strerror(code));
   curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &response_.status);
   curl_easy_getinfo(easy_.get(), CURLINFO_HTTP_CONNECTCODE, &response_.proxyStatus);
+  curl_easy_getinfo(easy_.get(), CURLINFO_HTTP_VERSION, &response_.version);
   curl_off_t sent = 0;
   curl_easy_getinfo(easy_.get(), CURLINFO_SIZE_UPLOAD_T, &sent);
   response_.bytesSent = static_cast<std::uint64_t>(sent);
@@ -287,6 +288,7 @@ std::size_t CHttpExchange::takeBody(char* data, std::size_t size, std::size_t co
 std::size_t CHttpExchange::takeContent(const char* data, std::size_t size) {
   if (response_.status == 0) {
     curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &response_.status);
+    curl_easy_getinfo(easy_.get(), CURLINFO_HTTP_VERSION, &response_.version);
   }
   switch (sink_->write(response_, data, size)) {
     case IHttpSink::Write::kTaken:

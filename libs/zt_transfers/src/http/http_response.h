@@ -19,6 +19,7 @@ struct HttpResponse {
   bool stalled = false;      // ended for lack of traffic
   long status = 0;
   long proxyStatus = 0;  // of a proxy's answer to the request for a tunnel; 0: there was none
+  long version = 0;      // of HTTP, in libcurl's numbers
   std::map<std::string, std::string, std::less<>> headers;  // names in lower case
   std::string body;                                         // its beginning
   std::uint64_t bytesSent = 0;                              // of the request's body

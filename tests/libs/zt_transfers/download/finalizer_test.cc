@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <future>
 #include <memory>
+#include <set>
 #include <thread>
 #include <vector>
 
@@ -28,7 +29,9 @@ using ::testing::ElementsAre;
 // A disk that fails at the right moment.
 class CFailingFileOps final : public CPosixFileOps {
  public:
+  bool hasFileSystemSync(int /*file*/) override { return isLocal; }
   bool sync(int file) override {
+    synced.insert(statusOf(file).st_ino);
     const bool isFolder = S_ISDIR(statusOf(file).st_mode);
     const bool fails = isFolder ? failingFolderSyncs > 0 : isLost(file);
     failingFolderSyncs -= fails && isFolder ? 1 : 0;
@@ -45,6 +48,8 @@ class CFailingFileOps final : public CPosixFileOps {
   int failingFolderSyncs = 0;
   ino_t lostFile = 0;  // its bytes cannot be written
   int fileSystemSyncs = 0;
+  bool isLocal = true;
+  std::set<ino_t> synced;
 
  private:
   bool isLost(int file) const { return statusOf(file).st_ino == lostFile; }
@@ -183,6 +188,22 @@ TEST_F(Finalization, KeepsNewFoldersOnceWhoeverMadeThem) {
   EXPECT_EQ(ops.fileSystemSyncs, before + 2);
 }
 
+TEST_F(Finalization, SyncsEachFileAndFolderOfAFileSystemThatIsNotLocal) {
+  ops.isLocal = false;
+  CFinalizer finalizer({.synced = [](const auto&) {}, .finalized = keepEnds()});
+  std::vector<CFinalizer::Arrival> arrivals;
+  for (const char* name : {"new/deep/a", "new/b", "c", "d", "e"}) {
+    arrivals.push_back({arrivals.size(), arrived(name), std::make_shared<AttemptProgress>()});
+  }
+  finalizer.finalize(std::move(arrivals));
+  EXPECT_EQ(ops.fileSystemSyncs, 0);
+  for (const char* name : {"new/deep/a", "new/b", "c", "d", "e", ".", "new", "new/deep"}) {
+    struct stat status {};
+    ASSERT_EQ(::stat((sandbox.folder() / name).c_str(), &status), 0);
+    EXPECT_TRUE(ops.synced.contains(status.st_ino)) << name;
+  }
+}
+
 TEST_F(Finalization, MakesNoSmallFileThatWasDiscardedMeanwhile) {
   CFinalizer finalizer({.synced = [](const auto&) {}, .finalized = keepEnds()});
   CWorkerPool pool("zt-disk-test");
@@ -205,15 +226,14 @@ TEST_F(Finalization, MakesNoSmallFileThatWasDiscardedMeanwhile) {
   EXPECT_EQ(ends[0].attemptId, 2U);
 }
 
-TEST_F(Finalization, FindsAFileOfUnknownSizeUnderItsNameAfterACrash) {
+TEST_F(Finalization, FindsAFileUnderItsNameAfterACrashOnlyIfAllOfItWasThere) {
   auto file = arrived("file");
-  DownloadResume noted = file->resume();  // as it was when the first bytes had come
-  noted.size = DownloadResume::kUnknown;
-  noted.written = {{0, 2}};
+  DownloadResume noted = file->resume();
   file->publish();
-  EXPECT_EQ(newFile("file")->reopen(noted), CPartialFile::Found::kFinalized);
-  noted.written = {{0, 5}};  // more than is there: it is not the same file
+  noted.durable = {{0, 2}};  // somebody else gave the file its name
   EXPECT_EQ(newFile("file")->reopen(noted), CPartialFile::Found::kNothing);
+  noted.durable = noted.written;
+  EXPECT_EQ(newFile("file")->reopen(noted), CPartialFile::Found::kFinalized);
 }
 
 TEST_F(Finalization, GoesOnWithNoFileThatTheAttemptBeforeIsJustRemoving) {

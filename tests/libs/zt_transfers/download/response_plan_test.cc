@@ -64,6 +64,23 @@ TEST(PlanResponse, TakesARangeOnlyOfTheSameVersionAndWhereItWasAsked) {
             Kind::kStartOver);
 }
 
+TEST(PlanResponse, TakesARangeWhoseHeadDoesNotRepeatTheCondition) {
+  const auto planned = [](const char* condition,
+                          std::map<std::string, std::string, std::less<>> headers) {
+    RangeRequest rest = restOf(5, 10);
+    rest.validator = condition;
+    headers["content-range"] = "bytes 5-9/10";
+    return planResponse(response(206, std::move(headers)), rest).kind;
+  };
+  EXPECT_EQ(planned("a date", {}), Kind::kBody);
+  EXPECT_EQ(planned("a date", {{"etag", "W/\"v1\""}}), Kind::kBody);
+  EXPECT_EQ(planned("a date", {{"last-modified", "a date"}, {"etag", "\"v1\""}}), Kind::kBody);
+  EXPECT_EQ(planned("a date", {{"last-modified", "another"}}), Kind::kStartOver);
+  EXPECT_EQ(planned("\"v1\"", {{"etag", "W/\"v1\""}}), Kind::kBody);
+  EXPECT_EQ(planned("\"v1\"", {{"etag", "W/\"v2\""}}), Kind::kStartOver);
+  EXPECT_EQ(planned("\"v1\"", {}), Kind::kStartOver);
+}
+
 TEST(PlanResponse, TakesNothingLeftForAllThereOnlyWhenTheSizeIsRight) {
   const auto planned = [](const char* range) {
     return planResponse(response(416, {{"content-range", range}}), restOf(10, 10)).kind;

@@ -142,6 +142,17 @@ TEST_F(DownloadResumption, AsksOnWhenARangeDoesNotSayHowMuchThereIs) {
   EXPECT_EQ(contentOf(target / "file"), content);
 }
 
+TEST_F(DownloadResumption, TakesAnEmptyRangeForNoEnd) {
+  Fault broken = fault::of(Fault::Kind::kNoLastChunk);
+  broken.bytes = kSize / 4;
+  File file = offer("file", content);
+  file.size = 0;
+  server.plan("/file", {broken, fault::of(Fault::Kind::kEmptyRange)});
+  const auto group = downloadAll({file});
+  EXPECT_EQ(recorder.group(group).state, kGroupCompleted);
+  EXPECT_EQ(contentOf(target / "file"), content);
+}
+
 TEST_F(DownloadResumption, LeavesNothingOfManyFilesThatAreCancelledAsTheyArrive) {
   std::vector<File> files;
   for (int number = 0; number < 600; ++number) {

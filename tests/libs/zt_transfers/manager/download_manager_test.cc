@@ -103,6 +103,20 @@ TEST_F(DownloadManager, TakesAnySizeWhenItIsNotTold) {
   EXPECT_EQ(contentOf(target / "unannounced"), patternOf(700'000, 2));
 }
 
+TEST_F(DownloadManager, TakesNoBodyWithoutALengthForCompleteThatWasCut) {
+  retryAtMost(0);
+  const std::string content = patternOf(700'000);
+  auto cut = offer("cut", content);
+  auto unclear = offer("unclear", content);
+  cut.size = unclear.size = 0;
+  server.plan("/cut", {fault::of(Fault::Kind::kNoLength, 10)});
+  server.plan("/unclear",
+              {fault::of(Fault::Kind::kNoLength, 10), fault::of(Fault::Kind::kNoRanges)});
+  downloadAll({cut, unclear});
+  EXPECT_EQ(contentOf(target / "cut"), content);
+  EXPECT_EQ(recorder.file("unclear").state, kFileErrored);
+}
+
 TEST_F(DownloadManager, DownloadsManySmallFilesOverFewConnectionsAndChecksEach) {
   const auto contentOfNumber = [](int number) {
     return patternOf(static_cast<std::size_t>(number) * 20, unsigned(number));

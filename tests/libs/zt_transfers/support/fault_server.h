@@ -40,6 +40,7 @@ struct Fault {
     kShiftedRange,    // gives a range that begins `bytes` later than asked for
     kShortRange,      // gives `bytes` of a range at most
     kNoTotal,         // the same, and does not say how much there is in all
+    kEmptyRange,      // announces a range of a file of unknown length, and gives nothing of it
     kLongerLength,    // announces `bytes` more than it gives, then closes
     kNoLength,        // announces no length and closes after all but `bytes`
     kNoLastChunk,     // gives all of it in chunks, and closes before the one that ends them

@@ -70,8 +70,9 @@ ObjectReply replyTo(const CFaultServer::Request& request, const std::string& con
   if (range && fault.kind == Fault::Kind::kShiftedRange) {
     range->begin += fault.bytes;
   }
-  const bool noTotal = fault.kind == Fault::Kind::kNoTotal;
-  if (range && (noTotal || fault.kind == Fault::Kind::kShortRange)) {
+  const bool emptyRange = fault.kind == Fault::Kind::kEmptyRange;
+  const bool noTotal = fault.kind == Fault::Kind::kNoTotal || emptyRange;
+  if (range && (fault.kind == Fault::Kind::kNoTotal || fault.kind == Fault::Kind::kShortRange)) {
     range->end = std::min<std::size_t>(range->end, range->begin + fault.bytes);
   }
   const Range given = range.value_or(Range{0, content.size()});
@@ -87,6 +88,10 @@ ObjectReply replyTo(const CFaultServer::Request& request, const std::string& con
     case Fault::Kind::kCloseAfter:
       reply.body.resize(std::min<std::size_t>(reply.body.size(), fault.bytes));
       reply.keep = false;
+      break;
+    case Fault::Kind::kEmptyRange:
+      reply.body.clear();
+      announced = 0;
       break;
     case Fault::Kind::kLongerLength:
       announced += fault.bytes;

@@ -58,6 +58,7 @@ class CRecordingFileOps final : public CPosixFileOps {
   bool unlink(int folder, const char* name) override;
   bool syncContent(int file) override { return sync(file); }
   bool sync(int file) override;
+  bool hasFileSystemSync(int /*file*/) override { return true; }
   bool syncFileSystem(int file) override;
   bool contentWritten(int /*file*/) override { return true; }
 

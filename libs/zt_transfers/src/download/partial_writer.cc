@@ -33,7 +33,8 @@ CPartialWriter::CPartialWriter(const Dependencies& dependencies, AttemptId attem
       attemptId_(attemptId),
       file_(std::move(file)),
       progress_(std::move(progress)),
-      listener_(listener) {}
+      listener_(listener),
+      syncedAt_(loop_.clock().now()) {}
 
 void CPartialWriter::whenSettled(Settled settled) {
   settled_ = std::move(settled);
@@ -293,7 +294,7 @@ void CPartialWriter::takeHashed(CHashQueue::Entries& entries,
 
 void CPartialWriter::takeSynced(const std::optional<AttemptOutcome>& failure) {
   syncing_ = false;
-  syncedAt_ = std::chrono::steady_clock::now();
+  syncedAt_ = loop_.clock().now();
   if (failure) {
     fail(*failure);
     return;
@@ -320,8 +321,7 @@ void CPartialWriter::fail(const AttemptOutcome& failure) {
 bool CPartialWriter::checkpointDue() const {
   const std::uint64_t since = written_ - std::min(written_, durable_);
   return since >= kCheckpointBytes ||
-         (since >= kMinCheckpoint &&
-          std::chrono::steady_clock::now() - syncedAt_ >= kCheckpointInterval);
+         (since >= kMinCheckpoint && loop_.clock().now() - syncedAt_ >= kCheckpointInterval);
 }
 
 void CPartialWriter::recycle(Chunk chunk) {

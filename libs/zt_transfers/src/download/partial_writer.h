@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -8,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "base/clock.h"
 #include "base/executor.h"
 #include "download/chunk_pool.h"
 #include "download/content_hash.h"
@@ -190,7 +190,7 @@ class CPartialWriter : public std::enable_shared_from_this<CPartialWriter> {
   bool syncing_ = false;       // a job syncs
   std::uint64_t written_ = 0;  // bytes of this version in the file
   std::uint64_t durable_ = 0;  // those of them that were synced
-  std::chrono::steady_clock::time_point syncedAt_ = std::chrono::steady_clock::now();
+  TimePoint syncedAt_;
 };
 
 }  // namespace zt_transfers

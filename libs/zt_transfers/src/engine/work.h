@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/clock.h"
@@ -27,5 +28,20 @@ struct TransferWork {
   std::vector<std::string> failures;  // lines that the engine has logged
   std::optional<TimePoint> nextDue;   // when to ask again at the latest
 };
+
+// Passes the orders on. False when an attempt has ended at once and made room for another.
+inline bool carryOut(TransferWork& work, IAttemptRunner& runner) {
+  for (const AttemptStop& stop : work.stops) {
+    runner.stop(stop);
+  }
+  for (const CleanupTask& order : work.cleanups) {
+    runner.discard(order);
+  }
+  bool allBegun = true;
+  for (StartOrder& order : work.starts) {
+    allBegun = runner.start(std::move(order)) && allBegun;
+  }
+  return allBegun;
+}
 
 }  // namespace zt_transfers

@@ -213,16 +213,7 @@ void CManagerCore::prepareDelivery(const std::vector<TransferEvent>& events) {
 std::optional<TimePoint> CManagerCore::tick() {
   statSources();
   CTransferEngine::Work work = engine_.takeWork();
-  for (const AttemptStop& stop : work.stops) {
-    runner_->stop(stop);
-  }
-  for (const CleanupTask& order : work.cleanups) {
-    runner_->discard(order);
-  }
-  bool allBegun = true;
-  for (StartOrder& order : work.starts) {
-    allBegun = runner_->start(std::move(order)) && allBegun;
-  }
+  const bool allBegun = carryOut(work, *runner_);
   sleepGuard_.setTransferring(engine_.isTransferring());
   const auto attempts = runner_->tick();
   const auto report = progress_.tick();

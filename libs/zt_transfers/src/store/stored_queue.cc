@@ -18,6 +18,40 @@ std::int32_t idFarAbove() {
 
 }  // namespace
 
+void readQueue(CQueueDatabase& database, CQueueCache& store, RestoredQueue& found) {
+  found = {.lastGroupId = database.lastGroupId()};
+  database.read({.group =
+                     [&](const StoredGroup& group) {
+                       found.groups.push_back({group, {}, {}, {}});
+                       store.restoreGroup(group.identity.id);
+                     },
+                 .file =
+                     [&](FileRef file, const StoredState& state, std::string_view fileId) {
+                       auto& files = found.groups.back().files;
+                       if (file.index - files.size() > kMaxGap) {
+                         throw CQueueDatabase::CUnusable("a file's index is out of range");
+                       }
+                       files.resize(file.index, {.phase = FilePhase::kRemoved});
+                       files.push_back(state);
+                       store.restoreFile(file, fileId);
+                     },
+                 .resume =
+                     [&](FileRef file, const TransferResume& resume) {
+                       if (file.index < found.groups.back().files.size()) {
+                         found.groups.back().resumes.emplace_back(file.index, resume);
+                         store.restoreResume(file);
+                       }
+                     },
+                 .failure =
+                     [&](FileRef file, const Failure& failure) {
+                       if (file.index < found.groups.back().files.size()) {
+                         found.groups.back().failures.emplace_back(file.index, failure);
+                       }
+                     },
+                 .orphan = [&](OrphanId id,
+                               const Orphan& orphan) { found.orphans.emplace_back(id, orphan); }});
+}
+
 CStoredQueue::CStoredQueue(std::string threadName, ILog& log, Listener listener,
                            const CQueueWriter::Timing& timing)
     : threadName_(std::move(threadName)),
@@ -60,38 +94,7 @@ void CStoredQueue::load(CQueueDatabase& database) {
   for (const RestoredGroup& before : found_.groups) {
     store_.dropGroup(before.group.identity.id);
   }
-  RestoredQueue& found = found_;
-  found = {.lastGroupId = database.lastGroupId()};
-  database.read({.group =
-                     [&](const StoredGroup& group) {
-                       found.groups.push_back({group, {}, {}, {}});
-                       store_.restoreGroup(group.identity.id);
-                     },
-                 .file =
-                     [&](FileRef file, const StoredState& state, std::string_view fileId) {
-                       auto& files = found.groups.back().files;
-                       if (file.index - files.size() > kMaxGap) {
-                         throw CQueueDatabase::CUnusable("a file's index is out of range");
-                       }
-                       files.resize(file.index, {.phase = FilePhase::kRemoved});
-                       files.push_back(state);
-                       store_.restoreFile(file, fileId);
-                     },
-                 .resume =
-                     [&](FileRef file, const TransferResume& resume) {
-                       if (file.index < found.groups.back().files.size()) {
-                         found.groups.back().resumes.emplace_back(file.index, resume);
-                         store_.restoreResume(file);
-                       }
-                     },
-                 .failure =
-                     [&](FileRef file, const Failure& failure) {
-                       if (file.index < found.groups.back().files.size()) {
-                         found.groups.back().failures.emplace_back(file.index, failure);
-                       }
-                     },
-                 .orphan = [&](OrphanId id,
-                               const Orphan& orphan) { found.orphans.emplace_back(id, orphan); }});
+  readQueue(database, store_, found_);
 }
 
 void CStoredQueue::flush(std::chrono::milliseconds limit) {

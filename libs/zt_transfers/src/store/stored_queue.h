@@ -14,6 +14,10 @@
 
 namespace zt_transfers {
 
+// Replaces `found` by the stored queue, and adds to `store` what it needs of it. After an exception
+// `found` has what was added.
+void readQueue(CQueueDatabase& database, CQueueCache& store, RestoredQueue& found);
+
 // A manager's queue: always in memory, and also on disk between `open` and `close`. While its
 // database cannot be used, it goes on in memory and tries again.
 //

@@ -75,7 +75,7 @@ TEST_F(MultipartUpload, SendsOnlyThePartAgainThatFailed) {
 
 TEST_F(MultipartUpload, GivesUpWhenOnePartNeverArrivesAndGoesOnWithTheRestWhenResumed) {
   configure([](auto& configuration) { configuration.maxTransferRetries = 0; });
-  fault("PUT", "*partNumber=3&*", R"("type":"status","status":500,"count":1)");
+  fault("PUT", "*partNumber=3&*", R"("type":"status","status":500,"count":2)");
   const int good = count("PUT", kAnyPart);
   const auto group = upload({describe("file", patternOf(6 * kPart))});
   ASSERT_TRUE(recorder.waitForGroupState(group, kGroupErrored));

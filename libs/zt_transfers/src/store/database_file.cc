@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <ctime>
 #include <filesystem>
 #include <system_error>
@@ -29,7 +30,8 @@ std::string nameAside(const std::string& path) {
 
 bool CDatabaseFile::isNew() const {
   struct stat status {};
-  return lock_ && (::stat(path_.c_str(), &status) != 0 || status.st_size == 0);
+  const bool there = ::stat(path_.c_str(), &status) == 0;
+  return lock_ && (there ? status.st_size == 0 : errno == ENOENT);
 }
 
 bool CDatabaseFile::takeLock() {

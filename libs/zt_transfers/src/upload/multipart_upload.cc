@@ -98,6 +98,7 @@ void CMultipartUpload::recover() {
   const bool trusted = session_.source == version_;
   session_.url = order_.spec.url;
   session_.headers = order_.spec.headers;
+  sameFile_ = session_.source.sameContent(version_);
   session_.source = version_;
   recovery_ = std::make_unique<CMultipartRecovery>(
       dependencies_,
@@ -137,7 +138,8 @@ void CMultipartUpload::onRecovered(const CMultipartRecovery::Found& found) {
 }
 
 void CMultipartUpload::onUploadGone() {
-  if (session_.completing) {
+  // The parts of another file do not say whether this one was completed.
+  if (session_.completing && (sameFile_ || askedToComplete_)) {
     enter(State::kLookingUp);
     return;
   }

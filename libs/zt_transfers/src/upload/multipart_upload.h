@@ -137,6 +137,7 @@ class CMultipartUpload final : public CPartSender::IListener {
   std::uint64_t bytesSent_ = 0;   // of the session's parts
   bool partSent_ = false;         // in this attempt
   bool askedToComplete_ = false;  // in this attempt
+  bool sameFile_ = true;          // as the one whose parts an earlier attempt has sent
   TimePoint savedAt_{};           // when the session was last persisted
 
   std::unique_ptr<CTextRequest> request_;

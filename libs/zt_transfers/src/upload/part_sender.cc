@@ -140,6 +140,7 @@ void CPartSender::noteFailure(const AttemptOutcome& outcome) {
   if (failure_->scope == AttemptOutcome::Scope::kFile) {
     failure_->scope = outcome.scope;
   }
+  failure_->suspectsOrigin = failure_->suspectsOrigin || outcome.suspectsOrigin;
   failure_->retryAfter = std::max(failure_->retryAfter, outcome.retryAfter);
 }
 

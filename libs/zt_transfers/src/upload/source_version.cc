@@ -37,7 +37,9 @@ SourceVersion versionOf(const struct stat& status) {
 AttemptOutcome outcomeOfSource(int error, const std::string& path, const std::string& doing) {
   const std::string reason = doing + ": " + std::generic_category().message(error);
   if ((error == ENOENT || error == ENOTDIR) && !hasFolder(path)) {
-    return outcomeOfMissingFolder(FileRole::kSource, reason);
+    AttemptOutcome outcome = outcomeOfMissingFolder(FileRole::kSource, reason);
+    outcome.scope = AttemptOutcome::Scope::kFile;  // the group's other files may lie elsewhere
+    return outcome;
   }
   return outcomeOfErrno(error, FileRole::kSource, reason);
 }

@@ -112,9 +112,10 @@ TEST_F(SourceReader, FailsForAMissingFileButRestsForAMissingFolderOrALackOfDescr
   for (const auto& outcome : {folderGone, noDescriptor}) {
     ASSERT_TRUE(outcome.has_value());
     EXPECT_EQ(outcome->kind, AttemptOutcome::Kind::kRetry);
-    EXPECT_EQ(outcome->scope, AttemptOutcome::Scope::kFolder);
     EXPECT_EQ(outcome->retryBudget, AttemptOutcome::RetryBudget::kFree);
   }
+  EXPECT_EQ(folderGone->scope, AttemptOutcome::Scope::kFile);  // others may lie elsewhere
+  EXPECT_EQ(noDescriptor->scope, AttemptOutcome::Scope::kFolder);
   CSourceReader folder({.path = sandbox.folder()});
   EXPECT_THAT(folder.open(),
               Optional(Field(&AttemptOutcome::reason, HasSubstr("not a regular file"))));

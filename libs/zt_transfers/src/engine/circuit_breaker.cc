@@ -10,11 +10,17 @@ constexpr std::size_t kRecovered = 32;
 
 constexpr std::size_t kMaxFailedKept = 1024;
 
-// A file that has failed so often while others succeeded fails by itself; once is enough if many
-// did. Failures that are further apart can be those of two outages.
-constexpr std::uint32_t kTimesAlone = 2;
-constexpr std::uint64_t kMany = 16;
+// A file fails by itself when its failures, with successes of others between them, add up to this.
+// Two failures with a rest between them say less: each can belong to an outage of its own.
+constexpr std::uint32_t kEnough = 4;
+constexpr std::uint32_t kWithoutRest = 2;
+constexpr std::uint32_t kAcrossRest = 1;
+
+// Failures that are further apart can be those of two outages.
 constexpr std::chrono::minutes kMemory{10};
+
+// After this time another probe may be begun beside one that has neither ended nor moved bytes.
+constexpr std::chrono::minutes kProbeLimit{1};
 
 }  // namespace
 
@@ -23,16 +29,16 @@ bool CCircuitBreaker::admits(std::size_t running, TimePoint now) const {
     case State::kClosed:
       return limit_ == 0 || running < limit_;
     case State::kResting:
-      return until_ <= now;
     case State::kProbing:
-      return false;
+      return until_ <= now;
   }
   return false;
 }
 
-CCircuitBreaker::Ticket CCircuitBreaker::begin() {
-  if (state_ == State::kResting) {
+CCircuitBreaker::Ticket CCircuitBreaker::begin(TimePoint now) {
+  if (state_ != State::kClosed) {
     state_ = State::kProbing;
+    until_ = now + kProbeLimit;
   }
   return {epoch_, successes_};
 }
@@ -40,6 +46,7 @@ CCircuitBreaker::Ticket CCircuitBreaker::begin() {
 void CCircuitBreaker::end(Ticket ticket) {
   if (state_ == State::kProbing && current(ticket)) {
     state_ = State::kResting;
+    until_ = TimePoint{};
   }
 }
 
@@ -76,25 +83,30 @@ void CCircuitBreaker::open(Failure trouble, TimePoint until) {
 }
 
 void CCircuitBreaker::endRest() {
-  if (state_ == State::kResting) {
-    until_ = TimePoint{};
-  }
+  until_ = TimePoint{};
 }
 
-bool CCircuitBreaker::noteFailure(FileRef file, TimePoint now) {
+void CCircuitBreaker::noteFailure(FileRef file, TimePoint now) {
   const Key key{file.groupId, file.index};
   if (failed_.size() >= kMaxFailedKept && failed_.count(key) == 0) {
     failed_.clear();
   }
-  Failed& failed = failed_[key];
-  if (now - failed.last > kMemory) {
+  const auto [entry, isNew] = failed_.try_emplace(key);
+  Failed& failed = entry->second;
+  if (isNew || now - failed.last > kMemory) {
     failed.alone = 0;
-  } else if (failed.successes != successes_) {
-    failed.alone += successes_ - failed.successes < kMany ? 1 : kTimesAlone;
+  } else if (failed.successes < successes_) {
+    failed.alone += failed.epoch == epoch_ ? kWithoutRest : kAcrossRest;
   }
   failed.last = now;
+  failed.epoch = epoch_;
   failed.successes = successes_;
-  return failed.alone >= kTimesAlone;
+}
+
+bool CCircuitBreaker::failsAlone(FileRef file, TimePoint now) const {
+  const auto failed = failed_.find({file.groupId, file.index});
+  return failed != failed_.end() && now - failed->second.last <= kMemory &&
+         failed->second.alone >= kEnough;
 }
 
 bool CCircuitBreaker::suspect(FileRef file, bool counts) {

@@ -44,7 +44,8 @@ class CCircuitBreaker {
   };
 
   State state() const { return state_; }
-  TimePoint restsUntil() const { return until_; }
+  // While it is not kClosed: the next probe may begin then.
+  TimePoint nextProbeAt() const { return until_; }
   // The trouble of a server that is not kClosed.
   const Failure& trouble() const { return trouble_; }
   // Rests in a row, without a success in between.
@@ -52,7 +53,7 @@ class CCircuitBreaker {
 
   // `running`: the attempts at this server that are under way.
   bool admits(std::size_t running, TimePoint now) const;
-  Ticket begin();
+  Ticket begin(TimePoint now);
   // An attempt has ended. A probe that ended without a success makes room for the next one.
   void end(Ticket ticket);
   // The server has served an attempt.
@@ -69,9 +70,10 @@ class CCircuitBreaker {
   // The next probe may begin at once.
   void endRest();
 
-  // Notes a failure that can be the file's own or the server's. True when it is the file's own:
-  // others have succeeded between its failures, again and again.
-  bool noteFailure(FileRef file, TimePoint now);
+  // Notes a failure that can be the file's own or the server's.
+  void noteFailure(FileRef file, TimePoint now);
+  // Others have succeeded between the file's failures, again and again: they are its own.
+  bool failsAlone(FileRef file, TimePoint now) const;
   // Such a failure, which is not known to be the file's own, at a server that is kClosed. True when
   // it is the server's. Otherwise `counts` states whether it uses up a retry.
   bool suspect(FileRef file, bool counts);
@@ -81,8 +83,9 @@ class CCircuitBreaker {
   using Key = std::pair<std::int32_t, std::uint32_t>;  // of a file
   struct Failed {
     TimePoint last{};
+    std::uint32_t epoch = 0;
     std::uint64_t successes = 0;  // successes_ at that time
-    std::uint32_t alone = 0;      // failures since which others had succeeded
+    std::uint32_t alone = 0;      // how much speaks for its own fault
   };
 
   void close(std::size_t running);

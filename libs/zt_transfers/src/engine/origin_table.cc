@@ -31,7 +31,7 @@ std::size_t COriginTable::running(OriginId origin) const {
 
 bool COriginTable::mayProbe(OriginId origin, TimePoint now) const {
   const CCircuitBreaker& one = breaker(origin);
-  return one.state() == CCircuitBreaker::State::kResting && one.restsUntil() <= now;
+  return one.state() == CCircuitBreaker::State::kResting && one.nextProbeAt() <= now;
 }
 
 void COriginTable::endRest(OriginId origin) {
@@ -90,19 +90,19 @@ std::optional<TimePoint> COriginTable::nextDue(TimePoint now) const {
   std::optional<TimePoint> first;
   for (const OriginId id : awaited_) {
     const CCircuitBreaker& breaker = origins_.at(id).breaker;
-    const TimePoint until = breaker.restsUntil();
-    if (breaker.state() == CCircuitBreaker::State::kResting && until > now &&
-        (!first || until < *first)) {
-      first = until;
+    const TimePoint probeAt = breaker.nextProbeAt();
+    if (breaker.state() != CCircuitBreaker::State::kClosed && probeAt > now &&
+        (!first || probeAt < *first)) {
+      first = probeAt;
     }
   }
   return first;
 }
 
-COriginTable::Ticket COriginTable::begin(OriginId origin) {
+COriginTable::Ticket COriginTable::begin(OriginId origin, TimePoint now) {
   Origin& entry = origins_.at(origin);
   ++entry.running;
-  return {origin, entry.breaker.begin()};
+  return {origin, entry.breaker.begin(now)};
 }
 
 COriginTable::Origin* COriginTable::find(const Ticket& ticket) {
@@ -138,36 +138,50 @@ COriginTable::Judgement COriginTable::judge(const Ticket& ticket, FileRef file,
     return judgement;
   }
   CCircuitBreaker& breaker = origin->breaker;
+  const bool othersSucceed = breaker.othersSucceed(ticket.breaker);
   if (outcome.progressed || isAnswer(outcome)) {
     breaker.succeed(ticket.breaker, origin->running);
   }
-  const bool certain =
-      outcome.scope == AttemptOutcome::Scope::kOrigin &&
-      (outcome.retryBudget == RetryBudget::kFree || !breaker.othersSucceed(ticket.breaker));
-  if (outcome.kind != AttemptOutcome::Kind::kRetry || (!certain && !outcome.suspectsOrigin) ||
-      (!certain && breaker.noteFailure(file, now))) {
+  if (outcome.kind != AttemptOutcome::Kind::kRetry) {
     return judgement;
   }
+  const bool certain = outcome.scope == AttemptOutcome::Scope::kOrigin &&
+                       (outcome.retryBudget == RetryBudget::kFree || !othersSucceed);
+  if (!certain && !outcome.suspectsOrigin) {
+    return judgement;
+  }
+  const bool current = breaker.current(ticket.breaker);
   const bool wasClosed = breaker.state() == CCircuitBreaker::State::kClosed;
-  judgement.toBlame = true;
-  if (!breaker.current(ticket.breaker)) {
+  if (!certain && current && !outcome.progressed) {
+    breaker.noteFailure(file, now);
+  }
+  if (!certain && breaker.failsAlone(file, now)) {
     return judgement;
   }
-  const std::uint32_t again = breaker.outages() + 1;
-  if (!certain && wasClosed && again == 1) {
-    judgement.toBlame = breaker.suspect(file, outcome.retryBudget != RetryBudget::kFree);
-    if (!judgement.toBlame) {
-      return judgement;
-    }
+  judgement.toBlame = true;
+  if (!current) {
+    return judgement;
   }
+  if (!certain && wasClosed && breaker.outages() == 0 &&
+      !breaker.suspect(file, outcome.retryBudget != RetryBudget::kFree)) {
+    judgement.toBlame = false;
+    return judgement;
+  }
+  rest(*origin, outcome, now, judgement);
+  return judgement;
+}
+
+void COriginTable::rest(Origin& origin, const AttemptOutcome& outcome, TimePoint now,
+                        Judgement& judgement) {
+  CCircuitBreaker& breaker = origin.breaker;
   judgement.refunds = breaker.takeRefunds();
-  breaker.open(failureOf(outcome.code, outcome.reason), now + retries_.delay(again, outcome));
-  if (wasClosed) {
-    for (const auto& [groupId, waiter] : origin->waiters) {
+  if (breaker.state() == CCircuitBreaker::State::kClosed) {
+    for (const auto& [groupId, waiter] : origin.waiters) {
       judgement.groups.push_back(groupId);
     }
   }
-  return judgement;
+  breaker.open(failureOf(outcome.code, outcome.reason),
+               now + retries_.delay(breaker.outages() + 1, outcome));
 }
 
 }  // namespace zt_transfers

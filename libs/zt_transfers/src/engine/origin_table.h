@@ -61,7 +61,7 @@ class COriginTable {
   // When a rest ends for which a group waits.
   std::optional<TimePoint> nextDue(TimePoint now) const;
 
-  Ticket begin(OriginId origin);
+  Ticket begin(OriginId origin, TimePoint now);
   // The attempt has ended, and has given its place back.
   void end(const Ticket& ticket);
   void succeed(const Ticket& ticket);
@@ -86,6 +86,7 @@ class COriginTable {
   };
 
   Origin* find(const Ticket& ticket);
+  void rest(Origin& origin, const AttemptOutcome& outcome, TimePoint now, Judgement& judgement);
 
   CRetryPolicy retries_;
   std::unordered_map<std::string, OriginId> ids_;

@@ -273,7 +273,7 @@ void CTransferTable::saveFile(const CTransferGroup& group, std::uint32_t index) 
 StartOrder CTransferTable::begin(CTransferGroup& group, std::uint32_t index, FileSpec spec,
                                  OriginId origin) {
   RunningAttempt& attempt = attempts_.add({group.id(), index}, clock_.now());
-  attempt.ticket = origins_.begin(origin);
+  attempt.ticket = origins_.begin(origin, attempt.begunAt);
   attempt.counted = resumes_.counted(attempt.file);
   StartOrder order;
   order.resume = resumes_.take(group, index);

@@ -230,6 +230,10 @@ bool CWorkPlanner::beginFile(CTransferGroup& group, std::uint32_t index, OriginI
     }
     return !coming;
   }
+  if (const OriginId actual = table_.origins().idOf(spec->url); actual != origin) {
+    group.parkFirst(index, actual);  // it was given another URL while it waited
+    return true;
+  }
   if (expired(group.identity().tokenExpires)) {
     failWaiting(group, index, {failure::kTokenExpired, "the group's token has expired"}, work);
     return true;

@@ -1,17 +1,19 @@
 #include "transfers/safe_folder_name.h"
 
-#include <algorithm>
 #include <sstream>
+#include <string_view>
+
+#include "shown_text/names.h"
 
 namespace zantrio {
 namespace {
 
 constexpr char kReplacement = '_';
 constexpr std::size_t kMaxNameLength = 255;  // bytes
+constexpr const char* kNameWithout = "Message";
 
-bool isControl(char character) {
-  const auto byte = static_cast<unsigned char>(character);
-  return byte < 0x20 || byte == 0x7F;
+bool showsNothing(const std::string& name) {
+  return name.find_first_not_of(' ') == std::string::npos || name == "." || name == "..";
 }
 
 bool continuesCharacter(char byte) {
@@ -29,9 +31,10 @@ void cut(std::string& name) {
   name.resize(end);
 }
 
-std::string safeName(std::string name) {
-  std::replace_if(name.begin(), name.end(), isControl, kReplacement);
-  if (name.front() == '.') {
+std::string safeName(const std::string& text) {
+  std::string name = shown_text::replaceUnshown(
+      text, [](std::string_view) { return std::string(1, kReplacement); });
+  if (name.front() == '.' || name.front() == '-') {
     name.front() = kReplacement;
   }
   cut(name);
@@ -44,12 +47,12 @@ std::string safeFolderName(const std::string& text) {
   std::string path;
   std::istringstream names(text);
   for (std::string name; std::getline(names, name, '/');) {
-    if (name.empty() || name == "." || name == "..") {
-      continue;
+    const std::string safe = showsNothing(name) ? "" : safeName(name);
+    if (!safe.empty()) {
+      path += (path.empty() ? "" : "/") + safe;
     }
-    path += (path.empty() ? "" : "/") + safeName(name);
   }
-  return path;
+  return path.empty() && !text.empty() ? kNameWithout : path;
 }
 
 }  // namespace zantrio

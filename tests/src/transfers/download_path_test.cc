@@ -125,6 +125,10 @@ TEST_F(DownloadPath, StaysInTheFolderWhateverTheSummary) {
   EXPECT_TRUE(
       log.contains("warning QueryHandlerDownloadManager: the summary is no safe name for a folder, "
                    "using this one: \"a/_._/_b\""));
+  for (const char* odd : {"..", "/", ".", " "}) {
+    const std::string again = makeChoice();
+    EXPECT_EQ(resolve(std::string(R"({"summary":")") + odd + "\"}"), again + "Message");
+  }
   EXPECT_EQ(resolve(R"({"summary":".."})"), "none");  // cancelled, not refused
 }
 

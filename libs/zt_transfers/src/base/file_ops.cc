@@ -5,6 +5,9 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#if defined(__linux__)
+#include <sys/xattr.h>
+#endif
 #include <unistd.h>
 
 #include <algorithm>
@@ -109,6 +112,18 @@ bool CPosixFileOps::reserve(int file, std::uint64_t size) {
 bool CPosixFileOps::setTimes(int file, timespec time) {
   const std::array<timespec, 2> times{time, time};
   return ::futimens(file, times.data()) == 0;
+}
+
+bool CPosixFileOps::setAttribute(int file, const char* name, std::string_view value) {
+#if defined(__linux__)
+  return ::fsetxattr(file, name, value.data(), value.size(), 0) == 0;
+#else
+  static_cast<void>(file);
+  static_cast<void>(name);
+  static_cast<void>(value);
+  errno = ENOTSUP;
+  return false;
+#endif
 }
 
 bool CPosixFileOps::makeFolder(int parent, const char* name) {

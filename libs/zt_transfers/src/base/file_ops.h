@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "base/unique_fd.h"
 
@@ -42,6 +43,8 @@ class IFileOps {
   virtual bool reserve(int file, std::uint64_t size) = 0;
   // Sets the times of the last change and of the last access.
   virtual bool setTimes(int file, timespec time) = 0;
+  // Sets an extended attribute. Not every system and file system has them.
+  virtual bool setAttribute(int file, const char* name, std::string_view value) = 0;
 
   virtual bool makeFolder(int parent, const char* name) = 0;
   // ENOTSUP: the file system cannot do it.
@@ -82,6 +85,7 @@ class CPosixFileOps : public IFileOps {
   bool truncate(int file) override;
   bool reserve(int file, std::uint64_t size) override;
   bool setTimes(int file, timespec time) override;
+  bool setAttribute(int file, const char* name, std::string_view value) override;
   bool makeFolder(int parent, const char* name) override;
   bool renameWithoutReplacing(int folder, const char* from, const char* to) override;
   bool rename(int folder, const char* from, const char* to) override;

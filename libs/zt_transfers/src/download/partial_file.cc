@@ -9,7 +9,9 @@
 
 #include "base/ascii.h"
 #include "base/system_failure.h"
+#include "base/url_parts.h"
 #include "download/disk_verdict.h"
+#include "download/received_name.h"
 #include "download/target_folder.h"
 
 namespace zt_transfers {
@@ -33,7 +35,8 @@ ByteSpans within(const ByteSpans& spans, std::uint64_t size) {
 CPartialFile::Plan CPartialFile::planFor(const StartOrder& order) {
   Plan plan;
   plan.folder = order.folder;
-  plan.target = parseTargetPath(order.spec.location);
+  plan.target = receivedTarget(parseTargetPath(order.spec.location));
+  plan.origin = loggableUrl(order.spec.url);
   plan.key = std::to_string(order.file.groupId) + '\0' + order.spec.fileId;
   plan.size = order.spec.size;
   plan.modified = order.spec.modified;
@@ -279,6 +282,10 @@ std::string CPartialFile::digest(std::uint64_t size) {
 }
 
 void CPartialFile::sync(bool alone) {
+  // The file is kept even if its file system cannot store where it comes from.
+  if (!plan_.origin.empty()) {
+    ops_.setAttribute(file_.get(), "user.xdg.origin.url", plan_.origin);
+  }
   if (plan_.modified != 0) {
     constexpr std::uint64_t kMilliseconds = 1000;
     constexpr long kNanoseconds = 1'000'000;

@@ -32,6 +32,7 @@ class CPartialFile {
     std::uint64_t size = 0;      // bytes, as announced by the page; 0: not announced
     std::uint64_t modified = 0;  // milliseconds since 1970; 0: none
     std::string md5;             // lower-case hexadecimal; empty: not checked
+    std::string origin;          // the URL without what could be secret; empty: not noted
   };
   enum class Found { kNothing, kPartial, kFinalized };
   enum class Unsynced { kSync, kLeave };
@@ -78,8 +79,8 @@ class CPartialFile {
   void checkpoint();
   // Returns the mismatch if the content is not as expected.
   std::optional<std::string> verify(std::uint64_t size);
-  // Sets the file's times; with `alone` also makes it durable, with all new folders of its file
-  // system.
+  // Sets the file's times and notes where it comes from; with `alone` also makes it durable, with
+  // all new folders of its file system.
   void sync(bool alone);
   // Records that another file's sync has made all written bytes durable.
   void noteSynced();

@@ -7,7 +7,6 @@
 namespace zt_transfers {
 namespace {
 
-constexpr std::size_t kLongestName = 255;    // bytes
 constexpr std::size_t kLongestEnding = 32;   // anything longer belongs to the name
 constexpr std::size_t kShownOfPartial = 80;  // bytes of the name that a partial file's name shows
 constexpr std::size_t kDigestDigits = 16;
@@ -60,16 +59,16 @@ TargetPath parseTargetPath(std::string_view path) {
   return target;
 }
 
-std::string countedName(const std::string& name, unsigned count) {
-  if (count == 0) {
-    return name;
-  }
+std::string withTail(const std::string& name, const std::string& tail) {
   const auto dot = name.rfind('.');
   const bool hasEnding =
       dot != std::string::npos && dot != 0 && name.size() - dot <= kLongestEnding;
-  const std::string ending = hasEnding ? name.substr(dot) : "";
-  const std::string tail = " (" + std::to_string(count) + ")" + ending;
-  return cut(name.substr(0, name.size() - ending.size()), kLongestName - tail.size()) + tail;
+  const std::string end = tail + (hasEnding ? name.substr(dot) : "");
+  return cut(name.substr(0, hasEnding ? dot : name.size()), kLongestName - end.size()) + end;
+}
+
+std::string countedName(const std::string& name, unsigned count) {
+  return count == 0 ? name : withTail(name, " (" + std::to_string(count) + ")");
 }
 
 std::string partialName(const std::string& name, std::string_view key) {

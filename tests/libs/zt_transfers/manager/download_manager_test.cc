@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#if defined(__linux__)
+#include <sys/xattr.h>
+#endif
 
 #include <chrono>
 #include <filesystem>
@@ -80,6 +83,7 @@ TEST_F(DownloadManager, SetsTheTimeAndTheModeThatTheUserWants) {
   auto file = offer("file", "content");
   file.path = L"folder/file";
   file.modified = 1'600'000'000'250;
+  file.url += "?X-Amz-Signature=secret";
   downloadAll({file});
   ::umask(before);
   struct stat status {};
@@ -87,8 +91,29 @@ TEST_F(DownloadManager, SetsTheTimeAndTheModeThatTheUserWants) {
   EXPECT_EQ(status.st_mode & 07777, 0640U);
   EXPECT_EQ(status.st_mtim.tv_sec, 1'600'000'000);
   EXPECT_EQ(status.st_mtim.tv_nsec, 250'000'000);
+#if defined(__linux__)
+  std::string origin(200, '\0');
+  const ssize_t length = ::getxattr((target / "folder/file").c_str(), "user.xdg.origin.url",
+                                    origin.data(), origin.size());
+  if (length >= 0 || errno != ENOTSUP) {
+    ASSERT_GE(length, 0);
+    EXPECT_EQ(origin.substr(0, static_cast<std::size_t>(length)), server.url("/file"));
+  }
+#endif
   ASSERT_EQ(::stat((target / "folder").c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 07777, 0750U);
+}
+
+TEST_F(DownloadManager, HidesNoFileAndMakesNoneOutOfTwo) {
+  auto hidden = offer("hidden", "1");
+  hidden.path = L".config/.x";
+  auto like = offer("like", "2");
+  like.path = L"_.config/.x";
+  auto control = offer("control", "3");
+  control.path = L"-\nb";
+  downloadAll({hidden, like, control});
+  EXPECT_THAT(namesThere(),
+              ElementsAre("_-%0Ab", "_.config", "_.config/_.x", "__.config", "__.config/_.x"));
 }
 
 TEST_F(DownloadManager, TakesAnySizeWhenItIsNotTold) {

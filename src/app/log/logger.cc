@@ -4,8 +4,10 @@
 #include <Poco/Logger.h>
 #include <Poco/PatternFormatter.h>
 
-#include <algorithm>
 #include <new>
+
+#include "app/log/private_file_channel.h"
+#include "shown_text/one_line.h"
 
 namespace zantrio {
 namespace {
@@ -17,7 +19,7 @@ Poco::FastMutex creationMutex;
 CLogHolder* holder = nullptr;
 
 Poco::AutoPtr<Poco::FileChannel> makeFileChannel() {
-  Poco::AutoPtr<Poco::FileChannel> file(new Poco::FileChannel);
+  Poco::AutoPtr<Poco::FileChannel> file(new CPrivateFileChannel);
   file->setProperty("rotation", "2 M");
   file->setProperty("purgeCount", "5");
   file->setProperty("flush", "true");
@@ -57,10 +59,9 @@ void CLogHolder::setLogPath(const std::string& path) {
   file_->setProperty("path", path);
 }
 
-void CLogHolder::writeLine(Poco::Message::Priority priority, std::string line) {
-  // File names may hold any bytes. The stream takes 0xFF for the end of the output, so that the
-  // text so far would join the next line. No UTF-8 text contains it.
-  std::replace(line.begin(), line.end(), '\xFF', '?');
+void CLogHolder::writeLine(Poco::Message::Priority priority, const std::string& text) {
+  // The stream begins a new message at each line break, and takes the byte 0xFF for the end.
+  const std::string line = shown_text::oneLine(text);
   const Poco::FastMutex::ScopedLock lock(mutex_);
   // After a line that could not be written (full disk, no path yet) the stream is in a failed
   // state; clearing it lets the next line try again.

@@ -25,7 +25,8 @@ class CLogHolder {
   // Call it before the first line is written. An empty path is ignored.
   void setLogPath(const std::string& path);
 
-  // Writes the pieces, concatenated, as one line. A line that cannot be written is lost.
+  // Writes the pieces, concatenated, as one line (see shown_text::oneLine). A line that cannot be
+  // written is lost.
   template <class... Pieces>
   void write(Poco::Message::Priority priority, const Pieces&... pieces) {
     std::ostringstream line;
@@ -34,7 +35,7 @@ class CLogHolder {
   }
 
  private:
-  void writeLine(Poco::Message::Priority priority, std::string line);
+  void writeLine(Poco::Message::Priority priority, const std::string& text);
 
   Poco::FastMutex mutex_;
   // Guarded by mutex_.

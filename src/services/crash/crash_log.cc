@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "app/text/utf8_text.h"
+#include "shown_text/secrets.h"
 
 namespace zantrio {
 namespace {
@@ -15,6 +16,9 @@ constexpr std::size_t kAppCap = 15360;
 constexpr std::size_t kBrowserCap = 15360;
 constexpr std::size_t kTransfersCap = 30720;
 constexpr std::size_t kLongestCharacter = 4;
+// Read as well, because the name of a secret there tells that the tail begins within its value. It
+// also tells logDataToText that the data was cut.
+constexpr std::size_t kBeforeTail = 16384;
 
 bool isContinuation(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
@@ -55,10 +59,10 @@ std::string tailOf(int fd, std::size_t maximum) {
   if (fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) {
     return {};
   }
-  // Reading one byte more than the maximum tells logDataToText that the data was cut.
-  const off_t wanted = std::min(status.st_size, static_cast<off_t>(maximum) + 1);
-  return logDataToText(readFrom(fd, status.st_size - wanted, static_cast<std::size_t>(wanted)),
-                       maximum);
+  const off_t wanted = std::min(status.st_size, static_cast<off_t>(maximum + kBeforeTail));
+  std::string bytes = readFrom(fd, status.st_size - wanted, static_cast<std::size_t>(wanted));
+  shown_text::maskSecrets(bytes);
+  return logDataToText(bytes, maximum);
 }
 
 // Reads only the tail of the file, however large it is.

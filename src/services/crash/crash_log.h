@@ -27,8 +27,9 @@ CrashLogFiles crashLogFilesIn(const std::string& appDataFolder);
 // cut has split is dropped; other bytes that belong to no character become U+FFFD.
 std::string logDataToText(std::string_view data, std::size_t maximum);
 
-// The joined text, in valid UTF-8. It includes the secondary transfer log only when the text of the
-// first one has fewer characters than its cap has bytes.
+// The joined text, in valid UTF-8, with secrets masked (see shown_text::maskSecrets). It includes
+// the secondary transfer log only when the text of the first one has fewer characters than its cap
+// has bytes.
 std::string collectCrashLog(const CrashLogFiles& files);
 
 }  // namespace zantrio

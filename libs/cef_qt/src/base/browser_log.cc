@@ -1,5 +1,7 @@
 #include "base/browser_log.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <QDateTime>
@@ -7,7 +9,11 @@
 #include <QFile>
 #include <QFileInfo>
 #include <cerrno>
+#include <string>
 #include <system_error>
+
+#include "shown_text/one_line.h"
+#include "shown_text/secrets.h"
 
 namespace cef_qt {
 namespace {
@@ -27,6 +33,17 @@ const char* nameOf(cef_log_severity_t severity) {
   }
 }
 
+// Only its owner may read it, whoever made it and whatever the mask of new files is.
+std::FILE* openPrivate(const QByteArray& path) {
+  constexpr mode_t kMode = 0600;
+  const int file = ::open(path.constData(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, kMode);
+  if (file < 0) {
+    return nullptr;
+  }
+  fchmod(file, kMode);
+  return fdopen(file, "a");
+}
+
 }  // namespace
 
 BrowserLog& BrowserLog::instance() {
@@ -40,7 +57,7 @@ void BrowserLog::open(const QString& path, cef_log_severity_t lowest) {
     return;
   }
   QDir().mkpath(QFileInfo(path).absolutePath());
-  file_ = std::fopen(QFile::encodeName(path).constData(), "ae");
+  file_ = openPrivate(QFile::encodeName(path));
   if (!file_) {
     std::fprintf(stderr, "The browser log %s cannot be written (%s): going on without it.\n",
                  QFile::encodeName(path).constData(),
@@ -71,17 +88,19 @@ void BrowserLog::console(cef_log_severity_t severity, const QString& text, int l
 void BrowserLog::writeLine(cef_log_severity_t severity, const QString& source,
                            const QString& text) {
   const QString time = QDateTime::currentDateTime().toString(QStringLiteral("MMdd/HHmmss.zzz"));
-  const QByteArray line =
+  std::string shown = shown_text::oneLine(text.toStdString());
+  shown_text::maskSecrets(shown);
+  const std::string line =
       QStringLiteral("[%1:%2:%3:%4] ")
           .arg(QString::number(getpid()), time, QString::fromLatin1(nameOf(severity)), source)
-          .toUtf8() +
-      text.toUtf8() + '\n';
+          .toStdString() +
+      shown + '\n';
   const std::lock_guard lock(mutex_);
   if (!file_ || severity < lowest_) {
     return;
   }
   // Write errors are ignored: a full disk must not stop the browser.
-  std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), file_);
+  std::fwrite(line.data(), 1, line.size(), file_);
   std::fflush(file_);
 }
 

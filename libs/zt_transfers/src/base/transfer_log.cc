@@ -13,9 +13,13 @@
 #include <system_error>
 
 #include "base/mutex.h"
+#include "shown_text/one_line.h"
+#include "shown_text/secrets.h"
 
 namespace zt_transfers {
 namespace {
+
+constexpr mode_t kMode = 0600;
 
 const char* nameOf(ILog::Priority priority) {
   switch (priority) {
@@ -57,9 +61,8 @@ const std::string& threadText() {
 // One line of it, whatever the message holds.
 std::string lineFor(ILog::Priority priority, std::string_view message) {
   std::string line = "[" + timeStamp() + "] [" + threadText() + "] [" + nameOf(priority) + "] ";
-  for (const char character : message) {
-    line.push_back(character == '\n' || character == '\r' ? ' ' : character);
-  }
+  line += shown_text::oneLine(message);
+  shown_text::maskSecrets(line);
   line.push_back('\n');
   return line;
 }
@@ -106,11 +109,12 @@ void CTransferLog::write(Priority priority, std::string_view message) noexcept {
 }
 
 void CTransferLog::open() {
-  file_ = CUniqueFd(::open(path_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666));
+  file_ = CUniqueFd(::open(path_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, kMode));
   if (!file_.valid()) {
     complain(errno);
     return;
   }
+  ::fchmod(file_.get(), kMode);  // whoever made it, with whatever mask
   struct stat status {};
   size_ = ::fstat(file_.get(), &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
 }

@@ -24,14 +24,22 @@ class TransferLog : public ::testing::Test {
 
 TEST_F(TransferLog, WritesOneLineAMessageWithTimeThreadAndPriority) {
   CTransferLog log(path());
-  log.error("first\nwith a break");
+  log.error("first\nwith a break, \x1B[31mred, https://h/?X-Amz-Signature=5ecret&a=b");
   log.information("second");
   const std::string content = contentOf(path());
   EXPECT_EQ(std::count(content.begin(), content.end(), '\n'), 2);
-  EXPECT_THAT(content,
-              ContainsRegex("^\\[[0-9]{2}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}:[0-9]{3}\\] "
-                            "\\[[0-9]+ [^]]*\\] \\[Error\\] first with a break\n"));
+  EXPECT_THAT(content, ContainsRegex(
+                           "^\\[[0-9]{2}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2}:[0-9]{3}\\] "
+                           "\\[[0-9]+ [^]]*\\] \\[Error\\] first\\\\nwith a break, \\\\x1B.31mred, "
+                           "https://h/.X-Amz-Signature=\\*{6}&a=b\n"));
   EXPECT_THAT(content, HasSubstr("[Information] second\n"));
+}
+
+TEST_F(TransferLog, IsItsOwnersAloneWhoeverMadeIt) {
+  sandbox.file("zt_transfers.log", "");
+  std::filesystem::permissions(path(), std::filesystem::perms::all);
+  const CTransferLog log(path());
+  EXPECT_EQ(std::filesystem::status(path()).permissions(), std::filesystem::perms(0600));
 }
 
 TEST_F(TransferLog, AppendsToWhatIsThereAndRotatesAtItsLimit) {

@@ -50,6 +50,16 @@ TEST_F(CrashLog, TakesSmallLogsWholeAndTheEndsOfLargeOnes) {
                            large.substr(40000 - 15360));
 }
 
+TEST_F(CrashLog, HoldsNoSecretAlsoWhereTheCutSplitsOne) {
+  const std::string line = "Received query: {\"token\":\"" + std::string(3000, 's') + "\"}\n";
+  folder_.makeFile("zt_app.log", line + std::string(15360 - 1000, '.'));
+  folder_.makeFile("cef_browser.log", "https://host/f?X-Amz-Signature=ssss&x=y\n");
+  const std::string text = collect();
+  EXPECT_EQ(text.find("sss"), std::string::npos);
+  EXPECT_NE(text.find("\n***"), std::string::npos);
+  EXPECT_NE(text.find("https://host/f?X-Amz-Signature=****&x=y\n"), std::string::npos);
+}
+
 TEST_F(CrashLog, CountsCharactersToTellWhetherTheTransferLogFilledItsShare) {
   const struct {
     std::string transfers;

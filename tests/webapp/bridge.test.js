@@ -22,3 +22,12 @@ test('turns failures and unreadable answers into errors that name the method', a
   const garbled = windowWith(({ onSuccess }) => onSuccess('{'));
   await assert.rejects(query('bridge', 'm', {}, garbled), /"m"/);
 });
+
+test('sends half a character as a replacement character, and all other text as it is', async () => {
+  const root = windowWith(({ onSuccess }) => onSuccess('null'));
+  const path = '\ud800bad\udc00.txt \ud83d\ude00 \\ud800 \\\ud800 "\n';
+  await query('bridge', 'queueFiles', { files: [{ path }], '\udfff': 1 }, root);
+  const expected = '\ufffdbad\ufffd.txt \ud83d\ude00 \\ud800 \\\ufffd "\n';
+  assert.doesNotMatch(root.requests[0].request.replaceAll('\\\\', ''), /\\ud/);
+  assert.deepEqual(JSON.parse(root.requests[0].request).parameters, { files: [{ path: expected }], '\ufffd': 1 });
+});

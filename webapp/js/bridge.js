@@ -22,6 +22,17 @@ export function isAvailable(bridge, root = globalThis) {
   return typeof root[bridge] === 'function';
 }
 
+const ESCAPES = /\\(?:u[0-9a-f]{4}|.)/gi;
+const LONE_SURROGATE = /^\\ud[89a-f]/i;
+
+// Half a character, as in names of broken archives, is no text to the native side, which would refuse the whole
+// query. Whole characters are never escaped.
+function jsonText(value) {
+  const text = JSON.stringify(value);
+  if (!text.includes('\\ud')) return text;
+  return text.replace(ESCAPES, (escape) => (LONE_SURROGATE.test(escape) ? '\ufffd' : escape));
+}
+
 /** Queries a bridge; returns the answer's value. Rejects with a BridgeError. */
 export function query(bridge, method, parameters, root = globalThis) {
   return new Promise((resolve, reject) => {
@@ -30,7 +41,7 @@ export function query(bridge, method, parameters, root = globalThis) {
       return;
     }
     root[bridge]({
-      request: JSON.stringify({ method, parameters }),
+      request: jsonText({ method, parameters }),
       persistent: false,
       onSuccess: (text) => {
         try {

@@ -1,5 +1,7 @@
 // The service's JSON API.
 
+import { fileEntry, readableEntries } from './received_entries.js';
+
 /** The service is unreachable or too busy; a retry may help. */
 export class ServiceUnreachable extends Error {
   constructor(message = 'The service cannot be reached.') {
@@ -86,7 +88,7 @@ export const service = {
     const all = [];
     for (let after = '0'; after !== null;) {
       const { files, next } = await this.listReceivedFiles(bucketId, after);
-      all.push(...files);
+      all.push(...readableEntries(files, fileEntry));
       onProgress(all.length);
       after = next;
     }

@@ -1,4 +1,5 @@
 import { Backbone } from '../lib.js';
+import { messageEntry, readableEntries } from '../received_entries.js';
 import { ReceivedFiles } from '../received_files.js';
 import { ServiceRefused } from '../service.js';
 
@@ -44,6 +45,14 @@ export const ReceivedMessages = Backbone.Collection.extend({
   model: ReceivedMessage,
   comparator: (message) => -message.get('created'),
 
+  // Backbone keeps the models in an object, by their ids: without a prefix an id such as "constructor" or "c1" would
+  // find what is no message, or another one.
+  modelId: ({ bucketId } = {}) => (bucketId === undefined ? undefined : `bucket:${bucketId}`),
+
+  get(wanted) {
+    return Backbone.Collection.prototype.get.call(this, typeof wanted === 'string' ? { bucketId: wanted } : wanted);
+  },
+
   initialize(models, { service, connection }) {
     Object.assign(this, { service, connection, loaded: false, problem: '' });
   },
@@ -57,7 +66,7 @@ export const ReceivedMessages = Backbone.Collection.extend({
   async ask() {
     try {
       const { messages } = await this.connection.persistently(() => this.service.listReceived());
-      this.set(messages);
+      this.set(readableEntries(messages, messageEntry));
       Object.assign(this, { loaded: true, problem: '' });
     } catch (error) {
       if (!(error instanceof ServiceRefused)) throw error;

@@ -1,7 +1,9 @@
 #include "devservice/dispatcher.h"
 
 #include <Poco/Net/HTTPServerSession.h>
+#include <Poco/Net/IPAddress.h>
 #include <Poco/Net/NetException.h>
+#include <Poco/String.h>
 
 #include <iostream>
 
@@ -47,6 +49,28 @@ void refuseForeignPages(const CExchange& exchange) {
   }
   throw CHttpError(403, "foreign_origin",
                    "Pages of " + printable(origin) + " cannot change anything here.");
+}
+
+bool isLoopback(const std::string& host) {
+  Poco::Net::IPAddress address;
+  return host == "localhost" ||
+         (Poco::Net::IPAddress::tryParse(host, address) && address.isLoopback());
+}
+
+// A site can let its name lead to 127.0.0.1, so that its pages count as this service's own.
+void refuseForeignNames(const CExchange& exchange) {
+  const std::string host = exchange.header("Host");
+  const std::string own = exchange.request.serverAddress().host().toString();
+  std::string name = Poco::toLower(host.substr(0, host.rfind(':')));
+  if (host.ends_with(']') || name.empty()) {
+    name = host;  // without a port
+  }
+  if (name.starts_with('[') && name.ends_with(']')) {
+    name = name.substr(1, name.size() - 2);
+  }
+  if (!host.empty() && name != own && !isLoopback(name)) {
+    throw CHttpError(403, "foreign_host", "This service is not " + printable(host) + ".");
+  }
 }
 
 void closeConnection(Poco::Net::HTTPServerRequestImpl& request,
@@ -110,6 +134,7 @@ void CDispatcher::handle(CExchange& exchange) {
 
 void CDispatcher::route(CExchange& exchange) {
   const auto& segments = exchange.segments();
+  refuseForeignNames(exchange);
   refuseForeignPages(exchange);
   const std::string area = segments.empty() ? std::string() : segments.front();
   if (area == "faults") {

@@ -60,6 +60,23 @@ TEST_F(ApiAreaTest, LetsOnlyItsOwnPagesChangeAnything) {
   EXPECT_EQ(request("POST", "/api/messages", "{}", {{"Origin", server_->url()}}).status, 201);
 }
 
+TEST_F(ApiAreaTest, AnswersOnlyUnderNamesOfThisMachine) {
+  const std::string port = ":" + std::to_string(server_->port());
+  for (const std::string name : {"evil.example", "127.0.0.1.evil.example", "localhost.evil.example",
+                                 "evil.example:80", "[::2]", "192.168.0.1", "[", "]", ":"}) {
+    for (const std::string& host : {name, name + port}) {
+      EXPECT_EQ(request("GET", "/api/received", "", {{"Host", host}}).code(), "foreign_host")
+          << host;
+      EXPECT_EQ(request("GET", "/app", "", {{"Host", host}}).status, 403) << host;
+    }
+  }
+  for (const std::string name : {"localhost", "LocalHost", "127.0.0.1", "[::1]"}) {
+    for (const std::string& host : {name, name + port}) {
+      EXPECT_EQ(request("GET", "/api/status", "", {{"Host", host}}).status, 200) << host;
+    }
+  }
+}
+
 TEST_F(ApiAreaTest, RefusesABatchWithAHostileName) {
   createMessage();
   for (const char* file :

@@ -7,6 +7,7 @@
 #include "bridge/web_app_life_cycle_callback.h"
 #include "services/clipboard.h"
 #include "services/os_file_explorer.h"
+#include "shown_text/secrets.h"
 
 namespace zantrio {
 
@@ -38,9 +39,11 @@ Json::Value CQueryHandlerNativeApp::onAppExit(const Json::Value& /*parameters*/)
 }
 
 Json::Value CQueryHandlerNativeApp::openURL(const Json::Value& parameters) {
-  const std::string url = parameters.get("url", Json::Value()).asString();
-  if (const auto explorer = createOsFileExplorer()) {
-    explorer->openURL(url);
+  std::string url = parameters.get("url", Json::Value()).asString();
+  const auto explorer = createOsFileExplorer();
+  if (explorer && !explorer->openURL(url)) {
+    shown_text::maskSecrets(url);
+    logWarning("QueryHandlerNativeApp: the URL was refused, or nothing can open it: ", url);
   }
   return {};
 }

@@ -8,6 +8,7 @@
 #include "services/clipboard.h"
 #include "services/confirm_dialog.h"
 #include "services/file_permissions_retriever.h"
+#include "services/openable_url.h"
 #include "services/os_file_explorer.h"
 #include "services/platform_init.h"
 #include "services/user_notification_handler.h"
@@ -58,7 +59,9 @@ class FakeClipboard : public IClipboard {
 class FakeOsFileExplorer : public IOsFileExplorer {
  public:
   bool openFolder(const std::string& path) override { return record("folder " + path); }
-  bool openURL(const std::string& url) override { return record("url " + url); }
+  bool openURL(const std::string& url) override {
+    return record("url " + url) && isOpenableUrl(url);
+  }
 };
 
 class FakeAddressBook : public IAddressBook {

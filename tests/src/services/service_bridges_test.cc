@@ -1,6 +1,7 @@
 // The bridges to the clipboard, URLs, notifications and contacts.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 
 #include "bridge/query_handler_context.h"
@@ -59,6 +60,18 @@ TEST_F(ServiceBridges, HandTextsToThePlatform) {
     calls.emplace_back(call);
   }
   EXPECT_EQ(services.calls, calls);
+}
+
+TEST_F(ServiceBridges, TellTheLogWhichUrlWasRefused) {
+  EXPECT_EQ(app("openURL", R"({"url":"http://a/b"})"), "null\n");
+  EXPECT_EQ(app("openURL", R"({"url":"file:///x?token=abc"})"), "null\n");
+  const auto lines = log.lines();
+  EXPECT_EQ(std::count_if(lines.begin(), lines.end(),
+                          [](const auto& line) { return line.starts_with("warning "); }),
+            1);
+  EXPECT_TRUE(
+      log.contains("warning QueryHandlerNativeApp: the URL was refused, or nothing can open it: "
+                   "file:///x?token=***"));
 }
 
 TEST_F(ServiceBridges, FailForValuesThatAreNotTexts) {

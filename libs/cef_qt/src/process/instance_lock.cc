@@ -5,23 +5,27 @@
 #include <sys/eventfd.h>
 #include <sys/file.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <array>
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <optional>
 #include <system_error>
+#include <utility>
+
+#include "process/peer_user.h"
 
 namespace cef_qt {
 namespace {
 
 constexpr char kLockName[] = "instance.lock";
 constexpr char kSocketName[] = "instance.socket";
-constexpr std::size_t kMaxMessageSize = 4 << 20;
+constexpr std::size_t kMaxConnections = 64;
 constexpr timeval kSocketTimeout{5, 0};
 constexpr auto kLockTimeout = std::chrono::seconds(10);
 
@@ -51,33 +55,14 @@ bool sendAll(int fd, const std::string& text) {
   return true;
 }
 
-// A message is the directory and the arguments, each with a terminating NUL.
-std::string encode(const InstanceLock::Relaunch& relaunch) {
-  std::string text = relaunch.directory + '\0';
-  for (const std::string& word : relaunch.argv) {
-    text += word;
-    text += '\0';
+// For poll; -1: for ever.
+int millisecondsUntil(RelaunchConnection::Clock::time_point time) {
+  if (time == RelaunchConnection::Clock::time_point::max()) {
+    return -1;
   }
-  return text;
-}
-
-std::optional<InstanceLock::Relaunch> decode(const std::string& text) {
-  if (text.empty() || text.back() != '\0') {
-    return std::nullopt;
-  }
-  InstanceLock::Relaunch relaunch;
-  bool first = true;
-  for (std::size_t at = 0; at < text.size();) {
-    std::string word = text.c_str() + at;
-    at += word.size() + 1;
-    if (first) {
-      relaunch.directory = std::move(word);
-      first = false;
-    } else {
-      relaunch.argv.push_back(std::move(word));
-    }
-  }
-  return relaunch;
+  const auto rest =
+      std::chrono::ceil<std::chrono::milliseconds>(time - RelaunchConnection::Clock::now());
+  return std::max(0, static_cast<int>(rest.count()));
 }
 
 }  // namespace
@@ -134,8 +119,10 @@ bool InstanceLock::tryLock() {
 
 void InstanceLock::listen() {
   unlinkat(folderFd_, kSocketName, 0);
-  socketFd_ = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  socketFd_ = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
   wakeFd_ = eventfd(0, EFD_CLOEXEC);
+  // Before the name exists, and without the process's mask, which other threads use.
+  fchmod(socketFd_, S_IRUSR | S_IWUSR);
   const sockaddr_un address = addressIn(folderFd_);
   if (bind(socketFd_, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
       ::listen(socketFd_, SOMAXCONN) != 0) {
@@ -146,36 +133,56 @@ void InstanceLock::listen() {
   server_ = std::thread([this] { serve(); });
 }
 
+// All connections at once, so that a silent one holds nobody up.
 void InstanceLock::serve() {
-  std::array<pollfd, 2> watched{pollfd{socketFd_, POLLIN, 0}, pollfd{wakeFd_, POLLIN, 0}};
-  while (poll(watched.data(), watched.size(), -1) >= 0 || errno == EINTR) {
-    if (watched[1].revents) {
+  using Clock = RelaunchConnection::Clock;
+  std::vector<RelaunchConnection> connections;
+  while (true) {
+    std::vector<pollfd> watched{{wakeFd_, POLLIN, 0}, {socketFd_, POLLIN, 0}};
+    auto deadline = Clock::time_point::max();
+    for (const RelaunchConnection& connection : connections) {
+      watched.push_back({connection.socket(), POLLIN, 0});
+      deadline = std::min(deadline, connection.deadline());
+    }
+    if (poll(watched.data(), watched.size(), millisecondsUntil(deadline)) < 0 && errno != EINTR) {
       return;
     }
-    if (watched[0].revents) {
-      const int connection = accept4(socketFd_, nullptr, nullptr, SOCK_CLOEXEC);
-      if (connection >= 0) {
-        receive(connection);
-        close(connection);
-      }
+    if (watched[0].revents != 0) {
+      return;
+    }
+    std::erase_if(connections, [this](RelaunchConnection& connection) {
+      return hasEnded(connection) || connection.deadline() <= Clock::now();
+    });
+    if (watched[1].revents != 0) {
+      accept(connections);
     }
   }
 }
 
-void InstanceLock::receive(int connection) const {
-  setTimeouts(connection);
-  std::string text;
-  std::array<char, 4096> buffer;
-  ssize_t length = 0;
-  while (text.size() < kMaxMessageSize &&
-         (length = recv(connection, buffer.data(), buffer.size(), 0)) > 0) {
-    text.append(buffer.data(), static_cast<std::size_t>(length));
+void InstanceLock::accept(std::vector<RelaunchConnection>& connections) const {
+  const int socket = accept4(socketFd_, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
+  if (socket < 0) {
+    return;
   }
-  const auto relaunch = length == 0 ? decode(text) : std::nullopt;
-  if (relaunch) {
-    onRelaunch_(*relaunch);
-    sendAll(connection, "k");
+  RelaunchConnection connection(socket);
+  if (!isOfThisUser(socket)) {
+    return;
   }
+  if (connections.size() >= kMaxConnections) {
+    connections.erase(connections.begin());
+  }
+  connections.push_back(std::move(connection));
+}
+
+bool InstanceLock::hasEnded(RelaunchConnection& connection) const {
+  const auto state = connection.read();
+  const auto message =
+      state == RelaunchConnection::State::kComplete ? connection.message() : std::nullopt;
+  if (message) {
+    onRelaunch_(*message);
+    connection.confirm();
+  }
+  return state != RelaunchConnection::State::kReading;
 }
 
 bool InstanceLock::notifyHolder(const Relaunch& self) const {
@@ -188,7 +195,8 @@ bool InstanceLock::notifyHolder(const Relaunch& self) const {
   char reply = 0;
   const bool notified =
       connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0 &&
-      sendAll(fd, encode(self)) && shutdown(fd, SHUT_WR) == 0 && recv(fd, &reply, 1, 0) == 1;
+      isOfThisUser(fd) && sendAll(fd, encodeRelaunch(self)) && shutdown(fd, SHUT_WR) == 0 &&
+      recv(fd, &reply, 1, 0) == 1;
   close(fd);
   return notified;
 }

@@ -6,18 +6,18 @@
 #include <thread>
 #include <vector>
 
+#include "process/relaunch_message.h"
+
 namespace cef_qt {
 
 std::string currentDirectory();
 
-// Locks a file in the folder and listens on a socket beside it for later processes. The system
+// Locks a file in the folder and listens on a socket beside it for later processes of the same
+// user; others may not connect, and would not be heard. The system
 // releases the lock when the process ends, also after a crash.
 class InstanceLock {
  public:
-  struct Relaunch {
-    std::vector<std::string> argv;
-    std::string directory;
-  };
+  using Relaunch = cef_qt::Relaunch;
   enum class Outcome {
     kAcquired,
     kOtherNotified,  // another process holds the lock and was notified
@@ -37,7 +37,8 @@ class InstanceLock {
   bool tryLock();
   void listen();
   void serve();
-  void receive(int connection) const;
+  void accept(std::vector<RelaunchConnection>& connections) const;
+  bool hasEnded(RelaunchConnection& connection) const;
   bool notifyHolder(const Relaunch& self) const;
 
   const std::string folder_;

@@ -2,13 +2,19 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <mutex>
+#include <system_error>
+#include <vector>
 
 #include "support/framework.h"
 #include "support/http_service.h"
@@ -114,6 +120,66 @@ TEST_F(Process, RunsOnceForACachePathAndAgainAfterTheHolderWasKilled) {
   ASSERT_TRUE(third.waitFor("ready")) << third.output();
   Probe fourth({"--root=" + folder, "--wait", "again"});
   EXPECT_TRUE(third.waitFor("relaunch in /: again")) << third.output();
+}
+
+// A connection to the socket in an open folder, which needs no right to pass the folders above it.
+int connectIn(int folder) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  std::snprintf(address.sun_path, sizeof address.sun_path, "/proc/self/fd/%d/instance.socket",
+                folder);
+  const int connection = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  EXPECT_EQ(connect(connection, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0)
+      << std::generic_category().message(errno);
+  return connection;
+}
+
+TEST_F(Process, IsReachedByItsUserAloneAndNotHeldUpBySilentConnections) {
+  const std::string folder = freshFolder();
+  const mode_t before = umask(0);
+  Probe first({"--root=" + folder, "--wait"});
+  umask(before);
+  ASSERT_TRUE(first.waitFor("ready")) << first.output();
+  EXPECT_EQ(fs::status(folder + "/instance.socket").permissions(), fs::perms(0600));
+  const int open = ::open(folder.c_str(), O_PATH | O_CLOEXEC);
+  std::vector<int> silent;
+  for (int count = 0; count < 3; ++count) {
+    silent.push_back(connectIn(open));
+  }
+  close(open);
+  Probe second({"--root=" + folder, "--wait", "prompt"});
+  EXPECT_TRUE(first.waitFor("relaunch in /: prompt")) << first.output();
+  for (const int connection : silent) {
+    char byte = 0;
+    EXPECT_EQ(recv(connection, &byte, 1, MSG_DONTWAIT), -1) << "the holder gave it up first";
+    close(connection);
+  }
+}
+
+TEST_F(Process, HearsNoOtherUser) {
+  if (getuid() != 0) {
+    GTEST_SKIP() << "needs the right to become another user";
+  }
+  const std::string folder = freshFolder();
+  Probe first({"--root=" + folder, "--wait"});
+  ASSERT_TRUE(first.waitFor("ready")) << first.output();
+  fs::permissions(folder, fs::perms(0755));
+  fs::permissions(folder + "/instance.socket", fs::perms(0666));
+  constexpr uid_t kNobody = 65534;
+  const int open = ::open(folder.c_str(), O_PATH | O_CLOEXEC);
+  ASSERT_EQ(seteuid(kNobody), 0);
+  const int connection = connectIn(open);
+  ASSERT_EQ(seteuid(0), 0);
+  close(open);
+  const std::string message("/\0probe\0--foreign\0", 19);
+  send(connection, message.data(), message.size(), MSG_NOSIGNAL);
+  shutdown(connection, SHUT_WR);
+  char answer = 0;
+  EXPECT_LE(recv(connection, &answer, 1, 0), 0);
+  close(connection);
+  Probe second({"--root=" + folder, "--wait", "own"});
+  EXPECT_TRUE(first.waitFor("relaunch in /: own")) << first.output();
+  EXPECT_EQ(first.output().find("foreign"), std::string::npos);
 }
 
 TEST_F(Process, KeepsItsDataInMemoryWhenTheCachePathCannotBeUsed) {

@@ -1,10 +1,9 @@
 #include "app/browser_process.h"
 
-#include <unistd.h>
-
 #include <filesystem>
 #include <iostream>
 
+#include "app/data_folder.h"
 #include "app/framework_settings.h"
 #include "app/log/logger.h"
 #include "app/open_files.h"
@@ -16,6 +15,7 @@
 #include "include/base/cef_callback.h"
 #include "include/wrapper/cef_closure_task.h"
 #include "services/crash/crash_report_folder.h"
+#include "shown_text/one_line.h"
 
 namespace zantrio {
 namespace {
@@ -43,7 +43,8 @@ void reportMissing(const std::vector<std::string>& paths) {
   for (const std::string& path : paths) {
     std::error_code error;
     if (!std::filesystem::exists(std::filesystem::symlink_status(path, error))) {
-      std::cerr << "zantrio: " << path << ": there is no such file" << std::endl;
+      std::cerr << "zantrio: " << shown_text::oneLine(path) << ": there is no such file"
+                << std::endl;
     }
   }
 }
@@ -135,15 +136,7 @@ bool BrowserProcess::prepareDataFolder() const {
     std::cerr << "zantrio: There is no home folder to keep the application's data in." << std::endl;
     return false;
   }
-  std::error_code error;
-  if (std::filesystem::create_directories(folder, error)) {
-    // The log and the browser's data contain the user's credentials.
-    std::filesystem::permissions(folder, std::filesystem::perms::owner_all, error);
-  }
-  if (!error && access(folder.c_str(), W_OK | X_OK) != 0) {
-    error.assign(errno, std::generic_category());
-  }
-  if (error) {
+  if (const std::error_code error = zantrio::prepareDataFolder(folder)) {
     std::cerr << "zantrio: The data folder " << folder << " cannot be written: " << error.message()
               << std::endl;
     return false;

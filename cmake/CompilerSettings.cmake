@@ -3,6 +3,8 @@ set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+include(CheckPIESupported)
+check_pie_supported()
 
 option(ZANTRIO_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" ON)
 set(ZANTRIO_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize=")

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <tuple>
 
 #include "src/platform/linux/contacts/contacts_session.h"
 #include "support/eventually.h"
@@ -39,14 +38,6 @@ ContactEntries search(CAddressBookLinux& book, const std::string& query) {
   return entries;
 }
 
-ContactEntries sorted(ContactEntries entries) {
-  std::sort(entries.begin(), entries.end(),
-            [](const ContactEntry& left, const ContactEntry& right) {
-              return std::tie(left.firstName, left.email) < std::tie(right.firstName, right.email);
-            });
-  return entries;
-}
-
 template <class Action>
 std::chrono::microseconds timeOf(const Action& action) {
   const Clock::time_point begin = Clock::now();
@@ -73,22 +64,6 @@ class AddressBookLinux : public testing::Test {
 
   ContactsSession session;
 };
-
-TEST_F(AddressBookLinux, ReturnsAnEntryForEachAddress) {
-  session.add("friends", person("two", "Two", "Mails", {"z@example.org", "a@example.org"}) +
-                             person("none", "No", "Mail") + person("empty", "Empty", "Mail", {""}) +
-                             card("nothing", "NOTE:neither name nor address\n"));
-  const auto book = openBook();
-  EXPECT_EQ(search(*book, "two"),
-            (ContactEntries{{"Two", "Mails", "z@example.org"}, {"Two", "Mails", "a@example.org"}}));
-  EXPECT_EQ(search(*book, "a@example"), search(*book, "two"));
-  EXPECT_EQ(search(*book, "no"), (ContactEntries{{"No", "Mail", ""}}));
-  EXPECT_EQ(search(*book, "empty"), ContactEntries{});
-  EXPECT_EQ(sorted(search(*book, "")), (ContactEntries{{"", "", ""},
-                                                       {"No", "Mail", ""},
-                                                       {"Two", "Mails", "a@example.org"},
-                                                       {"Two", "Mails", "z@example.org"}}));
-}
 
 TEST_F(AddressBookLinux, UsesAFullNameAsTheFirstAndSkipsLists) {
   session.add("friends", card("whole", "FN:Maria del Mar\nEMAIL:maria@example.org\n") +
@@ -129,12 +104,8 @@ TEST_F(AddressBookLinux, AnswersWithin100MillisecondsAmong10000Contacts) {
   }
   session.add("friends", cards);
   const auto book = openBook();
-  const auto first = timeOf([&] { EXPECT_EQ(search(*book, "user4711@").size(), 1U); });
   const auto one = shortestTimeOf([&] { EXPECT_EQ(search(*book, "фАМИЛИЯ4711").size(), 1U); });
   const auto all = shortestTimeOf([&] { EXPECT_EQ(search(*book, "").size(), 10'000U); });
-  RecordProperty("firstSearchMicroseconds", std::to_string(first.count()));
-  RecordProperty("searchMicroseconds", std::to_string(one.count()));
-  RecordProperty("searchForAllMicroseconds", std::to_string(all.count()));
   EXPECT_LT(one, 100ms);
   EXPECT_LT(all, 100ms);
 }
@@ -146,13 +117,6 @@ TEST_F(AddressBookLinux, ReopensTheBooksAfterTheirServerCrashed) {
   session.killBookServers();
   session.add("friends", person("2", "Anna", "Lee"));
   EXPECT_TRUE(eventually([&] { return search(*book, "ann").size() == 2; }));
-}
-
-TEST(AddressBookLinuxWithoutServer, CannotBeCreatedWithOrWithoutASessionBus) {
-  ContactsSession session(ContactsSession::Services::kNone);
-  EXPECT_THROW(CAddressBookLinux(), IAddressBook::CAddressBookObtainError);
-  session.endBus();
-  EXPECT_THROW(CAddressBookLinux(), IAddressBook::CAddressBookObtainError);
 }
 
 TEST(AddressBookLinuxWithAServerThatHangs, DelaysSearchesOnceAndEndsSoon) {

@@ -79,7 +79,7 @@ std::string ContactsSession::writeServices(Services services) const {
   std::string folder = folder_.makeFolder("services");
   for (const auto& entry : fs::directory_iterator(kInstalledServices)) {
     const std::string file = entry.path().filename();
-    if (file.rfind(kServicePrefix, 0) != 0 || services == Services::kNone) {
+    if (file.rfind(kServicePrefix, 0) != 0) {
       continue;
     }
     if (services == Services::kEds) {

@@ -15,7 +15,7 @@ namespace zantrio::test {
 // "hidden".
 class ContactsSession {
  public:
-  enum class Services { kEds, kNone, kHanging };
+  enum class Services { kEds, kHanging };
 
   explicit ContactsSession(Services services = Services::kEds);
   ContactsSession(const ContactsSession&) = delete;

@@ -1,6 +1,4 @@
 // Starts the crash reporter and crashes in the given way: crash_program DATA_FOLDER WAY.
-#include <signal.h>
-#include <sys/mman.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -44,16 +42,6 @@ NAMED void throwUncaught() {
   throw std::runtime_error("nobody catches this");
 }
 
-NAMED void divideByZero() {
-  sink = 1000 / sink;
-}
-
-NAMED void readBehindEndOfFile() {
-  FILE* const file = std::tmpfile();
-  const void* const page = mmap(nullptr, 4096, PROT_READ, MAP_PRIVATE, fileno(file), 0);
-  sink = *static_cast<const volatile int*>(page);
-}
-
 NAMED void faultOnTwoThreadsAtOnce() {
   std::thread first([] { writeToNowhere(); });
   std::thread second([] { writeToNowhere(); });
@@ -81,10 +69,6 @@ const std::map<std::string, void (*)()> kWays = {
     {"overflow", overflowStack},
     {"exception", throwUncaught},
     {"abort", [] { std::abort(); }},
-    {"trap", [] { __builtin_trap(); }},
-    {"breakpoint", [] { raise(SIGTRAP); }},
-    {"division", divideByZero},
-    {"bus", readBehindEndOfFile},
     {"two-threads", faultOnTwoThreadsAtOnce},
     {"forked-child", crashInForkedChild},
     {"wait", waitForInput},

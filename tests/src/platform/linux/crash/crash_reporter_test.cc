@@ -142,6 +142,7 @@ TEST_P(WaysToCrash, LeaveTheirSignalPlaceAndEnd) {
   const std::string report = onlyReport();
   EXPECT_THAT(report, HasSubstr("Version: 1.2.3\nSystem:  Test System 4.5\n"));
   EXPECT_THAT(report, HasSubstr(head));
+  EXPECT_THAT(report, ContainsRegex("\nFiles:\n(.|\n)*  [0-9a-f]{40} .*/crash_program\n"));
   const auto begin = report.find(", which crashed:\n");
   ASSERT_NE(begin, std::string::npos) << report;
   EXPECT_THAT(report.substr(begin, report.find("\n\n", begin) - begin), ContainsRegex(stack))
@@ -159,32 +160,12 @@ INSTANTIATE_TEST_SUITE_P(
         Crash{"exception", SIGABRT,
               "raised by the process itself\nReason:  uncaught exception std::runtime_error: "
               "nobody catches this\n",
-              "throwUncaught(.|\n)* main "},
-        Crash{"abort", SIGABRT, "Signal:  SIGABRT (Aborted)", "abort(.|\n)* main "},
-        Crash{"trap", SIGILL, "Signal:  SIGILL (Illegal instruction)", " main "},
-        Crash{"breakpoint", SIGTRAP, "Signal:  SIGTRAP (Trace/breakpoint trap)", " main "},
-        Crash{"division", SIGFPE, "Signal:  SIGFPE (Floating point exception)",
-              "divideByZero(.|\n)* main "},
-        Crash{"bus", SIGBUS, "Signal:  SIGBUS (Bus error) at 0x",
-              "readBehindEndOfFile(.|\n)* main "}),
+              "throwUncaught(.|\n)* main "}),
     [](const auto& crash) {
       std::string name = crash.param.way;
       std::erase(name, '-');
       return name;
     });
-
-TEST_F(CrashReporterTest, ShowsTheOtherThreadsAndTheLogTails) {
-  folder_.makeFile("zt_app.log", "the last thing that was done\n");
-  folder_.makeFile("cef_browser.log", "the last thing of the page\n");
-  run("second-thread");
-  const std::string report = onlyReport();
-  EXPECT_THAT(report,
-              ContainsRegex("\nThread [0-9]+ \\(crash_program\\):\n(.|\n)*faultOnSecondThread"));
-  EXPECT_THAT(report, ContainsRegex("\nFiles:\n(.|\n)*  [0-9a-f]{40} .*/crash_program\n"));
-  EXPECT_THAT(report, HasSubstr("- zt_app.log -"));
-  EXPECT_THAT(report, HasSubstr("the last thing that was done\n"));
-  EXPECT_THAT(report, HasSubstr("the last thing of the page\n"));
-}
 
 TEST_F(CrashReporterTest, WritesOneReportForTwoThreadsAndNoneForForkedProcesses) {
   EXPECT_EQ(run("forked-child"), 0);

@@ -6,7 +6,6 @@
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QToolButton>
 
 #include "files/file_url.h"
 #include "src/platform/linux/event_loop.h"
@@ -19,7 +18,6 @@ using test::TemporaryFolder;
 using test::waitFor;
 using test::whenModal;
 using testing::ElementsAre;
-using testing::UnorderedElementsAre;
 
 using Action = std::function<void(QFileDialog&)>;
 using Urls = std::vector<std::string>;
@@ -75,22 +73,6 @@ TEST(ChooseDialogsLinux, GivesTheUrlsOfSeveralFiles) {
   EXPECT_EQ(urls[0], "before");
   urls.erase(urls.begin());
   EXPECT_THAT(urls, testing::UnorderedElementsAreArray(expected));
-}
-
-TEST(ChooseDialogsLinux, GivesTheUrlOfOneFolderWithASlash) {
-  const TemporaryFolder folder;
-  folder.makeFolder("my f\u00F6lder 100%");
-  Urls urls;
-  EXPECT_TRUE(showFolder(urls, [&](QFileDialog& panel) {
-    EXPECT_EQ(panel.windowTitle(), "Choose folder");
-    EXPECT_EQ(panel.fileMode(), QFileDialog::Directory);
-    EXPECT_TRUE(panel.testOption(QFileDialog::ShowDirsOnly));
-    const auto* newFolder = panel.findChild<QToolButton*>("newFolderButton");
-    EXPECT_TRUE(newFolder != nullptr && newFolder->isVisible() && newFolder->isEnabled());
-    panel.setDirectory(QString::fromStdString(folder.path()));
-    enterAndConfirm(panel, QString::fromUtf8("my f\u00F6lder 100%"));
-  }));
-  EXPECT_THAT(urls, ElementsAre("file://" + folder.path() + "/my%20f%C3%B6lder%20100%25/"));
 }
 
 TEST(ChooseDialogsLinux, ReturnsFalseAndNothingWhenCancelledOrDestroyed) {

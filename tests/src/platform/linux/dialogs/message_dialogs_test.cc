@@ -114,22 +114,7 @@ bool ask(int kind, const std::function<void(QMessageBox&)>& answer,
   return createConfirmDialog()->ask(text, kind);
 }
 
-void clickButton(QMessageBox& question, const QString& name) {
-  for (QAbstractButton* candidate : question.buttons()) {
-    if (candidate->text().remove('&') == name) {
-      candidate->click();
-      return;
-    }
-  }
-  ADD_FAILURE() << "no button " << name.toStdString();
-  question.close();
-}
-
-TEST(ConfirmDialogLinux, IsTrueOnlyForYesHoweverItIsAnswered) {
-  EXPECT_TRUE(ask(0, [](QMessageBox& question) { clickButton(question, "Yes"); }));
-  EXPECT_FALSE(ask(0, [](QMessageBox& question) { clickButton(question, "No"); }));
-  EXPECT_TRUE(ask(0, [](QMessageBox& question) { QTest::keyClick(&question, Qt::Key_Return); }));
-  EXPECT_FALSE(ask(0, [](QMessageBox& question) { QTest::keyClick(&question, Qt::Key_Escape); }));
+TEST(ConfirmDialogLinux, IsFalseHoweverItsWindowIsClosed) {
   EXPECT_FALSE(ask(0, [](QMessageBox& question) { question.close(); }));
   auto* window = new QWidget;
   window->show();

@@ -37,14 +37,5 @@ TEST_F(DroppedItemsLinux, ALinkThatIsNoFileIsText) {
   EXPECT_TRUE(toDroppedItems(mime_).paths.empty());
 }
 
-TEST(KeyEventsLinux, TellCapsLockAndWhatTheKeyTypesWithoutControl) {
-  constexpr quint32 kLock = 2;  // of X11
-  const QKeyEvent copy(QEvent::KeyPress, Qt::Key_C, Qt::ControlModifier, 54, 'c', kLock, "\x03");
-  const SystemEvent event = toSystemEvent(copy);
-  EXPECT_EQ(event.modifiers, uint32_t{kControl} | uint32_t{kCapsLock});
-  EXPECT_EQ(event.characters, u"\x03");
-  EXPECT_EQ(event.charactersIgnoringModifiers, u"c");
-}
-
 }  // namespace
 }  // namespace client::test

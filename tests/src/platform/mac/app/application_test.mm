@@ -31,20 +31,6 @@ class ApplicationMac : public MacTest {
 
   static NSMenu* menu(NSString* title) { return [[[NSApp mainMenu] itemWithTitle:title] submenu]; }
 
-  // A line for each entry: its title, action and key, "shift" for a capital one.
-  static Calls entries(NSMenu* menu) {
-    Calls lines;
-    for (NSMenuItem* item in [menu itemArray]) {
-      const SEL action = [item action];
-      lines.push_back([item isSeparatorItem]
-                          ? "-"
-                          : textOf([item title]) + "|" +
-                                (action && ![item hasSubmenu] ? sel_getName(action) : "") + "|" +
-                                textOf([item keyEquivalent]));
-    }
-    return lines;
-  }
-
   static void press(NSString* key) {
     [NSApp sendEvent:[NSEvent keyEventWithType:NSKeyDown
                                             location:NSZeroPoint
@@ -58,22 +44,6 @@ class ApplicationMac : public MacTest {
                                              keyCode:0]];
   }
 };
-
-TEST_F(ApplicationMac, HasTheUsualMenusAndItsOwnCommands) {
-  const CApplicationMac application(std::make_unique<RecordingCommands>());
-  EXPECT_EQ(entries([NSApp mainMenu]), (Calls{"Zantrio||", "File||", "Edit||", "Window||"}));
-  EXPECT_EQ(entries(menu(@"Zantrio")),
-            (Calls{"About Zantrio|orderFrontStandardAboutPanel:|", "-", "Services||", "-",
-                   "Hide Zantrio|hide:|h", "Hide Others|hideOtherApplications:|h",
-                   "Show All|unhideAllApplications:|", "-", "Quit Zantrio|terminate:|q"}));
-  EXPECT_EQ(entries(menu(@"File")), (Calls{"New Message|newMessage:|n", "New Share|newShare:|N",
-                                           "-", "Close Window|performClose:|w"}));
-  EXPECT_EQ(entries(menu(@"Edit")),
-            (Calls{"Undo|undo:|z", "Redo|redo:|Z", "-", "Cut|cut:|x", "Copy|copy:|c",
-                   "Paste|paste:|v", "Select All|selectAll:|a"}));
-  EXPECT_EQ([NSApp servicesMenu], [[menu(@"Zantrio") itemWithTitle:@"Services"] submenu]);
-  EXPECT_EQ([NSApp windowsMenu], menu(@"Window"));
-}
 
 TEST_F(ApplicationMac, RunsCommandsAndReportsThatAnEventIsBeingSent) {
   {

@@ -93,6 +93,7 @@ void CFolderWalk::addEntry(const std::string& path, const std::string& relative,
 
 void CFolderWalk::addFile(const std::string& path, const std::string& relative,
                           const FileStatus& status) {
+  url_.clear();  // stays empty when the path cannot be converted
   filePathToUrl(path, false, url_);
   setFileItemJson(files_.append(Json::Value(Json::objectValue)), path, url_, relative, status);
 }

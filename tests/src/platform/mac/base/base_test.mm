@@ -1,3 +1,4 @@
+#include <json/value.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -9,6 +10,7 @@
 #include "bridge/platform_exceptions.h"
 #include "files/file_status.h"
 #include "files/file_url.h"
+#include "files/folder_walk.h"
 #include "services/file_permissions_retriever.h"
 #include "src/platform/mac/fakes/system_fake.h"
 #include "src/platform/mac/mac_fixture.h"
@@ -118,6 +120,21 @@ TEST_F(FilesMac, APathThatCannotBeConvertedLeavesTheUrlAndIsLogged) {
   EXPECT_TRUE(
       calls()[0].starts_with("log: Exception occurred while trying to convert file path to url: "))
       << calls()[0];
+}
+
+TEST_F(FilesMac, AWalkGivesAFileWhoseNameCannotBeConvertedNoUrl) {
+  for (const char* name : {"/a", "/\xFF", "/z"}) {
+    folder_.makeFile("walked" + std::string(name));
+  }
+  Json::Value files(Json::arrayValue);
+  const std::string root = folder_.path() + "/walked";
+  CFolderWalk(files, root).walk(root);
+  ASSERT_EQ(files.size(), 3U);
+  for (const Json::Value& file : files) {
+    const std::string name = file["name"].asString();
+    const bool isConvertible = name == "a" || name == "z";
+    EXPECT_EQ(file["fileURL"].asString(), isConvertible ? "file://" + root + "/" + name : "");
+  }
 }
 
 TEST_F(FilesMac, ReadsTheStatusAndPermissionsFromTheFileSystem) {

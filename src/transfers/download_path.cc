@@ -103,12 +103,16 @@ bool makeFolder(const std::string& path) {
 }  // namespace
 
 bool resolveDownloadPath(const Json::Value& parameters, std::string& path) {
-  const std::string summary = parameters.get("summary", Json::Value()).asString();
+  const Json::Value summary = parameters.get("summary", Json::Value());
+  if (!summary.isConvertibleTo(Json::stringValue)) {
+    logError(kLogPrefix, "the summary is no text!");
+    return false;
+  }
   std::string directory;
   if (!findDirectory(parameters, directory)) {
     return false;
   }
-  path = join(directory, summary);
+  path = join(directory, summary.asString());
   return makeFolder(path);
 }
 

@@ -132,6 +132,12 @@ TEST_F(DownloadPath, StaysInTheFolderWhateverTheSummary) {
   EXPECT_EQ(resolve(R"({"summary":".."})"), "none");  // cancelled, not refused
 }
 
+TEST_F(DownloadPath, IsNoneWhenTheSummaryIsNoText) {
+  EXPECT_EQ(resolve(R"({"autoDownload":true,"summary":{}})"), "none");
+  EXPECT_EQ(log.lines(),
+            std::vector<std::string>{std::string(kPrefix) + "the summary is no text!"});
+}
+
 TEST_F(DownloadPath, IsNoneWhenTheFolderCannotBeMade) {
   makeChoice();
   folder.makeFile("my ünit 100%/s", "a file");

@@ -254,7 +254,7 @@ TEST_F(Bridges, OfDownloadsAnswersNullForAGroupThatCannotBeCreatedOrIsUnknown) {
 }
 
 TEST_F(Bridges, OfDownloadsAnswersAFailureForAGroupWhoseParametersCannotBeRead) {
-  for (const char* parameters : {R"({"tokenExpires":"never"})", R"({"summary":{}})", "[]"}) {
+  for (const char* parameters : {R"({"tokenExpires":"never"})", R"({"token":{}})", "[]"}) {
     EXPECT_THAT(createDownload(parameters), StartsWith(kFailure)) << parameters;
   }
   EXPECT_THAT(services.calls, IsEmpty());

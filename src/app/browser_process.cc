@@ -39,11 +39,11 @@ void report(const std::string& text) {
   logError(text);
 }
 
-void reportMissing(const std::vector<std::string>& paths) {
-  for (const std::string& path : paths) {
+void reportMissing(const std::vector<std::string>& names) {
+  for (const std::string& name : names) {
     std::error_code error;
-    if (!std::filesystem::exists(std::filesystem::symlink_status(path, error))) {
-      std::cerr << "zantrio: " << shown_text::oneLine(path) << ": there is no such file"
+    if (!std::filesystem::exists(std::filesystem::symlink_status(name, error))) {
+      std::cerr << "zantrio: '" << shown_text::oneLine(name) << "': there is no such file"
                 << std::endl;
     }
   }
@@ -102,7 +102,7 @@ int BrowserProcess::start(const CefRefPtr<ZantrioApp>& application) {
 
 int BrowserProcess::runBrowser(const CefRefPtr<CefApp>& application, const StartOptions& options) {
   const std::vector<std::string> files = absolutePaths(options.files, workingFolder());
-  reportMissing(files);
+  reportMissing(options.files);
   std::string loadingPage;
   settings_->getLoadingPagePath(loadingPage);
   if (!std::filesystem::exists(loadingPage)) {

@@ -16,7 +16,14 @@ std::vector<std::string> absolutePaths(const std::vector<std::string>& names,
   std::vector<std::string> paths;
   paths.reserve(names.size());
   for (const std::string& name : names) {
-    paths.push_back((std::filesystem::path(folder) / name).lexically_normal().string());
+    std::filesystem::path path = (std::filesystem::path(folder) / name).lexically_normal();
+    if (name.empty() || path.is_relative()) {
+      continue;
+    }
+    if (!path.has_filename()) {
+      path = path.parent_path();  // without the slash behind a folder's name
+    }
+    paths.push_back(path.string());
   }
   return paths;
 }

@@ -3,9 +3,9 @@
 namespace zantrio {
 namespace {
 
-// A single dash is a file name.
+// A single dash names no file either: nothing is read from the standard input.
 bool isOption(const std::string& argument) {
-  return argument.size() > 1 && argument[0] == '-';
+  return argument.starts_with('-');
 }
 
 void readOption(const std::string& argument, StartOptions& options) {

@@ -13,16 +13,17 @@ namespace {
 using Texts = std::vector<std::string>;
 
 TEST(StartOptions, TakeWhatIsNoOptionAsFiles) {
-  const StartOptions options = parseStartOptions({"a", "-", "--", "--help", "-x"});
-  EXPECT_EQ(options.files, (Texts{"a", "-", "--help", "-x"}));
+  const StartOptions options = parseStartOptions({"a", "--", "--help", "-"});
+  EXPECT_EQ(options.files, (Texts{"a", "--help", "-"}));
   EXPECT_FALSE(options.help);
+  EXPECT_NE(parseStartOptions({"-"}).error, "");
   EXPECT_FALSE(parseStartOptions({"off-screen-rendering"}).offScreenRendering);
   EXPECT_TRUE(parseStartOptions({"a", "--off-screen-rendering"}).offScreenRendering);
 }
 
-TEST(OpenFiles, BecomeAbsoluteUnlessTheirFolderIsGone) {
-  EXPECT_EQ(absolutePaths({"x", "../y/", "/z", "./a b"}, "/here/now"),
-            (Texts{"/here/now/x", "/here/y/", "/z", "/here/now/a b"}));
+TEST(OpenFiles, BecomeAbsoluteWithoutASlashBehindAFolderUnlessTheirFolderIsGone) {
+  EXPECT_EQ(absolutePaths({"x", "../y/", "/z", "./a b", "", ".", "/"}, "/here/now"),
+            (Texts{"/here/now/x", "/here/y", "/z", "/here/now/a b", "/here/now", "/"}));
 
   const test::TestBundle place;
   const auto before = std::filesystem::current_path();
@@ -30,7 +31,7 @@ TEST(OpenFiles, BecomeAbsoluteUnlessTheirFolderIsGone) {
   std::filesystem::current_path(place.folder() + "/gone");
   std::filesystem::remove(place.folder() + "/gone");
   EXPECT_EQ(workingFolder(), "");
-  EXPECT_EQ(absolutePaths({"/z"}, workingFolder()), (Texts{"/z"}));
+  EXPECT_EQ(absolutePaths({"/z", "x", ""}, workingFolder()), (Texts{"/z"}));
   std::filesystem::current_path(before);
   EXPECT_EQ(workingFolder(), before.string());
 }

@@ -3,17 +3,8 @@
 #include <json/reader.h>
 #include <json/writer.h>
 
-#include <memory>
-
 namespace zantrio {
 namespace {
-
-Json::CharReaderBuilder makeReaderBuilder() {
-  Json::CharReaderBuilder builder;
-  builder["collectComments"] = false;
-  builder["allowTrailingCommas"] = false;
-  return builder;
-}
 
 Json::StreamWriterBuilder makeWriterBuilder() {
   Json::StreamWriterBuilder builder;
@@ -25,9 +16,12 @@ Json::StreamWriterBuilder makeWriterBuilder() {
 }  // namespace
 
 bool parseJson(const std::string& text, Json::Value& value) {
-  static const Json::CharReaderBuilder builder = makeReaderBuilder();
-  const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
-  return reader->parse(text.data(), text.data() + text.size(), &value, nullptr);
+// The library's newer reader would also take numbers with a plus sign.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+  constexpr bool kCollectComments = false;
+  return Json::Reader().parse(text, value, kCollectComments);
+#pragma GCC diagnostic pop
 }
 
 std::string writeCompactJson(const Json::Value& value) {

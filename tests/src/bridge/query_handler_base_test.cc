@@ -55,7 +55,8 @@ class QueryDispatch : public testing::Test {
 };
 
 TEST_F(QueryDispatch, RefusesWithFixedTexts) {
-  for (const char* request : {"abc", "", "{", "[1,]", R"({"method":"zeta",})"}) {
+  for (const char* request : {"abc", "", "{", "[1,]", R"({"method":"zeta",})", "\xEF\xBB\xBF{}",
+                              R"({"method":"zeta","parameters":+1})"}) {
     expectFailure(request, "Failed to parse JSON");
   }
   EXPECT_EQ(log.lines().back(), "error Failed to parse JSON!");

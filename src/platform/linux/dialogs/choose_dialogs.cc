@@ -3,7 +3,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QHeaderView>
+#include <QLineEdit>
 #include <QPointer>
 #include <QSettings>
 #include <QSplitter>
@@ -71,12 +73,33 @@ void setAppearance(QFileDialog& panel) {
   }
 }
 
-std::vector<std::string> chosenIn(const QFileDialog& panel) {
-  std::vector<std::string> urls;
-  for (const QUrl& chosen : panel.selectedUrls()) {
-    if (chosen.isLocalFile()) {
-      filePathToUrl(QFile::encodeName(chosen.toLocalFile()).toStdString(), urls.emplace_back());
+// Qt's dialog drops typed paths that lie in other folders than the one it shows.
+QStringList typedAbsoluteFiles(const QFileDialog& panel) {
+  const auto* const field = panel.findChild<QLineEdit*>();
+  const QStringList words = field ? field->text().split('"') : QStringList();
+  QStringList files;
+  for (qsizetype quoted = 1; quoted < words.size(); quoted += 2) {
+    if (const QFileInfo file(words[quoted]); file.isAbsolute() && file.isFile()) {
+      files << file.filePath();
     }
+  }
+  return files;
+}
+
+// Folders have no slash at the end, because the page takes their names from the last component.
+std::vector<std::string> chosenIn(const QFileDialog& panel, ItemPanelKind kind) {
+  QStringList paths;
+  for (const QUrl& chosen : panel.selectedUrls()) {
+    paths << chosen.adjusted(QUrl::StripTrailingSlash).toLocalFile();
+  }
+  if (kind == ItemPanelKind::kFiles) {
+    paths << typedAbsoluteFiles(panel);
+  }
+  paths.removeDuplicates();
+  paths.removeAll(QString());  // not local
+  std::vector<std::string> urls;
+  for (const QString& path : paths) {
+    filePathToUrl(QFile::encodeName(path).toStdString(), false, urls.emplace_back());
   }
   return urls;
 }
@@ -93,7 +116,8 @@ bool runPanel(ItemPanelKind kind, const std::string& title, std::vector<std::str
   if (panel) {
     lastFolder.set(panel->directory().absolutePath());
   }
-  const std::vector<std::string> urls = accepted ? chosenIn(*panel) : std::vector<std::string>();
+  const std::vector<std::string> urls =
+      accepted ? chosenIn(*panel, kind) : std::vector<std::string>();
   delete panel;
   chosenUrls.insert(chosenUrls.end(), urls.begin(), urls.end());
   return !urls.empty();

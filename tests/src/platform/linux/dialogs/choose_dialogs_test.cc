@@ -75,6 +75,28 @@ TEST(ChooseDialogsLinux, GivesTheUrlsOfSeveralFiles) {
   EXPECT_THAT(urls, testing::UnorderedElementsAreArray(expected));
 }
 
+TEST(ChooseDialogsLinux, GivesFilesThatAreTypedWithPathsInSeveralFolders) {
+  const TemporaryFolder folder;
+  const std::string paths[] = {folder.makeFile("a/1"), folder.makeFile("b/2")};
+  Urls urls;
+  EXPECT_TRUE(showFiles(urls, [&](QFileDialog& panel) {
+    panel.setDirectory(QString::fromStdString(folder.path() + "/a"));
+    enterAndConfirm(panel, quoted(paths[0]) + ' ' + quoted(paths[1]));
+  }));
+  EXPECT_THAT(urls, testing::UnorderedElementsAre("file://" + paths[0], "file://" + paths[1]));
+}
+
+TEST(ChooseDialogsLinux, GivesTheUrlOfOneFolderWithoutASlash) {
+  const TemporaryFolder folder;
+  folder.makeFolder("my folder");
+  Urls urls;
+  EXPECT_TRUE(showFolder(urls, [&](QFileDialog& panel) {
+    panel.setDirectory(QString::fromStdString(folder.path()));
+    enterAndConfirm(panel, "my folder");
+  }));
+  EXPECT_THAT(urls, ElementsAre("file://" + folder.path() + "/my%20folder"));
+}
+
 TEST(ChooseDialogsLinux, ReturnsFalseAndNothingWhenCancelledOrDestroyed) {
   Urls urls = {"before"};
   EXPECT_FALSE(showFiles(urls, [](QFileDialog& panel) { panel.reject(); }));

@@ -3,6 +3,7 @@
 #include <exception>
 
 #include "app/log/logger.h"
+#include "bridge/bridge_names.h"
 #include "files/query_handler_file_handle_chooser.h"
 #include "services/query_handler_address_book_manager.h"
 #include "services/query_handler_event_notification.h"
@@ -20,12 +21,12 @@ QueryHandlerRegistry::HandlerPtr create() {
 
 const std::vector<QueryBridge>& applicationBridges() {
   static const std::vector<QueryBridge> bridges = {
-      {"nativeAppBridge_IPC", create<CQueryHandlerNativeApp>},
-      {"uploadManagerBridge_IPC", create<CQueryHandlerUploadManager>},
-      {"downloadManagerBridge_IPC", create<CQueryHandlerDownloadManager>},
-      {"fileHandleChooserBridge_IPC", create<CQueryHandlerFileHandleChooser>},
-      {"eventNotificationBridge_IPC", create<CQueryHandlerEventNotification>},
-      {"addressBookSearchManagerBridge_IPC", create<CQueryHandlerAddressBookManager>},
+      {bridge_names::kNativeApp, create<CQueryHandlerNativeApp>},
+      {bridge_names::kUploads, create<CQueryHandlerUploadManager>},
+      {bridge_names::kDownloads, create<CQueryHandlerDownloadManager>},
+      {bridge_names::kFiles, create<CQueryHandlerFileHandleChooser>},
+      {bridge_names::kNotifications, create<CQueryHandlerEventNotification>},
+      {bridge_names::kAddressBook, create<CQueryHandlerAddressBookManager>},
   };
   return bridges;
 }

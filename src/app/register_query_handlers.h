@@ -15,8 +15,7 @@ struct QueryBridge {
 };
 
 // Creates the handler of every bridge and stores it in QueryHandlerRegistry under the bridge's
-// name. A bridge whose handler cannot be created is logged and left out. Thread: UI, or the render
-// process's main thread.
+// name. A bridge whose handler cannot be created is logged and left out. Thread: UI.
 void registerQueryHandlers();
 void registerQueryHandlers(const std::vector<QueryBridge>& bridges);
 

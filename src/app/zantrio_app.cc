@@ -7,7 +7,7 @@
 #include "app/log/logger.h"
 #include "app/open_files.h"
 #include "app/register_query_handlers.h"
-#include "bridge/query_handler_registry.h"
+#include "bridge/bridge_names.h"
 #include "browser/loading_page.h"
 #include "browser/zt_cef_handler.h"
 #include "include/wrapper/cef_helpers.h"
@@ -105,8 +105,8 @@ bool ZantrioApp::OnAlreadyRunningAppRelaunch(CefRefPtr<CefCommandLine> command_l
 void ZantrioApp::OnWebKitInitialized() {
   CEF_REQUIRE_RENDERER_THREAD();
   guarded("OnWebKitInitialized", [this] {
-    registerQueryHandlers();
-    for (const auto& [name, handler] : QueryHandlerRegistry::instance().entries()) {
+    // Every bridge has its function, even one whose handler the browser process cannot create.
+    for (const char* const name : bridge_names::kAll) {
       CefMessageRouterConfig config;
       config.js_query_function = name;
       routers_.push_back(CefMessageRouterRendererSide::Create(config));

@@ -12,8 +12,7 @@
 namespace zantrio {
 
 // Maps the bridges' names to their handlers, in ascending byte order of the names. One per process,
-// filled when the main browser window has been created and cleared when it closes. Thread: UI, or
-// the render process's main thread.
+// filled when the main browser window has been created and cleared when it closes. Thread: UI.
 class QueryHandlerRegistry {
  public:
   using HandlerPtr = Poco::SharedPtr<IQueryHandler>;

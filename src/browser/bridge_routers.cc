@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "app/log/logger.h"
+#include "bridge/bridge_names.h"
 #include "bridge/query_handler_context.h"
-#include "bridge/query_handler_registry.h"
 #include "include/wrapper/cef_helpers.h"
 
 namespace zantrio {
@@ -37,6 +37,17 @@ void BridgeRouters::connect(const QueryHandlerContext& context) {
     router->AddHandler(handler.get(), false);
     handler->setHandlerData(context);
     routers_.push_back(router);
+  }
+  refuseQueriesOfMissing(entries);
+}
+
+// A router without a handler answers every query as cancelled.
+void BridgeRouters::refuseQueriesOfMissing(const QueryHandlerRegistry::Entries& entries) {
+  for (const char* const name : bridge_names::kAll) {
+    const auto router = entries.contains(name) ? nullptr : createRouter(name);
+    if (router) {
+      routers_.push_back(router);
+    }
   }
 }
 

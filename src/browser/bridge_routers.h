@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "bridge/query_handler_registry.h"
 #include "include/cef_browser.h"
 #include "include/wrapper/cef_message_router.h"
 
@@ -13,8 +14,9 @@ struct QueryHandlerContext;
 // dispatches the page's queries to the bridge's handler (CQueryHandlerBase::OnQuery). Thread: UI.
 class BridgeRouters {
  public:
-  // Creates a router for every registered handler and hands the handler the context. A bridge
-  // without a handler or router is logged and stays unconnected.
+  // Creates a router for every registered handler and hands the handler the context. A null handler
+  // or a router that cannot be created is logged and leaves its bridge unconnected. The queries of
+  // bridges that are not registered are cancelled.
   void connect(const QueryHandlerContext& context);
 
   // Passes the message to every router, even after one has handled it; true when one did.
@@ -27,6 +29,8 @@ class BridgeRouters {
   void close(const CefRefPtr<CefBrowser>& browser);
 
  private:
+  void refuseQueriesOfMissing(const QueryHandlerRegistry::Entries& entries);
+
   std::vector<CefRefPtr<CefMessageRouterBrowserSide>> routers_;
 };
 

@@ -30,6 +30,7 @@ class QueryCallback final : public CefMessageRouterBrowserSideCallback {
   const CefRefPtr<BrowserSide> router_;
   const int64_t query_;
   const bool persistent_;
+  std::atomic<bool> answered_{false};
   std::atomic<bool> ended_{false};
   IMPLEMENT_REFCOUNTING(QueryCallback);
 };
@@ -95,8 +96,9 @@ class BrowserSide final : public CefMessageRouterBrowserSide {
   std::map<PageKey, int64_t> idOfKey_;
 };
 
+// A persistent query that has been answered stays open until the page cancels it or goes away.
 QueryCallback::~QueryCallback() {
-  if (!ended_) {
+  if (!answered_) {
     respond({0, 0, false, kCanceledCode, kCanceledText}, true);
   }
 }
@@ -113,6 +115,7 @@ void QueryCallback::respond(ResponseMessage message, bool last) {
   if (last ? ended_.exchange(true) : ended_.load()) {
     return;
   }
+  answered_ = true;
   if (CefCurrentlyOn(TID_UI)) {
     router_->respond(query_, std::move(message), last);
     return;

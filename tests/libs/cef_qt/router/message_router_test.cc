@@ -106,6 +106,18 @@ TEST(MessageRouter, RespondsToPersistentQueriesRepeatedlyUntilTheyFail) {
             "1 2 3 9end");
 }
 
+TEST(MessageRouter, KeepsAnAnsweredPersistentQueryOpenUntilThePageCancelsIt) {
+  TestBrowser page(kAsk);
+  page.run(
+      "window.all = ''; window.id = testQuery({request: 'p', persistent: true, onSuccess: r => "
+      "all += r, onFailure: (c, m) => all += c + m})");
+  EXPECT_EQ(page.evaluate("ask('after').then(() => all)"), "p");
+  EXPECT_EQ(page.client().pendingQueries(), 1);
+  EXPECT_EQ(page.evaluate("cefQueryCancel(id)"), "true");
+  EXPECT_TRUE(runUntil([&] { return page.client().canceled.size() == 1; }));
+  EXPECT_EQ(page.client().pendingQueries(), 0);
+}
+
 // A page with a pending query.
 class PendingQuery : public testing::Test {
  protected:

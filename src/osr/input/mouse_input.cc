@@ -1,5 +1,7 @@
 #include "osr/input/mouse_input.h"
 
+#include <cmath>
+
 #include "osr/input/system_event.h"
 #include "osr/renderer/osr_renderer.h"
 
@@ -37,6 +39,13 @@ PopupPosition popupPositionOf(OsrView& view) {
   const OsrRenderer& renderer = view.renderer();
   return {view.convertRectFromBacking(renderer.popupRect()),
           view.convertRectFromBacking(renderer.givenPopupRect())};
+}
+
+// Adds to the rest and takes its whole part out.
+int takeWhole(double& rest, double delta) {
+  const double whole = std::trunc(rest + delta);
+  rest += delta - whole;
+  return static_cast<int>(whole);
 }
 
 CefMouseEvent recordOf(const SystemEvent& event, const PopupPosition& popup) {
@@ -145,7 +154,8 @@ void MouseInput::sendMouseMove(const SystemEvent& event, bool leaves) {
 void MouseInput::sendScrollWheel(const SystemEvent& event) {
   if (const CefRefPtr<CefBrowserHost> target = host()) {
     target->SendMouseWheelEvent(recordOf(event, popupPositionOf(view_)),
-                                static_cast<int>(event.deltaX), static_cast<int>(event.deltaY));
+                                takeWhole(unsentScrolling_.x, event.deltaX),
+                                takeWhole(unsentScrolling_.y, event.deltaY));
   }
 }
 

@@ -50,6 +50,8 @@ class MouseInput {
   OsrView& view_;
   Rotation rotation_;
   bool wasLastMouseDownOnView_ = false;
+  // Scrolled by the system but not yet by the browser, which takes whole points only.
+  OsrPoint unsentScrolling_{0, 0};
 };
 
 }  // namespace client

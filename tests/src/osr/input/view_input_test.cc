@@ -134,6 +134,11 @@ TEST_F(MouseInputTest, SendsPressesMovesAndWheels) {
   wheel.deltaX = -3;
   wheel.deltaY = 120;
   EXPECT_THAT(sent(wheel), ElementsAre("wheel 10,10 flags 0 by -3,120"));
+  wheel.deltaX = -0.5;
+  wheel.deltaY = 0.75;
+  for (const char* whole : {"0,0", "-1,1", "0,1", "-1,1"}) {
+    EXPECT_THAT(sent(wheel), ElementsAre(std::string("wheel 10,10 flags 0 by ") + whole));
+  }
 }
 
 TEST_F(MouseInputTest, MapsPointsOverADisplacedPopupToItsOriginalPosition) {

@@ -2,6 +2,7 @@
 
 #include <QInputDialog>
 #include <QMessageBox>
+#include <QTextDocument>
 #include <utility>
 
 #include "base/qt_text.h"
@@ -43,7 +44,8 @@ QDialog* makeMessage(const JsDialog::Request& request, QWidget* parent) {
 
 QDialog* makePrompt(const JsDialog::Request& request, QWidget* parent) {
   auto* prompt = new QInputDialog(parent);
-  prompt->setLabelText(request.text.toHtmlEscaped());
+  // The page's text is not markup, and an ampersand in it marks no key, as it would in plain text.
+  prompt->setLabelText(Qt::convertFromPlainText(request.text));
   prompt->setTextValue(request.proposal);
   return prompt;
 }

@@ -9,6 +9,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QTest>
+#include <QTextDocument>
 #include <QTimer>
 #include <QUrl>
 #include <QWebEngineView>
@@ -153,9 +154,13 @@ TEST(View, ShowsTheDialogsThatTheClientLeavesToIt) {
   box->button(QMessageBox::Ok)->click();
   EXPECT_TRUE(page.waitFor("confirm true"));
 
-  page.run("testQuery({request: 'prompt ' + prompt('name?', 'proposal')})");
+  page.run("testQuery({request: 'prompt ' + prompt('<Tom> & Jerry', 'proposal')})");
   auto* prompt = openDialog<QInputDialog>();
   ASSERT_TRUE(prompt);
+  QTextDocument shown;
+  shown.setHtml(prompt->labelText());
+  EXPECT_EQ(shown.toPlainText(), "<Tom> & Jerry");
+  EXPECT_TRUE(Qt::mightBeRichText(prompt->labelText()));
   EXPECT_EQ(prompt->textValue(), "proposal");
   prompt->setTextValue("chosen");
   prompt->accept();

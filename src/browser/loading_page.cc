@@ -17,7 +17,7 @@ std::string loadingPageUrl(const CAppSettings& settings) {
   std::string path;
   settings.getLoadingPagePath(path);
   std::string url;
-  Poco::URI::encode(kFileScheme + path, "", url);
+  Poco::URI::encode(kFileScheme + path, "?#", url);
   return url;
 }
 

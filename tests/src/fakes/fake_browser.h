@@ -45,6 +45,21 @@ class FakeFrame : public CefFrame {
   IMPLEMENT_REFCOUNTING(FakeFrame);
 };
 
+class FakeNavigationEntry : public CefNavigationEntry {
+ public:
+  FakeNavigationEntry(CefString url, int status) : url_(std::move(url)), status_(status) {}
+
+  bool IsValid() override { return true; }
+  CefString GetURL() override { return url_; }
+  int GetHttpStatusCode() override { return status_; }
+
+ private:
+  const CefString url_;
+  const int status_;
+
+  IMPLEMENT_REFCOUNTING(FakeNavigationEntry);
+};
+
 // A host that records its calls as lines, as in "click 10,20 flags 16 left down x2".
 class FakeHost : public CefBrowserHost {
  public:
@@ -53,6 +68,7 @@ class FakeHost : public CefBrowserHost {
   void CloseBrowser(bool force_close) override;
   CefWindowHandle GetWindowHandle() override { return kNullWindowHandle; }
   void SetFocus(bool focus) override { focused = focus; }
+  CefRefPtr<CefNavigationEntry> GetVisibleNavigationEntry() override { return shown; }
   void WasResized() override { lines.emplace_back("resized"); }
   void WasHidden(bool /*hidden*/) override {}
   void NotifyScreenInfoChanged() override { lines.emplace_back("screen info"); }
@@ -79,6 +95,7 @@ class FakeHost : public CefBrowserHost {
   std::vector<bool> closeCalls;  // the force of each
   std::function<void()> onClose;
   bool focused = false;
+  CefRefPtr<CefNavigationEntry> shown;  // null: nothing yet
   std::vector<std::string> lines;
   CefRefPtr<CefDragData> entered;
   std::function<void(PaintElementType)> onInvalidate;

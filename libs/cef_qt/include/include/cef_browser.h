@@ -7,6 +7,7 @@
 #include "include/cef_base.h"
 #include "include/cef_drag_data.h"
 #include "include/cef_frame.h"
+#include "include/cef_navigation_entry.h"
 #include "include/cef_process_message.h"
 #include "include/cef_request_context.h"
 #include "include/cef_values.h"
@@ -52,6 +53,8 @@ class CefBrowserHost : public virtual CefBaseRefCounted {
   virtual void CloseBrowser(bool force_close) = 0;
   virtual CefWindowHandle GetWindowHandle() = 0;
   virtual void SetFocus(bool focus) = 0;
+  // The page that is shown; null after OnBeforeClose. UI thread.
+  virtual CefRefPtr<CefNavigationEntry> GetVisibleNavigationEntry() = 0;
 
   // The following methods affect off-screen browsers only.
   virtual void WasResized() = 0;

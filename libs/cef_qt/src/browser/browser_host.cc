@@ -1,6 +1,7 @@
 #include "browser/browser_host.h"
 
 #include <cstdio>
+#include <utility>
 
 #include "base/qt_text.h"
 #include "browser/browser_window.h"
@@ -8,6 +9,23 @@
 #include "threads/threads.h"
 
 namespace cef_qt {
+namespace {
+
+class NavigationEntry final : public CefNavigationEntry {
+ public:
+  NavigationEntry(CefString url, int status) : url_(std::move(url)), status_(status) {}
+
+  bool IsValid() override { return true; }
+  CefString GetURL() override { return url_; }
+  int GetHttpStatusCode() override { return status_; }
+
+ private:
+  const CefString url_;
+  const int status_;
+  IMPLEMENT_REFCOUNTING(NavigationEntry);
+};
+
+}  // namespace
 
 void BrowserHost::CloseBrowser(bool force_close) {
   postTo(TID_UI, [browser = browser_, force_close] { browser->close(force_close); });
@@ -23,6 +41,11 @@ void BrowserHost::SetFocus(bool focus) {
       browser->window()->setFocus(focus);
     }
   });
+}
+
+CefRefPtr<CefNavigationEntry> BrowserHost::GetVisibleNavigationEntry() {
+  const BrowserWindow* const window = browser_->window();
+  return window ? new NavigationEntry(fromQt(window->url()), window->httpStatus()) : nullptr;
 }
 
 }  // namespace cef_qt

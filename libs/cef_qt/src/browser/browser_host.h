@@ -16,6 +16,7 @@ class BrowserHost : public CefBrowserHost {
   void CloseBrowser(bool force_close) override;
   CefWindowHandle GetWindowHandle() override;
   void SetFocus(bool focus) override;
+  CefRefPtr<CefNavigationEntry> GetVisibleNavigationEntry() override;
 
   // Without effect on browsers in windows of their own.
   void WasResized() override {}

@@ -139,6 +139,10 @@ bool BrowserWindow::isLoading() const {
   return page_->isLoading();
 }
 
+int BrowserWindow::httpStatus() const {
+  return page_->httpStatus();
+}
+
 void BrowserWindow::runScript(const QString& script) {
   channel_.flush();
   page_->runJavaScript(script);

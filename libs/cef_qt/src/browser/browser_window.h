@@ -43,6 +43,8 @@ class BrowserWindow {
   void reload();
   void stop();
   bool isLoading() const;
+  // See Page::httpStatus.
+  int httpStatus() const;
   // Runs a script in the main frame, after all responses that were sent before.
   void runScript(const QString& script);
 

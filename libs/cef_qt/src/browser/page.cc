@@ -95,7 +95,7 @@ Page::Page(QWebEngineProfile* profile, Browser* browser, const CefBrowserSetting
     ownScript();
   }
   connect(this, &QWebEnginePage::renderProcessTerminated, this, &Page::renderProcessEnded);
-  connect(this, &QWebEnginePage::loadStarted, this, [this] { processGone_ = false; });
+  connect(this, &QWebEnginePage::loadingChanged, this, &Page::loadingChanged);
   connect(this, &QWebEnginePage::geometryChangeRequested, this, [this](const QRect& rect) {
     if (browser_->window()) {
       browser_->window()->setGeometry({rect.x(), rect.y(), rect.width(), rect.height()});
@@ -248,6 +248,21 @@ void Page::javaScriptConsoleMessage(JavaScriptConsoleMessageLevel level, const Q
   const cef_log_severity_t severities[] = {LOGSEVERITY_INFO, LOGSEVERITY_WARNING,
                                            LOGSEVERITY_ERROR};
   BrowserLog::instance().console(severities[level], text, line, source);
+}
+
+void Page::loadingChanged(const QWebEngineLoadingInfo& info) {
+  switch (info.status()) {
+    case QWebEngineLoadingInfo::LoadStartedStatus:
+      processGone_ = false;
+      break;
+    case QWebEngineLoadingInfo::LoadStoppedStatus:
+      break;  // a download, say: the page stays
+    case QWebEngineLoadingInfo::LoadSucceededStatus:
+    case QWebEngineLoadingInfo::LoadFailedStatus:
+      httpStatus_ =
+          info.errorDomain() == QWebEngineLoadingInfo::HttpStatusCodeDomain ? info.errorCode() : 0;
+      break;
+  }
 }
 
 void Page::renderProcessEnded(RenderProcessTerminationStatus status, int exitCode) {

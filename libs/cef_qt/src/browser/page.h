@@ -4,6 +4,7 @@
 #include <QDialog>
 #include <QElapsedTimer>
 #include <QPointer>
+#include <QWebEngineLoadingInfo>
 #include <QWebEnginePage>
 #include <functional>
 
@@ -27,6 +28,9 @@ class Page final : public QWebEnginePage {
   void askToClose();
   // Adds the bridge's script to this page itself; see Profile::isScriptLost.
   void ownScript();
+
+  // The status of the HTTP response that was loaded last; 0 if there was none.
+  int httpStatus() const { return httpStatus_; }
 
   // The number of dialogs that wait inside callbacks of Chromium. The page must not be deleted
   // while there are any.
@@ -56,6 +60,7 @@ class Page final : public QWebEnginePage {
   // Asks the client from a task and runs a nested loop until the result is there.
   JsDialog::Result askClient(cef_jsdialog_type_t type, const QUrl& origin, const QString& text,
                              const QString& proposal);
+  void loadingChanged(const QWebEngineLoadingInfo& info);
   void renderProcessEnded(RenderProcessTerminationStatus status, int exitCode);
   // Reloads the page unless its process keeps crashing.
   void recover();
@@ -65,6 +70,7 @@ class Page final : public QWebEnginePage {
   Browser* const browser_;
   const CefBrowserSettings settings_;
   bool askedToClose_ = false;
+  int httpStatus_ = 0;
   bool processGone_ = false;  // and no new process was started
   QPointer<QDialog> leaveDialog_;
   QElapsedTimer recovered_;

@@ -2,6 +2,7 @@
 #include <signal.h>
 
 #include <algorithm>
+#include <atomic>
 #include <filesystem>
 #include <fstream>
 
@@ -9,6 +10,7 @@
 #include "include/cef_browser.h"
 #include "include/wrapper/cef_closure_task.h"
 #include "support/framework.h"
+#include "support/http_service.h"
 #include "support/test_browser.h"
 
 namespace cef_test {
@@ -142,6 +144,36 @@ TEST(Browser, ReloadsAPageWhoseProcessEndedForAClientThatDoesNotCareButNotWhileI
   killRenderProcesses();
   page.browser()->GetHost()->CloseBrowser(false);
   EXPECT_TRUE(page.waitForEvent("closed"));
+}
+
+TEST(Browser, TellsTheStatusOfThePageThatItShows) {
+  std::atomic<bool> isFileServed{false};
+  const zantrio::test::HttpService service([&](auto& request, auto& response) {
+    if (request.getURI() == "/404") {
+      response.setStatus(Poco::Net::HTTPResponse::HTTP_NOT_FOUND);
+    } else if (request.getURI() == "/file") {
+      response.set("Content-Disposition", "attachment");
+    }
+    response.send() << "<p>a page";
+    isFileServed = request.getURI() == "/file";
+  });
+  Poco::Net::ServerSocket unused(Poco::Net::SocketAddress("127.0.0.1", 0));
+  const std::string nowhere = "http://" + unused.address().toString() + "/";
+  unused.close();
+  TestBrowser page("");
+  const auto shown = [&] { return page.browser()->GetHost()->GetVisibleNavigationEntry(); };
+  for (const auto& [url, status] :
+       {std::pair(service.url("/404"), 404), {nowhere, 0}, {service.url("/page"), 200}}) {
+    page.frame()->LoadURL(url);
+    EXPECT_TRUE(runUntil([&, url = url] {
+      return shown()->GetURL().ToString() == url && !page.browser()->IsLoading();
+    }));
+    EXPECT_EQ(shown()->GetHttpStatusCode(), status) << url;
+  }
+  page.frame()->LoadURL(service.url("/file"));
+  EXPECT_TRUE(runUntil([&] { return isFileServed && !page.browser()->IsLoading(); }));
+  EXPECT_EQ(shown()->GetURL().ToString(), service.url("/page"));
+  EXPECT_EQ(shown()->GetHttpStatusCode(), 200);
 }
 
 TEST(Browser, GoesBackInItsHistoryToAPageWhoseQueriesWork) {

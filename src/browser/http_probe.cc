@@ -27,7 +27,8 @@ int abortWhenStopped(void* stop, curl_off_t /*downTotal*/, curl_off_t /*down*/,
   return static_cast<const std::stop_token*>(stop)->stop_requested() ? 1 : 0;
 }
 
-CurlPtr createRequest(const std::string& url, const std::stop_token& stop) {
+CurlPtr createRequest(const std::string& url, const std::string& userAgent,
+                      const std::stop_token& stop) {
   static std::once_flag initialized;
   std::call_once(initialized, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
   CurlPtr request(curl_easy_init());
@@ -35,6 +36,7 @@ CurlPtr createRequest(const std::string& url, const std::stop_token& stop) {
     return request;
   }
   curl_easy_setopt(request.get(), CURLOPT_URL, url.c_str());
+  curl_easy_setopt(request.get(), CURLOPT_USERAGENT, userAgent.c_str());
   curl_easy_setopt(request.get(), CURLOPT_PROTOCOLS_STR, "http,https");
   curl_easy_setopt(request.get(), CURLOPT_FOLLOWLOCATION, 1L);
   curl_easy_setopt(request.get(), CURLOPT_MAXREDIRS, kMaxRedirects);
@@ -49,15 +51,15 @@ CurlPtr createRequest(const std::string& url, const std::stop_token& stop) {
   return request;
 }
 
-// The user signs in on the page, to the service or to a proxy.
+}  // namespace
+
 bool promisesPage(long status) {
   return (status >= 200 && status < 400) || status == 401 || status == 403 || status == 407;
 }
 
-}  // namespace
-
-bool probeWithHttp(const std::string& url, const std::stop_token& stop) {
-  const CurlPtr request = createRequest(url, stop);
+bool probeWithHttp(const std::string& url, const std::string& userAgent,
+                   const std::stop_token& stop) {
+  const CurlPtr request = createRequest(url, userAgent, stop);
   if (!request) {
     return false;
   }

@@ -6,11 +6,17 @@
 
 namespace zantrio {
 
-// Whether `url` can be loaded: a GET is answered with a status that promises a page or asks the
-// user to sign in. Blocks for a few seconds at most; returns false soon after a stop was requested.
-// Thread: any.
-using ReachabilityProbe = std::function<bool(const std::string& url, const std::stop_token& stop)>;
+// Whether `url` can be loaded: a GET of this user agent is answered with a status that promises a
+// page. Uses the proxies that the environment names, like the browser. Blocks for a few seconds at
+// most; returns false soon after a stop was requested. Thread: any.
+using ReachabilityProbe = std::function<bool(const std::string& url, const std::string& userAgent,
+                                             const std::stop_token& stop)>;
 
-bool probeWithHttp(const std::string& url, const std::stop_token& stop);
+bool probeWithHttp(const std::string& url, const std::string& userAgent,
+                   const std::stop_token& stop);
+
+// Whether a response with this HTTP status shows a page or asks the user to sign in, to the service
+// or to a proxy.
+bool promisesPage(long status);
 
 }  // namespace zantrio

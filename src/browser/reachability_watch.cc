@@ -1,7 +1,6 @@
 #include "browser/reachability_watch.h"
 
-#include <json/writer.h>
-
+#include <algorithm>
 #include <atomic>
 #include <utility>
 
@@ -11,6 +10,7 @@
 #include "include/base/cef_bind.h"
 #include "include/base/cef_callback.h"
 #include "include/cef_frame.h"
+#include "include/cef_navigation_entry.h"
 #include "include/wrapper/cef_closure_task.h"
 #include "include/wrapper/cef_helpers.h"
 
@@ -18,20 +18,12 @@ namespace zantrio {
 namespace {
 
 constexpr std::int64_t kCheckPeriodMs = 250;
-// Number of consecutive checks of a quiet page before the service is probed: one second, or two
-// while the loading page shows that the service is unreachable.
-constexpr int kQuietChecks = 4;
-constexpr int kQuietChecksBeforeRetry = 8;
-
-// The service may have become reachable between the page's load and the probe. Does nothing on a
-// page that has loaded.
-std::string retryOnErrorPage(const std::string& appUrl) {
-  return "(function () {"
-         " var entry = performance.getEntriesByType('navigation')[0];"
-         " if (location.protocol === 'chrome-error:' || (entry && entry.responseStatus >= 400))"
-         " { location.replace(" +
-         Json::valueToQuotedString(appUrl.c_str()) + "); } })();";
-}
+// A failed page is replaced after one second; the service is probed after two.
+constexpr int kChecksOfFailure = 4;
+constexpr int kChecksBeforeProbe = 8;
+// A service that answers the probe but not the browser is tried more and more rarely, to once a
+// minute.
+constexpr int kMaxChecksBeforeProbe = 240;
 
 }  // namespace
 
@@ -48,8 +40,8 @@ void ReachabilityWatch::start(const CefRefPtr<CefBrowser>& browser, const Page& 
   CEF_REQUIRE_UI_THREAD();
   browser_ = browser;
   page_ = page;
-  quietChecks_ = 0;
-  retriedErrorPage_ = false;
+  lastShown_ = Shown::kNothingYet;
+  checksBeforeProbe_ = kChecksBeforeProbe;
   if (!checkPosted_) {
     checkPosted_ = true;
     postCheck();
@@ -72,83 +64,75 @@ void ReachabilityWatch::postCheck() {
 void ReachabilityWatch::check() {
   CEF_REQUIRE_UI_THREAD();
   checkPosted_ = false;
-  guarded("ReachabilityWatch", [this] {
-    if (!browser_) {
-      return;
-    }
-    if (result_ && result_->ready) {
-      useResult(std::exchange(result_, nullptr)->reachable);
-    } else if (!result_ && isTimeToProbe()) {
-      startProbe();
-    }
-    if (browser_) {
-      checkPosted_ = true;
-      postCheck();
-    }
-  });
+  if (!browser_) {
+    return;
+  }
+  guarded("ReachabilityWatch", [this] { look(); });
+  checkPosted_ = true;
+  postCheck();
 }
 
-bool ReachabilityWatch::isTimeToProbe() {
-  quietChecks_ = isQuiet() ? quietChecks_ + 1 : 0;
-  return quietChecks_ >= (showsLoadingPage() ? kQuietChecksBeforeRetry : kQuietChecks);
+void ReachabilityWatch::look() {
+  const Shown now = shown();
+  unchangedChecks_ = now == lastShown_ ? unchangedChecks_ + 1 : 1;
+  lastShown_ = now;
+  if (result_ && result_->ready) {
+    useResult(std::exchange(result_, nullptr)->reachable);
+  } else if (now == Shown::kPage) {
+    checksBeforeProbe_ = kChecksBeforeProbe;
+  } else if (now == Shown::kFailure && unchangedChecks_ >= kChecksOfFailure) {
+    showLoadingPage();
+  } else if (now == Shown::kLoadingPage && unchangedChecks_ >= checksBeforeProbe_ && !result_) {
+    startProbe();
+  }
 }
 
-bool ReachabilityWatch::isQuiet() const {
-  return browser_->GetMainFrame() && !browser_->IsLoading();
+ReachabilityWatch::Shown ReachabilityWatch::shown() const {
+  const CefRefPtr<CefNavigationEntry> entry = browser_->GetHost()->GetVisibleNavigationEntry();
+  if (browser_->IsLoading() || !entry || !entry->IsValid() || !browser_->GetMainFrame()) {
+    return Shown::kNothingYet;
+  }
+  if (isUnreachablePageUrl(entry->GetURL())) {
+    return Shown::kLoadingPage;
+  }
+  return isFailure(*entry) ? Shown::kFailure : Shown::kPage;
 }
 
-bool ReachabilityWatch::showsLoadingPage() const {
-  const CefRefPtr<CefFrame> frame = browser_->GetMainFrame();
-  return frame && isUnreachablePageUrl(frame->GetURL());
+// No status: there was no response. An error page that came from the service is a failure only in
+// place of the web application; elsewhere the user may be signing in on it.
+bool ReachabilityWatch::isFailure(CefNavigationEntry& entry) const {
+  const std::string url = entry.GetURL();
+  const int status = entry.GetHttpStatusCode();
+  return url.starts_with("http") && (status == 0 || (url == page_.appUrl && !promisesPage(status)));
 }
 
 void ReachabilityWatch::startProbe() {
   result_ = std::make_shared<Result>();
-  const auto work = [probe = probe_, url = page_.appUrl,
-                     result = result_](const std::stop_token& stop) {
-    guarded("ReachabilityWatch", [&] { result->reachable = probe(url, stop); });
+  const auto work = [probe = probe_, page = page_, result = result_](const std::stop_token& stop) {
+    guarded("ReachabilityWatch",
+            [&] { result->reachable = probe(page.appUrl, page.userAgent, stop); });
     result->ready = true;
   };
   probeThread_ = std::jthread(work);
 }
 
 void ReachabilityWatch::useResult(bool reachable) {
-  quietChecks_ = 0;
-  if (!isQuiet()) {
-    return;  // the page has moved on
+  if (lastShown_ != Shown::kLoadingPage) {
+    return;  // the user has moved on
   }
-  if (showsLoadingPage()) {
-    if (reachable) {
-      retry();
-    }
-  } else if (!reachable) {
-    showLoadingPage();
-  } else {
-    retryErrorPageOnce();
+  unchangedChecks_ = 0;
+  if (reachable) {
+    checksBeforeProbe_ = std::min(checksBeforeProbe_ * 2, kMaxChecksBeforeProbe);
+    logInformation("The service answers again, trying to load main app using URL: ", page_.appUrl);
+    browser_->GetMainFrame()->LoadURL(page_.appUrl);
   }
-}
-
-void ReachabilityWatch::retry() {
-  logInformation("The service answers again, trying to load main app using URL: ", page_.appUrl);
-  browser_->GetMainFrame()->LoadURL(page_.appUrl);
 }
 
 void ReachabilityWatch::showLoadingPage() {
   logWarning("The web application cannot be reached at ", page_.appUrl,
              ", showing the loading page");
-  retriedErrorPage_ = false;
+  lastShown_ = Shown::kNothingYet;
   browser_->GetMainFrame()->LoadURL(page_.unreachablePageUrl);
-}
-
-void ReachabilityWatch::retryErrorPageOnce() {
-  if (!retriedErrorPage_) {
-    retriedErrorPage_ = true;
-    const CefRefPtr<CefFrame> frame = browser_->GetMainFrame();
-    frame->ExecuteJavaScript(retryOnErrorPage(page_.appUrl), frame->GetURL(), 0);
-    return;
-  }
-  logInformation("The web application at ", page_.appUrl, " answers but has not announced itself");
-  stop();
 }
 
 }  // namespace zantrio

@@ -10,14 +10,13 @@
 
 namespace zantrio {
 
-// Detects that the web application did not load, shows the loading page with a message instead, and
-// loads the web application once the service responds.
+// Detects that the web application could not be loaded, shows the loading page with a message
+// instead, and loads the web application once the service responds.
 //
-// The framework does not report failed loads to this client. A page that has stopped loading for a
-// second without announcing itself (see stop) is therefore checked: a probe requests the
-// application's URL. If the service responds, the page is left alone; otherwise the loading page
-// replaces it and the probe is repeated. A retry by the loading page's button is handled like the
-// first load.
+// The framework does not report failed loads to this client, so the page is looked at several times
+// a second until the web application has announced itself (see stop). A page that has loaded is
+// left alone, whatever it is. Only while the loading page is shown, a probe requests the
+// application's URL. A retry by the loading page's button is handled like the first load.
 //
 // Ownership: counted references; posted tasks keep a running watch alive. Thread: UI, except the
 // probe, which has its own thread.
@@ -26,6 +25,7 @@ class ReachabilityWatch : public CefBaseRefCounted {
   struct Page {
     std::string appUrl;
     std::string unreachablePageUrl;
+    std::string userAgent;  // of the browser, for the probe
   };
 
   explicit ReachabilityWatch(ReachabilityProbe probe);
@@ -43,25 +43,25 @@ class ReachabilityWatch : public CefBaseRefCounted {
   ~ReachabilityWatch() override;
 
  private:
+  enum class Shown { kNothingYet, kPage, kFailure, kLoadingPage };
   // A probe's result, handed from its thread to the UI thread.
   struct Result;
 
   void postCheck();
   void check();
-  bool isTimeToProbe();
-  bool isQuiet() const;
-  bool showsLoadingPage() const;
+  void look();
+  Shown shown() const;
+  bool isFailure(CefNavigationEntry& entry) const;
   void startProbe();
   void useResult(bool reachable);
-  void retry();
   void showLoadingPage();
-  void retryErrorPageOnce();
 
   const ReachabilityProbe probe_;
   CefRefPtr<CefBrowser> browser_;
   Page page_;
-  int quietChecks_ = 0;
-  bool retriedErrorPage_ = false;  // since the loading page was shown last
+  Shown lastShown_ = Shown::kNothingYet;
+  int unchangedChecks_ = 0;  // since that was shown first
+  int checksBeforeProbe_ = 0;
   bool checkPosted_ = false;
   std::shared_ptr<Result> result_;  // set from the start of a probe until its result is used
   std::jthread probeThread_;

@@ -112,7 +112,9 @@ void ZtCefHandler::loadApp(CefRefPtr<CefBrowser> browser) {
       return;  // closed meanwhile
     }
     frame->LoadURL(url);
-    reachability_->start(browser, {url, unreachablePageUrl(*settings_, url)});
+    std::string userAgent;
+    settings_->getUserAgent(userAgent);
+    reachability_->start(browser, {url, unreachablePageUrl(*settings_, url), userAgent});
   });
 }
 

@@ -13,8 +13,11 @@ namespace {
 
 namespace net = Poco::Net;
 
+const std::string kAgent = "the browser/1.0";
+
 // Answers the path "/500" with the status 500, and so on.
 void answerWithStatus(net::HTTPServerRequest& request, net::HTTPServerResponse& response) {
+  EXPECT_EQ(request.get("User-Agent", ""), kAgent);
   const int status = std::stoi(request.getURI().substr(1));
   response.setStatus(static_cast<net::HTTPResponse::HTTPStatus>(status));
   if (status == 302) {
@@ -26,10 +29,10 @@ void answerWithStatus(net::HTTPServerRequest& request, net::HTTPServerResponse& 
 TEST(HttpProbe, TrustsAnswersThatPromiseAPage) {
   const test::HttpService service(answerWithStatus);
   for (const char* path : {"/200", "/302", "/401", "/403"}) {
-    EXPECT_TRUE(probeWithHttp(service.url(path), {})) << path;
+    EXPECT_TRUE(probeWithHttp(service.url(path), kAgent, {})) << path;
   }
   for (const char* path : {"/500", "/502", "/503", "/404"}) {
-    EXPECT_FALSE(probeWithHttp(service.url(path), {})) << path;
+    EXPECT_FALSE(probeWithHttp(service.url(path), kAgent, {})) << path;
   }
 }
 
@@ -37,9 +40,9 @@ TEST(HttpProbeWithoutService, Fails) {
   net::ServerSocket unused(net::SocketAddress("127.0.0.1", 0));
   const std::string url = "http://" + unused.address().toString() + "/";
   unused.close();
-  EXPECT_FALSE(probeWithHttp(url, {}));
-  EXPECT_FALSE(probeWithHttp("file:///etc/passwd", {}));
-  EXPECT_FALSE(probeWithHttp("", {}));
+  EXPECT_FALSE(probeWithHttp(url, kAgent, {}));
+  EXPECT_FALSE(probeWithHttp("file:///etc/passwd", kAgent, {}));
+  EXPECT_FALSE(probeWithHttp("", kAgent, {}));
 }
 
 TEST(HttpProbeWithoutAnswer, EndsWhenItIsToldTo) {
@@ -47,7 +50,8 @@ TEST(HttpProbeWithoutAnswer, EndsWhenItIsToldTo) {
   const std::string url = "http://" + silent.address().toString() + "/";
   std::atomic<bool> result{true};
   const auto start = std::chrono::steady_clock::now();
-  std::jthread prober([&](const std::stop_token& stop) { result = probeWithHttp(url, stop); });
+  std::jthread prober(
+      [&](const std::stop_token& stop) { result = probeWithHttp(url, kAgent, stop); });
   net::StreamSocket connection = silent.acceptConnection();
   prober.request_stop();
   prober.join();

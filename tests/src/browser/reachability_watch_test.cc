@@ -6,6 +6,7 @@
 #include <chrono>
 #include <functional>
 #include <thread>
+#include <utility>
 
 #include "browser/loading_page.h"
 #include "src/browser/zt_cef_handler_fixture.h"
@@ -19,8 +20,10 @@ class Reachability : public test::ZtCefHandlerTest {
  protected:
   Reachability() {
     ZtCefHandler::Options options;
-    options.probe = [this](const std::string& url, const std::stop_token&) {
+    options.probe = [this](const std::string& url, const std::string& userAgent,
+                           const std::stop_token&) {
       EXPECT_EQ(url, appUrl);
+      EXPECT_TRUE(userAgent.starts_with("Zantrio/1.2.3 (")) << userAgent;
       ++probes;
       return reachable.load();
     };
@@ -42,6 +45,9 @@ class Reachability : public test::ZtCefHandlerTest {
   bool waitForLoads(std::size_t count) {
     return advanceUntil([&] { return browser->frame->loads.size() == count; });
   }
+  void show(const std::string& url, int status) {
+    browser->host->shown = new test::FakeNavigationEntry(url, status);
+  }
   void advanceAMinute() { framework.advance(60'000); }
 
   std::atomic<bool> reachable{false};
@@ -51,68 +57,79 @@ class Reachability : public test::ZtCefHandlerTest {
       "file:///bundle/Resources/loading.html#unreachable=http%3A%2F%2F127.0.0.1%3A9%2Fapp";
 };
 
-TEST_F(Reachability, IsNotProbedWhileThePageLoadsNorOnceItIsReadyOrClosed) {
-  browser->loading = true;
-  advanceAMinute();
-  EXPECT_EQ(probes, 0);
+TEST_F(Reachability, EndsWhenTheApplicationIsReadyOrClosed) {
   const std::function<void()> ends[] = {[this] { client->onStartup(); },
                                         [this] { client->OnBeforeClose(browser); }};
   for (const auto& end : ends) {
     client->loadApp(browser);
-    browser->loading = false;
+    browser->frame->loads.clear();
+    show(appUrl, 0);
     end();
     advanceAMinute();
-    EXPECT_EQ(probes, 0);
+    EXPECT_TRUE(browser->frame->loads.empty());
     EXPECT_EQ(framework.pendingTasks(), 0U);
   }
 }
 
-TEST_F(Reachability, ShowsTheLoadingPageUntilTheServiceAnswers) {
-  const auto triesFromAnErrorPage = [this](std::size_t count) {
-    return advanceUntil([=, this] { return browser->frame->scripts.size() == count; });
-  };
-  reachable = true;
-  ASSERT_TRUE(triesFromAnErrorPage(1));
-  reachable = false;
-  ASSERT_TRUE(waitForLoads(1));
-  EXPECT_EQ(browser->frame->loads[0], unreachablePage);
+TEST_F(Reachability, LeavesEveryPageThatHasLoadedWithoutAProbe) {
+  browser->loading = true;
+  show(appUrl, 0);
+  advanceAMinute();
+  browser->loading = false;
+  for (const auto& [url, status] : {std::pair(appUrl, 200),
+                                    {appUrl, 401},
+                                    {appUrl, 403},
+                                    {"http://sign.in/", 404},
+                                    {"http://sign.in/", 500}}) {
+    show(url, status);
+    advanceAMinute();
+    EXPECT_TRUE(browser->frame->loads.empty()) << url << status;
+  }
+  EXPECT_EQ(probes, 0);
+}
+
+TEST_F(Reachability, ShowsTheLoadingPageForAFailureAndLoadsTheApplicationWhenTheServiceAnswers) {
+  std::size_t loads = 0;
+  for (const auto& [url, status] : {std::pair(appUrl, 0), {appUrl, 503}, {"http://sign.in/", 0}}) {
+    reachable = false;
+    probes = 0;
+    show(url, status);
+    ASSERT_TRUE(waitForLoads(++loads)) << url << status;
+    EXPECT_EQ(browser->frame->loads.back(), unreachablePage);
+    EXPECT_EQ(probes, 0);
+    show(unreachablePage, 0);
+    ASSERT_TRUE(advanceUntil([&] { return probes >= 3; }));
+    EXPECT_EQ(browser->frame->loads.size(), loads);
+    reachable = true;
+    ASSERT_TRUE(waitForLoads(++loads));
+    EXPECT_EQ(browser->frame->loads.back(), appUrl);
+    show(appUrl, 200);
+    framework.advance(250);
+  }
   EXPECT_TRUE(log.contains("warning The web application cannot be reached at " + appUrl +
                            ", showing the loading page"));
+}
+
+TEST_F(Reachability, TriesLessOftenWhenOnlyTheProbeIsAnswered) {
+  reachable = true;
+  for (std::size_t tries = 1; tries <= 8; ++tries) {
+    show(appUrl, 0);
+    ASSERT_TRUE(waitForLoads(2 * tries - 1));
+    show(unreachablePage, 0);
+    ASSERT_TRUE(waitForLoads(2 * tries));
+  }
+  show(appUrl, 0);
+  ASSERT_TRUE(waitForLoads(17));
+  show(unreachablePage, 0);
   const int before = probes;
-  ASSERT_TRUE(advanceUntil([&] { return probes >= before + 3; }));
-  EXPECT_EQ(browser->frame->loads.size(), 1U);
-  reachable = true;
-  ASSERT_TRUE(waitForLoads(2));
-  EXPECT_EQ(browser->frame->loads[1], appUrl);
-  EXPECT_TRUE(triesFromAnErrorPage(2));
-}
-
-TEST_F(Reachability, IsMissedAgainAfterAFailedTry) {
-  ASSERT_TRUE(waitForLoads(1));
-  browser->frame->url = appUrl;  // as after the loading page's own attempt
-  ASSERT_TRUE(waitForLoads(2));
-  EXPECT_EQ(browser->frame->loads[1], unreachablePage);
-}
-
-TEST_F(Reachability, TriesOnceFromAnErrorPageAndLeavesAPageThatDoesNotAnnounceItself) {
-  reachable = true;
-  EXPECT_TRUE(advanceUntil([this] {
-    return log.contains("information The web application at " + appUrl +
-                        " answers but has not announced itself");
-  }));
-  EXPECT_TRUE(browser->frame->loads.empty());
-  ASSERT_EQ(browser->frame->scripts.size(), 1U);
-  const std::string& script = browser->frame->scripts[0].code;
-  EXPECT_NE(script.find("location.protocol === 'chrome-error:'"), std::string::npos);
-  EXPECT_NE(script.find("location.replace(\"" + appUrl + "\")"), std::string::npos);
-  advanceAMinute();
-  EXPECT_EQ(probes, 2);
-  EXPECT_EQ(framework.pendingTasks(), 0U);
+  framework.advance(59'000);
+  EXPECT_EQ(probes, before);
 }
 
 TEST(LoadingPage, EscapesItsPath) {
-  const CAppSettings settings(nullptr, "/My Apps/Zäntrio/bin/zantrio");
-  EXPECT_EQ(loadingPageUrl(settings), "file:///My%20Apps/Z%C3%A4ntrio/Resources/loading.html");
+  const CAppSettings settings(nullptr, "/My Apps?/#1/Zäntrio/bin/zantrio");
+  EXPECT_EQ(loadingPageUrl(settings),
+            "file:///My%20Apps%3F/%231/Z%C3%A4ntrio/Resources/loading.html");
   const std::string url = unreachablePageUrl(settings, "http://h/a?b=c&d#e %");
   EXPECT_EQ(url,
             loadingPageUrl(settings) + "#unreachable=http%3A%2F%2Fh%2Fa%3Fb%3Dc%26d%23e%20%25");

@@ -5,7 +5,8 @@
 namespace zantrio::test {
 namespace {
 
-bool reachable(const std::string& /*url*/, const std::stop_token& /*stop*/) {
+bool reachable(const std::string& /*url*/, const std::string& /*userAgent*/,
+               const std::stop_token& /*stop*/) {
   return true;
 }
 

@@ -1,5 +1,6 @@
 #include "browser/drag_conversion.h"
 
+#include <QFile>
 #include <QFileInfo>
 #include <QUrl>
 
@@ -24,6 +25,25 @@ CefRefPtr<CefDragData> dragDataOf(const QMimeData& mime) {
     contents.fragmentText = fromQt(mime.text());
     contents.fragmentHtml = fromQt(mime.html());
   }
+  return new DragData(std::move(contents), true);
+}
+
+CefRefPtr<CefDragData> pageDragDataOf(const QMimeData& mime) {
+  DragContents contents;
+  for (const QUrl& url : mime.urls()) {
+    if (!url.isLocalFile()) {
+      contents.linkUrl = fromQt(url.toString(QUrl::FullyEncoded));
+    } else if (QFile file(url.toLocalFile()); file.open(QIODevice::ReadOnly)) {
+      contents.contentsName = fromQt(QFileInfo(file).fileName());
+      contents.contents = file.readAll().toStdString();
+    }
+  }
+  // Without a format of its own, Qt gives the URLs as text.
+  if (mime.hasFormat(QStringLiteral("text/plain"))) {
+    contents.fragmentText = fromQt(mime.text());
+  }
+  contents.fragmentHtml = fromQt(mime.html());
+  contents.linkTitle = contents.fragmentText.empty() ? contents.linkUrl : contents.fragmentText;
   return new DragData(std::move(contents), true);
 }
 

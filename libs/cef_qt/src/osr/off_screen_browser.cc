@@ -107,8 +107,11 @@ void OffScreenBrowser::wasResized() {
   }
   CefRect rect;
   renderHandler->GetViewRect(browser_, rect);
-  view_->resize(qRound(std::max(rect.width, 1) * scale_),
-                qRound(std::max(rect.height, 1) * scale_));
+  const QSize size(qRound(std::max(rect.width, 1) * scale_),
+                   qRound(std::max(rect.height, 1) * scale_));
+  // Qt resizes no native window that is not on the screen, but Chromium tells the page its size.
+  view_->windowHandle()->resize(size);
+  view_->resize(size);
 }
 
 void OffScreenBrowser::screenInfoChanged() {

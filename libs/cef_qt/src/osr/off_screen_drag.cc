@@ -135,7 +135,7 @@ Qt::DropAction OffScreenDrag::run(const QDrag& drag, Qt::DropActions supported) 
   own_ = drag.mimeData();
   result_ = Qt::IgnoreAction;
   const QPoint start = browser_.view()->mapFromGlobal(QCursor::pos());
-  const auto data = dragDataOf(*own_);
+  const auto data = pageDragDataOf(*own_);
   postFor(&browser_, TID_UI, [this, data, supported, start] {
     if (!startAtClient(data, supported, start)) {
       cancel();

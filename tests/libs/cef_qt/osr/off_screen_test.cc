@@ -3,6 +3,7 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <utility>
 
 #include "support/framework.h"
 #include "support/screen.h"
@@ -45,7 +46,9 @@ TEST(OffScreen, PaintsWhatChangedOrAllWhenAskedInTheViewsSizeAndScale) {
   screen.size = {400, 250};
   shown.host()->WasResized();
   EXPECT_TRUE(runUntil([&] { return screen.pictureSize == CefSize(400, 250); }));
-  EXPECT_TRUE(page.becomes("innerWidth + ' ' + innerHeight", "400 250"));
+  EXPECT_TRUE(
+      page.becomes("[innerWidth, innerHeight, outerWidth, outerHeight].join()", "400,250,400,250"))
+      << page.evaluate("[innerWidth, innerHeight, outerWidth, outerHeight].join()");
   screen.scale = 2;
   shown.host()->NotifyScreenInfoChanged();
   EXPECT_TRUE(runUntil([&] { return screen.pictureSize == CefSize(800, 500); }));
@@ -188,6 +191,31 @@ TEST(OffScreen, EndsADragThatTheClientRefuses) {
   pull(shown, 10);
   EXPECT_TRUE(shown.page().becomes("seen.at(-1)", "end none"));
   EXPECT_EQ(shown.screen().dragged->GetFragmentText().ToString(), "carried");
+}
+
+TEST(OffScreen, HandsOverWhatIsDraggedOutOfThePage) {
+  OffScreenPage shown(R"(<style>body { margin: 0 } a, img { position: absolute; left: 0;
+    width: 100px; height: 50px; background: #0a0 } img { top: 60px }</style>
+    <a href='http://127.0.0.1/linked'>words</a><img><script>
+    const picture = Object.assign(document.createElement('canvas'), { width: 8, height: 8 });
+    document.querySelector('img').src = picture.toDataURL();
+    </script>)");
+  shown.screen().takesDrags = false;
+  ASSERT_TRUE(shown.screen().becomes(20, 100, "00aa00"));
+  pull(shown, 10);
+  ASSERT_TRUE(runUntil([&] { return shown.screen().dragged.get() != nullptr; }));
+  const CefRefPtr<CefDragData> link = std::exchange(shown.screen().dragged, nullptr);
+  EXPECT_EQ(link->GetLinkURL().ToString(), "http://127.0.0.1/linked");
+  EXPECT_EQ(link->GetFragmentText().ToString(), "words");
+  EXPECT_NE(link->GetFragmentHtml().ToString().find("words</a>"), std::string::npos);
+  shown.release(47, 10);
+  pull(shown, 100);
+  ASSERT_TRUE(runUntil([&] { return shown.screen().dragged.get() != nullptr; }));
+  const CefRefPtr<CefDragData> image = shown.screen().dragged;
+  EXPECT_FALSE(image->IsFile());
+  EXPECT_GT(image->GetFileContents(nullptr), 50u);
+  EXPECT_TRUE(image->GetFileName().ToString().ends_with(".png")) << image->GetFileName().ToString();
+  EXPECT_NE(image->GetFragmentHtml().ToString().find("<img"), std::string::npos);
 }
 
 TEST(OffScreen, ClosesWhileADragOfItsPageRuns) {

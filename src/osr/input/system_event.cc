@@ -95,6 +95,9 @@ uint32_t getModifiersForEvent(const SystemEvent& event) {
   if (isKeyEvent(event.kind) && isKeyPadEvent(event)) {
     flags |= EVENTFLAG_IS_KEY_PAD;
   }
+  if (event.isRepeat) {
+    flags |= EVENTFLAG_IS_REPEAT;
+  }
   return flags;
 }
 

@@ -55,7 +55,9 @@ struct SystemEvent {
   double deltaY = 0;
   ScrollPhase phase = ScrollPhase::kNone;
 
-  // Key events. The key code of macOS; unset on other systems.
+  // Key events.
+  bool isRepeat = false;  // of a key that is held
+  // The key code of macOS; unset on other systems.
   std::optional<int> keyCode;
   // Without a macOS code: the key code of Windows and that of the system; 0 if unknown.
   int windowsKeyCode = 0;

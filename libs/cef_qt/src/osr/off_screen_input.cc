@@ -25,12 +25,6 @@ OffScreenInput* latestInput = nullptr;
 // Qt WebEngine scrolls by this distance for each line of a wheel step of 120.
 constexpr double kPixelsPerLine = 20;
 
-// The wheel angle that makes Chromium scroll by this distance in pixels.
-QPoint angleOf(int deltaX, int deltaY) {
-  const double factor = 120 / (kPixelsPerLine * QApplication::wheelScrollLines());
-  return {qRound(deltaX * factor), qRound(deltaY * factor)};
-}
-
 // The item that shows the page; null if there is none. Chromium's items have no run-time type
 // information, which the sanitizer would need.
 [[gnu::no_sanitize("vptr")]] QQuickItem* focusItemBelow(const QQuickItem& item) {
@@ -152,6 +146,15 @@ void OffScreenInput::dragEnded() {
   }
 }
 
+// The wheel angle that makes Chromium scroll by this distance in pixels.
+QPoint OffScreenInput::angleOf(int deltaX, int deltaY) {
+  const double factor = 120 / (kPixelsPerLine * QApplication::wheelScrollLines());
+  unsentAngle_ += QPointF(deltaX, deltaY) * factor;
+  const QPoint angle = unsentAngle_.toPoint();
+  unsentAngle_ -= angle;
+  return angle;
+}
+
 void OffScreenInput::wheel(const CefMouseEvent& event, int deltaX, int deltaY) {
   noteInput();
   const auto target = targetOf(event);
@@ -206,9 +209,10 @@ void OffScreenInput::sendKey(const CefKeyEvent& event, bool press, char16_t char
   }
   const int key = event.type == KEYEVENT_CHAR ? 0 : qtKeyOf(event.windows_key_code, character);
   const QString text = character == 0 ? QString() : QString(QChar(character));
+  const bool isRepeat = (event.modifiers & EVENTFLAG_IS_REPEAT) != 0;
   QKeyEvent sent(press ? QEvent::KeyPress : QEvent::KeyRelease, key,
                  keyboardModifiersOf(event.modifiers), static_cast<quint32>(event.native_key_code),
-                 0, nativeModifiersOf(event.modifiers), text);
+                 0, nativeModifiersOf(event.modifiers), text, isRepeat);
   QApplication::sendEvent(target, &sent);
 }
 

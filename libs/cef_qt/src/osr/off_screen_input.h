@@ -55,6 +55,7 @@ class OffScreenInput {
     QPoint point;
     quint64 ms = 0;
   };
+  QPoint angleOf(int deltaX, int deltaY);
   quint64 timeOfPress(Qt::MouseButton button, const QPoint& point, int clickCount);
   std::optional<Target> targetOf(const CefMouseEvent& event);
   void sendKey(const CefKeyEvent& event, bool press, char16_t character);
@@ -66,6 +67,7 @@ class OffScreenInput {
   // The widget with the pressed button; it also receives the moves and the release.
   QPointer<QWidget> pressed_;
   Press lastPress_;
+  QPointF unsentAngle_;  // of the wheel, below one unit
 };
 
 }  // namespace cef_qt

@@ -204,6 +204,7 @@ SystemEvent toSystemEvent(const QKeyEvent& event) {
   SystemEvent result;
   result.kind = event.type() == QEvent::KeyRelease ? EventKind::kKeyUp : EventKind::kKeyDown;
   result.modifiers = toSystemModifiers(event.modifiers()) | lockModifiersOf(event);
+  result.isRepeat = event.isAutoRepeat();
   result.characters = event.text().toStdU16String();
   result.windowsKeyCode = windowsKeyCodeOf(event);
   result.charactersIgnoringModifiers = charactersWithoutControl(result);

@@ -114,6 +114,7 @@ void addDetails(NSEvent* event, SystemEvent& result) {
     case EventKind::kKeyDown:
     case EventKind::kKeyUp:
       addCharacters(event, result);
+      result.isRepeat = [event isARepeat];
       result.keyCode = [event keyCode];
       break;
     case EventKind::kFlagsChanged:

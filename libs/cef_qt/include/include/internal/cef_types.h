@@ -82,7 +82,8 @@ enum cef_event_flags_t {
   EVENTFLAG_RIGHT_MOUSE_BUTTON = 1 << 6,
   EVENTFLAG_COMMAND_DOWN = 1 << 7,
   EVENTFLAG_NUM_LOCK_ON = 1 << 8,
-  EVENTFLAG_IS_KEY_PAD = 1 << 9
+  EVENTFLAG_IS_KEY_PAD = 1 << 9,
+  EVENTFLAG_IS_REPEAT = 1 << 13
 };
 
 enum cef_termination_status_t {

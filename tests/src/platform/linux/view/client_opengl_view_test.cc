@@ -204,6 +204,25 @@ TEST(ClientOpenGLViewLinux, TypesTheKeysThatItsKeyboardHas) {
   EXPECT_TRUE(page.becomes("field.value", "x\U0001F600")) << page.evaluate("field.value");
 }
 
+TEST(ClientOpenGLViewLinux, ScrollsByFineStepsAndRepeatsHeldKeys) {
+  ShownPage shown(
+      "<body style='height: 3000px'><script>repeats = [];"
+      "addEventListener('keydown', event => repeats.push(event.repeat))</script>");
+  const QPointF point(20, 30);
+  for (int step = 0; step < 120; ++step) {
+    QWheelEvent event(point, shown.view().mapToGlobal(point), {}, {0, -1}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&shown.view(), &event);
+  }
+  const int distance = 20 * QApplication::wheelScrollLines();
+  EXPECT_TRUE(shown.page().becomes("Math.round(scrollY)", std::to_string(distance)));
+  for (const bool repeat : {false, true, true}) {
+    QKeyEvent event(QEvent::KeyPress, Qt::Key_X, Qt::NoModifier, "x", repeat);
+    QApplication::sendEvent(&shown.view(), &event);
+  }
+  EXPECT_TRUE(shown.page().becomes("repeats.join()", "false,true,true"));
+}
+
 TEST(ClientOpenGLViewLinux, ShowsTheCursorsOfThePage) {
   ShownPage shown(R"(<style>html { height: 100% }</style><script>
     const picture = Object.assign(document.createElement('canvas'), { width: 24, height: 12 });

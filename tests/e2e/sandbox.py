@@ -124,6 +124,15 @@ class Sandbox(unittest.TestCase):
 
     def drag_to_window(self, path):
         """Drags the path from another program's window to the client's with the pointer."""
+        screen, said = self.move_over_window(path)
+        # The window answers each movement; the first answers come before the page's.
+        wait_until(lambda: display.xdotool(screen, "mousemove_relative", 1, 0) == ""
+                   and not said.empty() and said.get() == "offered 1", 30, "the page's consent")
+        display.xdotool(screen, "mouseup", 1)
+        self.assertEqual(said.get(timeout=30), "dropped 1")
+
+    def move_over_window(self, path):
+        """Begins such a drag; returns the display's variables and a queue of the other program's lines."""
         screen = self.environment
         source = process.start([BUILD / "bin/drag_source", path], env=screen, text=True, stdout=subprocess.PIPE)
         self.addCleanup(source.stdout.close)
@@ -136,11 +145,7 @@ class Sandbox(unittest.TestCase):
         for step in (["mousemove", 50, 30], ["mousedown", 1], ["mousemove", 60, 35],
                      ["mousemove", 200, 200], ["mousemove", 600, 400]):
             display.xdotool(screen, *step)
-        # The window answers each movement; the first answers come before the page's.
-        wait_until(lambda: display.xdotool(screen, "mousemove_relative", 1, 0) == ""
-                   and not said.empty() and said.get() == "offered 1", 30, "the page's consent")
-        display.xdotool(screen, "mouseup", 1)
-        self.assertEqual(said.get(timeout=30), "dropped 1")
+        return screen, said
 
     def assert_arrived(self, service, *sent):
         expected = {}

@@ -43,9 +43,11 @@ void apply(const CefBrowserSettings& settings, QWebEngineSettings* target) {
   target->setAttribute(QWebEngineSettings::LocalStorageEnabled,
                        settings.local_storage != STATE_DISABLED);
   target->setAttribute(QWebEngineSettings::JavascriptCanOpenWindows, true);
-  // As in the framework itself, a page from a file may send requests to servers; it cannot read the
-  // responses.
-  target->setAttribute(QWebEngineSettings::LocalContentCanAccessRemoteUrls, true);
+  // A page from a file reads nothing else: neither other files nor servers.
+  target->setAttribute(QWebEngineSettings::LocalContentCanAccessFileUrls, false);
+  target->setAttribute(QWebEngineSettings::LocalContentCanAccessRemoteUrls, false);
+  // A file that the page does not take is not opened in its place.
+  target->setAttribute(QWebEngineSettings::NavigateOnDropEnabled, false);
 }
 
 }  // namespace

@@ -68,8 +68,23 @@ BrowserProcess::BrowserProcess(int argc, char** argv)
 
 int BrowserProcess::run() {
   const CefRefPtr<ZantrioApp> application(new ZantrioApp(settings_));
-  const int exitCode = CefExecuteProcess(arguments_, application, nullptr);
+  // Sub-processes are zantrio-process. A word of this command line may be the name of a file.
+  const int exitCode = CefExecuteProcess(frameworkArguments({}), application, nullptr);
   return exitCode >= 0 ? exitCode : start(application);
+}
+
+CefMainArgs BrowserProcess::frameworkArguments(const std::vector<std::string>& files) {
+  frameworkWords_ = {arguments_.argv[0]};
+  if (!files.empty()) {
+    frameworkWords_.emplace_back("--");
+    frameworkWords_.insert(frameworkWords_.end(), files.begin(), files.end());
+  }
+  frameworkArgv_.clear();
+  for (std::string& word : frameworkWords_) {
+    frameworkArgv_.push_back(word.data());
+  }
+  frameworkArgv_.push_back(nullptr);
+  return CefMainArgs(static_cast<int>(frameworkWords_.size()), frameworkArgv_.data());
 }
 
 int BrowserProcess::start(const CefRefPtr<ZantrioApp>& application) {
@@ -113,7 +128,7 @@ int BrowserProcess::runBrowser(const CefRefPtr<CefApp>& application, const Start
   frameworkSettings.windowless_rendering_enabled = options.offScreenRendering;
   CefString(&frameworkSettings.browser_subprocess_path) = subProcessExecutablePath(executablePath_);
   CInitialFilesContainer::instance().set(files, true, false);
-  if (!CefInitialize(arguments_, frameworkSettings, application, nullptr)) {
+  if (!CefInitialize(frameworkArguments(options.files), frameworkSettings, application, nullptr)) {
     if (CefGetExitCode() == CEF_RESULT_CODE_NORMAL_EXIT_PROCESS_NOTIFIED) {
       return kSuccess;
     }

@@ -20,12 +20,14 @@ class BrowserProcess {
   BrowserProcess(int argc, char** argv);
 
   // Returns the exit code: 0 after a clean end, and when another process has taken over the files.
-  // In a sub-process of the framework, the exit code of that sub-process.
   int run();
 
  private:
   int start(const CefRefPtr<ZantrioApp>& application);
   int runBrowser(const CefRefPtr<CefApp>& application, const StartOptions& options);
+  // The command line for the framework: the program and the files. The files follow "--", so that
+  // none is taken for a switch. Valid until the next call.
+  CefMainArgs frameworkArguments(const std::vector<std::string>& files);
   bool prepareDataFolder() const;
   std::string version() const;
 
@@ -33,6 +35,8 @@ class BrowserProcess {
   const std::string executablePath_;
   const Poco::SharedPtr<CMainBundle> bundle_;
   const Poco::SharedPtr<CAppSettings> settings_;
+  std::vector<std::string> frameworkWords_;
+  std::vector<char*> frameworkArgv_;
 };
 
 }  // namespace zantrio

@@ -11,16 +11,17 @@ DATA_FOLDER = "Library/Application Support/Zantrio CEF"
 
 
 class Client:
-    """A running client. With `debuggable`, `page()` reaches its page."""
+    """A running client. With `debuggable`, `page()` reaches its page. `folder` is its working folder."""
 
-    def __init__(self, bundle, files=(), home=None, environment=None, debuggable=False, stderr=None):
+    def __init__(self, bundle, files=(), home=None, environment=None, debuggable=False, stderr=None,
+                 folder=None):
         self.home = pathlib.Path(home or os.path.expanduser("~"))
         self._port = free_port() if debuggable else None
         variables = {**os.environ, **(environment or {}), "HOME": str(self.home)}
         if debuggable:
             variables["QTWEBENGINE_REMOTE_DEBUGGING"] = f"127.0.0.1:{self._port}"
         self.process = process.start([bundle / "bin" / "zantrio", *files], env=variables,
-                                     stdout=stderr, stderr=stderr)
+                                     cwd=folder, stdout=stderr, stderr=stderr)
 
     @property
     def data_folder(self):

@@ -26,12 +26,8 @@ bool hasDisplay() {
          !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
-Application::Application(const CefMainArgs& args) : words_(args.argv, args.argv + args.argc) {
-  for (QByteArray& word : words_) {
-    argv_.push_back(word.data());
-  }
-  argc_ = static_cast<int>(argv_.size());
-  argv_.push_back(nullptr);
+Application::Application(const QByteArray& program) : program_(program) {
+  argv_[0] = program_.data();
   previousHandler = qInstallMessageHandler(exitOnFatal);
   application_ = std::make_unique<QApplication>(argc_, argv_.data());
   qInstallMessageHandler(previousHandler);

@@ -3,10 +3,8 @@
 
 #include <QApplication>
 #include <QByteArray>
+#include <array>
 #include <memory>
-#include <vector>
-
-#include "include/cef_app.h"
 
 namespace cef_qt {
 
@@ -14,18 +12,21 @@ namespace cef_qt {
 bool hasDisplay();
 
 // Owns the QApplication and its arguments, to which Qt keeps pointers. UI thread.
+//
+// Qt gets the name of the program only. It would take the names of files for options of its own,
+// also those after "--", and one of these options loads a library.
 class Application {
  public:
   // Ends the process with one line on standard error and exit code 1 if the display cannot be
   // opened.
-  explicit Application(const CefMainArgs& args);
+  explicit Application(const QByteArray& program);
   Application(const Application&) = delete;
   Application& operator=(const Application&) = delete;
 
  private:
-  std::vector<QByteArray> words_;
-  std::vector<char*> argv_;
-  int argc_;
+  QByteArray program_;
+  int argc_ = 1;
+  std::array<char*, 2> argv_{};
   std::unique_ptr<QApplication> application_;
 };
 

@@ -62,6 +62,20 @@ void prepareSubprocess(const Options& options) {
 
 }  // namespace
 
+QStringList weakeningVariables() {
+  QStringList found;
+  for (const char* name :
+       {"QTWEBENGINE_REMOTE_DEBUGGING", "QTWEBENGINE_CHROMIUM_FLAGS", "QTWEBENGINE_DISABLE_SANDBOX",
+        "QTWEBENGINEPROCESS_PATH", kRealProcessVariable, "QTWEBENGINE_RESOURCES_PATH",
+        "QTWEBENGINE_LOCALES_PATH", "QT_PLUGIN_PATH", "QT_QPA_PLATFORM_PLUGIN_PATH", "LD_PRELOAD",
+        "LD_LIBRARY_PATH"}) {
+    if (!qEnvironmentVariableIsEmpty(name)) {
+      found << QString::fromLatin1(name);
+    }
+  }
+  return found;
+}
+
 bool runsWithoutSandbox(const Options& options) {
   return options.noSandbox || geteuid() == 0;
 }

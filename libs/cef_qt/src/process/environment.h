@@ -12,6 +12,10 @@ namespace cef_qt {
 // on machines without a graphics device. Variables that the user has set keep their effect.
 void prepareEnvironment(const Options& options, const QStringList& addedSwitches);
 
+// The variables set for this process that load code, switch off protections, or let others control
+// the pages. To be called before prepareEnvironment, which sets some of them.
+QStringList weakeningVariables();
+
 // Whether Chromium runs without its sandbox.
 bool runsWithoutSandbox(const Options& options);
 

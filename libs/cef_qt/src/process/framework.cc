@@ -73,7 +73,13 @@ QStringList switchesAddedBy(const CefRefPtr<CefApp>& app, const CefRefPtr<Comman
   return added;
 }
 
-void logSetUp(const Options& options) {
+void logSetUp(const Options& options, const QStringList& weakening) {
+  for (const QString& name : weakening) {
+    BrowserLog::instance().write(
+        LOGSEVERITY_WARNING, "framework",
+        name + QStringLiteral(" is set in the environment: it decides what "
+                              "code runs, or who can control the pages."));
+  }
   if (runsWithoutSandbox(options)) {
     BrowserLog::instance().write(LOGSEVERITY_WARNING, "framework",
                                  options.noSandbox
@@ -147,6 +153,7 @@ bool start(const CefMainArgs& args, const CefSettings& settings, const CefRefPtr
     enableOffScreenBrowsers();
   }
 
+  const QStringList weakening = weakeningVariables();
   const CefRefPtr<CommandLine> line = commandLineOf(args);
   prepareEnvironment(options, switchesAddedBy(app, line));
   line->setReadOnly();
@@ -156,9 +163,9 @@ bool start(const CefMainArgs& args, const CefSettings& settings, const CefRefPtr
     app->OnRegisterCustomSchemes(&registrar);
   }
   DialogScheme::registerScheme();
-  running->application = std::make_unique<Application>(args);
+  running->application = std::make_unique<Application>(args.argc > 0 ? args.argv[0] : "");
   BrowserLog::instance().open(options.logFile, options.logSeverity);
-  logSetUp(options);
+  logSetUp(options, weakening);
   Profile::create(options);
   running->uiTasks = std::make_shared<UiTaskRunner>();
   Threads::instance().start(running->uiTasks);

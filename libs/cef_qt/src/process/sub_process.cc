@@ -12,13 +12,9 @@
 
 namespace {
 
+// Chromium puts the type first. Further words may be names of files.
 bool isSubProcess(const CefMainArgs& args) {
-  for (int i = 1; i < args.argc; ++i) {
-    if (std::string_view(args.argv[i]).rfind("--type=", 0) == 0) {
-      return true;
-    }
-  }
-  return false;
+  return args.argc > 1 && std::string_view(args.argv[1]).rfind("--type=", 0) == 0;
 }
 
 QByteArray webEngineProcess() {

@@ -203,13 +203,17 @@ TEST_F(Process, WritesThePagesConsoleToTheBrowserLogBySeverity) {
   const std::string url = writePage("console.html",
                                     "<script>console.log('an info'); console.warn('a warning');"
                                     "console.error('an error');</script>");
+  setenv("QT_PLUGIN_PATH", "/nonexistent", 1);
   Probe all({"--url=" + url, "--log=" + log});
+  unsetenv("QT_PLUGIN_PATH");
   EXPECT_EQ(all.wait(), 0) << all.output();
   const std::string text = contentsOf(log);
   EXPECT_NE(text.find(":INFO:CONSOLE(1)] \"an info\", source: " + url + " (1)\n"),
             std::string::npos)
       << text;
   EXPECT_NE(text.find(":WARNING:CONSOLE(1)] \"a warning\""), std::string::npos);
+  EXPECT_NE(text.find("QT_PLUGIN_PATH is set in the environment"), std::string::npos) << text;
+  EXPECT_EQ(text.find("LD_PRELOAD is set"), std::string::npos);
   if (geteuid() == 0) {
     EXPECT_NE(text.find("without its sandbox"), std::string::npos);
   }
@@ -253,6 +257,8 @@ TEST_F(Process, RunsTheGivenExecutableAsItsSubProcessAndGivesItsExitCode) {
   Probe browser({"--execute-only"});
   EXPECT_EQ(browser.wait(), 77) << browser.output();
   setenv("CEF_QT_WEBENGINE_PROCESS", "/bin/false", 1);
+  Probe file({"--execute-only", "--", "--type=renderer"});
+  EXPECT_EQ(file.wait(), 77) << "the name of a file";
   Probe sub({"--type=renderer"});
   unsetenv("CEF_QT_WEBENGINE_PROCESS");
   EXPECT_EQ(sub.wait(), 1) << sub.output();

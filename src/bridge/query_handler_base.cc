@@ -6,7 +6,9 @@
 #include "app/log/logger.h"
 #include "bridge/dispatch_scope.h"
 #include "bridge/json_text.h"
+#include "bridge/page_gate.h"
 #include "bridge/platform_exceptions.h"
+#include "bridge/query_handler_context.h"
 #include "include/wrapper/cef_helpers.h"
 
 namespace zantrio {
@@ -37,12 +39,16 @@ CQueryHandlerBase::CQueryHandlerBase() {
   registerMethod("supportedMethods", &CQueryHandlerBase::supportedMethods);
 }
 
-bool CQueryHandlerBase::OnQuery(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> /*frame*/,
+bool CQueryHandlerBase::OnQuery(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<CefFrame> frame,
                                 int64_t /*query_id*/, const CefString& request, bool /*persistent*/,
                                 CefRefPtr<Callback> callback) {
   CEF_REQUIRE_UI_THREAD();
   if (!callback) {
     return false;
+  }
+  if (gate_ && !gate_->admits(frame)) {
+    refuse(frame, *callback);
+    return true;
   }
   // A method may show a dialog during which the browser closes; the scope keeps the handlers alive
   // until the call has ended.
@@ -62,10 +68,21 @@ bool CQueryHandlerBase::OnQuery(CefRefPtr<CefBrowser> /*browser*/, CefRefPtr<Cef
 void CQueryHandlerBase::OnQueryCanceled(CefRefPtr<CefBrowser> /*browser*/,
                                         CefRefPtr<CefFrame> /*frame*/, int64_t /*query_id*/) {}
 
-void CQueryHandlerBase::setHandlerData(const QueryHandlerContext& /*context*/) {}
+void CQueryHandlerBase::setHandlerData(const QueryHandlerContext& context) {
+  gate_ = context.gate;
+}
 
 Poco::Any CQueryHandlerBase::getHandlerData(int /*kind*/) {
   return {};
+}
+
+void CQueryHandlerBase::refuse(const CefRefPtr<CefFrame>& frame, Callback& callback) const {
+  // A data: URL is the whole document.
+  constexpr std::size_t kMaxLoggedLength = 200;
+  const std::string url = frame ? frame->GetURL().ToString() : std::string();
+  logWarning("Refused a query of a page that is not the application's: ",
+             url.substr(0, kMaxLoggedLength));
+  callback.Failure(kFailureCode, "The page is not allowed to use this bridge");
 }
 
 bool CQueryHandlerBase::dispatch(const std::string& request, Callback& callback) {

@@ -3,15 +3,19 @@
 #include <json/value.h>
 
 #include <map>
+#include <memory>
 #include <string>
 
 #include "bridge/query_handler.h"
 
 namespace zantrio {
 
+class CPageGate;
+
 // Answers the queries of one bridge: parses the request, finds the method by its name, calls it,
 // and sends the page the result or the reason of a failure. Derived classes register their methods
-// in their constructors and do not override OnQuery.
+// in their constructors and do not override OnQuery. Queries of documents that the gate does not
+// admit are refused before they are read.
 //
 // Every query is answered before OnQuery returns. An exception thrown by a method becomes the
 // answer. Thread: UI.
@@ -28,7 +32,7 @@ class CQueryHandlerBase : public IQueryHandler {
   // Does nothing: no query outlives its dispatch.
   void OnQueryCanceled(CefRefPtr<CefBrowser> browser, CefRefPtr<CefFrame> frame,
                        int64_t query_id) override;
-  // Ignores the context.
+  // Keeps the gate. Overrides call it.
   void setHandlerData(const QueryHandlerContext& context) override;
   // Empty for every kind.
   Poco::Any getHandlerData(int kind) override;
@@ -43,12 +47,14 @@ class CQueryHandlerBase : public IQueryHandler {
   }
 
  private:
+  void refuse(const CefRefPtr<CefFrame>& frame, Callback& callback) const;
   bool dispatch(const std::string& request, Callback& callback);
   bool callMethod(const std::string& name, const Json::Value& parameters, Callback& callback);
   static void failWithUnknownException(Callback& callback);
   Json::Value supportedMethods(const Json::Value& parameters);
 
   std::map<std::string, Method> methods_;
+  std::shared_ptr<const CPageGate> gate_;
 };
 
 }  // namespace zantrio

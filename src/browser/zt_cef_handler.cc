@@ -4,6 +4,7 @@
 
 #include "app/log/guarded.h"
 #include "app/log/logger.h"
+#include "bridge/page_gate.h"
 #include "bridge/query_handler_context.h"
 #include "browser/drag_message.h"
 #include "browser/loading_page.h"
@@ -22,6 +23,14 @@ constexpr int kWindowHeight = 900;
 constexpr std::int64_t kLoadAppDelayMs = 500;
 
 ZtCefHandler* currentInstance = nullptr;
+
+std::shared_ptr<const CPageGate> makeGate(const CAppSettings& settings) {
+  std::string baseUrl;
+  std::string furtherOrigins;
+  settings.getAppBaseUrl(baseUrl);
+  settings.getBridgeOrigins(furtherOrigins);
+  return std::make_shared<const CPageGate>(baseUrl, furtherOrigins);
+}
 
 }  // namespace
 
@@ -91,6 +100,7 @@ void ZtCefHandler::initializeBrowser(const CefRefPtr<CefBrowser>& browser) {
   context.lifeCycleCallback = this;
   context.uploadManager = new zt_transfers::CUploadManager;
   context.downloadManager = new zt_transfers::CDownloadManager;
+  context.gate = makeGate(*settings_);
   routers_.connect(context);
   relays_.attach(context);
 }

@@ -19,6 +19,7 @@ CQueryHandlerNativeApp::CQueryHandlerNativeApp() {
 }
 
 void CQueryHandlerNativeApp::setHandlerData(const QueryHandlerContext& context) {
+  CQueryHandlerBase::setHandlerData(context);
   lifeCycleCallback_ = context.lifeCycleCallback;
 }
 

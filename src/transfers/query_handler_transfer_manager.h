@@ -25,6 +25,7 @@ class CQueryHandlerTransferManager : public CQueryHandlerBase, public IAppLifecy
  public:
   // Keeps the manager.
   void setHandlerData(const QueryHandlerContext& context) override {
+    CQueryHandlerBase::setHandlerData(context);
     manager_ = context.*profile_.manager;
   }
 

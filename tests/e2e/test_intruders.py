@@ -1,5 +1,6 @@
 """What a stranger has sent, in the places where a user would use it: nothing of it runs."""
 
+import json
 import os
 import re
 import shutil
@@ -10,6 +11,7 @@ from harness import display
 from harness.page import free_port
 from harness.send_page import SendPage
 from harness.wait import wait_until
+from foreign_pages import ASKING, FORGING, FRAMING, LEAVING, SPYING, Site
 from sandbox import BUILD, Sandbox
 
 RUNPATH = re.compile(r"\((?:RUNPATH|RPATH)\).*\[(.*)\]")
@@ -85,6 +87,103 @@ class ReceivedFiles(Sandbox):
         self.assert_leaves_cleanly(client, page)
         self.assertNotIn("Window created is a pop up window, skipping initialization", client.messages())
         self.assertEqual(client.messages().count("onStartup called! App loaded"), 1)
+
+
+REFUSED = "The page is not allowed to use this bridge"
+
+# The application of these tests: keeps what other pages tell it.
+COLLECTING = """<!doctype html><script>
+window.told = {};
+addEventListener('message', event => { told[event.data[0]] = event.data[1]; });
+nativeAppBridge_IPC({request: '{"method":"onAppReady"}'});
+function show(name, address, sandbox) {
+  const frame = document.createElement('iframe');
+  frame.name = name;
+  if (sandbox) frame.sandbox = sandbox;
+  if (address.startsWith('<')) frame.srcdoc = address; else frame.src = address;
+  document.documentElement.append(frame);
+}
+function runIn(popUp) {
+  const script = popUp.document.createElement('script');
+  script.text = asking.match(/<script>(.*)<\\/script>/s)[1];
+  popUp.document.head.append(script);
+}
+</script>"""
+
+
+class ForeignPages(Sandbox):
+    def start_site(self, pages):
+        site = Site(pages)
+        self.addCleanup(site.stop)
+        return site
+
+    def page_with_bridges(self, client, url_part):
+        page = client.page(url_part)
+        self.addCleanup(page.close)
+        page.wait_for(f"location.href.includes({json.dumps(url_part)}) && window.uploadManagerBridge_IPC && 1")
+        return page
+
+    def test_only_the_applications_own_pages_use_the_bridges(self):
+        own = self.start_site({"/app": COLLECTING, "/asking": ASKING})
+        foreign = self.start_site({"/asking": ASKING, "/framing": FRAMING, "/leaving": LEAVING,
+                                   "/spying": SPYING, "/forging": FORGING})
+        client = self.start_client(self.make_bundle(own.url))
+        page = self.page_with_bridges(client, "/app")
+        page.wait_for("window.told && 1")
+        names = {"asking": ASKING, "own": own.url, "foreign": foreign.url}
+        page.evaluate(f"Object.assign(window, {json.dumps(names)}); 0")
+
+        def tell(name, script):
+            page.evaluate(f"(name => {{ {script}; }})('{name}')")
+            return page.wait_for(f"told['{name}']")
+
+        admitted = {
+            "ownFrame": "show(name, own + '/asking')",
+            "ownPopUp": "open(own + '/asking', name)",
+        }
+        refused = {
+            "foreignFrame": "show(name, foreign + '/asking')",
+            "ownFrameInForeign": "show(name, foreign + '/framing#' + own + '/asking')",
+            "sandboxed": "show(name, own + '/asking', 'allow-scripts')",
+            "srcdoc": "show(name, asking)",
+            "data": "show(name, 'data:text/html,' + encodeURIComponent(asking))",
+            "blob": "show(name, URL.createObjectURL(new Blob([asking], {type: 'text/html'})))",
+            "foreignPopUp": "open(foreign + '/asking', name)",
+            "emptyPopUp": "runIn(open('', name))",
+        }
+        for name, script in admitted.items():
+            self.assertEqual(tell(name, script), "answered", name)
+        for name, script in refused.items():
+            self.assertEqual(tell(name, script), REFUSED, name)
+
+        token = tell("token", "open(foreign + '/spying')")
+        self.assertEqual(tell("forged", "show(name, foreign + '/forging#' +"
+                                        f" encodeURIComponent('{token} ' + own))"), REFUSED)
+        page.evaluate("location.href = foreign + '/asking'; 0")
+        there = self.page_with_bridges(client, foreign.url + "/asking")
+        self.assertEqual(there.query("nativeAppBridge_IPC", "supportedMethods"), ["failure", -1, REFUSED])
+        there.evaluate(f"location.href = '{foreign.url}/leaving#{own.url}/app'; 0")
+        back = self.page_with_bridges(client, "/app")
+        self.assertEqual(back.query("nativeAppBridge_IPC", "copyToClipboard", {"value": "asked by own"}),
+                         ["success", "null\n"])
+        received = re.findall(r"asked by (\w+)", client.log())
+        self.assertEqual(sorted(received), sorted([*admitted, "own"]))
+        for url in (foreign.url + "/asking", "about:srcdoc", "about:blank", "blob:" + own.url):
+            self.assertIn(f"Refused a query of a page that is not the application's: {url}", client.log())
+
+    def test_pages_from_files_use_no_bridge_and_read_nothing(self):
+        other = self.start_site({"/secret": "a secret"})
+        client = self.start_client(self.make_bundle(f"http://127.0.0.1:{free_port()}"))
+        page = self.page_with_bridges(client, "loading.html#unreachable")
+        self.assertEqual(page.query("uploadManagerBridge_IPC", "supportedMethods"), ["failure", -1, REFUSED])
+        for url in ("file:///etc/passwd", other.url + "/secret"):
+            self.assertEqual(page.evaluate(
+                f"new Promise(done => {{ const r = new XMLHttpRequest(); r.open('GET', {json.dumps(url)});"
+                f" r.onload = () => done(r.responseText); r.onerror = () => done('refused'); r.send(); }})"),
+                "refused", url)
+        self.assertEqual(page.evaluate(
+            f"new Promise(done => {{ addEventListener('message', event => done(event.data[1]));"
+            f" open('', 'popUp').document.write({json.dumps(ASKING)}); }})"), REFUSED)
 
 
 if __name__ == "__main__":

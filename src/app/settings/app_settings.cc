@@ -73,6 +73,10 @@ void CAppSettings::getAppPath(std::string& path) const {
   getOrDefault("AppPath", kDefaultAppPath, path);
 }
 
+void CAppSettings::getBridgeOrigins(std::string& origins) const {
+  bundle_->getString("BridgeOrigins", origins);
+}
+
 void CAppSettings::getOrDefault(const std::string& key, const std::string& defaultValue,
                                 std::string& value) const {
   if (!bundle_->hasEntry(key)) {

@@ -28,6 +28,8 @@ class CAppSettings {
   void getVersion(std::string& version) const;
   void getAppBaseUrl(std::string& url) const;
   void getAppPath(std::string& path) const;
+  // Origins beside that of the base URL whose pages may use the bridges, separated by blanks.
+  void getBridgeOrigins(std::string& origins) const;
   void getAppUrl(std::string& url) const;
   void getResourcesFolder(std::string& folder) const;  // ends with a slash
   void getLoadingPagePath(std::string& path) const;

@@ -21,6 +21,7 @@ class FakeFrame : public CefFrame {
 
   bool IsMain() override { return true; }
   CefRefPtr<CefBrowser> GetBrowser() override { return nullptr; }
+  CefRefPtr<CefFrame> GetParent() override { return parent; }
   CefString GetURL() override { return url; }
   CefString GetName() override { return CefString(); }
   void LoadURL(const CefString& target) override;
@@ -37,6 +38,7 @@ class FakeFrame : public CefFrame {
                           CefRefPtr<CefProcessMessage> /*message*/) override {}
 
   std::string url = "http://127.0.0.1/app";
+  CefRefPtr<CefFrame> parent;
   std::vector<std::string> loads;
   std::vector<Script> scripts;
   std::vector<std::string> edits;

@@ -13,6 +13,8 @@ class CefFrame : public virtual CefBaseRefCounted {
  public:
   virtual bool IsMain() = 0;
   virtual CefRefPtr<CefBrowser> GetBrowser() = 0;
+  // The frame around this one; null for a main frame.
+  virtual CefRefPtr<CefFrame> GetParent() { return nullptr; }
   virtual CefString GetURL() = 0;
   virtual CefString GetName() = 0;
   virtual void LoadURL(const CefString& url) = 0;

@@ -10,16 +10,19 @@
 
 namespace cef_qt {
 
-// One entry of a message from a page. The texts are valid only while it is received.
+// One entry of a message from a page. The texts are valid only while it is received. kAsked follows
+// when the request by which the document shows its origin has ended.
 struct PageEntry {
-  enum Kind { kAttach = 0, kDetach, kQuery, kPersistentQuery, kCancel };
+  enum Kind { kAttach = 0, kDetach, kQuery, kPersistentQuery, kCancel, kAsked };
 
   QString document;  // key of the top document
   int frame;         // 0 for the top document, which numbers its frames
   Kind kind;
   int id;            // of the query; in kAttach the version of the script
   QStringView name;  // of the query function; in kAttach of the window
-  QStringView text;  // the request; in kAttach the URL
+  // The request. In kAttach, with a blank between them: the document's key, the origins of the
+  // documents between it and the top one (the nearest first, separated by commas), and its URL.
+  QStringView text;
 };
 
 // TID_RENDERER.

@@ -32,14 +32,15 @@ QString toJson(const RouterNameList& routers) {
   return QString::fromUtf8(QJsonDocument(toArray(routers)).toJson(QJsonDocument::Compact));
 }
 
-QString pageScript(int version, const QString& dialogScheme, const RouterNameList& top,
+QString pageScript(int version, const SchemeNames& schemes, const RouterNameList& top,
                    const RouterNameList& frames) {
   const QJsonObject setup{{"version", version},
                           {"object", PageChannel::objectName()},
                           {"property", PageChannel::propertyIndex()},
                           {"signal", PageChannel::signalIndex()},
                           {"frameToken", frameToken()},
-                          {"dialogScheme", dialogScheme},
+                          {"dialogScheme", schemes.dialogs},
+                          {"originScheme", schemes.origins},
                           {"topRouters", toArray(top)},
                           {"frameRouters", toArray(frames)}};
   return QString::fromUtf8(kPageScript) + '(' +

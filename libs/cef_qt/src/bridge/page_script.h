@@ -11,6 +11,12 @@ namespace cef_qt {
 using RouterNames = std::pair<QString, QString>;
 using RouterNameList = std::vector<RouterNames>;
 
+// The schemes to which documents send requests.
+struct SchemeNames {
+  QString dialogs;
+  QString origins;
+};
+
 // A JSON array of alternating query and cancel names.
 QString toJson(const RouterNameList& routers);
 
@@ -18,7 +24,7 @@ QString toJson(const RouterNameList& routers);
 // which routers that document has. `top` and `frames` are the expected functions of top documents
 // and of documents in frames. A document reports the version of its script, so that it can be
 // corrected if the expectation was wrong.
-QString pageScript(int version, const QString& dialogScheme, const RouterNameList& top,
+QString pageScript(int version, const SchemeNames& schemes, const RouterNameList& top,
                    const RouterNameList& frames);
 
 }  // namespace cef_qt

@@ -39,7 +39,7 @@
     : (error) => enqueueMicrotask(() => { throw error; });
   const evaluate = window.eval;
   // Kinds of entries sent to the native side; PageEntry::Kind has the same numbers.
-  const ATTACH = 0, DETACH = 1, QUERY = 2, PERSISTENT_QUERY = 3, CANCEL = 4;
+  const ATTACH = 0, DETACH = 1, QUERY = 2, PERSISTENT_QUERY = 3, CANCEL = 4, ASKED = 5;
   // Ids of received entries that are not responses; PageChannel::Command has the same numbers.
   const RUN = -1, NAVIGATE = -2, FUNCTIONS = -3;
 
@@ -177,6 +177,28 @@
 
   // ---- messages to the native side
 
+  function makeKey() {
+    const random = new Uint32Array(4);
+    crypto.getRandomValues(random);
+    let key = '';
+    for (let i = 0; i < random.length; ++i) key += random[i].toString(36);
+    return key;
+  }
+
+  // Shows the native side this document's origin, which the browser knows of every request. Queries
+  // are held back there until the request has arrived, or has ended without arriving.
+  function showOrigin(kind, key) {
+    const ended = () => send(ASKED, 0, '', '');
+    try {
+      const request = new XMLHttpRequest();
+      request.onloadend = ended;
+      request.open('POST', setup.originScheme + ':' + kind + '/' + key);
+      request.send();
+    } catch (error) {
+      ended();
+    }
+  }
+
   // Queues an entry of this document. Set by startTop or startFrame.
   let collect;
   // Sends all queued entries, in the top document those of its frames too.
@@ -206,9 +228,7 @@
   installFunctions(isTop ? setup.topRouters : setup.frameRouters);
 
   function startTop() {
-    const random = new Uint32Array(2);
-    crypto.getRandomValues(random);
-    const documentKey = random[0].toString(36) + random[1].toString(36);
+    const documentKey = makeKey();
     const ports = new MapType();         // by frame number
     const frameNumbers = new WeakMap();  // by window
     let lastFrame = 0;
@@ -292,7 +312,13 @@
       flushBatch();
     }
 
-    function attachFrame(source, port, { version, name, url }) {
+    // Pages in frames can make messages, too. Values of other types could pass for other documents'.
+    function isEntry(kind, id, name, text) {
+      return isInteger(kind) && isInteger(id) && typeof name === 'string' && typeof text === 'string';
+    }
+
+    function attachFrame(source, port, { version, name, said }) {
+      if (!isEntry(ATTACH, version, name, said)) return;
       const old = frameNumbers.get(source);
       if (old) detachFrame(old);
       const frame = ++lastFrame;
@@ -303,12 +329,13 @@
         for (let i = 0; i < entries.length; i += 4) {
           if (entries[i] === DETACH) {
             detachFrame(frame);
-          } else {
+          } else if (entries[i] !== ATTACH &&
+                     isEntry(entries[i], entries[i + 1], entries[i + 2], entries[i + 3])) {
             sendFor(frame, entries[i], entries[i + 1], entries[i + 2], entries[i + 3]);
           }
         }
       };
-      sendFor(frame, ATTACH, version, name, url);
+      sendFor(frame, ATTACH, version, name, said);
     }
 
     function detachFrame(frame) {
@@ -329,7 +356,8 @@
 
     replaceDialogs(setup, documentKey, kept, () => flush());
     sendText('{"type":7,"object":"' + setup.object + '","signal":' + setup.signal + '}');
-    send(ATTACH, setup.version, window.name, window.location.href);
+    send(ATTACH, setup.version, window.name, documentKey + '  ' + window.location.href);
+    showOrigin('top', documentKey);
     if (kept.transport) kept.connect();
   }
 
@@ -362,9 +390,11 @@
       send(DETACH, 0, '', '');
       flush();
     });
-    window.top.postMessage(
-      { cefQtBridge: setup.frameToken, version: setup.version,
-        name: window.name, url: window.location.href }, '*',
-      [channel.port2]);
+    const key = makeKey();
+    const { ancestorOrigins, href } = window.location;
+    const said = key + ' ' + Array.from(ancestorOrigins).slice(0, -1) + ' ' + href;
+    window.top.postMessage({ cefQtBridge: setup.frameToken, version: setup.version,
+                             name: window.name, said }, '*', [channel.port2]);
+    showOrigin('frame', key);
   }
 })

@@ -29,7 +29,7 @@ Browser::~Browser() = default;
 
 CefRefPtr<Browser> Browser::create(const Options& options) {
   CefRefPtr<Browser> browser = new Browser(options);
-  browser->mainFrame_ = new Frame(browser, true, CefString(), CefString());
+  browser->mainFrame_ = new Frame(browser, true, CefString(), nullptr);
   browser->frames_ = std::make_shared<FrameRegistry>(browser.get(), options.extraInfo);
   browser->window_ = std::make_unique<BrowserWindow>(browser.get(), options);
   BrowserList::instance().add(browser);

@@ -45,7 +45,7 @@ void apply(const CefBrowserSettings& settings, QWebEngineSettings* target) {
   target->setAttribute(QWebEngineSettings::JavascriptCanOpenWindows, true);
   // A page from a file reads nothing else: neither other files nor servers.
   target->setAttribute(QWebEngineSettings::LocalContentCanAccessFileUrls, false);
-  target->setAttribute(QWebEngineSettings::LocalContentCanAccessRemoteUrls, false);
+  target->setAttribute(QWebEngineSettings::LocalContentCanAccessRemoteUrls, true);
   // A file that the page does not take is not opened in its place.
   target->setAttribute(QWebEngineSettings::NavigateOnDropEnabled, false);
 }

@@ -78,16 +78,19 @@ class Delivery final : public CefTask {
 
 }  // namespace
 
-Frame::Frame(CefRefPtr<Browser> browser, bool isMain, CefString name, CefString url)
-    : browser_(std::move(browser)), isMain_(isMain), url_(std::move(url)), name_(std::move(name)) {}
+Frame::Frame(CefRefPtr<Browser> browser, bool isMain, CefString name, CefRefPtr<CefFrame> parent)
+    : browser_(std::move(browser)),
+      isMain_(isMain),
+      parent_(std::move(parent)),
+      name_(std::move(name)) {}
 
 CefRefPtr<CefBrowser> Frame::GetBrowser() {
   return browser_;
 }
 
 CefString Frame::GetURL() {
-  if (!isMain_) {
-    return url_;
+  if (url_) {
+    return *url_;
   }
   return browser_->window() ? fromQt(browser_->window()->url()) : CefString();
 }

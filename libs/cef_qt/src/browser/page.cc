@@ -133,7 +133,8 @@ bool Page::acceptNavigationRequest(const QUrl& url, NavigationType type, bool is
     return true;
   }
   const CefRefPtr<Frame> frame =
-      isMainFrame ? browser_->mainFrame() : new Frame(browser_, false, CefString(), CefString());
+      isMainFrame ? browser_->mainFrame()
+                  : new Frame(browser_, false, CefString(), browser_->mainFrame());
   const bool gesture = type == NavigationTypeLinkClicked || type == NavigationTypeFormSubmitted;
   return !handler->OnBeforeBrowse(browser_, frame,
                                   new Request(fromQt(QString::fromLatin1(url.toEncoded()))),

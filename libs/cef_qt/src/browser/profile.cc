@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "browser/dialog_scheme.h"
+#include "browser/origin_scheme.h"
 
 namespace cef_qt {
 namespace {
@@ -24,6 +25,11 @@ QWebEngineScript& currentScript() {
 
 std::unique_ptr<DialogScheme>& dialogs() {
   static std::unique_ptr<DialogScheme> current;
+  return current;
+}
+
+std::unique_ptr<OriginScheme>& origins() {
+  static std::unique_ptr<OriginScheme> current;
   return current;
 }
 
@@ -46,6 +52,8 @@ void Profile::create(const Options& options) {
   }
   dialogs() = std::make_unique<DialogScheme>();
   profile()->installUrlSchemeHandler(DialogScheme::name().toLatin1(), dialogs().get());
+  origins() = std::make_unique<OriginScheme>();
+  profile()->installUrlSchemeHandler(OriginScheme::name().toLatin1(), origins().get());
   if (!options.userAgent.isEmpty()) {
     profile()->setHttpUserAgent(options.userAgent);
   }
@@ -54,6 +62,7 @@ void Profile::create(const Options& options) {
 void Profile::destroy() {
   profile().reset();
   dialogs().reset();
+  origins().reset();
 }
 
 QWebEngineProfile* Profile::current() {

@@ -4,6 +4,7 @@
 
 #include "base/framework_state.h"
 #include "browser/dialog_scheme.h"
+#include "browser/origin_scheme.h"
 #include "browser/profile.h"
 #include "threads/threads.h"
 
@@ -59,7 +60,8 @@ bool RenderSide::scriptGave(bool isTop, const RouterNameList& given, int scriptV
 
 QString RenderSide::currentScript() {
   const Prediction& current = prediction();
-  return pageScript(current.version, DialogScheme::name(), current.top, current.of(false));
+  return pageScript(current.version, {DialogScheme::name(), OriginScheme::name()}, current.top,
+                    current.of(false));
 }
 
 }  // namespace cef_qt

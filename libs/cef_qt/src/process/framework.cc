@@ -12,6 +12,7 @@
 #include "base/qt_text.h"
 #include "browser/browser_list.h"
 #include "browser/dialog_scheme.h"
+#include "browser/origin_scheme.h"
 #include "browser/profile.h"
 #include "browser/render_side.h"
 #include "include/cef_app.h"
@@ -163,6 +164,7 @@ bool start(const CefMainArgs& args, const CefSettings& settings, const CefRefPtr
     app->OnRegisterCustomSchemes(&registrar);
   }
   DialogScheme::registerScheme();
+  OriginScheme::registerScheme();
   running->application = std::make_unique<Application>(args.argc > 0 ? args.argv[0] : "");
   BrowserLog::instance().open(options.logFile, options.logSeverity);
   logSetUp(options, weakening);

@@ -70,9 +70,11 @@ TEST(Browser, CanBeClosedBeforeItHasLoaded) {
 }
 
 TEST(Browser, OpensPopUpsThatShareTheClientAndCloseAlone) {
-  TestBrowser page("");
-  const std::string url = writePage("child.html", "<script>testQuery({request: 'child'})</script>");
-  page.run("window.child = window.open('" + url + "', 'name', 'width=300,height=200')");
+  TestBrowser page(
+      "<script>const html = \"<script>testQuery({request: 'child'})<\\/script>\"</script>");
+  page.run(
+      "window.child = window.open(URL.createObjectURL(new Blob([html], {type: 'text/html'})), "
+      "'name', 'width=300,height=200')");
   ASSERT_TRUE(page.waitFor("child"));
   ASSERT_EQ(page.client().browsers.size(), 2u);
   const CefRefPtr<CefBrowser> child = page.client().browsers.back();

@@ -10,7 +10,7 @@ namespace shown_text {
 namespace {
 
 bool isPlain(char character) {
-  return character >= 0x20 && character < 0x7F;
+  return (character >= 0x20 && character < 0x7F) || character == '\t';
 }
 
 std::string escapeOf(const Character& character) {
@@ -19,8 +19,6 @@ std::string escapeOf(const Character& character) {
       return "\\n";
     case '\r':
       return "\\r";
-    case '\t':
-      return "\\t";
     default:
       break;
   }

@@ -9,7 +9,7 @@ namespace {
 TEST(OneLine, GivesNoOrdersToATerminalAndBeginsNoLine) {
   const std::pair<std::string, std::string> cases[] = {
       {"Grüße 日本 👍 100% \\n", "Grüße 日本 👍 100% \\n"},
-      {"a\n[Error] b\r\tc", "a\\n[Error] b\\r\\tc"},
+      {"a\n[Error] b\r\tc", "a\\n[Error] b\\r\tc"},
       {std::string("\0\x1B[31m\x7F", 7), "\\x00\\x1B[31m\\x7F"},
       {"\u0085\u009B\u2028\u2029", "\\u0085\\u009B\\u2028\\u2029"},
       {"\u202Efdp.exe\u200B\U000E0041", "\\u202Efdp.exe\\u200B\\U000E0041"},

@@ -16,7 +16,8 @@ class StorageAreaTest : public ServiceTest {
   // The beginning of the response to a PUT with these header lines and body.
   std::string sendRaw(const std::string& lines) const {
     Poco::Net::StreamSocket socket(Poco::Net::SocketAddress("127.0.0.1", server_->port()));
-    const std::string text = "PUT " + url_ + " HTTP/1.1\r\nHost: " + socket.peerAddress().toString() +
+    const std::string text = "PUT " + url_ +
+                             " HTTP/1.1\r\nHost: " + socket.peerAddress().toString() +
                              "\r\nX-Zantrio-Token: " + token_ + "\r\n" + lines;
     socket.sendBytes(text.data(), static_cast<int>(text.size()));
     socket.shutdownSend();

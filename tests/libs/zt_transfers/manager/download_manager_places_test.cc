@@ -18,7 +18,6 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 
 // Where files may go, and where not.
 class DownloadPlaces : public CDownloadTest {

@@ -168,8 +168,9 @@ void BrowserWindow::endDialogs(std::function<void()> next) {
 }
 
 void BrowserWindow::prepareBlankPage() {
-  // Forces a first layout, without which Chromium crashes when the document is filled and painted.
-  page_->printToPdf([](const QByteArray&) {});
+  // Forces a first layout, without which Chromium crashed when the document was filled and painted.
+  // Printing would do so too, but Qt hands its result to the page even after the page's end.
+  page_->runJavaScript(QStringLiteral("void document.documentElement.offsetHeight"));
   page_->runJavaScript(RenderSide::currentScript());
 }
 

@@ -210,6 +210,19 @@ TEST(MessageRouter, ServesPopUpsAlsoWhenTheyStayEmpty) {
   EXPECT_TRUE(page.waitFor("from page"));
 }
 
+TEST(MessageRouter, OutlivesPopUpsThatAreClosedWhileTheyOpen) {
+  TestBrowser page(kAsk);
+  for (int opened = 1; opened <= 40; ++opened) {
+    page.client().events.clear();
+    page.run("window.open('about:blank')");
+    ASSERT_TRUE(page.waitForEvent("popup"));
+    // A little later each time, so that the end meets each step of the start.
+    runUntil([] { return false; }, std::chrono::milliseconds(opened));
+    page.client().browsers.back()->GetHost()->CloseBrowser(true);
+    ASSERT_TRUE(runUntil([&] { return page.client().browsers.size() == 1; }));
+  }
+}
+
 TEST(MessageRouter, StaysUsableWhenThePageRedefinesWhatItBuildsOnAndThrowsInCallbacks) {
   TestBrowser page(
       "<script>JSON.stringify = JSON.parse = () => 'broken';"

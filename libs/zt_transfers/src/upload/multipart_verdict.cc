@@ -29,8 +29,9 @@ Initiation judgeInitiation(const HttpResponse& response, std::int64_t now) {
   AttemptOutcome outcome = judgeFailure(response, now);
   const bool heard = response.code == CURLE_OK;
   const bool permanent = response.status == 405 || response.status == 501;
+  // A signed URL is good for PUT alone, so that a 401 or 403 may mean no more than this request.
   const bool refused = outcome.code == failure::kRefused && response.status / 100 == 4;
-  if (heard && (permanent || (refused && !asksForAuthority(response)))) {
+  if (heard && (permanent || refused)) {
     return {.unsupported = true, .permanent = permanent};
   }
   return {.outcome = std::move(outcome)};

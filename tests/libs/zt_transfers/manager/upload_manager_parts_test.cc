@@ -109,14 +109,15 @@ TEST_F(MultipartUpload, RemembersARefusalThatDoesNotSayWhyOnceThePutWorked) {
   EXPECT_EQ(counted(1), 1U);
 }
 
-TEST_F(MultipartUpload, TakesARefusalOfTheUserForFinalAndTroubleForATimeToWait) {
+TEST_F(MultipartUpload, TakesARefusalForFinalOnlyWhenTheWholeFileIsRefusedToo) {
   configure([](auto& configuration) { configuration.maxConcurrentTransfers = 1; });
-  fault("POST", "uploads*", R"("type":"status","status":403,"count":1)");
-  fault("POST", "uploads*", R"("type":"status","status":503,"count":1)");
-  const auto group = upload({describe("refused", "content"), describe("waits", "content")});
+  fault("POST", "uploads*", R"("type":"status","status":403)");
+  fault("PUT", "", R"("type":"status","status":403,"count":1)");
+  const auto group =
+      upload({describe("refused", patternOf(kPart)), describe("whole", patternOf(kPart))});
   ASSERT_TRUE(recorder.waitForGroupState(group, kGroupErrored));
   EXPECT_EQ(recorder.lastFile("refused").state, kFileErrored);
-  EXPECT_EQ(recorder.lastFile("waits").state, kFileCompleted);
+  EXPECT_TRUE(arrived("whole") == patternOf(kPart));
 }
 
 TEST_F(MultipartUpload, TakesNoAnswerForSuccessThatDoesNotConfirmTheWhole) {

@@ -125,12 +125,12 @@ HttpResponse response(long status, const std::string& body = "") {
 }
 
 TEST(MultipartVerdict, TellsARefusalOfPartsFromOtherTrouble) {
-  for (const long status : {404L, 405L, 501L, 400L, 204L}) {
+  for (const long status : {400L, 401L, 403L, 404L, 405L, 501L, 204L}) {
     EXPECT_TRUE(judgeInitiation(response(status), 0).unsupported) << status;
   }
   EXPECT_TRUE(judgeInitiation(response(501), 0).permanent);
   EXPECT_FALSE(judgeInitiation(response(400), 0).permanent);
-  for (const long status : {401L, 403L, 408L, 429L, 500L, 503L}) {
+  for (const long status : {408L, 429L, 500L, 503L}) {
     EXPECT_TRUE(judgeInitiation(response(status), 0).outcome.has_value()) << status;
   }
 }

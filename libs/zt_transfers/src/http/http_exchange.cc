@@ -129,6 +129,7 @@ void CHttpExchange::setUp(const HttpRequest& request) {
   set(CURLOPT_NOBODY, request.method == "HEAD" ? 1L : 0L);
   set(CURLOPT_HTTPHEADER, headers_.get());
   const bool multiplexed = mayShareConnection(request);
+  set(CURLOPT_FRESH_CONNECT, request.freshConnection ? 1L : 0L);
   set(CURLOPT_HTTP_VERSION,
       static_cast<long>(multiplexed ? CURL_HTTP_VERSION_2TLS : CURL_HTTP_VERSION_1_1));
   if (multiplexed && startsWithIgnoringCase(request.url, "https:")) {
@@ -206,12 +207,24 @@ void CHttpExchange::finish(CURLcode code) {
   curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &response_.status);
   curl_easy_getinfo(easy_.get(), CURLINFO_HTTP_CONNECTCODE, &response_.proxyStatus);
   curl_easy_getinfo(easy_.get(), CURLINFO_HTTP_VERSION, &response_.version);
+  response_.staleConnection = isStale(code);
   curl_off_t sent = 0;
   curl_easy_getinfo(easy_.get(), CURLINFO_SIZE_UPLOAD_T, &sent);
   response_.bytesSent = static_cast<std::uint64_t>(sent);
   // The loop does not check an ended exchange for stalls, however long its owner keeps it.
   loop_.remove(*this);
   done_(std::move(response_));
+}
+
+bool CHttpExchange::isStale(CURLcode code) const {
+  constexpr std::array kLost{CURLE_SEND_ERROR,       CURLE_RECV_ERROR, CURLE_GOT_NOTHING,
+                             CURLE_SEND_FAIL_REWIND, CURLE_HTTP2,      CURLE_HTTP2_STREAM};
+  long opened = 1;
+  curl_easy_getinfo(easy_.get(), CURLINFO_NUM_CONNECTS, &opened);
+  // libcurl itself tries a new connection, for which the body cannot always be rewound.
+  const bool kept = opened == 0 || code == CURLE_SEND_FAIL_REWIND;
+  return kept && !responseBegun_ && !response_.stalled &&
+         std::find(kLost.begin(), kLost.end(), code) != kLost.end();
 }
 
 bool CHttpExchange::isConnected() const {

@@ -41,6 +41,7 @@ class CHttpExchange final : public IHttpExchange {
   void setUpHeaders(const HttpRequest& request);
   bool mayShareConnection(const HttpRequest& request) const;
   bool isConnected() const;
+  bool isStale(CURLcode code) const;
   void takeHeaderLine(std::string_view line);
   std::size_t takeContent(const char* data, std::size_t size);
   std::size_t takeIntoResponse(const char* data, std::size_t size);

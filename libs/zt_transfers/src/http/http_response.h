@@ -17,6 +17,9 @@ struct HttpResponse {
   CURLcode code = CURLE_OK;  // anything else: the response is incomplete
   std::string error;         // libcurl's text for `code`, without secrets
   bool stalled = false;      // ended for lack of traffic
+  // It was sent over a connection that was kept open, which then was lost without a response: the
+  // server had probably closed it before.
+  bool staleConnection = false;
   long status = 0;
   long proxyStatus = 0;  // of a proxy's answer to the request for a tunnel; 0: there was none
   long version = 0;      // of HTTP, in libcurl's numbers

@@ -26,6 +26,7 @@ struct HttpRequest {
   std::uint64_t responseSize = 0;  // bytes that are expected at most; 0: unknown
   std::string proxy{};             // empty: the system's
   HttpPatience patience{};
+  bool freshConnection = false;  // uses none that was kept open
 };
 
 // The source of a request's body. Thread: the loop's.

@@ -64,6 +64,7 @@ void CFileRequest::send() {
   request.headers = redirects_.headers();
   request.bodySize = size_;
   request.proxy = order_.proxy;
+  request.freshConnection = freshConnection_;
   request.patience = kPatienceWithContent;
   try {
     exchange_ = dependencies_.loop.send(
@@ -121,7 +122,10 @@ bool CFileRequest::rewind() {
 
 void CFileRequest::onResponse(const HttpResponse& response) {
   dependencies_.loop.retire(std::move(exchange_));
-  if (redirects_.follow(response, "PUT", dependencies_.log)) {
+  // A lost connection that was kept open says nothing of the file: it is sent once more at once.
+  const bool again = response.staleConnection && !freshConnection_;
+  freshConnection_ = freshConnection_ || again;
+  if (again || redirects_.follow(response, "PUT", dependencies_.log)) {
     enter(State::kOpening);
     listener_.onRequestMoved(*this);
     return;

@@ -18,7 +18,7 @@ namespace zt_transfers {
 //   kOpening ──► kSending ──► kEnded
 //      ▲  │         │           ▲
 //      │  └─────────┼───────────┘ the source or the listener ends it
-//      └────────────┘ redirect (to a new place, from the first byte)
+//      └────────────┘ redirect or stale connection (from the first byte)
 enum class FileRequestState : std::uint8_t {
   kOpening,  // the pool opens the source and reads its beginning
   kSending,  // the exchange is under way
@@ -96,6 +96,7 @@ class CFileRequest final : public CUploadSource::IListener,
 
   State state_ = State::kOpening;
   CRedirects redirects_;
+  bool freshConnection_ = false;
   std::uint64_t size_ = 0;
   std::uint64_t sent_ = 0;
   std::string md5_;

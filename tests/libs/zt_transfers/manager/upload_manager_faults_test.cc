@@ -192,5 +192,17 @@ TEST_F(UploadFaults, GoesOnByItselfOnceAServerThatWentAwayIsBack) {
   manager.shutdown();
 }
 
+TEST_F(UploadFaults, DoesNotBlameAFileForAKeptConnectionThatTheServerHasClosed) {
+  auto configuration = manager.getConfiguration();
+  configuration.maxConcurrentTransfers = 1;
+  manager.setConfiguration(configuration);
+  server.plan("/second", {fault::resetAfter(400'000)});
+  const auto group =
+      upload({describe("first", "content"), describe("second", patternOf(1'000'000, 1))});
+  ASSERT_TRUE(recorder.waitForGroupState(group, kGroupCompleted)) << log();
+  EXPECT_EQ(log().find("attempt 1"), std::string::npos) << log();
+  EXPECT_EQ(server.requestsTo("/second").size(), 2U);
+}
+
 }  // namespace
 }  // namespace zt_transfers::test

@@ -23,11 +23,13 @@ def wait_for(condition, what, limit=PATIENCE):
 
 
 class Client:
-    """Downloads the server's files to `folder`/target."""
+    """Downloads the files to `folder`/target, or uploads them from `folder` with direction "up"."""
 
-    def __init__(self, probe, folder, server, told_digest=True, prefix=(), environment=None):
+    def __init__(self, probe, folder, server, told_digest=True, prefix=(), environment=None, direction="down"):
         self.folder = pathlib.Path(folder)
-        self.command = [*prefix, probe, str(folder), server.url, "0", str(len(server.files))]
+        number = str(len(server.files))
+        counts = ("0", number) if direction == "down" else (number, "0")
+        self.command = [*prefix, probe, str(folder), server.url, *counts]
         self.environment = {**os.environ, **(environment or {})}
         self.told = set()
         self.process = None

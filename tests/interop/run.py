@@ -8,6 +8,8 @@ import traceback
 
 import disks
 import networks
+import stores
+import swift_store
 from client import Failed
 
 
@@ -28,13 +30,13 @@ def run_case(case, probe):
 
 def main():
     probe, words = str(pathlib.Path(sys.argv[1]).resolve()), sys.argv[2:]
-    missing = disks.needs() + networks.needs()
+    missing = disks.needs() + networks.needs() + swift_store.needs()
     if missing:
         print(f"interop: missing here: {', '.join(missing)}", file=sys.stderr)
         return 1
     cases = [
         case
-        for case in disks.CASES + networks.CASES
+        for case in disks.CASES + networks.CASES + stores.CASES
         if not words or any(word in case.__name__ for word in words)
     ]
     results = [run_case(case, probe) for case in cases]

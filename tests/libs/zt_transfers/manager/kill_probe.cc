@@ -1,9 +1,10 @@
 // Transfers files until it is killed: kill_probe FOLDER URL UPLOADS DOWNLOADS [BYTES TOKEN].
 // Uploads the files "FOLDER/file<n>" to "URL/up/<n>", and downloads "URL/down/<n>" to
 // "FOLDER/target/file<n>"; of the latter FOLDER/downloads has a line each, with size and MD5 ("-":
-// not told). Takes up what an earlier run left in FOLDER. Prints "up/<n>" or "down/<n>" once that
-// is told to be completed, and "all" at the end. With BYTES all files are multipart uploads with
-// parts of this size, with TOKEN as the local service wants it.
+// not told). If FOLDER has upload_urls or download_urls, these are the files' URLs, one a line.
+// Takes up what an earlier run left in FOLDER. Prints "up/<n>" or "down/<n>" once that is told to
+// be completed, and "all" at the end. With BYTES all files are multipart uploads with parts of this
+// size, with TOKEN as the local service wants it.
 #include <unistd.h>
 
 #include <atomic>
@@ -46,15 +47,22 @@ void print(const std::string& line) {
   }
 }
 
+// The URL of a file, by its line in `urls` if that could be opened.
+std::string urlOf(const Task& task, const std::string& fileId, std::ifstream& urls) {
+  std::string url;
+  return std::getline(urls, url) ? url : task.url + "/" + fileId;
+}
+
 void queue(CUploadManager& manager, const Task& task) {
   const auto group = manager.createGroup("bucket", "message", "token", 0);
   manager.pauseGroup(group);
   std::vector<CUploadManager::FileDesc> files;
+  std::ifstream urls(task.folder / "upload_urls");
   for (int number = 0; number < task.uploads; ++number) {
     CUploadManager::FileDesc file;
     file.fileId = "up/" + std::to_string(number);
     file.fileURL = widened("file://" + (task.folder / "file").string() + std::to_string(number));
-    file.url = task.url + "/" + file.fileId;
+    file.url = urlOf(task, file.fileId, urls);
     if (!task.token.empty()) {
       file.headers = {{"X-Zantrio-Token", task.token}};
     }
@@ -70,11 +78,12 @@ void queue(CDownloadManager& manager, const Task& task) {
   manager.pauseGroup(group);
   std::vector<CDownloadManager::FileDownloadDetails> files;
   std::ifstream lines(task.folder / "downloads");
+  std::ifstream urls(task.folder / "download_urls");
   for (int number = 0; number < task.downloads; ++number) {
     CDownloadManager::FileDownloadDetails file;
     file.fileId = "down/" + std::to_string(number);
     file.path = widened("file" + std::to_string(number));
-    file.url = task.url + "/" + file.fileId;
+    file.url = urlOf(task, file.fileId, urls);
     lines >> file.size >> file.md5Digest;
     file.md5Digest = file.md5Digest == "-" ? "" : file.md5Digest;
     files.push_back(file);

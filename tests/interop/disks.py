@@ -9,7 +9,7 @@ from volumes import OtherDevice, Volume
 MIB = 1024 * 1024
 
 
-def _resumes_after_a_remount(kind, probe, folder):
+def _resumes_after_a_remount(kind, probe, folder, restored=False):
     # Slow enough for the client to note several times how far it has come.
     server = FileServer(made_files(3, 32 * MIB), rate=2 * MIB)
     volume = Volume(kind, folder / "disk.img", folder / "target", 256 * MIB)
@@ -19,6 +19,8 @@ def _resumes_after_a_remount(kind, probe, folder):
         client.start()
         wait_for(lambda: server.sent > 66 * MIB, "half of the bytes")
         client.kill()
+        if restored:
+            volume.restore()
         volume.unmount()
         other = OtherDevice(folder)
         volume.mount()
@@ -50,6 +52,10 @@ def goes_on_after_a_remount_of_exfat(probe, folder):
 
 def goes_on_after_a_remount_of_a_fuse_file_system(probe, folder):
     _resumes_after_a_remount("bind", probe, folder)
+
+
+def goes_on_in_a_restored_backup(probe, folder):
+    _resumes_after_a_remount("ext4", probe, folder, restored=True)
 
 
 def loses_nothing_that_it_told_when_the_power_is_cut(probe, folder):
@@ -113,6 +119,7 @@ CASES = [
     goes_on_after_a_remount_of_ext4,
     goes_on_after_a_remount_of_exfat,
     goes_on_after_a_remount_of_a_fuse_file_system,
+    goes_on_in_a_restored_backup,
     loses_nothing_that_it_told_when_the_power_is_cut,
     goes_on_when_a_full_disk_has_room_again,
 ]

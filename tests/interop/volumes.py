@@ -30,10 +30,13 @@ class Volume:
         self.device = None
         with open(image, "wb") as file:
             file.truncate(size)
-        if kind == "exfat":
+        self._format()
+
+    def _format(self):
+        if self.kind == "exfat":
             run("mkfs.exfat", self.image)
         else:
-            run("mkfs.ext4", "-q", self.image)
+            run("mkfs.ext4", "-q", "-F", self.image)
 
     def mount(self):
         self.device = run("losetup", "--find", "--show", self.image)
@@ -54,6 +57,15 @@ class Volume:
             run("umount", str(self.below))
         run("losetup", "--detach", self.device)
         self.device = None
+
+    def restore(self):
+        """Copies the files away, and back to a new file system."""
+        backup = f"{self.mount_point}.backup"
+        run("cp", "--archive", str(self.mount_point), backup)
+        self.unmount()
+        self._format()
+        self.mount()
+        run("cp", "--archive", f"{backup}/.", str(self.mount_point))
 
     def cut(self):
         """As a power cut: what is not on the disk, its journal included, is lost."""

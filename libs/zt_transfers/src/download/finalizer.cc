@@ -48,13 +48,9 @@ void CFinalizer::finalize(std::vector<Arrival> arrivals) {
 
 void CFinalizer::finalizeAll(Batch& batch) {
   syncAll(batch);
-  noteSynced(batch);
-  for (Finalization& finalization : batch) {
-    tryStep(finalization, [&] {
-      if (!finalization.file->discarded()) {
-        finalization.file->publish();
-      }
-    });
+  // A second round is for files whose names others have got meanwhile, perhaps one of this batch.
+  while (noteNames(batch)) {
+    publish(batch);
   }
   syncFolders(batch);
   notify(batch);
@@ -105,16 +101,32 @@ void CFinalizer::syncAll(Batch& batch) {
   }
 }
 
-void CFinalizer::noteSynced(Batch& batch) {
+// False when no file is left without a name.
+bool CFinalizer::noteNames(Batch& batch) {
   std::vector<AttemptId> attempts;
-  for (const Finalization& finalization : batch) {
-    if (finalization.continues()) {
+  for (Finalization& finalization : batch) {
+    if (!finalization.continues() || finalization.named) {
+      continue;
+    }
+    tryStep(finalization, [&] {
       finalization.file->noteSynced();
+      finalization.file->chooseName();
       finalization.progress->setResume(finalization.file->resume());
       attempts.push_back(finalization.attemptId);
+    });
+  }
+  if (!attempts.empty()) {
+    dependencies_.synced(attempts);
+  }
+  return !attempts.empty();
+}
+
+void CFinalizer::publish(Batch& batch) {
+  for (Finalization& finalization : batch) {
+    if (finalization.continues() && !finalization.named) {
+      tryStep(finalization, [&] { finalization.named = finalization.file->publish(); });
     }
   }
-  dependencies_.synced(attempts);
 }
 
 // Once for each folder, because a second sync may not report again that the first one has failed.

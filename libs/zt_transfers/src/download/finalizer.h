@@ -12,12 +12,12 @@
 
 namespace zt_transfers {
 
-// Gives files that have arrived their final names: syncs the content, records that the rename
-// follows, renames, and syncs the folder. Files that arrive meanwhile wait and are finalized
-// together, many of them with one sync, because waiting for the disk is most of the work of a small
-// file.
+// Gives files that have arrived their final names: syncs the content, records the name that the
+// file is about to get, renames, and syncs the folder. Files that arrive meanwhile wait and are
+// finalized together, many of them with one sync, because waiting for the disk is most of the work
+// of a small file.
 //
-// After a failed folder sync the file's next attempt syncs again: it finds the file by its final
+// After a failed folder sync the file's next attempt syncs again: it finds the file by its recorded
 // name and does not rename it a second time.
 //
 // Thread: any of the pool's. The first one does the work for those that come while it is busy.
@@ -45,6 +45,7 @@ class CFinalizer {
     explicit Finalization(Arrival arrival) : Arrival(std::move(arrival)) {}
 
     bool syncedAll = false;  // by a sync of the whole file system
+    bool named = false;
     std::optional<AttemptOutcome> failure{};
     std::optional<AttemptOutcome> folderSynced{};  // the result of that sync
 
@@ -56,7 +57,8 @@ class CFinalizer {
   template <typename Step>
   static void tryStep(Finalization& finalization, Step step);
   static void syncAll(Batch& batch);
-  void noteSynced(Batch& batch);
+  bool noteNames(Batch& batch);
+  static void publish(Batch& batch);
   static void syncFolders(Batch& batch);
   void notify(Batch& batch);
 

@@ -26,6 +26,16 @@ bool isNoFile(int error) {
   return error == ENOENT || error == ELOOP || error == EISDIR || error == ENXIO;
 }
 
+// Whether this can be the partial file: nobody else has put a file of that name there.
+bool isOurs(const struct stat& status, const DownloadResume& resume) {
+  return S_ISREG(status.st_mode) && (status.st_uid == ::geteuid() || status.st_uid == resume.owner);
+}
+
+// Whether a file of this length can hold the bytes that it is said to hold.
+bool fits(std::uint64_t length, const DownloadResume& resume) {
+  return resume.written.empty() || (length >= resume.written.back().end && length <= resume.size);
+}
+
 void syncNames(IFileOps& ops, int folder) {
   // Some file systems cannot sync a folder; then the file's own sync must be enough.
   if (!ops.sync(folder) && errno != EINVAL && errno != EROFS) {
@@ -45,7 +55,7 @@ void CPartialEntry::remove(IFileOps& ops, const std::string& groupFolder,
     failWithErrno("cannot open it");
   }
   if (file.valid()) {
-    if (statusOf(ops, file.get()).st_ino != resume.inode) {
+    if (!isOurs(statusOf(ops, file.get()), resume)) {
       return;
     }
     lock(ops, file.get());
@@ -89,7 +99,7 @@ bool CPartialEntry::isFolderInPlace() const {
 }
 
 CUniqueFd CPartialEntry::reopen(const DownloadResume& resume) {
-  const std::string name = resume.partialPath.substr(pathOf("").size());
+  const std::string name = nameOf(resume);
   CUniqueFd file = open(name);
   if (!file.valid()) {
     if (isNoFile(errno)) {
@@ -98,7 +108,9 @@ CUniqueFd CPartialEntry::reopen(const DownloadResume& resume) {
     failWithErrno("cannot open the partial file");
   }
   const struct stat status = statusOf(ops_, file.get());
-  if (!S_ISREG(status.st_mode) || status.st_ino != resume.inode) {
+  const auto length = static_cast<std::uint64_t>(status.st_size);
+  // With a second name, the content may belong to somebody else as well.
+  if (!isOurs(status, resume) || status.st_nlink > 1 || !fits(length, resume)) {
     return {};
   }
   lock(ops_, file.get());
@@ -106,17 +118,18 @@ CUniqueFd CPartialEntry::reopen(const DownloadResume& resume) {
   if (!isThere(name, status.st_ino)) {
     return {};
   }
-  take(name, status.st_ino);
+  take(name, status);
   return file;
 }
 
-CUniqueFd CPartialEntry::make() {
+CUniqueFd CPartialEntry::make(const std::string& lost) {
   for (int number = 0; number < kMaxNames; ++number) {
-    const std::string name = partialName(target_.name, key_ + '\0' + std::to_string(number));
+    const std::string name =
+        partialName(target_.name, key_ + '\0' + lost + '\0' + std::to_string(number));
     CUniqueFd file = ops_.create(folder_.get(), name.c_str());
     if (file.valid()) {
       ops_.lock(file.get());
-      take(name, statusOf(ops_, file.get()).st_ino);
+      take(name, statusOf(ops_, file.get()));
       return file;
     }
     if (errno != EEXIST) {
@@ -144,36 +157,44 @@ CUniqueFd CPartialEntry::takeExisting(const std::string& name) {
       !ops_.truncate(file.get())) {
     return {};
   }
-  take(name, status.st_ino);
+  take(name, status);
   return file;
 }
 
 bool CPartialEntry::isFinalized(const DownloadResume& resume) const {
+  struct stat status {};
   // Before the rename all bytes were recorded as durable.
-  if (lengthOf(resume.durable) != resume.size) {
+  if (resume.finalName.empty() || lengthOf(resume.durable) != resume.size ||
+      !ops_.statusOfName(folder_.get(), resume.finalName.c_str(), status) ||
+      !isOurs(status, resume) || static_cast<std::uint64_t>(status.st_size) != resume.size) {
     return false;
   }
-  for (unsigned count = 0; count <= kMaxCounted; ++count) {
-    struct stat status {};
-    const std::string name = countedName(target_.name, count);
-    if (!ops_.statusOfName(folder_.get(), name.c_str(), status)) {
-      return false;
-    }
-    if (status.st_ino == resume.inode && S_ISREG(status.st_mode)) {
-      return static_cast<std::uint64_t>(status.st_size) == resume.size;
-    }
+  const std::string name = nameOf(resume);
+  struct stat partial {};
+  if (!ops_.statusOfName(folder_.get(), name.c_str(), partial)) {
+    return errno == ENOENT;
   }
-  return false;
+  // Where a rename is a second link, the program can end before it removes the first one.
+  return partial.st_ino == status.st_ino && partial.st_nlink > 1 &&
+         ops_.unlink(folder_.get(), name.c_str());
 }
 
-std::string CPartialEntry::publish() {
+std::string CPartialEntry::chooseName() {
+  count_ = freeCount(ops_, folder_.get(), target_.name, count_);
+  return countedName(target_.name, count_);
+}
+
+bool CPartialEntry::publish() {
   if (!isThere(name_, inode_)) {
     errno = ESTALE;
     failWithErrno("the partial file was replaced");
   }
-  std::string name = zt_transfers::publish(ops_, folder_.get(), name_, target_.name);
+  if (!renameIfFree(ops_, folder_.get(), name_, countedName(target_.name, count_))) {
+    ++count_;
+    return false;
+  }
   name_.clear();
-  return name;
+  return true;
 }
 
 void CPartialEntry::unlink() noexcept {
@@ -215,9 +236,15 @@ CUniqueFd CPartialEntry::open(const std::string& name) const {
   return ops_.open(folder_.get(), name.c_str());
 }
 
-void CPartialEntry::take(const std::string& name, std::uint64_t inode) {
+void CPartialEntry::take(const std::string& name, const struct stat& status) {
   name_ = name;
-  inode_ = inode;
+  inode_ = status.st_ino;
+  owner_ = status.st_uid;
+  count_ = 0;
+}
+
+std::string CPartialEntry::nameOf(const DownloadResume& resume) const {
+  return resume.partialPath.substr(pathOf("").size());
 }
 
 bool CPartialEntry::isThere(const std::string& name, std::uint64_t inode) const {

@@ -27,7 +27,7 @@ class CPartialFileInUse : public std::runtime_error {
 // Thread: one at a time; calls block, and throw std::system_error.
 class CPartialEntry {
  public:
-  // `key` identifies this file of this group. `ops` must outlive the entry.
+  // `key` identifies this file among those of all queues. `ops` must outlive the entry.
   CPartialEntry(IFileOps& ops, std::string groupFolder, TargetPath target, std::string key)
       : ops_(ops),
         groupFolder_(std::move(groupFolder)),
@@ -43,20 +43,24 @@ class CPartialEntry {
 
   // The functions below need the folder. They return locked files.
 
-  // The partial file of an earlier attempt; invalid when it does not exist any more. Throws
-  // CPartialFileInUse when another process or manager has locked it.
+  // The partial file of an earlier attempt; invalid when it does not exist any more, or is not as
+  // it was left. Throws CPartialFileInUse when another process or manager has locked it.
   CUniqueFd reopen(const DownloadResume& resume);
   // Whether the folder's path still leads to it: the user can move it, or mount another disk there.
   bool isFolderInPlace() const;
   // Whether the partial file still has its name.
   bool isThere() const { return !name_.empty() && isThere(name_, inode_); }
-  // A new partial file, or one of this name that an earlier run has left, emptied.
-  CUniqueFd make();
+  // A new partial file, or one of this name that an earlier run has left, emptied. It gets another
+  // name than `lost`, the path of one that could not be reopened: that one may come back with its
+  // disk.
+  CUniqueFd make(const std::string& lost);
   // Whether the file already has its final name: the program ended after the rename and before it
   // recorded that.
   bool isFinalized(const DownloadResume& resume) const;
-  // Gives the file its final name and returns that name.
-  std::string publish();
+  // A name that no file has now, for publish().
+  std::string chooseName();
+  // Gives the file that name. False when another file has it meanwhile.
+  bool publish();
   // Best effort.
   void unlink() noexcept;
   // Makes the folder's names durable where the file system can.
@@ -64,6 +68,8 @@ class CPartialEntry {
 
   // The partial file's path below the group's folder.
   std::string path() const { return pathOf(name_); }
+  std::uint32_t owner() const { return owner_; }
+  // Changes with a remount on some file systems; 0: never opened.
   std::uint64_t inode() const { return inode_; }
   bool sameFolder(const CPartialEntry& other) const;
   bool sameFileSystem(const CPartialEntry& other) const;
@@ -77,7 +83,8 @@ class CPartialEntry {
   CUniqueFd open(MissingFolders missing) const;
   CUniqueFd open(const std::string& name) const;
   CUniqueFd takeExisting(const std::string& name);
-  void take(const std::string& name, std::uint64_t inode);
+  void take(const std::string& name, const struct stat& status);
+  std::string nameOf(const DownloadResume& resume) const;
   bool isThere(const std::string& name, std::uint64_t inode) const;
 
   IFileOps& ops_;
@@ -88,7 +95,10 @@ class CPartialEntry {
   CUniqueFd folder_;
   struct stat folderStatus_ {};
   std::string name_;  // of the partial file; empty: none exists, or it is published
+  // Of the partial file since it was opened: it tells whether the name still leads to it.
   std::uint64_t inode_ = 0;
+  std::uint32_t owner_ = DownloadResume::kNobody;
+  unsigned count_ = 0;  // the number of the chosen final name
 };
 
 }  // namespace zt_transfers

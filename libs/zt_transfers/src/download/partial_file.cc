@@ -22,14 +22,6 @@ constexpr std::uint64_t kReserveFrom = 1024 * 1024;  // smaller files are writte
 // Writing starts in windows of this size once they are complete, so that a sync has little left.
 constexpr std::uint64_t kWriteWindow = 8ULL * 1024 * 1024;
 
-ByteSpans within(const ByteSpans& spans, std::uint64_t size) {
-  ByteSpans kept;
-  for (const ByteSpan& span : spans) {
-    addSpan(kept, {std::min(span.begin, size), std::min(span.end, size)});
-  }
-  return kept;
-}
-
 }  // namespace
 
 CPartialFile::Plan CPartialFile::planFor(const StartOrder& order) {
@@ -37,7 +29,7 @@ CPartialFile::Plan CPartialFile::planFor(const StartOrder& order) {
   plan.folder = order.folder;
   plan.target = receivedTarget(parseTargetPath(order.spec.location));
   plan.origin = loggableUrl(order.spec.url);
-  plan.key = std::to_string(order.file.groupId) + '\0' + order.spec.fileId;
+  plan.key = order.salt + std::to_string(order.file.groupId) + '\0' + order.spec.fileId;
   plan.size = order.spec.size;
   plan.modified = order.spec.modified;
   plan.md5 = loweredAscii(order.spec.contentMd5);
@@ -78,12 +70,25 @@ void CPartialFile::park(Unsynced unsynced) {
   close();
 }
 
+// The disk was taken away meanwhile, or this is a copy.
+void CPartialFile::keepOnlyDurable() {
+  hash_.reset();
+  digest_.reset();
+  const CMutexLock lock(mutex_);
+  resume_.written = resume_.durable;
+}
+
 void CPartialFile::forget() {
   close();
   hash_.reset();
   digest_.reset();
   const CMutexLock lock(mutex_);
-  resume_ = {};
+  // The name stays known: the file may come back with its disk, and no other one may have that name
+  // by then.
+  DownloadResume lost;
+  lost.partialPath = std::move(resume_.partialPath);
+  lost.owner = resume_.owner;
+  resume_ = std::move(lost);
   lost_ = false;
 }
 
@@ -113,6 +118,7 @@ CPartialFile::Found CPartialFile::reopen(const DownloadResume& noted) {
     forget();
     return Found::kNothing;
   }
+  const std::uint64_t inode = entry_.inode();
   CUniqueFd file = entry_.reopen(known);
   if (!file.valid()) {
     if (entry_.isFinalized(known)) {
@@ -122,16 +128,10 @@ CPartialFile::Found CPartialFile::reopen(const DownloadResume& noted) {
     forget();
     return Found::kNothing;
   }
-  const auto there = static_cast<std::uint64_t>(statusOf(ops_, file.get()).st_size);
-  DownloadResume found = known;
-  found.written = within(known.written, there);
-  found.durable = within(known.durable, there);
-  if (found.written != known.written) {
-    hash_.reset();  // somebody has shortened the file
-    digest_.reset();
-  }
-  setResume(std::move(found));
   file_ = std::move(file);
+  if (inode != 0 && inode != entry_.inode()) {
+    keepOnlyDurable();
+  }
   return Found::kPartial;
 }
 
@@ -140,7 +140,7 @@ void CPartialFile::create(std::uint64_t size) {
     return;
   }
   entry_.openFolder(MissingFolders::kMake);
-  adopt(entry_.make());
+  adopt(entry_.make(resume().partialPath));
   reserve(size);
 }
 
@@ -148,7 +148,7 @@ void CPartialFile::adopt(CUniqueFd file) {
   file_ = std::move(file);
   const CMutexLock lock(mutex_);
   resume_.partialPath = entry_.path();
-  resume_.inode = entry_.inode();
+  resume_.owner = entry_.owner();
 }
 
 void CPartialFile::restart(const std::string& validator, std::uint64_t size) {
@@ -158,6 +158,7 @@ void CPartialFile::restart(const std::string& validator, std::uint64_t size) {
     resume_.size = size;
     resume_.written.clear();
     resume_.durable.clear();
+    resume_.finalName.clear();
   }
   hash_.reset();
   digest_.reset();
@@ -215,6 +216,12 @@ void CPartialFile::failToSync() {
 void CPartialFile::noteSynced() {
   const CMutexLock lock(mutex_);
   resume_.durable = resume_.written;
+}
+
+void CPartialFile::chooseName() {
+  std::string name = entry_.chooseName();
+  const CMutexLock lock(mutex_);
+  resume_.finalName = std::move(name);
 }
 
 void CPartialFile::setResume(DownloadResume resume) {

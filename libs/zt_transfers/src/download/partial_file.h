@@ -28,7 +28,7 @@ class CPartialFile {
   struct Plan {
     std::string folder;  // the group's
     TargetPath target;
-    std::string key;             // identifies this file of this group
+    std::string key;             // identifies this file among those of all queues
     std::uint64_t size = 0;      // bytes, as announced by the page; 0: not announced
     std::uint64_t modified = 0;  // milliseconds since 1970; 0: none
     std::string md5;             // lower-case hexadecimal; empty: not checked
@@ -90,8 +90,11 @@ class CPartialFile {
   // After a sync of the file system: throws if any of this file's bytes could not be written since
   // it was last synced.
   void checkWritten();
-  // Gives the file its final name, which is durable only after syncFolder.
-  std::string publish() { return entry_.publish(); }
+  // Chooses a final name that no file has now; resume() tells it.
+  void chooseName();
+  // Gives the file that name, which is durable only after syncFolder. False when another file has
+  // got the name meanwhile.
+  bool publish() { return entry_.publish(); }
   void syncFolder() const { entry_.syncFolder(); }
 
   // Closes the file, which has its final name.
@@ -124,9 +127,10 @@ class CPartialFile {
   CContentHash& openHash();
   std::string digest(std::uint64_t size);
 
-  IFileOps& ops_;
+  void keepOnlyDurable();
   void forget();
 
+  IFileOps& ops_;
   Plan plan_;
   std::atomic<bool> discarded_{false};
 

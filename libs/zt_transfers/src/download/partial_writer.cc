@@ -215,6 +215,7 @@ bool CPartialWriter::withdraw() {
   DownloadResume nothing = file_->resume();
   nothing.written.clear();
   nothing.durable.clear();
+  nothing.finalName.clear();
   progress_->setResume(nothing);
   if (!observer_.onAttemptCheckpoint(attemptId_)) {
     return false;

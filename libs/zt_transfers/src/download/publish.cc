@@ -1,8 +1,10 @@
 #include "download/publish.h"
 
-#include <cerrno>
-#include <system_error>
+#include <sys/stat.h>
 
+#include <cerrno>
+
+#include "base/system_failure.h"
 #include "base/unique_fd.h"
 #include "download/target_path.h"
 
@@ -46,18 +48,29 @@ bool move(IFileOps& ops, int folder, const char* from, const char* to) {
 
 }  // namespace
 
-std::string publish(IFileOps& ops, int folder, const std::string& partial,
-                    const std::string& name) {
-  for (unsigned count = 0; count <= kMaxCounted; ++count) {
-    std::string candidate = countedName(name, count);
-    if (move(ops, folder, partial.c_str(), candidate.c_str())) {
-      return candidate;
-    }
-    if (errno != EEXIST) {
-      break;
-    }
+unsigned freeCount(IFileOps& ops, int folder, const std::string& name, unsigned count) {
+  struct stat status {};
+  while (count <= kMaxCounted &&
+         ops.statusOfName(folder, countedName(name, count).c_str(), status)) {
+    ++count;
   }
-  throw std::system_error(errno, std::generic_category(), "cannot give the file its name");
+  if (count > kMaxCounted) {
+    errno = EEXIST;
+  }
+  if (errno != ENOENT) {
+    failWithErrno("cannot find a name for the file");
+  }
+  return count;
+}
+
+bool renameIfFree(IFileOps& ops, int folder, const std::string& from, const std::string& to) {
+  if (move(ops, folder, from.c_str(), to.c_str())) {
+    return true;
+  }
+  if (errno != EEXIST) {
+    failWithErrno("cannot give the file its name");
+  }
+  return false;
 }
 
 }  // namespace zt_transfers

@@ -6,9 +6,12 @@
 
 namespace zt_transfers {
 
-// Gives the file `partial` in the open folder its final name, or a counted one if that is taken.
-// Existing files are never replaced, even if they appear meanwhile. Returns the name; throws
-// std::system_error.
-std::string publish(IFileOps& ops, int folder, const std::string& partial, const std::string& name);
+// Both are about names in an open folder, and throw std::system_error.
+
+// The number of the first countedName of `name`, from `count` on, that no file has.
+unsigned freeCount(IFileOps& ops, int folder, const std::string& name, unsigned count);
+
+// Renames a file. An existing file is never replaced, even if it appears meanwhile: false.
+bool renameIfFree(IFileOps& ops, int folder, const std::string& from, const std::string& to);
 
 }  // namespace zt_transfers

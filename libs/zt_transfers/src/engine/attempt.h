@@ -62,6 +62,7 @@ struct StartOrder {
   FileRef file;
   FileSpec spec;
   std::string folder;     // the group's; downloads only
+  std::string salt;       // of the queue; makes the names of partial files unique
   TransferResume resume;  // left by an earlier attempt
   bool verify = true;
   std::string proxy;

@@ -24,15 +24,22 @@ void addSpan(ByteSpans& spans, ByteSpan span);
 
 // The partial file of a download, and which of its bytes can be trusted. The store keeps `durable`
 // and returns it as `written`, too.
+//
+// The partial file is known by its name, which no other queue uses: inode numbers change where file
+// systems make them up at each mount, and in a restored backup.
 struct DownloadResume {
   static constexpr std::uint64_t kUnknown = ~std::uint64_t{0};
+  static constexpr std::uint32_t kNobody = ~std::uint32_t{0};
 
   std::string partialPath;  // below the group's folder; empty: not begun
-  std::uint64_t inode = 0;  // of the partial file; the rename to its final name keeps it
-  std::string validator;    // the version's strong ETag, else its Last-Modified; empty: none
-  std::uint64_t size = 0;   // bytes of the complete version
-  ByteSpans written;        // by this process: survives its end
-  ByteSpans durable;        // synced: survives a power cut
+  // The user id that the file system gave the partial file. Some give all files the same one.
+  std::uint32_t owner = kNobody;
+  std::string validator;   // the version's strong ETag, else its Last-Modified; empty: none
+  std::uint64_t size = 0;  // bytes of the complete version
+  ByteSpans written;       // by this process: survives its end
+  ByteSpans durable;       // synced: survives a power cut
+  // Beside the partial file. Set before the complete file gets this name; empty: not so far yet.
+  std::string finalName;
 
   bool begun() const { return !partialPath.empty(); }
   bool operator==(const DownloadResume&) const = default;

@@ -56,6 +56,9 @@ class IQueueStore {
  public:
   virtual ~IQueueStore() = default;
 
+  // Random bytes that no other queue has.
+  virtual std::string salt() const = 0;
+
   // A new or changed group.
   virtual void saveGroup(const StoredGroup& group) = 0;
   virtual void removeGroup(std::int32_t groupId) = 0;

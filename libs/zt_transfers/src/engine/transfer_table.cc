@@ -278,6 +278,7 @@ StartOrder CTransferTable::begin(CTransferGroup& group, std::uint32_t index, Fil
   StartOrder order;
   order.resume = resumes_.take(group, index);
   order.folder = bytesOf(group.identity().folder);
+  order.salt = store_.salt();
   group.addInFlight(attempt.counted);
   attempt.progress->bytes = attempt.counted;
   attempt.progress->setResume(order.resume);

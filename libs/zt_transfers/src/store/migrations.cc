@@ -62,11 +62,19 @@ constexpr const char* kOrphans = R"(
   );
 )";
 
+constexpr const char* kSalt = R"(
+  -- One row. Names of partial files contain it, so that no other queue uses them.
+  CREATE TABLE salt(
+    value BLOB NOT NULL
+  );
+  INSERT INTO salt VALUES(randomblob(16));
+)";
+
 }  // namespace
 
 const std::vector<Migration>& queueMigrations() {
   static const std::vector<Migration> migrations{
-      {1, kFirstSchema}, {2, kResumes}, {3, kFailures}, {4, kOrphans}};
+      {1, kFirstSchema}, {2, kResumes}, {3, kFailures}, {4, kOrphans}, {5, kSalt}};
   return migrations;
 }
 

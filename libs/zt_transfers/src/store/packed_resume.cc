@@ -18,7 +18,7 @@ std::uint64_t unsignedTime(std::int64_t time) {
 
 void pack(CPacker& packer, const DownloadResume& resume) {
   packer.text(resume.partialPath);
-  packer.number(resume.inode);
+  packer.number(resume.owner);
   packer.text(resume.validator);
   packer.number(resume.size);
   packer.number(resume.durable.size());
@@ -26,12 +26,15 @@ void pack(CPacker& packer, const DownloadResume& resume) {
     packer.number(span.begin);
     packer.number(span.end);
   }
+  packer.text(resume.finalName);
 }
 
+// Before version 5 the owner's place held an inode number, and the block ended before the final
+// name.
 std::optional<TransferResume> unpackedDownload(std::string_view partialPath, CUnpacker& unpacker) {
   DownloadResume resume;
   resume.partialPath = partialPath;
-  resume.inode = unpacker.number();
+  const std::uint64_t owner = unpacker.number();
   resume.validator = unpacker.text();
   resume.size = unpacker.number();
   const std::uint64_t spans = unpacker.number();
@@ -44,6 +47,10 @@ std::optional<TransferResume> unpackedDownload(std::string_view partialPath, CUn
     }
     resume.durable.push_back({begin, end});
     last = end;
+  }
+  if (unpacker.left() != 0) {
+    resume.owner = static_cast<std::uint32_t>(owner);
+    resume.finalName = unpacker.text();
   }
   if (!unpacker.ok()) {
     return std::nullopt;

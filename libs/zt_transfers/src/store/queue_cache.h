@@ -17,6 +17,7 @@
 #include "engine/queue_store.h"
 #include "store/file_table.h"
 #include "store/queue_batch.h"
+#include "store/salt.h"
 
 namespace zt_transfers {
 
@@ -47,6 +48,10 @@ class CQueueCache : public IQueueStore {
   void stopRecording();
 
   // For the engine.
+  std::string salt() const override {
+    const CMutexLock lock(mutex_);
+    return salt_;
+  }
   void saveGroup(const StoredGroup& group) override;
   void removeGroup(std::int32_t groupId) override;
   void append(std::int32_t groupId, const FileSpec& spec, const StoredState& state) override;
@@ -66,6 +71,10 @@ class CQueueCache : public IQueueStore {
 
   // For reading the stored queue: each group with its files in the order of their indices.
   void clear();
+  void restoreSalt(std::string salt) {
+    const CMutexLock lock(mutex_);
+    salt_ = std::move(salt);
+  }
   void dropGroup(std::int32_t groupId);
   void restoreGroup(std::int32_t groupId);
   void restoreFile(FileRef file, std::string_view fileId);
@@ -104,6 +113,7 @@ class CQueueCache : public IQueueStore {
   bool fillIn(QueueWrite& write, QueueBatch& batch) REQUIRES(mutex_);
 
   mutable CMutex mutex_;
+  std::string salt_ GUARDED_BY(mutex_) = randomSalt();  // until the stored one is known
   std::optional<Listener> listener_ GUARDED_BY(mutex_);
   std::size_t held_ GUARDED_BY(mutex_) = 0;
   std::unordered_map<std::int32_t, std::unique_ptr<CFileTable>> tables_ GUARDED_BY(mutex_);

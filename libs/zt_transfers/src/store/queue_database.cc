@@ -130,6 +130,7 @@ CQueueDatabase::Statements::Statements(sqlite3* connection)
       files(connection,
             "SELECT id, state, size, file_id FROM files WHERE id BETWEEN ? AND ? ORDER BY id"),
       lastGroup(connection, "SELECT seq FROM sqlite_sequence WHERE name = 'groups'"),
+      salt(connection, "SELECT value FROM salt"),
       saveGroup(connection, "INSERT OR REPLACE INTO groups VALUES(?, ?, ?, ?, ?, ?, ?, ?)"),
       removeGroup(connection, "DELETE FROM groups WHERE id = ?"),
       noteRemoved(connection, "INSERT OR REPLACE INTO removed_groups VALUES(?)"),
@@ -217,6 +218,17 @@ std::int32_t CQueueDatabase::lastGroupId() {
     last = statements_->lastGroup.number(0);
   }
   return static_cast<std::int32_t>(std::clamp<std::int64_t>(last, 0, INT32_MAX));
+}
+
+std::string CQueueDatabase::salt() {
+  std::string salt;
+  while (statements_->salt.step()) {
+    salt = statements_->salt.bytes(0);
+  }
+  if (salt.empty()) {
+    throw CUnusable("it has no salt");
+  }
+  return salt;
 }
 
 void CQueueDatabase::write(const QueueBatch& batch) {

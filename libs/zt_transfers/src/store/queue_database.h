@@ -45,6 +45,8 @@ class CQueueDatabase {
   void read(const Reader& reader);
   // The highest group id ever used; 0: none.
   std::int32_t lastGroupId();
+  // See IQueueStore.
+  std::string salt();
 
   // Writes the batch in one transaction, durably.
   void write(const QueueBatch& batch);
@@ -74,6 +76,7 @@ class CQueueDatabase {
     CSqliteStatement groups;
     CSqliteStatement files;
     CSqliteStatement lastGroup;
+    CSqliteStatement salt;
     CSqliteStatement saveGroup;
     CSqliteStatement removeGroup;
     CSqliteStatement noteRemoved;

@@ -20,6 +20,7 @@ std::int32_t idFarAbove() {
 
 void readQueue(CQueueDatabase& database, CQueueCache& store, RestoredQueue& found) {
   found = {.lastGroupId = database.lastGroupId()};
+  store.restoreSalt(database.salt());
   database.read({.group =
                      [&](const StoredGroup& group) {
                        found.groups.push_back({group, {}, {}, {}});

@@ -203,6 +203,7 @@ TEST(FileTurnsInTime, CloseAFileThatNobodyTakesOverAndKeepItsDigest) {
   order.spec.contentMd5 = "any";
   ASSERT_TRUE(turns.enter(order));
   auto file = std::make_shared<CPartialFile>(disk, CPartialFile::planFor(order));
+  file->restart("", DownloadResume::kUnknown);
   file->write(0, "bytes", 5);
   file->hash("bytes", 5);
   turns.end(order.file, 1, file, false);

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -75,6 +76,17 @@ class Finalization : public ::testing::Test {
     EXPECT_FALSE(file->verify(name.size()).has_value());
     return file;
   }
+  ino_t inodeOf(const std::string& name) const {
+    struct stat status {};
+    EXPECT_EQ(::stat((sandbox.folder() / name).c_str(), &status), 0) << name;
+    return status.st_ino;
+  }
+  // As in a restored backup.
+  void copy(const std::string& name) const {
+    const std::filesystem::path path = sandbox.folder() / name;
+    std::filesystem::copy_file(path, path.string() + ".copy");
+    std::filesystem::rename(path.string() + ".copy", path);
+  }
   std::vector<std::string> names() const {
     std::vector<std::string> found;
     for (const auto& entry : std::filesystem::directory_iterator(sandbox.folder())) {
@@ -103,6 +115,7 @@ TEST_F(Finalization, NotesAFileAsSyncedBeforeItGetsItsName) {
     EXPECT_EQ(names().at(0).front(), '.');
     EXPECT_EQ(progress->resume().download().size, 4U);
     EXPECT_THAT(progress->resume().download().durable, ElementsAre(ByteSpan{0, 4}));
+    EXPECT_EQ(progress->resume().download().finalName, "file");
   };
   CFinalizer finalizer({.synced = note, .finalized = keepEnds()});
   finalizer.finalize({{7, arrived("file"), progress}});
@@ -135,7 +148,7 @@ TEST_F(Finalization, NoticesWhichOfManyFilesCouldNotBeWrittenBeforeTheSyncOfAll)
   for (const char* name : {"a", "b", "c", "lost"}) {
     arrivals.push_back({arrivals.size(), arrived(name), std::make_shared<AttemptProgress>()});
   }
-  ops.lostFile = arrivals.back().file->resume().inode;
+  ops.lostFile = inodeOf(arrivals.back().file->resume().partialPath);
   finalizer.finalize(std::move(arrivals));
   ASSERT_EQ(ends.size(), 4U);
   EXPECT_EQ(std::count_if(ends.begin(), ends.end(),
@@ -198,9 +211,7 @@ TEST_F(Finalization, SyncsEachFileAndFolderOfAFileSystemThatIsNotLocal) {
   finalizer.finalize(std::move(arrivals));
   EXPECT_EQ(ops.fileSystemSyncs, 0);
   for (const char* name : {"new/deep/a", "new/b", "c", "d", "e", ".", "new", "new/deep"}) {
-    struct stat status {};
-    ASSERT_EQ(::stat((sandbox.folder() / name).c_str(), &status), 0);
-    EXPECT_TRUE(ops.synced.contains(status.st_ino)) << name;
+    EXPECT_TRUE(ops.synced.contains(inodeOf(name))) << name;
   }
 }
 
@@ -226,14 +237,112 @@ TEST_F(Finalization, MakesNoSmallFileThatWasDiscardedMeanwhile) {
   EXPECT_EQ(ends[0].attemptId, 2U);
 }
 
-TEST_F(Finalization, FindsAFileUnderItsNameAfterACrashOnlyIfAllOfItWasThere) {
+TEST_F(Finalization, RecordsAnotherNameWhenTheFirstOneIsTakenMeanwhile) {
+  std::vector<std::string> recorded;
+  const auto progress = std::make_shared<AttemptProgress>();
+  const auto takeName = [&](const auto& /*attempts*/) {
+    recorded.push_back(progress->resume().download().finalName);
+    if (recorded.size() == 1) {
+      sandbox.file("file", "of the user");
+    }
+  };
+  CFinalizer finalizer({.synced = takeName, .finalized = keepEnds()});
+  finalizer.finalize({{1, arrived("file"), progress}});
+  ASSERT_EQ(ends.size(), 1U);
+  EXPECT_EQ(ends[0].outcome.kind, Kind::kDone);
+  EXPECT_THAT(recorded, ElementsAre("file", "file (1)"));
+  EXPECT_THAT(names(), ElementsAre("file", "file (1)"));
+}
+
+TEST_F(Finalization, FindsAFileUnderItsRecordedNameAfterACrash) {
   auto file = arrived("file");
-  DownloadResume noted = file->resume();
-  file->publish();
-  noted.durable = {{0, 2}};  // somebody else gave the file its name
-  EXPECT_EQ(newFile("file")->reopen(noted), CPartialFile::Found::kNothing);
-  noted.durable = noted.written;
+  file->noteSynced();
+  const DownloadResume unnamed = file->resume();
+  file->chooseName();
+  const DownloadResume noted = file->resume();
+  EXPECT_TRUE(file->publish());
+  file.reset();
+  copy("file");
   EXPECT_EQ(newFile("file")->reopen(noted), CPartialFile::Found::kFinalized);
+  DownloadResume incomplete = noted;
+  incomplete.durable = {{0, 2}};
+  EXPECT_EQ(newFile("file")->reopen(incomplete), CPartialFile::Found::kNothing);
+  EXPECT_EQ(newFile("file")->reopen(unnamed), CPartialFile::Found::kNothing);
+  sandbox.file("file", "longer");
+  EXPECT_EQ(newFile("file")->reopen(noted), CPartialFile::Found::kNothing);
+}
+
+TEST_F(Finalization, RemovesTheOldNameWhereACrashHasLeftBoth) {
+  auto file = arrived("file");
+  file->noteSynced();
+  file->chooseName();
+  const DownloadResume noted = file->resume();
+  file.reset();
+  std::filesystem::create_hard_link(sandbox.folder() / noted.partialPath,
+                                    sandbox.folder() / "file");
+  EXPECT_EQ(newFile("file")->reopen(noted), CPartialFile::Found::kFinalized);
+  EXPECT_THAT(names(), ElementsAre("file"));
+}
+
+TEST_F(Finalization, GoesOnWithAFileOfItsNameWhateverItsInodeUnlessItCannotBeTheOne) {
+  auto file = newFile("file");
+  file->restart("", 20);
+  file->write(0, "synced", 6);
+  file->checkpoint();
+  const DownloadResume noted = file->resume();
+  const std::string partial = noted.partialPath;
+  file->write(6, "not synced", 10);
+  file->park(CPartialFile::Unsynced::kLeave);
+  copy(partial);
+  EXPECT_EQ(file->reopen(noted), CPartialFile::Found::kPartial);
+  EXPECT_EQ(file->resume(), noted);  // the rest may be lost
+  file.reset();
+
+  const std::filesystem::path path = sandbox.folder() / partial;
+  std::filesystem::create_hard_link(path, sandbox.folder() / "second name");
+  EXPECT_EQ(newFile("file")->reopen(noted), CPartialFile::Found::kNothing);
+  std::filesystem::remove(sandbox.folder() / "second name");
+  std::filesystem::resize_file(path, 5);
+  EXPECT_EQ(newFile("file")->reopen(noted), CPartialFile::Found::kNothing);
+  std::filesystem::resize_file(path, noted.size + 1);
+  EXPECT_EQ(newFile("file")->reopen(noted), CPartialFile::Found::kNothing);
+  std::filesystem::resize_file(path, noted.size);
+  if (::geteuid() == 0) {
+    ASSERT_EQ(::chown(path.c_str(), 12'345, static_cast<gid_t>(-1)), 0);
+    EXPECT_EQ(newFile("file")->reopen(noted), CPartialFile::Found::kNothing);
+    DownloadResume squashed = noted;
+    squashed.owner = 12'345;  // as where the file system knows one owner only
+    EXPECT_EQ(newFile("file")->reopen(squashed), CPartialFile::Found::kPartial);
+  }
+}
+
+TEST_F(Finalization, GivesAFileOneNameAgainAndThatOfAnotherQueueAnother) {
+  const auto pathOf = [&](const std::string& salt) {
+    StartOrder order;
+    order.folder = sandbox.folder().string();
+    order.spec.location = order.spec.fileId = "file";
+    order.salt = salt;
+    CPartialFile file(ops, CPartialFile::planFor(order));
+    file.create(1);
+    return file.resume().partialPath;
+  };
+  EXPECT_EQ(pathOf("one"), pathOf("one"));
+  EXPECT_NE(pathOf("one"), pathOf("two"));
+}
+
+// Else the lost file, with other bytes, could be taken for the new one when its disk is back.
+TEST_F(Finalization, GivesTheSuccessorOfALostFileAnotherName) {
+  const DownloadResume lost = arrived("file")->resume();
+  std::filesystem::remove(sandbox.folder() / lost.partialPath);
+  std::set<std::string> paths{lost.partialPath};
+  for (int run = 0; run < 2; ++run) {  // the second one as after a kill before the first was noted
+    auto file = newFile("file");
+    EXPECT_EQ(file->reopen(lost), CPartialFile::Found::kNothing);
+    EXPECT_EQ(file->resume().partialPath, lost.partialPath);
+    file->write(0, "new", 3);
+    paths.insert(file->resume().partialPath);
+  }
+  EXPECT_EQ(paths.size(), 2U);
 }
 
 TEST_F(Finalization, GoesOnWithNoFileThatTheAttemptBeforeIsJustRemoving) {

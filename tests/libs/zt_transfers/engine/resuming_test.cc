@@ -62,6 +62,7 @@ TEST_F(Resuming, GivesTheNextAttemptWhatTheLastOneLeftAndKeepsItsBytesCounted) {
   engine.start();
   const auto order = starts().at(0);
   EXPECT_FALSE(order.resume.begun());
+  EXPECT_EQ(order.salt, store.salt());
   order.progress->bytes = 60;
   order.progress->setResume(halfOfAFile());
   engine.pauseGroup(group);

@@ -73,6 +73,11 @@ Step stepOf(CDice& dice, const Scenario& scenario) {
     case Kind::kClock:
       step.what = (dice.chance(50) ? 1 : -1) * (dice.chance(50) ? 1 : 365 * 24);
       break;
+    case Kind::kRestart:
+    case Kind::kKill:
+    case Kind::kPowerCut:
+      step.what = dice.chance(50) ? 1 : 0;
+      break;
     default:
       break;
   }
@@ -99,6 +104,11 @@ std::string textOf(const Step& step) {
       break;
     case Step::Kind::kClock:
       text += " " + std::to_string(step.what);
+      break;
+    case Step::Kind::kRestart:
+    case Step::Kind::kKill:
+    case Step::Kind::kPowerCut:
+      text += step.what != 0 ? " and number the files anew" : "";
       break;
     default:
       break;

@@ -30,6 +30,7 @@ struct Step {
     kChange,   // file `whom` gets another version on its server
     kThrottle,
     kClock,  // the machine's clock is wrong by `what` hours
+    // The next three with `what` != 0: meanwhile the disk gives its files other numbers.
     kRestart,
     kKill,
     kPowerCut,

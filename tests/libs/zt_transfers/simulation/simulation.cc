@@ -154,15 +154,10 @@ void CSimulation::begin(const Step& step) {
       break;
     case Kind::kRestart:
       client_->shutdown();
-      client_.reset();
-      launch();
-      break;
+      [[fallthrough]];
     case Kind::kKill:
-      client_.reset();
-      launch();
-      break;
     case Kind::kPowerCut:
-      powerCut();
+      relaunch(step);
       break;
   }
 }
@@ -198,10 +193,15 @@ void CSimulation::writeBack() {
   world_.after(kWriteBack, [this] { writeBack(); });
 }
 
-void CSimulation::powerCut() {
+void CSimulation::relaunch(const Step& step) {
   client_.reset();
-  disk_->cutPower();
-  checkFolders();
+  if (step.kind == Step::Kind::kPowerCut) {
+    disk_->cutPower();
+    checkFolders();
+  }
+  if (step.what != 0) {
+    disk_->renumber();
+  }
   launch();
 }
 
@@ -343,6 +343,9 @@ void CSimulation::checkEnd() {
     } else if (name.find('(') != std::string::npos) {
       violated(name + " was fetched twice");
     }
+  }
+  for (const unsigned number : servers_.begunAgain()) {
+    violated(nameOf(number) + " was begun again, though bytes of it were on the disk");
   }
   if (servers_.busiestTenSeconds() > kMaxInTenSeconds) {
     violated("a server in trouble got " + std::to_string(servers_.busiestTenSeconds()) +

@@ -17,6 +17,7 @@ namespace zt_transfers::test {
 //  - a file that was told completed is not durable, or has other bytes than one of its versions;
 //  - a file fails, or still waits an hour after all trouble is over;
 //  - a partial file without an owner, or two copies of a file;
+//  - bytes that were on the disk before a restart are fetched again;
 //  - a server in trouble gets more than a few requests a second; the network's thread spins.
 class CSimulation {
  public:
@@ -45,7 +46,7 @@ class CSimulation {
   void begin(const Step& step);
   void end(const Step& step);
   void writeBack();
-  void powerCut();
+  void relaunch(const Step& step);
   void heal();
   bool isDone(const PlannedFile& file) const;
   bool allDone() const;

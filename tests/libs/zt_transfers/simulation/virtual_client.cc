@@ -1,6 +1,7 @@
 #include "simulation/virtual_client.h"
 
 #include <filesystem>
+#include <set>
 #include <variant>
 
 #include "base/file_url.h"
@@ -20,6 +21,30 @@ std::uint64_t sizeOf(const std::string& url) {
   const auto path = pathOfFileUrl(url);
   const std::uintmax_t size = path ? std::filesystem::file_size(*path, error) : 0;
   return error ? 0 : size;
+}
+
+// Whether its first bytes are on the disk. A power cut can take the name of a file that was synced.
+bool isResumable(const std::filesystem::path& folder, const TransferResume& resume) {
+  if (resume.isUpload()) {
+    return false;
+  }
+  const DownloadResume& download = resume.download();
+  return !download.durable.empty() && download.durable.front().begin == 0 &&
+         !download.validator.empty() && std::filesystem::exists(folder / download.partialPath);
+}
+
+std::set<unsigned> resumableIn(const RestoredQueue& queue, const CQueueCache& store) {
+  std::set<unsigned> numbers;
+  for (const RestoredGroup& restored : queue.groups) {
+    const GroupIdentity& group = restored.group.identity;
+    for (const auto& [index, resume] : restored.resumes) {
+      if (isResumable(group.folder, resume)) {
+        const std::string fileId = store.fileId({group.id, index});
+        numbers.insert(static_cast<unsigned>(std::stoul(fileId.substr(1))));
+      }
+    }
+  }
+  return numbers;
 }
 
 }  // namespace
@@ -42,6 +67,7 @@ CVirtualClient::CVirtualClient(CWorld& world, CVirtualServers& servers, CVirtual
       network_(world, servers, [this] { return tick(); }) {
   RestoredQueue queue;
   readQueue(*database_, store_, queue);
+  servers.setResumable(resumableIn(queue, store_));
   store_.record({.changed = [this] { writeSoon(); }, .requested = [this] { readSoon(); }});
   if (options_.uploads) {
     runner_ = std::make_unique<CUploadRunner>(UploadDependencies{network_, pool_, log_, engine_});

@@ -272,4 +272,16 @@ void CVirtualDisk::cutPower() {
   scan(root_, add(inodeOf(root_), true));
 }
 
+void CVirtualDisk::renumber() {
+  const std::string copy = root_ + ".copy";
+  for (const auto& entry : fs::recursive_directory_iterator(root_)) {
+    if (entry.is_regular_file()) {
+      const auto node = current_.extract(inodeOf(entry.path()));
+      fs::copy_file(entry.path(), copy);
+      fs::rename(copy, entry.path());
+      current_[inodeOf(entry.path())] = node.mapped();
+    }
+  }
+}
+
 }  // namespace zt_transfers::test

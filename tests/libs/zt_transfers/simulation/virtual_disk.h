@@ -37,6 +37,9 @@ class CVirtualDisk final : public CPosixFileOps {
   void writeBack();
   // The folder then holds what was durable. No file may be open.
   void cutPower();
+  // Gives every file another inode number, as some file systems do when they are mounted again, and
+  // as a backup does that is restored. No file may be open.
+  void renumber();
 
   // What a file holds after a power cut; by its path below the root.
   std::map<std::string, std::string> durableFiles() const;

@@ -140,7 +140,18 @@ VirtualReply CVirtualServers::onConnect(const std::string& url) {
   return reply;
 }
 
+void CVirtualServers::checkResumed(const VirtualRequest& request) {
+  if (request.url.find("/d/") == std::string::npos) {
+    return;
+  }
+  const unsigned number = numberAfter(request.url, "/d/");
+  if (resumable_.erase(number) != 0 && numberAfter(request.header("range"), "bytes=") == 0) {
+    begunAgain_.insert(number);
+  }
+}
+
 VirtualReply CVirtualServers::reply(const VirtualRequest& request) {
+  checkResumed(request);
   VirtualReply reply;
   switch (troubleOf(request.url)) {
     case OriginTrouble::kBusy:

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -77,6 +78,11 @@ class CVirtualServers {
   // Highest number of requests that a troubled origin got in ten seconds.
   std::size_t busiestTenSeconds() const { return busiest_; }
 
+  // These have their first bytes on the client's disk.
+  void setResumable(std::set<unsigned> files) { resumable_ = std::move(files); }
+  // Those of them whose next request asked for all bytes.
+  const std::set<unsigned>& begunAgain() const { return begunAgain_; }
+
   // Before the request's body is read; only its failure or silence counts.
   VirtualReply onConnect(const std::string& url);
   VirtualReply reply(const VirtualRequest& request);
@@ -89,6 +95,7 @@ class CVirtualServers {
 
   OriginTrouble troubleOf(const std::string& url) const;
   void count(const std::string& url);
+  void checkResumed(const VirtualRequest& request);
   VirtualReply healthy(const VirtualRequest& request);
   VirtualReply offer(const VirtualRequest& request, unsigned number) const;
   VirtualReply store(const VirtualRequest& request, unsigned number);
@@ -102,6 +109,8 @@ class CVirtualServers {
   std::map<unsigned, std::string> stored_;
   std::map<std::string, Upload> uploads_;
   unsigned lastUpload_ = 0;
+  std::set<unsigned> resumable_;
+  std::set<unsigned> begunAgain_;
   std::map<unsigned, std::vector<TimePoint>> requests_;  // of troubled origins
   std::size_t busiest_ = 0;
 };

@@ -3,12 +3,15 @@
 #include <gtest/gtest.h>
 
 #include "sandbox.h"
+#include "stored_queue_fixture.h"
 
 namespace zt_transfers::test {
 namespace {
 
 const std::vector<Migration> kTwoSteps{{1, "CREATE TABLE a(x); INSERT INTO a VALUES(7);"},
                                        {2, "CREATE TABLE b(x); INSERT INTO b SELECT x FROM a;"}};
+
+using MigratedQueue = CStoredQueueTest;
 
 class Migrations : public ::testing::Test {
  protected:
@@ -63,6 +66,30 @@ TEST_F(Migrations, OfTheQueueCountUpFromOne) {
                         {queueMigrations().begin(), queueMigrations().begin() + (step.version)}));
     EXPECT_EQ(version(connection), step.version);
   }
+}
+
+TEST_F(MigratedQueue, KnowsThePartialFilesOfVersion4AndGetsASaltOnce) {
+  {
+    CSqliteConnection connection(path());
+    ASSERT_TRUE(migrate(connection, {queueMigrations().begin(), queueMigrations().begin() + 4}));
+    connection.execute(
+        "INSERT INTO groups VALUES(1, x'', x'', x'', 0, x'', 0, 0);"
+        "INSERT INTO files VALUES(1 << 32, 0, 100, x'61');"
+        // The path, an inode number, the validator, the size, and one range.
+        "INSERT INTO resumes VALUES(1 << 32, x'052e70617274' || x'ac02' || x'03226522'"
+        " || x'64' || x'010032');");
+  }
+  const std::string salt = opened()->store().salt();
+  EXPECT_EQ(salt.size(), 16U);
+  ASSERT_EQ(found.groups.at(0).resumes.size(), 1U);
+  const DownloadResume expected{.partialPath = ".part",
+                                .validator = "\"e\"",
+                                .size = 100,
+                                .written = {{0, 50}},
+                                .durable = {{0, 50}},
+                                .finalName = ""};
+  EXPECT_EQ(found.groups[0].resumes[0].second, TransferResume(expected));
+  EXPECT_EQ(opened()->store().salt(), salt);
 }
 
 }  // namespace

@@ -80,11 +80,12 @@ TEST_F(StoredQueue, KeepsGroupsAndFilesAsTheyWere) {
 
 TEST_F(StoredQueue, KeepsWhatIsDurableOfDownloadsUntilTheyAreDone) {
   const DownloadResume begun{.partialPath = ".file.part",
-                             .inode = 77,
+                             .owner = 1000,
                              .validator = "\"etag\"",
                              .size = 100,
                              .written = {{0, 60}},
-                             .durable = {{0, 20}, {30, 50}}};
+                             .durable = {{0, 20}, {30, 50}},
+                             .finalName = "file"};
   DownloadResume earlier = begun;
   earlier.durable.clear();
   {

@@ -189,6 +189,8 @@ TEST(OffScreen, EndsADragThatTheClientRefuses) {
   ASSERT_TRUE(shown.screen().becomes(20, 20, "00aa00"));
   shown.screen().takesDrags = false;
   pull(shown, 10);
+  // Asking the page ends all message loops, the drag's too, before the client is asked.
+  ASSERT_TRUE(runUntil([&] { return shown.screen().dragged.get() != nullptr; }));
   EXPECT_TRUE(shown.page().becomes("seen.at(-1)", "end none"));
   EXPECT_EQ(shown.screen().dragged->GetFragmentText().ToString(), "carried");
 }

@@ -40,7 +40,6 @@ constexpr bool mayFollow(DownloadState from, DownloadState to) {
     case DownloadState::kReopening:
       return from == DownloadState::kNew;
     case DownloadState::kFetching:
-      return from != DownloadState::kEnded;
     case DownloadState::kEnded:
       return from != DownloadState::kEnded;
   }

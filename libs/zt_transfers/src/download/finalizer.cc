@@ -101,18 +101,22 @@ void CFinalizer::syncAll(Batch& batch) {
   }
 }
 
-// False when no file is left without a name.
+// False when no file is left without a name. No name is recorded for two files: after a power cut
+// the second one would be taken for the first.
 bool CFinalizer::noteNames(Batch& batch) {
   std::vector<AttemptId> attempts;
-  for (Finalization& finalization : batch) {
-    if (!finalization.continues() || finalization.named) {
+  for (auto finalization = batch.begin(); finalization != batch.end(); ++finalization) {
+    const bool waits = std::any_of(batch.begin(), finalization, [&](const Finalization& earlier) {
+      return earlier.unnamed() && earlier.file->sameTarget(*finalization->file);
+    });
+    if (!finalization->unnamed() || waits) {
       continue;
     }
-    tryStep(finalization, [&] {
-      finalization.file->noteSynced();
-      finalization.file->chooseName();
-      finalization.progress->setResume(finalization.file->resume());
-      attempts.push_back(finalization.attemptId);
+    tryStep(*finalization, [&] {
+      finalization->file->noteSynced();
+      finalization->file->chooseName();
+      finalization->progress->setResume(finalization->file->resume());
+      attempts.push_back(finalization->attemptId);
     });
   }
   if (!attempts.empty()) {
@@ -123,7 +127,7 @@ bool CFinalizer::noteNames(Batch& batch) {
 
 void CFinalizer::publish(Batch& batch) {
   for (Finalization& finalization : batch) {
-    if (finalization.continues() && !finalization.named) {
+    if (finalization.unnamed()) {
       tryStep(finalization, [&] { finalization.named = finalization.file->publish(); });
     }
   }

@@ -50,6 +50,7 @@ class CFinalizer {
     std::optional<AttemptOutcome> folderSynced{};  // the result of that sync
 
     bool continues() const { return !failure && !file->discarded(); }
+    bool unnamed() const { return continues() && !named; }
   };
   using Batch = std::vector<Finalization>;
 

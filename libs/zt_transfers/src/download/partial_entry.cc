@@ -161,21 +161,33 @@ CUniqueFd CPartialEntry::takeExisting(const std::string& name) {
   return file;
 }
 
-bool CPartialEntry::isFinalized(const DownloadResume& resume) const {
-  struct stat status {};
+CUniqueFd CPartialEntry::openFinalized(const DownloadResume& resume) const {
   // Before the rename all bytes were recorded as durable.
-  if (resume.finalName.empty() || lengthOf(resume.durable) != resume.size ||
-      !ops_.statusOfName(folder_.get(), resume.finalName.c_str(), status) ||
-      !isOurs(status, resume) || static_cast<std::uint64_t>(status.st_size) != resume.size) {
-    return false;
+  if (resume.finalName.empty() || lengthOf(resume.durable) != resume.size) {
+    return {};
   }
+  CUniqueFd file = open(resume.finalName);
+  if (!file.valid()) {
+    if (isNoFile(errno)) {
+      return file;
+    }
+    failWithErrno("cannot open the file under its final name");
+  }
+  const struct stat status = statusOf(ops_, file.get());
+  const bool fitting =
+      isOurs(status, resume) && static_cast<std::uint64_t>(status.st_size) == resume.size;
+  return fitting && hasLeft(resume, status) ? std::move(file) : CUniqueFd();
+}
+
+// Whether nothing but that file is left under the partial file's name.
+bool CPartialEntry::hasLeft(const DownloadResume& resume, const struct stat& finalized) const {
   const std::string name = nameOf(resume);
   struct stat partial {};
   if (!ops_.statusOfName(folder_.get(), name.c_str(), partial)) {
     return errno == ENOENT;
   }
   // Where a rename is a second link, the program can end before it removes the first one.
-  return partial.st_ino == status.st_ino && partial.st_nlink > 1 &&
+  return partial.st_ino == finalized.st_ino && partial.st_nlink > 1 &&
          ops_.unlink(folder_.get(), name.c_str());
 }
 

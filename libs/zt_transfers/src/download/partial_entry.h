@@ -54,9 +54,10 @@ class CPartialEntry {
   // name than `lost`, the path of one that could not be reopened: that one may come back with its
   // disk.
   CUniqueFd make(const std::string& lost);
-  // Whether the file already has its final name: the program ended after the rename and before it
-  // recorded that.
-  bool isFinalized(const DownloadResume& resume) const;
+  // The file under its final name, if the program may have ended after the rename and before it
+  // recorded that; else invalid. The name was free when it was recorded, and a file of somebody
+  // else can have got it since: the content tells.
+  CUniqueFd openFinalized(const DownloadResume& resume) const;
   // A name that no file has now, for publish().
   std::string chooseName();
   // Gives the file that name. False when another file has it meanwhile.
@@ -72,6 +73,10 @@ class CPartialEntry {
   // Changes with a remount on some file systems; 0: never opened.
   std::uint64_t inode() const { return inode_; }
   bool sameFolder(const CPartialEntry& other) const;
+  // Whether both files would like to have the same name.
+  bool sameTarget(const CPartialEntry& other) const {
+    return target_.name == other.target_.name && sameFolder(other);
+  }
   bool sameFileSystem(const CPartialEntry& other) const;
   // Whether a partial file of this path lies in this folder.
   bool contains(const std::string& path) const;
@@ -85,6 +90,7 @@ class CPartialEntry {
   CUniqueFd takeExisting(const std::string& name);
   void take(const std::string& name, const struct stat& status);
   std::string nameOf(const DownloadResume& resume) const;
+  bool hasLeft(const DownloadResume& resume, const struct stat& finalized) const;
   bool isThere(const std::string& name, std::uint64_t inode) const;
 
   IFileOps& ops_;

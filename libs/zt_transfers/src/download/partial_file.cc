@@ -121,7 +121,7 @@ CPartialFile::Found CPartialFile::reopen(const DownloadResume& noted) {
   const std::uint64_t inode = entry_.inode();
   CUniqueFd file = entry_.reopen(known);
   if (!file.valid()) {
-    if (entry_.isFinalized(known)) {
+    if (isFinalized(known)) {
       entry_.syncFolder();
       return Found::kFinalized;
     }
@@ -133,6 +133,16 @@ CPartialFile::Found CPartialFile::reopen(const DownloadResume& noted) {
     keepOnlyDurable();
   }
   return Found::kPartial;
+}
+
+bool CPartialFile::isFinalized(const DownloadResume& known) const {
+  const CUniqueFd file = entry_.openFinalized(known);
+  if (!file.valid() || !hashes()) {
+    return file.valid();
+  }
+  CContentHash hash;
+  hash.readBack(ops_, file.get(), known.size);
+  return hash.finish() == plan_.md5;
 }
 
 void CPartialFile::create(std::uint64_t size) {

@@ -114,6 +114,7 @@ class CPartialFile {
   }
   // Both files must be open.
   bool sameFolder(const CPartialFile& other) const { return entry_.sameFolder(other.entry_); }
+  bool sameTarget(const CPartialFile& other) const { return entry_.sameTarget(other.entry_); }
   bool sameFileSystem(const CPartialFile& other) const {
     return entry_.sameFileSystem(other.entry_);
   }
@@ -127,6 +128,7 @@ class CPartialFile {
   CContentHash& openHash();
   std::string digest(std::uint64_t size);
 
+  bool isFinalized(const DownloadResume& known) const;
   void keepOnlyDurable();
   void forget();
 

@@ -60,18 +60,22 @@ class CFailingFileOps final : public CPosixFileOps {
   }
 };
 
+constexpr char kMd5OfFile[] = "8c7dd922ad47494fc02c388e12c00eac";  // of the text "file"
+
 class Finalization : public ::testing::Test {
  protected:
-  std::shared_ptr<CPartialFile> newFile(const std::string& name) {
+  std::shared_ptr<CPartialFile> newFile(const std::string& name, const std::string& key = "",
+                                        const std::string& md5 = "") {
     CPartialFile::Plan plan;
     plan.folder = sandbox.folder().string();
     plan.target = parseTargetPath(name);
-    plan.key = name;
+    plan.key = name + key;
+    plan.md5 = md5;
     return std::make_shared<CPartialFile>(ops, std::move(plan));
   }
   // One that has arrived.
-  std::shared_ptr<CPartialFile> arrived(const std::string& name) {
-    auto file = newFile(name);
+  std::shared_ptr<CPartialFile> arrived(const std::string& name, const std::string& key = "") {
+    auto file = newFile(name, key);
     file->write(0, name.data(), name.size());
     EXPECT_FALSE(file->verify(name.size()).has_value());
     return file;
@@ -237,6 +241,23 @@ TEST_F(Finalization, MakesNoSmallFileThatWasDiscardedMeanwhile) {
   EXPECT_EQ(ends[0].attemptId, 2U);
 }
 
+TEST_F(Finalization, RecordsNoNameForTwoFilesOfOneBatch) {
+  const std::vector<std::shared_ptr<AttemptProgress>> progress{std::make_shared<AttemptProgress>(),
+                                                               std::make_shared<AttemptProgress>()};
+  std::vector<std::string> recorded;
+  const auto note = [&](const std::vector<AttemptId>& attempts) {
+    for (const AttemptId attempt : attempts) {
+      recorded.push_back(progress.at(attempt)->resume().download().finalName);
+    }
+  };
+  CFinalizer finalizer({.synced = note, .finalized = keepEnds()});
+  finalizer.finalize(
+      {{0, arrived("file", "first"), progress[0]}, {1, arrived("file", "second"), progress[1]}});
+  EXPECT_THAT(recorded, ElementsAre("file", "file (1)"));
+  EXPECT_THAT(names(), ElementsAre("file", "file (1)"));
+  EXPECT_EQ(ends.size(), 2U);
+}
+
 TEST_F(Finalization, RecordsAnotherNameWhenTheFirstOneIsTakenMeanwhile) {
   std::vector<std::string> recorded;
   const auto progress = std::make_shared<AttemptProgress>();
@@ -268,6 +289,11 @@ TEST_F(Finalization, FindsAFileUnderItsRecordedNameAfterACrash) {
   incomplete.durable = {{0, 2}};
   EXPECT_EQ(newFile("file")->reopen(incomplete), CPartialFile::Found::kNothing);
   EXPECT_EQ(newFile("file")->reopen(unnamed), CPartialFile::Found::kNothing);
+  // Of the same length, and of somebody else.
+  const auto checked = newFile("file", "", kMd5OfFile);
+  EXPECT_EQ(checked->reopen(noted), CPartialFile::Found::kFinalized);
+  sandbox.file("file", "FILE");
+  EXPECT_EQ(newFile("file", "", kMd5OfFile)->reopen(noted), CPartialFile::Found::kNothing);
   sandbox.file("file", "longer");
   EXPECT_EQ(newFile("file")->reopen(noted), CPartialFile::Found::kNothing);
 }

@@ -164,6 +164,8 @@ class ForeignPages(Sandbox):
         self.assertEqual(there.query("nativeAppBridge_IPC", "supportedMethods"), ["failure", -1, REFUSED])
         there.evaluate(f"location.href = '{foreign.url}/leaving#{own.url}/app'; 0")
         back = self.page_with_bridges(client, "/app")
+        # The page that is left has the same words in its address.
+        back.wait_for(f"location.origin === '{own.url}' && window.nativeAppBridge_IPC && 1")
         self.assertEqual(back.query("nativeAppBridge_IPC", "copyToClipboard", {"value": "asked by own"}),
                          ["success", "null\n"])
         received = re.findall(r"asked by (\w+)", client.log())
@@ -174,7 +176,15 @@ class ForeignPages(Sandbox):
     def test_pages_from_files_use_no_bridge_and_read_nothing(self):
         other = self.start_site({"/secret": "a secret"})
         client = self.start_client(self.make_bundle(f"http://127.0.0.1:{free_port()}"))
-        page = self.page_with_bridges(client, "loading.html#unreachable")
+        own = self.page_with_bridges(client, "loading.html#unreachable")
+        self.assertEqual(own.query("uploadManagerBridge_IPC", "supportedMethods"), ["failure", -1, REFUSED])
+        # A page that no policy of its own holds back.
+        received = self.folder / "received.html"
+        received.write_text("<!doctype html>")
+        own.evaluate(f"location.href = {json.dumps(received.as_uri())}; 0")
+        own.wait_for("location.protocol === 'chrome-error:'")
+        own.command("Page.navigate", url=received.as_uri())
+        page = self.page_with_bridges(client, "received.html")
         self.assertEqual(page.query("uploadManagerBridge_IPC", "supportedMethods"), ["failure", -1, REFUSED])
         for url in ("file:///etc/passwd", other.url + "/secret"):
             self.assertEqual(page.evaluate(

@@ -201,6 +201,7 @@ TEST(OffScreen, HandsOverWhatIsDraggedOutOfThePage) {
     <a href='http://127.0.0.1/linked'>words</a><img><script>
     const picture = Object.assign(document.createElement('canvas'), { width: 8, height: 8 });
     document.querySelector('img').src = picture.toDataURL();
+    addEventListener('dragend', () => ended = 'yes');
     </script>)");
   shown.screen().takesDrags = false;
   ASSERT_TRUE(shown.screen().becomes(20, 100, "00aa00"));
@@ -210,7 +211,8 @@ TEST(OffScreen, HandsOverWhatIsDraggedOutOfThePage) {
   EXPECT_EQ(link->GetLinkURL().ToString(), "http://127.0.0.1/linked");
   EXPECT_EQ(link->GetFragmentText().ToString(), "words");
   EXPECT_NE(link->GetFragmentHtml().ToString().find("words</a>"), std::string::npos);
-  shown.release(47, 10);
+  // The page begins no drag before it knows the end of the other one.
+  ASSERT_TRUE(shown.page().becomes("window.ended", "yes"));
   pull(shown, 100);
   ASSERT_TRUE(runUntil([&] { return shown.screen().dragged.get() != nullptr; }));
   const CefRefPtr<CefDragData> image = shown.screen().dragged;

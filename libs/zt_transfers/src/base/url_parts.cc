@@ -1,6 +1,7 @@
 #include "base/url_parts.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/ascii.h"
 
@@ -35,10 +36,16 @@ UrlPieces piecesOf(std::string_view url) {
   return pieces;
 }
 
-bool hasPort(std::string_view authority) {
+// The host, and the port as it was written.
+std::pair<std::string_view, std::string_view> splitPort(std::string_view authority) {
   const auto colon = authority.rfind(':');
   const auto bracket = authority.rfind(']');
-  return colon != std::string_view::npos && (bracket == std::string_view::npos || colon > bracket);
+  if (colon == std::string_view::npos || (bracket != std::string_view::npos && colon < bracket)) {
+    return {authority, {}};
+  }
+  const std::string_view port = authority.substr(colon + 1);
+  return {authority.substr(0, colon),
+          port.substr(std::min(port.find_first_not_of('0'), port.size()))};
 }
 
 }  // namespace
@@ -64,9 +71,12 @@ std::string originOf(std::string_view url) {
   if ((scheme != "http" && scheme != "https") || pieces.authority.empty()) {
     return {};
   }
-  std::string origin = scheme + "://" + loweredAscii(pieces.authority);
-  if (!hasPort(pieces.authority)) {
-    origin += scheme == "http" ? ":80" : ":443";
+  const auto [host, port] = splitPort(pieces.authority);
+  std::string origin = scheme + "://" + loweredAscii(host) + ":";
+  if (port.empty()) {
+    origin += scheme == "http" ? "80" : "443";
+  } else {
+    origin += loweredAscii(port);
   }
   return origin;
 }

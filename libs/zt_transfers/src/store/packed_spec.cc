@@ -34,7 +34,7 @@ CPackedSpec CPackedSpec::of(std::string_view bytes) {
   const auto size = static_cast<std::uint32_t>(bytes.size());
   spec.block_.reset(new char[sizeof size + bytes.size()]);
   std::memcpy(spec.block_.get(), &size, sizeof size);
-  std::memcpy(spec.block_.get() + sizeof size, bytes.data(), bytes.size());
+  bytes.copy(spec.block_.get() + sizeof size, bytes.size());
   return spec;
 }
 

@@ -3,7 +3,7 @@
 #include <sys/utsname.h>
 
 #include <cstdio>
-#include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -84,13 +84,13 @@ bool CMainBundle::getString(const std::string& key, std::string& value) const {
   if (node == nullptr || plist_get_node_type(node) != PLIST_STRING) {
     return false;
   }
-  char* text = nullptr;
-  plist_get_string_val(node, &text);
-  if (text == nullptr) {
+  std::uint64_t length = 0;
+  const char* const text = plist_get_string_ptr(node, &length);
+  // plist_get_string_val() ends the program for a text that contains a NUL.
+  if (text == nullptr || std::strlen(text) != length) {
     return false;
   }
   value = text;
-  std::free(text);
   return true;
 }
 

@@ -19,6 +19,8 @@ TEST(LoggableUrl, LeavesOutWhatCanBeSecret) {
 TEST(OriginOf, ComparesServersWhateverTheirSpelling) {
   EXPECT_EQ(originOf("HTTP://Host/x"), originOf("http://u@host:80/y?q"));
   EXPECT_EQ(originOf("https://host"), "https://host:443");
+  EXPECT_EQ(originOf("https://host:/x"), "https://host:443");
+  EXPECT_EQ(originOf("https://host:0443"), "https://host:443");
   EXPECT_NE(originOf("https://host"), originOf("http://host"));
   EXPECT_NE(originOf("http://host"), originOf("http://host:81"));
   EXPECT_EQ(originOf("http://[::1]/x"), "http://[::1]:80");

@@ -30,9 +30,8 @@ class Folder {
   const std::string& path() const { return path_; }
 
  private:
-  std::string path_ =
-      std::string(std::filesystem::is_directory("/dev/shm") ? "/dev/shm" : "/tmp") +
-      "/fuzz-plist-XXXXXX";
+  std::string path_ = std::string(std::filesystem::is_directory("/dev/shm") ? "/dev/shm" : "/tmp") +
+                      "/fuzz-plist-XXXXXX";
 };
 
 void readSettings(const Poco::SharedPtr<zantrio::CMainBundle>& bundle) {

@@ -39,8 +39,7 @@ std::int64_t anyId(FuzzedDataProvider& input, bool ofFile) {
   return ofFile ? group << 32 | input.ConsumeIntegralInRange(0, 3) : group;
 }
 
-void bindAny(FuzzedDataProvider& input, CSqliteStatement& row, int parameter,
-             std::string& bytes) {
+void bindAny(FuzzedDataProvider& input, CSqliteStatement& row, int parameter, std::string& bytes) {
   switch (input.ConsumeIntegralInRange(0, 3)) {
     case 0:
       row.bindNull(parameter);

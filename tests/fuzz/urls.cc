@@ -36,8 +36,8 @@ std::string lowered(std::string_view text) {
 
 // Wherever an opener may see a field, only one that a reader sees and may change.
 void checkLetter(std::string_view url) {
-  constexpr std::array<std::string_view, 6> kFields{"to",   "cc",          "bcc", "subject",
-                                                    "body", "in-reply-to"};
+  constexpr std::array<std::string_view, 6> kFields{"to",      "cc",   "bcc",
+                                                    "subject", "body", "in-reply-to"};
   constexpr std::string_view kSeparators = "?&;#,";
   while (!url.empty()) {
     const std::string_view field = url.substr(0, url.find_first_of(kSeparators));

@@ -1,6 +1,5 @@
 #include "app/shutdown_signals.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <array>
@@ -8,6 +7,8 @@
 #include <csignal>
 #include <system_error>
 #include <utility>
+
+#include "services/private_pipe.h"
 
 namespace zantrio {
 namespace {
@@ -55,7 +56,7 @@ bool waitForSignal() {
 
 ShutdownSignals::ShutdownSignals(std::function<void(bool force)> close) : close_(std::move(close)) {
   std::array<int, 2> ends{};
-  if (pipe2(ends.data(), O_CLOEXEC) != 0) {
+  if (!openPrivatePipe(ends)) {
     throw std::system_error(errno, std::generic_category(), "cannot watch for signals");
   }
   readEnd = ends[0];

@@ -24,11 +24,10 @@ std::size_t refuseBody(char* /*data*/, std::size_t /*size*/, std::size_t /*count
 
 int abortWhenStopped(void* stop, curl_off_t /*downTotal*/, curl_off_t /*down*/,
                      curl_off_t /*upTotal*/, curl_off_t /*up*/) {
-  return static_cast<const std::stop_token*>(stop)->stop_requested() ? 1 : 0;
+  return *static_cast<const StopFlag*>(stop) ? 1 : 0;
 }
 
-CurlPtr createRequest(const std::string& url, const std::string& userAgent,
-                      const std::stop_token& stop) {
+CurlPtr createRequest(const std::string& url, const std::string& userAgent, const StopFlag& stop) {
   static std::once_flag initialized;
   std::call_once(initialized, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
   CurlPtr request(curl_easy_init());
@@ -57,8 +56,7 @@ bool promisesPage(long status) {
   return (status >= 200 && status < 400) || status == 401 || status == 403 || status == 407;
 }
 
-bool probeWithHttp(const std::string& url, const std::string& userAgent,
-                   const std::stop_token& stop) {
+bool probeWithHttp(const std::string& url, const std::string& userAgent, const StopFlag& stop) {
   const CurlPtr request = createRequest(url, userAgent, stop);
   if (!request) {
     return false;

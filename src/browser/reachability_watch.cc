@@ -52,7 +52,9 @@ void ReachabilityWatch::stop() {
   CEF_REQUIRE_UI_THREAD();
   browser_ = nullptr;
   result_.reset();
-  probeThread_.request_stop();
+  if (probeThread_) {
+    probeThread_->requestStop();
+  }
 }
 
 void ReachabilityWatch::postCheck() {
@@ -108,12 +110,12 @@ bool ReachabilityWatch::isFailure(CefNavigationEntry& entry) const {
 
 void ReachabilityWatch::startProbe() {
   result_ = std::make_shared<Result>();
-  const auto work = [probe = probe_, page = page_, result = result_](const std::stop_token& stop) {
+  const auto work = [probe = probe_, page = page_, result = result_](const StopFlag& stop) {
     guarded("ReachabilityWatch",
             [&] { result->reachable = probe(page.appUrl, page.userAgent, stop); });
     result->ready = true;
   };
-  probeThread_ = std::jthread(work);
+  probeThread_ = std::make_unique<StoppableThread>(work);
 }
 
 void ReachabilityWatch::useResult(bool reachable) {

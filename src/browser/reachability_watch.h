@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <thread>
 
 #include "browser/http_probe.h"
+#include "browser/stoppable_thread.h"
 #include "include/cef_browser.h"
 
 namespace zantrio {
@@ -64,7 +64,7 @@ class ReachabilityWatch : public CefBaseRefCounted {
   int checksBeforeProbe_ = 0;
   bool checkPosted_ = false;
   std::shared_ptr<Result> result_;  // set from the start of a probe until its result is used
-  std::jthread probeThread_;
+  std::unique_ptr<StoppableThread> probeThread_;
 
   IMPLEMENT_REFCOUNTING(ReachabilityWatch);
 };

@@ -4,7 +4,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <thread>
 
 #include "support/http_service.h"
 
@@ -50,11 +49,12 @@ TEST(HttpProbeWithoutAnswer, EndsWhenItIsToldTo) {
   const std::string url = "http://" + silent.address().toString() + "/";
   std::atomic<bool> result{true};
   const auto start = std::chrono::steady_clock::now();
-  std::jthread prober(
-      [&](const std::stop_token& stop) { result = probeWithHttp(url, kAgent, stop); });
-  net::StreamSocket connection = silent.acceptConnection();
-  prober.request_stop();
-  prober.join();
+  net::StreamSocket connection;
+  {
+    const StoppableThread prober(
+        [&](const StopFlag& stop) { result = probeWithHttp(url, kAgent, stop); });
+    connection = silent.acceptConnection();
+  }
   EXPECT_FALSE(result);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(8));
 }

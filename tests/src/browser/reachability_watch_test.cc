@@ -20,8 +20,7 @@ class Reachability : public test::ZtCefHandlerTest {
  protected:
   Reachability() {
     ZtCefHandler::Options options;
-    options.probe = [this](const std::string& url, const std::string& userAgent,
-                           const std::stop_token&) {
+    options.probe = [this](const std::string& url, const std::string& userAgent, const StopFlag&) {
       EXPECT_EQ(url, appUrl);
       EXPECT_TRUE(userAgent.starts_with("Zantrio/1.2.3 (")) << userAgent;
       ++probes;

@@ -6,7 +6,7 @@ namespace zantrio::test {
 namespace {
 
 bool reachable(const std::string& /*url*/, const std::string& /*userAgent*/,
-               const std::stop_token& /*stop*/) {
+               const StopFlag& /*stop*/) {
   return true;
 }
 

@@ -27,6 +27,8 @@ struct SystemRecord {
   OSStatus pasteboardPut = noErr;
   bool launchServicesRaise = false;
   OSStatus launchResult = noErr;
+  int assertionResult = 0;                             // of the power manager
+  unsigned assertionsTaken = 0;                        // which also numbers them
   std::map<OSType, SInt32> gestalt;                    // missing selectors are errors
   std::map<std::string, std::string> mimeTypes;        // by extension
   std::map<std::string, std::string> typeIdentifiers;  // by MIME type

@@ -1,5 +1,6 @@
 #include "src/platform/mac/fakes/system_fake.h"
 
+#include <IOKit/pwr_mgt/IOPMLib.h>
 #include <mach-o/dyld.h>
 
 #include <cstring>
@@ -222,6 +223,24 @@ OSErr Gestalt(OSType selector, SInt32* response) {
   }
   *response = *known;
   return noErr;
+}
+
+const CFStringRef kIOPMAssertionTypePreventUserIdleSystemSleep =
+    CFSTR("PreventUserIdleSystemSleep");
+
+IOReturn IOPMAssertionCreateWithName(CFStringRef type, IOPMAssertionLevel level, CFStringRef name,
+                                     IOPMAssertionID* assertion) {
+  recordCall("assert " + textOf(type) + " at level " + std::to_string(level) + " '" + textOf(name) +
+             "'");
+  // Written also on failure; only the result shows the failure.
+  *assertion = fakeSystem().assertionsTaken + 1;
+  fakeSystem().assertionsTaken += fakeSystem().assertionResult == kIOReturnSuccess ? 1 : 0;
+  return fakeSystem().assertionResult;
+}
+
+IOReturn IOPMAssertionRelease(IOPMAssertionID assertion) {
+  recordCall("end assertion " + std::to_string(assertion));
+  return kIOReturnSuccess;
 }
 
 int _NSGetExecutablePath(char* buffer, std::uint32_t* bufferSize) {

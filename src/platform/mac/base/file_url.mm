@@ -1,26 +1,9 @@
-// Status and URLs of files.
-#import <Foundation/Foundation.h>
-#include <fcntl.h>
-#include <sys/stat.h>
-
-#include <cerrno>
-
-#include "files/file_status.h"
 #include "files/file_url.h"
+
+#import <Foundation/Foundation.h>
 
 namespace zantrio {
 namespace {
-
-FileStatus::Kind kindOf(mode_t mode) {
-  if (S_ISREG(mode)) {
-    return FileStatus::Kind::kRegularFile;
-  }
-  return S_ISDIR(mode) ? FileStatus::Kind::kDirectory : FileStatus::Kind::kOther;
-}
-
-std::int64_t microsecondsOf(const timespec& time) {
-  return toMicroseconds(time.tv_sec, time.tv_nsec);
-}
 
 enum class PathKind { kAskTheSystem, kDirectory, kNoDirectory };
 
@@ -52,23 +35,6 @@ void setUrl(const std::string& path, PathKind kind, std::string& url) {
 }
 
 }  // namespace
-
-int readFileStatus(const std::string& path, FileStatus& status) {
-  return readFileStatus(AT_FDCWD, path, status);
-}
-
-int readFileStatus(int folder, const std::string& name, FileStatus& status) {
-  struct stat data {};
-  if (fstatat(folder, name.c_str(), &data, 0) != 0) {
-    return errno;
-  }
-  status.kind = kindOf(data.st_mode);
-  status.identity = {static_cast<std::uint64_t>(data.st_dev), data.st_ino};
-  status.size = static_cast<std::uint64_t>(data.st_size);
-  status.modifiedMicros = microsecondsOf(data.st_mtimespec);
-  status.createdMicros = microsecondsOf(data.st_birthtimespec);
-  return 0;
-}
 
 void filePathToUrl(const std::string& path, std::string& url) {
   setUrl(path, PathKind::kAskTheSystem, url);

@@ -13,9 +13,10 @@ from lint.changes import BaseUnknown, base, changed_files
 from lint.clang_checks import thread_safety_check, thread_safety_units, tidy_check
 from lint.clean_units import CleanUnits
 from lint.compilation import Compilation, Unit
+from lint.darwin_check import darwin_check, darwin_units, find_compiler
 from lint.unit_checks import Check, Run, run_check
 
-CHECKS = ('format', 'cycles', 'thread-safety', 'tidy')
+CHECKS = ('format', 'cycles', 'thread-safety', 'tidy', 'darwin')
 DESCRIPTION = """\
 Checks the sources without running them; without a name, all checks:
 
@@ -23,6 +24,9 @@ Checks the sources without running them; without a name, all checks:
   cycles         the folders of each source root include each other in one direction only
   thread-safety  clang's analysis of the lock annotations in libs/zt_transfers
   tidy           clang-tidy
+  darwin         what macOS compiles, with the zig compiler, which carries that system's headers: the
+                 one of --zig or on the PATH. Without a compiler the check is skipped. What includes
+                 headers of frameworks is checked if --darwin-headers names a folder that has them.
 
 What was clean and has not changed since is not checked again. Exits with 1 if there are findings.
 """
@@ -40,6 +44,10 @@ def parse(arguments: List[str]) -> argparse.Namespace:
                         help='tidy only sources below PATH; may be repeated')
     parser.add_argument('--budget', type=float, metavar='SECONDS',
                         help='begin no source after this time; prints how many were not reached')
+    parser.add_argument('--zig', default=os.environ.get('LINT_ZIG'), metavar='PROGRAM',
+                        help='the compiler for "darwin"; without it $LINT_ZIG')
+    parser.add_argument('--darwin-headers', default=os.environ.get('LINT_DARWIN_HEADERS'), metavar='FOLDER',
+                        help='has CoreFoundation/*.h and IOKit/*.h; without it $LINT_DARWIN_HEADERS')
     parser.add_argument('-j', '--jobs', type=int, default=os.cpu_count(), metavar='N')
     options = parser.parse_args(arguments)
     for name in options.checks:
@@ -60,6 +68,9 @@ def main(repository: str) -> int:
             findings = include_cycles.check(repository)
             print('\n'.join(findings), end='\n' if findings else '')
             good = not findings
+        elif name == 'darwin' and not find_compiler(options.zig):
+            print(f'lint: darwin skipped: there is no compiler {options.zig or "zig on the PATH"}')
+            continue
         else:
             good = check_units(name, repository, build, options)
         print(f'lint: {name} {"passed" if good else "FAILED"} ({time.monotonic() - begin:.0f} s)',
@@ -74,6 +85,10 @@ def check_units(name: str, repository: str, build: str, options: argparse.Namesp
     if name == 'thread-safety':
         units = thread_safety_units(compilation)
         check = thread_safety_check()
+    elif name == 'darwin':
+        work = os.path.join(build, 'lint', 'darwin')
+        units = darwin_units(compilation, options.darwin_headers, work)
+        check = darwin_check(find_compiler(options.zig), work)
     else:
         units = tidy_units(repository, compilation, options)
         check = tidy_check(repository, write_database(build, compilation))

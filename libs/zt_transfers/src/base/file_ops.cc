@@ -10,7 +10,6 @@
 #endif
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 
@@ -101,12 +100,7 @@ bool CPosixFileOps::reserve(int file, std::uint64_t size) {
   if (liesInMemory(file)) {
     return true;
   }
-#if defined(__linux__)
-  return ::fallocate(file, FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(size)) == 0 ||
-         (errno != ENOSPC && errno != EDQUOT && errno != EFBIG);
-#else
-  return true;
-#endif
+  return allocate(file, size) || (errno != ENOSPC && errno != EDQUOT && errno != EFBIG);
 }
 
 bool CPosixFileOps::setTimes(int file, timespec time) {
@@ -131,11 +125,7 @@ bool CPosixFileOps::makeFolder(int parent, const char* name) {
 }
 
 bool CPosixFileOps::renameWithoutReplacing(int folder, const char* from, const char* to) {
-#if defined(__APPLE__)
-  return supported(::renameatx_np(folder, from, folder, to, RENAME_EXCL) == 0);
-#else
-  return supported(::renameat2(folder, from, folder, to, RENAME_NOREPLACE) == 0);
-#endif
+  return supported(renameExclusively(folder, from, to));
 }
 
 bool CPosixFileOps::rename(int folder, const char* from, const char* to) {
@@ -148,64 +138,6 @@ bool CPosixFileOps::link(int folder, const char* from, const char* to) {
 
 bool CPosixFileOps::unlink(int folder, const char* name) {
   return ::unlinkat(folder, name, 0) == 0;
-}
-
-bool CPosixFileOps::syncContent(int file) {
-#if defined(__APPLE__)
-  return ::fsync(file) == 0;
-#else
-  return ::fdatasync(file) == 0;
-#endif
-}
-
-bool CPosixFileOps::sync(int file) {
-  return ::fsync(file) == 0;
-}
-
-bool CPosixFileOps::hasFileSystemSync(int file) {
-#if defined(__linux__)
-  constexpr long kZfs = 0x2FC12FC1;  // not in the kernel's headers
-  constexpr std::array kLocal = std::to_array<long>(
-      {EXT4_SUPER_MAGIC, XFS_SUPER_MAGIC, BTRFS_SUPER_MAGIC, F2FS_SUPER_MAGIC, kZfs, TMPFS_MAGIC});
-  struct statfs system {};
-  return ::fstatfs(file, &system) == 0 &&
-         std::find(kLocal.begin(), kLocal.end(), static_cast<long>(system.f_type)) != kLocal.end();
-#else
-  static_cast<void>(file);
-  return false;
-#endif
-}
-
-bool CPosixFileOps::syncFileSystem(int file) {
-#if defined(__linux__)
-  return ::syncfs(file) == 0;
-#else
-  static_cast<void>(file);
-  errno = ENOTSUP;
-  return false;
-#endif
-}
-
-bool CPosixFileOps::contentWritten(int file) {
-#if defined(__linux__)
-  // syncfs reports only errors since its descriptor was opened, so each file is checked too. Once
-  // everything is written, this call does not wait.
-  return ::sync_file_range(file, 0, 0, SYNC_FILE_RANGE_WAIT_BEFORE) == 0;
-#else
-  static_cast<void>(file);
-  return true;
-#endif
-}
-
-void CPosixFileOps::startWriting(int file, std::uint64_t begin, std::uint64_t end) {
-#if defined(__linux__)
-  ::sync_file_range(file, static_cast<off_t>(begin), static_cast<off_t>(end - begin),
-                    SYNC_FILE_RANGE_WRITE);
-#else
-  static_cast<void>(file);
-  static_cast<void>(begin);
-  static_cast<void>(end);
-#endif
 }
 
 }  // namespace zt_transfers

@@ -91,12 +91,18 @@ class CPosixFileOps : public IFileOps {
   bool rename(int folder, const char* from, const char* to) override;
   bool link(int folder, const char* from, const char* to) override;
   bool unlink(int folder, const char* name) override;
+
+  // These are implemented by each system.
   bool syncContent(int file) override;
   bool sync(int file) override;
   bool hasFileSystemSync(int file) override;
   bool syncFileSystem(int file) override;
   bool contentWritten(int file) override;
   void startWriting(int file, std::uint64_t begin, std::uint64_t end) override;
+
+ private:
+  bool allocate(int file, std::uint64_t size);
+  bool renameExclusively(int folder, const char* from, const char* to);
 };
 
 }  // namespace zt_transfers

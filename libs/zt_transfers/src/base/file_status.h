@@ -1,10 +1,8 @@
 #pragma once
 
 #include <sys/stat.h>
-#if defined(__linux__)
-#include <linux/magic.h>
-#include <sys/vfs.h>
-#endif
+
+#include <ctime>
 
 #include "base/system_failure.h"
 
@@ -19,16 +17,14 @@ inline struct stat statusOf(int file) {
   return status;
 }
 
+// The rest is implemented by each system.
+
 // Whether the file is on a file system without a disk (tmpfs). Access waits only where pages were
 // swapped out, which cannot be known in advance.
-inline bool liesInMemory(int file) {
-#if defined(__linux__)
-  struct statfs system {};
-  return ::fstatfs(file, &system) == 0 && system.f_type == TMPFS_MAGIC;
-#else
-  static_cast<void>(file);
-  return false;
-#endif
-}
+bool liesInMemory(int file);
+
+// The time of the last change of a file's content, and of its content or attributes.
+timespec contentChangeOf(const struct stat& status);
+timespec lastChangeOf(const struct stat& status);
 
 }  // namespace zt_transfers

@@ -13,6 +13,7 @@
 #include <system_error>
 
 #include "base/mutex.h"
+#include "base/this_thread.h"
 #include "shown_text/one_line.h"
 #include "shown_text/secrets.h"
 
@@ -48,7 +49,7 @@ std::string timeStamp() {
 std::string describeThisThread() {
   char name[32] = "";
   ::pthread_getname_np(::pthread_self(), name, sizeof name);
-  return std::to_string(::gettid()) + " " + name;
+  return std::to_string(thisThreadId()) + " " + name;
 }
 
 // Asked for once a thread, as it takes two system calls. The library's threads have their names

@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "base/thread_name.h"
+#include "base/this_thread.h"
 #include "http/http_exchange.h"
 #include "http/stall_check.h"
 

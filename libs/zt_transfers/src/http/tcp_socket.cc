@@ -2,12 +2,7 @@
 
 #include <netinet/in.h>
 #include <netinet/tcp.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
-
-#if defined(__linux__)
-#include <linux/sockios.h>
-#endif
 
 namespace zt_transfers {
 namespace {
@@ -25,30 +20,9 @@ void set(int socket, int level, int option, int value) {
 
 void prepareTcpSocket(int socket) {
   set(socket, SOL_SOCKET, SO_KEEPALIVE, 1);
-#if defined(__linux__)
-  set(socket, IPPROTO_TCP, TCP_KEEPIDLE, kIdleSeconds);
-  constexpr int kGoneAfter = (kIdleSeconds + kQuestions * kQuestionInterval) * 1000;
-  set(socket, IPPROTO_TCP, TCP_USER_TIMEOUT, kGoneAfter);
-#elif defined(TCP_KEEPALIVE)
-  set(socket, IPPROTO_TCP, TCP_KEEPALIVE, kIdleSeconds);
-#endif
-#if defined(TCP_KEEPINTVL) && defined(TCP_KEEPCNT)
   set(socket, IPPROTO_TCP, TCP_KEEPINTVL, kQuestionInterval);
   set(socket, IPPROTO_TCP, TCP_KEEPCNT, kQuestions);
-#endif
-}
-
-std::optional<std::uint64_t> unconfirmedBytes(int socket) {
-  int bytes = 0;
-#if defined(__linux__)
-  const bool known = ::ioctl(socket, SIOCOUTQ, &bytes) == 0;
-#elif defined(SO_NWRITE)
-  socklen_t size = sizeof bytes;
-  const bool known = ::getsockopt(socket, SOL_SOCKET, SO_NWRITE, &bytes, &size) == 0;
-#else
-  const bool known = false;
-#endif
-  return known ? std::optional<std::uint64_t>(bytes) : std::nullopt;
+  setPeerLimits(socket, kIdleSeconds, kIdleSeconds + kQuestions * kQuestionInterval);
 }
 
 }  // namespace zt_transfers

@@ -3,7 +3,7 @@
 #include <optional>
 #include <utility>
 
-#include "base/thread_name.h"
+#include "base/this_thread.h"
 #include "engine/event_throttle.h"
 
 namespace zt_transfers {

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "base/thread_name.h"
+#include "base/this_thread.h"
 
 namespace zt_transfers {
 

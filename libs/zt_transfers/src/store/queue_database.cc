@@ -101,6 +101,7 @@ CQueueDatabase::CQueueDatabase(const std::string& path, std::chrono::millisecond
     }
     connection_.execute("PRAGMA journal_mode = WAL");
     connection_.execute("PRAGMA synchronous = FULL");  // what is committed survives a power cut
+    connection_.execute("PRAGMA fullfsync = ON");      // where fsync leaves the drive's cache alone
     connection_.execute("PRAGMA wal_autocheckpoint = 4000");      // pages
     connection_.execute("PRAGMA journal_size_limit = 33554432");  // bytes
     statements_ = std::make_unique<Statements>(connection_.get());

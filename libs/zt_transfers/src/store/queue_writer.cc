@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "base/thread_name.h"
+#include "base/this_thread.h"
 
 namespace zt_transfers {
 namespace {

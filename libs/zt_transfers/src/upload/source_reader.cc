@@ -1,13 +1,13 @@
 #include "upload/source_reader.h"
 
 #include <fcntl.h>
-#include <sys/uio.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 
 #include "base/file_status.h"
+#include "upload/page_cache.h"
 #include "upload/source_version.h"
 
 namespace zt_transfers {
@@ -45,12 +45,9 @@ std::optional<AttemptOutcome> CSourceReader::open() {
   if (readRequest_.hash) {
     md5_.emplace();
   }
-#if defined(POSIX_FADV_SEQUENTIAL)
   if (span.length() > kChunk) {
-    ::posix_fadvise(file_.get(), static_cast<off_t>(span.begin), static_cast<off_t>(span.length()),
-                    POSIX_FADV_SEQUENTIAL);
+    expectSequentialRead(file_.get(), span.begin, span.length());
   }
-#endif
   return std::nullopt;
 }
 
@@ -88,24 +85,19 @@ std::optional<AttemptOutcome> CSourceReader::readNext(SourceChunk& chunk) {
 }
 
 bool CSourceReader::readCached(SourceChunk& chunk) {
-#if defined(__linux__)
   if (md5_ || end_ - offset_ <= kChunk) {
     return false;
   }
   makeRoomIn(chunk, kChunk);
-  const iovec memory{chunk.data.get(), kChunk};
   const ssize_t got =
-      ::preadv2(file_.get(), &memory, 1, static_cast<off_t>(offset_), inMemory_ ? 0 : RWF_NOWAIT);
+      inMemory_ ? ::pread(file_.get(), chunk.data.get(), kChunk, static_cast<off_t>(offset_))
+                : readFromMemory(file_.get(), chunk.data.get(), kChunk, offset_);
   if (got <= 0) {
     return false;
   }
   chunk.size = static_cast<std::size_t>(got);
   offset_ += chunk.size;
   return true;
-#else
-  static_cast<void>(chunk);
-  return false;
-#endif
 }
 
 }  // namespace zt_transfers

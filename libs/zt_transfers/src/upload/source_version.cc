@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include "base/file_status.h"
 #include "engine/fault_table.h"
 
 namespace zt_transfers {
@@ -24,13 +25,8 @@ SourceVersion versionOf(const struct stat& status) {
   version.device = static_cast<std::uint64_t>(status.st_dev);
   version.inode = static_cast<std::uint64_t>(status.st_ino);
   version.size = static_cast<std::uint64_t>(status.st_size);
-#if defined(__APPLE__)
-  version.modified = nanoseconds(status.st_mtimespec);
-  version.touched = nanoseconds(status.st_ctimespec);
-#else
-  version.modified = nanoseconds(status.st_mtim);
-  version.touched = nanoseconds(status.st_ctim);
-#endif
+  version.modified = nanoseconds(contentChangeOf(status));
+  version.touched = nanoseconds(lastChangeOf(status));
   return version;
 }
 

@@ -1,4 +1,4 @@
-#include "power/logind_inhibitor.h"
+#include "platform/linux/logind_inhibitor.h"
 
 #include <fcntl.h>
 #include <systemd/sd-bus.h>

@@ -50,6 +50,8 @@ class OffScreenBrowser final : public QObject, public OffScreenPart {
   double scale() const { return scale_; }
   // The widget that shows the page; null until there is one.
   QQuickWidget* page() const;
+  // The open pop-up; null if there is none.
+  QQuickWidget* popup() const { return popup_ ? popup_->widget() : nullptr; }
   // The open pop-up under a pixel of the view; null if there is none.
   QQuickWidget* popupAt(const QPoint& point) const;
 

@@ -60,9 +60,10 @@ QPointF OffScreenInput::toView(const CefMouseEvent& event) const {
 std::optional<OffScreenInput::Target> OffScreenInput::targetOf(const CefMouseEvent& event) {
   const QPointF inView = toView(event);
   const QPointF global = browser_.view()->mapToGlobal(inView);
-  QWidget* widget = pressed_;
-  if (!widget) {
-    widget = browser_.popupAt(inView.toPoint());
+  QWidget* widget = browser_.popupAt(inView.toPoint());
+  // A list that the press has opened takes the pointer once that is moved over it.
+  if (pressed_ && (!widget || !isChosenFrom(widget))) {
+    widget = pressed_;
   }
   if (!widget) {
     widget = browser_.page();
@@ -80,6 +81,25 @@ void OffScreenInput::click(const CefMouseEvent& event, cef_mouse_button_type_t t
   if (!target) {
     return;
   }
+  if (up && pressed_ && target->widget != pressed_) {
+    dragEnded();
+    // The list has seen no press, without which it chooses nothing.
+    sendClick(*target, event, type, false, 1);
+  }
+  if (!up) {
+    pressed_ = target->widget;
+    openAtPress_ = browser_.popup();
+    movedSincePress_ = false;
+  }
+  sendClick(*target, event, type, up, clickCount);
+}
+
+bool OffScreenInput::isChosenFrom(const QWidget* popup) const {
+  return popup != openAtPress_ && popup != pressed_ && movedSincePress_;
+}
+
+void OffScreenInput::sendClick(const Target& target, const CefMouseEvent& event,
+                               cef_mouse_button_type_t type, bool up, int clickCount) {
   const Qt::MouseButton button = buttonOf(type);
   Qt::MouseButtons held = buttonsOf(event.modifiers);
   held.setFlag(button, !up);
@@ -87,16 +107,15 @@ void OffScreenInput::click(const CefMouseEvent& event, cef_mouse_button_type_t t
   if (!up) {
     kind = clickCount % 2 == 0 && clickCount > 0 ? QEvent::MouseButtonDblClick
                                                  : QEvent::MouseButtonPress;
-    pressed_ = target->widget;
   }
-  QMouseEvent sent(kind, target->local, target->global, button, held,
+  QMouseEvent sent(kind, target.local, target.global, button, held,
                    keyboardModifiersOf(event.modifiers));
   if (up) {
     pressed_ = nullptr;
   } else {
-    sent.setTimestamp(timeOfPress(button, target->global.toPoint(), clickCount));
+    sent.setTimestamp(timeOfPress(button, target.global.toPoint(), clickCount));
   }
-  QApplication::sendEvent(target->widget, &sent);
+  QApplication::sendEvent(target.widget, &sent);
 }
 
 // Qt WebEngine counts clicks itself by the times and positions of presses. The returned time leads
@@ -121,6 +140,7 @@ quint64 OffScreenInput::timeOfPress(Qt::MouseButton button, const QPoint& point,
 
 void OffScreenInput::move(const CefMouseEvent& event, bool leaves) {
   noteInput();
+  movedSincePress_ = true;
   const auto target = targetOf(event);
   if (!target) {
     return;

@@ -58,6 +58,9 @@ class OffScreenInput {
   QPoint angleOf(int deltaX, int deltaY);
   quint64 timeOfPress(Qt::MouseButton button, const QPoint& point, int clickCount);
   std::optional<Target> targetOf(const CefMouseEvent& event);
+  bool isChosenFrom(const QWidget* popup) const;
+  void sendClick(const Target& target, const CefMouseEvent& event, cef_mouse_button_type_t type,
+                 bool up, int clickCount);
   void sendKey(const CefKeyEvent& event, bool press, char16_t character);
   void noteInput();
 
@@ -66,6 +69,8 @@ class OffScreenInput {
   unsigned int keySequence_ = 0;
   // The widget with the pressed button; it also receives the moves and the release.
   QPointer<QWidget> pressed_;
+  QPointer<QWidget> openAtPress_;  // the pop-up
+  bool movedSincePress_ = false;
   Press lastPress_;
   QPointF unsentAngle_;  // of the wheel, below one unit
 };

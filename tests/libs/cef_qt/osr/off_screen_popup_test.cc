@@ -69,6 +69,24 @@ TEST_F(OffScreenPopup, IsPaintedBelowItsFieldAndTakesClicks) {
   EXPECT_EQ(screen().popupCount, 3);
 }
 
+TEST_F(OffScreenPopup, TakesTheChoiceUnderWhichTheButtonIsReleased) {
+  screen().popupPaints.clear();
+  shown_.move(40, 20);
+  shown_.press(40, 20);
+  ASSERT_TRUE(opens());
+  const int middle = 34 + screen().popupRect.height / 2;
+  shown_.move(42, 30, EVENTFLAG_LEFT_MOUSE_BUTTON);
+  shown_.move(44, middle, EVENTFLAG_LEFT_MOUSE_BUTTON);
+  shown_.release(44, middle);
+  EXPECT_TRUE(page().becomes("list.value", "two"));
+  EXPECT_TRUE(closes());
+  // The page has no button pressed any more.
+  open();
+  ASSERT_TRUE(opens());
+  shown_.click(40, 36);
+  EXPECT_TRUE(page().becomes("list.value", "one"));
+}
+
 // On a press on its list, the page closes the list, opens it again and closes it at once. The
 // client must not hear of the second one.
 TEST_F(OffScreenPopup, OpensAgainRightAfterItClosed) {

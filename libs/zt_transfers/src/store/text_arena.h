@@ -26,7 +26,7 @@ class CTextArena {
     }
     const char* place = free_;
     std::memcpy(free_, &length, sizeof length);
-    std::memcpy(free_ + sizeof length, text.data(), text.size());
+    text.copy(free_ + sizeof length, text.size());
     free_ += needed;
     left_ -= needed;
     return place;
